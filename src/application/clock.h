@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <QDateTime>
+#include <QTimeZone>
+
+/**
+ * Time as the engine sees it: the current time, the device's zone and the length of every timer.
+ *
+ * All code that starts a timer passes its interval through timerInterval(), and all code that asks for the
+ * time asks here, so that another clock can be put in (a test shortens a delay of minutes, or sets the date).
+ * There is one clock a process. Main thread only.
+ */
+class Clock
+{
+public:
+    virtual ~Clock() = default;
+
+    static Clock &instance();
+
+    /** Puts another clock in; the caller keeps ownership. Null brings the system's clock back. */
+    static void setInstance(Clock *clock);
+
+    virtual QDateTime currentDateTimeUtc() const;
+    virtual QTimeZone timeZone() const;
+
+    /** What a timer of this nominal length, in milliseconds, is really started with. */
+    virtual int timerInterval(int milliseconds) const;
+};

@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <QDateTime>
+#include <QList>
+#include <QObject>
+#include <QPair>
+#include <QStringList>
+
+class EasCalendarItem;
+class EasFolderItem;
+
+/**
+ * The device's calendar store as the requests see it: calendar folders and events of one account.
+ *
+ * An account owns its storage and hands it out as a shared pointer. Operations return false after they have
+ * logged what went wrong. Main thread only.
+ */
+class CalendarStorage : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit CalendarStorage(QObject *parent);
+    ~CalendarStorage() override;
+
+    virtual bool updateFolders(
+        QList<EasFolderItem> &added, QList<EasFolderItem> &changed, const QStringList &deleted) = 0;
+
+    /** Applies one reply; server identifiers whose events were made anew are appended to replaced. */
+    virtual bool updateItems(QList<EasCalendarItem> &added, QList<EasCalendarItem> &changed,
+        const QStringList &deleted, QStringList &replaced) = 0;
+
+    /** Marks occurrences (pairs of series local id and occurrence start) as changed on the device. */
+    virtual bool touchItems(
+        const QString &folderServerId, const QList<QPair<QString, QString>> &instances) = 0;
+
+    /** Local changes of a folder made from one time (seconds since the epoch) on; newTime is where the next
+     * query starts. */
+    virtual bool queryLocalUpdates(const QString &localFolderId, qint64 from, qint64 &newTime,
+        QList<EasCalendarItem> &added, QList<EasCalendarItem> &changed, QStringList &deletedServerIds) = 0;
+
+    /** Seconds since the epoch up to which the folder's local changes are known to the server. */
+    virtual bool syncTime(const QString &localFolderId, qint64 &time) = 0;
+    virtual bool setSyncTime(const QString &localFolderId, qint64 time) = 0;
+
+    virtual bool cleanUpFolder(const EasFolderItem &folder) = 0;
+    virtual bool uploadedLocalChanges(QList<EasCalendarItem> &added, QList<EasCalendarItem> &changed,
+        const QStringList &deletedServerIds) = 0;
+
+    /** iCalendar data for the meeting request of a mail, or an empty array. */
+    virtual QByteArray iTIPRequestData(const class EasMeetingRequestContainer &request,
+        const QString &organizer, const QString &description) = 0;
+
+Q_SIGNALS:
+    void changesAvailable(const QStringList &changedLocalFolderIds);
+};

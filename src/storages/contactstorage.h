@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include "common/easaccountid.h"
+
+#include <QList>
+#include <QObject>
+#include <QStringList>
+
+class EasContactsItem;
+class EasFolderItem;
+
+/**
+ * The device's contact store as the requests see it: contact folders and contacts of one account.
+ *
+ * An account owns its storage and hands it out as a shared pointer. Operations return false after they have
+ * logged what went wrong. Main thread only.
+ */
+class ContactStorage : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit ContactStorage(QObject *parent);
+    ~ContactStorage() override;
+
+    virtual bool updateFolders(
+        QList<EasFolderItem> &added, QList<EasFolderItem> &changed, const QStringList &deleted) = 0;
+    virtual bool updateItems(const QString &folderServerId, QList<EasContactsItem> &added,
+        QList<EasContactsItem> &changed, const QStringList &deleted) = 0;
+    virtual bool cleanUpFolder(const EasFolderItem &folder) = 0;
+    virtual bool queryChanges(const EasFolderItem &folder, QList<EasContactsItem> *added,
+        QList<EasContactsItem> *changed, QStringList *deletedServerIds) = 0;
+    virtual bool uploadedLocalChanges(const QStringList &addedLocalIds, const QStringList &changedLocalIds,
+        const QStringList &deletedLocalIds) = 0;
+    virtual void setFailedLocalChangesIds(const QStringList &localIds) = 0;
+
+public Q_SLOTS:
+    virtual void onSyncCompleted(EasAccountId accountId, qulonglong requestId, int status) = 0;
+
+Q_SIGNALS:
+    void changesAvailable(const QStringList &changedLocalFolderIds);
+};

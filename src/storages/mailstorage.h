@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include "easitems/easitemscommon.h"
+
+#include <QList>
+#include <QObject>
+#include <QStringList>
+
+class EasAccount;
+class EasBodyContainer;
+class EasEmailItem;
+class EasFolderItem;
+
+/**
+ * The device's mail store as the requests see it: folders and messages of one account.
+ *
+ * An account owns its storage and hands it out as a shared pointer. Operations return false (or an empty
+ * list) after they have logged what went wrong; none throws. Main thread only.
+ */
+class MailStorage : public QObject
+{
+    Q_OBJECT
+
+public:
+    MailStorage(EasAccount *account, QObject *parent);
+    ~MailStorage() override;
+
+    EasAccount *account() const;
+
+    virtual bool updateFolders(
+        QList<EasFolderItem> &added, QList<EasFolderItem> &changed, const QStringList &deleted) = 0;
+    virtual bool updateEmails(
+        QList<EasEmailItem> &added, QList<EasEmailItem> &changed, const QStringList &deleted) = 0;
+    virtual bool addSearchResults(QList<EasEmailItem> &items, QList<quint64> &ids) = 0;
+    virtual bool successfullyUpdatedEmails(QList<EasEmailItem> &items) = 0;
+    virtual QList<EasEmailItem> addedEmails(const QString &localFolderId) = 0;
+    virtual QList<EasEmailItem> updatedEmails(const QString &localFolderId) = 0;
+    virtual QList<EasEmailItem> movedEmails() = 0;
+    virtual QStringList deletedEmails(const QString &localFolderId) = 0;
+    virtual bool purgeDeletedEmails(const QStringList &serverUids) = 0;
+    virtual QList<EasFolderItem> addedFolders() = 0;
+    virtual bool purgeAddedFolders() = 0;
+    virtual QStringList deletedFolders() = 0;
+    virtual bool purgeDeletedFolders() = 0;
+    virtual bool deleteEmailsByLocalIds(const QList<quint64> &ids) = 0;
+    virtual EasEmailItem queryMessage(const QString &localId) = 0;
+    virtual EasEmailItem smartQueryMessage(const QString &localId) = 0;
+    virtual bool isReply(const QString &localId) const = 0;
+    virtual bool isForward(const QString &localId) const = 0;
+    virtual bool initialized() const = 0;
+    virtual bool updateMovedEmails(const QList<EasEmailItem> &items) = 0;
+    virtual bool updateBodyPart(quint64 messageId, const EasBodyContainer &body) = 0;
+    virtual bool updateMessagePart(quint64 messageId, const QString &location, const QString &contentType,
+        const QByteArray &data, const QString &fileName) = 0;
+    virtual bool updateCalendarResponsePart(
+        quint64 messageId, quint64 replyMessageId, EasItemsCommon::UserResponseType response) = 0;
+    virtual bool updateCalendarResponsePart(
+        quint64 replyMessageId, const QString &eventId, EasItemsCommon::UserResponseType response) = 0;
+    virtual QStringList queryAttachmentsLocations(quint64 messageId, bool onlyDownloaded) = 0;
+    virtual bool isAttachmentDownloaded(quint64 messageId, const QString &location) = 0;
+    virtual EasItemsCommon::TBoolean isAttachmentPart(quint64 messageId, const QString &location) = 0;
+    virtual QString fileReferenceFromLocation(quint64 messageId, const QString &location) = 0;
+    virtual QString serverUidFromMessageId(quint64 messageId) = 0;
+    virtual int estimatedDataSizeFromLocation(quint64 messageId, const QString &location) = 0;
+    virtual void cleanUpFolder(const EasFolderItem &folder) = 0;
+    virtual QList<EasFolderItem> foldersToSynchronize() = 0;
+
+Q_SIGNALS:
+    /** The user changed something in this account's mail that the server does not know yet. */
+    void changesAvailable();
+
+private:
+    EasAccount *mAccount;
+};
