@@ -9,10 +9,10 @@ class EasItemsCommon
     Q_GADGET
 
 public:
-    enum TBoolean { TUndefined = -1, TFalse = 0, TTrue = 1 };
+    enum TBoolean : int { TUndefined = -1, TFalse = 0, TTrue = 1 };
     Q_ENUM(TBoolean)
 
-    enum NativeBodyType {
+    enum NativeBodyType : int {
         NativeBodyTypeUnspecified = -1,
         PlainTextNativeBodyType = 1,
         HTMLNativeBodyType = 2,
@@ -20,7 +20,7 @@ public:
     };
     Q_ENUM(NativeBodyType)
 
-    enum UserResponseType {
+    enum UserResponseType : int {
         UserResponseUndefined = 0,
         UserResponseAccepted = 1,
         UserResponseTentativelyAccepted = 2,
@@ -29,4 +29,13 @@ public:
         UserResponseMax = UserResponseDeclined
     };
     Q_ENUM(UserResponseType)
+
+    /** Class of an item; None until something tells. */
+    enum ItemDataType : int {
+        NoneItemData = 0,
+        EmailItemData = 1,
+        ContactItemData = 2,
+        CalendarItemData = 3
+    };
+    Q_ENUM(ItemDataType)
 };
