@@ -1,0 +1,143 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include "common/easaccountid.h"
+
+#include <QNetworkReply>
+#include <QObject>
+#include <QPointer>
+#include <QSslError>
+#include <QTimer>
+
+class EasAccount;
+class QNetworkRequest;
+class QSslCertificate;
+class QSslKey;
+class QUrlQuery;
+class Request;
+
+/**
+ * One HTTP exchange with an account's server: one command, one finished() signal.
+ *
+ * The base builds the URL and the headers, posts the body through the NetworkManager, follows a server's
+ * redirect, and turns what came back into a status. A command gives what is its own:
+ *
+ *   - commandName(), the "Cmd" of the URL;
+ *   - encodeBody(), the WBXML (or other) body for the account's protocol version;
+ *   - parseReply(), which reads the reply's body, keeps the result and calls setStatus() with the status
+ *     that the server gave; false if the body could not be read, which makes the status -2;
+ *   - texts(), the lines that name it in the log;
+ *   - where needed configureCommandSpecificQueryValues() for more query items, prepareRequest() for more
+ *     headers, logBody() for a body that is not WBXML.
+ *
+ * start() and handleFinished() then are the same in every command; a command whose exchange really differs
+ * overrides them.
+ *
+ * The status is 0 (nothing recorded), a status of the server, 10000 plus a QNetworkReply::NetworkError, or -2
+ * for what could not be built or read. finished(true) means that a reply came and was read, whatever status
+ * the server put into it. finished(false) leaves results undefined.
+ *
+ * A command belongs to its request, its parent, which calls deleteLater() on it; it needs the account to
+ * exist in the RequestManager and, but for the version negotiation, to have a protocol version. It can be
+ * started again after it finished. It never retries by itself. Main thread only.
+ */
+class BaseProtocolCommand : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit BaseProtocolCommand(EasAccountId accountId, QObject *parent = nullptr);
+    ~BaseProtocolCommand() override;
+
+    /** Takes the account, builds the request, encodes, logs and posts. */
+    virtual void start();
+    /** Aborts. finished(false) with status 10005 comes before this returns. */
+    virtual void stop();
+    /** Drops the reply and calls start() again. */
+    virtual void retryCommand();
+    virtual EasAccountId accountId() const;
+    /** May be null: accounts vanish while commands run. */
+    virtual EasAccount *account() const;
+
+    int status() const;
+    /** -1 while unknown, both. */
+    qint64 bytesReceived() const;
+    qint64 bytesTotal() const;
+    /** The parent, if it is a request. */
+    Request *parentRequest() const;
+
+Q_SIGNALS:
+    void started();
+    void finished(bool success);
+
+protected:
+    /** The lines that name a command in the log. */
+    struct ExchangeTexts
+    {
+        /** "Sending ... command via POST:" */
+        const char *sending;
+        /** "Received ... command reply:" */
+        const char *received;
+        /** What a reply with a transport error logs; null for nothing. */
+        const char *replyError;
+    };
+
+    virtual QString commandName() const;
+    virtual ExchangeTexts texts() const;
+    /** Appends to an empty body; false, after it logged the reason, if there is nothing to send. */
+    virtual bool encodeBody(EasAccount &account, QByteArray *body);
+    virtual void prepareRequest(QNetworkRequest &request);
+    virtual bool parseReply(QNetworkReply *reply, const QByteArray &body);
+    /** Dumps a body, as WBXML here, in the wire category. Called for sent and received bodies. */
+    virtual void logBody(const QByteArray &body) const;
+
+    virtual void configureCommandSpecificQueryValues(QUrlQuery &query);
+    virtual bool post(const QNetworkRequest &request, const QByteArray &body);
+    virtual bool sendCustomRequest(
+        const QNetworkRequest &request, const QByteArray &verb, const QByteArray &body);
+    virtual void handleDownloadProgress(qint64 bytesReceived, qint64 bytesTotal);
+    virtual void handleFinished(QNetworkReply *reply);
+    virtual void handleError(QNetworkReply::NetworkError networkError);
+    virtual void handleSslErrors(const QList<QSslError> &errors);
+
+    /** Marks the command as running; false if it is already. */
+    bool begin();
+    /** Lets the reply go and emits finished(), once a run. */
+    void end(bool success);
+    void setStatus(int status);
+    bool configureNetworkRequest(QNetworkRequest &request, const QString &command);
+    /** Certificate checks off and client certificate on, as the account's settings say. */
+    bool configureSsl(QNetworkRequest &request, const EasAccount &account) const;
+    bool getSslCredentials(
+        const QString &path, const QString &password, QSslCertificate *certificate, QSslKey *key) const;
+    bool connectReply() const;
+    /** Sets a header, unless its value could break out of its line. */
+    static bool setHeader(QNetworkRequest &request, const char *name, const QByteArray &value);
+    /** "Headers: " and the header pairs of a reply, cookies without their values. */
+    static void logHeaders(const QNetworkReply &reply);
+
+    void queryAddUser(QUrlQuery &query, const QString &userName) const;
+    void queryAddCommand(QUrlQuery &query, const QString &command) const;
+    void queryAddDeviceId(QUrlQuery &query, const QString &deviceId) const;
+    void queryAddDeviceType(QUrlQuery &query, const QString &deviceType) const;
+
+private Q_SLOTS:
+    void onReplyDownloadProgress(qint64 bytesReceived, qint64 bytesTotal);
+    void onReplyFinished();
+    void onReplyError(QNetworkReply::NetworkError networkError);
+    void onSslErrors(const QList<QSslError> &errors);
+
+private:
+    bool redirect();
+    void dropReply();
+    bool takeReply(QNetworkReply *reply);
+
+    int mStatus = 0;
+    bool mStarted = false;
+    QPointer<QNetworkReply> mReply;
+    qint64 mBytesReceived = -1;
+    qint64 mBytesTotal = -1;
+    EasAccountId mAccountId;
+    /** A redirected command goes out again from the event loop, so that it can be stopped in between. */
+    QTimer mRedirectTimer;
+};
