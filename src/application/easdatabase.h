@@ -1,0 +1,221 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include "common/easaccountid.h"
+#include "easitems/easfolderitem.h"
+
+#include <QList>
+#include <QMap>
+#include <QObject>
+#include <QSqlDatabase>
+#include <QStringList>
+#include <QTimer>
+#include <QUrl>
+
+#include <functional>
+#include <optional>
+
+class AttachmentEntity;
+class DatabaseStatement;
+class EasAttachmentContainer;
+class EasCalendarItem;
+class EasContactsItem;
+class EasEmailItem;
+struct StatementFailure;
+
+/**
+ * The engine's own memory of the server's world: which server identifier belongs to which local one, and the
+ * sync key of every collection.
+ *
+ * The content lives in the device's stores; this file only binds it to the server. There is one instance a
+ * process. Call instance() each time and keep no pointer across a turn of the event loop: the file is closed
+ * a minute after the last use, and instance() opens it again.
+ *
+ * Every statement commits by itself. What protects against a crash is the order of the callers: store first,
+ * then the rows here, and the sync key last. No failure stops the process: an operation that fails has logged
+ * why and returns false or an empty result.
+ *
+ * Main thread only.
+ */
+class EasDatabase : public QObject
+{
+    Q_OBJECT
+
+public:
+    /** Kind of an item by the table that holds its server identifier. */
+    enum AppDataType { AppDataNone = 0, AppDataEmail = 1, AppDataContacts = 2, AppDataCalendar = 3 };
+    Q_ENUM(AppDataType)
+
+    /** Stands for an unknown change time of an event. */
+    static constexpr uint TimestampInvalid = 0xFFFFFFFF;
+
+    /** With test mode on, migrations leave contacts and their sync keys alone. */
+    static bool TestMode;
+    static void initTestMode();
+
+    /** Opens the file `name` in the folder `path` below the home folder; null means the default. */
+    static void initializeInstance(QObject *parent, const char *path, const char *name);
+    static EasDatabase *instance();
+    static void releaseInstance();
+
+    ~EasDatabase() override;
+
+    void startDataBaseTimer(uint milliseconds);
+
+    /**
+     * True if the latest reading operation could not read: its empty or default result then means "unknown",
+     * not "none".
+     */
+    bool lookupFailed() const;
+
+    // Accounts
+    quint64 emailAccountId(EasAccountId accountId) const;
+    void setEmailAccountId(EasAccountId accountId, quint64 emailAccountId);
+    QString folderSyncKey(EasAccountId accountId) const;
+    void setFolderSyncKey(EasAccountId accountId, const QString &syncKey);
+    AppDataType getAppDataType(const QString &serverId);
+    void removeAccount(EasAccountId accountId);
+    /** Wipes the account's stores and rows, so that its next sync starts from nothing. */
+    bool clearAccount(EasAccountId accountId);
+    /** Drops what is kept of accounts that are not among these. */
+    bool cleanUp(const QList<quint64> &accountIds);
+
+    // Folders
+    EasFolderItem folderItemByLocalId(EasAccountId accountId, const QString &localId) const;
+    EasFolderItem folderItemByServerId(EasAccountId accountId, const QString &serverId) const;
+    QList<EasFolderItem> emailFolderItems(EasAccountId accountId) const;
+    QList<EasFolderItem> calendarFolderItems(EasAccountId accountId) const;
+    QList<EasFolderItem> folderItemsByFolderType(
+        EasAccountId accountId, EasFolderItem::FolderType type) const;
+    EasFolderItem::FolderType folderTypeByServerId(EasAccountId accountId, const QString &serverId);
+    QMap<QString, QString> serverToLocalFolderIds(EasAccountId accountId) const;
+    QMap<QString, QString> localToServerFolderIds(EasAccountId accountId) const;
+    bool addFolderItems(EasAccountId accountId, const QList<EasFolderItem> &items);
+    bool updateFolderItems(EasAccountId accountId, const QList<EasFolderItem> &items);
+    bool deleteFolderItems(EasAccountId accountId, const QStringList &serverIds);
+    bool folderItemsChanges(EasAccountId accountId, const QList<EasFolderItem> &added,
+        const QList<EasFolderItem> &updated, const QStringList &deletedServerIds);
+    bool setSavedInStorage(EasAccountId accountId, const QString &localId, bool saved);
+
+    // Mail
+    bool addEmailItems(EasAccountId accountId, const QList<EasEmailItem> &items);
+    bool updateEmailItems(EasAccountId accountId, const QList<EasEmailItem> &items);
+    /** Gives rows their new server identifier and folder after a move; the local identifier stays. */
+    bool updateMovedEmailItems(EasAccountId accountId, const QList<EasEmailItem> &items);
+    bool deleteEmailItems(EasAccountId accountId, const QStringList &serverIds);
+    bool emailItemsChanges(EasAccountId accountId, const QList<EasEmailItem> &added,
+        const QList<EasEmailItem> &updated, const QStringList &deletedServerIds);
+    QStringList localEmailIds(EasAccountId accountId, const QString &collectionId) const;
+    QMap<QString, QString> serverToLocalEmailIds(EasAccountId accountId) const;
+    QMap<QString, QString> localToServerEmailIds(EasAccountId accountId) const;
+    QString folderServerIdByEmailServerId(EasAccountId accountId, const QString &serverId) const;
+    QString collectionServerIdFromEmailItemId(EasAccountId accountId, const QString &serverId);
+    bool clearEmailFolder(EasAccountId accountId, const QString &collectionId);
+
+    // Calendar
+    bool addCalendarItems(EasAccountId accountId, const QList<EasCalendarItem> &items);
+    bool updateCalendarItems(EasAccountId accountId, const QList<EasCalendarItem> &items);
+    bool deleteCalendarItems(EasAccountId accountId, const QStringList &serverIds);
+    bool calendarItemsChanges(EasAccountId accountId, const QList<EasCalendarItem> &added,
+        const QList<EasCalendarItem> &updated, const QStringList &deletedServerIds,
+        const QStringList &replacedServerIds);
+    QStringList localCalendarIds(EasAccountId accountId, const QString &collectionId) const;
+    QMap<QString, QString> serverToLocalCalendarIds(EasAccountId accountId) const;
+    QMap<QString, QString> localToServerCalendarIds(EasAccountId accountId) const;
+    QMap<QString, QString> serverCalendarIdToCollectionIds(EasAccountId accountId) const;
+    QString serverCalendarIdToCollectionId(EasAccountId accountId, const QString &serverId) const;
+    QString localToServerCalendarId(EasAccountId accountId, const QString &localId) const;
+    uint calendarItemUpdateTime(EasAccountId accountId, const QString &localId) const;
+    bool clearCalendarFolder(EasAccountId accountId, const QString &collectionId);
+
+    // Contacts
+    /** A contact that is there already, by server, folder and local identifier, is left as it is. */
+    bool addContactsItems(EasAccountId accountId, const QList<EasContactsItem> &items);
+    bool updateContactsItems(EasAccountId accountId, const QList<EasContactsItem> &items);
+    bool deleteContactsItems(EasAccountId accountId, const QStringList &serverIds);
+    bool contactsItemsChanges(EasAccountId accountId, const QList<EasContactsItem> &added,
+        const QList<EasContactsItem> &updated, const QStringList &deletedServerIds);
+    /** An empty collection means all folders of the account, here and in the next one. */
+    QStringList localContactIds(EasAccountId accountId, const QString &collectionId) const;
+    QMap<QString, QString> localToServerContactIds(EasAccountId accountId, const QString &collectionId) const;
+    QMap<QString, QString> serverToLocalContactIds(EasAccountId accountId) const;
+    QMap<QString, QUrl> localContactIdsToAvatarsUrls(EasAccountId accountId) const;
+    /** The argument is the contact's server identifier, in spite of the name. */
+    QString folderServerIdByContactLocalId(EasAccountId accountId, const QString &serverId) const;
+    bool clearContactsFolder(EasAccountId accountId, const QString &collectionId);
+
+    // Attachments of events; an event is named by its local identifier
+    bool addCalendarAttachment(const QString &eventId, const EasAttachmentContainer &attachment);
+    bool addCalendarAttachment(const QString &eventId, const AttachmentEntity &attachment);
+    std::optional<EasAttachmentContainer> getAttachmentByFileReference(
+        const QString &eventId, const QString &fileReference);
+    std::optional<EasAttachmentContainer> getAttachmentByContentId(
+        const QString &eventId, const QString &contentId);
+    std::optional<QList<EasAttachmentContainer>> getCalendarAttachments(const QString &eventId);
+    bool updateCalendarAttachmentFileRefernce(
+        const QString &eventId, const EasAttachmentContainer &attachment);
+    bool updateCalendarAttachmentFileRefernce(const QString &eventId, const AttachmentEntity &attachment);
+    bool updateCalendarAttachmentContentId(const QString &eventId, const EasAttachmentContainer &attachment);
+    bool deleteCalendarAttachmentByContentId(const QString &eventId, const QString &contentId);
+    bool deleteCalendarAttachmentByFileReference(const QString &eventId, const QString &fileReference);
+    /** Whether the event has an attachment with this content identifier or file reference. */
+    bool isCalendarAttachmentExists(const QString &eventId, const QString &uniqueId);
+
+public Q_SLOTS:
+    void onAccountAdded(EasAccountId accountId);
+    void onAccountDeleted(EasAccountId accountId);
+
+protected Q_SLOTS:
+    void onReleaseDatabaseTimer();
+
+private:
+    explicit EasDatabase(QObject *parent);
+
+    // Connection
+    void init(const char *path, const char *name);
+    void initializeDB(const char *path, const char *name);
+    void initializeDbConnection(const char *path, const char *name);
+    bool openDbConnection();
+
+    // Schema and migrations
+    bool createVersionsTable();
+    bool creationWasInterrupted(const QStringList &tables) const;
+    bool readDbVersion(int *version) const;
+    bool saveDbVersion(int version);
+    bool upgradeDb();
+    bool upgradeDbFrom(int version);
+    bool upgradeDbToVersion2();
+    bool upgradeDbToVersion3();
+    bool upgradeDbToVersion4();
+    bool upgradeDbToVersion5();
+    bool upgradeDbToVersion6();
+    bool upgradeDbToVersion7();
+    void stampCalendarItems();
+    bool rebuildContactsTable();
+    void createTables();
+
+    // Statements
+    bool readRow(DatabaseStatement &statement, const StatementFailure &failure) const;
+    bool readRows(DatabaseStatement &statement, const StatementFailure &failure,
+        const std::function<void(const DatabaseStatement &row)> &takeRow) const;
+    QStringList readTexts(DatabaseStatement &statement, const StatementFailure &failure) const;
+    QMap<QString, QString> readMap(
+        DatabaseStatement &statement, int keyColumn, const StatementFailure &failure) const;
+    bool deleteItems(const char *table, EasAccountId accountId, const QStringList &serverIds,
+        const StatementFailure &failure);
+    bool clearFolder(EasAccountId accountId, const QString &collectionId, const char *table,
+        const char *collectionColumn, const char *accountColumn);
+
+    // Rows
+    void initializeAccount(EasAccountId accountId);
+    bool initializeAccountsTable(EasAccountId accountId, quint64 emailAccountId) const;
+    bool initializeCollectionsTable(EasAccountId accountId) const;
+    bool updateFolderItem(EasAccountId accountId, const EasFolderItem &item);
+    bool selectMovedEmailRows(
+        EasAccountId accountId, const QList<EasEmailItem> &items, QVariantList *rowIds) const;
+    bool saveAttachment(const QString &eventId, const EasAttachmentContainer &attachment);
+
+    QSqlDatabase mDatabase;
+    QTimer mReleaseTimer;
+    mutable bool mLookupFailed = false;
+};
