@@ -1,0 +1,9 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <qmailglobal.h>
+
+/** The order of a query of accounts; without one it is ascending by id. */
+class QMF_EXPORT QMailAccountSortKey
+{
+};
