@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include "easitems/itemscommon.h"
+
+#include <QDebug>
 #include <QObject>
 
 /** Small enumerations that the item classes share. */
@@ -31,11 +34,9 @@ public:
     Q_ENUM(UserResponseType)
 
     /** Class of an item; None until something tells. */
-    enum ItemDataType : int {
-        NoneItemData = 0,
-        EmailItemData = 1,
-        ContactItemData = 2,
-        CalendarItemData = 3
-    };
-    Q_ENUM(ItemDataType)
+    using ItemDataType = ItemsCommon::ItemDataType;
 };
+
+QDebug operator<<(QDebug debug, EasItemsCommon::TBoolean value);
+QDebug operator<<(QDebug debug, EasItemsCommon::NativeBodyType value);
+QDebug operator<<(QDebug debug, EasItemsCommon::UserResponseType value);

@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "protocol/asprotocolitem.h"
+
+#include "application/logging.h"
+
+AsProtocolItem::AsProtocolItem(QObject *parent)
+    : QObject(parent)
+{
+}
+
+AsProtocolItem::~AsProtocolItem() = default;
+
+void AsProtocolItem::encode(WbxmlEncoder &encoder) const
+{
+    Q_UNUSED(encoder)
+    qCCritical(eas()) << "No implementation";
+}
