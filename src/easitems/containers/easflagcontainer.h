@@ -6,7 +6,8 @@
 
 /**
  * Follow-up flag of a message. Received ones carry status, type and time of completion; the other fields are
- * filled on the device and go out with the message. A plain value.
+ * filled on the device and go out with the message. A container that is not empty and has no field set stands
+ * for a flag that was taken away. A plain value.
  */
 class EasFlagContainer
 {
@@ -24,11 +25,19 @@ public:
     QString subject() const { return mSubject; }
     void setSubject(const QString &subject) { mSubject = subject; }
     QString flagType() const { return mFlagType; }
-    void setFlagType(const QString &flagType) { mFlagType = flagType; }
+    void setFlagType(const QString &flagType)
+    {
+        mFlagType = flagType;
+        mIsEmptyContainer = false;
+    }
     QString dateCompleted() const { return mDateCompleted; }
     void setDateCompleted(const QString &dateCompleted) { mDateCompleted = dateCompleted; }
     QString completeTime() const { return mCompleteTime; }
-    void setCompleteTime(const QString &completeTime) { mCompleteTime = completeTime; }
+    void setCompleteTime(const QString &completeTime)
+    {
+        mCompleteTime = completeTime;
+        mIsEmptyContainer = false;
+    }
     QString startDate() const { return mStartDate; }
     void setStartDate(const QString &startDate) { mStartDate = startDate; }
     QString dueDate() const { return mDueDate; }
@@ -44,7 +53,11 @@ public:
     QString subOrdinalDate() const { return mSubOrdinalDate; }
     void setSubOrdinalDate(const QString &subOrdinalDate) { mSubOrdinalDate = subOrdinalDate; }
     FlagStatus status() const { return mStatus; }
-    void setStatus(FlagStatus status) { mStatus = status; }
+    void setStatus(FlagStatus status)
+    {
+        mStatus = status;
+        mIsEmptyContainer = false;
+    }
     quint8 reminderSet() const { return mReminderSet; }
     void setReminderSet(quint8 reminderSet) { mReminderSet = reminderSet; }
     bool isEmptyContainer() const { return mIsEmptyContainer; }

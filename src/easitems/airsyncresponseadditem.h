@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include "easitems/eascommonbase.h"
+
+/** What the server says about one item that the device added. A plain value. */
+class AirSyncResponseAddItem : public EasCommonBase
+{
+    Q_GADGET
+
+public:
+    uint status() const { return mStatus; }
+    void setStatus(uint status) { mStatus = status; }
+    QString getClass() const { return mClass; }
+    void setClass(const QString &itemClass) { mClass = itemClass; }
+    QString clientId() const { return mClientId; }
+    void setClientId(const QString &clientId) { mClientId = clientId; }
+
+    void clear() { *this = AirSyncResponseAddItem(); }
+
+private:
+    uint mStatus = 0;
+    QString mClass;
+    QString mClientId;
+};

@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include "easitems/itemoperationsfetchitem.h"
+#include "protocol/baseprotocolcommand.h"
+
+#include <QByteArray>
+#include <QHash>
+#include <QList>
+
+class WbxmlEncoder;
+
+/**
+ * One ItemOperations that fetches what a Sync left out: an attachment by its file reference, whole or a range
+ * of it, or whole messages by their local identifiers.
+ *
+ * An attachment may be accepted in the multipart form, where its bytes come as they are; the server is free
+ * to answer in the single form all the same. Needs protocol version 12.0 or above.
+ */
+class FetchItemCommand : public BaseProtocolCommand
+{
+    Q_OBJECT
+
+public:
+    explicit FetchItemCommand(EasAccountId accountId, QObject *parent = nullptr);
+
+    void setRange(int rangeStart, int rangeEnd);
+    int rangeStart() const { return mRangeStart; }
+    int rangeEnd() const { return mRangeEnd; }
+    /** "start-end", or an empty text without a proper range. */
+    QString rangeString() const;
+    /** What progress is measured against. */
+    int estimatedDataSize() const { return mEstimatedDataSize; }
+    void setEstimatedDataSize(int size) { mEstimatedDataSize = size; }
+    bool acceptMultipart() const { return mAcceptMultipart; }
+    void setAcceptMultipart(bool accept) { mAcceptMultipart = accept; }
+    QString store() const { return mStore; }
+    void setStore(const QString &store) { mStore = store; }
+    QString fileReference() const { return mFileReference; }
+    void setFileReference(const QString &fileReference) { mFileReference = fileReference; }
+    QList<quint64> localIds() const { return mLocalIds; }
+    void setLocalIds(const QList<quint64> &localIds);
+    /** The message that was asked for by this long identifier; 0 if none was. */
+    quint64 getLocalIdByLongId(const QString &longId) const;
+
+    // Results
+    QString partContentType() const { return mPartContentType; }
+    QByteArray partData() const { return mPartData; }
+    /** Size of the whole file of which a range was fetched. */
+    int totalSize() const { return mTotalSize; }
+    QList<ItemOperationsFetchItem> fetchItems() const { return mFetchItems; }
+
+Q_SIGNALS:
+    void downloadProgress(qint64 bytesReceived, qint64 bytesTotal);
+
+protected:
+    QString commandName() const override;
+    ExchangeTexts texts() const override;
+    void prepareRequest(QNetworkRequest &request) override;
+    bool encodeBody(EasAccount &account, QByteArray *body) override;
+    bool parseReply(QNetworkReply *reply, const QByteArray &body) override;
+    void handleDownloadProgress(qint64 bytesReceived, qint64 bytesTotal) override;
+
+    bool processSingleResponse(const QByteArray &data);
+    bool processMultiPartResponse(const QNetworkReply *reply, const QByteArray &data);
+    bool processPartWbxml(const QByteArray &part);
+    static bool checkBound(int dataSize, int offset, int length);
+
+private:
+    void encodeFileReference(WbxmlEncoder &encoder) const;
+    bool encodeMessages(EasAccount &account, WbxmlEncoder &encoder) const;
+    bool processParts(const QByteArray &data);
+
+    int mRangeStart = -1;
+    int mRangeEnd = -1;
+    int mEstimatedDataSize = 0;
+    bool mAcceptMultipart = false;
+    QString mStore;
+    QString mFileReference;
+    QList<quint64> mLocalIds;
+    QHash<QString, quint64> mLocalIdsByLongId;
+
+    QString mPartContentType;
+    QByteArray mPartData;
+    int mTotalSize = -1;
+    QList<ItemOperationsFetchItem> mFetchItems;
+};

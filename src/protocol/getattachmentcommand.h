@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include "protocol/baseprotocolcommand.h"
+
+#include <QByteArray>
+
+/** Fetches a whole attachment by its name, the way of the protocol versions up to 12.1. */
+class GetAttachmentCommand : public BaseProtocolCommand
+{
+    Q_OBJECT
+
+public:
+    GetAttachmentCommand(EasAccountId accountId, const QString &attachmentName, QObject *parent = nullptr);
+
+    QByteArray attachmentData() const { return mAttachmentData; }
+
+protected:
+    QString commandName() const override;
+    ExchangeTexts texts() const override;
+    void configureCommandSpecificQueryValues(QUrlQuery &query) override;
+    void prepareRequest(QNetworkRequest &request) override;
+    bool encodeBody(EasAccount &account, QByteArray *body) override;
+    bool parseReply(QNetworkReply *reply, const QByteArray &body) override;
+    void handleDownloadProgress(qint64 bytesReceived, qint64 bytesTotal) override;
+
+private:
+    QString mAttachmentName;
+    QByteArray mAttachmentData;
+};
