@@ -195,9 +195,11 @@ private:
     void createTables();
 
     // Statements
-    bool readRow(DatabaseStatement &statement, const StatementFailure &failure) const;
+    bool readRow(DatabaseStatement &statement, const StatementFailure &failure,
+        const QString &subject = QString()) const;
     bool readRows(DatabaseStatement &statement, const StatementFailure &failure,
-        const std::function<void(const DatabaseStatement &row)> &takeRow) const;
+        const std::function<void(const DatabaseStatement &row)> &takeRow,
+        const QString &subject = QString()) const;
     QStringList readTexts(DatabaseStatement &statement, const StatementFailure &failure) const;
     QMap<QString, QString> readMap(
         DatabaseStatement &statement, int keyColumn, const StatementFailure &failure) const;
@@ -213,7 +215,6 @@ private:
     bool updateFolderItem(EasAccountId accountId, const EasFolderItem &item);
     bool selectMovedEmailRows(
         EasAccountId accountId, const QList<EasEmailItem> &items, QVariantList *rowIds) const;
-    bool saveAttachment(const QString &eventId, const EasAttachmentContainer &attachment);
 
     QSqlDatabase mDatabase;
     QTimer mReleaseTimer;

@@ -1,0 +1,113 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "application/databasestatement.h"
+
+#include "application/logging.h"
+
+#include <QSqlDatabase>
+#include <QSqlError>
+#include <QVariant>
+
+#include <algorithm>
+
+DatabaseStatement::DatabaseStatement(const QSqlDatabase &database, const QString &sql)
+    : mQuery(database)
+{
+    mQuery.setForwardOnly(true);
+    mPrepared = mQuery.prepare(sql);
+}
+
+DatabaseStatement &DatabaseStatement::bind(const QVariant &value)
+{
+    mQuery.addBindValue(value);
+    return *this;
+}
+
+DatabaseStatement &DatabaseStatement::bind(const QString &placeholder, const QVariant &value)
+{
+    mQuery.bindValue(placeholder, value);
+    return *this;
+}
+
+DatabaseStatement &DatabaseStatement::bindColumn(const QVariantList &values)
+{
+    mColumns.append(values);
+    return *this;
+}
+
+bool DatabaseStatement::run()
+{
+    mFailed = !mPrepared || !mQuery.exec();
+    return !mFailed;
+}
+
+bool DatabaseStatement::runBatch()
+{
+    mFailed = true;
+    if (!mPrepared)
+        return false;
+    // The driver reads past the end of a shorter column.
+    const auto differs = [this](const QVariantList &column) {
+        return column.size() != mColumns.constFirst().size();
+    };
+    if (std::any_of(mColumns.cbegin(), mColumns.cend(), differs)) {
+        mRefusal = QStringLiteral("the columns of the batch differ in length");
+        return false;
+    }
+    for (const QVariantList &column : qAsConst(mColumns))
+        mQuery.addBindValue(column);
+    mFailed = !mQuery.execBatch();
+    return !mFailed;
+}
+
+bool DatabaseStatement::next()
+{
+    const bool found = mQuery.next();
+    mFailed = !found && mQuery.lastError().isValid();
+    return found;
+}
+
+bool DatabaseStatement::failed() const
+{
+    return mFailed;
+}
+
+QVariant DatabaseStatement::value(int column) const
+{
+    return mQuery.value(column);
+}
+
+QString DatabaseStatement::text(int column) const
+{
+    return mQuery.value(column).toString();
+}
+
+QString DatabaseStatement::errorText() const
+{
+    if (!mRefusal.isEmpty())
+        return mRefusal;
+    const QString error = mQuery.lastError().text();
+    return error.trimmed().isEmpty() ? QStringLiteral("the database is not open") : error;
+}
+
+bool DatabaseStatement::fail(const StatementFailure &failure) const
+{
+    qCCritical(eas()) << failureText(failure) << errorText();
+    return false;
+}
+
+bool DatabaseStatement::fail(const StatementFailure &failure, EasAccountId accountId) const
+{
+    qCCritical(eas()) << failureText(failure) << accountId << ". Error:" << errorText();
+    return false;
+}
+
+bool DatabaseStatement::fail(const StatementFailure &failure, const QString &eventId) const
+{
+    qCCritical(eas()) << failureText(failure) << eventId << ". Error:" << errorText();
+    return false;
+}
+
+const char *DatabaseStatement::failureText(const StatementFailure &failure) const
+{
+    return mPrepared ? failure.execute : failure.prepare;
+}

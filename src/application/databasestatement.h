@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include "common/easaccountid.h"
+
+#include <QSqlQuery>
+#include <QString>
+#include <QVariantList>
+
+/** What is logged when a statement fails; some statements tell a refused text from a failed run. */
+struct StatementFailure
+{
+    StatementFailure(const char *both)
+        : execute(both)
+        , prepare(both)
+    {
+    }
+    StatementFailure(const char *executeText, const char *prepareText)
+        : execute(executeText)
+        , prepare(prepareText)
+    {
+    }
+
+    const char *execute;
+    const char *prepare;
+};
+
+/**
+ * One prepared SQL statement: bind values, or columns of values for a batch, run it, read its rows.
+ *
+ *     return statement.run() || statement.fail("can't delete items for account", accountId);
+ *
+ * Lives no longer than the operation that runs it, since an open statement keeps the file locked. The thread
+ * of the connection only.
+ */
+class DatabaseStatement
+{
+public:
+    DatabaseStatement(const QSqlDatabase &database, const QString &sql);
+
+    DatabaseStatement &bind(const QVariant &value);
+    DatabaseStatement &bind(const QString &placeholder, const QVariant &value);
+    /** One column of a batch. A batch whose columns differ in length is refused. */
+    DatabaseStatement &bindColumn(const QVariantList &values);
+
+    bool run();
+    /** Runs the statement once for each row of the bound columns; what ran before a failure stays. */
+    bool runBatch();
+
+    /** Steps to the next row. False at the end of the rows, and on an error: failed() tells them apart. */
+    bool next();
+    bool failed() const;
+    QVariant value(int column) const;
+    QString text(int column) const;
+    QString errorText() const;
+
+    /** Logs the failure, its subject if it has one, and the database's error. Returns false. */
+    bool fail(const StatementFailure &failure) const;
+    bool fail(const StatementFailure &failure, EasAccountId accountId) const;
+    bool fail(const StatementFailure &failure, const QString &eventId) const;
+
+    /** Which of the two texts tells what has failed. */
+    const char *failureText(const StatementFailure &failure) const;
+
+private:
+    QSqlQuery mQuery;
+    QList<QVariantList> mColumns;
+    QString mRefusal;
+    bool mPrepared;
+    bool mFailed = false;
+};

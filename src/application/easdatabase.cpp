@@ -1,0 +1,210 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "application/easdatabase.h"
+
+#include "application/clock.h"
+#include "application/databasestatement.h"
+#include "application/logging.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QSqlError>
+
+namespace {
+
+const char ConnectionName[] = "fennel-eas-db";
+const char DefaultPath[] = ".local/share/system/privileged/eas-fennel/";
+const char DefaultName[] = "fennel_eas.db";
+constexpr uint ReleaseTimeout = 60000;
+
+EasDatabase *easDatabaseInstance = nullptr;
+
+void logFailure(const DatabaseStatement &statement, const StatementFailure &failure, const QString &subject)
+{
+    if (subject.isNull())
+        statement.fail(failure);
+    else
+        statement.fail(failure, subject);
+}
+
+} // namespace
+
+bool EasDatabase::TestMode = false;
+
+void EasDatabase::initTestMode()
+{
+    TestMode = true;
+}
+
+void EasDatabase::initializeInstance(QObject *parent, const char *path, const char *name)
+{
+    if (easDatabaseInstance) {
+        qCCritical(eas()) << "easDatabaseInstance is already initialized";
+        return;
+    }
+    easDatabaseInstance = new EasDatabase(parent);
+    easDatabaseInstance->init(path, name);
+}
+
+EasDatabase *EasDatabase::instance()
+{
+    if (!easDatabaseInstance)
+        initializeInstance(QCoreApplication::instance(), nullptr, nullptr);
+    easDatabaseInstance->startDataBaseTimer(ReleaseTimeout);
+    return easDatabaseInstance;
+}
+
+void EasDatabase::releaseInstance()
+{
+    if (!easDatabaseInstance)
+        return;
+    qCInfo(eas()) << "Release EAS data base";
+    delete easDatabaseInstance;
+}
+
+EasDatabase::EasDatabase(QObject *parent)
+    : QObject(parent)
+{
+    mReleaseTimer.setSingleShot(true);
+    connect(&mReleaseTimer, &QTimer::timeout, this, &EasDatabase::onReleaseDatabaseTimer);
+}
+
+EasDatabase::~EasDatabase()
+{
+    // The application object may destroy the instance as its child; nobody may find it afterwards.
+    if (easDatabaseInstance == this)
+        easDatabaseInstance = nullptr;
+    // No handle may be alive when the connection is removed.
+    mDatabase.close();
+    mDatabase = QSqlDatabase();
+    QSqlDatabase::removeDatabase(QLatin1String(ConnectionName));
+}
+
+void EasDatabase::init(const char *path, const char *name)
+{
+    initializeDB(path ? path : DefaultPath, name ? name : DefaultName);
+}
+
+void EasDatabase::initializeDB(const char *path, const char *name)
+{
+    qCInfo(eas()) << "Initialize EAS data base";
+    initializeDbConnection(path, name);
+    if (!mDatabase.isValid()) {
+        qCCritical(eas()) << "invalid Eas Database connection";
+        return;
+    }
+    if (!upgradeDb()) {
+        qCCritical(eas()) << "failed to migrate existing DB to the latest DB version";
+        return;
+    }
+    createTables();
+}
+
+void EasDatabase::initializeDbConnection(const char *path, const char *name)
+{
+    mDatabase = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QLatin1String(ConnectionName));
+    const QString folder = QDir::homePath() + QDir::separator() + QString::fromUtf8(path);
+    if (!QDir().mkpath(folder)) {
+        qCCritical(eas()) << "can't create path:" << folder;
+        return;
+    }
+    const QString file = QDir::toNativeSeparators(QDir(folder).filePath(QString::fromUtf8(name)));
+    qCInfo(eas()) << "EAS DB:" << file;
+    mDatabase.setDatabaseName(file);
+    if (!mDatabase.open())
+        qCCritical(eas()) << "can't open EAS Database. Error:" << mDatabase.lastError().text();
+}
+
+bool EasDatabase::openDbConnection()
+{
+    if (mDatabase.isOpen())
+        return true;
+    // Without a name the driver would open a temporary file of its own and lose what it is given.
+    return !mDatabase.databaseName().isEmpty() && mDatabase.open();
+}
+
+void EasDatabase::startDataBaseTimer(uint milliseconds)
+{
+    if (!openDbConnection())
+        qCCritical(eas()) << "failed to open DB connection";
+    mReleaseTimer.start(Clock::instance().timerInterval(int(milliseconds)));
+}
+
+void EasDatabase::onReleaseDatabaseTimer()
+{
+    mDatabase.close();
+    qCInfo(eas()) << "database is released";
+}
+
+bool EasDatabase::lookupFailed() const
+{
+    return mLookupFailed;
+}
+
+bool EasDatabase::readRow(
+    DatabaseStatement &statement, const StatementFailure &failure, const QString &subject) const
+{
+    const bool found = statement.run() && statement.next();
+    mLookupFailed = statement.failed();
+    if (mLookupFailed)
+        logFailure(statement, failure, subject);
+    return found;
+}
+
+bool EasDatabase::readRows(DatabaseStatement &statement, const StatementFailure &failure,
+    const std::function<void(const DatabaseStatement &row)> &takeRow, const QString &subject) const
+{
+    if (!readRow(statement, failure, subject))
+        return !mLookupFailed;
+    do
+        takeRow(statement);
+    while (statement.next());
+    mLookupFailed = statement.failed();
+    if (mLookupFailed)
+        logFailure(statement, failure, subject);
+    return !mLookupFailed;
+}
+
+QStringList EasDatabase::readTexts(DatabaseStatement &statement, const StatementFailure &failure) const
+{
+    QStringList texts;
+    const bool complete =
+        readRows(statement, failure, [&texts](const DatabaseStatement &row) { texts.append(row.text(0)); });
+    return complete ? texts : QStringList();
+}
+
+QMap<QString, QString> EasDatabase::readMap(
+    DatabaseStatement &statement, int keyColumn, const StatementFailure &failure) const
+{
+    QMap<QString, QString> map;
+    const bool complete = readRows(statement, failure, [&map, keyColumn](const DatabaseStatement &row) {
+        map.insert(row.text(keyColumn), row.text(1 - keyColumn));
+    });
+    return complete ? map : QMap<QString, QString>();
+}
+
+bool EasDatabase::deleteItems(
+    const char *table, EasAccountId accountId, const QStringList &serverIds, const StatementFailure &failure)
+{
+    if (serverIds.isEmpty())
+        return true;
+    DatabaseStatement statement(mDatabase,
+        QStringLiteral("DELETE FROM %1 WHERE server_id=? AND account_id=%2")
+            .arg(QLatin1String(table))
+            .arg(accountId));
+    statement.bindColumn(QVariant(serverIds).toList());
+    return statement.runBatch() || statement.fail(failure, accountId);
+}
+
+bool EasDatabase::clearFolder(EasAccountId accountId, const QString &collectionId, const char *table,
+    const char *collectionColumn, const char *accountColumn)
+{
+    DatabaseStatement statement(mDatabase,
+        QStringLiteral("DELETE FROM %1 WHERE %2=? AND %3=%4")
+            .arg(QLatin1String(table), QLatin1String(collectionColumn), QLatin1String(accountColumn))
+            .arg(accountId));
+    if (statement.bind(collectionId).run())
+        return true;
+    qCCritical(eas()) << "can't delete items for account" << accountId << "in folder" << collectionId
+                      << ", table" << table << ". Error:" << statement.errorText();
+    return false;
+}

@@ -1,0 +1,147 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+// Rows of the attachments of events. An attachment belongs to the event, not to an account.
+//
+// Some of the texts start with the Cyrillic capital Es; they are searched for as they are.
+#include "application/databasecolumns.h"
+#include "application/databasestatement.h"
+#include "application/easdatabase.h"
+#include "application/logging.h"
+#include "easitems/containers/attachmententity.h"
+#include "easitems/containers/easattachmentcontainer.h"
+
+using DatabaseColumns::stored;
+
+namespace {
+
+const StatementFailure CantGetAttachment(
+    "Can't execute GET attachment query for event:", "Can't execute PREPARE attachment query for event:");
+
+EasAttachmentContainer attachmentOf(const QString &contentId, const QString &fileReference)
+{
+    EasAttachmentContainer attachment;
+    attachment.setContentId(contentId);
+    attachment.setFileReference(fileReference);
+    return attachment;
+}
+
+} // namespace
+
+bool EasDatabase::addCalendarAttachment(const QString &eventId, const EasAttachmentContainer &attachment)
+{
+    DatabaseStatement insert(mDatabase, QStringLiteral("INSERT OR IGNORE INTO attachments VALUES (?, ?, ?)"));
+    insert.bind(stored(eventId))
+        .bind(stored(attachment.contentId()))
+        .bind(stored(attachment.fileReference()));
+    if (!insert.run())
+        return insert.fail(
+            { "Сan't EXECUTE add attachment for event:", "Сan't PREPARE add attachment for event:" },
+            eventId);
+    qCInfo(eas()) << "Successfully added new attachment to database for event: " << eventId
+                  << " with contentID:" << attachment.contentId()
+                  << ", file reference:" << attachment.fileReference();
+    return true;
+}
+
+bool EasDatabase::addCalendarAttachment(const QString &eventId, const AttachmentEntity &attachment)
+{
+    return addCalendarAttachment(eventId, static_cast<const EasAttachmentContainer &>(attachment));
+}
+
+std::optional<EasAttachmentContainer> EasDatabase::getAttachmentByFileReference(
+    const QString &eventId, const QString &fileReference)
+{
+    DatabaseStatement select(mDatabase,
+        QStringLiteral("SELECT content_id FROM attachments WHERE file_reference=? AND local_id=? LIMIT 1"));
+    if (!readRow(select.bind(fileReference).bind(eventId), CantGetAttachment, eventId))
+        return std::nullopt;
+    return attachmentOf(select.text(0), fileReference);
+}
+
+std::optional<EasAttachmentContainer> EasDatabase::getAttachmentByContentId(
+    const QString &eventId, const QString &contentId)
+{
+    DatabaseStatement select(mDatabase,
+        QStringLiteral("SELECT file_reference FROM attachments WHERE content_id=? AND local_id=? LIMIT 1"));
+    if (!readRow(select.bind(contentId).bind(eventId), CantGetAttachment, eventId))
+        return std::nullopt;
+    return attachmentOf(contentId, select.text(0));
+}
+
+std::optional<QList<EasAttachmentContainer>> EasDatabase::getCalendarAttachments(const QString &eventId)
+{
+    DatabaseStatement select(
+        mDatabase, QStringLiteral("SELECT content_id, file_reference FROM attachments WHERE local_id=?"));
+    const StatementFailure failure("Can't execute GET attachments query for event:",
+        "Can't execute PREPARE attachments query for event:");
+    QList<EasAttachmentContainer> attachments;
+    const bool complete = readRows(
+        select.bind(eventId), failure,
+        [&attachments](
+            const DatabaseStatement &row) { attachments.append(attachmentOf(row.text(0), row.text(1))); },
+        eventId);
+    return complete ? std::make_optional(attachments) : std::nullopt;
+}
+
+bool EasDatabase::updateCalendarAttachmentFileRefernce(
+    const QString &eventId, const EasAttachmentContainer &attachment)
+{
+    DatabaseStatement update(mDatabase,
+        QStringLiteral("UPDATE attachments SET file_reference=? WHERE local_id=? AND content_id=?"));
+    update.bind(stored(attachment.fileReference())).bind(eventId).bind(attachment.contentId());
+    if (!update.run())
+        return update.fail({ "Сan't EXECUTE update attachment query for event:",
+                               "Сan't PREPARE update attachment query for event:" },
+            eventId);
+    qCInfo(eas()) << "Successfully updated attachment for event: " << eventId
+                  << " with new contentID:" << attachment.contentId()
+                  << " and new refernce ID:" << attachment.fileReference();
+    return true;
+}
+
+bool EasDatabase::updateCalendarAttachmentFileRefernce(
+    const QString &eventId, const AttachmentEntity &attachment)
+{
+    return updateCalendarAttachmentFileRefernce(
+        eventId, static_cast<const EasAttachmentContainer &>(attachment));
+}
+
+bool EasDatabase::updateCalendarAttachmentContentId(
+    const QString &eventId, const EasAttachmentContainer &attachment)
+{
+    DatabaseStatement update(mDatabase,
+        QStringLiteral(
+            "UPDATE OR IGNORE attachments SET content_id=? WHERE local_id=? AND file_reference=?"));
+    update.bind(stored(attachment.contentId())).bind(eventId).bind(attachment.fileReference());
+    return update.run() || update.fail("Сan't UPDATE attachment for event:", eventId);
+}
+
+bool EasDatabase::deleteCalendarAttachmentByContentId(const QString &eventId, const QString &contentId)
+{
+    DatabaseStatement statement(
+        mDatabase, QStringLiteral("DELETE FROM attachments WHERE local_id=? AND content_id=?"));
+    return statement.bind(eventId).bind(contentId).run()
+        || statement.fail("Сan't DELETE attachment by contentId for event:", eventId);
+}
+
+bool EasDatabase::deleteCalendarAttachmentByFileReference(
+    const QString &eventId, const QString &fileReference)
+{
+    DatabaseStatement statement(
+        mDatabase, QStringLiteral("DELETE FROM attachments WHERE local_id=? AND file_reference=?"));
+    return statement.bind(eventId).bind(fileReference).run()
+        || statement.fail("Сan't DELETE attachment by fileReference for event:", eventId);
+}
+
+bool EasDatabase::isCalendarAttachmentExists(const QString &eventId, const QString &uniqueId)
+{
+    DatabaseStatement select(mDatabase,
+        QStringLiteral("SELECT EXISTS(SELECT 1 FROM attachments WHERE local_id = :localId AND "
+                       "(content_id = :uniqueId OR file_reference = :uniqueId))"));
+    select.bind(QStringLiteral(":localId"), eventId).bind(QStringLiteral(":uniqueId"), uniqueId);
+    const StatementFailure failure(
+        "Сan't execute found attachment query for event:", "Сan't prepare found attachment query for event:");
+    if (readRow(select, failure, eventId))
+        return select.value(0).toBool();
+    // The query has one row whatever the table holds.
+    return mLookupFailed ? false : select.fail("can't retrieve first record from query for event:", eventId);
+}

@@ -1,0 +1,156 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+// Rows of events.
+#include "application/databasecolumns.h"
+#include "application/databasestatement.h"
+#include "application/easdatabase.h"
+#include "application/logging.h"
+#include "easitems/eascalendaritem.h"
+
+using DatabaseColumns::column;
+
+namespace {
+
+const char CantQueryCalendar[] = "Calendar table query failed, error:";
+const char CantQuery[] = "EAS DB query failed, error:";
+
+/** The rows should hold one value. The last one wins; a second one that is not empty is worth a warning. */
+class OnlyValue
+{
+public:
+    OnlyValue(const char *warning, const QString &id)
+        : mWarning(warning)
+        , mId(id)
+    {
+    }
+
+    void operator()(const DatabaseStatement &row)
+    {
+        if (!mValue.isEmpty() && !row.text(0).isEmpty())
+            qCWarning(eas()) << mWarning << mId;
+        mValue = row.text(0);
+    }
+
+    QString value() const { return mValue; }
+
+private:
+    const char *mWarning;
+    QString mId;
+    QString mValue;
+};
+
+} // namespace
+
+bool EasDatabase::addCalendarItems(EasAccountId accountId, const QList<EasCalendarItem> &items)
+{
+    if (items.isEmpty())
+        return true;
+    DatabaseStatement insert(mDatabase, QStringLiteral("INSERT INTO calendar VALUES (?, ?, ?, ?, ?, ?)"));
+    insert.bindColumn(DatabaseColumns::assignedIds(items.size()))
+        .bindColumn(DatabaseColumns::repeated(accountId, items.size()))
+        .bindColumn(column(items, &EasCalendarItem::serverId))
+        .bindColumn(column(items, &EasCalendarItem::collectionId))
+        .bindColumn(column(items, &EasCalendarItem::localId))
+        .bindColumn(column(items, &EasCalendarItem::localTimestamp));
+    return insert.runBatch() || insert.fail("can't add calendar items for account", accountId);
+}
+
+bool EasDatabase::updateCalendarItems(EasAccountId accountId, const QList<EasCalendarItem> &items)
+{
+    if (items.isEmpty())
+        return true;
+    DatabaseStatement update(mDatabase,
+        QStringLiteral("UPDATE calendar SET account_id=?, server_id=?, collection_id=?, local_id=?, "
+                       "timestamp=? WHERE server_id=? AND account_id=%1")
+            .arg(accountId));
+    update.bindColumn(DatabaseColumns::repeated(accountId, items.size()))
+        .bindColumn(column(items, &EasCalendarItem::serverId))
+        .bindColumn(column(items, &EasCalendarItem::collectionId))
+        .bindColumn(column(items, &EasCalendarItem::localId))
+        .bindColumn(column(items, &EasCalendarItem::localTimestamp))
+        .bindColumn(column(items, &EasCalendarItem::serverId));
+    return update.runBatch() || update.fail("can't update calendar items for account", accountId);
+}
+
+bool EasDatabase::deleteCalendarItems(EasAccountId accountId, const QStringList &serverIds)
+{
+    return deleteItems("calendar", accountId, serverIds, "can't delete calendar items for account");
+}
+
+bool EasDatabase::calendarItemsChanges(EasAccountId accountId, const QList<EasCalendarItem> &added,
+    const QList<EasCalendarItem> &updated, const QStringList &deletedServerIds,
+    const QStringList &replacedServerIds)
+{
+    deleteCalendarItems(accountId, replacedServerIds);
+    return addCalendarItems(accountId, added) && updateCalendarItems(accountId, updated)
+        && deleteCalendarItems(accountId, deletedServerIds);
+}
+
+QStringList EasDatabase::localCalendarIds(EasAccountId accountId, const QString &collectionId) const
+{
+    DatabaseStatement select(mDatabase,
+        QStringLiteral("SELECT local_id FROM calendar WHERE account_id=%1 AND collection_id=?")
+            .arg(accountId));
+    return readTexts(select.bind(collectionId), "can't execute calendar table query. Error:");
+}
+
+QMap<QString, QString> EasDatabase::serverToLocalCalendarIds(EasAccountId accountId) const
+{
+    DatabaseStatement select(mDatabase,
+        QStringLiteral("SELECT server_id, local_id FROM calendar WHERE account_id=%1").arg(accountId));
+    return readMap(select, 0, CantQueryCalendar);
+}
+
+QMap<QString, QString> EasDatabase::localToServerCalendarIds(EasAccountId accountId) const
+{
+    DatabaseStatement select(mDatabase,
+        QStringLiteral("SELECT server_id, local_id FROM calendar WHERE account_id=%1").arg(accountId));
+    return readMap(select, 1, CantQuery);
+}
+
+QMap<QString, QString> EasDatabase::serverCalendarIdToCollectionIds(EasAccountId accountId) const
+{
+    DatabaseStatement select(mDatabase,
+        QStringLiteral("SELECT server_id, collection_id FROM calendar WHERE account_id=%1").arg(accountId));
+    return readMap(select, 0, CantQueryCalendar);
+}
+
+QString EasDatabase::serverCalendarIdToCollectionId(EasAccountId accountId, const QString &serverId) const
+{
+    DatabaseStatement select(mDatabase,
+        QStringLiteral("SELECT collection_id FROM calendar WHERE account_id=%1 AND server_id=?")
+            .arg(accountId));
+    OnlyValue collectionId("EAS collection id not unique for server id:", serverId);
+    const bool complete = readRows(select.bind(serverId), CantQueryCalendar, std::ref(collectionId));
+    return complete ? collectionId.value() : QString();
+}
+
+QString EasDatabase::localToServerCalendarId(EasAccountId accountId, const QString &localId) const
+{
+    DatabaseStatement select(mDatabase,
+        QStringLiteral("SELECT server_id FROM calendar WHERE account_id=%1 AND local_id=?").arg(accountId));
+    OnlyValue serverId("EAS server id not unique for local id:", localId);
+    const bool complete = readRows(select.bind(localId), CantQuery, std::ref(serverId));
+    return complete ? serverId.value() : QString();
+}
+
+uint EasDatabase::calendarItemUpdateTime(EasAccountId accountId, const QString &localId) const
+{
+    DatabaseStatement select(mDatabase,
+        QStringLiteral("SELECT timestamp FROM calendar WHERE account_id=%1 AND local_id=?").arg(accountId));
+    bool isNumber = false;
+    uint timestamp = TimestampInvalid;
+    // NULL would convert to 0 and pass for the beginning of time.
+    if (readRow(select.bind(localId), "SQL query failed, error:") && !select.value(0).isNull())
+        timestamp = select.value(0).toUInt(&isNumber);
+    if (!isNumber) {
+        qCDebug(eas()) << "No timestamp for:" << localId << ", account:" << accountId;
+        return TimestampInvalid;
+    }
+    qCDebug(eas()) << "Timestamp for:" << localId << ", account:" << accountId << "is:" << timestamp;
+    return timestamp;
+}
+
+bool EasDatabase::clearCalendarFolder(EasAccountId accountId, const QString &collectionId)
+{
+    return clearFolder(accountId, collectionId, "calendar", "collection_id", "account_id");
+}

@@ -1,0 +1,233 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+// Rows of folders: the collections of an account.
+#include "application/databasecolumns.h"
+#include "application/databasestatement.h"
+#include "application/easdatabase.h"
+#include "application/logging.h"
+#include "protocol/wbxmltokens.h"
+
+#include <algorithm>
+#include <iterator>
+
+using DatabaseColumns::column;
+using DatabaseColumns::stored;
+
+namespace {
+
+const char CantQueryCollections[] = "can't execute collections table query. Error:";
+
+struct FolderField
+{
+    uint tag;
+    const char *column;
+    QString (EasFolderItem::*value)() const;
+};
+
+// What a changed field of a folder is called in the table.
+const FolderField FolderFields[] = {
+    { Wbxml::FolderHierarchy::ParentId, "server_parent_id", &EasFolderItem::serverParentId },
+    { Wbxml::FolderHierarchy::DisplayName, "display_name", &EasFolderItem::displayName },
+    { Wbxml::FolderHierarchy::SyncKey, "synckey", &EasFolderItem::syncKey },
+    { Wbxml::AirSync::SyncKey, "synckey", &EasFolderItem::syncKey },
+};
+
+EasFolderItem::FolderType folderType(const QVariant &value)
+{
+    return EasFolderItem::FolderType(value.toInt());
+}
+
+} // namespace
+
+EasFolderItem EasDatabase::folderItemByLocalId(EasAccountId accountId, const QString &localId) const
+{
+    DatabaseStatement select(mDatabase,
+        QStringLiteral("SELECT server_id, synckey, type, display_name, saved_in_storage FROM collections "
+                       "WHERE account_id=%1 AND local_id=?")
+            .arg(accountId));
+    EasFolderItem item;
+    if (readRow(select.bind(localId), CantQueryCollections)) {
+        item.setServerId(select.text(0));
+        item.setSyncKey(select.text(1));
+        item.setType(folderType(select.value(2)));
+        item.setDisplayName(select.text(3));
+        item.setSavedInStorage(select.value(4).toBool());
+    }
+    item.setLocalId(localId);
+    return item;
+}
+
+EasFolderItem EasDatabase::folderItemByServerId(EasAccountId accountId, const QString &serverId) const
+{
+    DatabaseStatement select(mDatabase,
+        QStringLiteral("SELECT local_id, synckey, type, display_name, saved_in_storage FROM collections "
+                       "WHERE account_id=%1 AND server_id=?")
+            .arg(accountId));
+    EasFolderItem item;
+    if (readRow(select.bind(serverId), CantQueryCollections)) {
+        item.setServerId(serverId);
+        item.setLocalId(select.text(0));
+        item.setSyncKey(select.text(1));
+        item.setType(folderType(select.value(2)));
+        item.setDisplayName(select.text(3));
+        item.setSavedInStorage(select.value(4).toBool());
+    }
+    return item;
+}
+
+QList<EasFolderItem> EasDatabase::emailFolderItems(EasAccountId accountId) const
+{
+    DatabaseStatement select(mDatabase,
+        QStringLiteral("SELECT local_id, type, server_id, synckey, display_name, saved_in_storage "
+                       "FROM collections WHERE account_id=%1 AND type IN (1, 2, 3, 4, 5, 6, 12, 1)")
+            .arg(accountId));
+    QList<EasFolderItem> items;
+    const bool complete = readRows(select, CantQueryCollections, [&items](const DatabaseStatement &row) {
+        EasFolderItem item;
+        item.setLocalId(row.text(0));
+        item.setType(folderType(row.value(1)));
+        item.setServerId(row.text(2));
+        item.setSyncKey(row.text(3));
+        item.setDisplayName(row.text(4));
+        item.setSavedInStorage(row.value(5).toBool());
+        items.append(item);
+    });
+    return complete ? items : QList<EasFolderItem>();
+}
+
+QList<EasFolderItem> EasDatabase::calendarFolderItems(EasAccountId accountId) const
+{
+    DatabaseStatement select(mDatabase,
+        QStringLiteral("SELECT server_id, server_parent_id, synckey, local_id, local_parent_id, "
+                       "display_name, saved_in_storage, type FROM collections "
+                       "WHERE account_id=%1 AND type IN (8, 13)")
+            .arg(accountId));
+    QList<EasFolderItem> items;
+    const bool complete = readRows(select, "SQL request failed:", [&items](const DatabaseStatement &row) {
+        EasFolderItem item;
+        item.setServerId(row.text(0));
+        item.setServerParentId(row.text(1));
+        item.setSyncKey(row.text(2));
+        item.setLocalId(row.text(3));
+        item.setLocalParentId(row.text(4));
+        item.setDisplayName(row.text(5));
+        item.setSavedInStorage(row.value(6).toBool());
+        item.setType(folderType(row.value(7)));
+        items.append(item);
+    });
+    return complete ? items : QList<EasFolderItem>();
+}
+
+QList<EasFolderItem> EasDatabase::folderItemsByFolderType(
+    EasAccountId accountId, EasFolderItem::FolderType type) const
+{
+    DatabaseStatement select(mDatabase,
+        QStringLiteral("SELECT local_id, server_id, synckey, display_name, saved_in_storage "
+                       "FROM collections WHERE account_id=%1 AND type=%2")
+            .arg(accountId)
+            .arg(int(type)));
+    QList<EasFolderItem> items;
+    const bool complete =
+        readRows(select, CantQueryCollections, [&items, type](const DatabaseStatement &row) {
+            EasFolderItem item;
+            item.setLocalId(row.text(0));
+            item.setServerId(row.text(1));
+            item.setSyncKey(row.text(2));
+            item.setDisplayName(row.text(3));
+            item.setSavedInStorage(row.value(4).toBool());
+            item.setType(type);
+            items.append(item);
+        });
+    return complete ? items : QList<EasFolderItem>();
+}
+
+EasFolderItem::FolderType EasDatabase::folderTypeByServerId(EasAccountId accountId, const QString &serverId)
+{
+    DatabaseStatement select(mDatabase,
+        QStringLiteral("SELECT type FROM collections WHERE account_id=%1 AND server_id=?").arg(accountId));
+    return readRow(select.bind(serverId), CantQueryCollections) ? folderType(select.value(0))
+                                                                : EasFolderItem::UnknownFolder;
+}
+
+QMap<QString, QString> EasDatabase::serverToLocalFolderIds(EasAccountId accountId) const
+{
+    DatabaseStatement select(mDatabase,
+        QStringLiteral("SELECT server_id, local_id FROM collections WHERE account_id=%1").arg(accountId));
+    return readMap(select, 0, CantQueryCollections);
+}
+
+QMap<QString, QString> EasDatabase::localToServerFolderIds(EasAccountId accountId) const
+{
+    DatabaseStatement select(mDatabase,
+        QStringLiteral("SELECT server_id, local_id FROM collections WHERE account_id=%1").arg(accountId));
+    return readMap(select, 1, CantQueryCollections);
+}
+
+bool EasDatabase::addFolderItems(EasAccountId accountId, const QList<EasFolderItem> &items)
+{
+    if (items.isEmpty())
+        return true;
+    DatabaseStatement insert(
+        mDatabase, QStringLiteral("INSERT INTO collections VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"));
+    insert.bindColumn(DatabaseColumns::assignedIds(items.size()))
+        .bindColumn(DatabaseColumns::repeated(accountId, items.size()))
+        .bindColumn(column(items, &EasFolderItem::serverId))
+        .bindColumn(column(items, &EasFolderItem::serverParentId))
+        .bindColumn(column(items, &EasFolderItem::localId))
+        .bindColumn(column(items, &EasFolderItem::localParentId))
+        .bindColumn(column(items, &EasFolderItem::syncKey))
+        .bindColumn(column(items, [](const EasFolderItem &item) { return QVariant(int(item.type())); }))
+        .bindColumn(column(items, &EasFolderItem::displayName))
+        .bindColumn(column(items, [](const EasFolderItem &item) { return QVariant(item.savedInStorage()); }));
+    return insert.runBatch() || insert.fail("can't add folder items for account", accountId);
+}
+
+bool EasDatabase::updateFolderItems(EasAccountId accountId, const QList<EasFolderItem> &items)
+{
+    return std::all_of(items.cbegin(), items.cend(),
+        [this, accountId](const EasFolderItem &item) { return updateFolderItem(accountId, item); });
+}
+
+bool EasDatabase::updateFolderItem(EasAccountId accountId, const EasFolderItem &item)
+{
+    // The local binding is always written, so that no caller can lose it.
+    QString sql = QStringLiteral("UPDATE collections SET saved_in_storage=?, local_id=?, local_parent_id=?");
+    QVariantList values { item.savedInStorage(), stored(item.localId()), stored(item.localParentId()) };
+    const QList<uint> changedFields = item.changedFields();
+    for (const uint tag : changedFields) {
+        const auto field = std::find_if(std::begin(FolderFields), std::end(FolderFields),
+            [tag](const FolderField &known) { return known.tag == tag; });
+        if (field == std::end(FolderFields)) {
+            qCWarning(eas()) << "unhandled tag id" << tag;
+            continue;
+        }
+        sql += QStringLiteral(", %1=?").arg(QLatin1String(field->column));
+        values.append(stored((item.*field->value)()));
+    }
+    sql += QStringLiteral(" WHERE server_id=? AND account_id=?");
+    values << item.serverId() << accountId;
+
+    DatabaseStatement update(mDatabase, sql);
+    for (const QVariant &value : qAsConst(values))
+        update.bind(value);
+    return update.run() || update.fail("can't update folder items for account", accountId);
+}
+
+bool EasDatabase::deleteFolderItems(EasAccountId accountId, const QStringList &serverIds)
+{
+    return deleteItems("collections", accountId, serverIds, "can't delete folder items for account");
+}
+
+bool EasDatabase::folderItemsChanges(EasAccountId accountId, const QList<EasFolderItem> &added,
+    const QList<EasFolderItem> &updated, const QStringList &deletedServerIds)
+{
+    return addFolderItems(accountId, added) && updateFolderItems(accountId, updated)
+        && deleteFolderItems(accountId, deletedServerIds);
+}
+
+bool EasDatabase::setSavedInStorage(EasAccountId accountId, const QString &localId, bool saved)
+{
+    DatabaseStatement update(mDatabase,
+        QStringLiteral("UPDATE collections SET saved_in_storage=? WHERE account_id=? AND local_id=?"));
+    update.bind(saved).bind(accountId).bind(localId);
+    return update.run() || update.fail("can't update folder items for account", accountId);
+}
