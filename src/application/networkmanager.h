@@ -9,6 +9,7 @@
 #include <QObject>
 #include <QPair>
 
+class EasAccount;
 class QAuthenticator;
 class QBuffer;
 class QNetworkAccessManager;
@@ -56,7 +57,8 @@ private:
     using Connection = QPair<QNetworkAccessManager *, QNetworkSession *>;
     using Connections = QMap<EasAccountId, Connection>;
 
-    void onReplyFinished(EasAccountId accountId, QNetworkReply *reply);
+    void onReplyFinished(EasAccountId accountId, const QNetworkReply *reply);
+    static void blockAccount(EasAccount *account);
     QNetworkReply *watched(EasAccountId accountId, QNetworkReply *reply);
     QNetworkAccessManager *networkManager(EasAccountId accountId);
     QNetworkAccessManager *managerForRequest(EasAccountId accountId);

@@ -1,0 +1,319 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "accounts/easaccountimpl.h"
+
+#include "application/deviceinformation.h"
+#include "application/logging.h"
+#include "application/storagesfactory.h"
+#include "configurations/impls/calendaraccountconfigurationimpl.h"
+#include "configurations/impls/connectionaccountconfigurationimpl.h"
+#include "configurations/impls/contactsaccountconfigurationimpl.h"
+#include "configurations/impls/emailaccountconfigurationimpl.h"
+#include "configurations/impls/scheduleaccountconfigurationimpl.h"
+#include "storages/calendarstorage.h"
+#include "storages/contactstorage.h"
+#include "storages/mailstorage.h"
+
+#include <Accounts/Account>
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusPendingCall>
+
+namespace {
+
+constexpr char userNameKey[] = "default_credentials_username";
+constexpr char serverAddressKey[] = "network/server_address";
+constexpr char conflictPolicyKey[] = "conflict_policy";
+constexpr char preferredVersionKey[] = "connection/preferred_protocol_version";
+constexpr char firstSyncCompletedKey[] = "firstSyncCompleted";
+constexpr char policyKeyKey[] = "policyKey";
+constexpr char lastKnownVersionsKey[] = "last_known_versions";
+constexpr char lastKnownCommandsKey[] = "last_known_supported_commands";
+
+const QString credentialsNeedUpdateKey = QStringLiteral("CredentialsNeedUpdate");
+const QString credentialsNeedUpdateFromKey = QStringLiteral("CredentialsNeedUpdateFrom");
+const QString lastSynchronizedKey = QStringLiteral("lastSynchronized");
+const QString persistentConnectionKey = QStringLiteral("hasPersistentConnection");
+
+RecordScope mailService()
+{
+    return RecordScope::firstOfType(QStringLiteral("e-mail"));
+}
+
+QStringList splitList(const QVariant &value)
+{
+    return value.toString().split(QLatin1Char(','), Qt::SkipEmptyParts);
+}
+
+} // namespace
+
+EasAccountImpl::EasAccountImpl(Accounts::Account *account, EasAccountId id, QObject *parent)
+    : EasAccount(id, parent)
+    , mRecord(account)
+{
+    initialize();
+}
+
+EasAccountImpl::~EasAccountImpl() = default;
+
+void EasAccountImpl::initialize()
+{
+    createConfigurations();
+    if (mRecord.account()) {
+        connect(
+            mRecord.account(), &Accounts::Account::enabledChanged, this, &EasAccountImpl::onEnabledChanged);
+    }
+    askSyncScheduler();
+    mCalendarStorage.reset(StoragesFactory::createCalendarStorage(*this, nullptr));
+    retrieveCredentials();
+    onEmailConfigurationChanged(id());
+    if (isRemoteWipeRequested())
+        startRemoteWipeTimeout();
+}
+
+void EasAccountImpl::createConfigurations()
+{
+    Accounts::Account *account = mRecord.account();
+    const auto calendar = new CalendarAccountConfigurationImpl(account, id(), nullptr);
+    mCalendarConfiguration.reset(calendar);
+    connect(calendar, &CalendarAccountConfiguration::calendarConfigurationChanged, this,
+        &EasAccount::calendarConfigurationChanged);
+    const auto contacts = new ContactsAccountConfigurationImpl(account, id(), nullptr);
+    mContactsConfiguration.reset(contacts);
+    connect(contacts, &ContactsAccountConfiguration::contactsConfigurationChanged, this,
+        &EasAccount::contactsConfigurationChanged);
+    const auto connection = new ConnectionAccountConfigurationImpl(account, id(), nullptr);
+    mConnectionConfiguration.reset(connection);
+    connect(connection, &ConnectionAccountConfiguration::connectionConfigurationChanged, this,
+        &EasAccount::connectionConfigurationChanged);
+    const auto schedule = new ScheduleAccountConfigurationImpl(account, id(), nullptr);
+    mScheduleConfiguration.reset(schedule);
+    connect(schedule, &ScheduleAccountConfiguration::scheduleConfigurationChanged, this,
+        &EasAccount::scheduleConfigurationChanged);
+    const auto email = new EmailAccountConfigurationImpl(account, id(), nullptr);
+    mEmailConfiguration.reset(email);
+    // Who listens to the account's signal finds the mail storage already created or dropped.
+    connect(email, &EmailAccountConfiguration::emailConfigurationChanged, this,
+        &EasAccountImpl::onEmailConfigurationChanged);
+    connect(email, &EmailAccountConfiguration::emailConfigurationChanged, this,
+        &EasAccount::emailConfigurationChanged);
+    connect(email, &EmailAccountConfiguration::passwordChanged, this, &EasAccountImpl::onPasswordChanged);
+}
+
+void EasAccountImpl::askSyncScheduler() const
+{
+    // The answer to the call has no use: the scheduler publishes the state, which comes back as a signal.
+    QDBusMessage call =
+        QDBusMessage::createMethodCall(QStringLiteral("com.plover.msyncd"), QStringLiteral("/synchronizer"),
+            QStringLiteral("com.plover.msyncd"), QStringLiteral("isSyncedExternally"));
+    call << static_cast<uint>(id()) << QStringLiteral("fenneleas-email");
+    QDBusConnection::sessionBus().asyncCall(call);
+}
+
+void EasAccountImpl::onEmailConfigurationChanged(EasAccountId accountId)
+{
+    if (!mEmailConfiguration) {
+        qCWarning(eas()) << "Email configuration is null" << accountId;
+        return;
+    }
+    if (!mEmailConfiguration->enabled()) {
+        qCInfo(eas()) << "email service is disabled in account" << accountId;
+        mMailStorage.reset();
+        return;
+    }
+    qCInfo(eas()) << "email service is enabled in account" << accountId;
+    if (!mMailStorage)
+        mMailStorage.reset(StoragesFactory::createMailStorage(this, nullptr));
+}
+
+void EasAccountImpl::onEnabledChanged(const QString &serviceName)
+{
+    // The services' own switches come through the configurations.
+    if (serviceName.isEmpty())
+        setAlwaysOn(alwaysOn() && enabled());
+}
+
+bool EasAccountImpl::enabled() const
+{
+    return mRecord.enabled();
+}
+
+void EasAccountImpl::setAlwaysOn(bool on)
+{
+    EasAccount::setAlwaysOn(on);
+    if (mRecord.contains(mailService())
+        && mRecord.value(mailService(), persistentConnectionKey).toBool() != on)
+        mRecord.write(mailService(), persistentConnectionKey, on);
+}
+
+QString EasAccountImpl::userName() const
+{
+    return globalValue(userNameKey).toString();
+}
+
+QString EasAccountImpl::password() const
+{
+    return mPassword;
+}
+
+QString EasAccountImpl::serverAddress() const
+{
+    return globalValue(serverAddressKey).toString();
+}
+
+int EasAccountImpl::serverConflictPolicy() const
+{
+    return globalValue(conflictPolicyKey).toInt();
+}
+
+QString EasAccountImpl::sslCertificatePassword() const
+{
+    return mSslCertificatePassword;
+}
+
+QSharedPointer<CalendarAccountConfiguration> EasAccountImpl::calendarConfiguration() const
+{
+    return mCalendarConfiguration;
+}
+
+QSharedPointer<ContactsAccountConfiguration> EasAccountImpl::contactsConfiguration() const
+{
+    return mContactsConfiguration;
+}
+
+QSharedPointer<EmailAccountConfiguration> EasAccountImpl::emailConfiguration() const
+{
+    return mEmailConfiguration;
+}
+
+QSharedPointer<ScheduleAccountConfiguration> EasAccountImpl::scheduleConfiguration() const
+{
+    return mScheduleConfiguration;
+}
+
+QSharedPointer<ConnectionAccountConfiguration> EasAccountImpl::connectionConfiguration() const
+{
+    return mConnectionConfiguration;
+}
+
+QSharedPointer<MailStorage> EasAccountImpl::mailStorage() const
+{
+    return mMailStorage;
+}
+
+QSharedPointer<CalendarStorage> EasAccountImpl::calendarStorage() const
+{
+    return mCalendarStorage;
+}
+
+QSharedPointer<ContactStorage> EasAccountImpl::contactStorage()
+{
+    if (!mContactStorage)
+        mContactStorage.reset(StoragesFactory::createContactStorage(*this, nullptr));
+    return mContactStorage;
+}
+
+QString EasAccountImpl::deviceId() const
+{
+    return DeviceInformation::deviceId();
+}
+
+ExchangeActiveSync::ProtocolVersion EasAccountImpl::preferredProtocolVersion() const
+{
+    return toProtocolVersion(globalValue(preferredVersionKey).toString().toUtf8());
+}
+
+QString EasAccountImpl::policyKey() const
+{
+    return globalValue(policyKeyKey).toString();
+}
+
+void EasAccountImpl::setPolicyKey(const QString &policyKey)
+{
+    setGlobalValue(policyKeyKey, policyKey);
+}
+
+QDateTime EasAccountImpl::lastSyncTime(Service service) const
+{
+    Q_UNUSED(service)
+    if (!mRecord.contains(mailService()))
+        return QDateTime();
+    const quint64 seconds = mRecord.value(mailService(), lastSynchronizedKey).toULongLong();
+    return QDateTime::fromSecsSinceEpoch(static_cast<qint64>(seconds), Qt::UTC);
+}
+
+void EasAccountImpl::setLastSyncTime(Service services, const QDateTime &time)
+{
+    if (!time.isValid() || !services.testFlag(EmailService) || !mRecord.contains(mailService()))
+        return;
+    qCInfo(eas()) << "Update last synchronized" << time << "for service"
+                  << mRecord.serviceName(mailService());
+    const auto seconds = static_cast<quint64>(time.toUTC().toSecsSinceEpoch());
+    if (mRecord.value(mailService(), lastSynchronizedKey).toULongLong() != seconds)
+        mRecord.write(mailService(), lastSynchronizedKey, seconds);
+}
+
+bool EasAccountImpl::firstSyncCompleted() const
+{
+    return globalValue(firstSyncCompletedKey).toBool();
+}
+
+void EasAccountImpl::setFirstSyncCompleted(bool completed)
+{
+    setGlobalValue(firstSyncCompletedKey, completed);
+}
+
+QStringList EasAccountImpl::lastKnownVersions() const
+{
+    return splitList(globalValue(lastKnownVersionsKey));
+}
+
+void EasAccountImpl::setLastKnownVersions(const QStringList &versions)
+{
+    setGlobalValue(lastKnownVersionsKey, versions.join(QLatin1Char(',')));
+}
+
+QStringList EasAccountImpl::lastKnownSupportedCommands() const
+{
+    return splitList(globalValue(lastKnownCommandsKey));
+}
+
+void EasAccountImpl::setLastKnownSupportedCommands(const QStringList &commands)
+{
+    setGlobalValue(lastKnownCommandsKey, commands.join(QLatin1Char(',')));
+}
+
+ProvisionManager *EasAccountImpl::provisionManager()
+{
+    return nullptr;
+}
+
+bool EasAccountImpl::isReady() const
+{
+    return mPendingRequests == 0;
+}
+
+void EasAccountImpl::credentialsNeedUpdate()
+{
+    qInfo() << "fennel-eas: setting CredentialsNeedUpdate on account:" << id();
+    const AccountRecord::Values mark { { credentialsNeedUpdateKey, true },
+        { credentialsNeedUpdateFromKey, QStringLiteral("fenel-eas") } };
+    if (!mRecord.write(mailService(), mark))
+        qCWarning(eas()) << "failed to mark the credentials as refused, account" << id();
+}
+
+bool EasAccountImpl::isCredentialsNeedUpdate()
+{
+    return mRecord.value(mailService(), credentialsNeedUpdateKey).toBool();
+}
+
+QVariant EasAccountImpl::globalValue(const char *key) const
+{
+    return mRecord.value(RecordScope::global(), QLatin1String(key));
+}
+
+void EasAccountImpl::setGlobalValue(const char *key, const QVariant &value)
+{
+    if (!mRecord.write(RecordScope::global(), QLatin1String(key), value))
+        qCWarning(eas()) << "failed to write" << key << "of account" << id();
+}

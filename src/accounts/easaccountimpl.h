@@ -1,0 +1,117 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include "accounts/accountrecord.h"
+#include "application/easaccount.h"
+
+#include <QPointer>
+
+class QTimer;
+class SignOnFlow;
+
+namespace SignOn {
+class Error;
+}
+
+/**
+ * The binding of an account to the platform: settings from the account store, secrets from the sign-on
+ * service, stores from the factory.
+ *
+ * It is not ready while a sign-on flow runs. Credentials come asynchronously: whoever needs to know that they
+ * have arrived listens to credentialsChanged(). Owned by the account storage.
+ */
+class EasAccountImpl : public EasAccount
+{
+    Q_OBJECT
+
+public:
+    EasAccountImpl(Accounts::Account *account, EasAccountId id, QObject *parent);
+    ~EasAccountImpl() override;
+
+    void setAlwaysOn(bool on) override;
+    /** The account's own switch; whether its mail is synchronised stands in emailConfiguration(). */
+    bool enabled() const override;
+    QString userName() const override;
+    QString password() const override;
+    QString serverAddress() const override;
+    int serverConflictPolicy() const override;
+    QString sslCertificatePassword() const override;
+    QSharedPointer<CalendarAccountConfiguration> calendarConfiguration() const override;
+    QSharedPointer<ContactsAccountConfiguration> contactsConfiguration() const override;
+    QSharedPointer<EmailAccountConfiguration> emailConfiguration() const override;
+    QSharedPointer<ScheduleAccountConfiguration> scheduleConfiguration() const override;
+    QSharedPointer<ConnectionAccountConfiguration> connectionConfiguration() const override;
+    QSharedPointer<MailStorage> mailStorage() const override;
+    QSharedPointer<CalendarStorage> calendarStorage() const override;
+    QSharedPointer<ContactStorage> contactStorage() override;
+    QString deviceId() const override;
+    ExchangeActiveSync::ProtocolVersion preferredProtocolVersion() const override;
+    QString policyKey() const override;
+    void setPolicyKey(const QString &policyKey) override;
+    QDateTime lastSyncTime(Service service) const override;
+    void setLastSyncTime(Service services, const QDateTime &time) override;
+    bool firstSyncCompleted() const override;
+    void setFirstSyncCompleted(bool completed) override;
+    QStringList lastKnownVersions() const override;
+    void setLastKnownVersions(const QStringList &versions) override;
+    QStringList lastKnownSupportedCommands() const override;
+    void setLastKnownSupportedCommands(const QStringList &commands) override;
+    ProvisionManager *provisionManager() override;
+    void remoteWipeRequested() override;
+    bool isReady() const override;
+    void credentialsNeedUpdate() override;
+    bool isCredentialsNeedUpdate() override;
+
+public Q_SLOTS:
+    void onAuthenticationFailedError() override;
+    /** Fetches password and passphrase anew; does nothing while a flow for the password runs. */
+    void retrieveCredentials();
+
+private Q_SLOTS:
+    void onEmailConfigurationChanged(EasAccountId accountId);
+    void onPasswordChanged();
+    void onEnabledChanged(const QString &serviceName);
+    void onRemoteWipeTimeout();
+    void onIdentityRemoved();
+    void onIdentityRemoveError(const SignOn::Error &error);
+
+private:
+    void initialize();
+    void createConfigurations();
+    void askSyncScheduler() const;
+    void retrieveSslCertificateCredentials();
+    void onSignOnResponse(const QString &secret);
+    void onSignOnError(const SignOn::Error &error);
+    void onSslCredSignOnResponse(const QString &secret);
+    void onSslCredSignOnError(const SignOn::Error &error);
+    void clearSignOnIdentity();
+    void endFlow(QPointer<SignOnFlow> &flow);
+    void addPendingRequest();
+    void removePendingRequest();
+    bool isRemoteWipeRequested() const;
+    void startRemoteWipeTimeout();
+    void wipe();
+
+    QVariant globalValue(const char *key) const;
+    void setGlobalValue(const char *key, const QVariant &value);
+    QString getSsoMethod() const;
+    QString getSsoMechanism() const;
+
+    AccountRecord mRecord;
+    QSharedPointer<CalendarAccountConfiguration> mCalendarConfiguration;
+    QSharedPointer<ContactsAccountConfiguration> mContactsConfiguration;
+    QSharedPointer<ConnectionAccountConfiguration> mConnectionConfiguration;
+    QSharedPointer<EmailAccountConfiguration> mEmailConfiguration;
+    QSharedPointer<ScheduleAccountConfiguration> mScheduleConfiguration;
+    QSharedPointer<MailStorage> mMailStorage;
+    QSharedPointer<CalendarStorage> mCalendarStorage;
+    QSharedPointer<ContactStorage> mContactStorage;
+    QString mPassword;
+    QString mSslCertificatePassword;
+    QPointer<SignOnFlow> mSignOnFlow;
+    QPointer<SignOnFlow> mSslSignOnFlow;
+    QPointer<QTimer> mRemoteWipeTimer;
+    int mPendingRequests = 0;
+    /** New credentials were entered while older ones were on their way. */
+    bool mRetrieveAgain = false;
+};

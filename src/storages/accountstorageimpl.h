@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include "storages/accountstorage.h"
+
+#include <QHash>
+
+namespace Accounts {
+class Account;
+class Manager;
+} // namespace Accounts
+
+/**
+ * The table of accounts bound to the platform's account store.
+ *
+ * An account gets its object once it is enabled and keeps it until the platform removes the account. Without
+ * a session bus the account store cannot be read: that is logged, and the table stays empty.
+ */
+class AccountStorageImpl : public AccountStorage
+{
+    Q_OBJECT
+
+public:
+    explicit AccountStorageImpl(QObject *parent);
+    ~AccountStorageImpl() override;
+
+    QList<EasAccountId> accounts() const override;
+    EasAccount *account(EasAccountId id) const override;
+    int enabledAccountsCount() const override;
+    bool isReady() const override;
+
+private Q_SLOTS:
+    void initializeAccounts();
+    void updateReady();
+    void onAccountCreated(uint id);
+    void onAccountRemoved(uint id);
+    void onAccountUpdated(uint id);
+    void onEmailAccountUpdated(uint id);
+    void onEnabledEvent(uint id);
+
+private:
+    void connectManagers();
+    void connectDatabase();
+    bool storeIsUsable(const Accounts::Manager *manager) const;
+    void cleanUpDatabase();
+    bool isEasAccount(EasAccountId id) const;
+    /** The record of an account; null, after a log line, if it cannot be had. */
+    Accounts::Account *accountRecord(EasAccountId id) const;
+    void createAccount(Accounts::Account *record, EasAccountId id);
+
+    Accounts::Manager *mManager;
+    Accounts::Manager *mEmailManager;
+    QHash<EasAccountId, EasAccount *> mAccounts;
+    bool mUsable = false;
+    bool mReady = false;
+};
