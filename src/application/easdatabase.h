@@ -108,6 +108,8 @@ public:
     QStringList localEmailIds(EasAccountId accountId, const QString &collectionId) const;
     QMap<QString, QString> serverToLocalEmailIds(EasAccountId accountId) const;
     QMap<QString, QString> localToServerEmailIds(EasAccountId accountId) const;
+    /** The folder of each message, by server identifiers. */
+    QMap<QString, QString> emailCollectionIds(EasAccountId accountId) const;
     QString folderServerIdByEmailServerId(EasAccountId accountId, const QString &serverId) const;
     QString collectionServerIdFromEmailItemId(EasAccountId accountId, const QString &serverId);
     bool clearEmailFolder(EasAccountId accountId, const QString &collectionId);

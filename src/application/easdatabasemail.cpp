@@ -121,6 +121,13 @@ QMap<QString, QString> EasDatabase::localToServerEmailIds(EasAccountId accountId
     return readMap(select, 1, CantQueryEmails);
 }
 
+QMap<QString, QString> EasDatabase::emailCollectionIds(EasAccountId accountId) const
+{
+    DatabaseStatement select(mDatabase,
+        QStringLiteral("SELECT server_id, collection_id FROM emails WHERE account_id=%1").arg(accountId));
+    return readMap(select, 0, CantQueryEmails);
+}
+
 QString EasDatabase::folderServerIdByEmailServerId(EasAccountId accountId, const QString &serverId) const
 {
     DatabaseStatement select(mDatabase,

@@ -1,0 +1,114 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "requests/emailresulthandler.h"
+
+#include "application/easaccount.h"
+#include "application/easdatabase.h"
+#include "application/logging.h"
+#include "protocol/synccollection.h"
+#include "protocol/synccommandchange.h"
+#include "protocol/synccommanddelete.h"
+#include "protocol/wbxmltokens.h"
+#include "requests/mailserverids.h"
+#include "requests/syncstate.h"
+#include "storages/mailstorage.h"
+
+bool EmailResultHandler::handle(SyncCollection &collection)
+{
+    const QSharedPointer<MailStorage> storage = account().mailStorage();
+    if (!storage)
+        return fail("MailStorage is null");
+    if (!collection.getAddCmdResponses().isEmpty())
+        qCWarning(eas()) << "unexpected add responses in a sync response for collection" << collection.id();
+
+    MailServerIds ids(account().id());
+    if (!acknowledgeChanges(*storage, collection) || !acknowledgeDeletes(*storage, collection, ids))
+        return false;
+
+    nameAsKept(collection, ids);
+    recogniseRepeatedAdds(collection, ids);
+    spareMovedMail();
+
+    if (!storage->updateEmails(mAdded, mChanged, mDeleted))
+        return fail("Failed to update emails");
+    if (!EasDatabase::instance()->emailItemsChanges(account().id(), mAdded, mChanged, mDeleted))
+        return fail("Failed to update emails in EAS DB");
+    return true;
+}
+
+bool EmailResultHandler::acknowledgeChanges(MailStorage &storage, const SyncCollection &collection)
+{
+    QList<EasEmailItem> sent;
+    for (const QSharedPointer<SyncCommandBase> &command : collection.commands()) {
+        if (command->type() == SyncCommandBase::ChangeCommand)
+            sent.append(command.staticCast<SyncCommandChange>()->emailItems());
+    }
+    QList<EasEmailItem> taken;
+    if (!acknowledged(SyncItemStatus::Operation::MailChange, collection.id(), sent,
+            collection.getChangeCmdResponses(), {}, taken))
+        return false;
+    if (!taken.isEmpty() && !storage.successfullyUpdatedEmails(taken))
+        return fail("Can't update state of successfully updated items");
+    return true;
+}
+
+bool EmailResultHandler::acknowledgeDeletes(
+    MailStorage &storage, const SyncCollection &collection, const MailServerIds &ids)
+{
+    QStringList sent;
+    for (const QSharedPointer<SyncCommandBase> &command : collection.commands()) {
+        if (command->type() == SyncCommandBase::DeleteCommand)
+            sent.append(command.staticCast<SyncCommandDelete>()->serverIds());
+    }
+    QList<QString> taken;
+    if (!acknowledged(SyncItemStatus::Operation::MailDelete, collection.id(), QList<QString>(sent),
+            collection.getDeleteCmdResponses(), {}, taken))
+        return false;
+
+    QStringList removed;
+    for (const QString &wireId : qAsConst(taken))
+        removed.append(ids.kept(collection.id(), wireId));
+    // An empty list would purge every removal record of the account.
+    if (removed.isEmpty())
+        return true;
+    if (!storage.purgeDeletedEmails(removed))
+        return fail("MailStorage is null");
+    // The server does not report a delete back to the device that asked for it.
+    if (!EasDatabase::instance()->deleteEmailItems(account().id(), removed))
+        return fail("Failed to update emails in EAS DB");
+    return true;
+}
+
+void EmailResultHandler::nameAsKept(const SyncCollection &collection, MailServerIds &ids)
+{
+    const auto named = [&](QList<EasEmailItem> items) {
+        for (EasEmailItem &item : items)
+            item.setServerId(ids.kept(collection.id(), item.serverId()));
+        return items;
+    };
+    mChanged = named(collection.changedEmails());
+    for (const QString &wireId : collection.deletedIds())
+        mDeleted.append(ids.kept(collection.id(), wireId));
+    mAdded = named(collection.addedEmails());
+}
+
+void EmailResultHandler::recogniseRepeatedAdds(const SyncCollection &collection, MailServerIds &ids)
+{
+    QList<EasEmailItem> added;
+    for (EasEmailItem &item : mAdded) {
+        if (ids.contains(item.serverId())) {
+            item.appendChangedField(Wbxml::AirSyncBase::FileReference.key());
+            mChanged.append(item);
+        } else {
+            ids.add(item.serverId(), collection.id());
+            added.append(item);
+        }
+    }
+    mAdded = added;
+}
+
+void EmailResultHandler::spareMovedMail()
+{
+    for (const QString &serverId : qAsConst(state().movedServerIds))
+        mDeleted.removeAll(serverId);
+    state().movedServerIds.clear();
+}

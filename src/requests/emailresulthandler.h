@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include "easitems/easemailitem.h"
+#include "requests/syncresulthandler.h"
+
+class MailServerIds;
+class MailStorage;
+
+/** Mail of a Sync reply: acknowledged uploads first, then the server's items, then the mapping. */
+class EmailResultHandler : public SyncResultHandler
+{
+public:
+    using SyncResultHandler::SyncResultHandler;
+
+    bool handle(SyncCollection &collection) override;
+
+private:
+    bool acknowledgeChanges(MailStorage &storage, const SyncCollection &collection);
+    bool acknowledgeDeletes(MailStorage &storage, const SyncCollection &collection, const MailServerIds &ids);
+    void nameAsKept(const SyncCollection &collection, MailServerIds &ids);
+    void recogniseRepeatedAdds(const SyncCollection &collection, MailServerIds &ids);
+    void spareMovedMail();
+
+    QList<EasEmailItem> mAdded;
+    QList<EasEmailItem> mChanged;
+    QStringList mDeleted;
+};

@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include "easitems/easemailitem.h"
+#include "requests/request.h"
+
+#include <QList>
+#include <QPointer>
+#include <QStringList>
+
+class FetchItemCommand;
+class FetchPartRequest;
+
+/**
+ * Fetches whole messages with their bodies and, if asked for, all their attachments one after another; or,
+ * in the form with a location, the body of one message.
+ *
+ * Queued and owned by the RequestManager, or owned by a FetchPartRequest. Main thread only.
+ */
+class FetchMessagesRequest : public Request
+{
+    Q_OBJECT
+
+public:
+    FetchMessagesRequest(EasAccountId accountId, quint64 requestId, const QList<quint64> &messageIds,
+        bool fullContentDownload, QObject *parent = nullptr);
+    FetchMessagesRequest(EasAccountId accountId, quint64 requestId, quint64 messageId,
+        const QString &location, QObject *parent = nullptr);
+
+public Q_SLOTS:
+    void retrySend() override;
+
+protected:
+    void startRequest() override;
+    void cancelRequest() override;
+    QString commandName() const override;
+
+private Q_SLOTS:
+    void onFetchItemCommandFinished(bool success);
+    void onFetchAttachmentCompleted(EasAccountId accountId, qulonglong requestId);
+
+private:
+    void dropCommand();
+    void processCommandSuccess();
+    bool updateBody();
+    bool updateMessages();
+    QList<EasEmailItem> receivedItems();
+    int firstItemFailure() const;
+    void downloadNextAttachment();
+    void queueAttachments();
+    FetchPartRequest *attachmentRequest(quint64 messageId, const QString &location);
+
+    bool mFullContentDownload = false;
+    QList<quint64> mMessageIds;
+    QString mLocation;
+    quint64 mAttachmentMessage = 0;
+    QStringList mAttachmentLocations;
+    QPointer<FetchItemCommand> mCommand;
+    QPointer<FetchPartRequest> mFetchPartRequest;
+};

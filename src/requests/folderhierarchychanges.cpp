@@ -1,0 +1,123 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "requests/folderhierarchychanges.h"
+
+#include "application/easaccount.h"
+#include "application/easdatabase.h"
+#include "application/logging.h"
+#include "protocol/foldersynccommand.h"
+#include "protocol/wbxmltokens.h"
+#include "storages/calendarstorage.h"
+#include "storages/contactstorage.h"
+#include "storages/mailstorage.h"
+
+#include <QMap>
+
+namespace {
+
+void appendAllFields(EasFolderItem &item)
+{
+    item.appendChangedField(Wbxml::FolderHierarchy::DisplayName.key());
+    if (!item.serverParentId().isEmpty())
+        item.appendChangedField(Wbxml::FolderHierarchy::ParentId.key());
+}
+
+} // namespace
+
+FolderHierarchyChanges::FolderHierarchyChanges(EasAccount &account, const FolderSyncCommand &command)
+    : mAccount(account)
+    , mAccountId(account.id())
+    , mAdded(command.addedItems())
+    , mUpdated(command.updatedItems())
+    , mDeleted(command.deletedItems())
+{
+    recogniseRepeatedFolders();
+    bindUpdatedFolders();
+}
+
+void FolderHierarchyChanges::recogniseRepeatedFolders()
+{
+    const QMap<QString, QString> known = EasDatabase::instance()->serverToLocalFolderIds(mAccountId);
+    QList<EasFolderItem> unknown;
+    for (EasFolderItem &item : mAdded) {
+        if (known.contains(item.serverId())) {
+            appendAllFields(item);
+            mUpdated.append(item);
+        } else {
+            unknown.append(item);
+        }
+    }
+    mAdded = unknown;
+}
+
+void FolderHierarchyChanges::bindUpdatedFolders()
+{
+    // A folder row is always written with its local binding, which a reply cannot know.
+    const QMap<QString, QString> known = EasDatabase::instance()->serverToLocalFolderIds(mAccountId);
+    for (EasFolderItem &item : mUpdated) {
+        const EasFolderItem stored =
+            EasDatabase::instance()->folderItemByServerId(mAccountId, item.serverId());
+        item.setLocalId(stored.localId());
+        item.setLocalParentId(known.value(item.serverParentId()));
+        item.setSavedInStorage(stored.savedInStorage());
+        if (!item.changedFields().contains(Wbxml::FolderHierarchy::Type.key()))
+            item.setType(stored.type());
+    }
+}
+
+bool FolderHierarchyChanges::hasStores() const
+{
+    if (!mAccount.calendarStorage()) {
+        qCCritical(eas()) << "CalendarStorage is null";
+        return false;
+    }
+    if (!mAccount.contactStorage()) {
+        qCCritical(eas()) << "ContactStorage is null";
+        return false;
+    }
+    return true;
+}
+
+bool FolderHierarchyChanges::updateStores(OnFailure onFailure, const char *mailFailure)
+{
+    bool updated = true;
+    const auto step = [&](bool succeeded, const char *failure) {
+        if (!succeeded) {
+            qCCritical(eas()) << failure;
+            updated = false;
+        }
+        return succeeded || onFailure == OnFailure::GoOn;
+    };
+    const QSharedPointer<MailStorage> mail = mAccount.mailStorage();
+    if (mail && !step(mail->updateFolders(mAdded, mUpdated, mDeleted), mailFailure))
+        return false;
+    if (!step(mAccount.calendarStorage()->updateFolders(mAdded, mUpdated, mDeleted),
+            "failed to update folders in Calendar Storage"))
+        return false;
+    step(mAccount.contactStorage()->updateFolders(mAdded, mUpdated, mDeleted),
+        "failed to update folders in Contact Storage");
+    return updated;
+}
+
+void FolderHierarchyChanges::markSaved()
+{
+    const bool hasMail = !mAccount.mailStorage().isNull();
+    for (QList<EasFolderItem> *items : { &mAdded, &mUpdated }) {
+        for (EasFolderItem &item : *items) {
+            if (!item.isCalendar() && (!item.isEmail() || hasMail))
+                item.setSavedInStorage(true);
+        }
+    }
+}
+
+bool FolderHierarchyChanges::updateDatabase()
+{
+    EasDatabase *database = EasDatabase::instance();
+    for (const QString &serverId : qAsConst(mDeleted)) {
+        const bool cleared = database->clearEmailFolder(mAccountId, serverId)
+            && database->clearCalendarFolder(mAccountId, serverId)
+            && database->clearContactsFolder(mAccountId, serverId);
+        if (!cleared)
+            return false;
+    }
+    return database->folderItemsChanges(mAccountId, mAdded, mUpdated, mDeleted);
+}

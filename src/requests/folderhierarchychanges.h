@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include "common/easaccountid.h"
+#include "easitems/easfolderitem.h"
+
+#include <QList>
+#include <QStringList>
+
+class EasAccount;
+class FolderSyncCommand;
+
+/**
+ * The folder changes of one FolderSync reply on their way into the stores and the mapping database.
+ *
+ * The order of the steps is what makes a crash harmless: stores, then database, then (by the request) the
+ * hierarchy key. A reply that is repeated because the key was never written finds its folders already there,
+ * so folders that the database knows are treated as updates. A value on the stack of a request's slot; the
+ * account must outlive it. Main thread only.
+ */
+class FolderHierarchyChanges
+{
+public:
+    enum class OnFailure { Stop, GoOn };
+
+    FolderHierarchyChanges(EasAccount &account, const FolderSyncCommand &command);
+
+    /** False, logged, if the account lacks a store that has to be there. */
+    bool hasStores() const;
+
+    /** Hands the changes to the mail, calendar and contact store in this order. */
+    bool updateStores(OnFailure onFailure, const char *mailFailure);
+
+    /** Marks the folders that now have a counterpart in a store. */
+    void markSaved();
+
+    /** Writes the folder rows, and removes what belonged to deleted folders. */
+    bool updateDatabase();
+
+private:
+    void recogniseRepeatedFolders();
+    void bindUpdatedFolders();
+
+    EasAccount &mAccount;
+    EasAccountId mAccountId;
+    QList<EasFolderItem> mAdded;
+    QList<EasFolderItem> mUpdated;
+    QStringList mDeleted;
+};

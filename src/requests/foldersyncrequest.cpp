@@ -1,0 +1,184 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "requests/foldersyncrequest.h"
+
+#include "application/easaccount.h"
+#include "application/easdatabase.h"
+#include "application/logging.h"
+#include "protocol/eas.h"
+#include "protocol/foldersynccommand.h"
+#include "protocol/protocolutils.h"
+#include "requests/folderhierarchychanges.h"
+
+FolderSyncRequest::FolderSyncRequest(EasAccountId accountId, quint64 requestId, QObject *parent)
+    : Request(accountId, requestId, parent)
+{
+}
+
+QString FolderSyncRequest::commandName() const
+{
+    return ProtocolUtils::CommandFolderSync;
+}
+
+void FolderSyncRequest::startRequest()
+{
+    if (!account()) {
+        qCCritical(eas()) << "No account";
+        return completeWith(RequestStatusInternalError);
+    }
+    dropCommand();
+    mCommand = new FolderSyncCommand(accountId(), this);
+    connect(mCommand, &FolderSyncCommand::finished, this, &FolderSyncRequest::handleFinished);
+    mCommand->setSyncKey(EasDatabase::instance()->folderSyncKey(accountId()));
+    mCommand->start();
+    Q_EMIT syncStarted(accountId(), id());
+}
+
+void FolderSyncRequest::cancelRequest()
+{
+    if (mCommand)
+        mCommand->stop();
+}
+
+void FolderSyncRequest::reportRequestCompleted()
+{
+    if (hasEnded())
+        return;
+    Q_EMIT syncCompleted(accountId(), id(), status());
+    Request::reportRequestCompleted();
+}
+
+void FolderSyncRequest::dropCommand()
+{
+    if (!mCommand)
+        return;
+    mCommand->disconnect(this);
+    mCommand->deleteLater();
+    mCommand.clear();
+}
+
+void FolderSyncRequest::retrySend()
+{
+    if (mRetryCount++ >= ProtocolUtils::CommandMaxRetriesCount)
+        return complete();
+    qCInfo(eas()) << "trying to send command again. Attempt: " << mRetryCount;
+    startRequest();
+}
+
+void FolderSyncRequest::handleFinished(bool success)
+{
+    qCInfo(eas()) << "FolderSyncRequest finished with success: " << success;
+    if (!mCommand)
+        qCCritical(eas()) << "No command object";
+    if (!acceptResult(mCommand, success)) {
+        if (mCommand)
+            qCInfo(eas()) << "Provision request required";
+        return dropCommand();
+    }
+    if (!success && status() < Eas::CommonStatusInvalidContent)
+        return complete();
+    const StatusRows rows = {
+        { { 0, Eas::FolderSyncStatusSuccess },
+            [this] {
+                processSuccess();
+            } },
+        { { Eas::FolderSyncStatusServerError, Eas::FolderSyncStatusUnknownError },
+            [this] {
+                processFolderSyncServerError();
+            } },
+        { { Eas::FolderSyncStatusWrongSyncKey },
+            [this] {
+                processWrongSyncKey();
+            } },
+        { { Eas::FolderSyncStatusWrongRequest },
+            [this] {
+                qCCritical(eas()) << "incorrect FolderSync request. Something wrong with the encoder";
+                complete();
+            } },
+        { { Eas::FolderSyncStatusCodeUnknown },
+            [this] {
+                qCWarning(eas()) << "Unusual back-end issue on the server.";
+                complete();
+            } },
+        { { Eas::CommonStatusInvalidDeviceId, Eas::CommonStatusInvalidDeviceType },
+            [this] {
+                refreshDeviceAndRetryLater();
+            } },
+    };
+    if (!handleCommonStatus(status(), rows))
+        completeUnhandled();
+}
+
+void FolderSyncRequest::processSuccess()
+{
+    if (mCommand->syncKey() == ProtocolUtils::InitialSyncKey) {
+        // An empty answer to the first FolderSync tells nothing; it is asked for again, and counted.
+        setStatus(RequestStatusInternalError);
+        return startResendTimer();
+    }
+    qCInfo(eas()) << "Folder sync request successfully completed for account:" << accountId();
+    resetTimeoutFactor();
+    setStatus(RequestStatusSuccess);
+    const bool processed = processResponse();
+    const bool resync = mResyncRequested;
+    mResyncRequested = false;
+    if (processed) {
+        mRetryCount = 0;
+        complete();
+    } else {
+        qCWarning(eas()) << "Couldn't process folder sync responce!";
+    }
+    if (resync)
+        Q_EMIT resyncFolders(accountId(), id());
+}
+
+bool FolderSyncRequest::processResponse()
+{
+    const auto fail = [this](const char *text) {
+        qCCritical(eas()) << text;
+        completeWith(RequestStatusInternalError);
+        return false;
+    };
+    EasAccount *easAccount = account();
+    if (!easAccount)
+        return fail("No account");
+    FolderHierarchyChanges changes(*easAccount, *mCommand);
+    const bool stored = changes.hasStores()
+        && changes.updateStores(FolderHierarchyChanges::OnFailure::Stop, "can't update mail folders");
+    if (!stored) {
+        completeWith(RequestStatusInternalError);
+        return false;
+    }
+    changes.markSaved();
+    if (!changes.updateDatabase())
+        return fail("failed to update folders in EAS DB");
+    // The key is the last thing written: whatever stops us before makes the server repeat its answer.
+    EasDatabase::instance()->setFolderSyncKey(accountId(), mCommand->syncKey());
+    return true;
+}
+
+void FolderSyncRequest::processWrongSyncKey()
+{
+    // A server that refuses even the initial key will not be helped by another reset.
+    if (mResyncRequested)
+        return processFolderSyncServerError();
+    qCWarning(eas()) << "wrong sync key, resyncing account";
+    if (!EasDatabase::instance()->clearAccount(accountId())) {
+        qCCritical(eas()) << "Failed to clear account";
+        return completeWith(RequestStatusInternalError);
+    }
+    mResyncRequested = true;
+    startRequest();
+}
+
+void FolderSyncRequest::processFolderSyncServerError()
+{
+    if (mRetryCount > ProtocolUtils::CommandMaxRetriesCount) {
+        qCWarning(eas()) << "FolderSync command failed again, no more retries";
+        return complete();
+    }
+    if (mRetryCount == ProtocolUtils::CommandMaxRetriesCount) {
+        EasDatabase::instance()->setFolderSyncKey(accountId(), ProtocolUtils::InitialSyncKey);
+        EasDatabase::instance()->clearAccount(accountId());
+    }
+    startResendTimer();
+}

@@ -1,0 +1,118 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "requests/moveitemsresulthandler.h"
+
+#include "application/easaccount.h"
+#include "application/easdatabase.h"
+#include "application/logging.h"
+#include "easitems/emailserverid.h"
+#include "protocol/eas.h"
+#include "protocol/moveitemscommand.h"
+#include "protocol/moveitemsresponse.h"
+#include "protocol/wbxmltokens.h"
+#include "requests/mailserverids.h"
+#include "requests/syncstate.h"
+#include "storages/mailstorage.h"
+
+#include <QHash>
+#include <QSet>
+
+MoveItemsResultHandler::MoveItemsResultHandler(EasAccount &account, SyncState &state)
+    : mAccount(account)
+    , mState(state)
+{
+}
+
+QList<MoveContainer> MoveItemsResultHandler::moves(const QList<EasEmailItem> &movedEmails)
+{
+    QList<MoveContainer> moves;
+    QSet<QString> taken;
+    for (const EasEmailItem &item : movedEmails) {
+        const QString wireId = EmailServerId::onWire(item.serverId());
+        if (taken.contains(wireId))
+            continue;
+        taken.insert(wireId);
+        moves.append(MoveContainer(wireId, item.sourceFolderId(), item.destinationFolderId()));
+    }
+    return moves;
+}
+
+bool MoveItemsResultHandler::handle(const MoveItemsCommand &command)
+{
+    QHash<QString, MoveItemsResponse> responses;
+    for (const MoveItemsResponse &response : command.moveItemsResponses())
+        responses.insert(response.sourceMessageId(), response);
+
+    for (const MoveContainer &move : command.moveItems()) {
+        const auto response = responses.constFind(move.sourceMessageId());
+        if (response == responses.constEnd())
+            qCWarning(eas()) << "unknown source message id" << move.sourceMessageId();
+        else
+            handleMove(move, *response);
+    }
+    return recordMoved();
+}
+
+void MoveItemsResultHandler::handleMove(const MoveContainer &move, const MoveItemsResponse &response)
+{
+    const QString id = move.sourceMessageId();
+    switch (response.status()) {
+    case Eas::MoveItemsInvalidSourceId:
+        qCWarning(eas()) << "invalid source message or folder id for message:" << id;
+        if (!move.sourceFolderId().isEmpty())
+            SyncState::addOnce(mState.collectionsToRetry, move.sourceFolderId());
+        mFolderSyncNeeded = true;
+        break;
+    case Eas::MoveItemsInvalidDestinationId:
+        qCWarning(eas()) << "invalid destination id for message:" << id;
+        mFolderSyncNeeded = true;
+        break;
+    case Eas::MoveItemsStatusSuccess:
+        appendMoved(move, response.destinationMessageId());
+        break;
+    case Eas::MoveItemsStatusSameSrcDstId:
+        qCWarning(eas()) << "same source and destination folder ids for message:" << id;
+        appendMoved(move, id);
+        break;
+    case Eas::MoveItemsStatusCannotBeMoved:
+        qCWarning(eas()) << "item can't be moved. Multiple destination folder elements?";
+        break;
+    case Eas::MoveItemsStatusSrcOrDstLocked:
+        qCWarning(eas()) << "source or destination folder is locked for message:" << id;
+        mRetryMove = true;
+        break;
+    default:
+        qCWarning(eas()) << "received response status" << response.status() << "for message" << id;
+    }
+}
+
+void MoveItemsResultHandler::appendMoved(const MoveContainer &move, const QString &wireId)
+{
+    MailServerIds ids(mAccount.id());
+    for (const EasEmailItem &moved : qAsConst(mMoved))
+        ids.add(moved.serverId(), moved.collectionId());
+
+    EasEmailItem item;
+    item.setPreviousServerId(ids.kept(move.sourceFolderId(), move.sourceMessageId()));
+    item.setServerId(ids.kept(move.destinationFolderId(), wireId));
+    item.setCollectionId(move.destinationFolderId());
+    item.setDestinationFolderId(move.destinationFolderId());
+    item.setSourceFolderId(move.sourceFolderId());
+    item.appendChangedField(Wbxml::AirSync::ServerId.key());
+    mMoved.append(item);
+}
+
+bool MoveItemsResultHandler::recordMoved()
+{
+    const QSharedPointer<MailStorage> storage = mAccount.mailStorage();
+    if (!storage->updateMovedEmails(mMoved)) {
+        qCCritical(eas()) << "items are not updated in MailStorage";
+        return false;
+    }
+    if (!EasDatabase::instance()->updateMovedEmailItems(mAccount.id(), mMoved)) {
+        qCCritical(eas()) << "items are not updated in Eas DB";
+        return false;
+    }
+    for (const EasEmailItem &item : qAsConst(mMoved))
+        mState.movedServerIds.append(item.previousServerId());
+    return true;
+}

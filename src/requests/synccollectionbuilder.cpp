@@ -1,0 +1,269 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "requests/synccollectionbuilder.h"
+
+#include "application/easaccount.h"
+#include "application/easdatabase.h"
+#include "application/logging.h"
+#include "configurations/calendaraccountconfiguration.h"
+#include "configurations/contactsaccountconfiguration.h"
+#include "configurations/emailaccountconfiguration.h"
+#include "easitems/eascalendaritem.h"
+#include "easitems/eascontactsitem.h"
+#include "easitems/easemailitem.h"
+#include "easitems/emailserverid.h"
+#include "protocol/airsyncbasepreference.h"
+#include "protocol/airsyncoptions.h"
+#include "protocol/protocolutils.h"
+#include "protocol/synccommandadd.h"
+#include "protocol/synccommandchange.h"
+#include "protocol/synccommanddelete.h"
+#include "protocol/wbxmltokens.h"
+#include "requests/syncstate.h"
+#include "storages/calendarstorage.h"
+#include "storages/contactstorage.h"
+#include "storages/mailstorage.h"
+
+namespace {
+
+/** The mail folders that take part in Sync; an outbox belongs to the hierarchy alone. */
+bool isSynchronizedMail(const EasFolderItem &folder)
+{
+    return folder.isEmail() && folder.type() != EasFolderItem::DefaultOutboxFolder;
+}
+
+QString className(const EasFolderItem &folder)
+{
+    if (folder.isCalendar())
+        return ProtocolUtils::ClassCalendar;
+    if (folder.isContacts())
+        return ProtocolUtils::ClassContacts;
+    return folder.isEmail() ? QString(ProtocolUtils::ClassEmail) : QString();
+}
+
+QSharedPointer<AirSyncBasePreference> bodyPreference(EasBodyContainer::BodyType type)
+{
+    QSharedPointer<AirSyncBasePreference> preference(
+        new AirSyncBasePreference(Wbxml::AirSyncBase::BodyPreference.token, nullptr));
+    preference->setType(type);
+    return preference;
+}
+
+template <typename Command, typename Items, typename Setter>
+void appendCommand(SyncCollection &collection, const Items &items, Setter setter)
+{
+    if (items.isEmpty())
+        return;
+    auto *command = new Command;
+    (command->*setter)(items);
+    collection.appendCommand(command);
+}
+
+} // namespace
+
+SyncCollectionBuilder::SyncCollectionBuilder(EasAccount &account, SyncState &state)
+    : mAccount(account)
+    , mState(state)
+{
+}
+
+SyncCollection SyncCollectionBuilder::collection(const EasFolderItem &folder)
+{
+    const bool initial = folder.syncKey().isEmpty() || folder.syncKey() == ProtocolUtils::InitialSyncKey;
+    qCDebug(eas()) << "Server ID: " << folder.serverId() << ", syncKey: " << folder.syncKey();
+
+    SyncCollection collection;
+    collection.setId(folder.serverId());
+    collection.setLocalId(folder.localId());
+    collection.setSyncKey(initial ? QString(ProtocolUtils::InitialSyncKey) : folder.syncKey());
+    collection.setGetChanges(!initial);
+    collection.setDeletesAsMoves(initial);
+    // Servers of the oldest version do not know what a collection holds before they are told.
+    if (mAccount.protocolVersion() == ExchangeActiveSync::ProtocolVersion120)
+        collection.setClass(className(folder));
+    if (initial)
+        return collection;
+
+    collection.setDeletesAsMoves(false);
+    setupOptions(collection, folder);
+    appendLocalChanges(collection, folder);
+    return collection;
+}
+
+void SyncCollectionBuilder::setupOptions(SyncCollection &collection, const EasFolderItem &folder)
+{
+    auto *options = new AirSyncOptions;
+    collection.setOptions(options);
+    options->setConflicts(mAccount.serverConflictPolicy() == AirSyncOptions::ServerReplacesClient
+            ? AirSyncOptions::ServerReplacesClient
+            : AirSyncOptions::ClientReplacesServer);
+    if (isSynchronizedMail(folder))
+        setupMailOptions(*options, folder);
+    else if (folder.isContacts())
+        options->appendBodyPreference(bodyPreference(EasBodyContainer::PlainTextBodyType));
+    else if (folder.isCalendar())
+        setupCalendarOptions(collection, *options);
+}
+
+void SyncCollectionBuilder::setupMailOptions(AirSyncOptions &options, const EasFolderItem &folder)
+{
+    QList<QSharedPointer<AirSyncBasePreference>> preferences { bodyPreference(
+        EasBodyContainer::PlainTextBodyType) };
+    if (folder.type() != EasFolderItem::DefaultDraftsFolder)
+        preferences.append(bodyPreference(EasBodyContainer::HTMLBodyType));
+    options.setMimeTruncation(AirSyncOptions::MimeTruncationType(0));
+    options.setMimeSupport(AirSyncOptions::MimeSupportType(1));
+
+    const auto configuration = mAccount.emailConfiguration();
+    if (configuration)
+        setFilter(options, configuration->syncPastTime());
+    else
+        qCWarning(eas()) << "Email configuration is null";
+    for (const QSharedPointer<AirSyncBasePreference> &preference : qAsConst(preferences)) {
+        if (configuration && mAccount.protocolVersion() >= ExchangeActiveSync::ProtocolVersion140)
+            preference->setPreview(configuration->previewSize());
+        options.appendBodyPreference(preference);
+    }
+}
+
+void SyncCollectionBuilder::setupCalendarOptions(SyncCollection &collection, AirSyncOptions &options)
+{
+    collection.setDeletesAsMoves(true);
+    options.appendBodyPreference(bodyPreference(EasBodyContainer::PlainTextBodyType));
+    const auto configuration = mAccount.calendarConfiguration();
+    if (configuration)
+        setFilter(options, configuration->syncPastTime());
+    else
+        qCWarning(eas()) << "calendar config is null";
+}
+
+void SyncCollectionBuilder::setFilter(AirSyncOptions &options, int syncPastTime) const
+{
+    if (syncPastTime < 0 || syncPastTime > 8)
+        qCWarning(eas()) << "unhandled sync past time value, check account settings" << syncPastTime;
+    else
+        options.setFilter(AirSyncOptions::FilterType(syncPastTime));
+}
+
+void SyncCollectionBuilder::appendLocalChanges(SyncCollection &collection, const EasFolderItem &folder)
+{
+    if (isSynchronizedMail(folder))
+        appendMailChanges(collection, folder);
+    else if (folder.isContacts())
+        appendContactChanges(collection, folder);
+    else if (folder.isCalendar())
+        appendCalendarChanges(collection, folder);
+}
+
+void SyncCollectionBuilder::appendMailChanges(SyncCollection &collection, const EasFolderItem &folder)
+{
+    const QSharedPointer<MailStorage> storage = mAccount.mailStorage();
+    if (!storage) {
+        qCWarning(eas()) << "MailStorage is null";
+        return;
+    }
+    QList<EasEmailItem> changed = storage->updatedEmails(folder.localId());
+    for (EasEmailItem &item : changed)
+        item.setServerId(EmailServerId::onWire(item.serverId()));
+    QStringList deleted;
+    const QStringList keptIds = storage->deletedEmails(folder.localId());
+    for (const QString &keptId : keptIds)
+        deleted.append(EmailServerId::onWire(keptId));
+
+    appendCommand<SyncCommandChange>(collection, changed, &SyncCommandChange::setEmailItems);
+    appendCommand<SyncCommandDelete>(collection, deleted, &SyncCommandDelete::setServerIds);
+}
+
+void SyncCollectionBuilder::appendContactChanges(SyncCollection &collection, const EasFolderItem &folder)
+{
+    const auto configuration = mAccount.contactsConfiguration();
+    const QSharedPointer<ContactStorage> storage = mAccount.contactStorage();
+    if (!configuration)
+        qCWarning(eas()) << "contacts config is null";
+    if (!configuration || !configuration->syncLocalContacts() || !storage)
+        return;
+    QList<EasContactsItem> added;
+    QList<EasContactsItem> changed;
+    QStringList deleted;
+    if (!storage->queryChanges(folder, &added, &changed, &deleted)) {
+        qCWarning(eas()) << "Failed to retreive changes in local contacts";
+        return;
+    }
+    appendCommand<SyncCommandAdd>(collection, added, &SyncCommandAdd::setContactItems);
+    appendCommand<SyncCommandChange>(collection, changed, &SyncCommandChange::setContactItems);
+    appendCommand<SyncCommandDelete>(collection, deleted, &SyncCommandDelete::setServerIds);
+}
+
+void SyncCollectionBuilder::appendCalendarChanges(SyncCollection &collection, const EasFolderItem &folder)
+{
+    const QSharedPointer<CalendarStorage> storage = mAccount.calendarStorage();
+    if (!storage) {
+        qCWarning(eas()) << "calendarStorage is null";
+        return;
+    }
+    const QString localFolder =
+        EasDatabase::instance()->serverToLocalFolderIds(mAccount.id()).value(folder.serverId());
+    if (localFolder.isEmpty()) {
+        qCWarning(eas()) << "No local folder for serverId:" << folder.serverId();
+        return;
+    }
+    qint64 time = 0;
+    qint64 newTime = 0;
+    QList<EasCalendarItem> added;
+    QList<EasCalendarItem> changed;
+    QStringList deleted;
+    if (!storage->syncTime(localFolder, time)
+        || !storage->queryLocalUpdates(localFolder, time + 1, newTime, added, changed, deleted)) {
+        qCWarning(eas()) << "Failed querying local updates";
+        return;
+    }
+    collection.setQueryTime(newTime);
+    for (const EasCalendarItem &item : qAsConst(changed)) {
+        if (item.attachments().isEmpty())
+            continue;
+        qCInfo(eas()) << "Setting ClientReplacesServer policy..";
+        collection.options()->setConflicts(AirSyncOptions::ClientReplacesServer);
+        break;
+    }
+
+    QList<QPair<QString, QString>> deletedOccurrences;
+    if (mAccount.protocolVersion() >= ExchangeActiveSync::ProtocolVersion160) {
+        deferNewExceptions(collection, added);
+        deletedOccurrences = takeDeletedOccurrences(changed);
+    }
+    appendCommand<SyncCommandAdd>(collection, added, &SyncCommandAdd::setCalendarItems);
+    appendCommand<SyncCommandChange>(collection, changed, &SyncCommandChange::setCalendarItems);
+    if (!deleted.isEmpty() || !deletedOccurrences.isEmpty()) {
+        auto *command = new SyncCommandDelete;
+        command->setServerIds(deleted);
+        command->setInstanceIds(deletedOccurrences);
+        collection.appendCommand(command);
+    }
+}
+
+void SyncCollectionBuilder::deferNewExceptions(
+    const SyncCollection &collection, const QList<EasCalendarItem> &added)
+{
+    for (const EasCalendarItem &item : added) {
+        const QList<EasCalendarItem> exceptions = item.exceptions();
+        for (const EasCalendarItem &exception : exceptions)
+            mState.calendarExceptionsForLater[collection.id()].append(
+                { item.localId(), exception.exceptionStartTime() });
+    }
+}
+
+QList<QPair<QString, QString>> SyncCollectionBuilder::takeDeletedOccurrences(QList<EasCalendarItem> &changed)
+{
+    QList<QPair<QString, QString>> deleted;
+    for (EasCalendarItem &item : changed) {
+        QList<EasCalendarItem> kept;
+        const QList<EasCalendarItem> exceptions = item.exceptions();
+        for (const EasCalendarItem &exception : exceptions) {
+            if (exception.exceptionDeleted())
+                deleted.append({ exception.serverId(), exception.exceptionStartTime() });
+            else
+                kept.append(exception);
+        }
+        item.setExceptions(kept);
+    }
+    return deleted;
+}

@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include "easitems/easfolderitem.h"
+#include "protocol/synccollection.h"
+
+class AirSyncOptions;
+class EasAccount;
+struct SyncState;
+
+/**
+ * Turns a folder into the collection that a Sync asks for: its key, its options and the local changes that
+ * wait for the server. A value on the stack of a request's slot; account and state must outlive it. Main
+ * thread only.
+ */
+class SyncCollectionBuilder
+{
+public:
+    SyncCollectionBuilder(EasAccount &account, SyncState &state);
+
+    /** A folder without a real key gives an initial collection: no options, no local changes. */
+    SyncCollection collection(const EasFolderItem &folder);
+
+private:
+    void setupOptions(SyncCollection &collection, const EasFolderItem &folder);
+    void setupMailOptions(AirSyncOptions &options, const EasFolderItem &folder);
+    void setupCalendarOptions(SyncCollection &collection, AirSyncOptions &options);
+    void setFilter(AirSyncOptions &options, int syncPastTime) const;
+    void appendLocalChanges(SyncCollection &collection, const EasFolderItem &folder);
+    void appendMailChanges(SyncCollection &collection, const EasFolderItem &folder);
+    void appendContactChanges(SyncCollection &collection, const EasFolderItem &folder);
+    void appendCalendarChanges(SyncCollection &collection, const EasFolderItem &folder);
+    void deferNewExceptions(const SyncCollection &collection, const QList<EasCalendarItem> &added);
+    static QList<QPair<QString, QString>> takeDeletedOccurrences(QList<EasCalendarItem> &changed);
+
+    EasAccount &mAccount;
+    SyncState &mState;
+};

@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include "easitems/easgeneralitem.h"
+#include "requests/syncitemstatus.h"
+
+#include <QList>
+#include <QMap>
+#include <QString>
+
+class EasAccount;
+class SyncCollection;
+struct SyncState;
+
+/**
+ * Takes one collection of a Sync reply into the store of its class and into the mapping database.
+ *
+ * The three subclasses differ in what they do in which order; what an item's status means, and which of the
+ * sent items count as acknowledged, is decided here. Made for one reply, on the stack of the request's slot;
+ * account and state must outlive it. Main thread only.
+ */
+class SyncResultHandler
+{
+public:
+    SyncResultHandler(EasAccount &account, SyncState &state);
+    virtual ~SyncResultHandler();
+
+    /** False if the collection has to be repeated from its old key; status() then tells why. */
+    virtual bool handle(SyncCollection &collection) = 0;
+
+    /** What the request has to end with, 0 if nothing was recorded. */
+    int status() const { return mStatus; }
+
+protected:
+    EasAccount &account() const { return mAccount; }
+    SyncState &state() const { return mState; }
+
+    /** Logs, records the status of an internal failure and returns false. */
+    bool fail(const char *text);
+
+    /** Decides on one item; false if the handler has to stop. */
+    bool judge(SyncItemStatus::Operation operation, uint status, const QString &serverId,
+        const QString &localId, bool &acknowledged);
+
+    QStringList failedLocalIds() const { return mFailedLocalIds; }
+
+    /**
+     * The sent entries (items, or server identifiers) that the reply acknowledges: all of them if it holds no
+     * responses, otherwise those whose response says so.
+     */
+    template <typename Sent, typename Response>
+    bool acknowledged(SyncItemStatus::Operation operation, const QString &collectionId,
+        const QList<Sent> &sent, const QList<Response> &responses, const QMap<QString, QString> &localIds,
+        QList<Sent> &result)
+    {
+        if (responses.isEmpty()) {
+            result = sent;
+            return true;
+        }
+        for (const Response &response : responses) {
+            bool taken = false;
+            mCollectionId = collectionId;
+            if (!judge(operation, response.status(), response.serverId(), localIds.value(response.serverId()),
+                    taken))
+                return false;
+            if (taken)
+                appendMatching(sent, response.serverId(), result);
+        }
+        return true;
+    }
+
+private:
+    static const QString &serverIdOf(const QString &serverId) { return serverId; }
+    static QString serverIdOf(const EasGeneralItem &item) { return item.serverId(); }
+
+    template <typename Sent>
+    static void appendMatching(const QList<Sent> &sent, const QString &serverId, QList<Sent> &result)
+    {
+        for (const Sent &entry : sent) {
+            if (serverIdOf(entry) == serverId)
+                result.append(entry);
+        }
+    }
+
+    EasAccount &mAccount;
+    SyncState &mState;
+    QString mCollectionId;
+    QStringList mFailedLocalIds;
+    int mStatus = 0;
+};
