@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+class EasBodyContainer;
+class QMailMessage;
+class QMailMessagePartContainer;
+
+/** Puts the body of an item into a message and the calendar part of a meeting beside it. */
+namespace MailBodyWriter {
+
+/**
+ * Sets body, preview and the two flags that tell how much of the body is there.
+ *
+ * A truncated body is never stored: it only sets the flags and, if asked for, the preview. A MIME body takes
+ * the place of the whole message; what ties the message to the store and to the server stays.
+ */
+void setMessageBody(QMailMessage &message, const EasBodyContainer &body, bool setPreview);
+
+/** Sets a preview that stands beside a body; a plain set would be dropped at the next look at the body. */
+void setPreview(QMailMessage &message, const QString &preview);
+
+/** The text of the plain or else the HTML body; empty if there is neither. */
+QString bodyText(const QMailMessage &message);
+
+/** Moves the content into a first part and appends the iCalendar data as the alternative to it. */
+void addCalendarPart(QMailMessage &message, const QByteArray &iCalendar);
+
+/**
+ * Drops all attachments, inline ones too, and leaves the text body and, if there is one, the calendar part.
+ * Changing them in place would wrap the structure one level deeper each time.
+ */
+void rebuildWithoutAttachments(QMailMessage &message);
+
+} // namespace MailBodyWriter

@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <QList>
+#include <QMap>
+#include <QSet>
+#include <QString>
+#include <QStringList>
+
+#include <qmailid.h>
+
+#include <memory>
+
+struct MailStoreContext;
+class EasFolderItem;
+class MailFolderChanges;
+class QMailAccount;
+class QMailFolder;
+
+/**
+ * Mirrors the server's tree of mail folders in the mail store.
+ *
+ * Items of other kinds of folders are passed over and count as done. A result that is applied again, after a
+ * crash or a failure of the mapping database, finds the folders of the first time and takes them over.
+ */
+class MailFolderAdapter
+{
+public:
+    MailFolderAdapter(const MailStoreContext &context, MailFolderChanges &changes);
+
+    /** Applies a result; on failure what was added is taken out again. */
+    bool updateFolders(
+        QList<EasFolderItem> &added, const QList<EasFolderItem> &changed, const QStringList &deleted);
+
+    /** Removes folders of this account, with all their descendants. */
+    bool deleteFolderItems(const QMailFolderIdList &ids);
+
+    /** Lets an account of an older kind have folders. */
+    void allowFolderCreation();
+
+    /** Lets user-created folders of older installations be deleted, renamed and nested. */
+    void updateUserCreatedFoldersStatus();
+
+    /** The folders that the mail account's policy says. */
+    QList<EasFolderItem> foldersToSynchronize() const;
+
+    /** Removes the messages of a folder, not the folder. */
+    void cleanUpFolder(const EasFolderItem &item);
+
+private:
+    bool addFolderItems(QList<EasFolderItem> &items, const QMap<QString, QString> &serverToLocal);
+    bool updateFolderItems(const QList<EasFolderItem> &items, const QMap<QString, QString> &serverToLocal);
+    bool deleteFolderItems(const QStringList &serverIds, const QMap<QString, QString> &serverToLocal);
+    void rollBackAddedFolderItems(QList<EasFolderItem> &items);
+    bool addFolderItem(EasFolderItem *item, QMailFolderId present);
+    std::unique_ptr<QMailFolder> mailFolderFromFolderItem(const EasFolderItem &item) const;
+    QMailFolderId presentFolder(const EasFolderItem &item, const QMap<QString, QString> &serverToLocal,
+        const QSet<QString> &taken) const;
+    void commitStandardFolders(QMailAccount *account) const;
+    void setChangesToFolder(
+        QMailFolder *folder, const EasFolderItem &item, const QMap<QString, QString> &serverToLocal) const;
+    void setParentToFolder(
+        QMailFolder *folder, const EasFolderItem &item, const QMap<QString, QString> &serverToLocal) const;
+
+    const MailStoreContext &mContext;
+    MailFolderChanges &mChanges;
+    QSet<QMailFolderId> mAdopted;
+};

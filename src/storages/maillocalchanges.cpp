@@ -1,0 +1,132 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "storages/maillocalchanges.h"
+
+#include "application/easaccount.h"
+#include "application/easdatabase.h"
+#include "application/logging.h"
+#include "configurations/emailaccountconfiguration.h"
+#include "easitems/easemailitem.h"
+#include "storages/mailmessagereader.h"
+#include "storages/mailstorecontext.h"
+
+#include <qmailmessagekey.h>
+#include <qmailmessageremovalrecord.h>
+
+#include <QDateTime>
+#include <QMap>
+#include <QSharedPointer>
+
+namespace {
+
+QMailFolderId folderIdFromText(const QString &text)
+{
+    return QMailFolderId(text.toULongLong());
+}
+
+} // namespace
+
+MailLocalChanges::MailLocalChanges(const MailStoreContext &context)
+    : mContext(context)
+{
+}
+
+QList<EasEmailItem> MailLocalChanges::addedEmails(const QString &localFolderId) const
+{
+    const QSharedPointer<EmailAccountConfiguration> configuration = mContext.account
+        ? mContext.account->emailConfiguration()
+        : QSharedPointer<EmailAccountConfiguration>();
+    const QDateTime since = QDateTime::fromMSecsSinceEpoch(configuration ? configuration->syncPastTime() : 0);
+    return items(QMailMessageKey::timeStamp(since, QMailDataComparator::GreaterThan)
+            & QMailMessageKey::parentAccountId(mContext.mailAccountId)
+            & QMailMessageKey::parentFolderId(folderIdFromText(localFolderId)),
+        false);
+}
+
+QList<EasEmailItem> MailLocalChanges::updatedEmails(const QString &localFolderId) const
+{
+    const QMailMessageKey place = QMailMessageKey::parentFolderId(folderIdFromText(localFolderId))
+        & QMailMessageKey::parentAccountId(mContext.mailAccountId);
+    const auto includes = QMailDataComparator::Includes;
+    const auto excludes = QMailDataComparator::Excludes;
+    const QMailMessageKey readHere = QMailMessageKey::status(QMailMessage::Read, includes)
+        & QMailMessageKey::status(QMailMessage::ReadElsewhere, excludes) & place;
+    const QMailMessageKey unreadHere = QMailMessageKey::status(QMailMessage::Read, excludes)
+        & QMailMessageKey::status(QMailMessage::ReadElsewhere, includes) & place;
+    return items(readHere | unreadHere, true);
+}
+
+QList<EasEmailItem> MailLocalChanges::movedEmails() const
+{
+    const QMailMessageKey key = QMailMessageKey::parentAccountId(mContext.mailAccountId)
+        & QMailMessageKey::previousParentFolderId(QMailFolderId(), QMailDataComparator::NotEqual);
+    QList<EasEmailItem> moved;
+    const QList<EasEmailItem> candidates = items(key, false);
+    if (candidates.isEmpty())
+        return moved;
+    const QMap<QString, QString> localToServer =
+        EasDatabase::instance()->localToServerEmailIds(mContext.accountId());
+    for (const EasEmailItem &item : candidates) {
+        if (item.serverId().isEmpty() || item.destinationFolderId().isEmpty())
+            qCWarning(eas()) << "failed to create a valid item from message with id" << item.localId();
+        else if (!settleMove(item, localToServer.value(item.localId())))
+            moved.append(item);
+    }
+    return moved;
+}
+
+bool MailLocalChanges::settleMove(const EasEmailItem &item, const QString &mappedServerId) const
+{
+    if (mappedServerId.isEmpty() || mappedServerId == item.serverId())
+        return false;
+    const QString mappedCollection =
+        EasDatabase::instance()->collectionServerIdFromEmailItemId(mContext.accountId(), mappedServerId);
+    if (mappedCollection != item.destinationFolderId())
+        return false;
+    QMailMessage message = mContext.store->message(QMailMessageId(item.localId().toULongLong()));
+    message.setServerUid(mappedServerId);
+    message.setPreviousParentFolderId(QMailFolderId());
+    if (!mContext.store->updateMessage(&message)) {
+        qCWarning(eas()) << "failed to update message with server id" << mappedServerId;
+        return false;
+    }
+    qCInfo(eas()) << "finished the interrupted move of message" << item.localId();
+    return true;
+}
+
+QStringList MailLocalChanges::deletedEmails(const QString &localFolderId) const
+{
+    QStringList serverIds;
+    const QMailMessageRemovalRecordList records =
+        mContext.store->messageRemovalRecords(mContext.mailAccountId, folderIdFromText(localFolderId));
+    if (records.isEmpty())
+        return serverIds;
+    EasDatabase *database = EasDatabase::instance();
+    const QMap<QString, QString> serverToLocalFolders =
+        database->serverToLocalFolderIds(mContext.accountId());
+    for (const QMailMessageRemovalRecord &record : records) {
+        if (record.serverUid().isEmpty()) {
+            qCWarning(eas()) << "serverUid is empty in Removal Record";
+            continue;
+        }
+        const QString collection =
+            database->collectionServerIdFromEmailItemId(mContext.accountId(), record.serverUid());
+        if (!collection.isEmpty() && serverToLocalFolders.value(collection) == localFolderId)
+            serverIds.append(record.serverUid());
+    }
+    serverIds.removeDuplicates();
+    return serverIds;
+}
+
+QList<EasEmailItem> MailLocalChanges::items(const QMailMessageKey &key, bool markRead) const
+{
+    QList<EasEmailItem> list;
+    const QMailMessageIdList ids = mContext.store->queryMessages(key);
+    if (ids.isEmpty())
+        return list;
+    const QMap<QString, QString> folders =
+        EasDatabase::instance()->localToServerFolderIds(mContext.accountId());
+    const MailMessageReader reader(mContext);
+    for (const QMailMessageId &id : ids)
+        list.append(reader.mailItemFromEmailMessageId(id, folders, markRead));
+    return list;
+}

@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+struct MailStoreContext;
+class EasEmailItem;
+class QMailMessageKey;
+
+/** Finds what the user changed: all of it stands in the store's own flags and records, with no journal. */
+class MailLocalChanges
+{
+public:
+    explicit MailLocalChanges(const MailStoreContext &context);
+
+    QList<EasEmailItem> addedEmails(const QString &localFolderId) const;
+
+    /** Messages whose read mark differs from what the server knows. */
+    QList<EasEmailItem> updatedEmails(const QString &localFolderId) const;
+
+    /**
+     * Messages that the user moved. A move that the mapping already knows (it was interrupted between mapping
+     * and store) is finished here and not reported again.
+     */
+    QList<EasEmailItem> movedEmails() const;
+
+    /** Server ids of messages that the user deleted from the folder. */
+    QStringList deletedEmails(const QString &localFolderId) const;
+
+private:
+    QList<EasEmailItem> items(const QMailMessageKey &key, bool markRead) const;
+    bool settleMove(const EasEmailItem &item, const QString &mappedServerId) const;
+
+    const MailStoreContext &mContext;
+};

@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <QMap>
+#include <QString>
+
+struct MailStoreContext;
+class EasBodyContainer;
+class EasEmailItem;
+class QMailMessage;
+class QMailMessageId;
+
+/** Reads a stored message back as an item, for local changes and for sending. */
+class MailMessageReader
+{
+public:
+    explicit MailMessageReader(const MailStoreContext &context);
+
+    /**
+     * The message as an item; an empty one, with a log line, if there is no such message.
+     *
+     * localToServerFolders translates folder ids. markRead enters the read mark among the changed fields. The
+     * body carries type, size and preview, not the text.
+     */
+    EasEmailItem mailItemFromEmailMessageId(
+        const QMailMessageId &id, const QMap<QString, QString> &localToServerFolders, bool markRead) const;
+
+private:
+    EasBodyContainer bodyContainer(const QMailMessage &message) const;
+    QString answeredServerId(const QMailMessage &message) const;
+    void setMove(EasEmailItem *item, const QMailMessage &message,
+        const QMap<QString, QString> &localToServerFolders) const;
+
+    const MailStoreContext &mContext;
+};

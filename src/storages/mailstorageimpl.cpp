@@ -1,0 +1,444 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "storages/mailstorageimpl.h"
+
+#include "application/easaccount.h"
+#include "application/easdatabase.h"
+#include "application/logging.h"
+#include "easitems/easemailitem.h"
+#include "easitems/easfolderitem.h"
+#include "storages/mailattachments.h"
+#include "storages/mailbodywriter.h"
+#include "storages/mailfolderrepair.h"
+#include "storages/maillocalchanges.h"
+#include "storages/mailmessagereader.h"
+
+#include <qmailaccount.h>
+#include <qmailfolderkey.h>
+#include <qmailmessagekey.h>
+
+namespace {
+
+QMailStore *workingStore()
+{
+    QMailStore *store = QMailStore::instance();
+    return QMailStore::initializationState() == QMailStore::InitializationFailed ? nullptr : store;
+}
+
+} // namespace
+
+MailStorageImpl::MailStorageImpl(EasAccount *account, QObject *parent)
+    : MailStorage(account, parent)
+    , mContext { workingStore(), account, QMailAccountId() }
+    , mFolderChanges(mContext)
+    , mFolders(mContext, mFolderChanges)
+    , mBatch(mContext)
+{
+    initializeStorage();
+}
+
+MailStorageImpl::~MailStorageImpl() = default;
+
+void MailStorageImpl::initializeStorage()
+{
+    if (!mContext.account) {
+        qCCritical(eas()) << "can't initialize MailStorage. EasAccount is null";
+        return;
+    }
+    if (!mContext.store) {
+        qCCritical(eas()) << "can't initialize MailStorage. mMailStore is null";
+        return;
+    }
+    // The store emits inside its own calls; queued, a signal finds the mapping of what the engine itself did.
+    qRegisterMetaType<QMailFolderIdList>("QMailFolderIdList");
+    connect(mContext.store, &QMailStore::foldersAdded, this, &MailStorageImpl::onFoldersAdded,
+        Qt::QueuedConnection);
+    connect(mContext.store, &QMailStore::foldersRemoved, this, &MailStorageImpl::onFoldersRemoved,
+        Qt::QueuedConnection);
+    connect(
+        mContext.store, &QMailStore::accountsAdded, this, [this] { onAccountsAdded(); },
+        Qt::QueuedConnection);
+    qRegisterMetaType<QMailAccountIdList>("QMailAccountIdList");
+    bindMailAccount();
+}
+
+void MailStorageImpl::bindMailAccount()
+{
+    EasDatabase *database = EasDatabase::instance();
+    mContext.mailAccountId = mContext.store->account(QMailAccountId(mContext.accountId())).id();
+    if (mContext.mailAccountId.isValid()) {
+        database->setEmailAccountId(mContext.accountId(), mContext.mailAccountId.toULongLong());
+        handleUnsavedFolders();
+    } else {
+        const QMailAccountId older(database->emailAccountId(mContext.accountId()));
+        if (older.isValid())
+            mContext.mailAccountId = mContext.store->account(older).id();
+    }
+    if (!mContext.mailAccountId.isValid())
+        return;
+    mFolders.allowFolderCreation();
+    mFolders.updateUserCreatedFoldersStatus();
+}
+
+void MailStorageImpl::onAccountsAdded()
+{
+    if (!mContext.mailAccountId.isValid())
+        bindMailAccount();
+}
+
+void MailStorageImpl::handleUnsavedFolders()
+{
+    if (!storeAvailable())
+        return;
+    if (!initialized()) {
+        qCWarning(eas()) << "MailStore is not initialized yet";
+        return;
+    }
+    MailFolderRepair repair = MailFolderRepair::find(mContext);
+    qCInfo(eas()) << "Need to add" << repair.added.size() << ", update" << repair.updated.size()
+                  << "and remove" << repair.removed.size() << "email folders";
+    if (repair.isEmpty())
+        return;
+    mFolderChanges.setOwnRemoval(repair.removed);
+    if (!repair.removed.isEmpty()
+        && !mContext.store->removeFolders(
+            QMailFolderKey::parentAccountId(mContext.mailAccountId) & QMailFolderKey::id(repair.removed),
+            QMailStore::NoRemovalRecord))
+        qCWarning(eas()) << "failed to remove folders";
+    if (repair.added.isEmpty() && repair.updated.isEmpty())
+        return;
+    if (!updateFolders(repair.added, repair.updated, {})) {
+        qCWarning(eas()) << "failed to update folders";
+        return;
+    }
+    if (!repair.save(mContext))
+        qCWarning(eas()) << "failed to update folder items";
+}
+
+bool MailStorageImpl::storeAvailable() const
+{
+    if (mContext.store)
+        return true;
+    qCCritical(eas()) << "QMailStore is null";
+    return false;
+}
+
+bool MailStorageImpl::initialized() const
+{
+    return mContext.mailAccountId.isValid();
+}
+
+bool MailStorageImpl::removeAccountFolders(QMailStore *store, quint64 accountId)
+{
+    QMailAccountId id = store->account(QMailAccountId(accountId)).id();
+    if (!id.isValid())
+        id = QMailAccountId(EasDatabase::instance()->emailAccountId(accountId));
+    if (!id.isValid()
+        || store->removeFolders(QMailFolderKey::parentAccountId(id), QMailStore::NoRemovalRecord))
+        return true;
+    qCCritical(eas()) << "failed to remove folders in account" << accountId;
+    return false;
+}
+
+bool MailStorageImpl::cleanUpAccounts(const QList<quint64> &accountIds)
+{
+    QMailStore *store = workingStore();
+    if (!store) {
+        qCCritical(eas()) << "QMailStore is null";
+        return false;
+    }
+    bool succeeded = true;
+    for (const quint64 accountId : accountIds)
+        succeeded = removeAccountFolders(store, accountId) && succeeded;
+    return succeeded;
+}
+
+bool MailStorageImpl::cleanUpDeletedAccounts(const QList<quint64> &)
+{
+    return true;
+}
+
+bool MailStorageImpl::updateFolders(
+    QList<EasFolderItem> &added, QList<EasFolderItem> &changed, const QStringList &deleted)
+{
+    return storeAvailable() && mFolders.updateFolders(added, changed, deleted);
+}
+
+bool MailStorageImpl::updateEmails(
+    QList<EasEmailItem> &added, QList<EasEmailItem> &changed, const QStringList &deleted)
+{
+    if (!storeAvailable())
+        return false;
+    EasDatabase *database = EasDatabase::instance();
+    const QMap<QString, QString> folders = database->serverToLocalFolderIds(mContext.accountId());
+    if (database->lookupFailed())
+        return false;
+    const QMap<QString, QString> serverToLocal = database->serverToLocalEmailIds(mContext.accountId());
+    if (database->lookupFailed())
+        return false;
+
+    for (EasEmailItem &item : added)
+        item.setLocalCollectionId(folders.value(item.collectionId()).toULongLong());
+    if (!mBatch.addEmailItems(added, serverToLocal)) {
+        qCCritical(eas()) << "failed to add email items";
+        return false;
+    }
+    if (!mBatch.updateEmailItems(changed, serverToLocal)) {
+        qCCritical(eas()) << "failed to update email items";
+        mBatch.rollBackAddedEmailItems(added);
+        return false;
+    }
+    if (!mBatch.deleteEmailItems(deleted, serverToLocal)) {
+        qCCritical(eas()) << "failed to remove email items";
+        mBatch.rollBackAddedEmailItems(added);
+        return false;
+    }
+    return true;
+}
+
+bool MailStorageImpl::addSearchResults(QList<EasEmailItem> &items, QList<quint64> &ids)
+{
+    if (!storeAvailable())
+        return false;
+    const QMap<QString, QString> folders =
+        EasDatabase::instance()->serverToLocalFolderIds(mContext.accountId());
+    for (EasEmailItem &item : items)
+        item.setLocalCollectionId(folders.value(item.collectionId()).toULongLong());
+    return mBatch.addSearchResults(items, ids);
+}
+
+bool MailStorageImpl::successfullyUpdatedEmails(QList<EasEmailItem> &items)
+{
+    return storeAvailable() && mBatch.successfullyUpdatedEmails(items);
+}
+
+QList<EasEmailItem> MailStorageImpl::addedEmails(const QString &localFolderId)
+{
+    return storeAvailable() ? MailLocalChanges(mContext).addedEmails(localFolderId) : QList<EasEmailItem>();
+}
+
+QList<EasEmailItem> MailStorageImpl::updatedEmails(const QString &localFolderId)
+{
+    return storeAvailable() ? MailLocalChanges(mContext).updatedEmails(localFolderId) : QList<EasEmailItem>();
+}
+
+QList<EasEmailItem> MailStorageImpl::movedEmails()
+{
+    return storeAvailable() ? MailLocalChanges(mContext).movedEmails() : QList<EasEmailItem>();
+}
+
+QStringList MailStorageImpl::deletedEmails(const QString &localFolderId)
+{
+    return storeAvailable() ? MailLocalChanges(mContext).deletedEmails(localFolderId) : QStringList();
+}
+
+bool MailStorageImpl::purgeDeletedEmails(const QStringList &serverUids)
+{
+    if (!storeAvailable())
+        return false;
+    // The store takes an empty list for all records of the account.
+    return serverUids.isEmpty()
+        || mContext.store->purgeMessageRemovalRecords(mContext.mailAccountId, serverUids);
+}
+
+QList<EasFolderItem> MailStorageImpl::addedFolders()
+{
+    return storeAvailable() ? mFolderChanges.addedFolders() : QList<EasFolderItem>();
+}
+
+bool MailStorageImpl::purgeAddedFolders()
+{
+    mFolderChanges.purgeAddedFolders();
+    return true;
+}
+
+QStringList MailStorageImpl::deletedFolders()
+{
+    return mFolderChanges.deletedFolders();
+}
+
+bool MailStorageImpl::purgeDeletedFolders()
+{
+    mFolderChanges.purgeDeletedFolders();
+    return true;
+}
+
+bool MailStorageImpl::deleteEmailsByLocalIds(const QList<quint64> &ids)
+{
+    if (!storeAvailable())
+        return false;
+    if (ids.isEmpty()) {
+        qCWarning(eas()) << "Tried to delete local emails, but emails list is empty";
+        return true;
+    }
+    if (!initialized()) {
+        qCCritical(eas()) << "MailStore is not initialized yet";
+        return false;
+    }
+    QMailMessageIdList messageIds;
+    for (const quint64 id : ids)
+        messageIds.append(QMailMessageId(id));
+    if (mBatch.deleteEmailItems(messageIds))
+        return true;
+    qCCritical(eas()) << "failed to remove messages: " << ids;
+    return false;
+}
+
+EasEmailItem MailStorageImpl::itemFromMessage(const QString &localId)
+{
+    const QMap<QString, QString> folders =
+        EasDatabase::instance()->localToServerFolderIds(mContext.accountId());
+    return MailMessageReader(mContext).mailItemFromEmailMessageId(
+        QMailMessageId(localId.toULongLong()), folders, false);
+}
+
+EasEmailItem MailStorageImpl::queryMessage(const QString &localId)
+{
+    return storeAvailable() ? itemFromMessage(localId) : EasEmailItem();
+}
+
+EasEmailItem MailStorageImpl::smartQueryMessage(const QString &localId)
+{
+    return storeAvailable() ? itemFromMessage(localId) : EasEmailItem();
+}
+
+bool MailStorageImpl::responseTypeIsOneOf(
+    const QString &localId, QMailMessage::ResponseType first, QMailMessage::ResponseType second) const
+{
+    if (!storeAvailable())
+        return false;
+    const QMailMessageId id(localId.toULongLong());
+    if (!id.isValid())
+        return false;
+    const QMailMessage::ResponseType type = mContext.store->messageMetaData(id).responseType();
+    return type == first || type == second;
+}
+
+bool MailStorageImpl::isReply(const QString &localId) const
+{
+    return responseTypeIsOneOf(localId, QMailMessage::Reply, QMailMessage::ReplyToAll);
+}
+
+bool MailStorageImpl::isForward(const QString &localId) const
+{
+    return responseTypeIsOneOf(localId, QMailMessage::Forward, QMailMessage::ForwardPart);
+}
+
+bool MailStorageImpl::updateMovedEmails(const QList<EasEmailItem> &items)
+{
+    if (!storeAvailable())
+        return false;
+    return items.isEmpty()
+        || mBatch.updateMovedEmails(
+            items, EasDatabase::instance()->serverToLocalEmailIds(mContext.accountId()));
+}
+
+bool MailStorageImpl::updateBodyPart(quint64 messageId, const EasBodyContainer &body)
+{
+    if (!storeAvailable())
+        return false;
+    QMailMessage message = mContext.store->message(QMailMessageId(messageId));
+    if (!message.id().isValid()) {
+        qCWarning(eas()) << "invalid local mesage id" << messageId;
+        return false;
+    }
+    MailBodyWriter::setMessageBody(message, body, false);
+    return mContext.store->updateMessage(&message);
+}
+
+bool MailStorageImpl::updateMessagePart(quint64 messageId, const QString &location,
+    const QString &contentType, const QByteArray &data, const QString &fileName)
+{
+    if (!storeAvailable())
+        return false;
+    QMailMessage message = mContext.store->message(QMailMessageId(messageId));
+    if (!message.id().isValid()) {
+        qCWarning(eas()) << "invalid local mesage id" << messageId;
+        return false;
+    }
+    return MailAttachments::fillPart(&message, location, contentType, data, fileName)
+        && mContext.store->updateMessage(&message);
+}
+
+bool MailStorageImpl::updateCalendarResponsePart(quint64 messageId, quint64, EasItemsCommon::UserResponseType)
+{
+    qCWarning(eas()) << "no calendar part is written for the answer to message" << messageId;
+    return false;
+}
+
+bool MailStorageImpl::updateCalendarResponsePart(
+    quint64 replyMessageId, const QString &, EasItemsCommon::UserResponseType)
+{
+    qCWarning(eas()) << "no calendar part is written for the answer in message" << replyMessageId;
+    return false;
+}
+
+template <typename Result, typename Query>
+Result MailStorageImpl::fromPart(
+    quint64 messageId, const QString &location, const Result &none, Query query) const
+{
+    if (!storeAvailable())
+        return none;
+    const QMailMessage message = mContext.store->message(QMailMessageId(messageId));
+    const QMailMessagePart *part = MailAttachments::partAt(message, location);
+    return part ? query(*part) : none;
+}
+
+QStringList MailStorageImpl::queryAttachmentsLocations(quint64 messageId, bool onlyDownloaded)
+{
+    if (!storeAvailable())
+        return {};
+    return MailAttachments::locations(mContext.store->message(QMailMessageId(messageId)), onlyDownloaded);
+}
+
+bool MailStorageImpl::isAttachmentDownloaded(quint64 messageId, const QString &location)
+{
+    return fromPart(messageId, location, false, MailAttachments::isDownloaded);
+}
+
+EasItemsCommon::TBoolean MailStorageImpl::isAttachmentPart(quint64 messageId, const QString &location)
+{
+    return fromPart(messageId, location, EasItemsCommon::TUndefined, [](const QMailMessagePart &part) {
+        return MailAttachments::isAttachment(part) ? EasItemsCommon::TTrue : EasItemsCommon::TFalse;
+    });
+}
+
+QString MailStorageImpl::fileReferenceFromLocation(quint64 messageId, const QString &location)
+{
+    return fromPart(messageId, location, QString(), MailAttachments::fileReference);
+}
+
+int MailStorageImpl::estimatedDataSizeFromLocation(quint64 messageId, const QString &location)
+{
+    return fromPart(messageId, location, 0,
+        [](const QMailMessagePart &part) { return qMax(0, part.contentDisposition().size()); });
+}
+
+QString MailStorageImpl::serverUidFromMessageId(quint64 messageId)
+{
+    if (!storeAvailable())
+        return QString();
+    return mContext.store->messageMetaData(QMailMessageId(messageId)).serverUid();
+}
+
+void MailStorageImpl::cleanUpFolder(const EasFolderItem &folder)
+{
+    if (storeAvailable())
+        mFolders.cleanUpFolder(folder);
+}
+
+QList<EasFolderItem> MailStorageImpl::foldersToSynchronize()
+{
+    return storeAvailable() ? mFolders.foldersToSynchronize() : QList<EasFolderItem>();
+}
+
+void MailStorageImpl::onFoldersAdded(QMailFolderIdList ids)
+{
+    if (storeAvailable() && mFolderChanges.foldersAdded(ids))
+        Q_EMIT changesAvailable();
+}
+
+void MailStorageImpl::onFoldersRemoved(QMailFolderIdList ids)
+{
+    if (storeAvailable() && mFolderChanges.foldersRemoved(ids))
+        Q_EMIT changesAvailable();
+}

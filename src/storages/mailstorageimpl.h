@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include "storages/mailfolderadapter.h"
+#include "storages/mailfolderchanges.h"
+#include "storages/mailitembatch.h"
+#include "storages/mailstorage.h"
+#include "storages/mailstorecontext.h"
+
+#include <qmailmessage.h>
+#include <qmailstore.h>
+
+/**
+ * The mail storage over the device's mail store.
+ *
+ * A front: folders, messages, local changes and attachments each have a collaborator of their own beside it.
+ * The mail account has the number of the Exchange account; where it appears later than this object, the
+ * storage starts to work as soon as it is there. Owned by its account; main thread only.
+ */
+class MailStorageImpl : public MailStorage
+{
+    Q_OBJECT
+
+public:
+    explicit MailStorageImpl(EasAccount *account, QObject *parent = nullptr);
+    ~MailStorageImpl() override;
+
+    /** Removes the folders of mail accounts, and so their messages. */
+    static bool cleanUpAccounts(const QList<quint64> &accountIds);
+    /** Nothing to do: when an account has gone, the mail store has cleaned up already. */
+    static bool cleanUpDeletedAccounts(const QList<quint64> &accountIds);
+
+    bool updateFolders(
+        QList<EasFolderItem> &added, QList<EasFolderItem> &changed, const QStringList &deleted) override;
+    bool updateEmails(
+        QList<EasEmailItem> &added, QList<EasEmailItem> &changed, const QStringList &deleted) override;
+    bool addSearchResults(QList<EasEmailItem> &items, QList<quint64> &ids) override;
+    bool successfullyUpdatedEmails(QList<EasEmailItem> &items) override;
+    QList<EasEmailItem> addedEmails(const QString &localFolderId) override;
+    QList<EasEmailItem> updatedEmails(const QString &localFolderId) override;
+    QList<EasEmailItem> movedEmails() override;
+    QStringList deletedEmails(const QString &localFolderId) override;
+    bool purgeDeletedEmails(const QStringList &serverUids) override;
+    QList<EasFolderItem> addedFolders() override;
+    bool purgeAddedFolders() override;
+    QStringList deletedFolders() override;
+    bool purgeDeletedFolders() override;
+    bool deleteEmailsByLocalIds(const QList<quint64> &ids) override;
+    /** The message without its MIME text, which only sending needs. */
+    EasEmailItem queryMessage(const QString &localId) override;
+    EasEmailItem smartQueryMessage(const QString &localId) override;
+    bool isReply(const QString &localId) const override;
+    bool isForward(const QString &localId) const override;
+    bool initialized() const override;
+    bool updateMovedEmails(const QList<EasEmailItem> &items) override;
+    bool updateBodyPart(quint64 messageId, const EasBodyContainer &body) override;
+    bool updateMessagePart(quint64 messageId, const QString &location, const QString &contentType,
+        const QByteArray &data, const QString &fileName) override;
+    /** Not there yet: answers to meeting requests write no calendar part. False. */
+    bool updateCalendarResponsePart(
+        quint64 messageId, quint64 replyMessageId, EasItemsCommon::UserResponseType response) override;
+    bool updateCalendarResponsePart(
+        quint64 replyMessageId, const QString &eventId, EasItemsCommon::UserResponseType response) override;
+    QStringList queryAttachmentsLocations(quint64 messageId, bool onlyDownloaded) override;
+    bool isAttachmentDownloaded(quint64 messageId, const QString &location) override;
+    EasItemsCommon::TBoolean isAttachmentPart(quint64 messageId, const QString &location) override;
+    QString fileReferenceFromLocation(quint64 messageId, const QString &location) override;
+    QString serverUidFromMessageId(quint64 messageId) override;
+    int estimatedDataSizeFromLocation(quint64 messageId, const QString &location) override;
+    void cleanUpFolder(const EasFolderItem &folder) override;
+    QList<EasFolderItem> foldersToSynchronize() override;
+
+public Q_SLOTS:
+    void onFoldersAdded(QMailFolderIdList ids);
+    void onFoldersRemoved(QMailFolderIdList ids);
+
+private:
+    void initializeStorage();
+    void bindMailAccount();
+    void handleUnsavedFolders();
+    void onAccountsAdded();
+    bool storeAvailable() const;
+    bool responseTypeIsOneOf(
+        const QString &localId, QMailMessage::ResponseType first, QMailMessage::ResponseType second) const;
+    EasEmailItem itemFromMessage(const QString &localId);
+    template <typename Result, typename Query>
+    Result fromPart(quint64 messageId, const QString &location, const Result &none, Query query) const;
+    static bool removeAccountFolders(QMailStore *store, quint64 accountId);
+
+    MailStoreContext mContext;
+    MailFolderChanges mFolderChanges;
+    MailFolderAdapter mFolders;
+    MailItemBatch mBatch;
+};
