@@ -8,7 +8,9 @@
 #include <QPointer>
 #include <QSslError>
 #include <QTimer>
+#include <QUrl>
 
+class ConnectionAccountConfiguration;
 class EasAccount;
 class QNetworkRequest;
 class QSslCertificate;
@@ -111,8 +113,14 @@ protected:
     bool getSslCredentials(
         const QString &path, const QString &password, QSslCertificate *certificate, QSslKey *key) const;
     bool connectReply() const;
+    /** Scheme, host, port and path, without a query. */
+    static QUrl serverUrl(const ConnectionAccountConfiguration &configuration);
     /** Sets a header, unless its value could break out of its line. */
     static bool setHeader(QNetworkRequest &request, const char *name, const QByteArray &value);
+    /** The cookie of the basic authentication, if there is one. */
+    static void setAuthorization(QNetworkRequest &request, const EasAccount &account);
+    /** The commands that a server says it supports. */
+    static QStringList supportedCommandsOf(const QNetworkReply &reply);
     /** "Headers: " and the header pairs of a reply, cookies without their values. */
     static void logHeaders(const QNetworkReply &reply);
 
@@ -128,6 +136,8 @@ private Q_SLOTS:
     void onSslErrors(const QList<QSslError> &errors);
 
 private:
+    static bool setCommonHeaders(QNetworkRequest &request, const EasAccount &account,
+        const ConnectionAccountConfiguration &configuration);
     bool redirect();
     void dropReply();
     bool takeReply(QNetworkReply *reply);

@@ -139,7 +139,7 @@ private:
     void cancelNegotiation();
     void takeNegotiatedVersion(
         const QList<ExchangeActiveSync::ProtocolVersion> &versions, const QStringList &commands);
-    void resumeFromEventLoop();
+    void submitDefaultPolicyKey();
     StatusRows commonRows();
 
     QTimer mResendTimer;

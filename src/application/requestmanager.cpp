@@ -1,0 +1,350 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "application/requestmanager.h"
+
+#include "application/clock.h"
+#include "application/debugtools.h"
+#include "application/easaccount.h"
+#include "application/logging.h"
+#include "application/networkmanager.h"
+#include "application/storagesfactory.h"
+#include "dbus/dbusinterfacethread.h"
+#include "protocol/protocolutils.h"
+#include "requests/provisionrequest.h"
+#include "requests/request.h"
+#include "storages/accountstorage.h"
+
+#include <QCoreApplication>
+#include <QPointer>
+#include <QTimer>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int CheckAccountsDelay = 5000;
+constexpr int QuitDelay = 500;
+
+RequestManager *theInstance = nullptr;
+
+} // namespace
+
+RequestManager *RequestManager::instance()
+{
+    if (!theInstance) {
+        initializeInstance(QCoreApplication::instance());
+        theInstance->init();
+    }
+    return theInstance;
+}
+
+void RequestManager::initializeInstance(QObject *parent)
+{
+    if (!theInstance)
+        theInstance = new RequestManager(parent);
+}
+
+void RequestManager::initializeInstance(RequestManager *manager)
+{
+    theInstance = manager;
+}
+
+void RequestManager::releaseInstance()
+{
+    // The destructor clears the pointer: what the manager owns asks for the instance while it goes.
+    const std::unique_ptr<RequestManager> released(theInstance);
+}
+
+RequestManager::RequestManager(QObject *parent)
+    : RequestManager(std::make_unique<DBusInterfaceThread>(), parent)
+{
+}
+
+RequestManager::RequestManager(std::unique_ptr<DBusInterfaceThread> thread, QObject *parent)
+    : QObject(parent)
+    , mDBusThread(std::move(thread))
+{
+    qRegisterMetaType<EasAccountId>("EasAccountId");
+    qRegisterMetaType<FailedPolicyMap>("FailedPolicyMap");
+    qRegisterMetaType<EasOofContainer>("EasOofContainer");
+    qRegisterMetaType<GalItem>("GalItem");
+    setObjectName(QStringLiteral("RequestManager"));
+    if (mDBusThread) {
+        mDBusThread->moveToThread(mDBusThread.get());
+        connectCalls();
+        connectReports();
+        mDBusThread->start(QThread::InheritPriority);
+    }
+    checkAccountsCount();
+}
+
+RequestManager::~RequestManager()
+{
+    if (mDBusThread) {
+        mDBusThread->exit(1);
+        mDBusThread->wait();
+    }
+    // No result of a request reaches anybody any more; requests go first, because they use all the others.
+    disconnect();
+    qDeleteAll(findChildren<Request *>(QString(), Qt::FindDirectChildrenOnly));
+    qDeleteAll(findChildren<NetworkManager *>(QString(), Qt::FindDirectChildrenOnly));
+    qDeleteAll(findChildren<AccountStorage *>(QString(), Qt::FindDirectChildrenOnly));
+    if (theInstance == this)
+        theInstance = nullptr;
+    if (QCoreApplication *const application = QCoreApplication::instance())
+        QTimer::singleShot(Clock::instance().timerInterval(QuitDelay), application, &QCoreApplication::quit);
+}
+
+void RequestManager::init()
+{
+    setAccountStorage(StoragesFactory::createAccountStorage(this));
+    qCInfo(eas()) << "Initialization done";
+}
+
+void RequestManager::setAccountStorage(AccountStorage *storage)
+{
+    storage->setParent(this);
+    mAccountStorage = storage;
+    connect(storage, &AccountStorage::accountAdded, this, &RequestManager::accountAdded);
+    connect(storage, &AccountStorage::accountDeleted, this, &RequestManager::onAccountDeleted);
+    connect(storage, &AccountStorage::accountUpdated, this, &RequestManager::onAccountUpdated);
+    connect(storage, &AccountStorage::ready, this, &RequestManager::onAccountStorageReady);
+}
+
+bool RequestManager::isReady() const
+{
+    return mAccountStorage && mAccountStorage->isReady();
+}
+
+QList<EasAccountId> RequestManager::accounts() const
+{
+    return mAccountStorage ? mAccountStorage->accounts() : QList<EasAccountId>();
+}
+
+EasAccount *RequestManager::account(EasAccountId accountId) const
+{
+    return mAccountStorage ? mAccountStorage->account(accountId) : nullptr;
+}
+
+NetworkManager *RequestManager::networkManager()
+{
+    if (!mNetworkManager) {
+        mNetworkManager = new NetworkManager(this);
+        connect(mNetworkManager, &NetworkManager::networkStateChanged, this,
+            &RequestManager::networkStateChanged);
+    }
+    return mNetworkManager;
+}
+
+QNetworkSession *RequestManager::networkSession(EasAccountId accountId)
+{
+    return networkManager()->networkSession(accountId);
+}
+
+void RequestManager::processNewRequest(Request *request)
+{
+    if (!request->parent())
+        request->setParent(this);
+    connect(request, &Request::requestCompleted, this, &RequestManager::onRequestCompleted);
+    connect(request, &Request::requestDownloadProgress, this, &RequestManager::onRequestDownloadProgress);
+    if (!isReady()) {
+        mPendingRequests.append(request);
+        qCDebug(eas()) << "Request" << request->id() << "was added to the queue for account"
+                       << request->accountId();
+        return;
+    }
+    const EasAccountId accountId = request->accountId();
+    addRequestInQueue(request);
+    cancelHungHead(accountId);
+}
+
+void RequestManager::addRequestInQueue(Request *request)
+{
+    const EasAccountId accountId = request->accountId();
+    const bool busy = mRequestQueues.contains(accountId);
+    mRequestQueues[accountId].append(request);
+    if (busy) {
+        qCWarning(eas()) << "Account" << accountId << "is busy, request" << request->id() << "added to queue";
+        return;
+    }
+    startHead(accountId);
+}
+
+void RequestManager::startHead(EasAccountId accountId)
+{
+    // A request may end while it starts, on a blocked account every one does. The loop that started it then
+    // goes on with the next, so that a long queue does not nest.
+    if (mStartingHeads.contains(accountId))
+        return;
+    mStartingHeads.insert(accountId);
+    const QPointer<RequestManager> alive(this);
+    const Request *startedHead = nullptr;
+    while (Request *const head = mRequestQueues.value(accountId).value(0)) {
+        if (head == startedHead)
+            break;
+        startedHead = head;
+        head->start();
+        if (!alive)
+            return;
+    }
+    mStartingHeads.remove(accountId);
+}
+
+void RequestManager::cancelHungHead(EasAccountId accountId)
+{
+    Request *const head = mRequestQueues.value(accountId).value(0);
+    if (!head || !head->isExpired())
+        return;
+    qCWarning(eas()) << "The first request in a queue" << head->id()
+                     << "is still active. Trying to force request cancellation";
+    head->cancel();
+}
+
+void RequestManager::onRequestCompleted(EasAccountId accountId, qulonglong requestId)
+{
+    qCDebug(eas()) << "onRequestCompleted:" << requestId << "for account" << accountId;
+    auto *const request = qobject_cast<Request *>(sender());
+    if (!request) {
+        qCCritical(eas()) << "Unexpected sender";
+        return;
+    }
+    if (request->id() != requestId)
+        qCCritical(eas()) << "Wrong requestId" << requestId << "of request" << request->id();
+    const int status = request->successfullyFinished() ? 0 : request->status();
+    if (const auto *const provision = qobject_cast<ProvisionRequest *>(request))
+        Q_EMIT provisionRequestFinished(
+            accountId, requestId, status, provision->provisionPolicies(), provision->policyStatus());
+    else
+        Q_EMIT requestFinished(accountId, requestId, status);
+    endRequest(request, accountId);
+}
+
+void RequestManager::onRequestDownloadProgress(
+    EasAccountId accountId, qulonglong requestId, qlonglong bytesReceived, qlonglong bytesTotal)
+{
+    // Clients get the maximum first.
+    Q_EMIT requestProgress(accountId, requestId, bytesTotal, bytesReceived);
+}
+
+bool RequestManager::endRequest(Request *request, EasAccountId accountId)
+{
+    const auto queue = mRequestQueues.find(accountId);
+    if (queue == mRequestQueues.end()) {
+        qCWarning(eas()) << "Request queue does not exist for account" << accountId;
+        return false;
+    }
+    if (!queue->contains(request)) {
+        qCCritical(eas()) << "Queue not contains request:" << request->id();
+        return false;
+    }
+    if (queue->first() != request)
+        qCInfo(eas()) << "The first request in a queue" << queue->first()->id()
+                      << "does not match completed requests" << request->id();
+    queue->removeAll(request);
+    // Whatever it still says until it is deleted, its end has been reported.
+    request->disconnect(this);
+    request->deleteLater();
+    if (queue->isEmpty())
+        mRequestQueues.erase(queue);
+    else
+        startHead(accountId);
+    return true;
+}
+
+void RequestManager::onCancelRequest(EasAccountId accountId, qulonglong requestId)
+{
+    dropPendingRequests(accountId, [requestId](const Request &request) { return request.id() == requestId; });
+    if (!mRequestQueues.contains(accountId)) {
+        qCWarning(eas()) << "Request queue does not exist for account" << accountId;
+        return;
+    }
+    const QList<Request *> queue = mRequestQueues.value(accountId);
+    const auto request = std::find_if(queue.cbegin(), queue.cend(),
+        [requestId](const Request *queued) { return queued->id() == requestId; });
+    if (request == queue.cend())
+        return;
+    qCInfo(eas()) << "Cancel request" << requestId << "for account:" << accountId;
+    (*request)->cancel();
+}
+
+void RequestManager::dropPendingRequests(
+    EasAccountId accountId, const std::function<bool(const Request &)> &matches)
+{
+    const QList<Request *> pending = mPendingRequests;
+    for (Request *const request : pending) {
+        if (request->accountId() != accountId || !matches(*request))
+            continue;
+        mPendingRequests.removeAll(request);
+        request->deleteLater();
+    }
+}
+
+void RequestManager::onAccountStorageReady()
+{
+    qCInfo(eas()) << "Ready";
+    if (!isReady())
+        return;
+    const QList<Request *> pending = mPendingRequests;
+    mPendingRequests.clear();
+    for (Request *const request : pending)
+        addRequestInQueue(request);
+}
+
+void RequestManager::onAccountUpdated(EasAccountId accountId)
+{
+    checkAccountsCount();
+    Q_EMIT accountUpdated(accountId);
+}
+
+void RequestManager::onAccountDeleted(EasAccountId accountId)
+{
+    dropPendingRequests(accountId, [](const Request &) { return true; });
+    const QList<Request *> queue = mRequestQueues.value(accountId);
+    if (queue.isEmpty())
+        qCInfo(eas()) << "Request queue does not exist for account" << accountId;
+    // From the tail, so that none of them starts.
+    std::for_each(queue.crbegin(), queue.crend(), [](Request *request) { request->cancel(); });
+    checkAccountsCount();
+    Q_EMIT accountDeleted(accountId);
+}
+
+void RequestManager::checkAccountsCount()
+{
+    qCDebug(eas()) << "requesting to check accounts count";
+    QTimer::singleShot(
+        Clock::instance().timerInterval(CheckAccountsDelay), this, &RequestManager::onCheckAccountsCount);
+}
+
+void RequestManager::onCheckAccountsCount()
+{
+    if (!mAccountStorage || mAccountStorage->enabledAccountsCount() > 0)
+        return;
+    qCInfo(eas()) << "we don't have any enabled accounts, quiting";
+    quitApplication();
+}
+
+void RequestManager::onQuitRequest()
+{
+    qCInfo(eas()) << "Quit request";
+    quitApplication();
+}
+
+void RequestManager::quitApplication()
+{
+    qCInfo(eas()) << "closing application";
+    releaseInstance();
+}
+
+void RequestManager::onReconfigRequest()
+{
+    qCInfo(eas()) << "Applying config";
+    DebugTools::init();
+}
+
+void RequestManager::onAlwaysOnStatus(uint accountId, const QString &profile, bool enabled)
+{
+    qCInfo(eas()) << "onAlwaysOnStatus" << accountId << profile << enabled;
+    if (EasAccount *const switched = account(accountId))
+        switched->setAlwaysOn(enabled);
+    else
+        qCInfo(eas()) << "Not found account with ID:" << accountId;
+}

@@ -1,0 +1,247 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+// What a client's call makes the manager build, one handler a call.
+#include "application/logging.h"
+#include "application/requestmanager.h"
+#include "dbus/dbusinterfacethread.h"
+#include "easitems/easitemscommon.h"
+#include "protocol/protocolutils.h"
+#include "requests/fetchmessagesrequest.h"
+#include "requests/fetchpartrequest.h"
+#include "requests/foldersyncrequest.h"
+#include "requests/provisionrequest.h"
+#include "requests/syncrequest.h"
+
+namespace {
+
+/** Bytes of one range of an attachment. */
+constexpr int DownloadPartSize = 65536;
+
+} // namespace
+
+void RequestManager::processNewSyncRequest(SyncRequest *request)
+{
+    connect(request, &SyncRequest::syncStarted, this, &RequestManager::syncStarted);
+    connect(request, &SyncRequest::syncCompleted, this, &RequestManager::syncCompleted);
+    processNewRequest(request);
+}
+
+void RequestManager::processNewFolderSyncRequest(FolderSyncRequest *request)
+{
+    connect(request, &FolderSyncRequest::syncStarted, this, &RequestManager::syncStarted);
+    connect(request, &FolderSyncRequest::syncCompleted, this, &RequestManager::syncCompleted);
+    processNewRequest(request);
+}
+
+void RequestManager::onFullSyncRequest(EasAccountId accountId, qulonglong requestId)
+{
+    qCInfo(eas()) << "Full Sync: account: " << accountId << ", requestId: " << requestId;
+    processNewSyncRequest(new SyncRequest(accountId, requestId, this));
+}
+
+void RequestManager::onSyncFoldersRequest(
+    EasAccountId accountId, const QStringList &folderIds, qulonglong requestId)
+{
+    qCInfo(eas()) << "Sync Folders: account: " << accountId << ", folders: " << folderIds
+                  << ", requestId: " << requestId;
+    auto *const request = new SyncRequest(accountId, requestId, this);
+    request->setSyncFolders(folderIds);
+    processNewSyncRequest(request);
+}
+
+void RequestManager::onSyncServiceRequest(EasAccountId accountId, int service, qulonglong requestId)
+{
+    qCInfo(eas()) << "Sync Service: account: " << accountId << ", service: " << service
+                  << ", requestId: " << requestId;
+    auto *const request = new SyncRequest(accountId, requestId, this);
+    request->setSyncService(service);
+    processNewSyncRequest(request);
+}
+
+void RequestManager::onFoldersSyncRequest(EasAccountId accountId, qulonglong requestId)
+{
+    qCInfo(eas()) << "Folders Sync: account: " << accountId << ", requestId: " << requestId;
+    auto *const request = new FolderSyncRequest(accountId, requestId, this);
+    connect(request, &FolderSyncRequest::resyncFolders, this,
+        [this](EasAccountId resyncedId, qulonglong resyncRequestId) {
+            processNewSyncRequest(new SyncRequest(resyncedId, resyncRequestId, this));
+        });
+    processNewFolderSyncRequest(request);
+}
+
+void RequestManager::onDownloadMessagePartRequest(
+    EasAccountId accountId, qulonglong messageId, const QString &location, qulonglong requestId)
+{
+    qCInfo(eas()) << "Download Message Part: account: " << accountId << ", messageId: " << messageId
+                  << ", location: " << location << ", requestId: " << requestId;
+    auto *const request = new FetchPartRequest(accountId, requestId, messageId, location, this);
+    request->setPartSize(DownloadPartSize);
+    processNewRequest(request);
+}
+
+void RequestManager::onDownloadMessagesRequest(EasAccountId accountId, const QList<qulonglong> &messageIds,
+    bool fullContentDownload, qulonglong requestId)
+{
+    qCInfo(eas()) << "Download Messages: account: " << accountId << ", messages: " << messageIds
+                  << ", fullContentDownload: " << fullContentDownload << ", requestId: " << requestId;
+    processNewRequest(new FetchMessagesRequest(accountId, requestId, messageIds, fullContentDownload, this));
+}
+
+void RequestManager::onProvisionPolicyRequest(EasAccountId accountId, qulonglong requestId)
+{
+    qCInfo(eas()) << "Provision Policy: account: " << accountId << ", requestId: " << requestId;
+    processNewRequest(new ProvisionRequest(accountId, requestId, false, this));
+}
+
+void RequestManager::onMeetingResponseRequest(EasAccountId accountId, qulonglong requestId,
+    qulonglong requestMessageId, qlonglong instanceId, int userResponse, qulonglong replyMessageId,
+    const QString &newStartTime, const QString &newEndTime, const QString &)
+{
+    qCInfo(eas()) << "Meeting Response: account: " << accountId << ", requestMessageId: " << requestMessageId
+                  << ", instanceId: " << instanceId << ", userResponse: " << userResponse
+                  << ", replyMessageId: " << replyMessageId << ", newStartTime: " << newStartTime
+                  << ", newEndTime: " << newEndTime << ", requestId: " << requestId;
+    if (!acceptMeetingResponse(accountId, requestId, userResponse,
+            requestMessageId != 0 ? QString::number(requestMessageId) : QString()))
+        return;
+    reportNotSupported(accountId, requestId, ProtocolUtils::CommandMeetingResponse);
+}
+
+void RequestManager::onMeetingResponseCalendarRequest(EasAccountId accountId, qulonglong requestId,
+    const QString &requestEventId, qlonglong instanceId, int userResponse, qulonglong replyMessageId,
+    const QString &newStartTime, const QString &newEndTime, const QString &)
+{
+    qCInfo(eas()) << "Meeting Response Calendar: account: " << accountId
+                  << ", requestEventId: " << requestEventId << ", instanceId: " << instanceId
+                  << ", userResponse: " << userResponse << ", replyMessageId: " << replyMessageId
+                  << ", newStartTime: " << newStartTime << ", newEndTime: " << newEndTime
+                  << ", requestId: " << requestId;
+    if (!acceptMeetingResponse(accountId, requestId, userResponse, requestEventId))
+        return;
+    reportNotSupported(accountId, requestId, ProtocolUtils::CommandMeetingResponse);
+}
+
+bool RequestManager::acceptMeetingResponse(
+    EasAccountId accountId, qulonglong requestId, int userResponse, const QString &respondedId)
+{
+    const bool known =
+        userResponse >= EasItemsCommon::UserResponseMin && userResponse <= EasItemsCommon::UserResponseMax;
+    if (known && !respondedId.isEmpty())
+        return true;
+    qCCritical(eas()) << "Wrong args, userResponse:" << userResponse << ", requestMessageId:" << respondedId;
+    Q_EMIT requestFinished(accountId, requestId, EasRequestStatus::RequestStatusBadRequest);
+    return false;
+}
+
+void RequestManager::onSendMailRequest(EasAccountId accountId, qulonglong messageId, qulonglong requestId)
+{
+    qCInfo(eas()) << "Send Mail: account: " << accountId << ", messageId: " << messageId
+                  << ", requestId: " << requestId;
+    reportNotSupported(accountId, requestId, ProtocolUtils::CommandSendMail);
+}
+
+void RequestManager::onCreateFolderRequest(EasAccountId accountId, const QString &name,
+    const QString &parentFolderId, uint folderType, qulonglong requestId)
+{
+    qCInfo(eas()) << "Create Folder: account: " << accountId << ", name: " << name
+                  << ", parentFolderId: " << parentFolderId << ", folderType: " << folderType
+                  << ", requestId: " << requestId;
+    reportNotSupported(accountId, requestId, ProtocolUtils::CommandFolderCreate);
+}
+
+void RequestManager::onDeleteFolderRequest(
+    EasAccountId accountId, const QString &folderId, qulonglong requestId)
+{
+    qCInfo(eas()) << "Delete Folder: account: " << accountId << ", folderId: " << folderId
+                  << ", requestId: " << requestId;
+    reportNotSupported(accountId, requestId, ProtocolUtils::CommandFolderDelete);
+}
+
+void RequestManager::onUpdateFolderRequest(EasAccountId accountId, const QString &folderId,
+    const QString &parentFolderId, const QString &name, qulonglong requestId)
+{
+    qCInfo(eas()) << "Update Folder: account: " << accountId << ", folderId: " << folderId
+                  << ", parentFolderId: " << parentFolderId << ", name: " << name
+                  << ", requestId: " << requestId;
+    reportNotSupported(accountId, requestId, ProtocolUtils::CommandFolderUpdate);
+}
+
+void RequestManager::onGetOofRequest(EasAccountId accountId, qulonglong requestId)
+{
+    qCInfo(eas()) << "Get Oof: account: " << accountId << ", requestId: " << requestId;
+    reportNotSupported(accountId, requestId, ProtocolUtils::CommandSettings);
+}
+
+void RequestManager::onSetOofStateRequest(
+    EasAccountId accountId, qulonglong requestId, const EasOofContainer &state)
+{
+    qCInfo(eas()) << "Set Oof State: account: " << accountId << ", enabled: " << state.oofEnabled()
+                  << ", timeRangeEnabled: " << state.timeRangeEnabled() << ", requestId: " << requestId;
+    reportNotSupported(accountId, requestId, ProtocolUtils::CommandSettings);
+}
+
+void RequestManager::onCalendarAttachmentDownloadRequest(
+    EasAccountId accountId, qulonglong requestId, const QString &uri)
+{
+    qCInfo(eas()) << "Download Calendar Attachment: account: " << accountId << ", uri: " << uri
+                  << ", requestId: " << requestId;
+    reportNotSupported(accountId, requestId, ProtocolUtils::CommandItemOperations);
+}
+
+void RequestManager::onSearchMessagesRequest(EasAccountId accountId, const QString &folderId,
+    const QString &dateFrom, const QString &dateTo, const QString &bodyText, qulonglong limit,
+    qulonglong requestId)
+{
+    qCInfo(eas()) << "Search Messages: account: " << accountId << ", folderId: " << folderId
+                  << ", dateFrom: " << dateFrom << ", dateTo: " << dateTo << ", bodyText: " << bodyText
+                  << ", limit: " << limit << ", requestId: " << requestId;
+    reportNotSupported(
+        accountId, requestId, ProtocolUtils::CommandSearch, ResultSignal::SearchMessagesFinished);
+}
+
+void RequestManager::onSearchGALRequest(EasAccountId accountId, const QString &queryString, int rangeMin,
+    int rangeMax, bool rebuildResults, bool deepTraversal, qulonglong requestId)
+{
+    qCInfo(eas()) << "Search GAL: account: " << accountId << ", query: " << queryString
+                  << ", rangeMin: " << rangeMin << ", rangeMax: " << rangeMax
+                  << ", rebuildResults: " << rebuildResults << ", deepTraversal: " << deepTraversal
+                  << ", requestId: " << requestId;
+    reportNotSupported(accountId, requestId, ProtocolUtils::CommandSearch, ResultSignal::SearchGALFinished);
+}
+
+void RequestManager::onFindRequest(EasAccountId accountId, const QString &folderId,
+    const QString &searchQuery, int searchType, qulonglong limit, qulonglong requestId)
+{
+    qCInfo(eas()) << "Find: account: " << accountId << ", folderId: " << folderId
+                  << ", query: " << searchQuery << ", searchType: " << searchType << ", limit: " << limit
+                  << ", requestId: " << requestId;
+    reportNotSupported(accountId, requestId, ProtocolUtils::CommandFind, ResultSignal::FindMessagesFinished);
+}
+
+void RequestManager::onAttendeesAvailableRequest(EasAccountId accountId, qulonglong requestId,
+    const QString &emailAddresses, const QString &startTime, const QString &endTime)
+{
+    qCInfo(eas()) << "Attendees Available: account: " << accountId << ", addresses: " << emailAddresses
+                  << ", startTime: " << startTime << ", endTime: " << endTime << ", requestId: " << requestId;
+    reportNotSupported(accountId, requestId, ProtocolUtils::CommandAttendeesAvailable);
+}
+
+void RequestManager::reportNotSupported(
+    EasAccountId accountId, qulonglong requestId, QLatin1String command, ResultSignal result)
+{
+    constexpr int Status = EasRequestStatus::RequestStatusCommandNotSupported;
+    qCWarning(eas()) << "Command not supported:" << command;
+    switch (result) {
+    case ResultSignal::RequestFinished:
+        Q_EMIT requestFinished(accountId, requestId, Status);
+        break;
+    case ResultSignal::SearchMessagesFinished:
+        Q_EMIT searchMessagesFinished(accountId, requestId, Status, 0, {});
+        break;
+    case ResultSignal::SearchGALFinished:
+        Q_EMIT searchGALFinished(accountId, requestId, Status, 0, {});
+        break;
+    case ResultSignal::FindMessagesFinished:
+        Q_EMIT findMessagesFinished(accountId, requestId, Status, 0, {});
+        break;
+    }
+}

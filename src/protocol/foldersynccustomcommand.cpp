@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "protocol/foldersynccustomcommand.h"
+
+#include "application/easaccount.h"
+#include "protocol/protocolutils.h"
+#include "protocol/wbxmlencoder.h"
+#include "protocol/wbxmltokens.h"
+
+#include <QNetworkRequest>
+
+FolderSyncCustomCommand::FolderSyncCustomCommand(
+    EasAccountId accountId, ExchangeActiveSync::ProtocolVersion version, QObject *parent)
+    : BaseProtocolCommand(accountId, parent)
+    , mVersion(version)
+{
+}
+
+QString FolderSyncCustomCommand::versions() const
+{
+    return mVersions;
+}
+
+QStringList FolderSyncCustomCommand::supportedCommands() const
+{
+    return mSupportedCommands;
+}
+
+QString FolderSyncCustomCommand::commandName() const
+{
+    return ProtocolUtils::CommandFolderSync;
+}
+
+BaseProtocolCommand::ExchangeTexts FolderSyncCustomCommand::texts() const
+{
+    return { "Sending folder sync command with 0 key via POST:",
+        "Received folder sync command for 0 key reply:", nullptr };
+}
+
+void FolderSyncCustomCommand::prepareRequest(QNetworkRequest &request)
+{
+    request.setRawHeader(
+        ProtocolUtils::HeaderAsProtocolVersion, EasAccount::encodedProtocolVersion(mVersion));
+}
+
+bool FolderSyncCustomCommand::parseReply(QNetworkReply *reply, const QByteArray &)
+{
+    mSupportedCommands = supportedCommandsOf(*reply);
+    mVersions = QString::fromUtf8(reply->rawHeader(ProtocolUtils::HeaderAsProtocolVersions));
+    return true;
+}
+
+bool FolderSyncCustomCommand::encodeBody(EasAccount &, QByteArray *body)
+{
+    WbxmlEncoder encoder;
+    encoder.appendElement(Wbxml::FolderHierarchy::FolderSync, true);
+    encoder.appendTextElement(Wbxml::FolderHierarchy::SyncKey, ProtocolUtils::InitialSyncKey);
+    *body = encoder.encoded();
+    return !body->isEmpty();
+}
