@@ -1,0 +1,209 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+// Rows of accounts, and the operations that go across all tables.
+#include "application/databasestatement.h"
+#include "application/easaccount.h"
+#include "application/easdatabase.h"
+#include "application/logging.h"
+#include "application/requestmanager.h"
+#include "application/storagesfactory.h"
+#include "protocol/protocolutils.h"
+
+namespace {
+
+constexpr uint ReleaseTimeout = 60000;
+constexpr int HierarchyRowType = 0;
+const char CantQueryAccounts[] = "can't execute accounts table query. Error:";
+const char CollectionsNotInitialized[] = "collections table is not initialized for account";
+
+struct AccountRows
+{
+    const char *table;
+    const char *failure;
+};
+
+const AccountRows RowsOfAnAccount[] = {
+    { "accounts", "can't delete rows from accounts table. Error:" },
+    { "calendar", "can't delete rows from calendar table. Error:" },
+    { "contacts", "can't delete rows from contacts table. Error:" },
+    { "collections", "can't delete rows from collections table. Error:" },
+    { "emails", "can't delete rows from emails table. Error:" },
+};
+
+} // namespace
+
+void EasDatabase::onAccountAdded(EasAccountId accountId)
+{
+    startDataBaseTimer(ReleaseTimeout);
+    initializeAccount(accountId);
+}
+
+void EasDatabase::onAccountDeleted(EasAccountId accountId)
+{
+    if (StoragesFactory::cleanUpDeletedAccounts({ accountId }))
+        removeAccount(accountId);
+    else
+        qCWarning(eas()) << "failed to clean up storages";
+}
+
+void EasDatabase::initializeAccount(EasAccountId accountId)
+{
+    if (!initializeAccountsTable(accountId, 0))
+        qCWarning(eas()) << "failed to initialize accounts table for account" << accountId;
+    if (!initializeCollectionsTable(accountId))
+        qCWarning(eas()) << "failed to initialize collections table for account" << accountId;
+}
+
+bool EasDatabase::initializeAccountsTable(EasAccountId accountId, quint64 emailAccountId) const
+{
+    DatabaseStatement select(mDatabase,
+        QStringLiteral("SELECT email_account_id FROM accounts WHERE account_id=%1").arg(accountId));
+    if (readRow(select, CantQueryAccounts))
+        return true;
+    if (mLookupFailed)
+        return false;
+    DatabaseStatement insert(mDatabase, QStringLiteral("INSERT INTO accounts VALUES (?, ?)"));
+    insert.bind(accountId).bind(emailAccountId);
+    return insert.run() || insert.fail("Can't add an account row for account", accountId);
+}
+
+bool EasDatabase::initializeCollectionsTable(EasAccountId accountId) const
+{
+    DatabaseStatement select(mDatabase,
+        QStringLiteral("SELECT synckey FROM collections WHERE account_id=%1 AND type=0").arg(accountId));
+    if (readRow(select, "can't get a folderSyncKey. Error:"))
+        return true;
+    if (mLookupFailed)
+        return false;
+    const QString empty = QStringLiteral("");
+    DatabaseStatement insert(
+        mDatabase, QStringLiteral("INSERT INTO collections VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"));
+    insert.bind(QVariant(QVariant::Int)).bind(accountId);
+    insert.bind(empty).bind(empty).bind(empty).bind(empty);
+    insert.bind(QString(ProtocolUtils::InitialSyncKey)).bind(HierarchyRowType).bind(empty).bind(0);
+    return insert.run() || insert.fail("can't create a folderSyncKey row. Error:");
+}
+
+quint64 EasDatabase::emailAccountId(EasAccountId accountId) const
+{
+    if (!initializeAccountsTable(accountId, 0)) {
+        qCCritical(eas()) << "accounts table is not initialized";
+        return 0;
+    }
+    DatabaseStatement select(mDatabase,
+        QStringLiteral("SELECT email_account_id FROM accounts WHERE account_id=%1").arg(accountId));
+    return readRow(select, CantQueryAccounts) ? select.value(0).toULongLong() : 0;
+}
+
+void EasDatabase::setEmailAccountId(EasAccountId accountId, quint64 emailAccountId)
+{
+    if (!initializeAccountsTable(accountId, emailAccountId)) {
+        qCCritical(eas()) << "accounts table is not initialized.";
+        return;
+    }
+    DatabaseStatement update(mDatabase,
+        QStringLiteral("UPDATE accounts SET email_account_id=%1 WHERE account_id=%2")
+            .arg(emailAccountId)
+            .arg(accountId));
+    if (!update.run())
+        qCCritical(eas()) << "can't update table"
+                          << "accounts"
+                          << "Error:" << update.errorText();
+}
+
+QString EasDatabase::folderSyncKey(EasAccountId accountId) const
+{
+    const QString initialKey = ProtocolUtils::InitialSyncKey;
+    if (!initializeCollectionsTable(accountId)) {
+        qCCritical(eas()) << CollectionsNotInitialized << accountId;
+        return initialKey;
+    }
+    DatabaseStatement select(mDatabase,
+        QStringLiteral("SELECT synckey FROM collections WHERE account_id=%1 AND type=0").arg(accountId));
+    const bool found = readRow(select, "can't get a folderSyncKey. Error:");
+    return found && !select.value(0).isNull() ? select.text(0) : initialKey;
+}
+
+void EasDatabase::setFolderSyncKey(EasAccountId accountId, const QString &syncKey)
+{
+    if (!initializeCollectionsTable(accountId)) {
+        qCCritical(eas()) << CollectionsNotInitialized << accountId;
+        return;
+    }
+    DatabaseStatement update(mDatabase,
+        QStringLiteral("UPDATE collections SET synckey=? WHERE account_id=%1 AND type=0").arg(accountId));
+    if (!update.bind(syncKey).run())
+        qCCritical(eas()) << "can't update table"
+                          << "collections"
+                          << "Error:" << update.errorText();
+}
+
+EasDatabase::AppDataType EasDatabase::getAppDataType(const QString &serverId)
+{
+    DatabaseStatement select(mDatabase,
+        QStringLiteral("SELECT 2 FROM contacts WHERE server_id = :server_id_value "
+                       "UNION SELECT 1 FROM emails WHERE server_id = :server_id_value "
+                       "UNION SELECT 3 FROM calendar WHERE server_id = :server_id_value"));
+    select.bind(QStringLiteral(":server_id_value"), serverId);
+    const StatementFailure failure("Can't exec getAppDataType() query for serverId:",
+        "Can't prepare getAppDataType() query for serverId:");
+    return readRow(select, failure, serverId) ? AppDataType(select.value(0).toInt()) : AppDataNone;
+}
+
+void EasDatabase::removeAccount(EasAccountId accountId)
+{
+    startDataBaseTimer(ReleaseTimeout);
+    for (const AccountRows &rows : RowsOfAnAccount) {
+        DatabaseStatement statement(mDatabase,
+            QStringLiteral("DELETE FROM %1 WHERE account_id=%2")
+                .arg(QLatin1String(rows.table))
+                .arg(accountId));
+        if (!statement.run()) {
+            statement.fail(rows.failure);
+            return;
+        }
+    }
+}
+
+bool EasDatabase::clearAccount(EasAccountId accountId)
+{
+    qCInfo(eas()) << "Clearing account with ID:" << accountId;
+    if (!StoragesFactory::cleanUpAccounts({ accountId })) {
+        qCWarning(eas()) << "Failed to clean up storages for account ID:" << accountId;
+        return false;
+    }
+    removeAccount(accountId);
+    setFolderSyncKey(accountId, ProtocolUtils::InitialSyncKey);
+    EasAccount *account = RequestManager::instance()->account(accountId);
+    if (!account) {
+        qCCritical(eas()) << "Account with ID: " << accountId << " does not exist!";
+        return false;
+    }
+    account->setFirstSyncCompleted(false);
+    return true;
+}
+
+bool EasDatabase::cleanUp(const QList<quint64> &accountIds)
+{
+    DatabaseStatement select(mDatabase, QStringLiteral("SELECT * FROM accounts"));
+    QList<EasAccountId> gone;
+    QStringList names;
+    const bool complete = readRows(select, CantQueryAccounts, [&](const DatabaseStatement &row) {
+        const EasAccountId id = row.value(0).toULongLong();
+        if (!accountIds.contains(id)) {
+            gone.append(id);
+            names.append(QString::number(id));
+        }
+    });
+    if (!complete)
+        return false;
+    if (gone.isEmpty())
+        return true;
+    qCInfo(eas()) << "accounts for clean up:" << names.join(QStringLiteral(", "));
+    if (!StoragesFactory::cleanUpDeletedAccounts(gone)) {
+        qCWarning(eas()) << "failed to clean up storages";
+        return false;
+    }
+    for (const EasAccountId id : qAsConst(gone))
+        removeAccount(id);
+    return true;
+}

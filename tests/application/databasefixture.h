@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+
+/**
+ * A mapping database of a test's own: a file below the home folder that the test can prepare by hand before
+ * EasDatabase opens it, and look into afterwards, over a connection of its own.
+ */
+class DatabaseFixture
+{
+public:
+    DatabaseFixture();
+    ~DatabaseFixture();
+    Q_DISABLE_COPY(DatabaseFixture)
+
+    /** Lets EasDatabase open the file; the end of the fixture releases it. */
+    void open();
+    /** Releases EasDatabase and opens the file again, as a restart of the process does. */
+    void reopen();
+    void release();
+
+    QString file() const;
+    QString folder() const;
+
+    /** Runs statements by hand; a failure fails the test. */
+    void execute(const QStringList &statements) const;
+    /** The rows of a query, values joined by "|", NULL as "NULL". */
+    QStringList rows(const QString &query) const;
+    /** Everything in the file: the schema, and the rows of every table. */
+    QStringList content() const;
+
+private:
+    QByteArray mPath;
+};
