@@ -23,8 +23,8 @@ public:
     static CalendarStorage *createCalendarStorage(EasAccount &account, QObject *parent);
     static ContactStorage *createContactStorage(EasAccount &account, QObject *parent);
 
-    /** Removes what the stores keep of accounts that are not in the list. */
-    static bool cleanUpDeletedAccounts(const QList<EasAccountId> &knownAccounts);
-    /** Removes what the stores keep of these accounts. */
+    /** Removes what the stores keep of these accounts, which the platform has no more. */
+    static bool cleanUpDeletedAccounts(const QList<EasAccountId> &accounts);
+    /** Removes what the stores keep of these accounts, which stay and start anew. */
     static bool cleanUpAccounts(const QList<EasAccountId> &accounts);
 };
