@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "application/debugtools.h"
+#include "application/easdatabase.h"
+#include "application/requestmanager.h"
+#include "quitsignals.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+
+int main(int argc, char **argv)
+{
+    QuitSignals quitSignals;
+    QCoreApplication application(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("fennel-eas"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(FENNEL_EAS_VERSION));
+
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QStringLiteral(
+        "Keeps mail, calendar and contacts in step with Exchange ActiveSync servers.\n"
+        "Serves org.fennelos.easdaemon on the session bus, which starts it when it is called,\n"
+        "and ends by itself when no account is enabled."));
+    parser.addHelpOption();
+    parser.addVersionOption();
+    parser.process(application);
+
+    DebugTools::init();
+    RequestManager::initializeInstance(&application);
+    RequestManager::instance()->init();
+    QObject::connect(&quitSignals, &QuitSignals::quitRequested, &application, [] {
+        // Once: a second signal may come while the first is being obeyed.
+        static bool quitting = false;
+        if (!std::exchange(quitting, true))
+            RequestManager::instance()->onQuitRequest();
+    });
+    const int code = QCoreApplication::exec();
+    EasDatabase::releaseInstance();
+    return code;
+}
