@@ -9,7 +9,6 @@ void ExchangeActiveSync::registerDBusTypes()
     qRegisterMetaType<GalItem>("GalItem");
     qDBusRegisterMetaType<FailedPolicyMap>();
     qDBusRegisterMetaType<GalItem>();
-    qDBusRegisterMetaType<QList<QString>>();
     qDBusRegisterMetaType<QList<qulonglong>>();
 }
 
