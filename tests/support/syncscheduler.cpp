@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "support/syncscheduler.h"
+
+#include "support/privatebus.h"
+
+namespace {
+const QString connectionName = QStringLiteral("test-sync-scheduler");
+const QString serviceName = QStringLiteral("com.plover.msyncd");
+} // namespace
+
+SyncScheduler::SyncScheduler(QObject *parent)
+    : QObject(parent)
+    , mConnection(QDBusConnection::connectToBus(PrivateBus::address(), connectionName))
+{
+    mRegistered = mConnection.registerObject(
+                      QStringLiteral("/synchronizer"), this, QDBusConnection::ExportScriptableContents)
+        && mConnection.registerService(serviceName);
+}
+
+SyncScheduler::~SyncScheduler()
+{
+    mConnection.unregisterService(serviceName);
+    QDBusConnection::disconnectFromBus(connectionName);
+}
+
+bool SyncScheduler::isRegistered() const
+{
+    return mRegistered;
+}
+
+QList<SyncScheduler::Query> SyncScheduler::queries() const
+{
+    return mQueries;
+}
+
+bool SyncScheduler::isSyncedExternally(uint accountId, const QString &profileName)
+{
+    mQueries.append(Query(accountId, profileName));
+    Q_EMIT queried();
+    return false;
+}

@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <QDBusConnection>
+#include <QList>
+#include <QObject>
+#include <QPair>
+
+/** Stands for the device's sync scheduler: a real service on the private bus, with a connection of its own.
+ */
+class SyncScheduler : public QObject
+{
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "com.plover.msyncd")
+
+public:
+    using Query = QPair<uint, QString>;
+
+    explicit SyncScheduler(QObject *parent = nullptr);
+    ~SyncScheduler() override;
+
+    bool isRegistered() const;
+    QList<Query> queries() const;
+
+public Q_SLOTS:
+    Q_SCRIPTABLE bool isSyncedExternally(uint accountId, const QString &profileName);
+
+Q_SIGNALS:
+    Q_SCRIPTABLE void syncedExternallyStatus(uint accountId, const QString &profileName, bool enabled);
+    /** For the test alone: somebody asked. */
+    void queried();
+
+private:
+    QDBusConnection mConnection;
+    QList<Query> mQueries;
+    bool mRegistered = false;
+};
