@@ -8,6 +8,7 @@
 #include <SignOn/IdentityInfo>
 #include <SignOn/SessionData>
 
+#include <QDebug>
 #include <QEventLoop>
 #include <QTimer>
 

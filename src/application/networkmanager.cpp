@@ -1,0 +1,237 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "application/networkmanager.h"
+
+#include "application/easaccount.h"
+#include "application/logging.h"
+#include "application/requestmanager.h"
+#include "configurations/connectionaccountconfiguration.h"
+#include "protocol/protocolutils.h"
+
+#include <QAuthenticator>
+#include <QBuffer>
+#include <QNetworkAccessManager>
+#include <QNetworkReply>
+
+namespace {
+
+constexpr uint maximalAnswers = 2;
+
+const char *boolText(bool value)
+{
+    return value ? "true" : "false";
+}
+
+bool isConnected(const QNetworkSession *session)
+{
+    return session && session->state() == QNetworkSession::Connected;
+}
+
+template <class Object> void dismiss(Object *&object)
+{
+    if (!object)
+        return;
+    object->disconnect();
+    object->deleteLater();
+    object = nullptr;
+}
+
+QString loginName(const EasAccount &account)
+{
+    const auto connection = account.connectionConfiguration();
+    const QString domain = connection ? connection->domainName() : QString();
+    return domain.isEmpty() ? account.userName() : QStringLiteral("%1\\%2").arg(domain, account.userName());
+}
+
+} // namespace
+
+NetworkManager::NetworkManager(QObject *parent)
+    : QObject(parent)
+{
+    connect(
+        RequestManager::instance(), &RequestManager::accountDeleted, this, &NetworkManager::onAccountDeleted);
+    connect(&mConfigurationManager, &QNetworkConfigurationManager::onlineStateChanged, this,
+        &NetworkManager::onOnlineStateChanged);
+    connect(&mConfigurationManager, &QNetworkConfigurationManager::configurationChanged,
+        &mConfigurationManager, &QNetworkConfigurationManager::updateConfigurations);
+}
+
+NetworkManager::~NetworkManager() = default;
+
+QNetworkReply *NetworkManager::post(
+    EasAccountId accountId, const QNetworkRequest &request, const QByteArray &data)
+{
+    QNetworkAccessManager *manager = managerForRequest(accountId);
+    return manager ? watched(accountId, manager->post(request, data)) : nullptr;
+}
+
+QNetworkReply *NetworkManager::sendCustomRequest(
+    EasAccountId accountId, const QNetworkRequest &request, const QByteArray &verb, QBuffer *body)
+{
+    QNetworkAccessManager *manager = managerForRequest(accountId);
+    return manager ? watched(accountId, manager->sendCustomRequest(request, verb, body)) : nullptr;
+}
+
+QNetworkSession *NetworkManager::networkSession(EasAccountId accountId)
+{
+    const auto entry = mConnections.find(accountId);
+    if (entry != mConnections.end()) {
+        if (entry->second)
+            return entry->second;
+        deleteNetworkManager(entry, true);
+    }
+    return mConnections.insert(accountId, createNetworkManager(accountId))->second;
+}
+
+bool NetworkManager::isOnline() const
+{
+    return mConfigurationManager.isOnline();
+}
+
+void NetworkManager::onAuthenticationRequired(QNetworkReply *reply, QAuthenticator *authenticator)
+{
+    const EasAccountId accountId = ProtocolUtils::accountId(reply);
+    qCDebug(easNetwork()) << "accountId: " << accountId;
+    EasAccount *account = RequestManager::instance()->account(accountId);
+    if (account && mAuthenticationFailures.value(accountId) >= 1)
+        account->onAuthenticationFailedError();
+    if (++mAuthenticationFailures[accountId] > maximalAnswers) {
+        blockAccount(account);
+        return;
+    }
+    if (!account)
+        return;
+    authenticator->setUser(loginName(*account));
+    authenticator->setPassword(account->password());
+}
+
+void NetworkManager::onReplyFinished(EasAccountId accountId, const QNetworkReply *reply)
+{
+    if (reply->error() != QNetworkReply::AuthenticationRequiredError)
+        return;
+    // The network layer gives up as soon as an answer equals the one before, so that the challenge which
+    // blocks an account may never come.
+    uint &challenges = mAuthenticationFailures[accountId];
+    if (challenges == 0 || challenges > maximalAnswers)
+        return;
+    challenges = maximalAnswers + 1;
+    blockAccount(RequestManager::instance()->account(accountId));
+}
+
+void NetworkManager::blockAccount(EasAccount *account)
+{
+    qCWarning(easNetwork()) << "too many failed authentication attempts";
+    if (account)
+        account->credentialsNeedUpdate();
+}
+
+void NetworkManager::onAccountDeleted(EasAccountId accountId)
+{
+    const auto entry = mConnections.find(accountId);
+    if (entry != mConnections.end())
+        deleteNetworkManager(entry, true);
+    mAuthenticationFailures.remove(accountId);
+    mConnected.remove(accountId);
+}
+
+void NetworkManager::onNetworkStateChanged(QNetworkSession::State state)
+{
+    qCDebug(easNetwork()) << "New network session state:" << state;
+    auto entry = mConnections.begin();
+    while (entry != mConnections.end() && entry->second != sender())
+        ++entry;
+    if (entry == mConnections.end() || !sender())
+        return;
+    const EasAccountId accountId = entry.key();
+    const bool connected = state == QNetworkSession::Connected;
+    const bool wasConnected = mConnected.value(accountId);
+    mConnected[accountId] = connected;
+    if (state == QNetworkSession::Invalid || state == QNetworkSession::NotAvailable
+        || state == QNetworkSession::Disconnected) {
+        qCInfo(easNetwork()) << "Deleting connection for account:" << accountId;
+        deleteNetworkManager(entry, false);
+    }
+    if (connected || wasConnected)
+        Q_EMIT networkStateChanged(accountId, connected);
+}
+
+void NetworkManager::onOnlineStateChanged(bool isOnline)
+{
+    qCInfo(easNetwork()) << "Device is online:" << boolText(isOnline);
+    onCheckNetworkState();
+}
+
+void NetworkManager::onCheckNetworkState()
+{
+    qCDebug(easNetwork()) << "Checking connection state";
+    // Whoever hears of a state may ask for a session, which changes the map.
+    const QList<EasAccountId> accountIds = mConnections.keys();
+    for (const EasAccountId accountId : accountIds) {
+        const auto entry = mConnections.find(accountId);
+        if (entry == mConnections.end())
+            continue;
+        const bool connected = isConnected(entry->second);
+        const QNetworkSession::State state =
+            entry->second ? entry->second->state() : QNetworkSession::Invalid;
+        qCDebug(easNetwork()) << "Session state for account" << accountId << ", state" << state
+                              << "session connected:" << boolText(connected);
+        if (!connected) {
+            qCWarning(easNetwork()) << "No active network session!";
+            deleteNetworkManager(entry, false);
+        } else if (isOnline() && !(entry->first && entry->second)) {
+            deleteNetworkManager(entry, false);
+            *entry = createNetworkManager(accountId);
+            qCInfo(easNetwork()) << "New network manager created for account" << accountId;
+        }
+        mConnected[accountId] = connected;
+        Q_EMIT networkStateChanged(accountId, isOnline());
+    }
+}
+
+QNetworkReply *NetworkManager::watched(EasAccountId accountId, QNetworkReply *reply)
+{
+    connect(reply, &QNetworkReply::finished, this,
+        [this, accountId, reply] { onReplyFinished(accountId, reply); });
+    return reply;
+}
+
+QNetworkAccessManager *NetworkManager::networkManager(EasAccountId accountId)
+{
+    const auto entry = mConnections.find(accountId);
+    if (entry != mConnections.end() && entry->first && entry->second)
+        return entry->first;
+    if (!isOnline())
+        return nullptr;
+    if (entry != mConnections.end())
+        deleteNetworkManager(entry, true);
+    return mConnections.insert(accountId, createNetworkManager(accountId))->first;
+}
+
+QNetworkAccessManager *NetworkManager::managerForRequest(EasAccountId accountId)
+{
+    QNetworkAccessManager *manager = networkManager(accountId);
+    if (!manager)
+        qCCritical(easNetwork()) << "Network manager is null for account" << accountId;
+    else
+        mAuthenticationFailures[accountId] = 0;
+    return manager;
+}
+
+NetworkManager::Connection NetworkManager::createNetworkManager(EasAccountId accountId)
+{
+    const auto manager = new QNetworkAccessManager(this);
+    connect(manager, &QNetworkAccessManager::authenticationRequired, this,
+        &NetworkManager::onAuthenticationRequired, Qt::UniqueConnection);
+    const auto session = new QNetworkSession(mConfigurationManager.defaultConfiguration(), this);
+    connect(session, &QNetworkSession::stateChanged, this, &NetworkManager::onNetworkStateChanged,
+        Qt::UniqueConnection);
+    mConnected[accountId] = isConnected(session);
+    return Connection(manager, session);
+}
+
+void NetworkManager::deleteNetworkManager(Connections::iterator entry, bool removeEntry)
+{
+    dismiss(entry->first);
+    dismiss(entry->second);
+    if (removeEntry)
+        mConnections.erase(entry);
+}
