@@ -1,0 +1,201 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "simulator/collectionsync.h"
+
+#include "simulator/protocolversion.h"
+#include "simulator/syncuploads.h"
+
+#include <algorithm>
+
+namespace Simulator {
+namespace {
+
+enum Status { Success = 1, UnknownKey = 3, ProtocolError = 4, FolderGone = 12 };
+
+bool isFiltered(const ItemPtr &item, const QDateTime &start)
+{
+    return start.isValid() && item->date().isValid() && item->date() < start;
+}
+
+} // namespace
+
+QString itemClassOf(int folderType)
+{
+    switch (folderType) {
+    case TasksFolder:
+    case 15:
+        return QStringLiteral("Tasks");
+    case CalendarFolder:
+    case 13:
+        return QStringLiteral("Calendar");
+    case ContactsFolder:
+    case 14:
+        return QStringLiteral("Contacts");
+    case 10:
+    case 17:
+        return QStringLiteral("Notes");
+    default:
+        return QStringLiteral("Email");
+    }
+}
+
+CollectionSync::CollectionSync(const CommandContext &context, const WbxmlNode &request, int window)
+    : mContext(context)
+    , mRequest(request)
+    , mId(request.text(QStringLiteral("CollectionId")))
+    , mFolder(context.mailbox.folder(mId))
+    , mWindow(window)
+{
+}
+
+WbxmlNode CollectionSync::run()
+{
+    const QString key = mRequest.text(QStringLiteral("SyncKey"));
+    if (mContext.answer.mCollectionStatus.applies(mId))
+        return statusReply(mContext.answer.mCollectionStatus.value, key);
+    if (key.isEmpty())
+        return statusReply(ProtocolError, key);
+    if (mFolder.id.isEmpty())
+        return statusReply(FolderGone, key);
+    CollectionState &state = mContext.device.collections[mId];
+    if (key == QLatin1String("0"))
+        return startAfresh(state);
+    if (key == state.key)
+        return proceed(state, key);
+    if (key != state.previousKey)
+        return statusReply(UnknownKey, QStringLiteral("0"));
+    if (mRequest == state.lastRequest)
+        return state.lastReply;
+    // The client lost the last answer and now asks for something else: back to what it knew.
+    state.known = state.knownBefore;
+    return proceed(state, key);
+}
+
+WbxmlNode CollectionSync::statusReply(int status, const QString &key) const
+{
+    WbxmlNode reply(QStringLiteral("AirSync:Collection"));
+    if (mContext.version() <= Version121)
+        reply.append(QStringLiteral("Class"), itemClassOf(mFolder.type));
+    reply.append(QStringLiteral("SyncKey"), key);
+    reply.append(QStringLiteral("CollectionId"), mId);
+    reply.append(QStringLiteral("Status"), status);
+    return reply;
+}
+
+WbxmlNode CollectionSync::startAfresh(CollectionState &state)
+{
+    state = CollectionState();
+    state.options = SyncOptions::fromNode(mRequest.at(QStringLiteral("Options")));
+    state.key = mContext.nextKey();
+    return statusReply(Success, state.key);
+}
+
+WbxmlNode CollectionSync::proceed(CollectionState &state, const QString &key)
+{
+    if (mRequest.has(QStringLiteral("Options")))
+        state.options = SyncOptions::fromNode(mRequest.at(QStringLiteral("Options")));
+    const KnownItems before = state.known;
+    SyncUploads uploads(mContext, mFolder, state, mRequest);
+    const QVector<WbxmlNode> responses = uploads.run();
+    bool more = false;
+    const QVector<WbxmlNode> commands = wantsChanges() ? changes(state, &more) : QVector<WbxmlNode>();
+    mChangeCount = commands.size();
+    mIsSilent = responses.isEmpty() && commands.isEmpty() && uploads.count() == 0 && key == state.key;
+    if (mIsSilent)
+        return statusReply(Success, key);
+
+    state.previousKey = key;
+    state.knownBefore = before;
+    state.lastDeletes = uploads.deleted();
+    state.key = mContext.nextKey();
+    WbxmlNode reply = statusReply(Success, state.key);
+    if (more)
+        reply.append(QStringLiteral("MoreAvailable"));
+    if (!responses.isEmpty())
+        reply.append(WbxmlNode(QStringLiteral("AirSync:Responses"), responses));
+    if (!commands.isEmpty())
+        reply.append(WbxmlNode(QStringLiteral("AirSync:Commands"), commands));
+    state.lastRequest = mRequest;
+    state.lastReply = reply;
+    return reply;
+}
+
+bool CollectionSync::wantsChanges() const
+{
+    return mRequest.text(QStringLiteral("GetChanges")) != QLatin1String("0");
+}
+
+WbxmlNode CollectionSync::itemNode(
+    const QString &element, const ItemEntry &entry, const QVector<WbxmlNode> &fields) const
+{
+    WbxmlNode node(element);
+    node.append(QStringLiteral("ServerId"), entry.serverId);
+    node.append(WbxmlNode(QStringLiteral("AirSync:ApplicationData"), fields));
+    return node;
+}
+
+QVector<WbxmlNode> CollectionSync::changes(CollectionState &state, bool *more)
+{
+    const QDateTime start = state.options.filterStart(QDateTime::currentDateTimeUtc());
+    QVector<ItemEntry> added;
+    QVector<ItemEntry> changed;
+    QVector<QString> filtered;
+    QSet<QString> present;
+    const QVector<ItemEntry> entries = mContext.mailbox.items(mId);
+    for (const ItemEntry &entry : entries) {
+        const auto known = state.known.constFind(entry.serverId);
+        present.insert(entry.serverId);
+        if (known == state.known.constEnd()) {
+            if (!isFiltered(entry.item, start))
+                added.append(entry);
+        } else if (isFiltered(entry.item, start)) {
+            filtered.append(entry.serverId);
+        } else if (*known != entry.item->state()) {
+            changed.append(entry);
+        }
+    }
+    QVector<QString> deleted;
+    for (auto known = state.known.constBegin(); known != state.known.constEnd(); ++known) {
+        if (!present.contains(known.key()))
+            deleted.append(known.key());
+    }
+    std::sort(deleted.begin(), deleted.end());
+
+    QVector<WbxmlNode> commands;
+    const auto removeFrom = [&](const QVector<QString> &ids, const QString &element) {
+        for (const QString &id : ids) {
+            if (commands.size() == mWindow)
+                return;
+            WbxmlNode node(element);
+            node.append(QStringLiteral("ServerId"), id);
+            commands.append(node);
+            state.known.remove(id);
+        }
+    };
+    removeFrom(deleted, QStringLiteral("AirSync:Delete"));
+    removeFrom(filtered, QStringLiteral("AirSync:SoftDelete"));
+    ItemShape shape { mContext.version(), QString(), mFolder.type == DraftsFolder, state.options, nullptr };
+    for (const ItemEntry &entry : qAsConst(changed)) {
+        if (commands.size() == mWindow)
+            break;
+        shape.serverId = entry.serverId;
+        const QVector<WbxmlNode> fields =
+            entry.item->changedElements(state.known.value(entry.serverId), shape);
+        state.known.insert(entry.serverId, entry.item->state());
+        // A change that this version cannot express.
+        if (!fields.isEmpty())
+            commands.append(itemNode(QStringLiteral("AirSync:Change"), entry, fields));
+    }
+    const int room = std::min(mWindow - commands.size(), added.size());
+    std::partial_sort(added.begin(), added.begin() + room, added.end(),
+        [](const ItemEntry &one, const ItemEntry &other) { return one.item->date() > other.item->date(); });
+    for (int i = 0; i < room; ++i) {
+        const ItemEntry &entry = added.at(i);
+        shape.serverId = entry.serverId;
+        commands.append(itemNode(QStringLiteral("AirSync:Add"), entry, entry.item->elements(shape)));
+        state.known.insert(entry.serverId, entry.item->state());
+    }
+    *more = deleted.size() + filtered.size() + changed.size() + added.size() > commands.size();
+    return commands;
+}
+
+} // namespace Simulator

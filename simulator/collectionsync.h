@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include "simulator/command.h"
+
+namespace Simulator {
+
+/** Class of the items in a folder of that type: "Email", "Calendar", "Contacts", "Tasks", "Notes". */
+QString itemClassOf(int folderType);
+
+/** One collection of one Sync request. */
+class CollectionSync
+{
+public:
+    /** @p window is the most that the reply may bring. */
+    CollectionSync(const CommandContext &context, const WbxmlNode &request, int window);
+
+    WbxmlNode run();
+    /** Adds, changes and deletes in the reply. */
+    int changeCount() const { return mChangeCount; }
+    /** Whether the reply tells the client anything that it does not know. */
+    bool isSilent() const { return mIsSilent; }
+
+private:
+    WbxmlNode statusReply(int status, const QString &key) const;
+    WbxmlNode startAfresh(CollectionState &state);
+    WbxmlNode proceed(CollectionState &state, const QString &key);
+    bool wantsChanges() const;
+    QVector<WbxmlNode> changes(CollectionState &state, bool *more);
+    WbxmlNode itemNode(
+        const QString &element, const ItemEntry &entry, const QVector<WbxmlNode> &fields) const;
+
+    const CommandContext &mContext;
+    const WbxmlNode mRequest;
+    const QString mId;
+    const MailFolder mFolder;
+    const int mWindow;
+    int mChangeCount = 0;
+    bool mIsSilent = false;
+};
+
+} // namespace Simulator

@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "simulator/command.h"
+
+#include "simulator/protocolversion.h"
+
+namespace Simulator {
+
+const QVector<CommandEntry> &commandTable()
+{
+    static const QVector<CommandEntry> table {
+        { "Sync", handleSync, "AirSync:Sync", Version161 },
+        { "GetAttachment", handleGetAttachment, nullptr, Version121 },
+        { "FolderSync", handleFolderSync, "FolderHierarchy:FolderSync", Version161 },
+        { "MoveItems", handleMoveItems, "Move:MoveItems", Version161 },
+        { "ItemOperations", handleItemOperations, "ItemOperations:ItemOperations", Version161 },
+    };
+    return table;
+}
+
+} // namespace Simulator

@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include "simulator/devicestate.h"
+#include "simulator/override.h"
+
+#include <QStringList>
+
+namespace Simulator {
+
+struct ServerSettings
+{
+    QVector<int> versions;
+    QStringList commands;
+    int windowSize = 100;
+    bool reportStaleHierarchy = false;
+    bool emptyReplies = true;
+};
+
+/** What the handler of a command works with; everything stands still while it runs. */
+struct CommandContext
+{
+    const RecordedRequest &request;
+    const ServerSettings &settings;
+    const Override &answer; ///< statuses to give in place of the own ones
+    Mailbox &mailbox;
+    DeviceState &device;
+    int &lastKey; ///< counts over the whole server, so that no key ever comes twice
+    QStringList &failures; ///< what the client did against the protocol
+
+    QString nextKey() const { return QString::number(++lastKey); }
+    int version() const { return request.version; }
+};
+
+struct CommandReply
+{
+    int httpStatus = 200;
+    WbxmlNode document;
+    bool isMultipart = false;
+    QVector<QByteArray> parts; ///< follow the document in a multipart reply
+    QByteArray contentType; ///< with @ref body, in place of a document
+    QByteArray body;
+
+    static CommandReply of(const WbxmlNode &document)
+    {
+        CommandReply reply;
+        reply.document = document;
+        return reply;
+    }
+};
+
+using CommandHandler = CommandReply (*)(const CommandContext &);
+
+CommandReply handleFolderSync(const CommandContext &context);
+CommandReply handleSync(const CommandContext &context);
+CommandReply handleMoveItems(const CommandContext &context);
+CommandReply handleItemOperations(const CommandContext &context);
+CommandReply handleGetAttachment(const CommandContext &context);
+
+/** The commands in the order in which OPTIONS names them. */
+struct CommandEntry
+{
+    const char *name;
+    CommandHandler handler;
+    const char *root; ///< of a reply that says a status and nothing more
+    int lastVersion; ///< the command is gone after this version
+};
+const QVector<CommandEntry> &commandTable();
+
+} // namespace Simulator

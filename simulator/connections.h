@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+namespace Simulator {
+
+/**
+ * Shuts down connections that this process accepted on @p localPort, all of them or that of one peer.
+ *
+ * The HTTP library has no call for it: it always answers, and it waits for idle connections when it stops.
+ */
+void shutDownConnections(int localPort, int peerPort = -1);
+
+/** Lets a server listen again on the port it just left. */
+void allowReuse(int socket);
+
+} // namespace Simulator

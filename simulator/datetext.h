@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <QDateTime>
+
+namespace Simulator {
+
+/** Times in the forms of the protocol. */
+namespace DateText {
+
+/** "2024-05-02T09:30:00.000Z" */
+QString withDashes(const QDateTime &time);
+/** Hundreds of nanoseconds since 1601, eight bytes, the highest first. */
+QByteArray fileTime(const QDateTime &time);
+
+} // namespace DateText
+} // namespace Simulator

@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include "simulator/command.h"
+#include "simulator/httpfrontend.h"
+#include "simulator/script.h"
+
+#include <QMutex>
+
+#include <map>
+
+namespace Simulator {
+
+/**
+ * From an HTTP request to its reply: authentication, version, script, command.
+ *
+ * Owns the users with their mailboxes and devices. Requests are worked on one after the other, whatever
+ * thread they come in; waiting for a delayed answer happens outside, in HttpFrontend.
+ */
+class Dispatcher
+{
+public:
+    explicit Dispatcher(Script &script);
+
+    /** Called in the thread of the request, set before the first one. */
+    std::function<void(const RecordedRequest &)> onReceived;
+    std::function<void(const RecordedRequest &)> onReplied;
+
+    HttpReply answer(const HttpRequest &request);
+
+    Mailbox &addUser(const QString &name, const QString &password);
+    void setPassword(const QString &name, const QString &password);
+    Mailbox &mailbox(const QString &name);
+    void changeSettings(const std::function<void(ServerSettings &)> &change);
+    void forgetDevices();
+
+private:
+    struct User
+    {
+        QString password;
+        Mailbox mailbox;
+        std::map<QString, DeviceState> devices;
+    };
+
+    RecordedRequest read(const HttpRequest &request);
+    HttpReply decide(RecordedRequest &record, const Override &answer);
+    HttpReply runCommand(RecordedRequest &record, const Override &answer);
+    HttpReply optionsReply() const;
+    User *authenticated(const RecordedRequest &record);
+
+    Script &mScript;
+    QMutex mMutex;
+    std::map<QString, std::unique_ptr<User>> mUsers;
+    QString mFirstUser;
+    bool mHasOwnUsers = false;
+    ServerSettings mSettings;
+    int mLastNumber = 0;
+    int mLastKey = 0;
+};
+
+} // namespace Simulator

@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include "simulator/wbxmlnode.h"
+
+#include <QDateTime>
+#include <QMap>
+
+#include <memory>
+
+namespace Simulator {
+
+struct ItemShape;
+
+/** An attachment as a fetch by file reference gives it. */
+struct ItemAttachment
+{
+    QString name;
+    QByteArray contentType;
+    QByteArray bytes;
+    QString contentId;
+    bool isInline = false;
+    bool isMessage = false; ///< a whole message as attachment
+};
+
+/** What can change in an item, field by field, so that a device can be told what changed since it last
+ * looked. */
+using ItemState = QMap<QString, QByteArray>;
+
+class Item;
+using ItemPtr = std::shared_ptr<const Item>;
+
+/**
+ * One thing in a folder: a message, later an event or a contact.
+ *
+ * Items are immutable and shared between threads; a change makes a new item. Elements are given in the shape
+ * of one protocol version.
+ */
+class Item
+{
+public:
+    virtual ~Item() = default;
+
+    /** "Email", "Calendar", "Contacts", as in the element Class. */
+    virtual QString className() const = 0;
+    /** What FilterType goes by; an invalid date is never filtered. */
+    virtual QDateTime date() const = 0;
+    virtual ItemState state() const = 0;
+    /** All elements of ApplicationData or Properties. */
+    virtual QVector<WbxmlNode> elements(const ItemShape &shape) const = 0;
+    /** The elements that differ from what the device knows. */
+    virtual QVector<WbxmlNode> changedElements(const ItemState &known, const ItemShape &shape) const = 0;
+    /** The item with the fields that a client sent; null if they do not fit. */
+    virtual ItemPtr withChanges(const WbxmlNode &applicationData) const = 0;
+    virtual QVector<ItemAttachment> attachments() const { return {}; }
+};
+
+} // namespace Simulator

@@ -1,0 +1,195 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "simulator/syncuploads.h"
+
+#include "simulator/collectionsync.h"
+#include "simulator/email.h"
+#include "simulator/nodeitem.h"
+#include "simulator/protocolversion.h"
+
+#include <algorithm>
+
+namespace Simulator {
+namespace {
+
+enum Status { Success = 1, BadItem = 6, Conflict = 7, NotFound = 8 };
+enum Policy { ClientWins = 0 };
+
+/** Fields that the change sets and that someone else has set otherwise since the device last looked. */
+bool isInConflict(const ItemState &known, const ItemState &now, const ItemState &wanted)
+{
+    return std::any_of(now.keyBegin(), now.keyEnd(), [&](const QString &field) {
+        return wanted.value(field) != now.value(field) && known.value(field) != now.value(field);
+    });
+}
+
+/** Of a message that is no draft a client may change the marks alone. */
+bool changesMarksAlone(const WbxmlNode &data)
+{
+    static const QStringList marks { QStringLiteral("Email:Read"), QStringLiteral("Email:Flag"),
+        QStringLiteral("Email:Categories") };
+    return std::all_of(data.children().begin(), data.children().end(),
+        [](const WbxmlNode &field) { return marks.contains(field.name()); });
+}
+
+} // namespace
+
+SyncUploads::SyncUploads(const CommandContext &context, const MailFolder &folder, CollectionState &state,
+    const WbxmlNode &collection)
+    : mContext(context)
+    , mFolder(folder)
+    , mState(state)
+    , mCollection(collection)
+{
+}
+
+QVector<WbxmlNode> SyncUploads::run()
+{
+    QVector<WbxmlNode> responses;
+    const WbxmlNode commands = mCollection.at(QStringLiteral("Commands"));
+    for (const WbxmlNode &command : commands.children()) {
+        ++mCount;
+        WbxmlNode response;
+        if (command.tag() == QLatin1String("Add"))
+            response = add(command);
+        else if (command.tag() == QLatin1String("Change"))
+            response = change(command);
+        else if (command.tag() == QLatin1String("Delete"))
+            response = remove(command);
+        else if (command.tag() == QLatin1String("Fetch"))
+            response = fetch(command);
+        if (!response.isNull())
+            responses.append(response);
+    }
+    return responses;
+}
+
+int SyncUploads::forcedStatus(const QString &id) const
+{
+    const Override::Status &forced = mContext.answer.mItemStatus;
+    return forced.applies(id) ? forced.value : 0;
+}
+
+WbxmlNode SyncUploads::failure(const QString &element, const QString &serverId, int status) const
+{
+    WbxmlNode node(element);
+    node.append(QStringLiteral("ServerId"), serverId);
+    node.append(QStringLiteral("Status"), status);
+    return node;
+}
+
+ItemPtr SyncUploads::newItem(const WbxmlNode &data) const
+{
+    const QString className = itemClassOf(mFolder.type);
+    if (className != QLatin1String("Email"))
+        return std::make_shared<NodeItem>(className, data.children());
+    const bool isDraft = mFolder.type == DraftsFolder && mContext.version() >= Version160;
+    return isDraft ? Email::fromElements(data) : nullptr;
+}
+
+WbxmlNode SyncUploads::add(const WbxmlNode &command)
+{
+    const QString clientId = command.text(QStringLiteral("ClientId"));
+    int status = forcedStatus(clientId);
+    QString serverId = mState.added.value(clientId);
+    if (status == 0 && serverId.isEmpty()) {
+        const ItemPtr item = newItem(command.at(QStringLiteral("ApplicationData")));
+        serverId = mContext.mailbox.addItem(mFolder.id, item);
+        if (item)
+            mState.added.insert(clientId, serverId);
+        else
+            status = BadItem;
+    }
+    if (status == 0) {
+        // Also for one that came before: the client may have lost the answer.
+        if (const ItemPtr item = mContext.mailbox.item(serverId))
+            mState.known.insert(serverId, item->state());
+        status = Success;
+    }
+    WbxmlNode node(QStringLiteral("AirSync:Add"));
+    node.append(QStringLiteral("ClientId"), clientId);
+    if (status == Success)
+        node.append(QStringLiteral("ServerId"), serverId);
+    node.append(QStringLiteral("Status"), status);
+    return node;
+}
+
+WbxmlNode SyncUploads::change(const WbxmlNode &command)
+{
+    const QString serverId = command.text(QStringLiteral("ServerId"));
+    const int forced = forcedStatus(serverId);
+    const int status = forced ? forced : applyChange(serverId, command.at(QStringLiteral("ApplicationData")));
+    return status == Success ? WbxmlNode() : failure(QStringLiteral("AirSync:Change"), serverId, status);
+}
+
+int SyncUploads::applyChange(const QString &serverId, const WbxmlNode &data)
+{
+    const ItemPtr item = mContext.mailbox.item(serverId);
+    const bool isHere = item && serverId.section(QLatin1Char(':'), 0, 0) == mFolder.id;
+    if (!isHere || !mState.known.contains(serverId))
+        return NotFound;
+    const bool isDraft = mFolder.type == DraftsFolder && mContext.version() >= Version160;
+    if (item->className() == QLatin1String("Email") && !isDraft && !changesMarksAlone(data))
+        return BadItem;
+    const ItemPtr changed = item->withChanges(data);
+    if (!changed)
+        return BadItem;
+    ItemState &known = mState.known[serverId];
+    const ItemState now = item->state();
+    const ItemState wanted = changed->state();
+    if (mState.options.conflict != ClientWins && isInConflict(known, now, wanted))
+        return Conflict;
+    for (auto field = wanted.begin(); field != wanted.end(); ++field) {
+        if (now.value(field.key()) != field.value())
+            known.insert(field.key(), field.value());
+    }
+    // With nothing left to tell, the device shares the item's own map.
+    if (known == wanted)
+        known = wanted;
+    mContext.mailbox.replaceItem(serverId, changed);
+    return Success;
+}
+
+WbxmlNode SyncUploads::remove(const WbxmlNode &command)
+{
+    const QString serverId = command.text(QStringLiteral("ServerId"));
+    const int forced = forcedStatus(serverId);
+    const int status = forced ? forced : applyDelete(serverId);
+    return status == Success ? WbxmlNode() : failure(QStringLiteral("AirSync:Delete"), serverId, status);
+}
+
+int SyncUploads::applyDelete(const QString &serverId)
+{
+    if (mState.lastDeletes.contains(serverId)) {
+        // The client lost the answer to its delete and repeats it.
+        mState.known.remove(serverId);
+        mDeleted.insert(serverId);
+        return Success;
+    }
+    if (serverId.section(QLatin1Char(':'), 0, 0) != mFolder.id || !mContext.mailbox.item(serverId))
+        return NotFound;
+    const QString bin = mContext.mailbox.folderOfType(DeletedItemsFolder).id;
+    const bool asMove = mCollection.text(QStringLiteral("DeletesAsMoves")) != QLatin1String("0");
+    if (asMove && !bin.isEmpty() && bin != mFolder.id)
+        mContext.mailbox.move(serverId, bin);
+    else
+        mContext.mailbox.remove(serverId);
+    mState.known.remove(serverId);
+    mDeleted.insert(serverId);
+    return Success;
+}
+
+WbxmlNode SyncUploads::fetch(const WbxmlNode &command)
+{
+    const QString serverId = command.text(QStringLiteral("ServerId"));
+    const int forced = forcedStatus(serverId);
+    const ItemPtr item = mContext.mailbox.item(serverId);
+    if (forced || !item)
+        return failure(QStringLiteral("AirSync:Fetch"), serverId, forced ? forced : NotFound);
+    const ItemShape shape { mContext.version(), serverId, mFolder.type == DraftsFolder, mState.options,
+        nullptr };
+    WbxmlNode node = failure(QStringLiteral("AirSync:Fetch"), serverId, Success);
+    node.append(WbxmlNode(QStringLiteral("AirSync:ApplicationData"), item->elements(shape)));
+    return node;
+}
+
+} // namespace Simulator
