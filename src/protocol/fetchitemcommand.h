@@ -70,6 +70,8 @@ private:
     void encodeFileReference(WbxmlEncoder &encoder) const;
     bool encodeMessages(EasAccount &account, WbxmlEncoder &encoder) const;
     bool processParts(const QByteArray &data);
+    struct Multipart;
+    bool processPair(Multipart &reply, int index, bool isLast, bool *found);
 
     int mRangeStart = -1;
     int mRangeEnd = -1;

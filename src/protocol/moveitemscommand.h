@@ -20,9 +20,6 @@ public:
     void clearMoveItems() { mMoveItems.clear(); }
     QList<MoveItemsResponse> moveItemsResponses() const { return mMoveItemsResponses; }
 
-    /** Refuses to begin without messages. */
-    void start() override;
-
 protected:
     QString commandName() const override;
     ExchangeTexts texts() const override;

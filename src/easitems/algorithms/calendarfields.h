@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include "easitems/algorithms/fieldtable.h"
+#include "easitems/eascalendaritem.h"
+
+/** The fields of an event and of what is nested in it. */
+namespace CalendarFields {
+
+/** What a series and its exceptions both have. */
+const FieldTable<EasCalendarItem> &itemFields();
+/** What only the event as a whole has. */
+const FieldTable<EasCalendarItem> &seriesFields();
+/** What only an exception has. */
+const FieldTable<EasCalendarItem> &exceptionFields();
+const FieldTable<EasBodyContainer> &bodyFields();
+const FieldTable<EasRecurrenceContainer> &recurrenceFields();
+const FieldTable<EasAttendeeContainer> &attendeeFields();
+const FieldTable<EasAttachmentContainer> &attachmentFields();
+
+} // namespace CalendarFields

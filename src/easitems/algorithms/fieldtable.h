@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include "application/logging.h"
+#include "easitems/algorithms/field.h"
+
+#include <QDebug>
+#include <QHash>
+#include <QVector>
+
+#include <initializer_list>
+
+/** What became of one text of a reply. */
+enum class FieldResult {
+    /** The table has no such field. */
+    Unknown,
+    /** The text does not convert; this has been logged and the item is as it was. */
+    Refused,
+    Stored
+};
+
+/**
+ * All fields of an item class, in the order in which they are sent. Parsers go through it by element, the
+ * encoder of a request by order.
+ */
+template <class Item> class FieldTable
+{
+public:
+    FieldTable(std::initializer_list<Field<Item>> fields)
+        : mFields(fields)
+    {
+        for (int i = 0; i < mFields.size(); ++i) {
+            if (mFields.at(i).take) {
+                mIndexByTag.insert(mFields.at(i).tag.key(), i);
+            }
+        }
+    }
+
+    const QVector<Field<Item>> &fields() const { return mFields; }
+
+    bool receives(uint key) const { return mIndexByTag.contains(key); }
+
+    FieldResult take(Item &item, uint key, const QString &text, const QByteArray &raw) const
+    {
+        const int index = mIndexByTag.value(key, -1);
+        if (index < 0) {
+            return FieldResult::Unknown;
+        }
+        const Field<Item> &field = mFields.at(index);
+        if (field.take(item, text, raw)) {
+            return FieldResult::Stored;
+        }
+        qCWarning(eas()) << field.refusal << text;
+        return FieldResult::Refused;
+    }
+
+    void send(const Item &item, WbxmlEncoder &encoder, ExchangeActiveSync::ProtocolVersion version) const
+    {
+        for (const Field<Item> &field : mFields) {
+            field.send(item, encoder, version);
+        }
+    }
+
+private:
+    QVector<Field<Item>> mFields;
+    QHash<uint, int> mIndexByTag;
+};

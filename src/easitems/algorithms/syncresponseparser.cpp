@@ -1,0 +1,282 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "easitems/algorithms/syncresponseparser.h"
+
+#include "application/easdatabase.h"
+#include "application/logging.h"
+#include "protocol/wbxmltokens.h"
+
+#include <QDebug>
+
+using namespace Wbxml;
+
+SyncResponseParser::SyncResponseParser(QObject *parent)
+    : WbxmlParserBase(parent)
+{
+}
+
+bool SyncResponseParser::ready() const
+{
+    return WbxmlParserBase::ready() && mParsePhase == Done;
+}
+
+void SyncResponseParser::parse(const QByteArray &data)
+{
+    mStatus = 0;
+    mLimit = 0;
+    mCollections.clear();
+    mParsePhase = data.isEmpty() ? Done : BeforeRoot;
+    WbxmlParserBase::parse(data);
+}
+
+void SyncResponseParser::onStartElement(uint codePage, uint token)
+{
+    WbxmlParserBase::onStartElement(codePage, token);
+    if (codePage == AirSync::Sync.page) {
+        startAirSyncElement(token);
+    } else if (mInAppData) {
+        // An element may be all that an item has, such as the empty flag that takes a flag away, so that it
+        // tells the class already before any text does.
+        setAppDataType(codePage);
+        if (AppDataParserBase *const parser = appDataParser()) {
+            parser->onStartElement(codePage, token);
+        }
+    } else if (key(codePage, token) == ComposeMail::Status) {
+        // This is how a server answers a Sync that it cannot read.
+        mParsePhase = SyncLevel;
+    } else {
+        qCWarning(eas()) << "Unexpected element, page: " << codePage << ", token: " << token;
+    }
+}
+
+void SyncResponseParser::startAirSyncElement(uint token)
+{
+    switch (key(AirSync::Sync.page, token)) {
+    case AirSync::Sync:
+        mParsePhase = SyncLevel;
+        break;
+    case AirSync::Responses:
+        mParsePhase = InResponses;
+        break;
+    case AirSync::Add:
+        startCommand(AddKind);
+        break;
+    case AirSync::Change:
+        startCommand(ChangeKind);
+        break;
+    case AirSync::Delete:
+        startCommand(DeleteKind);
+        break;
+    case AirSync::Fetch:
+        startCommand(FetchKind);
+        break;
+    case AirSync::SoftDelete:
+        mCommandKind = SoftDeleteKind;
+        break;
+    case AirSync::Collection:
+        mCurrentCollection.clear();
+        mParsePhase = InCollection;
+        break;
+    case AirSync::MoreAvailable:
+        qCDebug(eas()) << "MORE_AVAILABLE";
+        mCurrentCollection.setMoreAvailable(true);
+        break;
+    case AirSync::ApplicationData:
+        mInAppData = true;
+        mTypeLookedUp = false;
+        mBodyContainer.clear();
+        break;
+    default:
+        break;
+    }
+}
+
+void SyncResponseParser::startCommand(CommandKind kind)
+{
+    mCommandKind = kind;
+    mEmailParser.setChangeItem(kind == ChangeKind);
+}
+
+void SyncResponseParser::onEndElement(uint codePage, uint token)
+{
+    if (codePage == AirSync::Sync.page) {
+        endAirSyncElement(token);
+    } else if (mInAppData) {
+        if (AppDataParserBase *const parser = appDataParser()) {
+            parser->onEndElement(codePage, token);
+        }
+    } else if (key(codePage, token) == ComposeMail::Status) {
+        mParsePhase = Done;
+    } else {
+        qCWarning(eas()) << "Unhandled end element, page: " << codePage << ", token: " << token;
+    }
+    WbxmlParserBase::onEndElement(codePage, token);
+}
+
+void SyncResponseParser::endAirSyncElement(uint token)
+{
+    switch (key(AirSync::Sync.page, token)) {
+    case AirSync::Sync:
+        mParsePhase = Done;
+        break;
+    case AirSync::Responses:
+        // A collection may go on behind its responses.
+        mParsePhase = InCollection;
+        break;
+    case AirSync::Add:
+        endCommand(AddKind);
+        break;
+    case AirSync::Change:
+        endCommand(ChangeKind);
+        break;
+    case AirSync::Delete:
+        endCommand(DeleteKind);
+        break;
+    case AirSync::SoftDelete:
+        appendCurrentCmdToContainer();
+        break;
+    case AirSync::Collection:
+        mCollections.append(mCurrentCollection);
+        mCurrentCollection.clear();
+        mParsePhase = SyncLevel;
+        break;
+    case AirSync::ApplicationData:
+        appendCurrentCmdToContainer();
+        mInAppData = false;
+        mAppDataType = ItemsCommon::None;
+        break;
+    default:
+        break;
+    }
+}
+
+void SyncResponseParser::endCommand(CommandKind kind)
+{
+    if (mParsePhase != InResponses) {
+        if (kind == DeleteKind) {
+            appendCurrentCmdToContainer();
+        }
+        return;
+    }
+    switch (kind) {
+    case AddKind:
+        mCurrentCollection.appendAirSyncResponseAddedItem(mCurrentAdd);
+        mCurrentAdd.clear();
+        break;
+    case ChangeKind:
+        mCurrentCollection.appendAirSyncResponseChangedItem(mCurrentChange);
+        mCurrentChange.clear();
+        break;
+    case DeleteKind:
+        mCurrentCollection.appendAirSyncResponseDeletedItem(mCurrentDelete);
+        mCurrentDelete.clear();
+        break;
+    default:
+        break;
+    }
+}
+
+void SyncResponseParser::onContent(uint codePage, uint token, const QString &text, const QByteArray &raw)
+{
+    if (codePage == AirSync::Sync.page) {
+        airSyncContent(token, text);
+    } else if (mInAppData) {
+        parseAppData(codePage, token, text, raw);
+    } else if (key(codePage, token) == ComposeMail::Status) {
+        statusContent(text);
+    } else {
+        qCWarning(eas()) << "Unexpected page: " << codePage << ", token: " << token << ", content: " << text;
+    }
+}
+
+void SyncResponseParser::airSyncContent(uint token, const QString &text)
+{
+    switch (key(AirSync::Sync.page, token)) {
+    case AirSync::SyncKey:
+        qCDebug(eas()) << "SYNC_KEY = " << text;
+        mCurrentCollection.setSyncKey(text);
+        break;
+    case AirSync::ClientId:
+        if (mParsePhase == InResponses && mCommandKind == AddKind) {
+            qCDebug(eas()) << "CLIENT_ID " << text;
+            mCurrentAdd.setClientId(text);
+        }
+        break;
+    case AirSync::ServerId:
+        serverIdContent(text);
+        break;
+    case AirSync::Status:
+        statusContent(text);
+        break;
+    case AirSync::Class:
+        classContent(text);
+        break;
+    case AirSync::CollectionId:
+        qCDebug(eas()) << "COLLECTION_ID = " << text;
+        mCurrentCollection.setId(text);
+        break;
+    case AirSync::ApplicationData:
+        break;
+    case AirSync::Limit:
+        limitContent(text);
+        break;
+    default:
+        qCWarning(eas()) << "Unexpected content: " << text << ", codePage: " << AirSync::Sync.page
+                         << ", token: " << token;
+    }
+}
+
+void SyncResponseParser::serverIdContent(const QString &serverId)
+{
+    if (mParsePhase == InResponses && mCommandKind == AddKind) {
+        mCurrentAdd.setServerId(serverId);
+    } else if (mParsePhase == InResponses && mCommandKind == ChangeKind) {
+        mCurrentChange.setServerId(serverId);
+    } else if (mParsePhase == InResponses && mCommandKind == DeleteKind) {
+        mCurrentDelete.setServerId(serverId);
+    } else {
+        mCurrentServerId = serverId;
+    }
+}
+
+void SyncResponseParser::statusContent(const QString &text)
+{
+    uint status = 0;
+    if (!stringToUint(text, status)) {
+        qCWarning(eas()) << "Cannot convert to uint: " << text;
+        return;
+    }
+    if (mParsePhase == InCollection) {
+        mCurrentCollection.setStatus(status);
+    } else if (mParsePhase == SyncLevel) {
+        mStatus = status;
+    } else if (mParsePhase == InResponses && mCommandKind == AddKind) {
+        mCurrentAdd.setStatus(status);
+    } else if (mParsePhase == InResponses && mCommandKind == ChangeKind) {
+        mCurrentChange.setStatus(status);
+    } else if (mParsePhase == InResponses && mCommandKind == DeleteKind) {
+        mCurrentDelete.setStatus(status);
+    }
+}
+
+void SyncResponseParser::classContent(const QString &itemClass)
+{
+    if (mParsePhase == InCollection) {
+        qCDebug(eas()) << "CLASS = " << itemClass;
+        mCurrentCollection.setClass(itemClass);
+    } else if (mParsePhase == InResponses && mCommandKind == AddKind) {
+        qCDebug(eas()) << "CmdAdd CLASS = " << itemClass;
+        mCurrentAdd.setClass(itemClass);
+    } else if (mParsePhase == InResponses && mCommandKind == ChangeKind) {
+        qCDebug(eas()) << "CmdChange CLASS = " << itemClass;
+        mCurrentChange.setClass(itemClass);
+    }
+}
+
+void SyncResponseParser::limitContent(const QString &text)
+{
+    if (stringToInt(text, mLimit)) {
+        qCDebug(eas()) << "MORE_LIMIT = " << mLimit;
+    } else {
+        qCWarning(eas()) << "Cannot convert to int: " << text;
+    }
+}

@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include "easitems/algorithms/calendarappdataparser.h"
+#include "easitems/algorithms/contactsappdataparser.h"
+#include "easitems/algorithms/emailappdataparser.h"
+#include "easitems/algorithms/wbxmlparserbase.h"
+#include "easitems/itemscommon.h"
+#include "protocol/synccollection.h"
+
+/**
+ * Reads the reply of a Sync into collections with typed items.
+ *
+ * The reply does not always say of which class an item is. The code page of its first field tells, and where
+ * that is one which all classes use, the mapping database is asked. An empty reply is ready at once, with
+ * status 0 and no collections: nothing has changed.
+ */
+class SyncResponseParser : public WbxmlParserBase
+{
+    Q_OBJECT
+
+public:
+    explicit SyncResponseParser(QObject *parent = nullptr);
+
+    bool ready() const override;
+    void parse(const QByteArray &data) override;
+
+    /** Of the whole reply; collections and items have their own. */
+    uint status() const { return mStatus; }
+    /** The most collections, or the longest wait, that the server takes. */
+    int limit() const { return mLimit; }
+    QList<SyncCollection> collections() const { return mCollections; }
+
+    void onStartElement(uint codePage, uint token) override;
+    void onEndElement(uint codePage, uint token) override;
+    void onContent(uint codePage, uint token, const QString &text, const QByteArray &raw) override;
+
+private:
+    enum ParsePhase { BeforeRoot = 0, SyncLevel = 1, InCollection = 2, InResponses = 3, Done = 5 };
+    enum CommandKind {
+        NoKind = 0,
+        AddKind = 1,
+        ChangeKind = 2,
+        FetchKind = 3,
+        DeleteKind = 4,
+        SoftDeleteKind = 5
+    };
+
+    void startAirSyncElement(uint token);
+    void endAirSyncElement(uint token);
+    void startCommand(CommandKind kind);
+    void endCommand(CommandKind kind);
+    void airSyncContent(uint token, const QString &text);
+    void serverIdContent(const QString &serverId);
+    void statusContent(const QString &text);
+    void classContent(const QString &itemClass);
+    void limitContent(const QString &text);
+
+    void parseAppData(uint page, uint token, const QString &text, const QByteArray &raw);
+    void parseBodyFields(uint page, uint token, const QString &text);
+    bool setAppDataType(uint page);
+    AppDataParserBase *appDataParser();
+    QString itemServerId() const;
+    void appendCurrentCmdToContainer();
+    template <class Item> using AppendItem = void (SyncCollection::*)(const Item &, const QString &);
+    template <class Parser, class Item>
+    void appendItem(Parser &parser, Item item, AppendItem<Item> added, AppendItem<Item> changed,
+        AppendItem<Item> fetched);
+
+    ParsePhase mParsePhase = BeforeRoot;
+    CommandKind mCommandKind = NoKind;
+    ItemsCommon::ItemDataType mAppDataType = ItemsCommon::None;
+    bool mTypeLookedUp = false;
+    uint mStatus = 0;
+    int mLimit = 0;
+    bool mInAppData = false;
+    QString mCurrentServerId;
+    QList<SyncCollection> mCollections;
+    SyncCollection mCurrentCollection;
+    AirSyncResponseDeleteItem mCurrentDelete;
+    AirSyncResponseChangeItem mCurrentChange;
+    AirSyncResponseAddItem mCurrentAdd;
+    EasBodyContainer mBodyContainer;
+    EmailAppDataParser mEmailParser;
+    CalendarAppDataParser mCalendarParser;
+    ContactsAppDataParser mContactsParser;
+};

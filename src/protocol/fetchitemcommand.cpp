@@ -1,0 +1,165 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "protocol/fetchitemcommand.h"
+
+#include "application/easaccount.h"
+#include "application/easdatabase.h"
+#include "application/logging.h"
+#include "easitems/algorithms/itemoperationsresponseparser.h"
+#include "protocol/protocolutils.h"
+#include "protocol/wbxmlencoder.h"
+#include "storages/mailstorage.h"
+
+#include <QDebug>
+#include <QNetworkRequest>
+
+using namespace Wbxml;
+
+FetchItemCommand::FetchItemCommand(EasAccountId accountId, QObject *parent)
+    : BaseProtocolCommand(accountId, parent)
+{
+}
+
+void FetchItemCommand::setRange(int rangeStart, int rangeEnd)
+{
+    mRangeStart = rangeStart;
+    mRangeEnd = rangeEnd;
+}
+
+QString FetchItemCommand::rangeString() const
+{
+    if (mRangeStart < 0 || mRangeStart > mRangeEnd) {
+        return {};
+    }
+    return QStringLiteral("%1-%2").arg(mRangeStart).arg(mRangeEnd);
+}
+
+void FetchItemCommand::setLocalIds(const QList<quint64> &localIds)
+{
+    mLocalIds = localIds;
+    mLocalIdsByLongId.clear();
+    EasAccount *const commandAccount = account();
+    const QSharedPointer<MailStorage> storage =
+        commandAccount ? commandAccount->mailStorage() : QSharedPointer<MailStorage>();
+    if (!storage) {
+        return;
+    }
+    for (const quint64 localId : localIds) {
+        mLocalIdsByLongId.insert(storage->serverUidFromMessageId(localId), localId);
+    }
+}
+
+quint64 FetchItemCommand::getLocalIdByLongId(const QString &longId) const
+{
+    return mLocalIdsByLongId.value(longId, 0);
+}
+
+QString FetchItemCommand::commandName() const
+{
+    return ProtocolUtils::CommandItemOperations;
+}
+
+BaseProtocolCommand::ExchangeTexts FetchItemCommand::texts() const
+{
+    return { "Sending fetch item command via POST:", "Received fetch item command reply:", nullptr };
+}
+
+void FetchItemCommand::prepareRequest(QNetworkRequest &request)
+{
+    request.setRawHeader(ProtocolUtils::HeaderConnection, ProtocolUtils::KeepAlive);
+    if (mAcceptMultipart) {
+        request.setRawHeader(
+            ProtocolUtils::HeaderAsAcceptMultiPart, QString(ProtocolUtils::TrueValue).toLatin1());
+    }
+}
+
+bool FetchItemCommand::encodeBody(EasAccount &account, QByteArray *body)
+{
+    if (account.protocolVersion() < ExchangeActiveSync::ProtocolVersion120) {
+        qCWarning(eas()) << "Fetch is not supported on protocols < 12.0";
+        return false;
+    }
+    WbxmlEncoder encoder;
+    encoder.appendElement(ItemOperations::ItemOperations, true);
+    if (!mFileReference.isEmpty()) {
+        encodeFileReference(encoder);
+    } else if (!encodeMessages(account, encoder)) {
+        return false;
+    }
+    *body = encoder.encoded();
+    return true;
+}
+
+void FetchItemCommand::encodeFileReference(WbxmlEncoder &encoder) const
+{
+    encoder.appendElement(ItemOperations::Fetch, true);
+    encoder.appendTextElement(ItemOperations::Store, mStore);
+    encoder.appendTextElement(AirSyncBase::FileReference, mFileReference);
+    if (!rangeString().isEmpty()) {
+        encoder.appendElement(ItemOperations::Options, true);
+        encoder.appendTextElement(ItemOperations::Range, rangeString());
+        encoder.setCurrentNodeToParent();
+    }
+    encoder.setCurrentNodeToParent();
+}
+
+bool FetchItemCommand::encodeMessages(EasAccount &account, WbxmlEncoder &encoder) const
+{
+    const QSharedPointer<MailStorage> storage = account.mailStorage();
+    if (!storage) {
+        qCWarning(eas()) << "MailStorage is null";
+        return false;
+    }
+    for (const quint64 localId : mLocalIds) {
+        const QString serverId = storage->serverUidFromMessageId(localId);
+        const QString collectionId =
+            EasDatabase::instance()->collectionServerIdFromEmailItemId(accountId(), serverId);
+        encoder.appendElement(ItemOperations::Fetch, true);
+        encoder.appendTextElement(ItemOperations::Store, mStore);
+        if (collectionId.isEmpty()) {
+            // In no folder that is known: a search result.
+            encoder.appendTextElement(Search::LongId, serverId);
+        } else {
+            encoder.appendTextElement(AirSync::CollectionId, collectionId);
+            encoder.appendTextElement(AirSync::ServerId, serverId);
+        }
+        encoder.appendElement(ItemOperations::Options, true);
+        encoder.appendIntElement(AirSync::MIMESupport, 1);
+        encoder.setCurrentNodeToParent();
+        encoder.setCurrentNodeToParent();
+    }
+    return true;
+}
+
+void FetchItemCommand::handleDownloadProgress(qint64 bytesReceived, qint64 bytesTotal)
+{
+    qCDebug(eas()) << "Download item:" << bytesReceived << bytesTotal;
+    Q_EMIT downloadProgress(bytesReceived, bytesTotal);
+}
+
+bool FetchItemCommand::parseReply(QNetworkReply *reply, const QByteArray &body)
+{
+    mFetchItems.clear();
+    mPartContentType.clear();
+    mPartData.clear();
+    mTotalSize = -1;
+    if (!mAcceptMultipart) {
+        return processSingleResponse(body);
+    }
+    const bool succeeded = processMultiPartResponse(reply, body);
+    qCDebug(eas()) << "Processed multi part response; succeeded?" << (succeeded ? "true" : "false");
+    return succeeded;
+}
+
+bool FetchItemCommand::processSingleResponse(const QByteArray &data)
+{
+    qCDebug(eas()) << "Treating response as a single response";
+    ItemOperationsResponseParser parser;
+    parser.parse(data);
+    if (!parser.ready()) {
+        qCWarning(eas()) << "Parser not ready, failed to parse response";
+        return false;
+    }
+    setStatus(parser.status());
+    mFetchItems = parser.fetchItems();
+    return true;
+}

@@ -1,0 +1,100 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "protocol/synccommandadd.h"
+
+#include "application/logging.h"
+#include "easitems/algorithms/contactsfields.h"
+#include "easitems/algorithms/emailfields.h"
+#include "protocol/protocolutils.h"
+#include "protocol/wbxmlencoder.h"
+
+#include <QDebug>
+
+using namespace Wbxml;
+
+namespace {
+
+template <class Item>
+void encodeApplicationData(const FieldTable<Item> &fields, const Item &item, WbxmlEncoder &encoder,
+    ExchangeActiveSync::ProtocolVersion version)
+{
+    encoder.appendElement(AirSync::ApplicationData, true);
+    fields.send(item, encoder, version);
+    encoder.setCurrentNodeToParent();
+}
+
+} // namespace
+
+SyncCommandAdd::SyncCommandAdd(QObject *parent)
+    : SyncCommandBase(parent)
+{
+}
+
+SyncCommandBase::Type SyncCommandAdd::type() const
+{
+    return AddCommand;
+}
+
+void SyncCommandAdd::encode(WbxmlEncoder &encoder, ExchangeActiveSync::ProtocolVersion version) const
+{
+    for (const EasEmailItem &item : mEmailItems) {
+        if (openItem(item, ProtocolUtils::ClassEmail, encoder, version)) {
+            encodeEmailItem(item, encoder, version);
+            encoder.setCurrentNodeToParent();
+        }
+    }
+    for (const EasCalendarItem &item : mCalendarItems) {
+        if (openItem(item, ProtocolUtils::ClassCalendar, encoder, version)) {
+            encodeCalendarItem(item, encoder, version);
+            encoder.setCurrentNodeToParent();
+        }
+    }
+    for (const EasContactsItem &item : mContactsItems) {
+        if (openItem(item, ProtocolUtils::ClassContacts, encoder, version)) {
+            encodeContactsItem(item, encoder, version);
+            encoder.setCurrentNodeToParent();
+        }
+    }
+}
+
+bool SyncCommandAdd::openItem(const EasGeneralItem &item, const QString &itemClass, WbxmlEncoder &encoder,
+    ExchangeActiveSync::ProtocolVersion version) const
+{
+    switch (type()) {
+    case ChangeCommand:
+        encoder.appendElement(AirSync::Change, true);
+        encoder.appendTextElement(AirSync::ServerId, item.serverId());
+        return true;
+    case AddCommand:
+        if (item.localId().isEmpty()) {
+            qCWarning(eas()) << "local id shouldn't be empty for Add command";
+            return false;
+        }
+        encoder.appendElement(AirSync::Add, true);
+        if (version >= ExchangeActiveSync::ProtocolVersion140) {
+            encoder.appendTextElement(AirSync::Class, itemClass);
+        }
+        encoder.appendTextElement(AirSync::ClientId, item.localId());
+        return true;
+    default:
+        qCWarning(eas()) << "Wrong command type";
+        return false;
+    }
+}
+
+void SyncCommandAdd::encodeEmailItem(
+    const EasEmailItem &item, WbxmlEncoder &encoder, ExchangeActiveSync::ProtocolVersion version) const
+{
+    encodeApplicationData(EmailFields::itemFields(), item, encoder, version);
+}
+
+void SyncCommandAdd::encodeContactsItem(
+    const EasContactsItem &item, WbxmlEncoder &encoder, ExchangeActiveSync::ProtocolVersion version) const
+{
+    encodeApplicationData(ContactsFields::itemFields(), item, encoder, version);
+}
+
+void SyncCommandAdd::encodeCalendarItem(
+    const EasCalendarItem &, WbxmlEncoder &, ExchangeActiveSync::ProtocolVersion) const
+{
+    qCCritical(eas()) << "No implementation";
+}
