@@ -59,8 +59,10 @@ WbxmlNode CollectionSync::run()
     CollectionState &state = mContext.device.collections[mId];
     if (key == QLatin1String("0"))
         return startAfresh(state);
-    if (key == state.key)
+    if (key == state.key) {
+        state.lastDeletes.clear(); // they arrived
         return proceed(state, key);
+    }
     if (key != state.previousKey)
         return statusReply(UnknownKey, QStringLiteral("0"));
     if (mRequest == state.lastRequest)

@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <QDir>
+#include <QString>
+
+/**
+ * The published schemas and tables are not part of the tree. They are looked for beside it, or where the
+ * environment variable FENNEL_PROTOCOL_SCHEMAS says.
+ */
+inline QDir protocolSchemas()
+{
+    const QString wanted = qEnvironmentVariable("FENNEL_PROTOCOL_SCHEMAS");
+    return QDir(wanted.isEmpty() ? QStringLiteral(FENNEL_SOURCE_DIR "/../shared/protocol/schemas") : wanted);
+}
+
+/** The token table beside the folder of the schemas. */
+inline QString publishedTokenTable()
+{
+    return protocolSchemas().filePath(QStringLiteral("../wbxml-codepages.tsv"));
+}
