@@ -77,6 +77,11 @@ void DatabaseFixture::release()
     EasDatabase::releaseInstance();
 }
 
+void DatabaseFixture::closeConnection()
+{
+    QSqlDatabase::database(QStringLiteral("fennel-eas-db"), false).close();
+}
+
 QString DatabaseFixture::folder() const
 {
     return QDir::homePath() + QLatin1Char('/') + QString::fromLatin1(mPath);

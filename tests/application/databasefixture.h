@@ -21,6 +21,8 @@ public:
     /** Releases EasDatabase and opens the file again, as a restart of the process does. */
     void reopen();
     void release();
+    /** Closes the connection of EasDatabase, which opens it again at the next use and sees the file anew. */
+    void closeConnection();
 
     QString file() const;
     QString folder() const;

@@ -170,15 +170,13 @@ private Q_SLOTS:
             QVERIFY(operation(EasDatabase::instance()));
             QStringList pieces { whenItRuns };
             if (!isPlain)
-                pieces << subject;
-            QVERIFY2(log.contains(QtCriticalMsg,
-                         pieces << "Error:"
-                                << "refused"),
-                qPrintable(log.texts().join('\n')));
+                pieces << subject << ". Error:";
+            QVERIFY2(log.contains(QtCriticalMsg, pieces << "refused"), qPrintable(log.texts().join('\n')));
         }
         QCOMPARE(mFixture->content(), before);
 
         mFixture->execute({ "DROP TABLE " + table });
+        mFixture->closeConnection();
         const LogCollector log;
         QVERIFY(operation(EasDatabase::instance()));
         QVERIFY2(log.contains(QtCriticalMsg, { whenItIsPrepared }), qPrintable(log.texts().join('\n')));
@@ -294,6 +292,7 @@ private Q_SLOTS:
         QFETCH(QString, whenItIsPrepared);
         fillTables();
         replaceByUnreadableView(table);
+        mFixture->closeConnection();
         {
             const LogCollector log;
             QVERIFY(operation(EasDatabase::instance()));
@@ -302,6 +301,7 @@ private Q_SLOTS:
                 qPrintable(log.texts().join('\n')));
         }
         mFixture->execute({ "DROP VIEW " + table });
+        mFixture->closeConnection();
         const LogCollector log;
         QVERIFY(operation(EasDatabase::instance()));
         QVERIFY(EasDatabase::instance()->lookupFailed());
