@@ -1,0 +1,107 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include "application/easaccount.h"
+#include "configurations/connectionaccountconfiguration.h"
+
+#include <functional>
+
+/** A connection that lives in memory. */
+class FakeConnection : public ConnectionAccountConfiguration
+{
+public:
+    explicit FakeConnection(EasAccountId id)
+        : ConnectionAccountConfiguration(id, nullptr)
+    {
+    }
+
+    bool acceptAllCertificates() const override { return acceptAll; }
+    bool secureConnection() const override { return secure; }
+    void setSecureConnection(bool value) override { secure = value; }
+    int portNumber() const override { return port; }
+    void setPortNumber(int value) override { port = value; }
+    QString serverAddress() const override { return address; }
+    void setServerAddress(const QString &value) override { address = value; }
+    QString domainName() const override { return domain; }
+    QString userCertificatePath() const override { return certificatePath; }
+
+    bool acceptAll = false;
+    bool secure = false;
+    int port = 0;
+    QString address = QStringLiteral("127.0.0.1");
+    QString domain;
+    QString certificatePath;
+};
+
+/** An account that lives in memory: everything that the platform would bind is a member to set. */
+class FakeAccount : public EasAccount
+{
+public:
+    explicit FakeAccount(EasAccountId id, QObject *parent = nullptr)
+        : EasAccount(id, parent)
+        , connection(new FakeConnection(id))
+    {
+    }
+
+    bool enabled() const override { return isEnabled; }
+    QString userName() const override { return user; }
+    QString password() const override { return secret; }
+    QString serverAddress() const override { return connection->address; }
+    int serverConflictPolicy() const override { return 1; }
+    QString sslCertificatePassword() const override { return certificateSecret; }
+    QSharedPointer<CalendarAccountConfiguration> calendarConfiguration() const override { return calendar; }
+    QSharedPointer<ContactsAccountConfiguration> contactsConfiguration() const override { return contacts; }
+    QSharedPointer<EmailAccountConfiguration> emailConfiguration() const override { return email; }
+    QSharedPointer<ScheduleAccountConfiguration> scheduleConfiguration() const override { return schedule; }
+    QSharedPointer<ConnectionAccountConfiguration> connectionConfiguration() const override
+    {
+        return connection;
+    }
+    QSharedPointer<MailStorage> mailStorage() const override { return mails; }
+    QSharedPointer<CalendarStorage> calendarStorage() const override { return events; }
+    QSharedPointer<ContactStorage> contactStorage() override { return people; }
+    ExchangeActiveSync::ProtocolVersion preferredProtocolVersion() const override { return preferredVersion; }
+    QString policyKey() const override { return policy; }
+    void setPolicyKey(const QString &key) override { policy = key; }
+    bool firstSyncCompleted() const override { return firstSyncDone; }
+    void setFirstSyncCompleted(bool completed) override { firstSyncDone = completed; }
+    QStringList lastKnownVersions() const override { return knownVersions; }
+    void setLastKnownVersions(const QStringList &versions) override { knownVersions = versions; }
+    QStringList lastKnownSupportedCommands() const override { return knownCommands; }
+    void setLastKnownSupportedCommands(const QStringList &commands) override { knownCommands = commands; }
+    ProvisionManager *provisionManager() override { return nullptr; }
+    void remoteWipeRequested() override { ++wipeRequests; }
+    void credentialsNeedUpdate() override { ++blocks; }
+    bool isCredentialsNeedUpdate() override { return blocks > 0; }
+    void onAuthenticationFailedError() override
+    {
+        ++refusals;
+        if (whenRefused)
+            whenRefused();
+    }
+
+    bool isEnabled = true;
+    QString user = QStringLiteral("alice");
+    QString secret = QStringLiteral("s3cret");
+    QString certificateSecret;
+    QString policy;
+    bool firstSyncDone = false;
+    QStringList knownVersions;
+    QStringList knownCommands;
+    ExchangeActiveSync::ProtocolVersion preferredVersion = ExchangeActiveSync::ProtocolVersionUnknown;
+    QSharedPointer<FakeConnection> connection;
+    QSharedPointer<CalendarAccountConfiguration> calendar;
+    QSharedPointer<ContactsAccountConfiguration> contacts;
+    QSharedPointer<EmailAccountConfiguration> email;
+    QSharedPointer<ScheduleAccountConfiguration> schedule;
+    QSharedPointer<MailStorage> mails;
+    QSharedPointer<CalendarStorage> events;
+    QSharedPointer<ContactStorage> people;
+
+    int wipeRequests = 0;
+    /** How often the credentials were marked as refused. */
+    int blocks = 0;
+    /** How often a server refused the credentials. */
+    int refusals = 0;
+    std::function<void()> whenRefused;
+};
