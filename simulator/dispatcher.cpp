@@ -146,7 +146,7 @@ HttpReply Dispatcher::answer(const HttpRequest &request)
     record.replyStatus = reply.status;
     record.replyHeaders = reply.headers;
     record.replyBody = reply.body;
-    if (!reply.transport.drop && !reply.transport.hang)
+    if (!reply.transport.drop && !reply.transport.dropSilently && !reply.transport.hang)
         reply.onSending = [this, record] {
             onReplied(record);
         };

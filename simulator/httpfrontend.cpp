@@ -96,7 +96,7 @@ bool HttpFrontend::Private::holdBack(const Transport &transport)
         if (stopping.wait(0))
             return false;
     }
-    return !transport.drop;
+    return !transport.dropSilently;
 }
 
 void HttpFrontend::Private::send(const HttpReply &reply, httplib::Response &response)
@@ -115,7 +115,9 @@ void HttpFrontend::Private::send(const HttpReply &reply, httplib::Response &resp
         });
         return;
     }
-    const qint64 announced = reply.transport.announcedLength.value_or(reply.body.size());
+    qint64 announced = reply.transport.announcedLength.value_or(reply.body.size());
+    if (reply.transport.drop)
+        announced = std::max<qint64>(announced, 1);
     if (announced <= 0) {
         response.set_content(std::string(), type);
         return;
@@ -130,6 +132,8 @@ void HttpFrontend::Private::send(const HttpReply &reply, httplib::Response &resp
 bool HttpFrontend::Private::write(const HttpReply &reply, qint64 announced, httplib::DataSink &sink)
 {
     const Transport &transport = reply.transport;
+    if (transport.drop)
+        return false;
     const qint64 size = std::min<qint64>(transport.truncateAt.value_or(reply.body.size()), reply.body.size());
     const bool sent = transport.bytesPerSecond > 0
         ? drip(reply.body.constData(), size, transport.bytesPerSecond, sink)

@@ -93,6 +93,13 @@ Override Override::drop()
     return result;
 }
 
+Override Override::dropSilently()
+{
+    Override result;
+    result.mTransport.dropSilently = true;
+    return result;
+}
+
 Override Override::hang()
 {
     Override result;

@@ -36,7 +36,8 @@ struct Transport
     int bytesPerSecond = 0; ///< 0: as fast as it goes
     std::optional<qint64> announcedLength; ///< a false Content-Length
     bool endless = false; ///< the body repeats without an end
-    bool drop = false; ///< the connection drops without an answer
+    bool drop = false; ///< the connection drops when the answer has begun, before its body
+    bool dropSilently = false; ///< the connection drops without one byte
     bool hang = false; ///< no answer ever
 };
 
@@ -71,7 +72,13 @@ public:
     static Override bytes(const QByteArray &body, const QByteArray &contentType);
     /** HTTP 200 with an empty body. */
     static Override empty();
+    /** The line drops where the body of the answer would begin. */
     static Override drop();
+    /**
+     * The line drops without one byte. QNetworkAccessManager then sends the request again by itself, up to
+     * three times, and each of these counts as a request here.
+     */
+    static Override dropSilently();
     static Override hang();
     /** The server's own answer, changed by @p edit. */
     static Override edited(const Edit &edit);

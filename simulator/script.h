@@ -58,7 +58,7 @@ public:
     Expectation &reply(const QString &xml);
     Expectation &reply(const Override &answer);
     Expectation &status(int httpStatus, const HttpHeaders &headers = {});
-    /** The line drops: no answer. */
+    /** The line drops before the body of the answer, see Override::drop(). */
     Expectation &drop();
 
 private:
