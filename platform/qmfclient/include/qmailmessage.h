@@ -47,7 +47,6 @@ public:
     virtual void setCc(const QList<QMailAddress> &cc);
     virtual QList<QMailAddress> bcc() const;
     virtual void setBcc(const QList<QMailAddress> &bcc);
-    QList<QMailAddress> recipients() const override;
     virtual bool hasRecipients() const;
     virtual QMailAddress replyTo() const;
     virtual void setReplyTo(const QMailAddress &address);
@@ -60,4 +59,8 @@ public:
     virtual bool contentModified() const;
     /** Computed anew from the text once after each body that was set; otherwise what was set. */
     QString preview() const override;
+
+private:
+    void setEncodedHeader(const QByteArray &name, const QByteArray &value);
+    void takeOverHeader(const QString &lowerName);
 };

@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include "internal/mailkeynode.h"
+
+#include <QString>
+#include <QVariantList>
+
+/** A key as a condition in SQL, all values of it bound. */
+struct CompiledKey
+{
+    QString condition;
+    QVariantList values;
+};
+
+CompiledKey compileMessageKey(const MailKeyNode &key);
+CompiledKey compileFolderKey(const MailKeyNode &key);

@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "internal/mailvaluedata.h"
+
+#include "internal/contentloader.h"
+
+const MimeNode &MailValueAccess::node(const QMailMessagePartContainer &container)
+{
+    const MimeNode &node = *container.mNode;
+    // All objects that share the unloaded content are served by one load; none of them sees a change by it.
+    if (node.unloaded)
+        loadContent(const_cast<MimeNode &>(node));
+    return node;
+}
+
+MimeNode &MailValueAccess::edit(QMailMessagePartContainer &container)
+{
+    MimeNode &node = own(container);
+    node.modified = true;
+    return node;
+}
+
+MimeNode &MailValueAccess::own(QMailMessagePartContainer &container)
+{
+    node(container);
+    return *container.mNode;
+}
+
+QMailMessageBody MailValueAccess::body(const QByteArray &encoded, QMailMessageBody::TransferEncoding encoding,
+    const QMailMessageContentType &type)
+{
+    QMailMessageBody body;
+    body.mEncoded = encoded;
+    body.mEncoding = encoding;
+    body.mContentType = type;
+    return body;
+}
+
+QMailMessagePartContainer::Location MailValueAccess::location(
+    const QMailMessageId &id, const QList<uint> &indices)
+{
+    QMailMessagePartContainer::Location location;
+    location.mMessageId = id;
+    location.mIndices = indices;
+    return location;
+}

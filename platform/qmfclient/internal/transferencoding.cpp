@@ -1,0 +1,130 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "internal/transferencoding.h"
+
+#include <KCodecs>
+
+namespace {
+
+struct EncodingName
+{
+    QMailMessageBody::TransferEncoding encoding;
+    const char *name;
+};
+
+const EncodingName encodingNames[] = {
+    { QMailMessageBody::SevenBit, "7bit" },
+    { QMailMessageBody::EightBit, "8bit" },
+    { QMailMessageBody::Base64, "base64" },
+    { QMailMessageBody::QuotedPrintable, "quoted-printable" },
+    { QMailMessageBody::Binary, "binary" },
+};
+
+QByteArray base64Lines(const QByteArray &octets)
+{
+    const int lineLength = 76;
+    const QByteArray all = octets.toBase64();
+    QByteArray lines;
+    lines.reserve(all.size() + all.size() / lineLength * 2 + 2);
+    for (int start = 0; start < all.size(); start += lineLength) {
+        if (start > 0)
+            lines += "\r\n";
+        lines += all.mid(start, lineLength);
+    }
+    return lines;
+}
+
+/** For content whose line ends are no line ends: each control character is encoded. */
+QByteArray quotedPrintableOctets(const QByteArray &octets)
+{
+    const int maxLineLength = 72;
+    QByteArray out;
+    int lineLength = 0;
+    for (const char c : octets) {
+        const QByteArray piece =
+            c > ' ' && c < 127 && c != '=' ? QByteArray(1, c) : '=' + QByteArray(1, c).toHex().toUpper();
+        if (lineLength + piece.size() > maxLineLength) {
+            out += "=\r\n";
+            lineLength = 0;
+        }
+        out += piece;
+        lineLength += piece.size();
+    }
+    return out;
+}
+
+} // namespace
+
+QMailMessageBody::TransferEncoding transferEncodingFromName(const QByteArray &name)
+{
+    const QByteArray wanted = name.trimmed();
+    for (const EncodingName &entry : encodingNames) {
+        if (qstricmp(wanted.constData(), entry.name) == 0)
+            return entry.encoding;
+    }
+    return QMailMessageBody::NoEncoding;
+}
+
+QByteArray transferEncodingName(QMailMessageBody::TransferEncoding encoding)
+{
+    for (const EncodingName &entry : encodingNames) {
+        if (entry.encoding == encoding)
+            return entry.name;
+    }
+    return QByteArray();
+}
+
+QByteArray withCrLf(const QByteArray &text)
+{
+    QByteArray out;
+    out.reserve(text.size() + text.size() / 32);
+    for (int i = 0; i < text.size(); ++i) {
+        const char c = text.at(i);
+        if (c == '\n' && (i == 0 || text.at(i - 1) != '\r'))
+            out += '\r';
+        out += c;
+    }
+    return out;
+}
+
+QByteArray withLf(const QByteArray &text)
+{
+    return text.contains('\r') ? QByteArray(text).replace("\r\n", "\n") : text;
+}
+
+QByteArray encodeForTransfer(const QByteArray &octets, QMailMessageBody::TransferEncoding encoding, bool text)
+{
+    switch (encoding) {
+    case QMailMessageBody::Base64:
+        return base64Lines(octets);
+    case QMailMessageBody::QuotedPrintable:
+        // For text the line ends stay line ends; of other octets they are content and are encoded.
+        return text ? KCodecs::quotedPrintableEncode(withLf(octets), true) : quotedPrintableOctets(octets);
+    case QMailMessageBody::SevenBit:
+    case QMailMessageBody::EightBit:
+        return text ? withCrLf(octets) : octets;
+    case QMailMessageBody::NoEncoding:
+    case QMailMessageBody::Binary:
+        break;
+    }
+    return octets;
+}
+
+QByteArray decodeFromTransfer(
+    const QByteArray &encoded, QMailMessageBody::TransferEncoding encoding, bool text)
+{
+    switch (encoding) {
+    case QMailMessageBody::Base64:
+        return QByteArray::fromBase64(encoded);
+    case QMailMessageBody::QuotedPrintable: {
+        const QByteArray octets = KCodecs::quotedPrintableDecode(encoded);
+        return text ? withLf(octets) : octets;
+    }
+    case QMailMessageBody::SevenBit:
+    case QMailMessageBody::EightBit:
+        return text ? withLf(encoded) : encoded;
+    case QMailMessageBody::NoEncoding:
+    case QMailMessageBody::Binary:
+        break;
+    }
+    return encoded;
+}

@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include <qmailmessagebody.h>
+
+#include "internal/mailvaluedata.h"
+#include "internal/transferencoding.h"
+
+#include <QDebug>
+#include <QFile>
+#include <QTextCodec>
+
+namespace {
+
+bool isText(const QMailMessageContentType &type)
+{
+    return type.matches("text");
+}
+
+/** What a text says when its charset is missing or wrong: UTF-8 where that is possible, otherwise Latin-1. */
+QString guessedText(const QByteArray &octets)
+{
+    QTextCodec::ConverterState state;
+    const QString text =
+        QTextCodec::codecForName("UTF-8")->toUnicode(octets.constData(), octets.size(), &state);
+    return state.invalidChars == 0 && state.remainingChars == 0 ? text : QString::fromLatin1(octets);
+}
+
+QTextCodec *codecOf(const QMailMessageContentType &type)
+{
+    const QByteArray charset = type.charset();
+    if (charset.isEmpty() || qstricmp(charset.constData(), "us-ascii") == 0)
+        return nullptr;
+    return QTextCodec::codecForName(charset);
+}
+
+} // namespace
+
+QMailMessageBody QMailMessageBody::fromData(const QByteArray &data, const QMailMessageContentType &type,
+    TransferEncoding encoding, EncodingStatus status)
+{
+    QMailMessageBody body;
+    body.mEncoding = encoding;
+    body.mContentType = type;
+    body.mEncoded = status == AlreadyEncoded ? data : encodeForTransfer(data, encoding, isText(type));
+    return body;
+}
+
+QMailMessageBody QMailMessageBody::fromData(
+    const QString &text, const QMailMessageContentType &type, TransferEncoding encoding)
+{
+    const QTextCodec *codec = codecOf(type);
+    return fromData(codec ? codec->fromUnicode(text) : text.toUtf8(), type, encoding, RequiresEncoding);
+}
+
+QMailMessageBody QMailMessageBody::fromFile(const QString &filename, const QMailMessageContentType &type,
+    TransferEncoding encoding, EncodingStatus status)
+{
+    QFile file(filename);
+    if (!file.open(QIODevice::ReadOnly))
+        qWarning() << "cannot read the body of a message from" << filename << file.errorString();
+    return fromData(file.readAll(), type, encoding, status);
+}
+
+QByteArray QMailMessageBody::data(EncodingFormat format) const
+{
+    return format == Decoded ? decodeFromTransfer(mEncoded, mEncoding, isText(mContentType)) : mEncoded;
+}
+
+QString QMailMessageBody::data() const
+{
+    const QByteArray octets = data(Decoded);
+    const QTextCodec *codec = codecOf(mContentType);
+    return codec ? codec->toUnicode(octets) : guessedText(octets);
+}
+
+QMailMessageBody::TransferEncoding QMailMessageBody::transferEncoding() const
+{
+    return mEncoding;
+}
+
+QMailMessageContentType QMailMessageBody::contentType() const
+{
+    return mContentType;
+}
+
+bool QMailMessageBody::isEmpty() const
+{
+    return mEncoded.isEmpty();
+}
+
+int QMailMessageBody::length() const
+{
+    return mEncoded.size();
+}
