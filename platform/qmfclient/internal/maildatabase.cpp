@@ -135,8 +135,11 @@ bool MailDatabase::execute(const QString &sql, const QVariantList &values, QSqlQ
         found = mStatements.insert(sql, prepared);
     }
     query = &found.value();
-    for (int i = 0; i < values.size(); ++i)
-        query->bindValue(i, values.at(i));
+    for (int i = 0; i < values.size(); ++i) {
+        // The driver knows no unsigned 64-bit numbers and would bind a text.
+        const bool isUnsigned = values.at(i).type() == QVariant::ULongLong;
+        query->bindValue(i, isUnsigned ? QVariant(values.at(i).toLongLong()) : values.at(i));
+    }
     if (query->exec())
         return true;
     noteError(*query);

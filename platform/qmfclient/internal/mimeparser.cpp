@@ -3,6 +3,8 @@
 
 #include "internal/mailvaluedata.h"
 
+#include <algorithm>
+
 namespace {
 
 const int maxDepth = 40;
@@ -133,11 +135,20 @@ private:
     int mParts = 0;
 };
 
-/** RFC 2045, 5.2: what says nothing of its type is plain text. */
+bool isSevenBit(const QByteArray &bytes)
+{
+    return std::all_of(bytes.cbegin(), bytes.cend(), [](char c) { return uchar(c) < 0x80; });
+}
+
+/** RFC 2045, 5.2 and 6.1: what says nothing of its type is plain text, of its encoding 7bit. */
 void nameTextLeaves(MimeNode &node, bool part)
 {
-    if (node.parts.isEmpty() && !node.hasHeader("Content-Type") && (part || node.hasBody))
-        node.setHeader("Content-Type", "text/plain");
+    if (node.parts.isEmpty() && (part || node.hasBody)) {
+        if (!node.hasHeader("Content-Type"))
+            node.setHeader("Content-Type", "text/plain");
+        if (node.hasBody && !node.hasHeader("Content-Transfer-Encoding") && node.contentType().matches("text"))
+            node.setHeader("Content-Transfer-Encoding", isSevenBit(node.body) ? "7bit" : "8bit");
+    }
     for (QMailMessagePart &child : node.parts)
         nameTextLeaves(MailValueAccess::own(child), true);
 }
