@@ -185,11 +185,14 @@ WbxmlNode SyncUploads::fetch(const WbxmlNode &command)
     const ItemPtr item = mContext.mailbox.item(serverId);
     if (forced || !item)
         return failure(QStringLiteral("AirSync:Fetch"), serverId, forced ? forced : NotFound);
-    const ItemShape shape { mContext.version(), serverId, mFolder.type == DraftsFolder, mState.options,
-        nullptr };
-    WbxmlNode node = failure(QStringLiteral("AirSync:Fetch"), serverId, Success);
-    node.append(WbxmlNode(QStringLiteral("AirSync:ApplicationData"), item->elements(shape)));
-    return node;
+    ItemShape shape { mContext.version(), serverId, mFolder.type == DraftsFolder, mState.options, nullptr };
+    // The published schema has no body part here.
+    shape.options.bodyParts.clear();
+    nullptr
+};
+WbxmlNode node = failure(QStringLiteral("AirSync:Fetch"), serverId, Success);
+node.append(WbxmlNode(QStringLiteral("AirSync:ApplicationData"), item->elements(shape)));
+return node;
 }
 
 } // namespace Simulator

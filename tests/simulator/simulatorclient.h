@@ -31,6 +31,7 @@ public:
     void setCredentials(const QString &user, const QString &password);
     void setDevice(const QString &id) { mDevice = id; }
     void setVersion(const QString &version) { mVersion = version; }
+    const QString &version() const { return mVersion; }
     void setHeader(const QByteArray &name, const QByteArray &value) { mHeaders.append({ name, value }); }
     void setQuery(const QString &query) { mQuery = query; }
 

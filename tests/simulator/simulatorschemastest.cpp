@@ -1,0 +1,229 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "protocolfiles.h"
+#include "samplemessages.h"
+#include "simulatorclient.h"
+
+#include "simulator/protocolversion.h"
+#include "support/testmain.h"
+
+#include <QProcess>
+#include <QRegularExpression>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <QtTest>
+
+using namespace Simulator;
+
+/** @short Each kind of reply, at each version, against the published schemas. */
+class SimulatorSchemasTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        if (!protocolSchemas().exists(QStringLiteral("all.xsd")))
+            QSKIP("the published schemas are not here: set FENNEL_PROTOCOL_SCHEMAS to their folder");
+        mLint = QStandardPaths::findExecutable(QStringLiteral("xmllint"));
+        if (mLint.isEmpty())
+            QSKIP("xmllint is missing: install libxml2-utils");
+    }
+
+    void repliesFollowTheSchemas_data()
+    {
+        QTest::addColumn<QString>("version");
+        for (const int version : protocolVersions())
+            QTest::newRow(qPrintable(versionText(version))) << versionText(version);
+    }
+
+    void repliesFollowTheSchemas()
+    {
+        QFETCH(QString, version);
+        ExchangeServer server;
+        QVERIFY(server.start());
+        fill(server.mailbox());
+        SimulatorClient client(server, version);
+        playFolders(server, client);
+        playMail(server, client);
+        playContacts(server, client);
+        playItems(server, client);
+        QCOMPARE(server.failures(), QStringList());
+        const QVector<RecordedRequest> requests = server.requests();
+        for (const RecordedRequest &request : requests) {
+            if (!request.replyDocument.isNull())
+                mDocuments.append(request.replyDocument);
+        }
+        QVERIFY(mDocuments.size() > 20);
+        validate();
+    }
+
+    void theSchemasWouldFindAMistake()
+    {
+        mDocuments = { WbxmlNode::fromXml(
+            QStringLiteral("<FolderSync xmlns='FolderHierarchy'><Wrong/></FolderSync>")) };
+        QVERIFY(!lint().isEmpty());
+        mDocuments.clear();
+    }
+
+private:
+    static void fill(Mailbox &mailbox)
+    {
+        const QString inbox = mailbox.inboxId();
+        for (const QByteArray &message : { SampleMessages::nested(), SampleMessages::meetingRequest(),
+                 SampleMessages::signedMessage(), sampleMessage(QStringLiteral("plain")) })
+            mailbox.deliver(inbox, message);
+        mailbox.deliver(mailbox.folderOfType(DraftsFolder).id, SampleMessages::nested());
+    }
+
+    static void playFolders(ExchangeServer &server, SimulatorClient &client)
+    {
+        const QString xml =
+            QStringLiteral("<FolderSync xmlns='FolderHierarchy'><SyncKey>%1</SyncKey></FolderSync>");
+        const auto run = [&](const QString &key) {
+            return client.post(QStringLiteral("FolderSync"), xml.arg(key))
+                .document.text(QStringLiteral("SyncKey"));
+        };
+        QString key = run(QStringLiteral("0"));
+        const QString one = server.mailbox().addFolder(QStringLiteral("One"));
+        const QString two = server.mailbox().addFolder(QStringLiteral("Two"));
+        key = run(key);
+        server.mailbox().renameFolder(one, QStringLiteral("Uno & <ä>"));
+        server.mailbox().removeFolder(two);
+        server.mailbox().addFolder(QStringLiteral("Three"), UserMailFolder, one);
+        key = run(key);
+        run(key);
+        run(QStringLiteral("unknown"));
+        server.overrideNext(QStringLiteral("FolderSync"), Override::topStatus(6));
+        run(key);
+    }
+
+    static void playMail(ExchangeServer &server, SimulatorClient &client)
+    {
+        const QString inbox = server.mailbox().inboxId();
+        const QString drafts = server.mailbox().folderOfType(DraftsFolder).id;
+        const QString preview =
+            client.version() >= QLatin1String("14") ? QStringLiteral("<b:Preview>80</b:Preview>") : QString();
+        const QString part = client.version() >= QLatin1String("14.1")
+            ? QStringLiteral("<b:BodyPartPreference><b:Type>2</b:Type></b:BodyPartPreference>")
+            : QString();
+        const QString options =
+            QStringLiteral("<Options><MIMESupport>1</MIMESupport>"
+                           "<b:BodyPreference><b:Type>1</b:Type>%1</b:BodyPreference>"
+                           "<b:BodyPreference><b:Type>2</b:Type><b:TruncationSize>50"
+                           "</b:TruncationSize>%1</b:BodyPreference>"
+                           "<b:BodyPreference><b:Type>4</b:Type>%1</b:BodyPreference>%2</Options>")
+                .arg(preview, part);
+        QString key = client.firstKey(inbox, options);
+        key = client.sync(inbox, key, QStringLiteral("<WindowSize>2</WindowSize>"))
+                  .text(QStringLiteral("SyncKey"));
+        key = client.sync(inbox, key).text(QStringLiteral("SyncKey"));
+        const QVector<ItemEntry> items = server.mailbox().items(inbox);
+        server.mailbox().setRead(items.at(0).serverId, true);
+        server.mailbox().setFlag(items.at(0).serverId, 2);
+        server.mailbox().setCategories(items.at(0).serverId, { QStringLiteral("Blue") });
+        server.mailbox().remove(items.at(3).serverId);
+        const QString commands = QStringLiteral(
+            "<Commands><Change><ServerId>9:9</ServerId><ApplicationData><e:Read>1</e:Read></"
+            "ApplicationData></Change>"
+            "<Delete><ServerId>9:9</ServerId></Delete><Fetch><ServerId>%1</ServerId></Fetch></Commands>");
+        key = client.sync(inbox, key, commands.arg(items.at(1).serverId)).text(QStringLiteral("SyncKey"));
+        client.sync(inbox, key, QStringLiteral("<Options><FilterType>1</FilterType></Options>"));
+        client.sync(drafts, client.firstKey(drafts));
+        client.sync(inbox, QStringLiteral("unknown"));
+        client.sync(QStringLiteral("99"), QStringLiteral("0"));
+    }
+
+    static void playContacts(ExchangeServer &server, SimulatorClient &client)
+    {
+        const QString contacts = server.mailbox().folderOfType(ContactsFolder).id;
+        const QString add =
+            QStringLiteral("<Commands><Add><ClientId>c1</ClientId><ApplicationData>"
+                           "<FileAs xmlns='Contacts'>Ann</FileAs></ApplicationData></Add></Commands>");
+        client.sync(contacts, client.firstKey(contacts), add);
+        client.setDevice(QStringLiteral("device2"));
+        client.sync(contacts, client.firstKey(contacts));
+        client.setDevice(QStringLiteral("device1"));
+    }
+
+    static void playItems(ExchangeServer &server, SimulatorClient &client)
+    {
+        Mailbox &mailbox = server.mailbox();
+        const QString inbox = mailbox.inboxId();
+        const QString id = mailbox.items(inbox).first().serverId;
+        const QString reference = QString::fromLatin1(QUrl::toPercentEncoding(id + QStringLiteral(":1")));
+        const QString xml = QStringLiteral(
+            "<ItemOperations xmlns='ItemOperations' xmlns:a='AirSync' xmlns:b='AirSyncBase'>"
+            "<Fetch><Store>Mailbox</Store><a:CollectionId>%1</a:CollectionId><a:ServerId>%2</a:ServerId>"
+            "</Fetch><Fetch><Store>Mailbox</Store><b:FileReference>%3</b:FileReference><Options>"
+            "<Range>0-10</Range></Options></Fetch><Fetch><Store>Mailbox</Store><b:FileReference>no"
+            "</b:FileReference></Fetch></ItemOperations>")
+                                .arg(inbox, id, reference);
+        client.post(QStringLiteral("ItemOperations"), xml);
+        const QString move =
+            QStringLiteral("<MoveItems xmlns='Move'><Move><SrcMsgId>%1</SrcMsgId><SrcFldId>%2</SrcFldId>"
+                           "<DstFldId>%3</DstFldId></Move><Move><SrcMsgId>9:9</SrcMsgId>"
+                           "<SrcFldId>9</SrcFldId><DstFldId>1</DstFldId></Move></MoveItems>");
+        const QString bin = mailbox.folderOfType(DeletedItemsFolder).id;
+        client.post(QStringLiteral("MoveItems"), move.arg(id, inbox, bin));
+        const QString empty =
+            QStringLiteral("<ItemOperations xmlns='ItemOperations' xmlns:a='AirSync'><EmptyFolderContents>"
+                           "<a:CollectionId>%1</a:CollectionId></EmptyFolderContents></ItemOperations>");
+        client.post(QStringLiteral("ItemOperations"), empty.arg(bin));
+        client.setHeader("MS-ASAcceptMultiPart", "T");
+        client.post(QStringLiteral("ItemOperations"), xml);
+        for (const QString &command :
+            { QStringLiteral("Sync"), QStringLiteral("MoveItems"), QStringLiteral("ItemOperations") }) {
+            server.overrideNext(command, Override::topStatus(5));
+            client.post(command, SimulatorClient::syncXml(inbox, QStringLiteral("0")));
+        }
+    }
+
+    /** The schemas describe the newest version: an element that they no longer have is left out for them. */
+    static void dropClass(WbxmlNode &root)
+    {
+        WbxmlNode *collections = root.find(QStringLiteral("Collections"));
+        if (root.name() != QLatin1String("AirSync:Sync") || !collections)
+            return;
+        for (WbxmlNode &collection : collections->children())
+            collection.removeAll(QStringLiteral("Class"));
+    }
+
+    /** What the validator says against the documents; empty if they are right. */
+    QString lint()
+    {
+        QTemporaryDir folder;
+        QStringList arguments { QStringLiteral("--noout"), QStringLiteral("--nonet"),
+            QStringLiteral("--schema"), protocolSchemas().filePath(QStringLiteral("all.xsd")) };
+        int number = 0;
+        for (WbxmlNode &document : mDocuments) {
+            dropClass(document);
+            QString xml = document.toXml();
+            xml.remove(QRegularExpression(QStringLiteral(" encoding=\"\\w+\"")));
+            QFile file(folder.filePath(QStringLiteral("%1.xml").arg(++number)));
+            if (!file.open(QIODevice::WriteOnly) || file.write(xml.toUtf8()) < 0)
+                return QStringLiteral("cannot write ") + file.fileName();
+            arguments.append(file.fileName());
+        }
+        QProcess process;
+        process.setProcessChannelMode(QProcess::MergedChannels);
+        process.start(mLint, arguments);
+        if (!process.waitForFinished() || process.exitCode() != 0)
+            return QString::fromUtf8(process.readAll());
+        return QString();
+    }
+
+    void validate()
+    {
+        const QString complaints = lint();
+        mDocuments.clear();
+        // The validator also talks about the schemas themselves.
+        const QStringList errors = complaints.split(QLatin1Char('\n')).filter(QStringLiteral("error"));
+        QVERIFY2(complaints.isEmpty(), qPrintable(errors.join(QLatin1Char('\n'))));
+    }
+
+    QString mLint;
+    QVector<WbxmlNode> mDocuments;
+};
+
+FENNEL_REGISTER_TEST(SimulatorSchemasTest)
+#include "simulatorschemastest.moc"
