@@ -188,11 +188,9 @@ WbxmlNode SyncUploads::fetch(const WbxmlNode &command)
     ItemShape shape { mContext.version(), serverId, mFolder.type == DraftsFolder, mState.options, nullptr };
     // The published schema has no body part here.
     shape.options.bodyParts.clear();
-    nullptr
-};
-WbxmlNode node = failure(QStringLiteral("AirSync:Fetch"), serverId, Success);
-node.append(WbxmlNode(QStringLiteral("AirSync:ApplicationData"), item->elements(shape)));
-return node;
+    WbxmlNode node = failure(QStringLiteral("AirSync:Fetch"), serverId, Success);
+    node.append(WbxmlNode(QStringLiteral("AirSync:ApplicationData"), item->elements(shape)));
+    return node;
 }
 
 } // namespace Simulator
