@@ -48,9 +48,9 @@ class EasAccountImplTest : public QObject
 private Q_SLOTS:
     void initTestCase()
     {
+        qRegisterMetaType<EasAccountId>("EasAccountId");
         QVERIFY(PrivateBus::ensure());
         mFactory = std::make_unique<AccountFactory>();
-        mManager = std::make_unique<Accounts::Manager>();
     }
 
     void cleanupTestCase()
@@ -72,6 +72,7 @@ private Q_SLOTS:
     {
         QVERIFY2(!mLog->contains(QStringLiteral("s3cret")), "no password in any log line");
         mAccount.reset();
+        mManager.reset();
         mLog.reset();
         Clock::setInstance(nullptr);
         mFactory->remove(mId);
@@ -248,8 +249,6 @@ private Q_SLOTS:
         mAccount->setFirstSyncCompleted(true);
         mAccount->setLastKnownVersions(versions);
         mAccount->setLastKnownSupportedCommands(commands);
-        mAccount.reset();
-        mManager = std::make_unique<Accounts::Manager>();
         open();
         QCOMPARE(mAccount->policyKey(), QStringLiteral("12345"));
         QVERIFY(mAccount->firstSyncCompleted());
@@ -344,7 +343,6 @@ private Q_SLOTS:
     void aWipeTakesIdentityAttachmentsAndRecord()
     {
         open();
-        AccountRegistry::fresh()->add(mAccount.get());
         QTRY_VERIFY(mAccount->isReady());
         const quint32 identity = mFactory->value(mId, QString(), credentialsIdKey).toUInt();
         const QString attachments = attachmentsFolder();
@@ -368,9 +366,8 @@ private Q_SLOTS:
         FastClock fast;
         Clock::setInstance(&fast);
         mFactory->setValue(mId, QString(), QStringLiteral("remote_wipe_requested"), true);
-        QSignalSpy removed(mManager.get(), &Accounts::Manager::accountRemoved);
         open();
-        AccountRegistry::fresh()->add(mAccount.get());
+        QSignalSpy removed(mManager.get(), &Accounts::Manager::accountRemoved);
         QVERIFY(fast.asked.contains(500));
         QTRY_COMPARE(removed.count(), 1);
     }
@@ -381,8 +378,8 @@ private Q_SLOTS:
         Clock::setInstance(&fast);
         mFactory->setValue(mId, QString(), credentialsIdKey, 0U);
         mFactory->setValue(mId, QString(), QStringLiteral("remote_wipe_requested"), true);
-        QSignalSpy removed(mManager.get(), &Accounts::Manager::accountRemoved);
         open();
+        QSignalSpy removed(mManager.get(), &Accounts::Manager::accountRemoved);
         QTRY_COMPARE(removed.count(), 1);
         QVERIFY(mLog->contains(QStringLiteral("identity is not found for account")));
     }
@@ -406,7 +403,7 @@ private Q_SLOTS:
         QSignalSpy removed(mManager.get(), &Accounts::Manager::accountRemoved);
         QVERIFY(mFactory->remove(mId));
         QTRY_COMPARE(removed.count(), 1);
-        mManager = std::make_unique<Accounts::Manager>();
+        mManager.reset();
         QVERIFY(!mAccount->enabled());
         QVERIFY(mAccount->userName().isEmpty());
         QVERIFY(!mAccount->isCredentialsNeedUpdate());
@@ -423,7 +420,14 @@ private:
         return record;
     }
 
-    void open() { mAccount = std::make_unique<EasAccountImpl>(record(), mId, nullptr); }
+    /** The account as a daemon has it that starts now. */
+    void open()
+    {
+        mAccount.reset();
+        mManager = std::make_unique<Accounts::Manager>();
+        mAccount = std::make_unique<EasAccountImpl>(record(), mId, nullptr);
+        AccountRegistry::fresh()->add(mAccount.get());
+    }
 
     void openReady()
     {

@@ -26,6 +26,7 @@ class AccountConfigurationImplsTest : public QObject
 private Q_SLOTS:
     void initTestCase()
     {
+        qRegisterMetaType<EasAccountId>("EasAccountId");
         QVERIFY(PrivateBus::ensure());
         mFactory = std::make_unique<AccountFactory>();
         mManager = std::make_unique<Accounts::Manager>();
