@@ -1,0 +1,375 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "storages/mailitembatch.h"
+#include "application/easdatabase.h"
+#include "protocol/wbxmltokens.h"
+#include "storages/mailattachments.h"
+#include "support/logcollector.h"
+#include "support/mailfixture.h"
+#include "support/testmain.h"
+
+#include <qmaildisconnected.h>
+#include <qmailmessagekey.h>
+
+#include <QtTest>
+
+namespace {
+
+bool has(const QMailMessage &message, quint64 mask)
+{
+    return (message.status() & mask) != 0;
+}
+
+QString text(const QMailMessageId &id)
+{
+    return QString::number(id.toULongLong());
+}
+
+} // namespace
+
+class MailItemBatchTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void addedItemsGetTheirLocalIds()
+    {
+        MailFixture mail;
+        mail.addFolder("5");
+        MailItemBatch batch(mail.context);
+        QList<EasEmailItem> items { mail.item("5:1", "5"), mail.item("5:2", "5") };
+        QVERIFY(batch.addEmailItems(items, {}));
+        for (const EasEmailItem &item : items) {
+            const QMailMessage message = mail.message(item.serverId());
+            QCOMPARE(item.localId(), text(message.id()));
+            QVERIFY(has(message, QMailMessage::New));
+            QCOMPARE(message.subject(), item.subject());
+        }
+    }
+
+    void anUnknownFolderFailsAloud()
+    {
+        LogCollector log;
+        MailFixture mail;
+        mail.addFolder("5");
+        MailItemBatch batch(mail.context);
+        QList<EasEmailItem> items { mail.item("5:1", "5"), mail.item("9:1", "9") };
+        QVERIFY(!batch.addEmailItems(items, {}));
+        QVERIFY(log.contains(QtCriticalMsg, { "no local folder for message with server id", "9:1" }));
+        QCOMPARE(mail.messageCount(), 0);
+    }
+
+    void anItemThatCannotBeBuiltFailsAll()
+    {
+        LogCollector log;
+        MailFixture mail;
+        mail.addFolder("5");
+        mail.account.events.clear();
+        MailItemBatch batch(mail.context);
+        EasEmailItem meeting = mail.item("5:2", "5");
+        meeting.setMessageClass("IPM.Schedule.Meeting.Canceled");
+        QList<EasEmailItem> items { mail.item("5:1", "5"), meeting };
+        QVERIFY(!batch.addEmailItems(items, {}));
+        QVERIFY(log.contains(QtCriticalMsg, { "Can't create QMailMessage from EasEmailItem" }));
+        QCOMPARE(mail.messageCount(), 0);
+    }
+
+    void aRepeatedBatchAdoptsWhatIsThere()
+    {
+        MailFixture mail;
+        mail.addFolder("5");
+        MailItemBatch batch(mail.context);
+        QList<EasEmailItem> first { mail.item("5:1", "5"), mail.item("5:2", "5") };
+        QVERIFY(batch.addEmailItems(first, {}));
+
+        // No row was written. The same reply comes again, with one message more and newer content.
+        QList<EasEmailItem> again { mail.item("5:1", "5"), mail.item("5:2", "5"), mail.item("5:3", "5") };
+        again[0].setSubject("newer");
+        QVERIFY(batch.addEmailItems(again, {}));
+        QCOMPARE(mail.messageCount(), 3);
+        QCOMPARE(again.at(0).localId(), first.at(0).localId());
+        QCOMPARE(again.at(1).localId(), first.at(1).localId());
+        QCOMPARE(mail.message("5:1").subject(), QStringLiteral("newer"));
+        QCOMPARE(mail.message("5:1").body().data(), QStringLiteral("Text of 5:1"));
+    }
+
+    void anAdoptedMessageKeepsWhatTheUserDid()
+    {
+        MailFixture mail;
+        const QMailFolderId inbox = mail.addFolder("5");
+        const QMailFolderId archive = mail.addFolder("6");
+        MailItemBatch batch(mail.context);
+        EasEmailItem item = mail.item("5:1", "5");
+        item.setRead(false);
+        QList<EasEmailItem> items { item };
+        QVERIFY(batch.addEmailItems(items, {}));
+        const QMailMessageId id = mail.message("5:1").id();
+        mail.setStatus(id, QMailMessage::Read, true);
+        QMailDisconnected::moveToFolder(QMailMessageIdList { id }, archive);
+
+        QList<EasEmailItem> again { item };
+        QVERIFY(batch.addEmailItems(again, {}));
+        const QMailMessage message = mail.message(id);
+        QCOMPARE(mail.messageCount(), 1);
+        QVERIFY(has(message, QMailMessage::Read));
+        QVERIFY(!has(message, QMailMessage::ReadElsewhere));
+        QCOMPARE(message.parentFolderId(), archive);
+        QCOMPARE(message.previousParentFolderId(), inbox);
+    }
+
+    void aMessageDeletedBeforeItsRowWasWrittenStaysDeleted()
+    {
+        MailFixture mail;
+        mail.addFolder("5");
+        MailItemBatch batch(mail.context);
+        QList<EasEmailItem> items { mail.item("5:1", "5") };
+        QVERIFY(batch.addEmailItems(items, {}));
+        QVERIFY(mail.context.store->removeMessage(mail.message("5:1").id(), QMailStore::CreateRemovalRecord));
+
+        QList<EasEmailItem> again { mail.item("5:1", "5"), mail.item("5:2", "5") };
+        QVERIFY(batch.addEmailItems(again, {}));
+        QCOMPARE(mail.messageCount(), 1);
+        QCOMPARE(again.size(), 2);
+        QVERIFY(again.at(0).localId().isEmpty());
+        QVERIFY(!again.at(1).localId().isEmpty());
+    }
+
+    void anItemThatOccursTwiceIsTakenOnce()
+    {
+        MailFixture mail;
+        mail.addFolder("5");
+        MailItemBatch batch(mail.context);
+        QList<EasEmailItem> items { mail.item("5:1", "5"), mail.item("5:1", "5"), mail.item("5:2", "5") };
+        QVERIFY(batch.addEmailItems(items, {}));
+        QCOMPARE(items.size(), 2);
+        QCOMPARE(items.at(1).localId(), text(mail.message("5:2").id()));
+        QCOMPARE(mail.messageCount(), 2);
+    }
+
+    void aSearchHitBecomesTheMessage()
+    {
+        MailFixture mail;
+        const QMailFolderId folder = mail.addFolder("5");
+        MailItemBatch batch(mail.context);
+        QList<EasEmailItem> hits { mail.item("5:1", "5") };
+        QList<quint64> ids;
+        QVERIFY(batch.addSearchResults(hits, ids));
+        QVERIFY(has(mail.message("5:1"), QMailMessage::Temporary));
+
+        QList<EasEmailItem> items { mail.item("5:1", "5") };
+        QVERIFY(batch.addEmailItems(items, {}));
+        const QMailMessage message = mail.message("5:1");
+        QVERIFY(!has(message, QMailMessage::Temporary));
+        QCOMPARE(message.parentFolderId(), folder);
+        QCOMPARE(message.id().toULongLong(), ids.at(0));
+    }
+
+    void anIdThatNamesAnotherMessageFailsAloud()
+    {
+        LogCollector log;
+        MailFixture mail;
+        mail.addFolder("5");
+        mail.addFolder("6");
+        const QMailMessageId id = mail.addMessage(mail.item("1", "5"));
+        MailItemBatch batch(mail.context);
+        QList<EasEmailItem> items { mail.item("1", "6") };
+        QVERIFY(!batch.addEmailItems(items, { { "1", text(id) } }));
+        QVERIFY(log.contains(QtCriticalMsg, { "is that of another message already" }));
+        QCOMPARE(mail.messageCount(), 1);
+    }
+
+    void aRollbackTakesOutOnlyWhatWasAdded()
+    {
+        MailFixture mail;
+        mail.addFolder("5");
+        MailItemBatch batch(mail.context);
+        QList<EasEmailItem> first { mail.item("5:1", "5") };
+        QVERIFY(batch.addEmailItems(first, {}));
+        QList<EasEmailItem> items { mail.item("5:1", "5"), mail.item("5:2", "5") };
+        QVERIFY(batch.addEmailItems(items, {}));
+        LogCollector log;
+        items.append(EasEmailItem());
+        batch.rollBackAddedEmailItems(items);
+        QVERIFY(log.contains("local id is not found for a server id"));
+        QCOMPARE(mail.messageCount(), 1);
+        QVERIFY(mail.message("5:1").id().isValid());
+    }
+
+    void changesFindTheirMessageByEitherId()
+    {
+        MailFixture mail;
+        mail.addFolder("5");
+        const QMailMessageId one = mail.addMessage(mail.item("5:1", "5"));
+        const QMailMessageId two = mail.addMessage(mail.item("5:2", "5"));
+        EasEmailItem byLocalId;
+        byLocalId.setLocalId(text(one));
+        byLocalId.setSubject("by local id");
+        byLocalId.appendChangedField(Wbxml::Email::Subject);
+        EasEmailItem byServerId;
+        byServerId.setServerId("5:2");
+        byServerId.setSubject("by server id");
+        byServerId.appendChangedField(Wbxml::Email::Subject);
+        MailItemBatch batch(mail.context);
+        QVERIFY(batch.updateEmailItems({ byLocalId, byServerId }, { { "5:2", text(two) } }));
+        QCOMPARE(mail.message(one).subject(), QStringLiteral("by local id"));
+        QCOMPARE(mail.message(two).subject(), QStringLiteral("by server id"));
+    }
+
+    void twoChangesOfOneMessageAddUp()
+    {
+        MailFixture mail;
+        mail.addFolder("5");
+        const QMailMessageId id = mail.addMessage(mail.item("5:1", "5"));
+        EasEmailItem subject;
+        subject.setServerId("5:1");
+        subject.setSubject("changed");
+        subject.appendChangedField(Wbxml::Email::Subject);
+        EasEmailItem read;
+        read.setServerId("5:1");
+        read.setRead(false);
+        read.appendChangedField(Wbxml::Email::Read);
+        QVERIFY(MailItemBatch(mail.context).updateEmailItems({ subject, read }, { { "5:1", text(id) } }));
+        QCOMPARE(mail.message(id).subject(), QStringLiteral("changed"));
+        QVERIFY(!has(mail.message(id), QMailMessage::Read));
+    }
+
+    void aChangeOfAMissingMessageIsPassedOver()
+    {
+        LogCollector log;
+        MailFixture mail;
+        mail.addFolder("5");
+        EasEmailItem gone = mail.item("5:9", "5");
+        gone.setLongId("long");
+        gone.setLocalStorageAccountId(mail.accountId());
+        gone.setId(3);
+        mail.map(gone, QMailMessageId(424242));
+        QVERIFY(MailItemBatch(mail.context).updateEmailItems({ gone }, { { "5:9", "424242" } }));
+        QVERIFY(log.contains(QtWarningMsg, { "messageId", "and longID", "long", "are invalid" }));
+        QVERIFY(!EasDatabase::instance()->serverToLocalEmailIds(mail.accountId()).contains("5:9"));
+    }
+
+    void deletionsTakeWhatIsKnown()
+    {
+        LogCollector log;
+        MailFixture mail;
+        mail.addFolder("5");
+        const QMailMessageId id = mail.addMessage(mail.item("5:1", "5"));
+        mail.addMessage(mail.item("5:2", "5"));
+        MailItemBatch batch(mail.context);
+        QVERIFY(batch.deleteEmailItems({ "5:1", "unknown" }, { { "5:1", text(id) } }));
+        QVERIFY(log.contains(QtWarningMsg, { "local id is not found for a server id", "unknown" }));
+        QCOMPARE(mail.messageCount(), 1);
+        QVERIFY(mail.context.store->messageRemovalRecords(mail.mailAccountId()).isEmpty());
+        QVERIFY(batch.deleteEmailItems(QMailMessageIdList()));
+        QCOMPARE(mail.messageCount(), 1);
+    }
+
+    void aMessageWithTwoNamesGoesWithTheLast()
+    {
+        MailFixture mail;
+        mail.addFolder("5");
+        const QMailMessageId id = mail.addMessage(mail.item("6:1", "5"));
+        const QMap<QString, QString> names { { "5:1", text(id) }, { "6:1", text(id) } };
+        MailItemBatch batch(mail.context);
+        QVERIFY(batch.deleteEmailItems(QStringList { "5:1" }, names));
+        QCOMPARE(mail.messageCount(), 1);
+        QVERIFY(batch.deleteEmailItems(QStringList { "5:1", "6:1" }, names));
+        QCOMPARE(mail.messageCount(), 0);
+    }
+
+    void aMoveGivesTheNewNameAndIsOver_data()
+    {
+        QTest::addColumn<bool>("mappingWrittenFirst");
+        QTest::newRow("the mapping has the old name") << false;
+        QTest::newRow("the mapping has the new name") << true;
+    }
+    void aMoveGivesTheNewNameAndIsOver()
+    {
+        QFETCH(bool, mappingWrittenFirst);
+        MailFixture mail;
+        mail.addFolder("5");
+        const QMailFolderId archive = mail.addFolder("6");
+        const QMailMessageId id = mail.addMessage(mail.item("5:1", "5"));
+        QMailDisconnected::moveToFolder(QMailMessageIdList { id }, archive);
+        EasEmailItem moved;
+        moved.setPreviousServerId("5:1");
+        moved.setServerId("6:7");
+        moved.setCollectionId("6");
+        moved.appendChangedField(Wbxml::AirSync::ServerId);
+        const QString known = mappingWrittenFirst ? "6:7" : "5:1";
+        QVERIFY(MailItemBatch(mail.context).updateMovedEmails({ moved }, { { known, text(id) } }));
+        QCOMPARE(mail.message(id).serverUid(), QStringLiteral("6:7"));
+        QCOMPARE(mail.message(id).parentFolderId(), archive);
+        QVERIFY(!mail.message(id).previousParentFolderId().isValid());
+    }
+
+    void aMessageMovedOnIsStillToBeMoved()
+    {
+        MailFixture mail;
+        mail.addFolder("5");
+        const QMailFolderId archive = mail.addFolder("6");
+        const QMailFolderId trash = mail.addFolder("7");
+        const QMailMessageId id = mail.addMessage(mail.item("5:1", "5"));
+        QMailDisconnected::moveToFolder(QMailMessageIdList { id }, archive);
+        QMailDisconnected::moveToFolder(QMailMessageIdList { id }, trash);
+        EasEmailItem moved;
+        moved.setPreviousServerId("5:1");
+        moved.setServerId("6:7");
+        moved.setCollectionId("6");
+        moved.appendChangedField(Wbxml::AirSync::ServerId);
+        QVERIFY(MailItemBatch(mail.context).updateMovedEmails({ moved }, { { "5:1", text(id) } }));
+        QCOMPARE(mail.message(id).parentFolderId(), trash);
+        QCOMPARE(mail.message(id).previousParentFolderId(), archive);
+    }
+
+    void aMoveOfAnUnknownMessageIsPassedOver()
+    {
+        LogCollector log;
+        MailFixture mail;
+        EasEmailItem moved;
+        moved.setPreviousServerId("5:1");
+        moved.setServerId("6:7");
+        QVERIFY(MailItemBatch(mail.context).updateMovedEmails({ moved }, {}));
+        QVERIFY(log.contains(QtWarningMsg, { "messageId", "0", "is invalid" }));
+    }
+
+    void searchResultsReplaceEarlierOnes()
+    {
+        MailFixture mail;
+        mail.addFolder("5");
+        const QMailMessageId synchronised = mail.addMessage(mail.item("5:1", "5"));
+        EasEmailItem found = mail.item(QString(), "5");
+        found.setLongId("long");
+        MailItemBatch batch(mail.context);
+        QList<quint64> ids;
+        for (int round = 0; round < 2; ++round) {
+            QList<EasEmailItem> items { found, mail.item("5:1", "5"), found };
+            QVERIFY(batch.addSearchResults(items, ids));
+            QCOMPARE(ids.size(), 3);
+            QCOMPARE(ids.at(0), mail.message("long").id().toULongLong());
+            QCOMPARE(ids.at(1), synchronised.toULongLong());
+            QCOMPARE(ids.at(2), ids.at(0));
+            QCOMPARE(mail.messageCount(), 2);
+        }
+        QVERIFY(has(mail.message("long"), QMailMessage::Temporary));
+        QVERIFY(!has(mail.message("5:1"), QMailMessage::Temporary));
+    }
+
+    void anUploadedReadMarkIsKnownElsewhere()
+    {
+        MailFixture mail;
+        mail.addFolder("5");
+        EasEmailItem item = mail.item("5:1", "5");
+        item.setRead(false);
+        const QMailMessageId id = mail.addMessage(item);
+        mail.setStatus(id, QMailMessage::Read, true);
+        item.setLocalId(text(id));
+        item.setRead(true);
+        EasEmailItem gone = mail.item("5:2", "5");
+        gone.setLocalId("424242");
+        QVERIFY(MailItemBatch(mail.context).successfullyUpdatedEmails({ EasEmailItem(), gone, item }));
+        QVERIFY(has(mail.message(id), QMailMessage::ReadElsewhere));
+    }
+};
+
+FENNEL_REGISTER_TEST(MailItemBatchTest)
+#include "mailitembatchtest.moc"

@@ -1,0 +1,154 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "storages/maillocalchanges.h"
+#include "application/easdatabase.h"
+#include "protocol/wbxmltokens.h"
+#include "support/logcollector.h"
+#include "support/mailfixture.h"
+#include "support/testmain.h"
+
+#include <qmaildisconnected.h>
+
+#include <QtTest>
+
+namespace {
+
+QString text(const QMailFolderId &id)
+{
+    return QString::number(id.toULongLong());
+}
+
+QStringList serverIds(const QList<EasEmailItem> &items)
+{
+    QStringList ids;
+    for (const EasEmailItem &item : items)
+        ids.append(item.serverId());
+    ids.sort();
+    return ids;
+}
+
+} // namespace
+
+class MailLocalChangesTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void freshMailHasNoChanges()
+    {
+        MailFixture mail;
+        const QMailFolderId inbox = mail.addFolder("5");
+        mail.addMessage(mail.item("5:1", "5"));
+        const MailLocalChanges changes(mail.context);
+        QVERIFY(changes.updatedEmails(text(inbox)).isEmpty());
+        QVERIFY(changes.movedEmails().isEmpty());
+        QVERIFY(changes.deletedEmails(text(inbox)).isEmpty());
+    }
+
+    void readMarksThatTheServerDoesNotKnowAreChanges()
+    {
+        MailFixture mail;
+        const QMailFolderId inbox = mail.addFolder("5");
+        const QMailFolderId other = mail.addFolder("6");
+        EasEmailItem unread = mail.item("5:1", "5");
+        unread.setRead(false);
+        const QMailMessageId nowRead = mail.addMessage(unread);
+        const QMailMessageId nowUnread = mail.addMessage(mail.item("5:2", "5"));
+        mail.addMessage(mail.item("5:3", "5"));
+        const QMailMessageId elsewhere = mail.addMessage(mail.item("6:1", "6"));
+        mail.setStatus(nowRead, QMailMessage::Read, true);
+        mail.setStatus(nowUnread, QMailMessage::Read, false);
+        mail.setStatus(elsewhere, QMailMessage::Read, false);
+
+        const QList<EasEmailItem> items = MailLocalChanges(mail.context).updatedEmails(text(inbox));
+        QCOMPARE(serverIds(items), QStringList({ "5:1", "5:2" }));
+        for (const EasEmailItem &item : items) {
+            QCOMPARE(item.changedFields(), QList<uint> { Wbxml::Email::Read });
+            QCOMPARE(item.read(), item.serverId() == "5:1");
+            QCOMPARE(item.collectionId(), QStringLiteral("5"));
+        }
+        QCOMPARE(serverIds(MailLocalChanges(mail.context).updatedEmails(text(other))), QStringList { "6:1" });
+    }
+
+    void addedMailIsThatOfTheFolder()
+    {
+        MailFixture mail;
+        const QMailFolderId inbox = mail.addFolder("5");
+        mail.addFolder("6");
+        mail.addMessage(mail.item("5:1", "5"));
+        mail.addMessage(mail.item("6:1", "6"));
+        QCOMPARE(serverIds(MailLocalChanges(mail.context).addedEmails(text(inbox))), QStringList { "5:1" });
+    }
+
+    void aMoveIsFound()
+    {
+        MailFixture mail;
+        mail.addFolder("5");
+        const QMailFolderId archive = mail.addFolder("6");
+        const QMailMessageId id = mail.addMessage(mail.item("5:1", "5"));
+        QMailDisconnected::moveToFolder(QMailMessageIdList { id }, archive);
+        const QList<EasEmailItem> items = MailLocalChanges(mail.context).movedEmails();
+        QCOMPARE(items.size(), 1);
+        QCOMPARE(items.at(0).serverId(), QStringLiteral("5:1"));
+        QCOMPARE(items.at(0).sourceFolderId(), QStringLiteral("5"));
+        QCOMPARE(items.at(0).destinationFolderId(), QStringLiteral("6"));
+        QVERIFY(items.at(0).changedFields().isEmpty());
+    }
+
+    void aMoveToAFolderThatTheServerDoesNotKnowWaits()
+    {
+        LogCollector log;
+        MailFixture mail;
+        mail.addFolder("5");
+        const QMailFolderId unknown = mail.addStoreFolder("unknown");
+        const QMailMessageId id = mail.addMessage(mail.item("5:1", "5"));
+        QMailDisconnected::moveToFolder(QMailMessageIdList { id }, unknown);
+        QVERIFY(MailLocalChanges(mail.context).movedEmails().isEmpty());
+        QVERIFY(log.contains(QtWarningMsg, { "failed to create a valid item from message with id" }));
+    }
+
+    void anInterruptedMoveIsFinished()
+    {
+        MailFixture mail;
+        mail.addFolder("5");
+        const QMailFolderId archive = mail.addFolder("6");
+        const QMailMessageId id = mail.addMessage(mail.item("5:1", "5"));
+        QMailDisconnected::moveToFolder(QMailMessageIdList { id }, archive);
+        EasEmailItem moved;
+        moved.setPreviousServerId("5:1");
+        moved.setServerId("6:7");
+        moved.setCollectionId("6");
+        QVERIFY(EasDatabase::instance()->updateMovedEmailItems(mail.accountId(), { moved }));
+
+        QVERIFY(MailLocalChanges(mail.context).movedEmails().isEmpty());
+        QCOMPARE(mail.message(id).serverUid(), QStringLiteral("6:7"));
+        QVERIFY(!mail.message(id).previousParentFolderId().isValid());
+        QCOMPARE(mail.message(id).parentFolderId(), archive);
+    }
+
+    void deletionsAreThoseOfTheFolderByTheMapping()
+    {
+        LogCollector log;
+        MailFixture mail;
+        const QMailFolderId inbox = mail.addFolder("5");
+        mail.addFolder("6");
+        QMailStore *store = mail.context.store;
+        const auto remove = [store](const QMailMessageId &id) {
+            return store->removeMessage(id, QMailStore::CreateRemovalRecord);
+        };
+        QVERIFY(remove(mail.addMessage(mail.item("5:1", "5"))));
+
+        // The mapping says that this one lives in another folder.
+        EasEmailItem elsewhere = mail.item("5:2", "5");
+        elsewhere.setCollectionId("6");
+        QVERIFY(remove(mail.addMessage(elsewhere)));
+
+        EasEmailItem nameless = mail.item(QString(), "5");
+        QVERIFY(remove(mail.addMessage(nameless)));
+
+        QCOMPARE(MailLocalChanges(mail.context).deletedEmails(text(inbox)), QStringList { "5:1" });
+        QVERIFY(log.contains("serverUid is empty in Removal Record"));
+    }
+};
+
+FENNEL_REGISTER_TEST(MailLocalChangesTest)
+#include "maillocalchangestest.moc"

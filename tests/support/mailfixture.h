@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include "easitems/easemailitem.h"
+#include "easitems/easfolderitem.h"
+#include "storages/calendarstorage.h"
+#include "storages/mailstorecontext.h"
+#include "support/fakeaccount.h"
+
+#include <qmailmessage.h>
+#include <qmailstore.h>
+
+/** A calendar that answers the question for the data of a meeting with a fixed text. */
+class FakeCalendarStorage : public CalendarStorage
+{
+public:
+    explicit FakeCalendarStorage(const QByteArray &iCalendar);
+
+    bool updateFolders(QList<EasFolderItem> &, QList<EasFolderItem> &, const QStringList &) override;
+    bool updateItems(
+        QList<EasCalendarItem> &, QList<EasCalendarItem> &, const QStringList &, QStringList &) override;
+    bool touchItems(const QString &, const QList<QPair<QString, QString>> &) override { return true; }
+    bool queryLocalUpdates(const QString &, qint64, qint64 &, QList<EasCalendarItem> &,
+        QList<EasCalendarItem> &, QStringList &) override;
+    bool syncTime(const QString &, qint64 &) override { return true; }
+    bool setSyncTime(const QString &, qint64) override { return true; }
+    bool cleanUpFolder(const EasFolderItem &) override { return true; }
+    bool uploadedLocalChanges(
+        QList<EasCalendarItem> &, QList<EasCalendarItem> &, const QStringList &) override;
+    QByteArray iTIPRequestData(
+        const EasMeetingRequestContainer &, const QString &organizer, const QString &description) override;
+
+    QString organizer;
+    QString description;
+
+private:
+    QByteArray mICalendar;
+};
+
+/**
+ * A mail account of its own in the store, with an Exchange account beside it and rows in the mapping
+ * database.
+ *
+ * Each fixture takes a fresh number, so that tests of one process do not see each other's mail.
+ */
+class MailFixture
+{
+public:
+    MailFixture();
+    ~MailFixture();
+    Q_DISABLE_COPY(MailFixture)
+
+    EasAccountId accountId() const { return account.id(); }
+    QMailAccountId mailAccountId() const { return context.mailAccountId; }
+
+    /** A folder in store and mapping. */
+    QMailFolderId addFolder(const QString &serverId,
+        EasFolderItem::FolderType type = EasFolderItem::UserCreatedMailFolder,
+        const QMailFolderId &parent = QMailFolderId());
+    /** A folder that the server does not know. */
+    QMailFolderId addStoreFolder(
+        const QString &name, const QMailFolderId &parent = QMailFolderId(), quint64 status = 0);
+
+    /** An item as a reply brings it: in this collection and, for what looks no further, its folder. */
+    EasEmailItem item(const QString &serverId, const QString &collectionId) const;
+    static EasBodyContainer body(EasBodyContainer::BodyType type, const QString &data);
+    static EasAttachmentContainer attachment(
+        const QString &name, const QString &reference, int size, bool isInline = false);
+
+    /** The message of an item, stored and mapped. */
+    QMailMessageId addMessage(const EasEmailItem &item);
+    void map(const EasEmailItem &item, const QMailMessageId &id);
+
+    QMailMessage message(const QMailMessageId &id) const;
+    QMailMessage message(const QString &serverUid) const;
+    int messageCount() const;
+    /** Adds or removes status bits as a mail application does. */
+    void setStatus(const QMailMessageId &id, quint64 mask, bool set) const;
+
+    FakeAccount account;
+    QSharedPointer<FakeCalendarStorage> calendar;
+    MailStoreContext context;
+};
