@@ -27,7 +27,8 @@ QString decodedName(const QByteArray &name)
     const int suffix = int(sizeof(encodedSuffix)) - 1;
     if (!name.startsWith(encodedPrefix) || !name.endsWith(encodedSuffix) || name.size() < prefix + suffix)
         return QString::fromUtf8(name);
-    return QString::fromUtf8(QByteArray::fromBase64(name.mid(prefix, name.size() - prefix - suffix)));
+    const QByteArray text = QByteArray::fromBase64(name.mid(prefix, name.size() - prefix - suffix));
+    return QString::fromUtf8(text.constData(), text.size());
 }
 
 /** A reference with control characters would break the header that holds it, and cannot be sent back either.
