@@ -6,7 +6,6 @@
 #include "support/wbxmldocument.h"
 
 #include <QLoggingCategory>
-#include <QTemporaryDir>
 #include <QtTest>
 
 using namespace Wbxml;
@@ -52,19 +51,18 @@ class SyncResponseParserTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init()
+    void initTestCase()
     {
         QLoggingCategory::setFilterRules(QStringLiteral("Fennel.eas=true"));
-        mHome.reset(new QTemporaryDir);
-        mOldHome = qgetenv("HOME");
-        qputenv("HOME", mHome->path().toLocal8Bit());
         EasDatabase::initializeInstance(nullptr, nullptr, nullptr);
     }
 
-    void cleanup()
+    void init() { mLog.reset(new LogCollector); }
+    void cleanup() { mLog.reset(); }
+
+    void cleanupTestCase()
     {
         EasDatabase::releaseInstance();
-        qputenv("HOME", mOldHome);
         QLoggingCategory::setFilterRules(QString());
     }
 
@@ -301,32 +299,30 @@ private Q_SLOTS:
 
     void badNumbersAreLoggedAndTheRestIsRead()
     {
-        const LogCollector log;
         SyncResponseParser parser;
         parser.parse(document(node(AirSync::Sync,
             { node(AirSync::Status, "four"), node(AirSync::Limit, "few"),
                 node(AirSync::Collections, { collection({}) }) })));
         QVERIFY(parser.ready());
-        QVERIFY(log.contains(QtWarningMsg, { "Cannot convert to uint: ", "four" }));
-        QVERIFY(log.contains(QtWarningMsg, { "Cannot convert to int: ", "few" }));
+        QVERIFY(mLog->contains(QtWarningMsg, { "Cannot convert to uint: ", "four" }));
+        QVERIFY(mLog->contains(QtWarningMsg, { "Cannot convert to int: ", "few" }));
         QCOMPARE(parser.status(), 0U);
         QCOMPARE(parser.collections().size(), 1);
     }
 
     void whatIsNotExpectedIsLogged()
     {
-        const LogCollector log;
         SyncResponseParser parser;
         parser.parse(document(node(AirSync::Sync,
             { node(Email::Subject, "stray"), node(AirSync::WindowSize, "1"),
                 node(AirSync::MoreAvailable) })));
-        QVERIFY(log.contains(QtWarningMsg, { "Unexpected element, page: ", "2", ", token: ", "20" }));
-        QVERIFY(log.contains(
+        QVERIFY(mLog->contains(QtWarningMsg, { "Unexpected element, page: ", "2", ", token: ", "20" }));
+        QVERIFY(mLog->contains(
             QtWarningMsg, { "Unexpected page: ", "2", ", token: ", "20", ", content: ", "stray" }));
-        QVERIFY(log.contains(QtWarningMsg, { "Unhandled end element, page: ", "2", ", token: ", "20" }));
-        QVERIFY(log.contains(
+        QVERIFY(mLog->contains(QtWarningMsg, { "Unhandled end element, page: ", "2", ", token: ", "20" }));
+        QVERIFY(mLog->contains(
             QtWarningMsg, { "Unexpected content: ", "1", ", codePage: ", "0", ", token: ", "21" }));
-        QVERIFY(log.contains(QStringLiteral("MORE_AVAILABLE")));
+        QVERIFY(mLog->contains(QStringLiteral("MORE_AVAILABLE")));
     }
 
     void everyTruncatedReplyIsNotReady()
@@ -341,8 +337,7 @@ private Q_SLOTS:
     }
 
 private:
-    QScopedPointer<QTemporaryDir> mHome;
-    QByteArray mOldHome;
+    QScopedPointer<LogCollector> mLog;
 };
 
 FENNEL_REGISTER_TEST(SyncResponseParserTest)
