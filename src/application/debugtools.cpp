@@ -119,8 +119,7 @@ void DebugTools::dumpWbxmlData(const QDebug &debug, const QByteArray &data)
 {
     if (data.isEmpty()) {
         QDebug output(debug);
-        output.nospace().noquote() << "WBXML tree: "
-                                   << "<empty>\n";
+        output.nospace().noquote() << "WBXML tree: <empty>\n";
         return;
     }
     WbxmlLogger(debug).parse(data);

@@ -70,6 +70,12 @@ private Q_SLOTS:
         QVERIFY(logged(document("45 03 22 C3A4 22 00 01")).contains(QString::fromUtf8("<Sync>\"ä\"</Sync>")));
     }
 
+    void controlCharactersStayOut()
+    {
+        QVERIFY(logged(document("45 C3 06 61 00 1B 09 C2 9B 01"))
+                    .contains(QStringLiteral("<Sync>a..\t.</Sync>")));
+    }
+
     void tagsThatTheLibraryLacksHaveNames()
     {
         QVERIFY(logged(document("00 19 45 06 01")).contains(QStringLiteral("<SearchId>")));

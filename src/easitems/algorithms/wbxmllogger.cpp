@@ -33,6 +33,18 @@ bool isSecret(uint codePage, uint token)
     }
 }
 
+/** A zero would end the log line for the handler behind it, an escape sequence would reach the terminal. */
+QString withoutControls(QString text)
+{
+    for (QChar &character : text) {
+        const bool isKept = character == QLatin1Char('\n') || character == QLatin1Char('\r')
+            || character == QLatin1Char('\t') || character.category() != QChar::Other_Control;
+        if (!isKept)
+            character = QLatin1Char('.');
+    }
+    return text;
+}
+
 } // namespace
 
 WbxmlLogger::WbxmlLogger(const QDebug &debug, QObject *parent)
@@ -87,7 +99,7 @@ void WbxmlLogger::onContent(uint codePage, uint token, const QString &text, cons
     else if (isBinary(codePage, token))
         writeText(QStringLiteral("HEX{%1}").arg(QString::fromLatin1(raw.toHex())));
     else
-        writeText(text);
+        writeText(withoutControls(text));
 }
 
 QString WbxmlLogger::wsPrefix() const
