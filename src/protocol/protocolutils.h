@@ -10,44 +10,50 @@ class QObject;
 /** The literals of the wire protocol and the limits that all requests share. */
 namespace ProtocolUtils {
 
-inline constexpr QLatin1String PolicyType("MS-EAS-Provisioning-WBXML");
-inline constexpr QLatin1String DefaultPolicyKey("0");
-inline constexpr QLatin1String InitialSyncKey("0");
+/** The string class measures a text in a way that not every compiler takes as constant; an array knows. */
+template <int Size> constexpr QLatin1String latin1(const char (&text)[Size])
+{
+    return QLatin1String(text, Size - 1);
+}
 
-inline constexpr QLatin1String ClassEmail("Email");
-inline constexpr QLatin1String ClassContacts("Contacts");
-inline constexpr QLatin1String ClassCalendar("Calendar");
-inline constexpr QLatin1String StorageMailbox("Mailbox");
+inline constexpr QLatin1String PolicyType = latin1("MS-EAS-Provisioning-WBXML");
+inline constexpr QLatin1String DefaultPolicyKey = latin1("0");
+inline constexpr QLatin1String InitialSyncKey = latin1("0");
 
-inline constexpr QLatin1String ContentTypeMultiPart("application/vnd.ms-sync.multipart");
-inline constexpr QLatin1String ContentTypeMessage("message/rfc822");
-inline constexpr QLatin1String ContentTypeWbxml("application/vnd.ms-sync.wbxml");
+inline constexpr QLatin1String ClassEmail = latin1("Email");
+inline constexpr QLatin1String ClassContacts = latin1("Contacts");
+inline constexpr QLatin1String ClassCalendar = latin1("Calendar");
+inline constexpr QLatin1String StorageMailbox = latin1("Mailbox");
 
-inline constexpr QLatin1String CommandAttendeesAvailable("ResolveRecipients");
-inline constexpr QLatin1String CommandSettings("Settings");
-inline constexpr QLatin1String CommandFind("Find");
-inline constexpr QLatin1String CommandSearch("Search");
-inline constexpr QLatin1String CommandPing("Ping");
-inline constexpr QLatin1String CommandProvision("Provision");
-inline constexpr QLatin1String CommandSmartForward("SmartForward");
-inline constexpr QLatin1String CommandSmartReply("SmartReply");
-inline constexpr QLatin1String CommandMeetingResponse("MeetingResponse");
-inline constexpr QLatin1String CommandSendMail("SendMail");
-inline constexpr QLatin1String CommandMoveItems("MoveItems");
-inline constexpr QLatin1String CommandGetAttachment("GetAttachment");
-inline constexpr QLatin1String CommandFolderUpdate("FolderUpdate");
-inline constexpr QLatin1String CommandFolderSync("FolderSync");
-inline constexpr QLatin1String CommandFolderDelete("FolderDelete");
-inline constexpr QLatin1String CommandFolderCreate("FolderCreate");
-inline constexpr QLatin1String CommandSync("Sync");
-inline constexpr QLatin1String CommandItemOperations("ItemOperations");
+inline constexpr QLatin1String ContentTypeMultiPart = latin1("application/vnd.ms-sync.multipart");
+inline constexpr QLatin1String ContentTypeMessage = latin1("message/rfc822");
+inline constexpr QLatin1String ContentTypeWbxml = latin1("application/vnd.ms-sync.wbxml");
 
-inline constexpr QLatin1String QueryLongId("LongId");
-inline constexpr QLatin1String QueryItemId("ItemId");
-inline constexpr QLatin1String QueryCollectionId("CollectionId");
-inline constexpr QLatin1String QuerySaveInSent("SaveInSent");
-inline constexpr QLatin1String QueryAttachmentName("AttachmentName");
-inline constexpr QLatin1String TrueValue("T");
+inline constexpr QLatin1String CommandAttendeesAvailable = latin1("ResolveRecipients");
+inline constexpr QLatin1String CommandSettings = latin1("Settings");
+inline constexpr QLatin1String CommandFind = latin1("Find");
+inline constexpr QLatin1String CommandSearch = latin1("Search");
+inline constexpr QLatin1String CommandPing = latin1("Ping");
+inline constexpr QLatin1String CommandProvision = latin1("Provision");
+inline constexpr QLatin1String CommandSmartForward = latin1("SmartForward");
+inline constexpr QLatin1String CommandSmartReply = latin1("SmartReply");
+inline constexpr QLatin1String CommandMeetingResponse = latin1("MeetingResponse");
+inline constexpr QLatin1String CommandSendMail = latin1("SendMail");
+inline constexpr QLatin1String CommandMoveItems = latin1("MoveItems");
+inline constexpr QLatin1String CommandGetAttachment = latin1("GetAttachment");
+inline constexpr QLatin1String CommandFolderUpdate = latin1("FolderUpdate");
+inline constexpr QLatin1String CommandFolderSync = latin1("FolderSync");
+inline constexpr QLatin1String CommandFolderDelete = latin1("FolderDelete");
+inline constexpr QLatin1String CommandFolderCreate = latin1("FolderCreate");
+inline constexpr QLatin1String CommandSync = latin1("Sync");
+inline constexpr QLatin1String CommandItemOperations = latin1("ItemOperations");
+
+inline constexpr QLatin1String QueryLongId = latin1("LongId");
+inline constexpr QLatin1String QueryItemId = latin1("ItemId");
+inline constexpr QLatin1String QueryCollectionId = latin1("CollectionId");
+inline constexpr QLatin1String QuerySaveInSent = latin1("SaveInSent");
+inline constexpr QLatin1String QueryAttachmentName = latin1("AttachmentName");
+inline constexpr QLatin1String TrueValue = latin1("T");
 
 // Header names and values go out as bytes.
 inline constexpr char KeepAlive[] = "Keep-Alive";

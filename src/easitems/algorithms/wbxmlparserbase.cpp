@@ -131,5 +131,6 @@ void WbxmlParserBase::flushCharacters()
         return;
     const QByteArray raw = std::move(mCharacters);
     mCharacters = QByteArray();
-    onCharacters(QString::fromUtf8(raw), raw);
+    // With its length: given the array alone, the decoder stops at the first zero.
+    onCharacters(QString::fromUtf8(raw.constData(), raw.size()), raw);
 }
