@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "client/commandtable.h"
+
+#include "client/accountcommands.h"
+#include "client/mailcommands.h"
+#include "client/synccommands.h"
+
+const QList<Command> &CommandTable::commands()
+{
+    static const QList<Command> table {
+        { "account add",
+            "ADDRESS [--server HOST|URL] [--user NAME] [--domain NAME] [--name TEXT] "
+            "[--folders all|inbox|marked] [--protocol-version V] [--past-time 0-8] "
+            "[--accept-all-certificates] [--password-fd N]",
+            "add an account; the password is asked for", AccountCommands::add },
+        { "account list", "", "the accounts", AccountCommands::list },
+        { "account show", "[ACCOUNT]", "the settings of an account", AccountCommands::show },
+        { "account enable", "[ACCOUNT]", "let the engine work for an account", AccountCommands::enable },
+        { "account disable", "[ACCOUNT]", "stop it", AccountCommands::disable },
+        { "account remove", "ACCOUNT", "remove an account and its mail from the device",
+            AccountCommands::remove },
+        { "password", "[ACCOUNT] [--password-fd N]", "store a new password", AccountCommands::password },
+        { "sync", "[--folder FOLDER ...] [--service mail|calendar|contacts] [--folders-only]",
+            "bring device and server in step", SyncCommands::sync },
+        { "folders", "", "the mail folders", MailCommands::folders },
+        { "mail list", "[FOLDER] [--limit N]", "the messages, newest first", MailCommands::list },
+        { "mail show", "MESSAGE", "a message with its text and parts", MailCommands::show },
+        { "mail get", "MESSAGE ... [--attachments]", "download whole messages", MailCommands::get },
+        { "attachment save", "MESSAGE PART [FILE|FOLDER] [--force]", "download and save an attachment",
+            MailCommands::saveAttachment },
+        { "mark read", "MESSAGE ...", "mark messages as read", MailCommands::markRead },
+        { "mark unread", "MESSAGE ...", "mark messages as unread", MailCommands::markUnread },
+        { "move", "MESSAGE ... FOLDER", "move messages", MailCommands::move },
+        { "delete", "MESSAGE ...", "delete messages", MailCommands::remove },
+        { "watch", "", "print every signal of the daemon as it comes", SyncCommands::watch },
+        { "cancel", "REQUEST", "cancel a request by its number", SyncCommands::cancel },
+        { "log", "debug|info|warning|critical", "what the daemon logs from now on", SyncCommands::log },
+        { "quit", "", "end the daemon", SyncCommands::quit },
+    };
+    return table;
+}
+
+const Command *CommandTable::take(QStringList &arguments)
+{
+    for (const Command &command : commands()) {
+        const QStringList words = QString::fromLatin1(command.name).split(QLatin1Char(' '));
+        if (arguments.mid(0, words.size()) == words) {
+            arguments = arguments.mid(words.size());
+            return &command;
+        }
+    }
+    return nullptr;
+}
+
+QString CommandTable::help()
+{
+    QString text = QStringLiteral("usage: fennel-easctl [--json] [--account ACCOUNT] COMMAND\n\n");
+    for (const Command &command : commands())
+        text += QStringLiteral("  %1 %2\n        %3\n")
+                    .arg(QLatin1String(command.name), QLatin1String(command.arguments),
+                        QLatin1String(command.purpose));
+    return text
+        + QStringLiteral("\nExit status: 0 done, 1 failed, 2 wrong usage, 3 not found, 4 a service cannot be "
+                         "reached, 5 cancelled.\n");
+}

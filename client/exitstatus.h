@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+/** What scripts can rely on. */
+enum ExitStatus {
+    ExitSuccess = 0,
+    /** The engine or the server refused, or something could not be written. */
+    ExitFailure = 1,
+    ExitUsage = 2,
+    /** No such account, folder, message or part. */
+    ExitNotFound = 3,
+    /** The daemon, the account store or the mail store cannot be reached. */
+    ExitUnavailable = 4,
+    ExitCancelled = 5
+};

@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "client/statustext.h"
+
+#include "common/easrequeststatus.h"
+#include "protocol/eas.h"
+
+#include <QMetaEnum>
+#include <QNetworkReply>
+
+namespace {
+
+constexpr int TransportBase = 10000;
+
+struct Row
+{
+    int status;
+    const char *text;
+};
+
+constexpr Row rows[] = {
+    { EasRequestStatus::RequestStatusVersionUnknown,
+        "The server offers no protocol version between 12.0 and 16.1. Check that the address is that of an "
+        "Exchange ActiveSync server." },
+    { EasRequestStatus::RequestStatusInternalError,
+        "The engine could not finish the work, or does not know the account. Is it enabled? The daemon's log "
+        "tells more (fennel-easctl log debug)." },
+    { EasRequestStatus::RequestStatusBadRequest,
+        "The request made no sense to the server. Check its arguments." },
+    { EasRequestStatus::RequestStatusCancelled,
+        "Cancelled, or the account is blocked because its password was refused. Enter it again with "
+        "fennel-easctl password." },
+    { EasRequestStatus::RequestStatusPolicyRefused,
+        "The server asks for a security policy that this device does not apply." },
+    { EasRequestStatus::RequestStatusServerStorageFull,
+        "The mailbox on the server is full. Free some space there, then sync again." },
+    { EasRequestStatus::RequestStatusWipeAcknowledged, "The server has had the account wiped." },
+    { EasRequestStatus::RequestStatusCommandNotSupported, "The server does not offer this command." },
+    { EasRequestStatus::RequestStatusNoNetwork, "There is no network. Try again once the device is online." },
+    { EasRequestStatus::RequestStatusMessageTooLarge,
+        "The message is too large, or the mailbox is over its quota." },
+    { TransportBase + QNetworkReply::ConnectionRefusedError,
+        "Nothing answers at the server's address and port. Check them with fennel-easctl account show." },
+    { TransportBase + QNetworkReply::HostNotFoundError,
+        "The server's host name is not known. Check its spelling." },
+    { TransportBase + QNetworkReply::TimeoutError, "The server did not answer in time. Try again later." },
+    { TransportBase + QNetworkReply::SslHandshakeFailedError,
+        "The server's certificate is not trusted. If it is your own server, allow it with "
+        "--accept-all-certificates when adding the account." },
+    { TransportBase + QNetworkReply::AuthenticationRequiredError,
+        "The server refused user name or password. Enter the password again with fennel-easctl password." },
+    { TransportBase + QNetworkReply::ContentAccessDenied,
+        "The server does not let this user or device in. Ask its administrator." },
+    { TransportBase + QNetworkReply::InternalServerError, "The server failed. Try again later." },
+    { TransportBase + QNetworkReply::ServiceUnavailableError,
+        "The server is busy or down. Try again later." },
+};
+
+QString transportName(int status)
+{
+    const char *key = QMetaEnum::fromType<QNetworkReply::NetworkError>().valueToKey(status - TransportBase);
+    return key ? QString::fromLatin1(key) : QString::number(status);
+}
+
+} // namespace
+
+QString StatusText::name(int status)
+{
+    const QString own = EasRequestStatus::name(status);
+    if (!own.isEmpty())
+        return own;
+    if (status >= TransportBase)
+        return transportName(status);
+    const char *key = status >= Eas::CommonStatusInvalidContent
+        ? QMetaEnum::fromType<Eas::CommonStatus>().valueToKey(status)
+        : nullptr;
+    return key ? QString::fromLatin1(key) : QStringLiteral("status %1").arg(status);
+}
+
+QString StatusText::explanation(int status)
+{
+    QString text = QStringLiteral("The server answered with an error.");
+    for (const Row &row : rows) {
+        if (row.status == status)
+            text = QString::fromLatin1(row.text);
+    }
+    return QStringLiteral("%1 [%2, %3]").arg(text, name(status)).arg(status);
+}
