@@ -13,7 +13,7 @@
 #include "protocol/wbxmltokens.h"
 #include "requests/folderhierarchychanges.h"
 #include "requests/moveitemsresulthandler.h"
-#include "requests/synccollectionbuilder.h"
+#include "requests/synccollectionqueue.h"
 #include "requests/syncfolderselection.h"
 #include "requests/syncreplyprocessor.h"
 #include "storages/calendarstorage.h"
@@ -483,7 +483,7 @@ void SyncRequest::startSyncCommand()
     }
     QList<SyncCollection> initial;
     QList<SyncCollection> continuing;
-    queryCollectionsForSync(initial, continuing);
+    SyncCollectionQueue(*easAccount, mSync).queryCollectionsForSync(initial, continuing);
     qCInfo(eas()) << "initialSync size" << initial.size() << ", sync size" << continuing.size();
     dropCommand();
     if (initial.isEmpty() && continuing.isEmpty()) {
@@ -506,40 +506,6 @@ void SyncRequest::sendSync(RequestState state, const QList<SyncCollection> &coll
     command->start();
 }
 
-void SyncRequest::queryCollectionsForSync(QList<SyncCollection> &initial, QList<SyncCollection> &continuing)
-{
-    QList<EasFolderItem> folders;
-    const auto mark = [&](const QStringList &serverIds, const char *reason, bool resync) {
-        for (const QString &serverId : serverIds) {
-            EasFolderItem folder = EasDatabase::instance()->folderItemByServerId(accountId(), serverId);
-            const bool listed = std::any_of(folders.cbegin(), folders.cend(),
-                [&](const EasFolderItem &other) { return other.serverId() == serverId; });
-            if (folder.serverId() != serverId || folder.type() == EasFolderItem::UnknownFolder || listed)
-                continue;
-            qCDebug(eas()) << reason << serverId;
-            if (resync)
-                folder.setSyncKey(ProtocolUtils::InitialSyncKey);
-            folders.append(folder);
-        }
-    };
-    mark(mSync.collectionsToResync, "Marking collection for sync due to resync:", true);
-    if (mSync.collectionsToRetry.isEmpty())
-        mark(mSync.collectionsToSync, "Marking collection for sync due to needing sync:", false);
-    else
-        mark(mSync.collectionsToRetry, "Marking collection for sync due to retry:", false);
-
-    mSync.calendarExceptionsForLater.clear();
-    SyncCollectionBuilder builder(*account(), mSync);
-    for (const EasFolderItem &folder : qAsConst(folders)) {
-        const SyncCollection collection = builder.collection(folder);
-        const bool isInitial = collection.syncKey() == ProtocolUtils::InitialSyncKey;
-        qCDebug(eas()) << "Have collection:" << collection.id() << "=" << collection.localId()
-                       << "with syncKey:" << collection.syncKey()
-                       << (isInitial ? "- requires initial sync." : "- requires normal sync.");
-        (isInitial ? initial : continuing).append(collection);
-    }
-}
-
 bool SyncRequest::startCollectionsResync()
 {
     if (mSync.collectionsToResync.isEmpty()) {
@@ -553,63 +519,11 @@ bool SyncRequest::startCollectionsResync()
         return false;
     }
     QList<SyncCollection> collections;
-    SyncCollectionBuilder builder(*easAccount, mSync);
-    for (const QString &serverId : qAsConst(mSync.collectionsToResync)) {
-        EasFolderItem folder = EasDatabase::instance()->folderItemByServerId(accountId(), serverId);
-        folder.setSyncKey(ProtocolUtils::InitialSyncKey);
-        if (!forgetCollection(folder))
-            return false;
-        collections.append(builder.collection(folder));
-    }
+    if (!SyncCollectionQueue(*easAccount, mSync).restart(collections))
+        return false;
     qCInfo(eas()) << collections.size() << "collections for resync";
     sendSync(StateResync, collections);
     return true;
-}
-
-bool SyncRequest::forgetCollection(const EasFolderItem &folder)
-{
-    // The key goes first: items that were wiped under a key that still holds would never come again.
-    EasFolderItem forgotten = folder;
-    forgotten.appendChangedField(Wbxml::AirSync::SyncKey.key());
-    EasDatabase *database = EasDatabase::instance();
-    if (!database->updateFolderItems(accountId(), { forgotten }))
-        return false;
-    if (folder.isCalendar()) {
-        account()->calendarStorage()->cleanUpFolder(folder);
-        return database->clearCalendarFolder(accountId(), folder.serverId());
-    }
-    if (!folder.isEmail())
-        return true;
-    if (const QSharedPointer<MailStorage> storage = account()->mailStorage()) {
-        storage->cleanUpFolder(folder);
-        return database->clearEmailFolder(accountId(), folder.serverId());
-    }
-    qCWarning(eas()) << "MailStorage is null";
-    return true;
-}
-
-bool SyncRequest::updateFolderSyncKeys(const QList<SyncCollection> &collections, int *changed)
-{
-    QList<EasFolderItem> items;
-    for (const SyncCollection &collection : collections) {
-        EasFolderItem folder = EasDatabase::instance()->folderItemByServerId(accountId(), collection.id());
-        if (collection.syncKey().isEmpty() || collection.syncKey() == folder.syncKey()) {
-            qCDebug(eas()) << "No need to update folder sync key to:" << collection.syncKey()
-                           << "for folder:" << folder.localId() << "with server id:" << collection.id();
-            continue;
-        }
-        qCDebug(eas()) << "Updating folder sync key from:" << folder.syncKey()
-                       << "to:" << collection.syncKey() << "for folder:" << folder.localId()
-                       << "with server id:" << collection.id();
-        folder.setSyncKey(collection.syncKey());
-        folder.appendChangedField(Wbxml::AirSync::SyncKey.key());
-        items.append(folder);
-    }
-    *changed = items.size();
-    if (EasDatabase::instance()->updateFolderItems(accountId(), items))
-        return true;
-    qCCritical(eas()) << "failed to update folders in EAS DB";
-    return false;
 }
 
 // Initial collections
@@ -636,7 +550,8 @@ void SyncRequest::storeInitialKeys(const SyncCommand &command)
 {
     int changed = 0;
     setStatus(RequestStatusSuccess);
-    if (!updateFolderSyncKeys(command.responseCollections(), &changed)) {
+    if (!SyncCollectionQueue(*account(), mSync)
+             .updateFolderSyncKeys(command.responseCollections(), &changed)) {
         qCCritical(eas()) << "Initial Sync command failed to update folder sync keys";
         return completeWith(RequestStatusInternalError);
     }
@@ -686,7 +601,7 @@ void SyncRequest::applySyncReply(const SyncCommand &command)
         return restartFromAccount();
     }
     int changedKeys = 0;
-    if (!updateFolderSyncKeys(processor.updated(), &changedKeys)) {
+    if (!SyncCollectionQueue(*easAccount, mSync).updateFolderSyncKeys(processor.updated(), &changedKeys)) {
         qCCritical(eas()) << "failed to update sync keys for updated collections";
         return completeWith(RequestStatusInternalError);
     }

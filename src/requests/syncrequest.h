@@ -7,7 +7,6 @@
 #include <QPointer>
 #include <QStringList>
 
-class EasFolderItem;
 class FolderSyncCommand;
 class MoveItemsCommand;
 class SyncCollection;
@@ -89,12 +88,8 @@ private:
     void processMoveItemsFinished(bool success);
     bool handleMoveItemsResults(const MoveItemsCommand &command);
 
-    void queryCollectionsForSync(QList<SyncCollection> &initial, QList<SyncCollection> &continuing);
     void sendSync(RequestState state, const QList<SyncCollection> &collections);
     bool startCollectionsResync();
-    bool forgetCollection(const EasFolderItem &folder);
-    /** The one place where a collection's key is committed; false, logged, if the database refused. */
-    bool updateFolderSyncKeys(const QList<SyncCollection> &collections, int *changed);
 
     void processInitialSyncFinished(bool success);
     void storeInitialKeys(const SyncCommand &command);

@@ -1,0 +1,114 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "requests/synccollectionqueue.h"
+
+#include "application/easaccount.h"
+#include "application/easdatabase.h"
+#include "application/logging.h"
+#include "protocol/protocolutils.h"
+#include "protocol/wbxmltokens.h"
+#include "requests/synccollectionbuilder.h"
+#include "requests/syncstate.h"
+#include "storages/calendarstorage.h"
+#include "storages/mailstorage.h"
+
+#include <algorithm>
+
+SyncCollectionQueue::SyncCollectionQueue(EasAccount &account, SyncState &state)
+    : mAccount(account)
+    , mState(state)
+{
+}
+
+void SyncCollectionQueue::queryCollectionsForSync(
+    QList<SyncCollection> &initial, QList<SyncCollection> &continuing)
+{
+    QList<EasFolderItem> folders;
+    const auto mark = [&](const QStringList &serverIds, const char *reason, bool resync) {
+        for (const QString &serverId : serverIds) {
+            EasFolderItem folder = EasDatabase::instance()->folderItemByServerId(mAccount.id(), serverId);
+            const bool listed = std::any_of(folders.cbegin(), folders.cend(),
+                [&](const EasFolderItem &other) { return other.serverId() == serverId; });
+            if (folder.serverId() != serverId || folder.type() == EasFolderItem::UnknownFolder || listed)
+                continue;
+            qCDebug(eas()) << reason << serverId;
+            if (resync)
+                folder.setSyncKey(ProtocolUtils::InitialSyncKey);
+            folders.append(folder);
+        }
+    };
+    mark(mState.collectionsToResync, "Marking collection for sync due to resync:", true);
+    if (mState.collectionsToRetry.isEmpty())
+        mark(mState.collectionsToSync, "Marking collection for sync due to needing sync:", false);
+    else
+        mark(mState.collectionsToRetry, "Marking collection for sync due to retry:", false);
+
+    mState.calendarExceptionsForLater.clear();
+    SyncCollectionBuilder builder(mAccount, mState);
+    for (const EasFolderItem &folder : qAsConst(folders)) {
+        const SyncCollection collection = builder.collection(folder);
+        const bool isInitial = collection.syncKey() == ProtocolUtils::InitialSyncKey;
+        qCDebug(eas()) << "Have collection:" << collection.id() << "=" << collection.localId()
+                       << "with syncKey:" << collection.syncKey()
+                       << (isInitial ? "- requires initial sync." : "- requires normal sync.");
+        (isInitial ? initial : continuing).append(collection);
+    }
+}
+
+bool SyncCollectionQueue::restart(QList<SyncCollection> &collections)
+{
+    SyncCollectionBuilder builder(mAccount, mState);
+    for (const QString &serverId : qAsConst(mState.collectionsToResync)) {
+        EasFolderItem folder = EasDatabase::instance()->folderItemByServerId(mAccount.id(), serverId);
+        folder.setSyncKey(ProtocolUtils::InitialSyncKey);
+        if (!forgetCollection(folder))
+            return false;
+        collections.append(builder.collection(folder));
+    }
+    return true;
+}
+
+bool SyncCollectionQueue::forgetCollection(const EasFolderItem &folder)
+{
+    // The key goes first: items that were wiped under a key that still holds would never come again.
+    EasFolderItem forgotten = folder;
+    forgotten.appendChangedField(Wbxml::AirSync::SyncKey.key());
+    EasDatabase *database = EasDatabase::instance();
+    if (!database->updateFolderItems(mAccount.id(), { forgotten }))
+        return false;
+    if (folder.isCalendar()) {
+        mAccount.calendarStorage()->cleanUpFolder(folder);
+        return database->clearCalendarFolder(mAccount.id(), folder.serverId());
+    }
+    if (!folder.isEmail())
+        return true;
+    if (const QSharedPointer<MailStorage> storage = mAccount.mailStorage()) {
+        storage->cleanUpFolder(folder);
+        return database->clearEmailFolder(mAccount.id(), folder.serverId());
+    }
+    qCWarning(eas()) << "MailStorage is null";
+    return true;
+}
+
+bool SyncCollectionQueue::updateFolderSyncKeys(const QList<SyncCollection> &collections, int *changed)
+{
+    QList<EasFolderItem> items;
+    for (const SyncCollection &collection : collections) {
+        EasFolderItem folder = EasDatabase::instance()->folderItemByServerId(mAccount.id(), collection.id());
+        if (collection.syncKey().isEmpty() || collection.syncKey() == folder.syncKey()) {
+            qCDebug(eas()) << "No need to update folder sync key to:" << collection.syncKey()
+                           << "for folder:" << folder.localId() << "with server id:" << collection.id();
+            continue;
+        }
+        qCDebug(eas()) << "Updating folder sync key from:" << folder.syncKey()
+                       << "to:" << collection.syncKey() << "for folder:" << folder.localId()
+                       << "with server id:" << collection.id();
+        folder.setSyncKey(collection.syncKey());
+        folder.appendChangedField(Wbxml::AirSync::SyncKey.key());
+        items.append(folder);
+    }
+    *changed = items.size();
+    if (EasDatabase::instance()->updateFolderItems(mAccount.id(), items))
+        return true;
+    qCCritical(eas()) << "failed to update folders in EAS DB";
+    return false;
+}

@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include "protocol/synccollection.h"
+
+#include <QList>
+
+class EasAccount;
+class EasFolderItem;
+struct SyncState;
+
+/**
+ * The collections of a sync and their keys: which of them go into the next Sync, which begin anew, and where
+ * a new key is committed. A value on the stack of a request's slot; account and state must outlive it. Main
+ * thread only.
+ */
+class SyncCollectionQueue
+{
+public:
+    SyncCollectionQueue(EasAccount &account, SyncState &state);
+
+    /** Collections without a key go first, alone; those that have to be repeated go before all others. */
+    void queryCollectionsForSync(QList<SyncCollection> &initial, QList<SyncCollection> &continuing);
+
+    /** Forgets keys and items of the collections that begin anew; false, logged, if that failed. */
+    bool restart(QList<SyncCollection> &collections);
+
+    /** The one place where a collection's key is committed; false, logged, if the database refused. */
+    bool updateFolderSyncKeys(const QList<SyncCollection> &collections, int *changed);
+
+private:
+    bool forgetCollection(const EasFolderItem &folder);
+
+    EasAccount &mAccount;
+    SyncState &mState;
+};
