@@ -1,0 +1,201 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "simulator/controlchannel.h"
+
+#include "simulator/email.h"
+
+#include <QFile>
+#include <QProcess>
+
+#include <cstdio>
+#include <unistd.h>
+
+using Simulator::Email;
+using Simulator::ItemEntry;
+using Simulator::MailFolder;
+
+namespace {
+
+const QString noFolder = QStringLiteral("error no such folder");
+const QString noItem = QStringLiteral("error no such item");
+
+QString done(bool success, const QString &failure)
+{
+    return success ? QStringLiteral("ok") : failure;
+}
+
+} // namespace
+
+const QVector<ControlChannel::Entry> &ControlChannel::entries()
+{
+    static const QVector<Entry> table {
+        { "deliver", 1, &ControlChannel::deliver, "deliver FILE [FOLDER]" },
+        { "delete", 2, &ControlChannel::remove, "delete FOLDER ITEM" },
+        { "read", 2, &ControlChannel::read, "read FOLDER ITEM" },
+        { "unread", 2, &ControlChannel::unread, "unread FOLDER ITEM" },
+        { "move", 3, &ControlChannel::move, "move FOLDER ITEM TO-FOLDER" },
+        { "list", 0, &ControlChannel::list, "list [FOLDER]" },
+        { "folders", 0, &ControlChannel::folders, "folders" },
+        { "add-folder", 1, &ControlChannel::addFolder, "add-folder NAME [PARENT]" },
+        { "rename-folder", 2, &ControlChannel::renameFolder, "rename-folder FOLDER NAME" },
+        { "remove-folder", 1, &ControlChannel::removeFolder, "remove-folder FOLDER" },
+        { "quit", 0, &ControlChannel::quit, "quit" },
+    };
+    return table;
+}
+
+ControlChannel::ControlChannel(Simulator::Mailbox &mailbox, QObject *parent)
+    : QObject(parent)
+    , mMailbox(mailbox)
+    , mNotifier(STDIN_FILENO, QSocketNotifier::Read)
+{
+    connect(&mNotifier, &QSocketNotifier::activated, this, &ControlChannel::onReadable);
+}
+
+QString ControlChannel::help()
+{
+    QString text =
+        QStringLiteral("Commands on standard input (FOLDER is a path of names or an identifier):\n");
+    for (const Entry &entry : entries())
+        text += QStringLiteral("  ") + QLatin1String(entry.usage) + QLatin1Char('\n');
+    return text;
+}
+
+void ControlChannel::onReadable()
+{
+    char buffer[4096];
+    const ssize_t size = ::read(STDIN_FILENO, buffer, sizeof(buffer));
+    if (size <= 0) {
+        // Whoever started the server is not going to say more; it goes on serving.
+        mNotifier.setEnabled(false);
+        return;
+    }
+    mInput.append(buffer, int(size));
+    for (int end = mInput.indexOf('\n'); end >= 0; end = mInput.indexOf('\n')) {
+        const QString line = QString::fromUtf8(mInput.left(end)).trimmed();
+        mInput.remove(0, end + 1);
+        if (line.isEmpty())
+            continue;
+        std::fputs(qUtf8Printable(run(line) + QLatin1Char('\n')), stdout);
+        std::fflush(stdout);
+    }
+}
+
+QString ControlChannel::run(const QString &line)
+{
+    QStringList arguments = QProcess::splitCommand(line);
+    const QString name = arguments.isEmpty() ? QString() : arguments.takeFirst();
+    for (const Entry &entry : entries()) {
+        if (name != QLatin1String(entry.name))
+            continue;
+        if (arguments.size() < entry.fewestArguments)
+            return QStringLiteral("error usage: ") + QLatin1String(entry.usage);
+        return (this->*entry.command)(arguments);
+    }
+    return QStringLiteral("error no such command: ") + name;
+}
+
+QString ControlChannel::folderId(const QString &name) const
+{
+    const QString byPath = mMailbox.folderByPath(name).id;
+    return byPath.isEmpty() ? mMailbox.folder(name).id : byPath;
+}
+
+QString ControlChannel::itemId(const QString &folder, const QString &item) const
+{
+    const QString id = item.contains(QLatin1Char(':')) ? item : folderId(folder) + QLatin1Char(':') + item;
+    return mMailbox.item(id) ? id : QString();
+}
+
+QString ControlChannel::deliver(const Arguments &arguments)
+{
+    QFile file(arguments.at(0));
+    if (!file.open(QIODevice::ReadOnly))
+        return QStringLiteral("error %1: %2").arg(file.fileName(), file.errorString());
+    const QString folder = arguments.size() > 1 ? folderId(arguments.at(1)) : mMailbox.inboxId();
+    const QString id = mMailbox.deliver(folder, file.readAll(), QDateTime::currentDateTimeUtc());
+    return id.isEmpty() ? noFolder : QStringLiteral("ok ") + id;
+}
+
+QString ControlChannel::remove(const Arguments &arguments)
+{
+    return done(mMailbox.remove(itemId(arguments.at(0), arguments.at(1))), noItem);
+}
+
+QString ControlChannel::setRead(const Arguments &arguments, bool isRead)
+{
+    return done(mMailbox.setRead(itemId(arguments.at(0), arguments.at(1)), isRead), noItem);
+}
+
+QString ControlChannel::read(const Arguments &arguments)
+{
+    return setRead(arguments, true);
+}
+
+QString ControlChannel::unread(const Arguments &arguments)
+{
+    return setRead(arguments, false);
+}
+
+QString ControlChannel::move(const Arguments &arguments)
+{
+    const QString id = itemId(arguments.at(0), arguments.at(1));
+    if (id.isEmpty())
+        return noItem;
+    const QString moved = mMailbox.move(id, folderId(arguments.at(2)));
+    return moved.isEmpty() ? noFolder : QStringLiteral("ok ") + moved;
+}
+
+QString ControlChannel::list(const Arguments &arguments)
+{
+    const QString folder = arguments.isEmpty() ? mMailbox.inboxId() : folderId(arguments.first());
+    if (folder.isEmpty())
+        return noFolder;
+    QString lines;
+    const QVector<ItemEntry> entries = mMailbox.items(folder);
+    for (const ItemEntry &entry : entries) {
+        const auto email = std::dynamic_pointer_cast<const Email>(entry.item);
+        lines += QStringLiteral("%1\t%2\t%3\t%4\n")
+                     .arg(entry.serverId,
+                         email && email->isRead() ? QStringLiteral("read") : QStringLiteral("unread"),
+                         entry.item->date().toString(Qt::ISODate),
+                         email ? email->content().headers().subject : entry.item->className());
+    }
+    return lines + QStringLiteral("ok %1").arg(entries.size());
+}
+
+QString ControlChannel::folders(const Arguments &)
+{
+    QString lines;
+    const QVector<MailFolder> all = mMailbox.folders();
+    for (const MailFolder &folder : all) {
+        lines += QStringLiteral("%1\t%2\t%3\t%4\t%5\n")
+                     .arg(folder.id, folder.parentId)
+                     .arg(folder.type)
+                     .arg(mMailbox.itemCount(folder.id))
+                     .arg(folder.name);
+    }
+    return lines + QStringLiteral("ok %1").arg(all.size());
+}
+
+QString ControlChannel::addFolder(const Arguments &arguments)
+{
+    const QString parent = arguments.size() > 1 ? folderId(arguments.at(1)) : QStringLiteral("0");
+    const QString id = mMailbox.addFolder(arguments.at(0), Simulator::UserMailFolder, parent);
+    return id.isEmpty() ? noFolder : QStringLiteral("ok ") + id;
+}
+
+QString ControlChannel::renameFolder(const Arguments &arguments)
+{
+    return done(mMailbox.renameFolder(folderId(arguments.at(0)), arguments.at(1)), noFolder);
+}
+
+QString ControlChannel::removeFolder(const Arguments &arguments)
+{
+    return done(mMailbox.removeFolder(folderId(arguments.at(0))), noFolder);
+}
+
+QString ControlChannel::quit(const Arguments &)
+{
+    QMetaObject::invokeMethod(this, &ControlChannel::quitRequested, Qt::QueuedConnection);
+    return QStringLiteral("ok");
+}

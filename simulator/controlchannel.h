@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include "simulator/mailbox.h"
+
+#include <QObject>
+#include <QSocketNotifier>
+
+/**
+ * Commands on standard input that act as the mailbox's other clients would; each is answered by lines of
+ * which the last begins with "ok" or "error". Owned by main(), lives in the main thread.
+ */
+class ControlChannel : public QObject
+{
+    Q_OBJECT
+
+public:
+    ControlChannel(Simulator::Mailbox &mailbox, QObject *parent);
+
+    /** Runs one line and returns the answer. */
+    QString run(const QString &line);
+    static QString help();
+
+Q_SIGNALS:
+    void quitRequested();
+
+private:
+    using Arguments = QStringList;
+    using Command = QString (ControlChannel::*)(const Arguments &);
+    struct Entry
+    {
+        const char *name;
+        int fewestArguments;
+        Command command;
+        const char *usage;
+    };
+    static const QVector<Entry> &entries();
+
+    void onReadable();
+    QString deliver(const Arguments &arguments);
+    QString remove(const Arguments &arguments);
+    QString read(const Arguments &arguments);
+    QString unread(const Arguments &arguments);
+    QString move(const Arguments &arguments);
+    QString list(const Arguments &arguments);
+    QString folders(const Arguments &arguments);
+    QString addFolder(const Arguments &arguments);
+    QString renameFolder(const Arguments &arguments);
+    QString removeFolder(const Arguments &arguments);
+    QString quit(const Arguments &arguments);
+    QString setRead(const Arguments &arguments, bool isRead);
+    /** Identifier of a folder named by its path or its identifier. */
+    QString folderId(const QString &name) const;
+    QString itemId(const QString &folder, const QString &item) const;
+
+    Simulator::Mailbox &mMailbox;
+    QSocketNotifier mNotifier;
+    QByteArray mInput;
+};
