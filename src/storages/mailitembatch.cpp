@@ -43,7 +43,7 @@ MailItemBatch::MailItemBatch(const MailStoreContext &context)
 {
 }
 
-bool MailItemBatch::addEmailItems(QList<EasEmailItem> &items, const QMap<QString, QString> &serverToLocal)
+bool MailItemBatch::addEmailItems(QList<EasEmailItem> &items)
 {
     mAdopted.clear();
     const QHash<QString, QMailMessageId> stored = storedMessages(items);
@@ -56,13 +56,12 @@ bool MailItemBatch::addEmailItems(QList<EasEmailItem> &items, const QMap<QString
         if (!uid.isEmpty() && byUid.contains(uid))
             continue;
         kept.append(item);
-        const bool mapped = serverToLocal.contains(uid);
-        if (!mapped && deleted.contains(uid)) {
+        if (deleted.contains(uid) && !isMapped(uid)) {
             qCInfo(eas()) << "not stored, the user has deleted it:" << uid;
             continue;
         }
         std::unique_ptr<QMailMessage> message;
-        if (!prepareItem(item, stored.value(uid), mapped, &message))
+        if (!prepareItem(item, stored.value(uid), &message))
             return false;
         message->setStatus(QMailMessage::New, true);
         byUid.insert(uid.isEmpty() ? QString::number(kept.size()) + QLatin1Char('\n') : uid, message.get());
@@ -84,8 +83,8 @@ bool MailItemBatch::addEmailItems(QList<EasEmailItem> &items, const QMap<QString
     return true;
 }
 
-bool MailItemBatch::prepareItem(const EasEmailItem &item, const QMailMessageId &stored, bool mapped,
-    std::unique_ptr<QMailMessage> *message) const
+bool MailItemBatch::prepareItem(
+    const EasEmailItem &item, const QMailMessageId &stored, std::unique_ptr<QMailMessage> *message) const
 {
     if (!hasFolder(item))
         return false;
@@ -97,7 +96,7 @@ bool MailItemBatch::prepareItem(const EasEmailItem &item, const QMailMessageId &
     if ((*message)->id().isValid() || !stored.isValid())
         return true;
     const QMailMessage present = mContext.store->message(stored);
-    if (!canAdopt(present, item, mapped)) {
+    if (!canAdopt(present, item)) {
         qCCritical(eas()) << "server id" << item.serverId() << "of collection" << item.collectionId()
                           << "is that of another message already, with id" << stored.toULongLong();
         return false;
@@ -116,11 +115,18 @@ bool MailItemBatch::hasFolder(const EasEmailItem &item) const
     return false;
 }
 
-bool MailItemBatch::canAdopt(const QMailMessage &stored, const EasEmailItem &item, bool mapped) const
+bool MailItemBatch::isMapped(const QString &serverUid) const
+{
+    return !EasDatabase::instance()
+                ->collectionServerIdFromEmailItemId(mContext.accountId(), serverUid)
+                .isEmpty();
+}
+
+bool MailItemBatch::canAdopt(const QMailMessage &stored, const EasEmailItem &item) const
 {
     const QMailFolderId folder(item.localCollectionId());
-    return !mapped || hasStatus(stored, QMailMessage::Temporary) || stored.parentFolderId() == folder
-        || stored.previousParentFolderId() == folder;
+    return hasStatus(stored, QMailMessage::Temporary) || stored.parentFolderId() == folder
+        || stored.previousParentFolderId() == folder || !isMapped(stored.serverUid());
 }
 
 void MailItemBatch::adopt(QMailMessage &fresh, const QMailMessage &stored) const
@@ -348,7 +354,7 @@ bool MailItemBatch::addSearchResults(QList<EasEmailItem> &items, QList<quint64> 
             const QMailMessageId known = stored.value(uid);
             if (known.isValid()) // a message that is synchronised anyway
                 made = std::make_unique<QMailMessage>(mContext.store->message(known));
-            else if (!prepareItem(item, QMailMessageId(), false, &made))
+            else if (!prepareItem(item, QMailMessageId(), &made))
                 return false;
             if (!made->id().isValid())
                 made->setStatus(QMailMessage::Temporary, true);

@@ -37,7 +37,7 @@ public:
      * Stores new messages and writes their local ids into the items. An item that the user has deleted in the
      * meantime keeps an empty local id; one that occurs twice is taken once and leaves the list.
      */
-    bool addEmailItems(QList<EasEmailItem> &items, const QMap<QString, QString> &serverToLocal);
+    bool addEmailItems(QList<EasEmailItem> &items);
     bool updateEmailItems(const QList<EasEmailItem> &items, const QMap<QString, QString> &serverToLocal);
     bool deleteEmailItems(const QStringList &serverIds, const QMap<QString, QString> &serverToLocal);
     bool deleteEmailItems(const QMailMessageIdList &ids);
@@ -59,11 +59,12 @@ private:
 
     QHash<QString, QMailMessageId> storedMessages(const QList<EasEmailItem> &items) const;
     QSet<QString> deletedByUser(const QList<EasEmailItem> &items) const;
+    bool isMapped(const QString &serverUid) const;
     bool hasFolder(const EasEmailItem &item) const;
-    bool canAdopt(const QMailMessage &stored, const EasEmailItem &item, bool mapped) const;
+    bool canAdopt(const QMailMessage &stored, const EasEmailItem &item) const;
     void adopt(QMailMessage &fresh, const QMailMessage &stored) const;
-    bool prepareItem(const EasEmailItem &item, const QMailMessageId &stored, bool mapped,
-        std::unique_ptr<QMailMessage> *message) const;
+    bool prepareItem(
+        const EasEmailItem &item, const QMailMessageId &stored, std::unique_ptr<QMailMessage> *message) const;
     bool store(const Messages &messages);
     bool update(const std::map<QMailMessageId, QMailMessage> &messages) const;
     QMailMessageId movedMessage(const EasEmailItem &item, const QMap<QString, QString> &serverToLocal) const;

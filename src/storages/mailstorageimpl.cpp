@@ -11,6 +11,7 @@
 #include "storages/mailfolderrepair.h"
 #include "storages/maillocalchanges.h"
 #include "storages/mailmessagereader.h"
+#include "storages/mailmessagerepair.h"
 
 #include <qmailaccount.h>
 #include <qmailfolderkey.h>
@@ -68,6 +69,7 @@ void MailStorageImpl::bindMailAccount()
     if (mContext.mailAccountId.isValid()) {
         database->setEmailAccountId(mContext.accountId(), mContext.mailAccountId.toULongLong());
         handleUnsavedFolders();
+        MailMessageRepair::removeStrays(mContext);
     } else {
         const QMailAccountId older(database->emailAccountId(mContext.accountId()));
         if (older.isValid())
@@ -172,13 +174,17 @@ bool MailStorageImpl::updateEmails(
     const QMap<QString, QString> folders = database->serverToLocalFolderIds(mContext.accountId());
     if (database->lookupFailed())
         return false;
-    const QMap<QString, QString> serverToLocal = database->serverToLocalEmailIds(mContext.accountId());
-    if (database->lookupFailed())
-        return false;
-
     for (EasEmailItem &item : added)
         item.setLocalCollectionId(folders.value(item.collectionId()).toULongLong());
-    if (!mBatch.addEmailItems(added, serverToLocal)) {
+
+    // The rows of all mail, and a first sync brings many replies that need none of them.
+    QMap<QString, QString> serverToLocal;
+    if (!changed.isEmpty() || !deleted.isEmpty()) {
+        serverToLocal = database->serverToLocalEmailIds(mContext.accountId());
+        if (database->lookupFailed())
+            return false;
+    }
+    if (!mBatch.addEmailItems(added)) {
         qCCritical(eas()) << "failed to add email items";
         return false;
     }

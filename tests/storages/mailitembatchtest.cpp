@@ -37,7 +37,7 @@ private Q_SLOTS:
         mail.addFolder("5");
         MailItemBatch batch(mail.context);
         QList<EasEmailItem> items { mail.item("5:1", "5"), mail.item("5:2", "5") };
-        QVERIFY(batch.addEmailItems(items, {}));
+        QVERIFY(batch.addEmailItems(items));
         for (const EasEmailItem &item : items) {
             const QMailMessage message = mail.message(item.serverId());
             QCOMPARE(item.localId(), text(message.id()));
@@ -53,7 +53,7 @@ private Q_SLOTS:
         mail.addFolder("5");
         MailItemBatch batch(mail.context);
         QList<EasEmailItem> items { mail.item("5:1", "5"), mail.item("9:1", "9") };
-        QVERIFY(!batch.addEmailItems(items, {}));
+        QVERIFY(!batch.addEmailItems(items));
         QVERIFY(log.contains(QtCriticalMsg, { "no local folder for message with server id", "9:1" }));
         QCOMPARE(mail.messageCount(), 0);
     }
@@ -68,7 +68,7 @@ private Q_SLOTS:
         EasEmailItem meeting = mail.item("5:2", "5");
         meeting.setMessageClass("IPM.Schedule.Meeting.Canceled");
         QList<EasEmailItem> items { mail.item("5:1", "5"), meeting };
-        QVERIFY(!batch.addEmailItems(items, {}));
+        QVERIFY(!batch.addEmailItems(items));
         QVERIFY(log.contains(QtCriticalMsg, { "Can't create QMailMessage from EasEmailItem" }));
         QCOMPARE(mail.messageCount(), 0);
     }
@@ -79,12 +79,12 @@ private Q_SLOTS:
         mail.addFolder("5");
         MailItemBatch batch(mail.context);
         QList<EasEmailItem> first { mail.item("5:1", "5"), mail.item("5:2", "5") };
-        QVERIFY(batch.addEmailItems(first, {}));
+        QVERIFY(batch.addEmailItems(first));
 
         // No row was written. The same reply comes again, with one message more and newer content.
         QList<EasEmailItem> again { mail.item("5:1", "5"), mail.item("5:2", "5"), mail.item("5:3", "5") };
         again[0].setSubject("newer");
-        QVERIFY(batch.addEmailItems(again, {}));
+        QVERIFY(batch.addEmailItems(again));
         QCOMPARE(mail.messageCount(), 3);
         QCOMPARE(again.at(0).localId(), first.at(0).localId());
         QCOMPARE(again.at(1).localId(), first.at(1).localId());
@@ -101,13 +101,13 @@ private Q_SLOTS:
         EasEmailItem item = mail.item("5:1", "5");
         item.setRead(false);
         QList<EasEmailItem> items { item };
-        QVERIFY(batch.addEmailItems(items, {}));
+        QVERIFY(batch.addEmailItems(items));
         const QMailMessageId id = mail.message("5:1").id();
         mail.setStatus(id, QMailMessage::Read, true);
         QMailDisconnected::moveToFolder(QMailMessageIdList { id }, archive);
 
         QList<EasEmailItem> again { item };
-        QVERIFY(batch.addEmailItems(again, {}));
+        QVERIFY(batch.addEmailItems(again));
         const QMailMessage message = mail.message(id);
         QCOMPARE(mail.messageCount(), 1);
         QVERIFY(has(message, QMailMessage::Read));
@@ -122,11 +122,11 @@ private Q_SLOTS:
         mail.addFolder("5");
         MailItemBatch batch(mail.context);
         QList<EasEmailItem> items { mail.item("5:1", "5") };
-        QVERIFY(batch.addEmailItems(items, {}));
+        QVERIFY(batch.addEmailItems(items));
         QVERIFY(mail.context.store->removeMessage(mail.message("5:1").id(), QMailStore::CreateRemovalRecord));
 
         QList<EasEmailItem> again { mail.item("5:1", "5"), mail.item("5:2", "5") };
-        QVERIFY(batch.addEmailItems(again, {}));
+        QVERIFY(batch.addEmailItems(again));
         QCOMPARE(mail.messageCount(), 1);
         QCOMPARE(again.size(), 2);
         QVERIFY(again.at(0).localId().isEmpty());
@@ -139,7 +139,7 @@ private Q_SLOTS:
         mail.addFolder("5");
         MailItemBatch batch(mail.context);
         QList<EasEmailItem> items { mail.item("5:1", "5"), mail.item("5:1", "5"), mail.item("5:2", "5") };
-        QVERIFY(batch.addEmailItems(items, {}));
+        QVERIFY(batch.addEmailItems(items));
         QCOMPARE(items.size(), 2);
         QCOMPARE(items.at(1).localId(), text(mail.message("5:2").id()));
         QCOMPARE(mail.messageCount(), 2);
@@ -156,7 +156,7 @@ private Q_SLOTS:
         QVERIFY(has(mail.message("5:1"), QMailMessage::Temporary));
 
         QList<EasEmailItem> items { mail.item("5:1", "5") };
-        QVERIFY(batch.addEmailItems(items, {}));
+        QVERIFY(batch.addEmailItems(items));
         const QMailMessage message = mail.message("5:1");
         QVERIFY(!has(message, QMailMessage::Temporary));
         QCOMPARE(message.parentFolderId(), folder);
@@ -169,10 +169,10 @@ private Q_SLOTS:
         MailFixture mail;
         mail.addFolder("5");
         mail.addFolder("6");
-        const QMailMessageId id = mail.addMessage(mail.item("1", "5"));
+        mail.addMessage(mail.item("1", "5"));
         MailItemBatch batch(mail.context);
         QList<EasEmailItem> items { mail.item("1", "6") };
-        QVERIFY(!batch.addEmailItems(items, { { "1", text(id) } }));
+        QVERIFY(!batch.addEmailItems(items));
         QVERIFY(log.contains(QtCriticalMsg, { "is that of another message already" }));
         QCOMPARE(mail.messageCount(), 1);
     }
@@ -183,9 +183,9 @@ private Q_SLOTS:
         mail.addFolder("5");
         MailItemBatch batch(mail.context);
         QList<EasEmailItem> first { mail.item("5:1", "5") };
-        QVERIFY(batch.addEmailItems(first, {}));
+        QVERIFY(batch.addEmailItems(first));
         QList<EasEmailItem> items { mail.item("5:1", "5"), mail.item("5:2", "5") };
-        QVERIFY(batch.addEmailItems(items, {}));
+        QVERIFY(batch.addEmailItems(items));
         LogCollector log;
         items.append(EasEmailItem());
         batch.rollBackAddedEmailItems(items);
