@@ -100,10 +100,10 @@ QByteArray QMailMessageHeaderField::encodeWord(const QString &text, const QByteA
             continue;
         }
         int end = i + 1;
-        while (end < words.size() && !fitsHeader(words.at(end)))
-            ++end;
+        while (end < words.size() && (words.at(end).isEmpty() || !fitsHeader(words.at(end))))
+            ++end; // Blanks in a row, too: readers drop those around encoded words.
         const int start = words.at(i).position();
-        const int length = words.at(end - 1).position() + words.at(end - 1).size() - start;
+        const int length = (end < words.size() ? words.at(end).position() - 1 : text.size()) - start;
         out.append(encodedWords(QStringView(text).mid(start, length)));
         i = end;
     }

@@ -78,7 +78,8 @@ void MailStoreEngine::onAccountCreated(quint64 id)
 
 void MailStoreEngine::onAccountRemoved(quint64 id)
 {
-    if (!accounts.isOwn(id))
+    // Accounts for other things than mail come and go unnoticed.
+    if (accounts.foreign().contains(id))
         write([this, id](MailChanges &changes) { return removeAccount(id, changes); });
 }
 
