@@ -7,10 +7,12 @@
 #include <QCommandLineParser>
 #include <QCoreApplication>
 
+#include <utility>
+
 int main(int argc, char **argv)
 {
-    QuitSignals quitSignals;
     QCoreApplication application(argc, argv);
+    QuitSignals quitSignals;
     QCoreApplication::setApplicationName(QStringLiteral("fennel-eas"));
     QCoreApplication::setApplicationVersion(QStringLiteral(FENNEL_EAS_VERSION));
 

@@ -90,7 +90,9 @@ RequestManager::~RequestManager()
     qDeleteAll(findChildren<AccountStorage *>(QString(), Qt::FindDirectChildrenOnly));
     if (theInstance == this)
         theInstance = nullptr;
-    if (QCoreApplication *const application = QCoreApplication::instance())
+    // The process ends with its service; a stand-in that serves nobody leaves it alone.
+    QCoreApplication *const application = QCoreApplication::instance();
+    if (mDBusThread && application)
         QTimer::singleShot(Clock::instance().timerInterval(QuitDelay), application, &QCoreApplication::quit);
 }
 
