@@ -1,0 +1,401 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "dbus/dbusinterfacethread.h"
+
+#include "application/easaccount.h"
+#include "common/dbustypes.h"
+#include "common/exchangeactivesync.h"
+#include "support/accountfactory.h"
+#include "support/logcollector.h"
+#include "support/privatebus.h"
+#include "support/syncscheduler.h"
+#include "support/testmain.h"
+
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QDBusInterface>
+#include <QDir>
+#include <QFileInfo>
+#include <QLoggingCategory>
+#include <QSignalSpy>
+#include <QtTest>
+
+namespace {
+
+const QString Interface = QStringLiteral("org.fennelos.easdaemon");
+const QString PeerInterface = QStringLiteral("org.fennelos.easdaemonp2p");
+
+/** Keeps the messages of one signal of the bus. */
+class BusSpy : public QObject
+{
+    Q_OBJECT
+
+public:
+    BusSpy(QDBusConnection bus, const QString &service, const QString &path, const QString &interface,
+        const QString &name)
+    {
+        connected = bus.connect(service, path, interface, name, this, SLOT(onSignal(QDBusMessage)));
+    }
+
+    bool connected = false;
+    QList<QDBusMessage> messages;
+
+public Q_SLOTS:
+    void onSignal(const QDBusMessage &message) { messages.append(message); }
+};
+
+QString peerSocket()
+{
+    return ExchangeActiveSync::EAS_DBUS_PEER_ADDRESS.mid(10);
+}
+
+} // namespace
+
+/** The service thread on a real bus, without an engine behind it. */
+class DBusServiceTest : public QObject
+{
+    Q_OBJECT
+
+private:
+    std::unique_ptr<DBusInterfaceThread> mThread;
+
+    void startThread()
+    {
+        mThread = std::make_unique<DBusInterfaceThread>();
+        mThread->moveToThread(mThread.get());
+        QSignalSpy serving(mThread.get(), &DBusInterfaceThread::serving);
+        mThread->start();
+        QVERIFY(serving.wait());
+    }
+    void stopThread()
+    {
+        if (!mThread)
+            return;
+        mThread->exit(1);
+        QVERIFY(mThread->wait(10000));
+        mThread.reset();
+    }
+    template <typename... Arguments> static QDBusMessage call(const QString &method, Arguments &&...arguments)
+    {
+        QDBusMessage message = QDBusMessage::createMethodCall(ExchangeActiveSync::EAS_DBUS_SERVICE_NAME,
+            ExchangeActiveSync::EAS_DBUS_PATH_NAME, Interface, method);
+        message.setArguments({ QVariant::fromValue(arguments)... });
+        return QDBusConnection::sessionBus().call(message);
+    }
+    static qulonglong id(const QDBusMessage &reply)
+    {
+        if (reply.type() == QDBusMessage::ErrorMessage)
+            qWarning() << reply.errorMessage();
+        return reply.arguments().value(0).toULongLong();
+    }
+    static BusSpy *spyOn(const QString &signal, QObject *parent)
+    {
+        auto *const spy = new BusSpy(QDBusConnection::sessionBus(), ExchangeActiveSync::EAS_DBUS_SERVICE_NAME,
+            ExchangeActiveSync::EAS_DBUS_PATH_NAME, Interface, signal);
+        spy->setParent(parent);
+        return spy;
+    }
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        QVERIFY(PrivateBus::ensure());
+        QVERIFY(QDBusConnection::sessionBus().isConnected());
+        ExchangeActiveSync::registerDBusTypes();
+        qRegisterMetaType<EasAccountId>("EasAccountId");
+        qRegisterMetaType<FailedPolicyMap>("FailedPolicyMap");
+        qRegisterMetaType<EasOofContainer>("EasOofContainer");
+        qRegisterMetaType<GalItem>("GalItem");
+    }
+
+    void init() { startThread(); }
+    void cleanup() { stopThread(); }
+
+    // Calls
+
+    void identifiersCountFromOneForAllAccountsTogether()
+    {
+        QSignalSpy requested(mThread.get(), &DBusInterfaceThread::requestedSync);
+        QCOMPARE(id(call(QStringLiteral("sync"), 7ULL)), 1ULL);
+        QCOMPARE(id(call(QStringLiteral("sync"), 8ULL)), 2ULL);
+        QCOMPARE(id(call(QStringLiteral("foldersSync"), 7ULL)), 3ULL);
+        QTRY_COMPARE(requested.count(), 2);
+        QCOMPARE(requested.at(1).at(0).toULongLong(), 8ULL);
+        QCOMPARE(requested.at(1).at(1).toULongLong(), 2ULL);
+    }
+
+    void foldersAsNumbersOrTextsAreTheSame()
+    {
+        QSignalSpy requested(mThread.get(), &DBusInterfaceThread::requestedSyncFolders);
+        QVERIFY(
+            id(call(QStringLiteral("syncFolders"), 7ULL, QList<qulonglong> { 3, 18446744073709551615ULL })));
+        QVERIFY(id(call(QStringLiteral("syncFolders"), 7ULL,
+            QStringList { QStringLiteral("3"), QStringLiteral("18446744073709551615") })));
+        QTRY_COMPARE(requested.count(), 2);
+        QCOMPARE(requested.at(0).at(1).toStringList(), requested.at(1).at(1).toStringList());
+        QCOMPARE(requested.at(0).at(1).toStringList().size(), 2);
+    }
+
+    void everyMethodGivesAnIdentifierAndGoesOn()
+    {
+        struct Case
+        {
+            const char *method;
+            QVariantList arguments;
+            const char *signal;
+        };
+        const QString text = QStringLiteral("x");
+        const QVariant ids = QVariant::fromValue(QList<qulonglong> { 1, 2 });
+        const QList<Case> cases {
+            { "syncService", { 7ULL, 5 }, SIGNAL(requestedSyncService(qulonglong, int, qulonglong)) },
+            { "sendMail", { 7ULL, 9ULL }, SIGNAL(requestedSendMail(qulonglong, qulonglong, qulonglong)) },
+            { "meetingResponse", { 7ULL, 9ULL, 1, 5LL, 3ULL, text, text, text },
+                SIGNAL(requestedMeetingResponse(qulonglong, qulonglong, qulonglong, qlonglong, int,
+                    qulonglong, QString, QString, QString)) },
+            { "meetingResponseCalendar", { 7ULL, text, 1, 5LL, 3ULL, text, text, text },
+                SIGNAL(requestedMeetingResponseCalendar(qulonglong, qulonglong, QString, qlonglong, int,
+                    qulonglong, QString, QString, QString)) },
+            { "createFolder", { 7ULL, text, text, 12U },
+                SIGNAL(requestedCreateFolder(qulonglong, QString, QString, uint, qulonglong)) },
+            { "updateFolder", { 7ULL, text, text, text },
+                SIGNAL(requestedUpdateFolder(qulonglong, QString, QString, QString, qulonglong)) },
+            { "downloadCalendarAttachment", { 7ULL, text },
+                SIGNAL(requestedDownloadCalendarAttachment(qulonglong, qulonglong, QString)) },
+            { "deleteFolder", { 7ULL, text },
+                SIGNAL(requestedDeleteFolder(qulonglong, QString, qulonglong)) },
+            { "provisionPolicy", { 7ULL }, SIGNAL(requestedProvisionPolicy(qulonglong, qulonglong)) },
+            { "downloadMessagePart", { 7ULL, 9ULL, text },
+                SIGNAL(requestedDownloadMessagePart(qulonglong, qulonglong, QString, qulonglong)) },
+            { "searchMessages", { 7ULL, text, text, text, text, 10ULL },
+                SIGNAL(requestedSearchMessages(
+                    qulonglong, QString, QString, QString, QString, qulonglong, qulonglong)) },
+            { "searchGAL", { 7ULL, text, 0, 9, true, false },
+                SIGNAL(requestedSearchGAL(qulonglong, QString, int, int, bool, bool, qulonglong)) },
+            { "find", { 7ULL, text, text, 1, 10ULL },
+                SIGNAL(requestedFind(qulonglong, QString, QString, int, qulonglong, qulonglong)) },
+            { "downloadMessages", { 7ULL, ids, true },
+                SIGNAL(requestedDownloadMessages(qulonglong, QList<qulonglong>, bool, qulonglong)) },
+            { "getOofState", { 7ULL }, SIGNAL(requestedGetOofState(qulonglong, qulonglong)) },
+            { "setOofState", { 7ULL, true, false, text, text, text, true, false, text },
+                SIGNAL(requestedSetOofState(qulonglong, qulonglong, EasOofContainer)) },
+            { "attendeesAvailable", { 7ULL, text, text, text },
+                SIGNAL(requestedAttendeesAvailable(qulonglong, qulonglong, QString, QString, QString)) },
+        };
+        qulonglong last = 0;
+        for (const Case &wanted : cases) {
+            QSignalSpy requested(mThread.get(), wanted.signal);
+            QDBusMessage message = QDBusMessage::createMethodCall(ExchangeActiveSync::EAS_DBUS_SERVICE_NAME,
+                ExchangeActiveSync::EAS_DBUS_PATH_NAME, Interface, QString::fromLatin1(wanted.method));
+            message.setArguments(wanted.arguments);
+            const qulonglong given = id(QDBusConnection::sessionBus().call(message));
+            QVERIFY2(given == ++last, wanted.method);
+            QTRY_VERIFY2(requested.count() == 1, wanted.method);
+            QCOMPARE(requested.first().first().toULongLong(), 7ULL);
+        }
+    }
+
+    void quitReconfigAndCancelTakeNoIdentifier()
+    {
+        QSignalSpy quit(mThread.get(), &DBusInterfaceThread::requestedQuit);
+        QSignalSpy reconfig(mThread.get(), &DBusInterfaceThread::requestedReconfig);
+        QSignalSpy cancel(mThread.get(), &DBusInterfaceThread::requestedCancelRequest);
+        call(QStringLiteral("reconfig"));
+        call(QStringLiteral("cancelRequest"), 7ULL, 1ULL);
+        call(QStringLiteral("quit"));
+        QCOMPARE(id(call(QStringLiteral("sync"), 7ULL)), 1ULL);
+        QTRY_COMPARE(quit.count(), 1);
+        QCOMPARE(reconfig.count(), 1);
+        QCOMPARE(cancel.count(), 1);
+    }
+
+    void theOutOfOfficeStateArrivesWhole()
+    {
+        QSignalSpy requested(mThread.get(), &DBusInterfaceThread::requestedSetOofState);
+        QVERIFY(id(call(QStringLiteral("setOofState"), 7ULL, true, true,
+            QStringLiteral("2026-01-02T03:04:05Z"), QStringLiteral("2026-02-02T03:04:05Z"),
+            QStringLiteral("in"), true, false, QStringLiteral("out"))));
+        QTRY_COMPARE(requested.count(), 1);
+        const auto state = requested.first().at(2).value<EasOofContainer>();
+        QVERIFY(state.oofEnabled());
+        QVERIFY(state.timeRangeEnabled());
+        QCOMPARE(state.startTime(), QDateTime(QDate(2026, 1, 2), QTime(3, 4, 5), Qt::UTC));
+        QCOMPARE(state.endTime(), QDateTime(QDate(2026, 2, 2), QTime(3, 4, 5), Qt::UTC));
+        QCOMPARE(state.internalMessage(), QStringLiteral("in"));
+        QVERIFY(state.externalMessageEnabled());
+        QVERIFY(!state.externalMessageToAnyone());
+        QCOMPARE(state.externalMessage(), QStringLiteral("out"));
+    }
+
+    void versionAndAddressComeFromTheAccountsRecord()
+    {
+        AccountFactory factory;
+        const EasAccountId account = factory.create();
+        QVERIFY(account);
+        QCOMPARE(call(QStringLiteral("protocolVersion"), qulonglong(account)).arguments().first().toInt(), 0);
+        QVERIFY(factory.setValue(
+            account, QString(), QStringLiteral("last_known_versions"), QStringLiteral("14.1,2.5,16.0,12.1")));
+        QCOMPARE(
+            call(QStringLiteral("protocolVersion"), qulonglong(account)).arguments().first().toInt(), 0x1600);
+        QVERIFY(factory.setValue(account, QString(), QStringLiteral("connection/emailaddress"),
+            QStringLiteral("alice@example.org")));
+        QCOMPARE(call(QStringLiteral("emailAddress"), qulonglong(account)).arguments().first().toString(),
+            QStringLiteral("alice@example.org"));
+    }
+
+    void anUnknownAccountHasNeither()
+    {
+        LogCollector log;
+        QCOMPARE(call(QStringLiteral("protocolVersion"), 4711ULL).arguments().first().toInt(), 0);
+        QCOMPARE(call(QStringLiteral("emailAddress"), 4711ULL).arguments().first().toString(), QString());
+        QCOMPARE(log.count(QStringLiteral("Cannot allocate account object")), 2);
+    }
+
+    // Results
+
+    void resultsLeaveAsSignals()
+    {
+        QObject owner;
+        BusSpy *const finished = spyOn(QStringLiteral("requestFinished"), &owner);
+        BusSpy *const progress = spyOn(QStringLiteral("requestProgress"), &owner);
+        BusSpy *const started = spyOn(QStringLiteral("syncStarted"), &owner);
+        BusSpy *const completed = spyOn(QStringLiteral("syncCompleted"), &owner);
+        DBusInterfaceThread *const thread = mThread.get();
+        QMetaObject::invokeMethod(thread, [thread] {
+            thread->reportSyncStarted(7, 1);
+            thread->reportRequestProgress(7, 1, 100, 20);
+            thread->reportSyncCompleted(7, 1, 0);
+            thread->reportRequestFinished(7, 1, -4);
+        });
+        QTRY_COMPARE(finished->messages.size(), 1);
+        QCOMPARE(finished->messages.first().signature(), QStringLiteral("tti"));
+        QCOMPARE(finished->messages.first().arguments().at(2).toInt(), -4);
+        QCOMPARE(progress->messages.value(0).signature(), QStringLiteral("ttxx"));
+        QCOMPARE(progress->messages.value(0).arguments().at(2).toLongLong(), 100);
+        QCOMPARE(started->messages.size(), 1);
+        QCOMPARE(completed->messages.size(), 1);
+    }
+
+    void listsAndMapsHaveTheirSignatures()
+    {
+        QObject owner;
+        BusSpy *const provision = spyOn(QStringLiteral("provisionRequestFinished"), &owner);
+        BusSpy *const messages = spyOn(QStringLiteral("searchMessagesFinished"), &owner);
+        BusSpy *const directory = spyOn(QStringLiteral("searchGALFinished"), &owner);
+        BusSpy *const found = spyOn(QStringLiteral("findMessagesFinished"), &owner);
+        BusSpy *const attendees = spyOn(QStringLiteral("attendeesAvailableDataReady"), &owner);
+        BusSpy *const oof = spyOn(QStringLiteral("getOofFinished"), &owner);
+        DBusInterfaceThread *const thread = mThread.get();
+        QMetaObject::invokeMethod(thread, [thread] {
+            thread->reportProvisionRequestFinished(
+                7, 1, -5, { { 3, 4 }, { 5, QStringLiteral("x") }, { 6, true } }, 2);
+            thread->reportSearchMessagesFinished(7, 2, 0, 9, { 1, 2 });
+            thread->reportSearchGALFinished(7, 3, 0, 9, { 1, 2 });
+            thread->reportFindMessagesFinished(7, 4, 0, 9, {});
+            EasOofContainer state;
+            state.setInternalMessage(QStringLiteral("in"));
+            thread->reportGetOofFinished(7, 5, state);
+            thread->attendeesAvailableDataReady(6, { QStringLiteral("a") }, { QStringLiteral("b") }, {});
+        });
+        QTRY_COMPARE(attendees->messages.size(), 1);
+        QCOMPARE(provision->messages.value(0).signature(), QStringLiteral("ttia{iv}i"));
+        const auto policies = qdbus_cast<FailedPolicyMap>(provision->messages.first().arguments().at(3));
+        QCOMPARE(policies.value(5).toString(), QStringLiteral("x"));
+        QCOMPARE(policies.value(6).toBool(), true);
+        QCOMPARE(policies.size(), 3);
+        QCOMPARE(messages->messages.value(0).signature(), QStringLiteral("ttiuat"));
+        QCOMPARE(directory->messages.value(0).signature(), QStringLiteral("ttiiat"));
+        QCOMPARE(found->messages.value(0).signature(), QStringLiteral("ttiuat"));
+        QCOMPARE(attendees->messages.value(0).signature(), QStringLiteral("tasasas"));
+        QCOMPARE(oof->messages.value(0).signature(), QStringLiteral("ttbbsssbbs"));
+    }
+
+    void withoutAnAdapterResultsAreOnlyLogged()
+    {
+        DBusInterfaceThread idle;
+        LogCollector log;
+        idle.reportRequestFinished(7, 1, 0);
+        idle.reportGalItemReceived(7, 1, 1, GalItem());
+        QCOMPARE(log.count(QStringLiteral("No adapter")), 2);
+    }
+
+    // Peers
+
+    void directoryItemsReachEveryPeerAndNotTheBus()
+    {
+        const QString address = ExchangeActiveSync::EAS_DBUS_PEER_ADDRESS;
+        QObject owner;
+        BusSpy onBus(QDBusConnection::sessionBus(), ExchangeActiveSync::EAS_DBUS_SERVICE_NAME,
+            ExchangeActiveSync::EAS_DBUS_PATH_NAME, PeerInterface, QStringLiteral("galItemReceived"));
+        QDBusConnection one = QDBusConnection::connectToPeer(address, QStringLiteral("one"));
+        QDBusConnection two = QDBusConnection::connectToPeer(address, QStringLiteral("two"));
+        QVERIFY(one.isConnected());
+        QVERIFY(two.isConnected());
+        const QString path = ExchangeActiveSync::EAS_DBUS_PEER_PATH_NAME;
+        BusSpy first(one, QString(), path, PeerInterface, QStringLiteral("galItemReceived"));
+        BusSpy second(two, QString(), path, PeerInterface, QStringLiteral("galItemReceived"));
+        DBusInterfaceThread *const thread = mThread.get();
+        GalItem item;
+        item.setAlias(QStringLiteral("ali"));
+        item.setPictureData(QString(200000, QLatin1Char('p')));
+        // The server learns of a peer in its own time; the item is sent until both have it.
+        const auto bothHaveIt = [&] {
+            QMetaObject::invokeMethod(
+                thread, [thread, item] { thread->reportGalItemReceived(7, 1, 5, item); });
+            return !first.messages.isEmpty() && !second.messages.isEmpty();
+        };
+        QTRY_VERIFY(bothHaveIt());
+        QCOMPARE(first.messages.first().signature(), QStringLiteral("ttt(ssssssssssss)"));
+        QCOMPARE(qdbus_cast<GalItem>(second.messages.first().arguments().at(3)), item);
+        QCOMPARE(onBus.messages.size(), 0);
+        QDBusConnection::disconnectFromPeer(QStringLiteral("one"));
+        QDBusConnection::disconnectFromPeer(QStringLiteral("two"));
+    }
+
+    void aPeerSocketThatCannotBeMadeLeavesTheBusServed()
+    {
+        stopThread();
+        const QString socket = peerSocket();
+        QFile::remove(socket);
+        // A folder where the socket should be stands for a folder that is not writable, also for root.
+        QVERIFY(QDir().mkpath(socket + QStringLiteral("/in/the/way")));
+        LogCollector log;
+        startThread();
+        QVERIFY(log.contains(QtCriticalMsg, { QStringLiteral("Could not create p2p bus:") }));
+        QVERIFY(id(call(QStringLiteral("searchGAL"), 7ULL, QStringLiteral("x"), 0, 9, false, false)));
+        QObject owner;
+        BusSpy *const finished = spyOn(QStringLiteral("searchGALFinished"), &owner);
+        DBusInterfaceThread *const thread = mThread.get();
+        QMetaObject::invokeMethod(thread, [thread] {
+            thread->reportGalItemReceived(7, 1, 5, GalItem());
+            thread->reportSearchGALFinished(7, 1, 0, 0, {});
+        });
+        QTRY_COMPARE(finished->messages.size(), 1);
+        stopThread();
+        QVERIFY(QDir(socket).removeRecursively());
+    }
+
+    // The bus around it
+
+    void theSchedulersSignalBecomesTheAlwaysOnStatus()
+    {
+        SyncScheduler scheduler;
+        QVERIFY(scheduler.isRegistered());
+        QSignalSpy status(mThread.get(), &DBusInterfaceThread::alwaysOnStatus);
+        Q_EMIT scheduler.syncedExternallyStatus(7, QStringLiteral("profile"), true);
+        QTRY_COMPARE(status.count(), 1);
+        QCOMPARE(status.first().at(0).toUInt(), 7U);
+        QCOMPARE(status.first().at(1).toString(), QStringLiteral("profile"));
+        QCOMPARE(status.first().at(2).toBool(), true);
+    }
+
+    void theNameIsGivenBack()
+    {
+        LogCollector log;
+        stopThread();
+        QVERIFY(log.contains(QStringLiteral("exec returned: 1")));
+        QTRY_VERIFY(!QDBusConnection::sessionBus().interface()->isServiceRegistered(
+            ExchangeActiveSync::EAS_DBUS_SERVICE_NAME));
+    }
+};
+
+FENNEL_REGISTER_TEST(DBusServiceTest)
+#include "dbusservicetest.moc"

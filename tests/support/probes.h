@@ -1,0 +1,96 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include "protocol/baseprotocolcommand.h"
+#include "requests/provisionrequest.h"
+
+/** A command that has finished with a status, and was never sent. */
+class FinishedCommand : public BaseProtocolCommand
+{
+    Q_OBJECT
+
+public:
+    FinishedCommand(EasAccountId accountId, int status)
+        : BaseProtocolCommand(accountId)
+    {
+        setStatus(status);
+    }
+};
+
+/** A provisioning run that ends as a test says, or waits. */
+class ProbeProvision : public ProvisionRequest
+{
+    Q_OBJECT
+
+public:
+    using ProvisionRequest::completeWith;
+    using ProvisionRequest::ProvisionRequest;
+
+    bool waits = false;
+    int outcome = 0;
+    bool wipe = false;
+
+protected:
+    void startRequest() override
+    {
+        if (!waits)
+            completeWith(outcome);
+    }
+};
+
+/** A request whose steps a test gives, and which shows its protected side. */
+class ProbeRequest : public Request
+{
+    Q_OBJECT
+
+public:
+    using Request::Request;
+    using Request::StatusRows;
+
+    using Request::acceptResult;
+    using Request::checkProvisionStatus;
+    using Request::clearRetries;
+    using Request::completeUnhandled;
+    using Request::completeWith;
+    using Request::handleCommonStatus;
+    using Request::hasEnded;
+    using Request::isCommandSupported;
+    using Request::protocolVersionConfirmed;
+    using Request::refreshDeviceAndRetryLater;
+    using Request::reportRequestCompleted;
+    using Request::startProvisionRequest;
+    using Request::startResendTimer;
+
+    QString name = QStringLiteral("Sync");
+    std::function<void()> onStart;
+    std::function<void()> onCancel;
+    int starts = 0;
+    int cancels = 0;
+    bool provisionWaits = false;
+    int provisionOutcome = 0;
+    QList<bool> provisionRuns;
+    QPointer<ProbeProvision> provision;
+
+protected:
+    void startRequest() override
+    {
+        ++starts;
+        if (onStart)
+            onStart();
+    }
+    void cancelRequest() override
+    {
+        ++cancels;
+        if (onCancel)
+            onCancel();
+    }
+    QString commandName() const override { return name; }
+    ProvisionRequest *createProvisionRequest(bool remoteWipe) override
+    {
+        provisionRuns.append(remoteWipe);
+        provision = new ProbeProvision(accountId(), id(), remoteWipe, this);
+        provision->waits = provisionWaits;
+        provision->outcome = provisionOutcome;
+        return provision;
+    }
+};

@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include "application/clock.h"
+
+#include <QList>
+
+/** Timers end at once, and the time is what a test says; installed while it lives. */
+class ScriptedClock : public Clock
+{
+public:
+    ScriptedClock() { Clock::setInstance(this); }
+    ~ScriptedClock() override { Clock::setInstance(nullptr); }
+
+    QDateTime currentDateTimeUtc() const override
+    {
+        return Clock::currentDateTimeUtc().addMSecs(millisecondsAhead);
+    }
+    int timerInterval(int milliseconds) const override
+    {
+        intervals.append(milliseconds);
+        return milliseconds >= heldFrom ? milliseconds : 1;
+    }
+
+    qint64 millisecondsAhead = 0;
+    /** Timers of this nominal length or more keep it. */
+    int heldFrom = 100000000;
+    /** The nominal lengths that were asked for. */
+    mutable QList<int> intervals;
+};

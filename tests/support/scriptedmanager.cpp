@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "support/scriptedmanager.h"
+
+#include "dbus/dbusinterfacethread.h"
+
+#include <algorithm>
+
+ScriptedAccountStorage::ScriptedAccountStorage(QObject *parent)
+    : AccountStorage(parent)
+{
+}
+
+ScriptedAccountStorage::~ScriptedAccountStorage() = default;
+
+ScriptedAccount *ScriptedAccountStorage::add(EasAccountId id)
+{
+    auto *const account = new ScriptedAccount(id, this);
+    mAccounts.insert(id, account);
+    return account;
+}
+
+void ScriptedAccountStorage::remove(EasAccountId id)
+{
+    if (ScriptedAccount *const account = mAccounts.take(id))
+        account->deleteLater();
+    Q_EMIT accountDeleted(id);
+}
+
+void ScriptedAccountStorage::becomeReady()
+{
+    isReadyNow = true;
+    Q_EMIT ready();
+}
+
+int ScriptedAccountStorage::enabledAccountsCount() const
+{
+    return static_cast<int>(std::count_if(mAccounts.cbegin(), mAccounts.cend(),
+        [](const ScriptedAccount *account) { return account->enabled(); }));
+}
+
+ScriptedManager::ScriptedManager()
+    : RequestManager(std::unique_ptr<DBusInterfaceThread>(), nullptr)
+    , storage(new ScriptedAccountStorage)
+{
+    setAccountStorage(storage);
+}
+
+ScriptedManager::~ScriptedManager() = default;
+
+ScriptedManager *ScriptedManager::install()
+{
+    auto *const manager = new ScriptedManager;
+    RequestManager::initializeInstance(manager);
+    return manager;
+}
+
+void ScriptedManager::uninstall()
+{
+    RequestManager::releaseInstance();
+}
