@@ -52,7 +52,10 @@ WbxmlNode CollectionSync::run()
     const QString key = mRequest.text(QStringLiteral("SyncKey"));
     if (mContext.answer.mCollectionStatus.applies(mId))
         return statusReply(mContext.answer.mCollectionStatus.value, key);
-    if (key.isEmpty())
+    const bool lacksClass = mContext.version() == Version120 && !mRequest.has(QStringLiteral("Class"));
+    if (lacksClass)
+        mContext.failures.append(QStringLiteral("a collection without the Class that 12.0 needs"));
+    if (key.isEmpty() || lacksClass)
         return statusReply(ProtocolError, key);
     if (mFolder.id.isEmpty())
         return statusReply(FolderGone, key);

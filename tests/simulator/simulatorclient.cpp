@@ -106,7 +106,9 @@ QString SimulatorClient::syncXml(const QString &folder, const QString &key, cons
 
 WbxmlNode SimulatorClient::sync(const QString &folder, const QString &key, const QString &inner)
 {
-    return post(QStringLiteral("Sync"), syncXml(folder, key, inner))
+    const bool needsClass = mVersion == QLatin1String("12.0");
+    const QString className = needsClass ? QStringLiteral("<Class>Email</Class>") : QString();
+    return post(QStringLiteral("Sync"), syncXml(folder, key, className + inner))
         .document.at(QStringLiteral("Collections/Collection"));
 }
 

@@ -296,6 +296,17 @@ private Q_SLOTS:
         QCOMPARE(full.text(QStringLiteral("Class")), QStringLiteral("Email"));
     }
 
+    void atTwelveZeroACollectionNeedsItsClass()
+    {
+        mClient->setVersion(QStringLiteral("12.0"));
+        const PlainReply reply =
+            mClient->post(QStringLiteral("Sync"), SimulatorClient::syncXml(mInbox, QStringLiteral("0")));
+        QCOMPARE(reply.document.text(QStringLiteral("Collections/Collection/Status")), QStringLiteral("4"));
+        QCOMPARE(mServer->failures().size(), 1);
+        mServer->clearScript();
+        QVERIFY(!mClient->firstKey(mInbox).isEmpty());
+    }
+
     void aFilterHidesOldItemsAndTakesThemAwaySoftly()
     {
         const QDateTime now = QDateTime::currentDateTimeUtc();
