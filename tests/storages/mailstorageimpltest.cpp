@@ -235,6 +235,26 @@ private Q_SLOTS:
         QVERIFY(log.contains(QtCriticalMsg, { "failed to add email items" }));
     }
 
+    void afterAFailedChangeTheNewMailIsTakenOutAgain()
+    {
+        LogCollector log;
+        MailFixture mail;
+        mail.addFolder("5");
+        mail.addMessage(mail.item("5:1", "5"));
+        const QMailMessageId other = mail.addMessage(mail.item("5:2", "5"));
+        MailStorageImpl storage(&mail.account);
+        // The store refuses the id of another message.
+        EasEmailItem change = mail.item("5:1", "5");
+        change.setLocalId(QString::number(other.toULongLong()));
+        change.appendChangedField(Wbxml::AirSync::ServerId);
+        QList<EasEmailItem> added { mail.item("5:3", "5") };
+        QList<EasEmailItem> changed { change };
+        QVERIFY(!storage.updateEmails(added, changed, { "5:1" }));
+        QVERIFY(log.contains(QtCriticalMsg, { "failed to update email items" }));
+        QCOMPARE(mail.messageCount(), 2);
+        QVERIFY(!mail.message("5:3").id().isValid());
+    }
+
     void deletionsByLocalIdLeaveNoRecord()
     {
         LogCollector log;
