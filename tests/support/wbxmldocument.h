@@ -32,8 +32,8 @@ WbxmlNode opaque(Wbxml::Token tag, const QByteArray &bytes);
 QByteArray document(const WbxmlNode &root);
 
 /**
- * A document in one line, for comparing: "Sync(SyncKey=0,Commands(Add(...)))". Elements go by their published
- * names, those without content by the name alone; opaque bytes and text look the same. Empty if the bytes are
+ * A document in one line, for comparing: "Sync(SyncKey=0,Commands(Add(...)))". Elements go by the names that
+ * the codec knows, those without content by the name alone; opaque bytes and text look the same. Empty if the bytes are
  * no sound document.
  */
 QString outline(const QByteArray &bytes);
