@@ -394,6 +394,7 @@ private Q_SLOTS:
         QTRY_VERIFY(
             mLog->contains(QtWarningMsg, { "Received an Identity deletion error: type=", ", message:" }));
         QVERIFY(!mLog->contains(QStringLiteral("removing directory:")));
+        QTRY_VERIFY(mAccount->isReady());
         QCOMPARE(mFactory->value(mId, QString(), credentialsIdKey).toUInt(), 4711U);
     }
 

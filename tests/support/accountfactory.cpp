@@ -103,6 +103,9 @@ void AccountFactory::fillServices(Accounts::Account *account, const AccountOptio
 bool AccountFactory::remove(EasAccountId id)
 {
     mCreated.removeAll(id);
+    // Somebody else may have removed it meanwhile.
+    if (!Accounts::Manager().accountList().contains(static_cast<Accounts::AccountId>(id)))
+        return false;
     Accounts::Account *account = select(id, QString());
     if (!account)
         return false;
