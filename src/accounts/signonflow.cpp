@@ -5,6 +5,16 @@
 #include <SignOn/Identity>
 #include <SignOn/SessionData>
 
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QDBusServiceWatcher>
+
+#include <utility>
+
+namespace {
+const QString signOnService = QStringLiteral("com.google.code.AccountsSSO.SingleSignOn");
+}
+
 SignOnFlow::SignOnFlow(QObject *parent)
     : QObject(parent)
 {
@@ -22,19 +32,49 @@ SignOnFlow::StartResult SignOnFlow::start(
     mIdentity = SignOn::Identity::existingIdentity(credentialsId, this);
     if (!mIdentity)
         return NoIdentity;
-    mSession = mIdentity->createSession(method);
+    if (serviceIsAvailable())
+        mSession = mIdentity->createSession(method);
     if (!mSession)
         return NoSession;
     connect(mSession, &SignOn::AuthSession::response, this, &SignOnFlow::onResponse);
     connect(mSession, QOverload<const SignOn::Error &>::of(&SignOn::AuthSession::error), this,
-        &SignOnFlow::failed);
+        &SignOnFlow::onError);
+    const auto *watcher = new QDBusServiceWatcher(
+        signOnService, QDBusConnection::sessionBus(), QDBusServiceWatcher::WatchForUnregistration, this);
+    connect(watcher, &QDBusServiceWatcher::serviceUnregistered, this, &SignOnFlow::onServiceGone);
     SignOn::SessionData data;
     data.setUiPolicy(SignOn::NoUserInteractionPolicy);
     mSession->process(data, mechanism);
     return Started;
 }
 
+bool SignOnFlow::serviceIsAvailable()
+{
+    QDBusConnectionInterface *bus = QDBusConnection::sessionBus().interface();
+    return bus
+        && (bus->isServiceRegistered(signOnService).value()
+            || bus->activatableServiceNames().value().contains(signOnService));
+}
+
 void SignOnFlow::onResponse(const SignOn::SessionData &data)
 {
-    Q_EMIT received(data.Secret());
+    if (end())
+        Q_EMIT received(data.Secret());
+}
+
+void SignOnFlow::onError(const SignOn::Error &error)
+{
+    if (end())
+        Q_EMIT failed(error);
+}
+
+void SignOnFlow::onServiceGone()
+{
+    onError(SignOn::Error(
+        SignOn::Error::InternalCommunication, QStringLiteral("The sign-on service has gone away")));
+}
+
+bool SignOnFlow::end()
+{
+    return !std::exchange(mEnded, true);
 }

@@ -14,7 +14,8 @@ class SessionData;
 /**
  * Fetches one stored secret from the sign-on service, without ever asking the user.
  *
- * A flow runs once and ends with exactly one signal; its owner deletes it after that, from the signal with
+ * A flow runs once and ends with exactly one signal, also when the service is killed meanwhile, which the
+ * service's client library would never tell. Its owner deletes it after that, from the signal with
  * deleteLater(). Main thread only.
  */
 class SignOnFlow : public QObject
@@ -34,8 +35,14 @@ Q_SIGNALS:
     void failed(const SignOn::Error &error);
 
 private:
+    static bool serviceIsAvailable();
     void onResponse(const SignOn::SessionData &data);
+    void onError(const SignOn::Error &error);
+    void onServiceGone();
+    /** False if the flow has already ended. */
+    bool end();
 
     SignOn::Identity *mIdentity = nullptr;
     QPointer<SignOn::AuthSession> mSession;
+    bool mEnded = false;
 };

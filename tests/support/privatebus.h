@@ -16,5 +16,7 @@ public:
 
     /** Starts the bus at the first call; false, with the reason as a warning, if it cannot run. */
     static bool ensure();
+    /** The same for a bus that can start no service, the sign-on service included. */
+    static bool ensureWithoutServices();
     static QString address();
 };

@@ -1,0 +1,114 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "accounts/signonflow.h"
+
+#include "support/accountfactory.h"
+#include "support/privatebus.h"
+#include "support/testmain.h"
+
+#include <SignOn/Error>
+
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QProcess>
+#include <QtTest>
+
+#include <csignal>
+
+namespace {
+const QString password = QStringLiteral("password");
+const QString serviceName = QStringLiteral("com.google.code.AccountsSSO.SingleSignOn");
+constexpr char withoutServices[] = "FENNEL_TEST_BUS_WITHOUT_SERVICES";
+} // namespace
+
+/** One secret from the sign-on service: it comes, or the flow fails; it never hangs. */
+class SignOnFlowTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        qRegisterMetaType<SignOn::Error>("SignOn::Error");
+        QVERIFY(isBare() ? PrivateBus::ensureWithoutServices() : PrivateBus::ensure());
+    }
+
+    void aStoredSecretComesUnchanged()
+    {
+        const QString secret = QString::fromUtf8("gr\u00fcn : \\ \" \u4e2d");
+        const quint32 id = AccountFactory::storeIdentity(QStringLiteral("alice"), secret);
+        SignOnFlow flow(nullptr);
+        QSignalSpy received(&flow, &SignOnFlow::received);
+        QSignalSpy failed(&flow, &SignOnFlow::failed);
+        QCOMPARE(flow.start(id, password, password), SignOnFlow::Started);
+        QTRY_COMPARE(received.count(), 1);
+        QCOMPARE(received.first().first().toString(), secret);
+        QCOMPARE(failed.count(), 0);
+    }
+
+    void identityZeroDoesNotExist()
+    {
+        SignOnFlow flow(nullptr);
+        QCOMPARE(flow.start(0, password, password), SignOnFlow::NoIdentity);
+    }
+
+    void anUnknownMethodFails()
+    {
+        const quint32 id = AccountFactory::storeIdentity(QStringLiteral("alice"), QStringLiteral("s3cret"));
+        SignOnFlow flow(nullptr);
+        QSignalSpy failed(&flow, &SignOnFlow::failed);
+        QCOMPARE(flow.start(id, QStringLiteral("retina"), password), SignOnFlow::Started);
+        QTRY_COMPARE(failed.count(), 1);
+    }
+
+    void aServiceThatIsKilledEndsTheFlow()
+    {
+        const quint32 id = AccountFactory::storeIdentity(QStringLiteral("alice"), QStringLiteral("s3cret"));
+        const pid_t service = servicePid();
+        QVERIFY(service > 1);
+        QCOMPARE(kill(service, SIGSTOP), 0);
+        SignOnFlow flow(nullptr);
+        QSignalSpy received(&flow, &SignOnFlow::received);
+        QSignalSpy failed(&flow, &SignOnFlow::failed);
+        QCOMPARE(flow.start(id, password, password), SignOnFlow::Started);
+        QCOMPARE(kill(service, SIGKILL), 0);
+        QTRY_COMPARE(failed.count(), 1);
+        QCOMPARE(received.count(), 0);
+        // The bus starts the service again for the next one.
+        SignOnFlow next(nullptr);
+        QSignalSpy receivedNext(&next, &SignOnFlow::received);
+        QCOMPARE(next.start(id, password, password), SignOnFlow::Started);
+        QTRY_COMPARE(receivedNext.count(), 1);
+    }
+
+    void withoutAServiceItFailsAtOnce()
+    {
+        if (isBare()) {
+            SignOnFlow flow(nullptr);
+            QCOMPARE(flow.start(1, password, password), SignOnFlow::NoSession);
+            return;
+        }
+        // A process keeps the bus that it saw first.
+        QProcess process;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QString::fromLatin1(withoutServices), QStringLiteral("1"));
+        process.setProcessEnvironment(environment);
+        process.setProcessChannelMode(QProcess::MergedChannels);
+        process.start(QCoreApplication::applicationFilePath(),
+            { QStringLiteral("SignOnFlowTest"), QStringLiteral("withoutAServiceItFailsAtOnce") });
+        QVERIFY(process.waitForFinished());
+        QVERIFY2(process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0,
+            process.readAll().constData());
+    }
+
+private:
+    static bool isBare() { return qEnvironmentVariableIsSet(withoutServices); }
+
+    static pid_t servicePid()
+    {
+        const auto pid = QDBusConnection::sessionBus().interface()->servicePid(serviceName);
+        return pid.isValid() ? static_cast<pid_t>(pid.value()) : 0;
+    }
+};
+
+FENNEL_REGISTER_TEST(SignOnFlowTest)
+#include "signonflowtest.moc"
