@@ -2,31 +2,20 @@
 #include "fuzzsupport.h"
 
 #include "protocol/fetchitemcommand.h"
-#include "protocol/protocolutils.h"
-
-#include <QNetworkReply>
 
 namespace {
 
-/** A reply that is nothing but its content type. */
-class TypedReply : public QNetworkReply
+class Frames : public FetchItemCommand
 {
 public:
-    TypedReply()
+    Frames()
+        : FetchItemCommand(1)
     {
-        setHeader(QNetworkRequest::ContentTypeHeader, QString(ProtocolUtils::ContentTypeMultiPart));
+        setFileReference(QStringLiteral("ref"));
+        setAcceptMultipart(true);
     }
-    void abort() override {}
 
-protected:
-    qint64 readData(char *, qint64) override { return -1; }
-};
-
-class Command : public FetchItemCommand
-{
-public:
-    using FetchItemCommand::FetchItemCommand;
-    using FetchItemCommand::processMultiPartResponse;
+    using FetchItemCommand::processParts;
 };
 
 } // namespace
@@ -34,12 +23,6 @@ public:
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, std::size_t size)
 {
     FuzzSupport::keepQuiet();
-    static const TypedReply reply;
-    Command command(1);
-    command.setAcceptMultipart(true);
-    command.setFileReference(QStringLiteral("1:2"));
-    const QByteArray bytes = FuzzSupport::bytes(data, size);
-    if (command.processMultiPartResponse(&reply, bytes) && command.partData().size() > bytes.size())
-        qFatal("a part longer than its reply");
+    Frames().processParts(FuzzSupport::bytes(data, size));
     return 0;
 }
