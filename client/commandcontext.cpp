@@ -5,12 +5,14 @@
 
 #include <QCommandLineParser>
 
-CommandContext::CommandContext(
-    const QString &name, const QStringList &arguments, bool json, const QString &account)
+#include <unistd.h>
+
+CommandContext::CommandContext(const QString &name, const QStringList &arguments, const Options &options)
     : mName(name)
     , mArguments(arguments)
-    , mOutput(json)
-    , mAccount(account)
+    , mOutput(options.json)
+    , mAccount(options.account)
+    , mShowsProgress(!options.json && (options.progress || isatty(STDERR_FILENO)))
 {
 }
 

@@ -16,9 +16,18 @@ class QCommandLineParser;
 class CommandContext
 {
 public:
-    CommandContext(const QString &name, const QStringList &arguments, bool json, const QString &account);
+    struct Options
+    {
+        bool json = false;
+        bool progress = false;
+        QString account;
+    };
+
+    CommandContext(const QString &name, const QStringList &arguments, const Options &options);
 
     const Output &output() const { return mOutput; }
+    /** On a terminal, or where it was asked for; never with JSON. */
+    bool showsProgress() const { return mShowsProgress; }
 
     /**
      * Parses the arguments; wrong ones are explained on standard error and give false. The parser's own
@@ -34,4 +43,5 @@ private:
     QStringList mArguments;
     Output mOutput;
     QString mAccount;
+    bool mShowsProgress;
 };

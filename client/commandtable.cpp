@@ -54,7 +54,8 @@ const Command *CommandTable::take(QStringList &arguments)
 
 QString CommandTable::help()
 {
-    QString text = QStringLiteral("usage: fennel-easctl [--json] [--account ACCOUNT] COMMAND\n\n");
+    QString text =
+        QStringLiteral("usage: fennel-easctl [--json] [--progress] [--account ACCOUNT] COMMAND\n\n");
     for (const Command &command : commands())
         text += QStringLiteral("  %1 %2\n        %3\n")
                     .arg(QLatin1String(command.name), QLatin1String(command.arguments),

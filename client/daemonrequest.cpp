@@ -33,7 +33,7 @@ int interruptDescriptor()
 
 DaemonRequest::DaemonRequest(EasAccountId accountId, bool showProgress)
     : mAccountId(accountId)
-    , mShowProgress(showProgress && isatty(STDERR_FILENO))
+    , mShowProgress(showProgress)
     , mProxy(new EasDBusInterfaceProxy(ExchangeActiveSync::EAS_DBUS_SERVICE_NAME,
           ExchangeActiveSync::EAS_DBUS_PATH_NAME, QDBusConnection::sessionBus()))
 {
@@ -81,10 +81,12 @@ void DaemonRequest::onProgress(
         return;
     constexpr int width = 40;
     const int filled = int(qBound<qlonglong>(0, current * width / maximum, width));
-    std::fprintf(stderr, "\r[%s%s] %3lld %%", QByteArray(filled, '#').constData(),
-        QByteArray(width - filled, '.').constData(), static_cast<long long>(current * 100 / maximum));
+    const char *begin = isatty(STDERR_FILENO) ? "\r" : "";
+    const char *end = isatty(STDERR_FILENO) ? "" : "\n";
+    std::fprintf(stderr, "%s[%s%s] %3lld %%%s", begin, QByteArray(filled, '#').constData(),
+        QByteArray(width - filled, '.').constData(), static_cast<long long>(current * 100 / maximum), end);
     std::fflush(stderr);
-    mProgressShown = true;
+    mProgressShown = isatty(STDERR_FILENO);
 }
 
 void DaemonRequest::clearProgress()

@@ -205,7 +205,7 @@ int MailCommands::get(const CommandContext &context)
     QList<qulonglong> numbers;
     for (const QMailMessageId &id : qAsConst(ids))
         numbers.append(id.toULongLong());
-    DaemonRequest request(account, !context.output().isJson());
+    DaemonRequest request(account, context.showsProgress());
     const int result = request.run([&](EasDBusInterfaceProxy &daemon) {
         return daemon.downloadMessages(account, numbers, parser.isSet(attachments));
     });
@@ -237,7 +237,7 @@ int MailCommands::saveAttachment(const CommandContext &context)
         return ExitNotFound;
     }
     if (!QMailMessage(ids.first()).partAt(location).hasBody()) {
-        DaemonRequest request(account, !context.output().isJson());
+        DaemonRequest request(account, context.showsProgress());
         const int result = request.run([&](EasDBusInterfaceProxy &daemon) {
             return daemon.downloadMessagePart(account, ids.first().toULongLong(), arguments.at(1));
         });

@@ -17,12 +17,13 @@ int main(int argc, char **argv)
     std::setlocale(LC_ALL, "");
 
     QStringList arguments = QCoreApplication::arguments().mid(1);
-    const bool json = arguments.removeAll(QStringLiteral("--json")) > 0;
-    QString account;
-    const int option = arguments.indexOf(QStringLiteral("--account"));
-    if (option >= 0 && option + 1 < arguments.size()) {
-        account = arguments.at(option + 1);
-        arguments.erase(arguments.begin() + option, arguments.begin() + option + 2);
+    CommandContext::Options options;
+    options.json = arguments.removeAll(QStringLiteral("--json")) > 0;
+    options.progress = arguments.removeAll(QStringLiteral("--progress")) > 0;
+    const int account = arguments.indexOf(QStringLiteral("--account"));
+    if (account >= 0 && account + 1 < arguments.size()) {
+        options.account = arguments.at(account + 1);
+        arguments.erase(arguments.begin() + account, arguments.begin() + account + 2);
     }
     const QString first = arguments.value(0);
     if (first == QLatin1String("help") || first == QLatin1String("--help") || first == QLatin1String("-h")) {
@@ -39,5 +40,5 @@ int main(int argc, char **argv)
         QTextStream(stderr) << CommandTable::help();
         return ExitUsage;
     }
-    return command->run(CommandContext(QString::fromLatin1(command->name), arguments, json, account));
+    return command->run(CommandContext(QString::fromLatin1(command->name), arguments, options));
 }

@@ -80,7 +80,7 @@ int SyncCommands::sync(const CommandContext &context)
 
     QElapsedTimer timer;
     timer.start();
-    DaemonRequest request(id, !context.output().isJson());
+    DaemonRequest request(id, context.showsProgress());
     const int result = request.run([&](EasDBusInterfaceProxy &daemon) {
         if (parser.isSet(hierarchy))
             return daemon.foldersSync(id);
