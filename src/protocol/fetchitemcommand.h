@@ -63,13 +63,13 @@ protected:
 
     bool processSingleResponse(const QByteArray &data);
     bool processMultiPartResponse(const QNetworkReply *reply, const QByteArray &data);
-    bool processParts(const QByteArray &data);
     bool processPartWbxml(const QByteArray &part);
     static bool checkBound(int dataSize, int offset, int length);
 
 private:
     void encodeFileReference(WbxmlEncoder &encoder) const;
     bool encodeMessages(EasAccount &account, WbxmlEncoder &encoder) const;
+    bool processParts(const QByteArray &data);
     struct Multipart;
     bool processPair(Multipart &reply, int index, bool isLast, bool *found);
 

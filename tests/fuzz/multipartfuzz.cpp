@@ -2,20 +2,31 @@
 #include "fuzzsupport.h"
 
 #include "protocol/fetchitemcommand.h"
+#include "protocol/protocolutils.h"
+
+#include <QNetworkReply>
 
 namespace {
 
-class Frames : public FetchItemCommand
+/** A reply that is nothing but its content type. */
+class TypedReply : public QNetworkReply
 {
 public:
-    Frames()
-        : FetchItemCommand(1)
+    TypedReply()
     {
-        setFileReference(QStringLiteral("ref"));
-        setAcceptMultipart(true);
+        setHeader(QNetworkRequest::ContentTypeHeader, QString(ProtocolUtils::ContentTypeMultiPart));
     }
+    void abort() override {}
 
-    using FetchItemCommand::processParts;
+protected:
+    qint64 readData(char *, qint64) override { return -1; }
+};
+
+class Command : public FetchItemCommand
+{
+public:
+    using FetchItemCommand::FetchItemCommand;
+    using FetchItemCommand::processMultiPartResponse;
 };
 
 } // namespace
@@ -23,6 +34,12 @@ public:
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, std::size_t size)
 {
     FuzzSupport::keepQuiet();
-    Frames().processParts(FuzzSupport::bytes(data, size));
+    static const TypedReply reply;
+    Command command(1);
+    command.setAcceptMultipart(true);
+    command.setFileReference(QStringLiteral("1:2"));
+    const QByteArray bytes = FuzzSupport::bytes(data, size);
+    if (command.processMultiPartResponse(&reply, bytes) && command.partData().size() > bytes.size())
+        qFatal("a part longer than its reply");
     return 0;
 }
