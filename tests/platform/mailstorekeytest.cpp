@@ -36,10 +36,12 @@ private:
         return message.id();
     }
 
+    /** Among the messages of this test. */
     QMailMessageIdList query(const QMailMessageKey &key) const
     {
-        const QMailMessageIdList ids = mStore->queryMessages(key);
-        return mStore->countMessages(key) == ids.size() ? ids
+        const QMailMessageKey own = QMailMessageKey::parentAccountId(mAccount) & key;
+        const QMailMessageIdList ids = mStore->queryMessages(own);
+        return mStore->countMessages(own) == ids.size() ? ids
                                                         : QMailMessageIdList { QMailMessageId(~quint64(0)) };
     }
 
@@ -151,7 +153,8 @@ private Q_SLOTS:
         // "Not later" takes in what has no date.
         QCOMPARE(
             query(~QMailMessageKey::timeStamp(mNoon, GreaterThan)), (QMailMessageIdList { mRead, mNew }));
-        QCOMPARE(mStore->queryMessages(QMailMessageKey(), QMailMessageSortKey(), 1, 1),
+        QCOMPARE(
+            mStore->queryMessages(QMailMessageKey::parentAccountId(mAccount), QMailMessageSortKey(), 1, 1),
             QMailMessageIdList { mNew });
     }
 
@@ -184,9 +187,11 @@ private Q_SLOTS:
         QCOMPARE(found(QMailFolderKey::ancestorFolderIds(mInbox)), (QMailFolderIdList { mOther, deep }));
         QCOMPARE(found(own & QMailFolderKey::ancestorFolderIds(mOther, Excludes)),
             (QMailFolderIdList { mInbox, mOther }));
-        QCOMPARE(found(QMailFolderKey::displayName(QStringLiteral("Shown"))), QMailFolderIdList { deep });
-        QCOMPARE(found(QMailFolderKey::displayName(QStringLiteral("Inbox"))), QMailFolderIdList { mInbox });
-        QCOMPARE(found(QMailFolderKey::path(QStringLiteral("Deep"))), QMailFolderIdList { deep });
+        QCOMPARE(
+            found(own & QMailFolderKey::displayName(QStringLiteral("Shown"))), QMailFolderIdList { deep });
+        QCOMPARE(
+            found(own & QMailFolderKey::displayName(QStringLiteral("Inbox"))), QMailFolderIdList { mInbox });
+        QCOMPARE(found(own & QMailFolderKey::path(QStringLiteral("Deep"))), QMailFolderIdList { deep });
         QCOMPARE(found(QMailFolderKey::status(QMailFolder::Favourite)), QMailFolderIdList { deep });
         QCOMPARE(found(own & ~QMailFolderKey::id(deep)), (QMailFolderIdList { mInbox, mOther }));
         QVERIFY(found(QMailFolderKey::id(QMailFolderIdList())).isEmpty());

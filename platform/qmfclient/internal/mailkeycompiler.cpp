@@ -93,6 +93,10 @@ private:
             return key.comparison == MailKeyNode::Equal   ? column + QLatin1String(" IS NULL")
                 : key.comparison == MailKeyNode::NotEqual ? column + QLatin1String(" IS NOT NULL")
                                                           : QStringLiteral("0");
+        // Said with the number itself, this is what the index on moved messages is for.
+        if (key.property == MailKeyNode::PreviousParentFolderId && key.comparison == MailKeyNode::NotEqual
+            && value.toLongLong() == 0)
+            return column + QLatin1String(" <> 0");
         values.append(value);
         return column + QLatin1String(operatorText(key.comparison)) + QLatin1Char('?');
     }

@@ -146,7 +146,8 @@ void nameTextLeaves(MimeNode &node, bool part)
     if (node.parts.isEmpty() && (part || node.hasBody)) {
         if (!node.hasHeader("Content-Type"))
             node.setHeader("Content-Type", "text/plain");
-        if (node.hasBody && !node.hasHeader("Content-Transfer-Encoding") && node.contentType().matches("text"))
+        if (node.hasBody && !node.hasHeader("Content-Transfer-Encoding")
+            && node.contentType().matches("text"))
             node.setHeader("Content-Transfer-Encoding", isSevenBit(node.body) ? "7bit" : "8bit");
     }
     for (QMailMessagePart &child : node.parts)
