@@ -77,6 +77,10 @@ bool CalendarResultHandler::collectUploadedAdds(const SyncCollection &collection
 
 bool CalendarResultHandler::storeUploaded(CalendarStorage &storage)
 {
+    for (const EasCalendarItem &item : qAsConst(mUploadedChanged))
+        qCInfo(eas()) << "Event with server id" << item.serverId() << "updated successfully";
+    for (const QString &serverId : qAsConst(mUploadedDeleted))
+        qCInfo(eas()) << "Calendar event" << serverId << "was deleted";
     const QStringList deleted(mUploadedDeleted);
     if (!storage.uploadedLocalChanges(mUploadedAdded, mUploadedChanged, deleted))
         return fail("failed to handle uploaded local calendar changes");

@@ -37,16 +37,16 @@ bool EmailResultHandler::handle(SyncCollection &collection)
 
 bool EmailResultHandler::acknowledgeChanges(MailStorage &storage, const SyncCollection &collection)
 {
-    QList<EasEmailItem> sent;
+    QList<EasEmailItem> sentChanged;
     for (const QSharedPointer<SyncCommandBase> &command : collection.commands()) {
         if (command->type() == SyncCommandBase::ChangeCommand)
-            sent.append(command.staticCast<SyncCommandChange>()->emailItems());
+            sentChanged.append(command.staticCast<SyncCommandChange>()->emailItems());
     }
-    QList<EasEmailItem> taken;
-    if (!acknowledged(SyncItemStatus::Operation::MailChange, collection.id(), sent,
-            collection.getChangeCmdResponses(), {}, taken))
+    QList<EasEmailItem> acknowledgedItems;
+    if (!acknowledged(SyncItemStatus::Operation::MailChange, collection.id(), sentChanged,
+            collection.getChangeCmdResponses(), {}, acknowledgedItems))
         return false;
-    if (!taken.isEmpty() && !storage.successfullyUpdatedEmails(taken))
+    if (!acknowledgedItems.isEmpty() && !storage.successfullyUpdatedEmails(acknowledgedItems))
         return fail("Can't update state of successfully updated items");
     return true;
 }
@@ -54,18 +54,18 @@ bool EmailResultHandler::acknowledgeChanges(MailStorage &storage, const SyncColl
 bool EmailResultHandler::acknowledgeDeletes(
     MailStorage &storage, const SyncCollection &collection, const MailServerIds &ids)
 {
-    QStringList sent;
+    QStringList sentDeleted;
     for (const QSharedPointer<SyncCommandBase> &command : collection.commands()) {
         if (command->type() == SyncCommandBase::DeleteCommand)
-            sent.append(command.staticCast<SyncCommandDelete>()->serverIds());
+            sentDeleted.append(command.staticCast<SyncCommandDelete>()->serverIds());
     }
-    QList<QString> taken;
-    if (!acknowledged(SyncItemStatus::Operation::MailDelete, collection.id(), QList<QString>(sent),
-            collection.getDeleteCmdResponses(), {}, taken))
+    QList<QString> acknowledgedIds;
+    if (!acknowledged(SyncItemStatus::Operation::MailDelete, collection.id(), QList<QString>(sentDeleted),
+            collection.getDeleteCmdResponses(), {}, acknowledgedIds))
         return false;
 
     QStringList removed;
-    for (const QString &wireId : qAsConst(taken))
+    for (const QString &wireId : qAsConst(acknowledgedIds))
         removed.append(ids.kept(collection.id(), wireId));
     // An empty list would purge every removal record of the account.
     if (removed.isEmpty())

@@ -66,7 +66,7 @@ SyncCollectionBuilder::SyncCollectionBuilder(EasAccount &account, SyncState &sta
 {
 }
 
-SyncCollection SyncCollectionBuilder::collection(const EasFolderItem &folder)
+SyncCollection SyncCollectionBuilder::setupSyncCollection(const EasFolderItem &folder)
 {
     const bool initial = folder.syncKey().isEmpty() || folder.syncKey() == ProtocolUtils::InitialSyncKey;
     qCDebug(eas()) << "Server ID: " << folder.serverId() << ", syncKey: " << folder.syncKey();

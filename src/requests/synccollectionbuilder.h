@@ -19,7 +19,7 @@ public:
     SyncCollectionBuilder(EasAccount &account, SyncState &state);
 
     /** A folder without a real key gives an initial collection: no options, no local changes. */
-    SyncCollection collection(const EasFolderItem &folder);
+    SyncCollection setupSyncCollection(const EasFolderItem &folder);
 
 private:
     void setupOptions(SyncCollection &collection, const EasFolderItem &folder);

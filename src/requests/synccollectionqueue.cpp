@@ -45,7 +45,7 @@ void SyncCollectionQueue::queryCollectionsForSync(
     mState.calendarExceptionsForLater.clear();
     SyncCollectionBuilder builder(mAccount, mState);
     for (const EasFolderItem &folder : qAsConst(folders)) {
-        const SyncCollection collection = builder.collection(folder);
+        const SyncCollection collection = builder.setupSyncCollection(folder);
         const bool isInitial = collection.syncKey() == ProtocolUtils::InitialSyncKey;
         qCDebug(eas()) << "Have collection:" << collection.id() << "=" << collection.localId()
                        << "with syncKey:" << collection.syncKey()
@@ -62,7 +62,7 @@ bool SyncCollectionQueue::restart(QList<SyncCollection> &collections)
         folder.setSyncKey(ProtocolUtils::InitialSyncKey);
         if (!forgetCollection(folder))
             return false;
-        collections.append(builder.collection(folder));
+        collections.append(builder.setupSyncCollection(folder));
     }
     return true;
 }

@@ -20,7 +20,8 @@ QStringList SyncFolderSelection::serverIds(int service, const QStringList &local
         return namedFolders(localFolderIds);
 
     QStringList ids;
-    const QList<EasFolderItem> folders = service != 0 ? serviceFolders(service) : defaultFolders();
+    const QList<EasFolderItem> folders =
+        service != 0 ? getServiceSynchronizedFolders(service) : getDefaultSynchronizedFolders();
     const char *reason = service != 0 ? "adding service synchronised folder for sync:"
                                       : "adding default synchronised folder for sync:";
     for (const EasFolderItem &folder : folders) {
@@ -50,12 +51,12 @@ QStringList SyncFolderSelection::namedFolders(const QStringList &localFolderIds)
     return ids;
 }
 
-QList<EasFolderItem> SyncFolderSelection::serviceFolders(int service) const
+QList<EasFolderItem> SyncFolderSelection::getServiceSynchronizedFolders(int service) const
 {
     return enabledFolders(service, true);
 }
 
-QList<EasFolderItem> SyncFolderSelection::defaultFolders() const
+QList<EasFolderItem> SyncFolderSelection::getDefaultSynchronizedFolders() const
 {
     return enabledFolders(MailService | CalendarService | ContactsService, false);
 }

@@ -25,8 +25,8 @@ public:
 
 private:
     QStringList namedFolders(const QStringList &localFolderIds) const;
-    QList<EasFolderItem> serviceFolders(int service) const;
-    QList<EasFolderItem> defaultFolders() const;
+    QList<EasFolderItem> getServiceSynchronizedFolders(int service) const;
+    QList<EasFolderItem> getDefaultSynchronizedFolders() const;
     QList<EasFolderItem> enabledFolders(int service, bool warnDisabled) const;
     void appendMailFolders(QList<EasFolderItem> &folders) const;
     void appendFolders(

@@ -104,7 +104,7 @@ bool SyncReplyProcessor::handleCollectionResults(const SyncCollection &collectio
         break;
     case Eas::SyncStatusInvalidSync:
         if (mRetryCount++ < ProtocolUtils::CommandMaxRetriesCount)
-            narrowToOneCollection(mState);
+            processSyncRequestInvalidSyncError(mState);
         break;
     case Eas::SyncStatusRetry:
         qCInfo(eas()) << "we should retry our sync request for collection" << collection.id();
@@ -173,7 +173,7 @@ void SyncReplyProcessor::collectionSynced(SyncState &state, const QString &serve
     state.collectionsToSync.removeAll(serverId);
 }
 
-void SyncReplyProcessor::narrowToOneCollection(SyncState &state)
+void SyncReplyProcessor::processSyncRequestInvalidSyncError(SyncState &state)
 {
     qCWarning(eas()) << "Too many collections in SyncRequest";
     if (!state.collectionsToSync.isEmpty())

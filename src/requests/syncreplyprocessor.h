@@ -43,7 +43,7 @@ public:
     static void collectionSynced(SyncState &state, const QString &serverId);
 
     /** Status 15: the server wants fewer collections, so the next Sync carries one. */
-    static void narrowToOneCollection(SyncState &state);
+    static void processSyncRequestInvalidSyncError(SyncState &state);
 
 private:
     bool asksForRepetition(const SyncCommand &command) const;

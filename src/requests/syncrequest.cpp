@@ -703,7 +703,7 @@ void SyncRequest::handleSyncStatus(const SyncTexts &texts)
         return;
     case Eas::SyncStatusInvalidSync:
         qCWarning(eas()) << texts.invalidSync;
-        SyncReplyProcessor::narrowToOneCollection(mSync);
+        SyncReplyProcessor::processSyncRequestInvalidSyncError(mSync);
         return startResendTimer();
     case Eas::SyncStatusRetry:
         qCInfo(eas()) << texts.retry;

@@ -33,8 +33,8 @@ QByteArray document(const WbxmlNode &root);
 
 /**
  * A document in one line, for comparing: "Sync(SyncKey=0,Commands(Add(...)))". Elements go by the names that
- * the codec knows, those without content by the name alone; opaque bytes and text look the same. Empty if the bytes are
- * no sound document.
+ * the codec knows, those without content by the name alone; opaque bytes and text look the same. Empty if the
+ * bytes are no sound document.
  */
 QString outline(const QByteArray &bytes);
 
