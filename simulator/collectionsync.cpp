@@ -16,6 +16,21 @@ bool isFiltered(const ItemPtr &item, const QDateTime &start)
     return start.isValid() && item->date().isValid() && item->date() < start;
 }
 
+/** What the device knows and the folder no longer holds, in order. */
+QVector<QString> unknownTo(const QVector<ItemEntry> &entries, const KnownItems &known)
+{
+    QSet<QString> present;
+    for (const ItemEntry &entry : entries)
+        present.insert(entry.serverId);
+    QVector<QString> missing;
+    for (auto item = known.all().constBegin(); item != known.all().constEnd(); ++item) {
+        if (!present.contains(item.key()))
+            missing.append(item.key());
+    }
+    std::sort(missing.begin(), missing.end());
+    return missing;
+}
+
 } // namespace
 
 QString itemClassOf(int folderType)
@@ -62,16 +77,14 @@ WbxmlNode CollectionSync::run()
     CollectionState &state = mContext.device.collections[mId];
     if (key == QLatin1String("0"))
         return startAfresh(state);
-    if (key == state.key) {
-        state.lastDeletes.clear(); // they arrived
+    if (key == state.key)
         return proceed(state, key);
-    }
     if (key != state.previousKey)
         return statusReply(UnknownKey, QStringLiteral("0"));
     if (mRequest == state.lastRequest)
         return state.lastReply;
     // The client lost the last answer and now asks for something else: back to what it knew.
-    state.known = state.knownBefore;
+    state.known.goBack();
     return proceed(state, key);
 }
 
@@ -98,18 +111,23 @@ WbxmlNode CollectionSync::proceed(CollectionState &state, const QString &key)
 {
     if (mRequest.has(QStringLiteral("Options")))
         state.options = SyncOptions::fromNode(mRequest.at(QStringLiteral("Options")));
-    const KnownItems before = state.known;
+    const QSet<QString> lastDeletes = state.lastDeletes;
+    if (key == state.key)
+        state.lastDeletes.clear(); // they arrived
+    state.known.mark();
     SyncUploads uploads(mContext, mFolder, state, mRequest);
     const QVector<WbxmlNode> responses = uploads.run();
     bool more = false;
     const QVector<WbxmlNode> commands = wantsChanges() ? changes(state, &more) : QVector<WbxmlNode>();
     mChangeCount = commands.size();
     mIsSilent = responses.isEmpty() && commands.isEmpty() && uploads.count() == 0 && key == state.key;
-    if (mIsSilent)
+    if (mIsSilent) {
+        // Nothing changed, so the way back from the last answer stays as well.
+        state.lastDeletes = lastDeletes;
         return statusReply(Success, key);
-
+    }
+    state.known.settle();
     state.previousKey = key;
-    state.knownBefore = before;
     state.lastDeletes = uploads.deleted();
     state.key = mContext.nextKey();
     WbxmlNode reply = statusReply(Success, state.key);
@@ -144,12 +162,12 @@ QVector<WbxmlNode> CollectionSync::changes(CollectionState &state, bool *more)
     QVector<ItemEntry> added;
     QVector<ItemEntry> changed;
     QVector<QString> filtered;
-    QSet<QString> present;
+    int present = 0;
     const QVector<ItemEntry> entries = mContext.mailbox.items(mId);
     for (const ItemEntry &entry : entries) {
-        const auto known = state.known.constFind(entry.serverId);
-        present.insert(entry.serverId);
-        if (known == state.known.constEnd()) {
+        const ItemState *known = state.known.find(entry.serverId);
+        present += known ? 1 : 0;
+        if (!known) {
             if (!isFiltered(entry.item, start))
                 added.append(entry);
         } else if (isFiltered(entry.item, start)) {
@@ -159,11 +177,8 @@ QVector<WbxmlNode> CollectionSync::changes(CollectionState &state, bool *more)
         }
     }
     QVector<QString> deleted;
-    for (auto known = state.known.constBegin(); known != state.known.constEnd(); ++known) {
-        if (!present.contains(known.key()))
-            deleted.append(known.key());
-    }
-    std::sort(deleted.begin(), deleted.end());
+    if (present < state.known.all().size())
+        deleted = unknownTo(entries, state.known);
 
     QVector<WbxmlNode> commands;
     const auto removeFrom = [&](const QVector<QString> &ids, const QString &element) {

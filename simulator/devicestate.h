@@ -7,6 +7,8 @@
 #include <QHash>
 #include <QSet>
 
+#include <optional>
+
 namespace Simulator {
 
 /** What a device knows of the folders. */
@@ -18,17 +20,42 @@ struct HierarchyState
     WbxmlNode lastReply; ///< given again when previousKey comes once more
 };
 
-using KnownItems = QHash<QString, ItemState>;
+/** What a device knows of the items of a folder, with the way back to what it knew one answer ago. */
+class KnownItems
+{
+public:
+    bool contains(const QString &id) const { return mItems.contains(id); }
+    ItemState value(const QString &id) const { return mItems.value(id); }
+    /** Null if the device does not know the item. The pointer holds until the next change. */
+    const ItemState *find(const QString &id) const;
+    const QHash<QString, ItemState> &all() const { return mItems; }
+
+    void insert(const QString &id, const ItemState &state);
+    void remove(const QString &id);
+    /** From the next change on there is a new way back; the old one stays until then, or until settle(). */
+    void mark() { mIsMarked = true; }
+    void settle();
+    /** Back to what it was at the mark. */
+    void goBack();
+
+private:
+    void remember(const QString &id);
+
+    QHash<QString, ItemState> mItems;
+    /** Of what changed since the mark. A copy of the whole would make each window as slow as the folder is
+     * large. */
+    QHash<QString, std::optional<ItemState>> mBefore;
+    bool mIsMarked = false;
+};
 
 /** What a device knows of one folder's items. */
 struct CollectionState
 {
     QString key;
-    KnownItems known;
+    KnownItems known; ///< marked at previousKey
     SyncOptions options; ///< hold until the device sends others
 
     QString previousKey;
-    KnownItems knownBefore; ///< at previousKey
     WbxmlNode lastRequest;
     WbxmlNode lastReply;
     QSet<QString> lastDeletes; ///< what the last request deleted

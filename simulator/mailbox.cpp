@@ -16,7 +16,7 @@ namespace {
 struct FolderContent
 {
     MailFolder folder;
-    std::map<qint64, ItemPtr> items;
+    std::map<qint64, ItemEntry> items; ///< by the number in the server identifier
 };
 
 } // namespace
@@ -184,8 +184,9 @@ QString Mailbox::addItem(const QString &folderId, const ItemPtr &item)
     if (!content || !item)
         return QString();
     const qint64 number = d->nextItem++;
-    content->items.emplace(number, item);
-    return Data::serverId(*content, number);
+    const QString serverId = Data::serverId(*content, number);
+    content->items.emplace(number, ItemEntry { serverId, item });
+    return serverId;
 }
 
 bool Mailbox::replaceItem(const QString &serverId, const ItemPtr &item)
@@ -194,7 +195,7 @@ bool Mailbox::replaceItem(const QString &serverId, const ItemPtr &item)
     FolderContent *content = d->holder(serverId);
     if (!content || !item)
         return false;
-    content->items[Data::number(serverId)] = item;
+    content->items[Data::number(serverId)].item = item;
     return true;
 }
 
@@ -243,7 +244,7 @@ QVector<ItemEntry> Mailbox::items(const QString &folderId) const
     if (const FolderContent *content = d->content(folderId)) {
         result.reserve(int(content->items.size()));
         for (const auto &entry : content->items)
-            result.append({ Data::serverId(*content, entry.first), entry.second });
+            result.append(entry.second);
     }
     return result;
 }
@@ -252,7 +253,7 @@ ItemPtr Mailbox::item(const QString &serverId) const
 {
     const QMutexLocker lock(&mMutex);
     const FolderContent *content = d->holder(serverId);
-    return content ? content->items.at(Data::number(serverId)) : nullptr;
+    return content ? content->items.at(Data::number(serverId)).item : nullptr;
 }
 
 int Mailbox::itemCount(const QString &folderId) const

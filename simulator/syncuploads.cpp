@@ -133,7 +133,7 @@ int SyncUploads::applyChange(const QString &serverId, const WbxmlNode &data)
     const ItemPtr changed = item->withChanges(data);
     if (!changed)
         return BadItem;
-    ItemState &known = mState.known[serverId];
+    ItemState known = mState.known.value(serverId);
     const ItemState now = item->state();
     const ItemState wanted = changed->state();
     if (mState.options.conflict != ClientWins && isInConflict(known, now, wanted))
@@ -143,8 +143,7 @@ int SyncUploads::applyChange(const QString &serverId, const WbxmlNode &data)
             known.insert(field.key(), field.value());
     }
     // With nothing left to tell, the device shares the item's own map.
-    if (known == wanted)
-        known = wanted;
+    mState.known.insert(serverId, known == wanted ? wanted : known);
     mContext.mailbox.replaceItem(serverId, changed);
     return Success;
 }

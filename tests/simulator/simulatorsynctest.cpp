@@ -137,6 +137,18 @@ private Q_SLOTS:
         QVERIFY(mServer->mailbox().item(id));
     }
 
+    void theWayBackOutlastsAnAnswerWithoutNews()
+    {
+        deliver(QStringLiteral("1"));
+        const QString key = mClient->firstKey(mInbox);
+        const QString next = mClient->sync(mInbox, key).text(QStringLiteral("SyncKey"));
+        mClient->sync(mInbox, next);
+        const WbxmlNode reply = mClient->sync(mInbox, key, QStringLiteral("<WindowSize>100</WindowSize>"));
+        QCOMPARE(reply.all(QStringLiteral("Commands/Add")).size(), 1);
+        mClient->sync(mInbox, key, QStringLiteral("<WindowSize>50</WindowSize>"));
+        QCOMPARE(mClient->sync(mInbox, next).text(QStringLiteral("Status")), QStringLiteral("3"));
+    }
+
     void anUnknownKeyIsStatusThree()
     {
         const QString key = mClient->firstKey(mInbox);
