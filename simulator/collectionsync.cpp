@@ -33,6 +33,16 @@ QVector<QString> unknownTo(const QVector<ItemEntry> &entries, const KnownItems &
 
 } // namespace
 
+struct CollectionSync::Difference
+{
+    QVector<QString> deleted;
+    QVector<QString> filtered;
+    QVector<ItemEntry> changed;
+    QVector<ItemEntry> added;
+
+    int size() const { return deleted.size() + filtered.size() + changed.size() + added.size(); }
+};
+
 QString itemClassOf(int folderType)
 {
     switch (folderType) {
@@ -156,65 +166,72 @@ WbxmlNode CollectionSync::itemNode(
     return node;
 }
 
-QVector<WbxmlNode> CollectionSync::changes(CollectionState &state, bool *more)
+CollectionSync::Difference CollectionSync::differenceOf(
+    const QVector<ItemEntry> &entries, const CollectionState &state)
 {
     const QDateTime start = state.options.filterStart(QDateTime::currentDateTimeUtc());
-    QVector<ItemEntry> added;
-    QVector<ItemEntry> changed;
-    QVector<QString> filtered;
+    Difference difference;
     int present = 0;
-    const QVector<ItemEntry> entries = mContext.mailbox.items(mId);
     for (const ItemEntry &entry : entries) {
         const ItemState *known = state.known.find(entry.serverId);
         present += known ? 1 : 0;
         if (!known) {
             if (!isFiltered(entry.item, start))
-                added.append(entry);
+                difference.added.append(entry);
         } else if (isFiltered(entry.item, start)) {
-            filtered.append(entry.serverId);
+            difference.filtered.append(entry.serverId);
         } else if (*known != entry.item->state()) {
-            changed.append(entry);
+            difference.changed.append(entry);
         }
     }
-    QVector<QString> deleted;
     if (present < state.known.all().size())
-        deleted = unknownTo(entries, state.known);
+        difference.deleted = unknownTo(entries, state.known);
+    return difference;
+}
 
+QVector<WbxmlNode> CollectionSync::changes(CollectionState &state, bool *more)
+{
+    Difference difference = differenceOf(mContext.mailbox.items(mId), state);
+    QVector<WbxmlNode> commands = removals(difference, state);
+    int room = mWindow - commands.size();
+    ItemShape shape { mContext.version(), QString(), mFolder.type == DraftsFolder, state.options, nullptr };
+    const int changedCount = std::min(room, difference.changed.size());
+    for (const ItemEntry &entry : difference.changed.mid(0, changedCount)) {
+        shape.serverId = entry.serverId;
+        const QVector<WbxmlNode> fields =
+            entry.item->changedElements(state.known.value(entry.serverId), shape);
+        state.known.insert(entry.serverId, entry.item->state());
+        // Some changes this version cannot express.
+        if (!fields.isEmpty())
+            commands.append(itemNode(QStringLiteral("AirSync:Change"), entry, fields));
+    }
+    room -= changedCount;
+    const int addedCount = std::min(room, difference.added.size());
+    std::partial_sort(difference.added.begin(), difference.added.begin() + addedCount, difference.added.end(),
+        [](const ItemEntry &one, const ItemEntry &other) { return one.item->date() > other.item->date(); });
+    for (const ItemEntry &entry : difference.added.mid(0, addedCount)) {
+        shape.serverId = entry.serverId;
+        commands.append(itemNode(QStringLiteral("AirSync:Add"), entry, entry.item->elements(shape)));
+        state.known.insert(entry.serverId, entry.item->state());
+    }
+    *more = difference.size() > mWindow;
+    return commands;
+}
+
+QVector<WbxmlNode> CollectionSync::removals(const Difference &difference, CollectionState &state) const
+{
     QVector<WbxmlNode> commands;
-    const auto removeFrom = [&](const QVector<QString> &ids, const QString &element) {
-        for (const QString &id : ids) {
-            if (commands.size() == mWindow)
-                return;
+    const auto append = [&](const QVector<QString> &ids, const QString &element) {
+        const int count = std::min(mWindow - commands.size(), ids.size());
+        for (const QString &id : ids.mid(0, count)) {
             WbxmlNode node(element);
             node.append(QStringLiteral("ServerId"), id);
             commands.append(node);
             state.known.remove(id);
         }
     };
-    removeFrom(deleted, QStringLiteral("AirSync:Delete"));
-    removeFrom(filtered, QStringLiteral("AirSync:SoftDelete"));
-    ItemShape shape { mContext.version(), QString(), mFolder.type == DraftsFolder, state.options, nullptr };
-    for (const ItemEntry &entry : qAsConst(changed)) {
-        if (commands.size() == mWindow)
-            break;
-        shape.serverId = entry.serverId;
-        const QVector<WbxmlNode> fields =
-            entry.item->changedElements(state.known.value(entry.serverId), shape);
-        state.known.insert(entry.serverId, entry.item->state());
-        // A change that this version cannot express.
-        if (!fields.isEmpty())
-            commands.append(itemNode(QStringLiteral("AirSync:Change"), entry, fields));
-    }
-    const int room = std::min(mWindow - commands.size(), added.size());
-    std::partial_sort(added.begin(), added.begin() + room, added.end(),
-        [](const ItemEntry &one, const ItemEntry &other) { return one.item->date() > other.item->date(); });
-    for (int i = 0; i < room; ++i) {
-        const ItemEntry &entry = added.at(i);
-        shape.serverId = entry.serverId;
-        commands.append(itemNode(QStringLiteral("AirSync:Add"), entry, entry.item->elements(shape)));
-        state.known.insert(entry.serverId, entry.item->state());
-    }
-    *more = deleted.size() + filtered.size() + changed.size() + added.size() > commands.size();
+    append(difference.deleted, QStringLiteral("AirSync:Delete"));
+    append(difference.filtered, QStringLiteral("AirSync:SoftDelete"));
     return commands;
 }
 

@@ -26,6 +26,10 @@ private:
     WbxmlNode startAfresh(CollectionState &state);
     WbxmlNode proceed(CollectionState &state, const QString &key);
     bool wantsChanges() const;
+    /** What differs between the folder and what the device knows of it. */
+    struct Difference;
+    static Difference differenceOf(const QVector<ItemEntry> &entries, const CollectionState &state);
+    QVector<WbxmlNode> removals(const Difference &difference, CollectionState &state) const;
     QVector<WbxmlNode> changes(CollectionState &state, bool *more);
     WbxmlNode itemNode(
         const QString &element, const ItemEntry &entry, const QVector<WbxmlNode> &fields) const;

@@ -187,6 +187,18 @@ private Q_SLOTS:
         QCOMPARE(reply.text(QStringLiteral("Commands/Delete/ServerId")), id);
     }
 
+    void aChangeThatTheVersionCannotExpressIsNoChange()
+    {
+        const QString id = deliver(QStringLiteral("1"));
+        const QString key = synced();
+        mClient->setVersion(QStringLiteral("12.1"));
+        mServer->mailbox().setCategories(id, { QStringLiteral("Blue") });
+        deliver(QStringLiteral("2"));
+        const WbxmlNode reply = mClient->sync(mInbox, key);
+        QCOMPARE(reply.at(QStringLiteral("Commands")).children().size(), 1);
+        QVERIFY(!reply.has(QStringLiteral("MoreAvailable")));
+    }
+
     void changesOfTheClientReachTheMailboxAndDoNotComeBack()
     {
         const QString id = deliver(QStringLiteral("1"));
