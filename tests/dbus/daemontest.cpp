@@ -1,0 +1,116 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "common/exchangeactivesync.h"
+#include "support/accountfactory.h"
+#include "support/privatebus.h"
+#include "support/testmain.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusServiceWatcher>
+#include <QProcess>
+#include <QSignalSpy>
+#include <QtTest>
+
+/** The program itself: how it starts, and the three ways in which it ends. */
+class DaemonTest : public QObject
+{
+    Q_OBJECT
+
+private:
+    std::unique_ptr<QProcess> mDaemon;
+
+    static QString program() { return QStringLiteral(FENNEL_BINARY_DIR "/bin/fennel-eas"); }
+
+    void start()
+    {
+        QDBusServiceWatcher watcher(ExchangeActiveSync::EAS_DBUS_SERVICE_NAME, QDBusConnection::sessionBus(),
+            QDBusServiceWatcher::WatchForRegistration);
+        QSignalSpy registered(&watcher, &QDBusServiceWatcher::serviceRegistered);
+        mDaemon = std::make_unique<QProcess>();
+        mDaemon->start(program(), QStringList());
+        QVERIFY(mDaemon->waitForStarted());
+        QVERIFY(registered.wait(20000));
+    }
+    bool ends(int milliseconds = 20000)
+    {
+        return mDaemon->waitForFinished(milliseconds) && mDaemon->exitStatus() == QProcess::NormalExit
+            && mDaemon->exitCode() == 0;
+    }
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        QVERIFY(PrivateBus::ensure());
+        qputenv("DBUS_SESSION_BUS_ADDRESS", PrivateBus::address().toLocal8Bit());
+    }
+
+    void cleanup() { mDaemon.reset(); }
+
+    void versionAndHelpNeedNoBus_data()
+    {
+        QTest::addColumn<QString>("option");
+        QTest::newRow("version") << QStringLiteral("--version");
+        QTest::newRow("help") << QStringLiteral("--help");
+    }
+
+    void versionAndHelpNeedNoBus()
+    {
+        QFETCH(QString, option);
+        QProcess process;
+        process.start(program(), { option });
+        QVERIFY(process.waitForFinished());
+        QCOMPARE(process.exitCode(), 0);
+        QVERIFY(process.readAllStandardOutput().contains("fennel-eas"));
+    }
+
+    void aSignalEndsItCleanly()
+    {
+        start();
+        mDaemon->terminate();
+        QVERIFY(ends());
+    }
+
+    void aCallEndsIt()
+    {
+        start();
+        const QDBusMessage reply = QDBusConnection::sessionBus().call(QDBusMessage::createMethodCall(
+            ExchangeActiveSync::EAS_DBUS_SERVICE_NAME, ExchangeActiveSync::EAS_DBUS_PATH_NAME,
+            QStringLiteral("org.fennelos.easdaemon"), QStringLiteral("quit")));
+        QCOMPARE(reply.type(), QDBusMessage::ReplyMessage);
+        QVERIFY(ends());
+    }
+
+    void withoutAnEnabledAccountItEndsByItself()
+    {
+        start();
+        QVERIFY(ends());
+    }
+
+    void aRequestForAnUnknownAccountFailsAndTheDaemonLives()
+    {
+        AccountFactory factory;
+        QVERIFY(factory.create());
+        start();
+        QDBusMessage call = QDBusMessage::createMethodCall(ExchangeActiveSync::EAS_DBUS_SERVICE_NAME,
+            ExchangeActiveSync::EAS_DBUS_PATH_NAME, QStringLiteral("org.fennelos.easdaemon"),
+            QStringLiteral("sync"));
+        call << 4711ULL;
+        QVERIFY(QDBusConnection::sessionBus().connect(ExchangeActiveSync::EAS_DBUS_SERVICE_NAME,
+            ExchangeActiveSync::EAS_DBUS_PATH_NAME, QStringLiteral("org.fennelos.easdaemon"),
+            QStringLiteral("requestFinished"), this, SLOT(onFinished(QDBusMessage))));
+        QCOMPARE(QDBusConnection::sessionBus().call(call).arguments().value(0).toULongLong(), 1ULL);
+        QTRY_COMPARE(mFinished.size(), 1);
+        QCOMPARE(mFinished.first().arguments().at(2).toInt(), -2);
+        mDaemon->terminate();
+        QVERIFY(ends());
+    }
+
+public Q_SLOTS:
+    void onFinished(const QDBusMessage &message) { mFinished.append(message); }
+
+private:
+    QList<QDBusMessage> mFinished;
+};
+
+FENNEL_REGISTER_TEST(DaemonTest)
+#include "daemontest.moc"
