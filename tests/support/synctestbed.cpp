@@ -4,42 +4,19 @@
 #include "application/easdatabase.h"
 #include "application/requestmanager.h"
 #include "support/bearer.h"
+#include "support/maillisting.h"
 
 #include <QCoreApplication>
 #include <QSignalSpy>
 #include <QTest>
 
 #include <qmailfolderkey.h>
-#include <qmailmessagekey.h>
 #include <qmailstore.h>
 
 namespace {
 
 constexpr int NeverEnded = -1000;
 constexpr int Patience = 60000;
-
-QString line(const QString &folder, const QString &subject, bool read)
-{
-    return folder + QLatin1Char('|') + subject + QLatin1Char('|')
-        + (read ? QStringLiteral("read") : QStringLiteral("unread"));
-}
-
-QString devicePath(QMailFolderId id)
-{
-    QStringList names;
-    while (id.isValid()) {
-        const QMailFolder folder(id);
-        names.prepend(folder.displayName());
-        id = folder.parentFolderId();
-    }
-    return names.join(QLatin1Char('/'));
-}
-
-bool isMailFolder(int type)
-{
-    return (type >= Simulator::GenericFolder && type <= Simulator::OutboxFolder)
-        || type == Simulator::UserMailFolder;
-}
 
 } // namespace
 
@@ -154,65 +131,22 @@ int SyncTestBed::waitFor(qulonglong requestId)
 
 QStringList SyncTestBed::deviceState() const
 {
-    QStringList lines;
-    const QMailMessageIdList ids =
-        QMailStore::instance()->queryMessages(QMailMessageKey::parentAccountId(QMailAccountId(mAccountId)));
-    for (const QMailMessageId &id : ids) {
-        const QMailMessageMetaData message(id);
-        lines.append(line(
-            devicePath(message.parentFolderId()), message.subject(), message.status() & QMailMessage::Read));
-    }
-    lines.sort();
-    return lines;
+    return MailListing::deviceMessages(mAccountId);
 }
 
 QStringList SyncTestBed::serverState()
 {
-    QStringList lines;
-    const auto folders = mailbox().folders();
-    for (const Simulator::MailFolder &folder : folders) {
-        if (!isMailFolder(folder.type))
-            continue;
-        QString path = folder.name;
-        for (QString parent = folder.parentId; parent != QLatin1String("0");
-             parent = mailbox().folder(parent).parentId)
-            path.prepend(mailbox().folder(parent).name + QLatin1Char('/'));
-        const auto items = mailbox().items(folder.id);
-        for (const Simulator::ItemEntry &entry : items) {
-            const auto email = std::static_pointer_cast<const Simulator::Email>(entry.item);
-            lines.append(line(path, email->content().headers().subject, email->isRead()));
-        }
-    }
-    lines.sort();
-    return lines;
+    return MailListing::serverMessages(mailbox());
 }
 
 QStringList SyncTestBed::deviceFolders() const
 {
-    QStringList paths;
-    const QMailFolderIdList ids =
-        QMailStore::instance()->queryFolders(QMailFolderKey::parentAccountId(QMailAccountId(mAccountId)));
-    for (const QMailFolderId &id : ids)
-        paths.append(devicePath(id));
-    paths.sort();
-    return paths;
+    return MailListing::deviceFolders(mAccountId);
 }
 
 QStringList SyncTestBed::serverFolders()
 {
-    QStringList paths;
-    const auto folders = mailbox().folders();
-    for (const Simulator::MailFolder &folder : folders) {
-        if (!isMailFolder(folder.type))
-            continue;
-        QString path = folder.name;
-        for (QString parent = folder.parentId; parent != QLatin1String("0");
-             parent = mailbox().folder(parent).parentId)
-            path.prepend(mailbox().folder(parent).name + QLatin1Char('/'));
-        paths.append(path);
-    }
-    paths.sort();
-    return paths;
+    return MailListing::serverFolders(mailbox());
 }
 
 QByteArray SyncTestBed::message(const QString &subject, const QString &text)
@@ -226,22 +160,10 @@ QByteArray SyncTestBed::message(const QString &subject, const QString &text)
 
 QMailMessageId SyncTestBed::deviceMessage(const QString &subject) const
 {
-    const QMailMessageIdList ids =
-        QMailStore::instance()->queryMessages(QMailMessageKey::parentAccountId(QMailAccountId(mAccountId)));
-    for (const QMailMessageId &id : ids) {
-        if (QMailMessageMetaData(id).subject() == subject)
-            return id;
-    }
-    return {};
+    return MailListing::deviceMessage(mAccountId, subject);
 }
 
 QMailFolderId SyncTestBed::deviceFolder(const QString &path) const
 {
-    const QMailFolderIdList ids =
-        QMailStore::instance()->queryFolders(QMailFolderKey::parentAccountId(QMailAccountId(mAccountId)));
-    for (const QMailFolderId &id : ids) {
-        if (devicePath(id) == path)
-            return id;
-    }
-    return {};
+    return MailListing::deviceFolder(mAccountId, path);
 }

@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include "common/easaccountid.h"
+#include "simulator/exchangeserver.h"
+#include "support/accountfactory.h"
+#include "support/daemonprocess.h"
+#include "support/privatebus.h"
+
+#include <QProcessEnvironment>
+#include <QScopedPointer>
+#include <QStringList>
+
+#include <chrono>
+
+/**
+ * A device whose daemon dies or whose database fails in the middle of a sync, beside a server that goes on.
+ *
+ *     CrashBed bed;
+ *     const QString wrong = bed.run(CrashBed::LaterSync, shim.environment());
+ *     QVERIFY2(wrong.isEmpty(), "...");
+ *
+ * One object serves any number of runs; each forgets the one before.
+ */
+class CrashBed
+{
+public:
+    enum Scenario {
+        FirstSync, ///< a new device and a mailbox with sub-folders
+        LaterSync, ///< arrivals, marks, deletions and folder changes on the server; marks and deletions here
+        Move, ///< messages moved here, some of them marked or changed on the server meanwhile
+    };
+
+    CrashBed();
+    ~CrashBed();
+    Q_DISABLE_COPY(CrashBed)
+
+    bool isReady() const { return mAccountId != 0; }
+    EasAccountId accountId() const { return mAccountId; }
+
+    /** Rows of test data with a column "scenario" for all of them. */
+    static void addScenarioRows();
+
+    /**
+     * Prepares both sides, lets a daemon sync in this environment, ends it if it is still there, and compares
+     * after two syncs of a new daemon. Empty if nothing is lost, doubled or come back, both databases are
+     * whole, both sides equal, and the second of the syncs had nothing to send; else the whole story.
+     */
+    QString run(Scenario scenario, const QProcessEnvironment &environment);
+    /** The same for a daemon without faults that gets SIGKILL so long after its start. */
+    QString runUntil(Scenario scenario, std::chrono::microseconds moment);
+
+    /** How the sync of the latest run ended: a status, DaemonProcess::Died or NeverEnded. */
+    int syncStatus() const { return mSyncStatus; }
+    /** From the start of the daemon to the end of its sync. */
+    std::chrono::microseconds syncDuration() const { return mSyncDuration; }
+
+private:
+    bool begin(Scenario scenario);
+    QString finish(DaemonProcess &daemon);
+    QString whatIsWrong();
+    void clearDevice();
+    bool startServer();
+    void fillMailbox();
+    bool synchronizeOnce();
+    void changeForLaterSync();
+    void changeForMove();
+
+    Simulator::Mailbox &mailbox() { return mServer->mailbox(); }
+    QString deliver(const QString &folderId, const QString &subject);
+    QString serverItem(const QString &subject);
+
+    QString wrongState();
+    QString wrongContent() const;
+    QString wrongMapping() const;
+    QString wrongRequests() const;
+    static QString wrongDatabase(const QString &file);
+
+    // The account library wants a bus before anything of it is made.
+    bool mHasBus = PrivateBus::ensure();
+    AccountFactory mAccounts;
+    QScopedPointer<Simulator::ExchangeServer> mServer;
+    quint16 mPort = 0;
+    EasAccountId mAccountId = 0;
+    QStringList mWanted;
+    int mSyncStatus = 0;
+    std::chrono::microseconds mSyncDuration {};
+};
+
+Q_DECLARE_METATYPE(CrashBed::Scenario)

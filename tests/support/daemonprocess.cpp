@@ -1,0 +1,122 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "support/daemonprocess.h"
+
+#include "common/easdbusinterfaceproxy.h"
+#include "common/exchangeactivesync.h"
+
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QDBusPendingReply>
+#include <QDBusServiceWatcher>
+#include <QProcess>
+#include <QTest>
+
+#include <csignal>
+#include <sys/prctl.h>
+
+namespace {
+
+constexpr int Patience = 60000;
+
+/** Dies with the test, however that ends. */
+class Process : public QProcess
+{
+protected:
+    void setupChildProcess() override { prctl(PR_SET_PDEATHSIG, SIGKILL); }
+};
+
+} // namespace
+
+QString DaemonProcess::program()
+{
+    return QStringLiteral("fennel-eas-test-daemon");
+}
+
+DaemonProcess::DaemonProcess(const QProcessEnvironment &environment)
+    : mProcess(new Process)
+{
+    mProcess->setProcessEnvironment(environment);
+    mProcess->setProcessChannelMode(QProcess::MergedChannels);
+    connect(mProcess.data(), &QProcess::readyRead, this, [this] { mLog += mProcess->readAll(); });
+}
+
+DaemonProcess::~DaemonProcess()
+{
+    kill();
+}
+
+bool DaemonProcess::start()
+{
+    QDBusConnectionInterface *bus = QDBusConnection::sessionBus().interface();
+    // The bus may still think that an earlier process, which was killed, has the name.
+    bool serves = false;
+    QDBusServiceWatcher watcher(ExchangeActiveSync::EAS_DBUS_SERVICE_NAME, QDBusConnection::sessionBus(),
+        QDBusServiceWatcher::WatchForRegistration);
+    connect(&watcher, &QDBusServiceWatcher::serviceRegistered, this,
+        [&](const QString &name) { serves = bus->servicePid(name).value() == mProcess->processId(); });
+    mProcess->start(QStringLiteral(FENNEL_BINARY_DIR "/bin/") + program(), QStringList());
+    startTimer();
+    const bool ended = QTest::qWaitFor([&] { return serves || hasDied(); }, Patience);
+    if (!ended || !serves)
+        return false;
+    connectToService();
+    return true;
+}
+
+void DaemonProcess::connectToService()
+{
+    mProxy.reset(new EasDBusInterfaceProxy(ExchangeActiveSync::EAS_DBUS_SERVICE_NAME,
+        ExchangeActiveSync::EAS_DBUS_PATH_NAME, QDBusConnection::sessionBus()));
+    connect(mProxy.data(), &EasDBusInterfaceProxy::requestFinished, this,
+        [this](qulonglong, qulonglong requestId, int status) { mFinished.insert(requestId, status); });
+}
+
+int DaemonProcess::sync(EasAccountId accountId)
+{
+    if (!mProxy && !start())
+        return hasDied() ? Died : NeverEnded;
+    const QDBusPendingReply<qulonglong> reply = mProxy->sync(accountId);
+    const auto hasFinished = [&] {
+        return reply.isFinished() && !reply.isError() && mFinished.contains(reply.value());
+    };
+    if (!QTest::qWaitFor([&] { return hasFinished() || hasDied(); }, Patience))
+        return NeverEnded;
+    return hasFinished() ? mFinished.value(reply.value()) : Died;
+}
+
+void DaemonProcess::startTimer()
+{
+    if (!mLife || !mProcess->waitForStarted())
+        return;
+    mTimer = std::thread([this, process = pid_t(mProcess->processId())] {
+        std::unique_lock<std::mutex> lock(mMutex);
+        if (!mStopped.wait_for(lock, *mLife, [this] { return mStopTimer; }))
+            ::kill(process, SIGKILL);
+    });
+}
+
+void DaemonProcess::stopTimer()
+{
+    if (!mTimer.joinable())
+        return;
+    {
+        const std::lock_guard<std::mutex> lock(mMutex);
+        mStopTimer = true;
+    }
+    mStopped.notify_one();
+    mTimer.join();
+}
+
+void DaemonProcess::kill()
+{
+    stopTimer();
+    if (mProcess->state() == QProcess::NotRunning)
+        return;
+    mProcess->kill();
+    mProcess->waitForFinished();
+}
+
+bool DaemonProcess::hasDied() const
+{
+    return mProcess->state() == QProcess::NotRunning;
+}

@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+// Linked with the daemon's own main(): it runs as it is, but waits milliseconds where a device waits seconds.
+#include "support/fastclock.h"
+
+#include <QThread>
+
+namespace {
+
+class DaemonClock : public FastClock
+{
+public:
+    int timerInterval(int milliseconds) const override
+    {
+        // The check for accounts is set up before the event loop runs, and ends the process if it comes
+        // before the accounts have been read.
+        const bool starting = QThread::currentThread()->loopLevel() == 0;
+        return starting ? milliseconds : FastClock::timerInterval(milliseconds);
+    }
+};
+
+const DaemonClock clock;
+
+} // namespace
