@@ -21,12 +21,17 @@ bool EmailResultHandler::handle(SyncCollection &collection)
         qCWarning(eas()) << "unexpected add responses in a sync response for collection" << collection.id();
 
     MailServerIds ids(account().id());
+    if (ids.lookupFailed())
+        return fail("Failed to read emails from EAS DB");
     if (!acknowledgeChanges(*storage, collection) || !acknowledgeDeletes(*storage, collection, ids))
         return false;
 
     nameAsKept(collection, ids);
     recogniseRepeatedAdds(collection, ids);
     spareMovedMail();
+    // Known mail would look new, and be added a second time.
+    if (ids.lookupFailed())
+        return fail("Failed to read emails from EAS DB");
 
     if (!storage->updateEmails(mAdded, mChanged, mDeleted))
         return fail("Failed to update emails");
@@ -67,6 +72,8 @@ bool EmailResultHandler::acknowledgeDeletes(
     QStringList removed;
     for (const QString &wireId : qAsConst(acknowledgedIds))
         removed.append(ids.kept(collection.id(), wireId));
+    if (ids.lookupFailed())
+        return fail("Failed to read emails from EAS DB");
     // An empty list would purge every removal record of the account.
     if (removed.isEmpty())
         return true;

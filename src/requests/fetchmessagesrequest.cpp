@@ -130,8 +130,12 @@ bool FetchMessagesRequest::updateBody()
 
 bool FetchMessagesRequest::updateMessages()
 {
-    QList<EasEmailItem> items = receivedItems();
+    QList<EasEmailItem> items;
     QList<EasEmailItem> none;
+    if (!receivedItems(items)) {
+        qCCritical(eas()) << "Failed to read emails from EAS DB";
+        return false;
+    }
     if (!account()->mailStorage()->updateEmails(none, items, {})) {
         qCCritical(eas()) << "Failed to update emails";
         return false;
@@ -143,10 +147,9 @@ bool FetchMessagesRequest::updateMessages()
     return true;
 }
 
-QList<EasEmailItem> FetchMessagesRequest::receivedItems()
+bool FetchMessagesRequest::receivedItems(QList<EasEmailItem> &items)
 {
     const MailServerIds ids(accountId());
-    QList<EasEmailItem> items;
     const QList<ItemOperationsFetchItem> fetched = mCommand->fetchItems();
     for (const ItemOperationsFetchItem &fetch : fetched) {
         if (fetch.status() > Eas::ItemOperationsStatusSuccess)
@@ -158,7 +161,7 @@ QList<EasEmailItem> FetchMessagesRequest::receivedItems()
             item.setServerId(ids.kept(fetch.collectionId(), fetch.serverId()));
         items.append(item);
     }
-    return items;
+    return !ids.lookupFailed();
 }
 
 int FetchMessagesRequest::firstItemFailure() const

@@ -44,7 +44,7 @@ private:
     void processCommandSuccess();
     bool updateBody();
     bool updateMessages();
-    QList<EasEmailItem> receivedItems();
+    bool receivedItems(QList<EasEmailItem> &items);
     int firstItemFailure() const;
     void downloadNextAttachment();
     void queueAttachments();

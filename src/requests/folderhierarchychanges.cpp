@@ -30,13 +30,19 @@ FolderHierarchyChanges::FolderHierarchyChanges(EasAccount &account, const Folder
     , mUpdated(command.updatedItems())
     , mDeleted(command.deletedItems())
 {
-    recogniseRepeatedFolders();
-    bindUpdatedFolders();
+    const QMap<QString, QString> known = EasDatabase::instance()->serverToLocalFolderIds(mAccountId);
+    noteLookup();
+    recogniseRepeatedFolders(known);
+    bindUpdatedFolders(known);
 }
 
-void FolderHierarchyChanges::recogniseRepeatedFolders()
+void FolderHierarchyChanges::noteLookup()
 {
-    const QMap<QString, QString> known = EasDatabase::instance()->serverToLocalFolderIds(mAccountId);
+    mLookupFailed = mLookupFailed || EasDatabase::instance()->lookupFailed();
+}
+
+void FolderHierarchyChanges::recogniseRepeatedFolders(const QMap<QString, QString> &known)
+{
     QList<EasFolderItem> unknown;
     for (EasFolderItem &item : mAdded) {
         if (known.contains(item.serverId())) {
@@ -49,13 +55,13 @@ void FolderHierarchyChanges::recogniseRepeatedFolders()
     mAdded = unknown;
 }
 
-void FolderHierarchyChanges::bindUpdatedFolders()
+void FolderHierarchyChanges::bindUpdatedFolders(const QMap<QString, QString> &known)
 {
     // A folder row is always written with its local binding, which a reply cannot know.
-    const QMap<QString, QString> known = EasDatabase::instance()->serverToLocalFolderIds(mAccountId);
     for (EasFolderItem &item : mUpdated) {
         const EasFolderItem stored =
             EasDatabase::instance()->folderItemByServerId(mAccountId, item.serverId());
+        noteLookup();
         item.setLocalId(stored.localId());
         item.setLocalParentId(known.value(item.serverParentId()));
         item.setSavedInStorage(stored.savedInStorage());
@@ -64,8 +70,13 @@ void FolderHierarchyChanges::bindUpdatedFolders()
     }
 }
 
-bool FolderHierarchyChanges::hasStores() const
+bool FolderHierarchyChanges::isReady() const
 {
+    // What is known would look new, and come into the stores a second time.
+    if (mLookupFailed) {
+        qCCritical(eas()) << "failed to read folders from EAS DB";
+        return false;
+    }
     if (!mAccount.calendarStorage()) {
         qCCritical(eas()) << "CalendarStorage is null";
         return false;

@@ -5,6 +5,7 @@
 #include "easitems/easfolderitem.h"
 
 #include <QList>
+#include <QMap>
 #include <QStringList>
 
 class EasAccount;
@@ -25,8 +26,8 @@ public:
 
     FolderHierarchyChanges(EasAccount &account, const FolderSyncCommand &command);
 
-    /** False, logged, if the account lacks a store that has to be there. */
-    bool hasStores() const;
+    /** False, logged, if the known folders could not be read or a store is missing that has to be there. */
+    bool isReady() const;
 
     /** Hands the changes to the mail, calendar and contact store in this order. */
     bool updateStores(OnFailure onFailure, const char *mailFailure);
@@ -38,12 +39,14 @@ public:
     bool updateDatabase();
 
 private:
-    void recogniseRepeatedFolders();
-    void bindUpdatedFolders();
+    void recogniseRepeatedFolders(const QMap<QString, QString> &known);
+    void bindUpdatedFolders(const QMap<QString, QString> &known);
+    void noteLookup();
 
     EasAccount &mAccount;
     EasAccountId mAccountId;
     QList<EasFolderItem> mAdded;
     QList<EasFolderItem> mUpdated;
     QStringList mDeleted;
+    bool mLookupFailed = false;
 };

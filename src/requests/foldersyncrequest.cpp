@@ -25,10 +25,15 @@ void FolderSyncRequest::startRequest()
         qCCritical(eas()) << "No account";
         return completeWith(RequestStatusInternalError);
     }
+    const QString key = EasDatabase::instance()->folderSyncKey(accountId());
+    if (EasDatabase::instance()->lookupFailed()) {
+        qCCritical(eas()) << "failed to read the folder sync key from EAS DB";
+        return completeWith(RequestStatusInternalError);
+    }
     dropCommand();
     mCommand = new FolderSyncCommand(accountId(), this);
     connect(mCommand, &FolderSyncCommand::finished, this, &FolderSyncRequest::handleFinished);
-    mCommand->setSyncKey(EasDatabase::instance()->folderSyncKey(accountId()));
+    mCommand->setSyncKey(key);
     mCommand->start();
     Q_EMIT syncStarted(accountId(), id());
 }
@@ -118,17 +123,16 @@ void FolderSyncRequest::processSuccess()
     qCInfo(eas()) << "Folder sync request successfully completed for account:" << accountId();
     resetTimeoutFactor();
     setStatus(RequestStatusSuccess);
-    const bool processed = processResponse();
-    const bool resync = mResyncRequested;
+    // Before the end, after which nobody listens: the sync waits in the queue behind this request.
+    if (mResyncRequested)
+        Q_EMIT resyncFolders(accountId(), id());
     mResyncRequested = false;
-    if (processed) {
+    if (processResponse()) {
         mRetryCount = 0;
         complete();
     } else {
         qCWarning(eas()) << "Couldn't process folder sync responce!";
     }
-    if (resync)
-        Q_EMIT resyncFolders(accountId(), id());
 }
 
 bool FolderSyncRequest::processResponse()
@@ -142,7 +146,7 @@ bool FolderSyncRequest::processResponse()
     if (!easAccount)
         return fail("No account");
     FolderHierarchyChanges changes(*easAccount, *mCommand);
-    const bool stored = changes.hasStores()
+    const bool stored = changes.isReady()
         && changes.updateStores(FolderHierarchyChanges::OnFailure::Stop, "can't update mail folders");
     if (!stored) {
         completeWith(RequestStatusInternalError);

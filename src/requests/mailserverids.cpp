@@ -7,6 +7,7 @@
 MailServerIds::MailServerIds(EasAccountId accountId)
     : mAccountId(accountId)
     , mLocalIds(EasDatabase::instance()->serverToLocalEmailIds(accountId))
+    , mLookupFailed(EasDatabase::instance()->lookupFailed())
 {
 }
 
@@ -39,6 +40,7 @@ const QMap<QString, QString> &MailServerIds::collections() const
     // Only a server that repeats an identifier, or changes an item, makes the second look-up necessary.
     if (!mCollectionsRead) {
         mCollections = EasDatabase::instance()->emailCollectionIds(mAccountId);
+        mLookupFailed = mLookupFailed || EasDatabase::instance()->lookupFailed();
         for (auto added = mAddedCollections.cbegin(); added != mAddedCollections.cend(); ++added)
             mCollections.insert(added.key(), added.value());
         mCollectionsRead = true;

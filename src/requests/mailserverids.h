@@ -15,6 +15,8 @@ class MailServerIds
 public:
     explicit MailServerIds(EasAccountId accountId);
 
+    /** True if the database could not be read; then nothing is known of any message. */
+    bool lookupFailed() const { return mLookupFailed; }
     bool contains(const QString &keptId) const;
 
     /** The identifier of an item in the reply of a collection; a new item is entered with add(). */
@@ -29,4 +31,5 @@ private:
     QMap<QString, QString> mAddedCollections;
     mutable QMap<QString, QString> mCollections;
     mutable bool mCollectionsRead = false;
+    mutable bool mLookupFailed = false;
 };

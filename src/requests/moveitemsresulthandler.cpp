@@ -9,7 +9,6 @@
 #include "protocol/moveitemscommand.h"
 #include "protocol/moveitemsresponse.h"
 #include "protocol/wbxmltokens.h"
-#include "requests/mailserverids.h"
 #include "requests/syncstate.h"
 #include "storages/mailstorage.h"
 
@@ -19,6 +18,7 @@
 MoveItemsResultHandler::MoveItemsResultHandler(EasAccount &account, SyncState &state)
     : mAccount(account)
     , mState(state)
+    , mIds(account.id())
 {
 }
 
@@ -87,22 +87,23 @@ void MoveItemsResultHandler::handleMove(const MoveContainer &move, const MoveIte
 
 void MoveItemsResultHandler::appendMoved(const MoveContainer &move, const QString &wireId)
 {
-    MailServerIds ids(mAccount.id());
-    for (const EasEmailItem &moved : qAsConst(mMoved))
-        ids.add(moved.serverId(), moved.collectionId());
-
     EasEmailItem item;
-    item.setPreviousServerId(ids.kept(move.sourceFolderId(), move.sourceMessageId()));
-    item.setServerId(ids.kept(move.destinationFolderId(), wireId));
+    item.setPreviousServerId(mIds.kept(move.sourceFolderId(), move.sourceMessageId()));
+    item.setServerId(mIds.kept(move.destinationFolderId(), wireId));
     item.setCollectionId(move.destinationFolderId());
     item.setDestinationFolderId(move.destinationFolderId());
     item.setSourceFolderId(move.sourceFolderId());
     item.appendChangedField(Wbxml::AirSync::ServerId.key());
+    mIds.add(item.serverId(), item.collectionId());
     mMoved.append(item);
 }
 
 bool MoveItemsResultHandler::recordMoved()
 {
+    if (mIds.lookupFailed()) {
+        qCCritical(eas()) << "Failed to read emails from EAS DB";
+        return false;
+    }
     const QSharedPointer<MailStorage> storage = mAccount.mailStorage();
     if (!storage->updateMovedEmails(mMoved)) {
         qCCritical(eas()) << "items are not updated in MailStorage";

@@ -4,6 +4,8 @@
 #include "easitems/easemailitem.h"
 #include "protocol/movecontainer.h"
 
+#include "requests/mailserverids.h"
+
 #include <QList>
 
 class EasAccount;
@@ -37,6 +39,7 @@ private:
 
     EasAccount &mAccount;
     SyncState &mState;
+    MailServerIds mIds;
     QList<EasEmailItem> mMoved;
     bool mFolderSyncNeeded = false;
     bool mRetryMove = false;

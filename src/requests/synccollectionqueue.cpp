@@ -19,13 +19,24 @@ SyncCollectionQueue::SyncCollectionQueue(EasAccount &account, SyncState &state)
 {
 }
 
-void SyncCollectionQueue::queryCollectionsForSync(
+bool SyncCollectionQueue::readFolder(const QString &serverId, EasFolderItem &folder) const
+{
+    folder = EasDatabase::instance()->folderItemByServerId(mAccount.id(), serverId);
+    if (!EasDatabase::instance()->lookupFailed())
+        return true;
+    qCCritical(eas()) << "failed to read folders from EAS DB";
+    return false;
+}
+
+bool SyncCollectionQueue::queryCollectionsForSync(
     QList<SyncCollection> &initial, QList<SyncCollection> &continuing)
 {
     QList<EasFolderItem> folders;
+    bool readable = true;
     const auto mark = [&](const QStringList &serverIds, const char *reason, bool resync) {
         for (const QString &serverId : serverIds) {
-            EasFolderItem folder = EasDatabase::instance()->folderItemByServerId(mAccount.id(), serverId);
+            EasFolderItem folder;
+            readable = readFolder(serverId, folder) && readable;
             const bool listed = std::any_of(folders.cbegin(), folders.cend(),
                 [&](const EasFolderItem &other) { return other.serverId() == serverId; });
             if (folder.serverId() != serverId || folder.type() == EasFolderItem::UnknownFolder || listed)
@@ -42,6 +53,8 @@ void SyncCollectionQueue::queryCollectionsForSync(
     else
         mark(mState.collectionsToRetry, "Marking collection for sync due to retry:", false);
 
+    if (!readable)
+        return false;
     mState.calendarExceptionsForLater.clear();
     SyncCollectionBuilder builder(mAccount, mState);
     for (const EasFolderItem &folder : qAsConst(folders)) {
@@ -52,13 +65,16 @@ void SyncCollectionQueue::queryCollectionsForSync(
                        << (isInitial ? "- requires initial sync." : "- requires normal sync.");
         (isInitial ? initial : continuing).append(collection);
     }
+    return true;
 }
 
 bool SyncCollectionQueue::restart(QList<SyncCollection> &collections)
 {
     SyncCollectionBuilder builder(mAccount, mState);
     for (const QString &serverId : qAsConst(mState.collectionsToResync)) {
-        EasFolderItem folder = EasDatabase::instance()->folderItemByServerId(mAccount.id(), serverId);
+        EasFolderItem folder;
+        if (!readFolder(serverId, folder))
+            return false;
         folder.setSyncKey(ProtocolUtils::InitialSyncKey);
         if (!forgetCollection(folder))
             return false;
@@ -93,7 +109,9 @@ bool SyncCollectionQueue::updateFolderSyncKeys(const QList<SyncCollection> &coll
 {
     QList<EasFolderItem> items;
     for (const SyncCollection &collection : collections) {
-        EasFolderItem folder = EasDatabase::instance()->folderItemByServerId(mAccount.id(), collection.id());
+        EasFolderItem folder;
+        if (!readFolder(collection.id(), folder))
+            return false;
         if (collection.syncKey().isEmpty() || collection.syncKey() == folder.syncKey()) {
             qCDebug(eas()) << "No need to update folder sync key to:" << collection.syncKey()
                            << "for folder:" << folder.localId() << "with server id:" << collection.id();
@@ -106,7 +124,8 @@ bool SyncCollectionQueue::updateFolderSyncKeys(const QList<SyncCollection> &coll
         folder.appendChangedField(Wbxml::AirSync::SyncKey.key());
         items.append(folder);
     }
-    *changed = items.size();
+    if (changed)
+        *changed = items.size();
     if (EasDatabase::instance()->updateFolderItems(mAccount.id(), items))
         return true;
     qCCritical(eas()) << "failed to update folders in EAS DB";

@@ -19,16 +19,20 @@ class SyncCollectionQueue
 public:
     SyncCollectionQueue(EasAccount &account, SyncState &state);
 
-    /** Collections without a key go first, alone; those that have to be repeated go before all others. */
-    void queryCollectionsForSync(QList<SyncCollection> &initial, QList<SyncCollection> &continuing);
+    /**
+     * Collections without a key go first, alone; those that have to be repeated go before all others. False,
+     * logged, if the database could not be read.
+     */
+    bool queryCollectionsForSync(QList<SyncCollection> &initial, QList<SyncCollection> &continuing);
 
     /** Forgets keys and items of the collections that begin anew; false, logged, if that failed. */
     bool restart(QList<SyncCollection> &collections);
 
     /** The one place where a collection's key is committed; false, logged, if the database refused. */
-    bool updateFolderSyncKeys(const QList<SyncCollection> &collections, int *changed);
+    bool updateFolderSyncKeys(const QList<SyncCollection> &collections, int *changed = nullptr);
 
 private:
+    bool readFolder(const QString &serverId, EasFolderItem &folder) const;
     bool forgetCollection(const EasFolderItem &folder);
 
     EasAccount &mAccount;

@@ -46,6 +46,8 @@ bool SyncReplyProcessor::process(const SyncCommand &command)
 {
     if (!asksForRepetition(command))
         mRetryCount = 0;
+    for (const SyncCollection &collection : command.collections())
+        mSentKeys.insert(collection.id(), collection.syncKey());
     const QList<SyncCollection> collections = command.responseCollections();
     for (SyncCollection collection : collections) {
         if (collection.status() == Eas::SyncStatusInvalidSyncKey) {
@@ -73,9 +75,10 @@ void SyncReplyProcessor::processCollection(SyncCollection &collection)
 {
     if (!handleCollectionResults(collection))
         return;
-    if (!handleItems(collection))
-        return;
-    mHasItems = mHasItems || bearsItems(collection);
+    if (handleItems(collection) && bearsItems(collection)
+        && collection.syncKey() != mSentKeys.value(collection.id()))
+        mHasProgressed = true;
+    // A failed collection is repeated from its old key by the next sync, not by this one.
     if (collection.moreAvailable())
         mMoreAvailable = true;
     else
@@ -103,8 +106,7 @@ bool SyncReplyProcessor::handleCollectionResults(const SyncCollection &collectio
         qCWarning(eas()) << "Invalid Wait or HeartbeatInterval values";
         break;
     case Eas::SyncStatusInvalidSync:
-        if (mRetryCount++ < ProtocolUtils::CommandMaxRetriesCount)
-            processSyncRequestInvalidSyncError(mState);
+        narrow(collection);
         break;
     case Eas::SyncStatusRetry:
         qCInfo(eas()) << "we should retry our sync request for collection" << collection.id();
@@ -116,6 +118,18 @@ bool SyncReplyProcessor::handleCollectionResults(const SyncCollection &collectio
     }
     addFailed(collection, collection.status());
     return false;
+}
+
+void SyncReplyProcessor::narrow(const SyncCollection &collection)
+{
+    // All collections of a reply can say so, which counts once.
+    if (mHasNarrowed)
+        return;
+    if (mRetryCount >= ProtocolUtils::CommandMaxRetriesCount)
+        return collectionSynced(mState, collection.id());
+    mHasNarrowed = true;
+    ++mRetryCount;
+    processSyncRequestInvalidSyncError(mState);
 }
 
 bool SyncReplyProcessor::mayRepeat(const SyncCollection &collection)
@@ -133,10 +147,16 @@ bool SyncReplyProcessor::handleItems(SyncCollection &collection)
 {
     const EasFolderItem::FolderType type =
         EasDatabase::instance()->folderTypeByServerId(mAccount.id(), collection.id());
+    if (EasDatabase::instance()->lookupFailed()) {
+        qCCritical(eas()) << "failed to read folders from EAS DB";
+        mRecordedStatus = Request::RequestStatusInternalError;
+        addFailed(collection, mRecordedStatus);
+        return false;
+    }
     const std::unique_ptr<SyncResultHandler> handler = handlerFor(type, mAccount, mState);
     if (!handler) {
         qCWarning(eas()) << "unhandled folder type" << type;
-        return true;
+        return false;
     }
     const bool handled = handler->handle(collection);
     if (handler->status() != 0)
@@ -145,8 +165,7 @@ bool SyncReplyProcessor::handleItems(SyncCollection &collection)
         mUpdated.append(collection);
     else
         addFailed(collection, handler->status());
-    // A failed collection is repeated from its old key by the next sync, not by this one.
-    return true;
+    return handled;
 }
 
 void SyncReplyProcessor::addFailed(const SyncCollection &collection, int status)
@@ -161,10 +180,10 @@ void SyncReplyProcessor::addFailed(const SyncCollection &collection, int status)
 
 bool SyncReplyProcessor::bearsItems(const SyncCollection &collection)
 {
-    return !collection.commands().isEmpty() || !collection.deletedIds().isEmpty()
-        || !collection.addedEmails().isEmpty() || !collection.changedEmails().isEmpty()
-        || !collection.addedCalendarItems().isEmpty() || !collection.changedCalendarItems().isEmpty()
-        || !collection.addedContacts().isEmpty() || !collection.changedContacts().isEmpty();
+    return !collection.deletedIds().isEmpty() || !collection.addedEmails().isEmpty()
+        || !collection.changedEmails().isEmpty() || !collection.addedCalendarItems().isEmpty()
+        || !collection.changedCalendarItems().isEmpty() || !collection.addedContacts().isEmpty()
+        || !collection.changedContacts().isEmpty();
 }
 
 void SyncReplyProcessor::collectionSynced(SyncState &state, const QString &serverId)

@@ -3,6 +3,7 @@
 
 #include "protocol/synccollection.h"
 
+#include <QHash>
 #include <QList>
 #include <QStringList>
 
@@ -33,8 +34,8 @@ public:
     /** What a request that cannot go on after the failures has to end with; 0 if nothing failed. */
     int failureStatus() const { return mRecordedStatus != 0 ? mRecordedStatus : mFirstFailedStatus; }
     bool moreAvailable() const { return mMoreAvailable; }
-    /** Whether any collection brought or took items. */
-    bool hasItems() const { return mHasItems; }
+    /** Whether any collection brought items, and a key that lies behind them. */
+    bool hasProgressed() const { return mHasProgressed; }
 
     /** The status of the first collection of a reply that is no success; 0 if there is none. */
     static int firstFailure(const SyncCommand &command);
@@ -50,6 +51,7 @@ private:
     void processCollection(SyncCollection &collection);
     bool handleCollectionResults(const SyncCollection &collection);
     bool handleItems(SyncCollection &collection);
+    void narrow(const SyncCollection &collection);
     void addFailed(const SyncCollection &collection, int status);
     bool mayRepeat(const SyncCollection &collection);
     static bool bearsItems(const SyncCollection &collection);
@@ -62,5 +64,7 @@ private:
     int mRecordedStatus = 0;
     int mFirstFailedStatus = 0;
     bool mMoreAvailable = false;
-    bool mHasItems = false;
+    bool mHasProgressed = false;
+    bool mHasNarrowed = false;
+    QHash<QString, QString> mSentKeys;
 };

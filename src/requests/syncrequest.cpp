@@ -240,6 +240,11 @@ bool SyncRequest::mayStartOver()
 void SyncRequest::startFolderSyncCommand()
 {
     const QString key = EasDatabase::instance()->folderSyncKey(accountId());
+    // An unread key is not the key of a new account.
+    if (EasDatabase::instance()->lookupFailed()) {
+        qCCritical(eas()) << "failed to read the folder sync key from EAS DB";
+        return completeWith(RequestStatusInternalError);
+    }
     auto *command = newCommand<FolderSyncCommand>();
     command->setSyncKey(key);
     mRequestState =
@@ -294,7 +299,7 @@ void SyncRequest::applyFolderChanges(const FolderSyncCommand &command)
     }
     succeedPhase();
     FolderHierarchyChanges changes(*easAccount, command);
-    if (!changes.hasStores())
+    if (!changes.isReady())
         return completeWith(RequestStatusInternalError);
 
     bool applied = changes.updateStores(
@@ -483,7 +488,8 @@ void SyncRequest::startSyncCommand()
     }
     QList<SyncCollection> initial;
     QList<SyncCollection> continuing;
-    SyncCollectionQueue(*easAccount, mSync).queryCollectionsForSync(initial, continuing);
+    if (!SyncCollectionQueue(*easAccount, mSync).queryCollectionsForSync(initial, continuing))
+        return completeWith(RequestStatusInternalError);
     qCInfo(eas()) << "initialSync size" << initial.size() << ", sync size" << continuing.size();
     dropCommand();
     if (initial.isEmpty() && continuing.isEmpty()) {
@@ -595,13 +601,13 @@ void SyncRequest::applySyncReply(const SyncCommand &command)
     }
     resetTimeoutFactor();
     setStatus(RequestStatusSuccess);
+    const int waiting = mSync.collectionsToSync.size();
     SyncReplyProcessor processor(*easAccount, mSync, mRetryCount);
     if (!processor.process(command)) {
         setStatus(Eas::SyncStatusInvalidSyncKey);
         return restartFromAccount();
     }
-    int changedKeys = 0;
-    if (!SyncCollectionQueue(*easAccount, mSync).updateFolderSyncKeys(processor.updated(), &changedKeys)) {
+    if (!SyncCollectionQueue(*easAccount, mSync).updateFolderSyncKeys(processor.updated())) {
         qCCritical(eas()) << "failed to update sync keys for updated collections";
         return completeWith(RequestStatusInternalError);
     }
@@ -616,7 +622,8 @@ void SyncRequest::applySyncReply(const SyncCommand &command)
     if (processor.recordedStatus() != 0)
         mFailureStatus = processor.recordedStatus();
     finishUnansweredCollections(command);
-    decideNextSync(processor.moreAvailable(), changedKeys > 0 || processor.hasItems() || repeated);
+    const bool progressed = repeated || processor.hasProgressed() || mSync.collectionsToSync.size() < waiting;
+    decideNextSync(processor.moreAvailable(), progressed);
 }
 
 void SyncRequest::finishUnansweredCollections(const SyncCommand &command)
@@ -643,15 +650,24 @@ void SyncRequest::decideNextSync(bool moreAvailable, bool progressed)
         qCInfo(eas()) << "More changes available:" << moreAvailable << mSync.collectionsToRetry.size()
                       << mSync.collectionsToSync.size();
         qCInfo(eas()) << "Starting next sync command request.";
-        // A server that only says that there is more is asked again after a while, and not for ever.
-        if (progressed)
-            return startSyncCommand();
-        setStatus(RequestStatusInternalError);
-        return startResendTimer();
+        if (!progressed)
+            return repeatIdleSync();
+        mIdleReplies = 0;
+        return startSyncCommand();
     }
     if (!mSync.calendarExceptionsForLater.isEmpty())
         return startDeferredExceptions();
     completeSuccessfully();
+}
+
+void SyncRequest::repeatIdleSync()
+{
+    // A server that only says that there is more is asked again after a while, and not for ever.
+    setStatus(RequestStatusInternalError);
+    if (mIdleReplies++ < ProtocolUtils::CommandMaxRetriesCount)
+        return startResendTimer();
+    qCWarning(eas()) << "no more attempts, failing request";
+    complete();
 }
 
 void SyncRequest::startDeferredExceptions()

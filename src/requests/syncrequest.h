@@ -97,6 +97,7 @@ private:
     void applySyncReply(const SyncCommand &command);
     void finishUnansweredCollections(const SyncCommand &command);
     void decideNextSync(bool moreAvailable, bool progressed);
+    void repeatIdleSync();
     void startDeferredExceptions();
     void completeSuccessfully();
 
@@ -114,6 +115,8 @@ private:
     int mSyncService = 0;
     QStringList mSyncFolders;
     int mMoveAttempts = 0;
+    /** Replies in a row that announced more and brought nothing. */
+    int mIdleReplies = 0;
     /** Of a collection that failed while others were still to be repeated. */
     int mFailureStatus = 0;
     QPointer<BaseProtocolCommand> mCommand;

@@ -17,12 +17,17 @@ public:
     /** While off, the intervals are those of the device. */
     void setFast(bool fast) { mFast = fast; }
 
+    /** Lets time pass at once; timers that run do not notice. */
+    void advance(int milliseconds) { mAdvance += milliseconds; }
+
+    QDateTime currentDateTimeUtc() const override { return Clock::currentDateTimeUtc().addMSecs(mAdvance); }
+
     int timerInterval(int milliseconds) const override
     {
-        // The resend delays are 5 s, each later one three times the one before.
+        // The resend delays are 5 s, each later one three times the one before; the last one ends a request.
         if (milliseconds == EndDelay)
             return 1;
-        for (int delay = 5000; delay <= 405000; delay *= 3) {
+        for (int delay = 5000; delay <= 1215000; delay *= 3) {
             if (mFast && milliseconds == delay)
                 return 20;
         }
@@ -34,4 +39,5 @@ private:
     static constexpr int EndDelay = 500;
 
     bool mFast = true;
+    qint64 mAdvance = 0;
 };

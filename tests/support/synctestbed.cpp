@@ -84,6 +84,12 @@ qulonglong SyncTestBed::startSync()
     return mLastRequestId;
 }
 
+qulonglong SyncTestBed::startFoldersSync()
+{
+    RequestManager::instance()->onFoldersSyncRequest(mAccountId, ++mLastRequestId);
+    return mLastRequestId;
+}
+
 int SyncTestBed::sync()
 {
     return waitFor(startSync());
@@ -105,21 +111,31 @@ int SyncTestBed::syncService(int service)
 
 int SyncTestBed::foldersSync()
 {
-    return run([&](RequestManager &manager, qulonglong id) { manager.onFoldersSyncRequest(mAccountId, id); });
+    return waitFor(startFoldersSync());
+}
+
+qulonglong SyncTestBed::startDownloadMessages(const QList<qulonglong> &messageIds, bool attachments)
+{
+    RequestManager::instance()->onDownloadMessagesRequest(
+        mAccountId, messageIds, attachments, ++mLastRequestId);
+    return mLastRequestId;
+}
+
+qulonglong SyncTestBed::startDownloadPart(qulonglong messageId, const QString &location)
+{
+    RequestManager::instance()->onDownloadMessagePartRequest(
+        mAccountId, messageId, location, ++mLastRequestId);
+    return mLastRequestId;
 }
 
 int SyncTestBed::downloadMessages(const QList<qulonglong> &messageIds, bool attachments)
 {
-    return run([&](RequestManager &manager, qulonglong id) {
-        manager.onDownloadMessagesRequest(mAccountId, messageIds, attachments, id);
-    });
+    return waitFor(startDownloadMessages(messageIds, attachments));
 }
 
 int SyncTestBed::downloadPart(qulonglong messageId, const QString &location)
 {
-    return run([&](RequestManager &manager, qulonglong id) {
-        manager.onDownloadMessagePartRequest(mAccountId, messageId, location, id);
-    });
+    return waitFor(startDownloadPart(messageId, location));
 }
 
 int SyncTestBed::waitFor(qulonglong requestId)

@@ -34,6 +34,7 @@ public:
     bool isReady() const { return mAccountId != 0; }
     EasAccountId accountId() const { return mAccountId; }
     AccountFactory &accounts() { return mAccounts; }
+    FastClock &clock() { return mClock; }
     Simulator::ExchangeServer &server() { return mServer; }
     Simulator::Mailbox &mailbox() { return mServer.mailbox(); }
 
@@ -41,6 +42,9 @@ public:
     qulonglong startSync();
     /** Runs a full sync to its end; the status that a client would see, or -1000 if it never ended. */
     int sync();
+    qulonglong startFoldersSync();
+    qulonglong startDownloadMessages(const QList<qulonglong> &messageIds, bool attachments);
+    qulonglong startDownloadPart(qulonglong messageId, const QString &location);
     int syncFolders(const QStringList &localFolderIds);
     int syncService(int service);
     int foldersSync();
