@@ -184,7 +184,8 @@ void BaseProtocolCommand::dropReply()
 {
     if (!mReply)
         return;
-    mReply->disconnect();
+    // The network manager listens as well, and hears of a refused password after this command.
+    mReply->disconnect(this);
     mReply->deleteLater();
     mReply.clear();
 }
@@ -236,6 +237,7 @@ bool BaseProtocolCommand::connectReply() const
     connect(mReply, &QNetworkReply::errorOccurred, this, &BaseProtocolCommand::onReplyError);
     connect(mReply, &QNetworkReply::downloadProgress, this, &BaseProtocolCommand::onReplyDownloadProgress);
     connect(mReply, &QNetworkReply::sslErrors, this, &BaseProtocolCommand::onSslErrors);
+    connect(mReply, &QObject::destroyed, this, &BaseProtocolCommand::onReplyDestroyed);
     return true;
 }
 
@@ -333,6 +335,12 @@ bool BaseProtocolCommand::redirect()
     dropReply();
     mRedirectTimer.start(0);
     return true;
+}
+
+void BaseProtocolCommand::onReplyDestroyed()
+{
+    // A lost network takes its connections with it, and their replies without a word.
+    handleError(QNetworkReply::NetworkSessionFailedError);
 }
 
 void BaseProtocolCommand::handleError(QNetworkReply::NetworkError networkError)

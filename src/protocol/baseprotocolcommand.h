@@ -133,6 +133,7 @@ private Q_SLOTS:
     void onReplyDownloadProgress(qint64 bytesReceived, qint64 bytesTotal);
     void onReplyFinished();
     void onReplyError(QNetworkReply::NetworkError networkError);
+    void onReplyDestroyed();
     void onSslErrors(const QList<QSslError> &errors);
 
 private:
