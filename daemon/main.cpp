@@ -6,8 +6,7 @@
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
-
-#include <utility>
+#include <QPointer>
 
 int main(int argc, char **argv)
 {
@@ -27,12 +26,12 @@ int main(int argc, char **argv)
 
     DebugTools::init();
     RequestManager::initializeInstance(&application);
-    RequestManager::instance()->init();
-    QObject::connect(&quitSignals, &QuitSignals::quitRequested, &application, [] {
-        // Once: a second signal may come while the first is being obeyed.
-        static bool quitting = false;
-        if (!std::exchange(quitting, true))
-            RequestManager::instance()->onQuitRequest();
+    const QPointer<RequestManager> manager(RequestManager::instance());
+    manager->init();
+    QObject::connect(&quitSignals, &QuitSignals::quitRequested, &application, [manager] {
+        // Gone when the process is ending already; instance() would make a new one.
+        if (manager)
+            manager->onQuitRequest();
     });
     const int code = QCoreApplication::exec();
     EasDatabase::releaseInstance();

@@ -5,6 +5,7 @@
 #include "support/testmain.h"
 
 #include <QDBusConnection>
+#include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDBusServiceWatcher>
 #include <QProcess>
@@ -78,6 +79,21 @@ private Q_SLOTS:
             QStringLiteral("org.fennelos.easdaemon"), QStringLiteral("quit")));
         QCOMPARE(reply.type(), QDBusMessage::ReplyMessage);
         QVERIFY(ends());
+    }
+
+    void aSignalWhileItIsEndingChangesNothing()
+    {
+        start();
+        mDaemon->terminate();
+        QTRY_VERIFY(!QDBusConnection::sessionBus().interface()->isServiceRegistered(
+            ExchangeActiveSync::EAS_DBUS_SERVICE_NAME));
+        mDaemon->terminate();
+        QDBusServiceWatcher watcher(ExchangeActiveSync::EAS_DBUS_SERVICE_NAME, QDBusConnection::sessionBus(),
+            QDBusServiceWatcher::WatchForRegistration);
+        QSignalSpy registeredAgain(&watcher, &QDBusServiceWatcher::serviceRegistered);
+        QVERIFY(ends());
+        QCoreApplication::processEvents();
+        QCOMPARE(registeredAgain.count(), 0);
     }
 
     void withoutAnEnabledAccountItEndsByItself()
