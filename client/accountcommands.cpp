@@ -53,14 +53,21 @@ bool readServer(const QString &text, NewAccount *account)
     return true;
 }
 
+/** The account that the command names behind its name, or the one that is meant without. */
+EasAccountId namedAccount(
+    const CommandContext &context, const QCommandLineParser &parser, const AccountDirectory &directory)
+{
+    const QString named = parser.positionalArguments().value(0);
+    return named.isEmpty() ? context.accountId() : directory.find(named);
+}
+
 int switchAccount(const CommandContext &context, bool enabled)
 {
     QCommandLineParser parser;
     if (!context.parse(parser, 0, 1))
         return ExitUsage;
     AccountDirectory directory;
-    const QString named = parser.positionalArguments().value(0);
-    const EasAccountId id = named.isEmpty() ? context.accountId() : directory.find(named);
+    const EasAccountId id = namedAccount(context, parser, directory);
     if (id == 0)
         return ExitNotFound;
     if (!directory.setEnabled(id, enabled))
@@ -154,8 +161,7 @@ int AccountCommands::show(const CommandContext &context)
     if (!context.parse(parser, 0, 1))
         return ExitUsage;
     AccountDirectory directory;
-    const QString named = parser.positionalArguments().value(0);
-    const EasAccountId id = named.isEmpty() ? context.accountId() : directory.find(named);
+    const EasAccountId id = namedAccount(context, parser, directory);
     if (id == 0)
         return ExitNotFound;
     context.output().object(directory.describe(id));
@@ -195,8 +201,7 @@ int AccountCommands::password(const CommandContext &context)
     if (!context.parse(parser, 0, 1))
         return ExitUsage;
     AccountDirectory directory;
-    const QString named = parser.positionalArguments().value(0);
-    const EasAccountId id = named.isEmpty() ? context.accountId() : directory.find(named);
+    const EasAccountId id = namedAccount(context, parser, directory);
     if (id == 0)
         return ExitNotFound;
     QString password;

@@ -20,59 +20,89 @@ namespace {
 
 using Columns = QList<QPair<QString, QString>>;
 
-/** The account, once the mail store is usable too; 0 and an exit status otherwise. */
-EasAccountId accountWithStore(const CommandContext &context, int *exitStatus)
+/** What nearly every command on mail starts with: arguments, an account, a mail store, messages. */
+class MailSelection
 {
-    const EasAccountId id = context.accountId();
-    *exitStatus = ExitNotFound;
-    if (id != 0 && !QMailStore::instance()) {
-        *exitStatus = ExitUnavailable;
-        return 0;
+public:
+    explicit MailSelection(const CommandContext &context)
+        : mContext(context)
+    {
     }
-    if (id != 0 && QMailStore::initializationState() != QMailStore::Initialized) {
-        Output::error(QStringLiteral("the mail store cannot be opened"));
-        *exitStatus = ExitUnavailable;
-        return 0;
-    }
-    return id;
+
+    QCommandLineParser &parser() { return mParser; }
+    QStringList arguments() const { return mParser.positionalArguments(); }
+    EasAccountId account() const { return mAccount; }
+    const QMailMessageIdList &messages() const { return mMessages; }
+    int exitStatus() const { return mExitStatus; }
+
+    /** False, with exitStatus() set and an error printed, if there is nothing to work on. */
+    bool open(int fewestArguments, int mostArguments);
+    bool select(const QStringList &numbers);
+
+private:
+    bool fail(int exitStatus, const QString &error = QString());
+
+    const CommandContext &mContext;
+    QCommandLineParser mParser;
+    EasAccountId mAccount = 0;
+    QMailMessageIdList mMessages;
+    int mExitStatus = ExitSuccess;
+};
+
+bool MailSelection::fail(int exitStatus, const QString &error)
+{
+    if (!error.isEmpty())
+        Output::error(error);
+    mExitStatus = exitStatus;
+    return false;
 }
 
-bool findMessages(EasAccountId accountId, const QStringList &numbers, QMailMessageIdList *ids)
+bool MailSelection::open(int fewestArguments, int mostArguments)
+{
+    if (!mContext.parse(mParser, fewestArguments, mostArguments))
+        return fail(ExitUsage);
+    mAccount = mContext.accountId();
+    if (mAccount == 0)
+        return fail(ExitNotFound);
+    if (!QMailStore::instance() || QMailStore::initializationState() != QMailStore::Initialized)
+        return fail(ExitUnavailable, QStringLiteral("the mail store cannot be opened"));
+    return true;
+}
+
+bool MailSelection::select(const QStringList &numbers)
 {
     for (const QString &number : numbers) {
-        const QMailMessageId id = MailView::findMessage(accountId, number);
-        if (!id.isValid()) {
-            Output::error(QStringLiteral("there is no message %1").arg(number));
-            return false;
-        }
-        ids->append(id);
+        const QMailMessageId id = MailView::findMessage(mAccount, number);
+        if (!id.isValid())
+            return fail(ExitNotFound, QStringLiteral("there is no message %1").arg(number));
+        mMessages.append(id);
     }
     return true;
 }
 
-/** Finds the messages that the arguments name and changes them; what the server learns, the next sync tells.
- */
+/** Changes the messages that the arguments name; what the server has to know, the next sync tells it. */
 template <typename Change> int changeMessages(const CommandContext &context, const char *done, Change change)
 {
-    QCommandLineParser parser;
-    if (!context.parse(parser, 1, -1))
-        return ExitUsage;
-    int exitStatus = ExitSuccess;
-    const EasAccountId account = accountWithStore(context, &exitStatus);
-    QMailMessageIdList ids;
-    if (account == 0)
-        return exitStatus;
-    if (!findMessages(account, parser.positionalArguments(), &ids))
-        return ExitNotFound;
-    if (!change(ids)) {
+    MailSelection mail(context);
+    if (!mail.open(1, -1) || !mail.select(mail.arguments()))
+        return mail.exitStatus();
+    if (!change(mail.messages())) {
         Output::error(QStringLiteral("the mail store refused the change"));
         return ExitFailure;
     }
     QMailStore::instance()->flushIpcNotifications();
     context.output().message(QStringLiteral("%1 message(s) %2; the next sync tells the server")
-                                 .arg(ids.size())
+                                 .arg(mail.messages().size())
                                  .arg(QLatin1String(done)));
     return ExitSuccess;
+}
+
+/** The store leaves malformed locations undefined, so they are kept from it. */
+bool hasPart(const QMailMessageId &id, const QString &location)
+{
+    static const QRegularExpression wellFormed(QStringLiteral("^[1-9][0-9]*(\\.[1-9][0-9]*)*$"));
+    return wellFormed.match(location).hasMatch()
+        && QMailMessage(id).contains(QMailMessagePart::Location(location));
 }
 
 bool writeFile(const QString &path, const QByteArray &data, bool overwrite)
@@ -92,15 +122,11 @@ bool writeFile(const QString &path, const QByteArray &data, bool overwrite)
 
 int MailCommands::folders(const CommandContext &context)
 {
-    QCommandLineParser parser;
-    if (!context.parse(parser, 0, 0))
-        return ExitUsage;
-    int exitStatus = ExitSuccess;
-    const EasAccountId account = accountWithStore(context, &exitStatus);
-    if (account == 0)
-        return exitStatus;
+    MailSelection mail(context);
+    if (!mail.open(0, 0))
+        return mail.exitStatus();
     QJsonArray rows;
-    const QMailFolderIdList ids = MailView::folders(account);
+    const QMailFolderIdList ids = MailView::folders(mail.account());
     for (const QMailFolderId &id : ids) {
         QJsonObject row = MailView::describeFolder(id);
         row[QStringLiteral("tree")] = QString(2 * row[QStringLiteral("depth")].toInt(), QChar(0x00B7))
@@ -117,27 +143,23 @@ int MailCommands::folders(const CommandContext &context)
 
 int MailCommands::list(const CommandContext &context)
 {
-    QCommandLineParser parser;
+    MailSelection mail(context);
     const QCommandLineOption limit(
         QStringLiteral("limit"), QString(), QStringLiteral("n"), QStringLiteral("50"));
-    parser.addOption(limit);
-    if (!context.parse(parser, 0, 1))
-        return ExitUsage;
-    int exitStatus = ExitSuccess;
-    const EasAccountId account = accountWithStore(context, &exitStatus);
-    if (account == 0)
-        return exitStatus;
+    mail.parser().addOption(limit);
+    if (!mail.open(0, 1))
+        return mail.exitStatus();
     QMailFolderId folder;
-    if (!parser.positionalArguments().isEmpty()) {
-        folder = MailView::findFolder(account, parser.positionalArguments().first());
+    if (!mail.arguments().isEmpty()) {
+        folder = MailView::findFolder(mail.account(), mail.arguments().first());
         if (!folder.isValid()) {
-            Output::error(
-                QStringLiteral("there is no folder \"%1\"").arg(parser.positionalArguments().first()));
+            Output::error(QStringLiteral("there is no folder \"%1\"").arg(mail.arguments().first()));
             return ExitNotFound;
         }
     }
     QJsonArray rows;
-    const QMailMessageIdList ids = MailView::messages(account, folder).mid(0, parser.value(limit).toInt());
+    const QMailMessageIdList ids =
+        MailView::messages(mail.account(), folder).mid(0, mail.parser().value(limit).toInt());
     for (const QMailMessageId &id : ids)
         rows.append(MailView::describeMessage(QMailMessageMetaData(id)));
     const Columns columns { { QStringLiteral("id"), QStringLiteral("ID") },
@@ -152,17 +174,10 @@ int MailCommands::list(const CommandContext &context)
 
 int MailCommands::show(const CommandContext &context)
 {
-    QCommandLineParser parser;
-    if (!context.parse(parser, 1, 1))
-        return ExitUsage;
-    int exitStatus = ExitSuccess;
-    const EasAccountId account = accountWithStore(context, &exitStatus);
-    QMailMessageIdList ids;
-    if (account == 0)
-        return exitStatus;
-    if (!findMessages(account, parser.positionalArguments(), &ids))
-        return ExitNotFound;
-    const QJsonObject message = MailView::describeWhole(QMailMessage(ids.first()));
+    MailSelection mail(context);
+    if (!mail.open(1, 1) || !mail.select(mail.arguments()))
+        return mail.exitStatus();
+    const QJsonObject message = MailView::describeWhole(QMailMessage(mail.messages().first()));
     if (context.output().isJson()) {
         context.output().object(message);
         return ExitSuccess;
@@ -190,67 +205,53 @@ int MailCommands::show(const CommandContext &context)
 
 int MailCommands::get(const CommandContext &context)
 {
-    QCommandLineParser parser;
+    MailSelection mail(context);
     const QCommandLineOption attachments(QStringLiteral("attachments"));
-    parser.addOption(attachments);
-    if (!context.parse(parser, 1, -1))
-        return ExitUsage;
-    int exitStatus = ExitSuccess;
-    const EasAccountId account = accountWithStore(context, &exitStatus);
-    QMailMessageIdList ids;
-    if (account == 0)
-        return exitStatus;
-    if (!findMessages(account, parser.positionalArguments(), &ids))
-        return ExitNotFound;
+    mail.parser().addOption(attachments);
+    if (!mail.open(1, -1) || !mail.select(mail.arguments()))
+        return mail.exitStatus();
     QList<qulonglong> numbers;
-    for (const QMailMessageId &id : qAsConst(ids))
+    for (const QMailMessageId &id : mail.messages())
         numbers.append(id.toULongLong());
-    DaemonRequest request(account, context.showsProgress());
+    DaemonRequest request(mail.account(), context.showsProgress());
     const int result = request.run([&](EasDBusInterfaceProxy &daemon) {
-        return daemon.downloadMessages(account, numbers, parser.isSet(attachments));
+        return daemon.downloadMessages(mail.account(), numbers, mail.parser().isSet(attachments));
     });
     if (result == ExitSuccess)
-        context.output().message(QStringLiteral("%1 message(s) downloaded").arg(ids.size()));
+        context.output().message(QStringLiteral("%1 message(s) downloaded").arg(numbers.size()));
     return result;
 }
 
 int MailCommands::saveAttachment(const CommandContext &context)
 {
-    QCommandLineParser parser;
+    MailSelection mail(context);
     const QCommandLineOption force(QStringLiteral("force"));
-    parser.addOption(force);
-    if (!context.parse(parser, 2, 3))
-        return ExitUsage;
-    const QStringList arguments = parser.positionalArguments();
-    int exitStatus = ExitSuccess;
-    const EasAccountId account = accountWithStore(context, &exitStatus);
-    QMailMessageIdList ids;
-    if (account == 0)
-        return exitStatus;
-    if (!findMessages(account, arguments.mid(0, 1), &ids))
-        return ExitNotFound;
-
-    static const QRegularExpression wellFormed(QStringLiteral("^[1-9][0-9]*(\\.[1-9][0-9]*)*$"));
-    const QMailMessagePart::Location location(arguments.at(1));
-    if (!wellFormed.match(arguments.at(1)).hasMatch() || !QMailMessage(ids.first()).contains(location)) {
-        Output::error(QStringLiteral("message %1 has no part %2").arg(arguments.at(0), arguments.at(1)));
+    mail.parser().addOption(force);
+    if (!mail.open(2, 3) || !mail.select(mail.arguments().mid(0, 1)))
+        return mail.exitStatus();
+    const QString part = mail.arguments().at(1);
+    const QMailMessageId id = mail.messages().first();
+    if (!hasPart(id, part)) {
+        Output::error(QStringLiteral("message %1 has no part %2").arg(mail.arguments().at(0), part));
         return ExitNotFound;
     }
-    if (!QMailMessage(ids.first()).partAt(location).hasBody()) {
-        DaemonRequest request(account, context.showsProgress());
+    const QMailMessagePart::Location location(part);
+    if (!QMailMessage(id).partAt(location).hasBody()) {
+        DaemonRequest request(mail.account(), context.showsProgress());
         const int result = request.run([&](EasDBusInterfaceProxy &daemon) {
-            return daemon.downloadMessagePart(account, ids.first().toULongLong(), arguments.at(1));
+            return daemon.downloadMessagePart(mail.account(), id.toULongLong(), part);
         });
         if (result != ExitSuccess)
             return result;
     }
-    const QMailMessage message(ids.first());
-    const QMailMessagePart &part = message.partAt(location);
-    QString path = arguments.value(2, QStringLiteral("."));
+    const QMailMessage message(id);
+    const QMailMessagePart &attachment = message.partAt(location);
+    QString path = mail.arguments().value(2, QStringLiteral("."));
     if (QFileInfo(path).isDir())
-        path = QDir(path).filePath(MailView::safeFileName(part));
-    const QByteArray data = part.hasBody() ? part.body().data(QMailMessageBody::Decoded) : QByteArray();
-    if (!writeFile(path, data, parser.isSet(force)))
+        path = QDir(path).filePath(MailView::safeFileName(attachment));
+    const QByteArray data =
+        attachment.hasBody() ? attachment.body().data(QMailMessageBody::Decoded) : QByteArray();
+    if (!writeFile(path, data, mail.parser().isSet(force)))
         return ExitFailure;
     context.output().message(QStringLiteral("%1 bytes written to %2").arg(data.size()).arg(path));
     return ExitSuccess;
@@ -274,27 +275,22 @@ int MailCommands::markUnread(const CommandContext &context)
 
 int MailCommands::move(const CommandContext &context)
 {
-    QCommandLineParser parser;
-    if (!context.parse(parser, 2, -1))
-        return ExitUsage;
-    int exitStatus = ExitSuccess;
-    const EasAccountId account = accountWithStore(context, &exitStatus);
-    if (account == 0)
-        return exitStatus;
-    QStringList arguments = parser.positionalArguments();
-    const QString destination = arguments.takeLast();
-    const QMailFolderId folder = MailView::findFolder(account, destination);
-    QMailMessageIdList ids;
+    MailSelection mail(context);
+    if (!mail.open(2, -1))
+        return mail.exitStatus();
+    QStringList numbers = mail.arguments();
+    const QString destination = numbers.takeLast();
+    const QMailFolderId folder = MailView::findFolder(mail.account(), destination);
     if (!folder.isValid()) {
         Output::error(QStringLiteral("there is no folder \"%1\"").arg(destination));
         return ExitNotFound;
     }
-    if (!findMessages(account, arguments, &ids))
-        return ExitNotFound;
-    QMailDisconnected::moveToFolder(ids, folder);
+    if (!mail.select(numbers))
+        return mail.exitStatus();
+    QMailDisconnected::moveToFolder(mail.messages(), folder);
     QMailStore::instance()->flushIpcNotifications();
     context.output().message(QStringLiteral("%1 message(s) moved to %2; the next sync tells the server")
-                                 .arg(ids.size())
+                                 .arg(mail.messages().size())
                                  .arg(MailView::folderPath(folder)));
     return ExitSuccess;
 }
