@@ -5,6 +5,7 @@
 #include "application/easdatabase.h"
 #include "application/logging.h"
 #include "easitems/algorithms/itemoperationsresponseparser.h"
+#include "easitems/emailserverid.h"
 #include "protocol/protocolutils.h"
 #include "protocol/wbxmlencoder.h"
 #include "storages/mailstorage.h"
@@ -120,7 +121,7 @@ bool FetchItemCommand::encodeMessages(EasAccount &account, WbxmlEncoder &encoder
             encoder.appendTextElement(Search::LongId, serverId);
         } else {
             encoder.appendTextElement(AirSync::CollectionId, collectionId);
-            encoder.appendTextElement(AirSync::ServerId, serverId);
+            encoder.appendTextElement(AirSync::ServerId, EmailServerId::onWire(serverId));
         }
         encoder.appendElement(ItemOperations::Options, true);
         encoder.appendIntElement(AirSync::MIMESupport, 1);

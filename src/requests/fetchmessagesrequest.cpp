@@ -7,13 +7,27 @@
 #include "protocol/eas.h"
 #include "protocol/fetchitemcommand.h"
 #include "protocol/protocolutils.h"
+#include "protocol/wbxmltokens.h"
 #include "requests/fetchpartrequest.h"
 #include "requests/mailserverids.h"
 #include "storages/mailstorage.h"
 
 namespace {
+
 constexpr uint AttachmentPartSize = 65536;
+
+/** The mark may have been set by the user since the last sync, and then waits for its upload. */
+void keepReadMark(EasEmailItem &item)
+{
+    const QList<uint> fields = item.changedFields();
+    item.clearChangedFields();
+    for (const uint field : fields) {
+        if (field != Wbxml::Email::Read.key())
+            item.appendChangedField(field);
+    }
 }
+
+} // namespace
 
 FetchMessagesRequest::FetchMessagesRequest(EasAccountId accountId, quint64 requestId,
     const QList<quint64> &messageIds, bool fullContentDownload, QObject *parent)
@@ -159,6 +173,7 @@ bool FetchMessagesRequest::receivedItems(QList<EasEmailItem> &items)
             item.setLocalId(QString::number(mCommand->getLocalIdByLongId(fetch.longId())));
         if (item.serverId().isEmpty())
             item.setServerId(ids.kept(fetch.collectionId(), fetch.serverId()));
+        keepReadMark(item);
         items.append(item);
     }
     return !ids.lookupFailed();

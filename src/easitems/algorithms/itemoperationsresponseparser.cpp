@@ -26,6 +26,8 @@ void ItemOperationsResponseParser::parse(const QByteArray &data)
     mNested = NotNested;
     mInProperties = false;
     mPropertiesParser.reset();
+    // A fetched message is there already: what comes counts as changes of it.
+    mPropertiesParser.setChangeItem(true);
     mMoveItems.clear();
     mFetchItems.clear();
     mEmptyFolderItems.clear();
