@@ -83,6 +83,24 @@ bool SyncCollectionQueue::restart(QList<SyncCollection> &collections)
     return true;
 }
 
+bool SyncCollectionQueue::leaveOut(const QList<SyncCollection> &unanswered)
+{
+    const auto folders = EasDatabase::instance()->emailFolderItems(mAccount.id());
+    const bool othersAnswered =
+        std::any_of(folders.cbegin(), folders.cend(), [](const EasFolderItem &folder) {
+            return !folder.syncKey().isEmpty() && folder.syncKey() != ProtocolUtils::InitialSyncKey;
+        });
+    if (!othersAnswered)
+        return false;
+    for (const SyncCollection &collection : unanswered) {
+        qCWarning(eas()) << "no answer about collection, leaving it out:" << collection.id();
+        mState.collectionsToSync.removeAll(collection.id());
+        mState.collectionsToResync.removeAll(collection.id());
+        mState.collectionsToRetry.removeAll(collection.id());
+    }
+    return true;
+}
+
 bool SyncCollectionQueue::forgetCollection(const EasFolderItem &folder)
 {
     // The key goes first: items that were wiped under a key that still holds would never come again.

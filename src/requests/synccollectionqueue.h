@@ -28,6 +28,15 @@ public:
     /** Forgets keys and items of the collections that begin anew; false, logged, if that failed. */
     bool restart(QList<SyncCollection> &collections);
 
+    /**
+     * Gives up, for this sync, collections without a key that the server passed over in silence.
+     *
+     * To an empty reply nothing has changed; some servers answer so for ever about a folder that only holds
+     * other folders, and the rest of the mailbox must not wait for it. It is asked for again by the next
+     * sync. False if no other collection has a key yet: then the silence may concern all of them.
+     */
+    bool leaveOut(const QList<SyncCollection> &unanswered);
+
     /** The one place where a collection's key is committed; false, logged, if the database refused. */
     bool updateFolderSyncKeys(const QList<SyncCollection> &collections, int *changed = nullptr);
 

@@ -561,6 +561,9 @@ void SyncRequest::storeInitialKeys(const SyncCommand &command)
         qCCritical(eas()) << "Initial Sync command failed to update folder sync keys";
         return completeWith(RequestStatusInternalError);
     }
+    const bool isSilent = command.responseCollections().isEmpty();
+    if (isSilent && SyncCollectionQueue(*account(), mSync).leaveOut(command.collections()))
+        return startSyncCommand();
     if (changed == 0) {
         // No collection got a key, so the same request would follow at once, without an end.
         const int failure = SyncReplyProcessor::firstFailure(command);
