@@ -45,12 +45,17 @@ void FolderHierarchyChanges::recogniseRepeatedFolders(const QMap<QString, QStrin
 {
     QList<EasFolderItem> unknown;
     for (EasFolderItem &item : mAdded) {
-        if (known.contains(item.serverId())) {
+        const auto localId = known.constFind(item.serverId());
+        const bool hasRow = localId != known.constEnd();
+        if (hasRow)
             appendAllFields(item);
+        if (hasRow && !(item.isEmail() && localId->isEmpty())) {
             mUpdated.append(item);
-        } else {
-            unknown.append(item);
+            continue;
         }
+        if (hasRow)
+            mRowsWithoutFolder.insert(item.serverId());
+        unknown.append(item);
     }
     mAdded = unknown;
 }
@@ -99,7 +104,9 @@ bool FolderHierarchyChanges::updateStores(OnFailure onFailure, const char *mailF
         return succeeded || onFailure == OnFailure::GoOn;
     };
     const QSharedPointer<MailStorage> mail = mAccount.mailStorage();
-    if (mail && !step(mail->updateFolders(mAdded, mUpdated, mDeleted), mailFailure))
+    mMailStored = mail && mail->updateFolders(mAdded, mUpdated, mDeleted);
+    mMailFailed = mail && !mMailStored;
+    if (mail && !step(mMailStored, mailFailure))
         return false;
     if (!step(mAccount.calendarStorage()->updateFolders(mAdded, mUpdated, mDeleted),
             "failed to update folders in Calendar Storage"))
@@ -111,10 +118,9 @@ bool FolderHierarchyChanges::updateStores(OnFailure onFailure, const char *mailF
 
 void FolderHierarchyChanges::markSaved()
 {
-    const bool hasMail = !mAccount.mailStorage().isNull();
     for (QList<EasFolderItem> *items : { &mAdded, &mUpdated }) {
         for (EasFolderItem &item : *items) {
-            if (!item.isCalendar() && (!item.isEmail() || hasMail))
+            if (!item.isCalendar() && (!item.isEmail() || mMailStored))
                 item.setSavedInStorage(true);
         }
     }
@@ -123,12 +129,31 @@ void FolderHierarchyChanges::markSaved()
 bool FolderHierarchyChanges::updateDatabase()
 {
     EasDatabase *database = EasDatabase::instance();
-    for (const QString &serverId : qAsConst(mDeleted)) {
+    const QStringList deleted = deletedRows();
+    for (const QString &serverId : deleted) {
         const bool cleared = database->clearEmailFolder(mAccountId, serverId)
             && database->clearCalendarFolder(mAccountId, serverId)
             && database->clearContactsFolder(mAccountId, serverId);
         if (!cleared)
             return false;
     }
-    return database->folderItemsChanges(mAccountId, mAdded, mUpdated, mDeleted);
+    QList<EasFolderItem> added;
+    QList<EasFolderItem> updated = mUpdated;
+    for (const EasFolderItem &item : qAsConst(mAdded))
+        (mRowsWithoutFolder.contains(item.serverId()) ? updated : added).append(item);
+    return database->folderItemsChanges(mAccountId, added, updated, deleted);
+}
+
+QStringList FolderHierarchyChanges::deletedRows() const
+{
+    if (!mMailFailed)
+        return mDeleted;
+    // A mail folder that may still be in the store could not be found there again without its row.
+    QStringList deleted;
+    for (const QString &serverId : mDeleted) {
+        const auto type = EasDatabase::instance()->folderTypeByServerId(mAccountId, serverId);
+        if (!EasDatabase::instance()->lookupFailed() && !EasFolderItem::isEmailFolder(type))
+            deleted.append(serverId);
+    }
+    return deleted;
 }

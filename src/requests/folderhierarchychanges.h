@@ -6,6 +6,7 @@
 
 #include <QList>
 #include <QMap>
+#include <QSet>
 #include <QStringList>
 
 class EasAccount;
@@ -42,6 +43,7 @@ private:
     void recogniseRepeatedFolders(const QMap<QString, QString> &known);
     void bindUpdatedFolders(const QMap<QString, QString> &known);
     void noteLookup();
+    QStringList deletedRows() const;
 
     EasAccount &mAccount;
     EasAccountId mAccountId;
@@ -49,4 +51,8 @@ private:
     QList<EasFolderItem> mUpdated;
     QStringList mDeleted;
     bool mLookupFailed = false;
+    /** Added folders that have a row, but none in the store yet: a run before failed in between. */
+    QSet<QString> mRowsWithoutFolder;
+    bool mMailStored = false;
+    bool mMailFailed = false;
 };
