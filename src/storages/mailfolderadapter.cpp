@@ -256,6 +256,8 @@ bool MailFolderAdapter::deleteFolderItems(
     for (const QString &serverId : serverIds) {
         const EasFolderItem::FolderType type =
             EasDatabase::instance()->folderTypeByServerId(mContext.accountId(), serverId);
+        if (EasDatabase::instance()->lookupFailed())
+            return false;
         if (!EasFolderItem::isEmailFolder(type))
             continue;
         const QMailFolderId id = folderId(serverToLocal.value(serverId));

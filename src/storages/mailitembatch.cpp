@@ -56,7 +56,10 @@ bool MailItemBatch::addEmailItems(QList<EasEmailItem> &items)
         if (!uid.isEmpty() && byUid.contains(uid))
             continue;
         kept.append(item);
-        if (deleted.contains(uid) && !isMapped(uid)) {
+        const bool isStray = deleted.contains(uid) && !isMapped(uid);
+        if (isStray && EasDatabase::instance()->lookupFailed())
+            return false;
+        if (isStray) {
             qCInfo(eas()) << "not stored, the user has deleted it:" << uid;
             continue;
         }
@@ -126,7 +129,8 @@ bool MailItemBatch::canAdopt(const QMailMessage &stored, const EasEmailItem &ite
 {
     const QMailFolderId folder(item.localCollectionId());
     return hasStatus(stored, QMailMessage::Temporary) || stored.parentFolderId() == folder
-        || stored.previousParentFolderId() == folder || !isMapped(stored.serverUid());
+        || stored.previousParentFolderId() == folder
+        || (!isMapped(stored.serverUid()) && !EasDatabase::instance()->lookupFailed());
 }
 
 void MailItemBatch::adopt(QMailMessage &fresh, const QMailMessage &stored) const
@@ -299,7 +303,8 @@ bool MailItemBatch::updateMovedEmails(
             qCWarning(eas()) << "messageId" << id.toULongLong() << "is invalid";
             continue;
         }
-        finishMove(message, item);
+        if (!finishMove(message, item))
+            return false;
         messages.emplace(id, message);
     }
     return update(messages);
@@ -318,7 +323,7 @@ QMailMessageId MailItemBatch::movedMessage(
     return QMailMessageId();
 }
 
-void MailItemBatch::finishMove(QMailMessage &message, const EasEmailItem &item) const
+bool MailItemBatch::finishMove(QMailMessage &message, const EasEmailItem &item) const
 {
     const QMailFolderId before = message.parentFolderId();
     mChanges.setChangesToEmailMessage(message, item);
@@ -326,10 +331,13 @@ void MailItemBatch::finishMove(QMailMessage &message, const EasEmailItem &item) 
     // Moved on while the server was asked: the way from there to where it is now is still to be told.
     const EasFolderItem destination =
         EasDatabase::instance()->folderItemByServerId(mContext.accountId(), item.collectionId());
+    if (EasDatabase::instance()->lookupFailed())
+        return false;
     const QMailFolderId reached(destination.localId().toULongLong());
     const bool movedOn = reached.isValid() && reached != message.parentFolderId()
         && message.previousParentFolderId().isValid();
     message.setPreviousParentFolderId(movedOn ? reached : QMailFolderId());
+    return true;
 }
 
 bool MailItemBatch::addSearchResults(QList<EasEmailItem> &items, QList<quint64> &ids)

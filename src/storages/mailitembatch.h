@@ -68,7 +68,7 @@ private:
     bool store(const Messages &messages);
     bool update(const std::map<QMailMessageId, QMailMessage> &messages) const;
     QMailMessageId movedMessage(const EasEmailItem &item, const QMap<QString, QString> &serverToLocal) const;
-    void finishMove(QMailMessage &message, const EasEmailItem &item) const;
+    bool finishMove(QMailMessage &message, const EasEmailItem &item) const;
     bool removeEarlierHits(const QStringList &serverUids) const;
 
     const MailStoreContext &mContext;

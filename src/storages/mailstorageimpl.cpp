@@ -333,9 +333,11 @@ bool MailStorageImpl::updateMovedEmails(const QList<EasEmailItem> &items)
 {
     if (!storeAvailable())
         return false;
-    return items.isEmpty()
-        || mBatch.updateMovedEmails(
-            items, EasDatabase::instance()->serverToLocalEmailIds(mContext.accountId()));
+    if (items.isEmpty())
+        return true;
+    EasDatabase *database = EasDatabase::instance();
+    const QMap<QString, QString> serverToLocal = database->serverToLocalEmailIds(mContext.accountId());
+    return !database->lookupFailed() && mBatch.updateMovedEmails(items, serverToLocal);
 }
 
 bool MailStorageImpl::updateBodyPart(quint64 messageId, const EasBodyContainer &body)
