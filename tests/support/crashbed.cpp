@@ -200,12 +200,12 @@ void CrashBed::changeForMove()
         "Inbox|three|read", "Old|four|unread", "Inbox/Projects|five|read", "Archive|seven|read" };
 }
 
-QString CrashBed::run(Scenario scenario, const QProcessEnvironment &environment)
+QString CrashBed::run(Scenario scenario, const QProcessEnvironment &environment, After after)
 {
     if (!begin(scenario))
         return QStringLiteral("the run cannot begin");
     DaemonProcess daemon(environment);
-    return finish(daemon);
+    return finish(daemon, after);
 }
 
 QString CrashBed::runUntil(Scenario scenario, std::chrono::microseconds moment)
@@ -214,17 +214,23 @@ QString CrashBed::runUntil(Scenario scenario, std::chrono::microseconds moment)
         return QStringLiteral("the run cannot begin");
     DaemonProcess daemon;
     daemon.killAfterStart(moment);
-    return finish(daemon);
+    return finish(daemon, NewDaemon);
 }
 
-QString CrashBed::finish(DaemonProcess &daemon)
+QString CrashBed::finish(DaemonProcess &daemon, After after)
 {
     const auto start = std::chrono::steady_clock::now();
     mSyncStatus = daemon.sync(mAccountId);
     mSyncDuration =
         std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() - start);
-    daemon.kill();
-    const QString wrong = whatIsWrong();
+    QString wrong;
+    if (after == SameDaemon) {
+        wrong = whatIsWrong(daemon);
+    } else {
+        daemon.kill();
+        DaemonProcess next;
+        wrong = whatIsWrong(next);
+    }
     if (wrong.isEmpty())
         return wrong;
     return QStringLiteral("the sync with the fault ended with %1, and the daemon said:\n%2\n%3")
@@ -251,10 +257,9 @@ QString CrashBed::serverItem(const QString &subject)
     return QString();
 }
 
-QString CrashBed::whatIsWrong()
+QString CrashBed::whatIsWrong(DaemonProcess &daemon)
 {
     mServer->clearRequests();
-    DaemonProcess daemon;
     int status = daemon.sync(mAccountId);
     QString wrong;
     if (status != 0)

@@ -38,15 +38,20 @@ public:
     bool isReady() const { return mAccountId != 0; }
     EasAccountId accountId() const { return mAccountId; }
 
+    enum After {
+        NewDaemon, ///< another daemon goes on, as after a death
+        SameDaemon, ///< the daemon goes on that has met the fault
+    };
+
     /** Rows of test data with a column "scenario" for all of them. */
     static void addScenarioRows();
 
     /**
-     * Prepares both sides, lets a daemon sync in this environment, ends it if it is still there, and compares
-     * after two syncs of a new daemon. Empty if nothing is lost, doubled or come back, both databases are
-     * whole, both sides equal, and the second of the syncs had nothing to send; else the whole story.
+     * Prepares both sides, lets a daemon sync in this environment, and compares after two more syncs. Empty
+     * if nothing is lost, doubled or come back, both databases are whole, both sides equal, and the second of
+     * the syncs had nothing to send; else the whole story.
      */
-    QString run(Scenario scenario, const QProcessEnvironment &environment);
+    QString run(Scenario scenario, const QProcessEnvironment &environment, After after = NewDaemon);
     /** The same for a daemon without faults that gets SIGKILL so long after its start. */
     QString runUntil(Scenario scenario, std::chrono::microseconds moment);
 
@@ -57,8 +62,8 @@ public:
 
 private:
     bool begin(Scenario scenario);
-    QString finish(DaemonProcess &daemon);
-    QString whatIsWrong();
+    QString finish(DaemonProcess &daemon, After after);
+    QString whatIsWrong(DaemonProcess &daemon);
     void clearDevice();
     bool startServer();
     void fillMailbox();
@@ -88,3 +93,4 @@ private:
 };
 
 Q_DECLARE_METATYPE(CrashBed::Scenario)
+Q_DECLARE_METATYPE(CrashBed::After)

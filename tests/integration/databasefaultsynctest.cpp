@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "support/crashbed.h"
+#include "support/faultshim.h"
+#include "support/testmain.h"
+
+#include <QDir>
+#include <QtTest>
+
+/**
+ * Any statement of the mapping database fails once during a sync. FENNEL_KILL_ALL=1 takes every statement;
+ * otherwise they are walked through with a stride, to keep the run short.
+ */
+class DatabaseFaultSyncTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { mBed.reset(new CrashBed); }
+    void cleanupTestCase() { mBed.reset(); }
+    void theNextSyncMendsAFailedStatement_data();
+    void theNextSyncMendsAFailedStatement();
+
+private:
+    static bool createsFile(const QString &statement);
+
+    static constexpr int RunsByDefault = 20;
+
+    QScopedPointer<CrashBed> mBed;
+};
+
+void DatabaseFaultSyncTest::theNextSyncMendsAFailedStatement_data()
+{
+    QTest::addColumn<CrashBed::Scenario>("scenario");
+    QTest::addColumn<int>("error");
+    QTest::addColumn<CrashBed::After>("after");
+    const auto add = [](const char *name, CrashBed::Scenario scenario) {
+        QTest::addRow("%s, input or output, the same daemon goes on", name)
+            << scenario << int(FaultShim::StatementError::IoError) << CrashBed::SameDaemon;
+        QTest::addRow("%s, disk full, a new daemon goes on", name)
+            << scenario << int(FaultShim::StatementError::Full) << CrashBed::NewDaemon;
+    };
+    add("first sync", CrashBed::FirstSync);
+    add("later sync", CrashBed::LaterSync);
+    add("move", CrashBed::Move);
+}
+
+bool DatabaseFaultSyncTest::createsFile(const QString &statement)
+{
+    return statement.startsWith(QLatin1String("create table"), Qt::CaseInsensitive)
+        || statement.startsWith(QLatin1String("INSERT INTO versions"));
+}
+
+void DatabaseFaultSyncTest::theNextSyncMendsAFailedStatement()
+{
+    QFETCH(CrashBed::Scenario, scenario);
+    QFETCH(int, error);
+    QFETCH(CrashBed::After, after);
+    QVERIFY(mBed->isReady());
+    const FaultShim plain(QDir::homePath(), DaemonProcess::program());
+    QCOMPARE(mBed->run(scenario, plain.environment()), QString());
+    QCOMPARE(mBed->syncStatus(), 0);
+
+    const int statements = plain.statements().size();
+    QVERIFY(statements > 50);
+    const bool all = qEnvironmentVariableIntValue("FENNEL_KILL_ALL") == 1;
+    const int stride = all ? 1 : qMax(1, statements / RunsByDefault);
+    qInfo("%d statements, tried in strides of %d", statements, stride);
+    QStringList failures;
+    for (int number = 1; number <= statements; number += stride) {
+        // The next start of the daemon completes a file whose creation failed.
+        if (after == CrashBed::SameDaemon && createsFile(plain.statements().at(number - 1)))
+            continue;
+        FaultShim fault(QDir::homePath(), DaemonProcess::program());
+        fault.failStatement(number, FaultShim::StatementError(error));
+        const QString wrong = mBed->run(scenario, fault.environment(), after);
+        if (wrong.isEmpty())
+            continue;
+        failures.append(QStringLiteral("statement %1 of %2 failed, %3")
+                            .arg(number)
+                            .arg(statements)
+                            .arg(fault.statements().value(number - 1)));
+        qWarning("%s", qPrintable(failures.last() + QLatin1Char('\n') + wrong));
+    }
+    QCOMPARE(failures, QStringList());
+}
+
+FENNEL_REGISTER_TEST(DatabaseFaultSyncTest)
+#include "databasefaultsynctest.moc"
