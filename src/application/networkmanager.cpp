@@ -189,7 +189,8 @@ void NetworkManager::onCheckNetworkState()
 
 QNetworkReply *NetworkManager::watched(EasAccountId accountId, QNetworkReply *reply)
 {
-    connect(reply, &QNetworkReply::finished, this,
+    // Heard before the command ends its request: the next one of the queue would start unblocked.
+    connect(reply, &QNetworkReply::errorOccurred, this,
         [this, accountId, reply] { onReplyFinished(accountId, reply); });
     return reply;
 }
