@@ -108,8 +108,8 @@ public:
     QStringList localEmailIds(EasAccountId accountId, const QString &collectionId) const;
     QMap<QString, QString> serverToLocalEmailIds(EasAccountId accountId) const;
     QMap<QString, QString> localToServerEmailIds(EasAccountId accountId) const;
-    /** The folder of each message, by server identifiers. */
-    QMap<QString, QString> emailCollectionIds(EasAccountId accountId) const;
+    /** The folder of each of these messages that has a row, by server identifiers. */
+    QMap<QString, QString> emailCollectionIds(EasAccountId accountId, const QStringList &serverIds) const;
     QString folderServerIdByEmailServerId(EasAccountId accountId, const QString &serverId) const;
     QString collectionServerIdFromEmailItemId(EasAccountId accountId, const QString &serverId);
     bool clearEmailFolder(EasAccountId accountId, const QString &collectionId);

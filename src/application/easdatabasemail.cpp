@@ -14,6 +14,9 @@ namespace {
 const char CantQueryEmails[] = "can't execute emails table query. Error:";
 const char CantUpdateEmails[] = "can't update email items for account";
 
+// Older libraries take 999 values in a statement.
+constexpr int MaxNamesOfStatement = 900;
+
 } // namespace
 
 bool EasDatabase::addEmailItems(EasAccountId accountId, const QList<EasEmailItem> &items)
@@ -121,11 +124,26 @@ QMap<QString, QString> EasDatabase::localToServerEmailIds(EasAccountId accountId
     return readMap(select, 1, CantQueryEmails);
 }
 
-QMap<QString, QString> EasDatabase::emailCollectionIds(EasAccountId accountId) const
+QMap<QString, QString> EasDatabase::emailCollectionIds(
+    EasAccountId accountId, const QStringList &serverIds) const
 {
-    DatabaseStatement select(mDatabase,
-        QStringLiteral("SELECT server_id, collection_id FROM emails WHERE account_id=%1").arg(accountId));
-    return readMap(select, 0, CantQueryEmails);
+    // The table has no index, so that each statement walks all rows: as few as possible.
+    QMap<QString, QString> collections;
+    for (int first = 0; first < serverIds.size(); first += MaxNamesOfStatement) {
+        const QStringList names = serverIds.mid(first, MaxNamesOfStatement);
+        const QString places = QStringLiteral("?,").repeated(names.size());
+        DatabaseStatement select(mDatabase,
+            QStringLiteral("SELECT server_id, collection_id FROM emails WHERE account_id=%1"
+                           " AND server_id IN (%2)")
+                .arg(QString::number(accountId), places.chopped(1)));
+        for (const QString &name : names)
+            select.bind(name);
+        const bool complete = readRows(select, CantQueryEmails,
+            [&](const DatabaseStatement &row) { collections.insert(row.text(0), row.text(1)); });
+        if (!complete)
+            return {};
+    }
+    return collections;
 }
 
 QString EasDatabase::folderServerIdByEmailServerId(EasAccountId accountId, const QString &serverId) const

@@ -21,6 +21,7 @@ bool EmailResultHandler::handle(SyncCollection &collection)
         qCWarning(eas()) << "unexpected add responses in a sync response for collection" << collection.id();
 
     MailServerIds ids(account().id());
+    lookUp(collection, ids);
     if (ids.lookupFailed())
         return fail("Failed to read emails from EAS DB");
     if (!acknowledgeChanges(*storage, collection) || !acknowledgeDeletes(*storage, collection, ids))
@@ -38,6 +39,23 @@ bool EmailResultHandler::handle(SyncCollection &collection)
     if (!EasDatabase::instance()->emailItemsChanges(account().id(), mAdded, mChanged, mDeleted))
         return fail("Failed to update emails in EAS DB");
     return true;
+}
+
+void EmailResultHandler::lookUp(const SyncCollection &collection, MailServerIds &ids)
+{
+    const QList<EasEmailItem> emails = collection.addedEmails() + collection.changedEmails();
+    QStringList deleted = collection.deletedIds();
+    const QList<QSharedPointer<SyncCommandBase>> commands = collection.commands();
+    for (const QSharedPointer<SyncCommandBase> &command : commands) {
+        if (command->type() == SyncCommandBase::DeleteCommand)
+            deleted += command.staticCast<SyncCommandDelete>()->serverIds();
+    }
+    QList<MailServerIds::Item> items;
+    for (const EasEmailItem &item : emails)
+        items.append({ collection.id(), item.serverId() });
+    for (const QString &wireId : qAsConst(deleted))
+        items.append({ collection.id(), wireId });
+    ids.lookUp(items);
 }
 
 bool EmailResultHandler::acknowledgeChanges(MailStorage &storage, const SyncCollection &collection)

@@ -16,6 +16,7 @@ public:
     bool handle(SyncCollection &collection) override;
 
 private:
+    static void lookUp(const SyncCollection &collection, MailServerIds &ids);
     bool acknowledgeChanges(MailStorage &storage, const SyncCollection &collection);
     bool acknowledgeDeletes(MailStorage &storage, const SyncCollection &collection, const MailServerIds &ids);
     void nameAsKept(const SyncCollection &collection, MailServerIds &ids);

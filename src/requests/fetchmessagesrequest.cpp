@@ -163,8 +163,12 @@ bool FetchMessagesRequest::updateMessages()
 
 bool FetchMessagesRequest::receivedItems(QList<EasEmailItem> &items)
 {
-    const MailServerIds ids(accountId());
     const QList<ItemOperationsFetchItem> fetched = mCommand->fetchItems();
+    QList<MailServerIds::Item> named;
+    for (const ItemOperationsFetchItem &fetch : fetched)
+        named.append({ fetch.collectionId(), fetch.serverId() });
+    MailServerIds ids(accountId());
+    ids.lookUp(named);
     for (const ItemOperationsFetchItem &fetch : fetched) {
         if (fetch.status() > Eas::ItemOperationsStatusSuccess)
             continue;

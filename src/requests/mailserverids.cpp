@@ -6,14 +6,22 @@
 
 MailServerIds::MailServerIds(EasAccountId accountId)
     : mAccountId(accountId)
-    , mLocalIds(EasDatabase::instance()->serverToLocalEmailIds(accountId))
-    , mLookupFailed(EasDatabase::instance()->lookupFailed())
 {
+}
+
+void MailServerIds::lookUp(const QList<Item> &items)
+{
+    QStringList names;
+    for (const Item &item : items)
+        names << item.second << EmailServerId::qualified(item.first, item.second);
+    read(names);
 }
 
 bool MailServerIds::contains(const QString &keptId) const
 {
-    return mLocalIds.contains(keptId);
+    if (!mRead.contains(keptId))
+        read({ keptId });
+    return mCollections.contains(keptId);
 }
 
 QString MailServerIds::kept(const QString &collectionId, const QString &wireId) const
@@ -22,28 +30,26 @@ QString MailServerIds::kept(const QString &collectionId, const QString &wireId) 
     const QString qualified = EmailServerId::qualified(collectionId, wireId);
     if (contains(qualified))
         return qualified;
-    if (!contains(wireId) || collections().value(wireId) == collectionId)
+    if (!contains(wireId) || mCollections.value(wireId) == collectionId)
         return wireId;
     return qualified;
 }
 
 void MailServerIds::add(const QString &keptId, const QString &collectionId)
 {
-    mLocalIds.insert(keptId, QString());
-    mAddedCollections.insert(keptId, collectionId);
-    if (mCollectionsRead)
-        mCollections.insert(keptId, collectionId);
+    mRead.insert(keptId);
+    mCollections.insert(keptId, collectionId);
 }
 
-const QMap<QString, QString> &MailServerIds::collections() const
+void MailServerIds::read(const QStringList &keptIds) const
 {
-    // Only a server that repeats an identifier, or changes an item, makes the second look-up necessary.
-    if (!mCollectionsRead) {
-        mCollections = EasDatabase::instance()->emailCollectionIds(mAccountId);
-        mLookupFailed = mLookupFailed || EasDatabase::instance()->lookupFailed();
-        for (auto added = mAddedCollections.cbegin(); added != mAddedCollections.cend(); ++added)
-            mCollections.insert(added.key(), added.value());
-        mCollectionsRead = true;
-    }
-    return mCollections;
+    if (keptIds.isEmpty())
+        return;
+    for (const QString &keptId : keptIds)
+        mRead.insert(keptId);
+    const EasDatabase *database = EasDatabase::instance();
+    const QMap<QString, QString> collections = database->emailCollectionIds(mAccountId, keptIds);
+    mLookupFailed = mLookupFailed || database->lookupFailed();
+    for (auto found = collections.cbegin(); found != collections.cend(); ++found)
+        mCollections.insert(found.key(), found.value());
 }

@@ -12,7 +12,6 @@
 #include "requests/syncstate.h"
 #include "storages/mailstorage.h"
 
-#include <QHash>
 #include <QSet>
 
 MoveItemsResultHandler::MoveItemsResultHandler(EasAccount &account, SyncState &state)
@@ -42,6 +41,7 @@ bool MoveItemsResultHandler::handle(const MoveItemsCommand &command)
     for (const MoveItemsResponse &response : command.moveItemsResponses())
         responses.insert(response.sourceMessageId(), response);
 
+    lookUp(command.moveItems(), responses);
     for (const MoveContainer &move : command.moveItems()) {
         const auto response = responses.constFind(move.sourceMessageId());
         if (response == responses.constEnd())
@@ -50,6 +50,18 @@ bool MoveItemsResultHandler::handle(const MoveItemsCommand &command)
             handleMove(move, *response);
     }
     return recordMoved();
+}
+
+void MoveItemsResultHandler::lookUp(
+    const QList<MoveContainer> &moves, const QHash<QString, MoveItemsResponse> &responses)
+{
+    QList<MailServerIds::Item> items;
+    for (const MoveContainer &move : moves) {
+        const QString source = move.sourceMessageId();
+        items.append({ move.sourceFolderId(), source });
+        items.append({ move.destinationFolderId(), responses.value(source).destinationMessageId() });
+    }
+    mIds.lookUp(items);
 }
 
 void MoveItemsResultHandler::handleMove(const MoveContainer &move, const MoveItemsResponse &response)

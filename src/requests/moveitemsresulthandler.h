@@ -6,6 +6,7 @@
 
 #include "requests/mailserverids.h"
 
+#include <QHash>
 #include <QList>
 
 class EasAccount;
@@ -33,6 +34,7 @@ public:
     bool retryMove() const { return mRetryMove; }
 
 private:
+    void lookUp(const QList<MoveContainer> &moves, const QHash<QString, MoveItemsResponse> &responses);
     void handleMove(const MoveContainer &move, const MoveItemsResponse &response);
     void appendMoved(const MoveContainer &move, const QString &wireId);
     bool recordMoved();

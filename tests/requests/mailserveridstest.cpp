@@ -20,6 +20,8 @@ private Q_SLOTS:
     void aTakenIdentifierIsQualifiedWithItsFolder();
     void aMessageKeepsItsIdentifierWhenTheOtherOneGoes();
     void twoNewMessagesOfOneReplyStayApart();
+    void whatWasLookedUpTogetherIsNotAskedForAgain();
+    void aReplyMayHoldMoreThanOneStatementTakes();
 
 private:
     static void addRow(const QString &serverId, const QString &collectionId);
@@ -89,6 +91,34 @@ void MailServerIdsTest::twoNewMessagesOfOneReplyStayApart()
     ids.add(second, Archive);
     QCOMPARE(ids.kept(Inbox, QStringLiteral("1")), first);
     QCOMPARE(ids.kept(Archive, QStringLiteral("1")), second);
+}
+
+void MailServerIdsTest::whatWasLookedUpTogetherIsNotAskedForAgain()
+{
+    addRow(QStringLiteral("1"), Inbox);
+    MailServerIds ids(Account);
+    ids.lookUp({ { Inbox, QStringLiteral("1") }, { Archive, QStringLiteral("2") } });
+    // As a reply's own deletes do before its adds are named.
+    EasDatabase::instance()->removeAccount(Account);
+    addRow(QStringLiteral("2"), Inbox);
+    QVERIFY(ids.contains(QStringLiteral("1")));
+    QCOMPARE(ids.kept(Archive, QStringLiteral("2")), QStringLiteral("2"));
+    QVERIFY(!ids.contains(QStringLiteral("2")));
+}
+
+void MailServerIdsTest::aReplyMayHoldMoreThanOneStatementTakes()
+{
+    addRow(QStringLiteral("1"), Inbox);
+    addRow(QStringLiteral("5000"), Inbox);
+    QList<MailServerIds::Item> items;
+    for (int number = 1; number <= 5000; ++number)
+        items.append({ Archive, QString::number(number) });
+    MailServerIds ids(Account);
+    ids.lookUp(items);
+    QVERIFY(!ids.lookupFailed());
+    QVERIFY(ids.contains(QStringLiteral("1")));
+    QVERIFY(ids.contains(QStringLiteral("5000")));
+    QVERIFY(!ids.contains(QStringLiteral("2500")));
 }
 
 FENNEL_REGISTER_TEST(MailServerIdsTest)
