@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
-#include <chrono>
 #include <cstdio>
+#include <ctime>
 
 /** Rows of a table of measurements. */
 namespace BenchRow {
@@ -12,21 +12,29 @@ inline void print(const char *name, double value, const char *unit)
     std::printf("  %-44s %12.1f %s\n", name, value, unit);
 }
 
-/** Seconds that one call takes: the shortest of several rounds, each of a tenth of a second or more. */
+/** Processor time of this process so far, which other processes of a busy machine do not stretch. */
+inline double processorSeconds()
+{
+    return double(std::clock()) / CLOCKS_PER_SEC;
+}
+
+/**
+ * Seconds of processor time that one call takes: the shortest of several rounds, each of a tenth of a second
+ * or more.
+ */
 template <class Work> double seconds(const Work &work)
 {
-    using Clock = std::chrono::steady_clock;
     constexpr int rounds = 5;
     constexpr double roundSeconds = 0.1;
     double best = 0;
     for (int round = 0; round < rounds; ++round) {
-        const auto start = Clock::now();
+        const double start = processorSeconds();
         int calls = 0;
         double elapsed = 0;
         do {
             work();
             ++calls;
-            elapsed = std::chrono::duration<double>(Clock::now() - start).count();
+            elapsed = processorSeconds() - start;
         } while (elapsed < roundSeconds);
         const double each = elapsed / calls;
         if (round == 0 || each < best)
