@@ -245,6 +245,12 @@ void BaseProtocolCommand::onReplyDownloadProgress(qint64 bytesReceived, qint64 b
 {
     mBytesReceived = bytesReceived;
     mBytesTotal = bytesTotal;
+    if (bytesReceived > MaximumReplySize) {
+        // A body without an end would otherwise fill the memory before anything noticed.
+        qCCritical(easNetwork()) << "Reply is too large, giving it up after" << bytesReceived << "bytes";
+        mStatus = EasRequestStatus::RequestStatusInternalError;
+        return end(false);
+    }
     handleDownloadProgress(bytesReceived, bytesTotal);
 }
 

@@ -73,6 +73,9 @@ Q_SIGNALS:
     void finished(bool success);
 
 protected:
+    /** No reply of a mailbox is larger; bytes. */
+    static constexpr qint64 MaximumReplySize = 256 * 1024 * 1024;
+
     /** The lines that name a command in the log. */
     struct ExchangeTexts
     {
