@@ -130,7 +130,8 @@ WbxmlNode CollectionSync::proceed(CollectionState &state, const QString &key)
     bool more = false;
     const QVector<WbxmlNode> commands = wantsChanges() ? changes(state, &more) : QVector<WbxmlNode>();
     mChangeCount = commands.size();
-    mIsSilent = responses.isEmpty() && commands.isEmpty() && uploads.count() == 0 && key == state.key;
+    mIsSilent =
+        responses.isEmpty() && commands.isEmpty() && uploads.count() == 0 && key == state.key && !more;
     if (mIsSilent) {
         // Nothing changed, so the way back from the last answer stays as well.
         state.lastDeletes = lastDeletes;
