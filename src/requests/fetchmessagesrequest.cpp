@@ -61,12 +61,33 @@ void FetchMessagesRequest::startRequest()
         qCCritical(eas()) << "MailStorage is null";
         return completeWith(RequestStatusInternalError);
     }
+    if (mPendingFolders.isEmpty())
+        mPendingFolders = messagesByFolder();
+    if (mPendingFolders.isEmpty())
+        return downloadNextAttachment();
     dropCommand();
     mCommand = new FetchItemCommand(accountId(), this);
     mCommand->setStore(ProtocolUtils::StorageMailbox);
-    mCommand->setLocalIds(mMessageIds);
+    mCommand->setLocalIds(mPendingFolders.first());
     connect(mCommand, &FetchItemCommand::finished, this, &FetchMessagesRequest::onFetchItemCommandFinished);
     mCommand->start();
+}
+
+QList<QList<quint64>> FetchMessagesRequest::messagesByFolder()
+{
+    QStringList folders;
+    QList<QList<quint64>> groups;
+    for (const quint64 messageId : qAsConst(mMessageIds)) {
+        const QString serverUid = account()->mailStorage()->serverUidFromMessageId(messageId);
+        const QString folder =
+            EasDatabase::instance()->collectionServerIdFromEmailItemId(accountId(), serverUid);
+        if (!folders.contains(folder)) {
+            folders.append(folder);
+            groups.append(QList<quint64>());
+        }
+        groups[folders.indexOf(folder)].append(messageId);
+    }
+    return groups;
 }
 
 void FetchMessagesRequest::dropCommand()
@@ -126,10 +147,13 @@ void FetchMessagesRequest::processCommandSuccess()
         return completeWith(RequestStatusInternalError);
     setStatus(firstItemFailure());
     dropCommand();
-    if (successfullyFinished())
+    mPendingFolders.removeFirst();
+    if (!successfullyFinished())
+        complete();
+    else if (mPendingFolders.isEmpty())
         downloadNextAttachment();
     else
-        complete();
+        startRequest();
 }
 
 bool FetchMessagesRequest::updateBody()

@@ -41,6 +41,8 @@ private Q_SLOTS:
 
 private:
     void dropCommand();
+    /** The messages of each folder by themselves: not every server answers for several folders at once. */
+    QList<QList<quint64>> messagesByFolder();
     void processCommandSuccess();
     bool updateBody();
     bool updateMessages();
@@ -53,6 +55,8 @@ private:
     bool mFullContentDownload = false;
     QList<quint64> mMessageIds;
     QString mLocation;
+    /** Messages still to be asked for, folder by folder. */
+    QList<QList<quint64>> mPendingFolders;
     quint64 mAttachmentMessage = 0;
     QStringList mAttachmentLocations;
     QPointer<FetchItemCommand> mCommand;

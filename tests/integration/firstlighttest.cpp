@@ -23,6 +23,7 @@ private Q_SLOTS:
     void moreThanOneWindowArrives();
     void aSecondSyncSendsNoChange_data() { versions(); }
     void aSecondSyncSendsNoChange();
+    void messagesAreFetchedFolderByFolder();
 
 private:
     static void versions();
@@ -135,6 +136,26 @@ void FirstLightTest::aSecondSyncSendsNoChange()
     QCOMPARE(requests.size(), 1);
     QVERIFY(!requests.first().document.toXml().contains(QStringLiteral("Commands")));
     QCOMPARE(bed.server().requests(QStringLiteral("MoveItems")).size(), 0);
+}
+
+void FirstLightTest::messagesAreFetchedFolderByFolder()
+{
+    SyncTestBed bed;
+    const QString folder = bed.mailbox().addFolder(QStringLiteral("Archive"));
+    bed.mailbox().deliver(bed.mailbox().inboxId(), SyncTestBed::message(QStringLiteral("one")));
+    bed.mailbox().deliver(folder, SyncTestBed::message(QStringLiteral("two")));
+    bed.mailbox().deliver(folder, SyncTestBed::message(QStringLiteral("three")));
+    QCOMPARE(bed.sync(), 0);
+
+    QList<qulonglong> ids;
+    for (const char *subject : { "two", "one", "three" })
+        ids.append(bed.deviceMessage(QString::fromLatin1(subject)).toULongLong());
+    QCOMPARE(bed.downloadMessages(ids, false), 0);
+
+    const auto requests = bed.server().requests(QStringLiteral("ItemOperations"));
+    QCOMPARE(requests.size(), 2);
+    QCOMPARE(requests.at(0).document.toXml().count(QStringLiteral("<Fetch")), 2);
+    QCOMPARE(requests.at(1).document.toXml().count(QStringLiteral("<Fetch")), 1);
 }
 
 FENNEL_REGISTER_TEST(FirstLightTest)
