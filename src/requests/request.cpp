@@ -229,6 +229,7 @@ bool Request::consumeRetry()
 {
     const int attempt = mRetryCount++;
     if (attempt >= ProtocolUtils::CommandMaxRetriesCount) {
+        qCWarning(eas()) << "no more attempts, failing request";
         reportRequestCompleted();
         return false;
     }
