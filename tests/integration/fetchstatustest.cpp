@@ -1,0 +1,213 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "integration/fetchscene.h"
+#include "support/testmain.h"
+
+using Simulator::Override;
+using namespace StatusScene;
+using namespace FetchScene;
+
+namespace {
+
+constexpr char NoRetry[] = "server error. We shouldn't retry later. Completing request";
+constexpr char RetryLater[] = "we should try to send command again later. Timeout (in mseconds):";
+
+} // namespace
+
+/** @short What each status of a fetch leads to, of a file, of a later range of it and of whole messages. */
+class FetchStatusTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void aFileIsAnsweredOnceWith_data() { statusRows(); }
+    void aFileIsAnsweredOnceWith();
+    void aSecondRangeIsAnsweredOnceWith_data() { statusRows(); }
+    void aSecondRangeIsAnsweredOnceWith();
+    void messagesAreAnsweredOnceWith_data() { statusRows(); }
+    void messagesAreAnsweredOnceWith();
+    void aServerThatNeverHasTimeEndsIt_data() { kinds(); }
+    void aServerThatNeverHasTimeEndsIt();
+    void aReplyThatIsNoneEndsIt_data() { kinds(); }
+    void aReplyThatIsNoneEndsIt();
+    void aSuccessWithoutAFileIsAFailure();
+    void aFileThatIsRefusedEndsItWithThatStatus();
+    void aFileThatTheServerHasNoMoreIsNotStored();
+    void aMessageThatIsRefusedEndsItWithThatStatus();
+
+private:
+    static void kinds();
+    static void statusRows();
+};
+
+void FetchStatusTest::kinds()
+{
+    QTest::addColumn<bool>("whole");
+    QTest::newRow("of a file") << false;
+    QTest::newRow("of a message") << true;
+}
+
+void FetchStatusTest::statusRows()
+{
+    columns();
+    row("identifiers that are not valid, and it ends", 106, 106, NoRetry, 1);
+    row("a server error, and it ends", 110, 110, NoRetry, 1);
+    row("a server error that passes, and it is repeated", 111, 0, RetryLater, 2);
+    row("a wish for a policy key, and it is repeated with one", 141, 0,
+        "server requires policy key to be submitted for", 2);
+    row("a policy, which is refused", 142, -5, "Provision Policy is in place for account", 1);
+    row("a status without a rule, and it ends", 14, 14, "unhandled status", 1);
+}
+
+void FetchStatusTest::aFileIsAnsweredOnceWith()
+{
+    QFETCH(int, code);
+    QFETCH(int, end);
+    QFETCH(QString, text);
+    QFETCH(int, requests);
+    SyncTestBed bed;
+    const QByteArray file = bytesOf(1000);
+    const qulonglong message = receives(bed, { file });
+    QVERIFY(message != 0);
+    bed.server().overrideNext(fetchCommand(), Override::topStatus(code));
+    {
+        const LogCollector log;
+        QCOMPARE(bed.downloadPart(message, fileLocation(0)), end);
+        QVERIFY2(log.contains(text), qPrintable(log.texts().join(QLatin1Char('\n'))));
+    }
+    QCOMPARE(count(bed, "ItemOperations"), requests);
+    QCOMPARE(hasFile(message, 0), end == 0);
+
+    // What failed can be asked for again.
+    if (end != 0)
+        QCOMPARE(bed.downloadPart(message, fileLocation(0)), 0);
+    QCOMPARE(fileOnDevice(message, 0), file);
+}
+
+void FetchStatusTest::aSecondRangeIsAnsweredOnceWith()
+{
+    QFETCH(int, code);
+    QFETCH(int, end);
+    QFETCH(QString, text);
+    QFETCH(int, requests);
+    SyncTestBed bed;
+    const QByteArray file = bytesOf(RangeSize + 1000);
+    const qulonglong message = receives(bed, { file });
+    QVERIFY(message != 0);
+    bed.server().overrideNext(fetchCommand(), Override());
+    bed.server().overrideNext(fetchCommand(), Override::topStatus(code));
+    {
+        const LogCollector log;
+        QCOMPARE(bed.downloadPart(message, fileLocation(0)), end);
+        QVERIFY2(log.contains(text), qPrintable(log.texts().join(QLatin1Char('\n'))));
+    }
+    // The first range is asked for once, whatever becomes of the second.
+    QCOMPARE(count(bed, "ItemOperations"), requests + 1);
+    QCOMPARE(ranges(bed).count(QStringLiteral("0-65535")), 1);
+    // A part of a file is never stored.
+    QCOMPARE(hasFile(message, 0), end == 0);
+
+    if (end != 0)
+        QCOMPARE(bed.downloadPart(message, fileLocation(0)), 0);
+    QCOMPARE(fileOnDevice(message, 0), file);
+}
+
+void FetchStatusTest::messagesAreAnsweredOnceWith()
+{
+    QFETCH(int, code);
+    QFETCH(int, end);
+    QFETCH(QString, text);
+    QFETCH(int, requests);
+    SyncTestBed bed;
+    const qulonglong message = receives(bed, { bytesOf(1000) });
+    QVERIFY(message != 0);
+    bed.server().overrideNext(fetchCommand(), Override::topStatus(code));
+    const QStringList before = bed.deviceState();
+    {
+        const LogCollector log;
+        QCOMPARE(bed.downloadMessages({ message }, false), end);
+        QVERIFY2(log.contains(text), qPrintable(log.texts().join(QLatin1Char('\n'))));
+    }
+    QCOMPARE(count(bed, "ItemOperations"), requests);
+    QCOMPARE(bed.deviceState(), before);
+    QVERIFY(nextSyncRepairs(bed));
+    QCOMPARE(bed.downloadMessages({ message }, false), 0);
+}
+
+void FetchStatusTest::aServerThatNeverHasTimeEndsIt()
+{
+    QFETCH(bool, whole);
+    SyncTestBed bed;
+    const qulonglong message = receives(bed, { bytesOf(1000) });
+    bed.server().overrideAll(fetchCommand(), Override::topStatus(111));
+    const LogCollector log;
+    QCOMPARE(
+        whole ? bed.downloadMessages({ message }, true) : bed.downloadPart(message, fileLocation(0)), 111);
+    QVERIFY(log.contains(QStringLiteral("no more attempts, failing request")));
+    QCOMPARE(count(bed, "ItemOperations"), 6);
+    QVERIFY(!hasFile(message, 0));
+}
+
+void FetchStatusTest::aReplyThatIsNoneEndsIt()
+{
+    QFETCH(bool, whole);
+    SyncTestBed bed;
+    const qulonglong message = receives(bed, { bytesOf(1000) });
+    const QByteArray wbxml = "application/vnd.ms-sync.wbxml";
+    bed.server().overrideNext(fetchCommand(), Override::bytes("\x03\x01\x6a\x00\xff\xff", wbxml));
+    QCOMPARE(
+        whole ? bed.downloadMessages({ message }, true) : bed.downloadPart(message, fileLocation(0)), -2);
+    QCOMPARE(count(bed, "ItemOperations"), 1);
+    QVERIFY(!hasFile(message, 0));
+}
+
+void FetchStatusTest::aSuccessWithoutAFileIsAFailure()
+{
+    SyncTestBed bed;
+    const qulonglong message = receives(bed, { bytesOf(1000) });
+    bed.server().overrideNext(fetchCommand(), Override::topStatus(1));
+    const LogCollector log;
+    QCOMPARE(bed.downloadPart(message, fileLocation(0)), -2);
+    QVERIFY(log.contains(QStringLiteral("The part of data was not received")));
+    QVERIFY(!hasFile(message, 0));
+}
+
+void FetchStatusTest::aFileThatIsRefusedEndsItWithThatStatus()
+{
+    SyncTestBed bed;
+    const qulonglong message = receives(bed, { bytesOf(1000) });
+    bed.server().overrideNext(fetchCommand(), Override::document(singleForm(message, QByteArray(), 1, 15)));
+    QCOMPARE(bed.downloadPart(message, fileLocation(0)), 15);
+    QVERIFY(!hasFile(message, 0));
+}
+
+void FetchStatusTest::aFileThatTheServerHasNoMoreIsNotStored()
+{
+    SyncTestBed bed;
+    const qulonglong message = receives(bed, { bytesOf(1000) });
+    bed.server().overrideNext(fetchCommand(), Override::itemStatus(15));
+    const LogCollector log;
+    // A reply in parts without the part of the file does not say more than that.
+    QCOMPARE(bed.downloadPart(message, fileLocation(0)), -2);
+    QVERIFY(log.contains(QStringLiteral("The parts should be in pairs:")));
+    QVERIFY(!hasFile(message, 0));
+}
+
+void FetchStatusTest::aMessageThatIsRefusedEndsItWithThatStatus()
+{
+    SyncTestBed bed;
+    bed.mailbox().deliver(bed.mailbox().inboxId(), SyncTestBed::message(QStringLiteral("plain")));
+    const qulonglong message = receives(bed, { bytesOf(1000) });
+    const qulonglong plain = bed.deviceMessage(QStringLiteral("plain")).toULongLong();
+    const QStringList before = bed.deviceState();
+    bed.server().overrideNext(fetchCommand(), Override::itemStatus(6));
+
+    QCOMPARE(bed.downloadMessages({ message, plain }, true), 6);
+
+    // The files of what was refused are not asked for either.
+    QCOMPARE(count(bed, "ItemOperations"), 1);
+    QCOMPARE(bed.deviceState(), before);
+    QVERIFY(!hasFile(message, 0));
+}
+
+FENNEL_REGISTER_TEST(FetchStatusTest)
+#include "fetchstatustest.moc"
