@@ -142,8 +142,10 @@ void FetchMessagesRequest::processCommandSuccess()
     resetTimeoutFactor();
     clearRetries();
     setStatus(RequestStatusSuccess);
+    // A message that was asked for and not even refused is no success.
+    const bool isComplete = mCommand->fetchItems().size() >= mPendingFolders.first().size();
     const bool updated = mLocation.isEmpty() ? updateMessages() : updateBody();
-    if (!updated)
+    if (!updated || !isComplete)
         return completeWith(RequestStatusInternalError);
     setStatus(firstItemFailure());
     dropCommand();

@@ -10,8 +10,13 @@
 #include "requests/folderhierarchychanges.h"
 
 FolderSyncRequest::FolderSyncRequest(EasAccountId accountId, quint64 requestId, QObject *parent)
-    : Request(accountId, requestId, parent)
+    : HierarchyRequest(accountId, requestId, parent)
 {
+}
+
+const FolderSyncCommand &FolderSyncRequest::folderSync() const
+{
+    return *qobject_cast<FolderSyncCommand *>(currentCommand());
 }
 
 QString FolderSyncRequest::commandName() const
@@ -25,40 +30,11 @@ void FolderSyncRequest::startRequest()
         qCCritical(eas()) << "No account";
         return completeWith(RequestStatusInternalError);
     }
-    const QString key = EasDatabase::instance()->folderSyncKey(accountId());
-    if (EasDatabase::instance()->lookupFailed()) {
-        qCCritical(eas()) << "failed to read the folder sync key from EAS DB";
-        return completeWith(RequestStatusInternalError);
-    }
-    dropCommand();
-    mCommand = new FolderSyncCommand(accountId(), this);
-    connect(mCommand, &FolderSyncCommand::finished, this, &FolderSyncRequest::handleFinished);
-    mCommand->setSyncKey(key);
-    mCommand->start();
+    FolderSyncCommand *command = newFolderSyncCommand();
+    if (!command)
+        return;
+    command->start();
     Q_EMIT syncStarted(accountId(), id());
-}
-
-void FolderSyncRequest::cancelRequest()
-{
-    if (mCommand)
-        mCommand->stop();
-}
-
-void FolderSyncRequest::reportRequestCompleted()
-{
-    if (hasEnded())
-        return;
-    Q_EMIT syncCompleted(accountId(), id(), status());
-    Request::reportRequestCompleted();
-}
-
-void FolderSyncRequest::dropCommand()
-{
-    if (!mCommand)
-        return;
-    mCommand->disconnect(this);
-    mCommand->deleteLater();
-    mCommand.clear();
 }
 
 void FolderSyncRequest::retrySend()
@@ -69,13 +45,18 @@ void FolderSyncRequest::retrySend()
     startRequest();
 }
 
+void FolderSyncRequest::onCommandFinished(bool success)
+{
+    handleFinished(success);
+}
+
 void FolderSyncRequest::handleFinished(bool success)
 {
     qCInfo(eas()) << "FolderSyncRequest finished with success: " << success;
-    if (!mCommand)
+    if (!currentCommand())
         qCCritical(eas()) << "No command object";
-    if (!acceptResult(mCommand, success)) {
-        if (mCommand)
+    if (!acceptResult(currentCommand(), success)) {
+        if (currentCommand())
             qCInfo(eas()) << "Provision request required";
         return dropCommand();
     }
@@ -115,7 +96,7 @@ void FolderSyncRequest::handleFinished(bool success)
 
 void FolderSyncRequest::processSuccess()
 {
-    if (mCommand->syncKey() == ProtocolUtils::InitialSyncKey) {
+    if (folderSync().syncKey() == ProtocolUtils::InitialSyncKey) {
         // An empty answer to the first FolderSync tells nothing; it is asked for again, and counted.
         setStatus(RequestStatusInternalError);
         return startResendTimer();
@@ -145,7 +126,7 @@ bool FolderSyncRequest::processResponse()
     EasAccount *easAccount = account();
     if (!easAccount)
         return fail("No account");
-    FolderHierarchyChanges changes(*easAccount, *mCommand);
+    FolderHierarchyChanges changes(*easAccount, folderSync());
     const bool stored = changes.isReady()
         && changes.updateStores(FolderHierarchyChanges::OnFailure::Stop, "can't update mail folders");
     if (!stored) {
@@ -156,7 +137,7 @@ bool FolderSyncRequest::processResponse()
     if (!changes.updateDatabase())
         return fail("failed to update folders in EAS DB");
     // The key is the last thing written: whatever stops us before makes the server repeat its answer.
-    EasDatabase::instance()->setFolderSyncKey(accountId(), mCommand->syncKey());
+    EasDatabase::instance()->setFolderSyncKey(accountId(), folderSync().syncKey());
     return true;
 }
 
@@ -172,17 +153,4 @@ void FolderSyncRequest::processWrongSyncKey()
     }
     mResyncRequested = true;
     startRequest();
-}
-
-void FolderSyncRequest::processFolderSyncServerError()
-{
-    if (mRetryCount > ProtocolUtils::CommandMaxRetriesCount) {
-        qCWarning(eas()) << "FolderSync command failed again, no more retries";
-        return complete();
-    }
-    if (mRetryCount == ProtocolUtils::CommandMaxRetriesCount) {
-        EasDatabase::instance()->setFolderSyncKey(accountId(), ProtocolUtils::InitialSyncKey);
-        EasDatabase::instance()->clearAccount(accountId());
-    }
-    startResendTimer();
 }

@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
-#include "requests/request.h"
-
-#include <QPointer>
+#include "requests/hierarchyrequest.h"
 
 class FolderSyncCommand;
 
@@ -14,7 +12,7 @@ class FolderSyncCommand;
  * resyncFolders() asks the RequestManager for a full sync under the same identifier. Queued and owned by the
  * RequestManager. Main thread only.
  */
-class FolderSyncRequest : public Request
+class FolderSyncRequest : public HierarchyRequest
 {
     Q_OBJECT
 
@@ -25,27 +23,20 @@ public Q_SLOTS:
     void retrySend() override;
 
 Q_SIGNALS:
-    void syncStarted(EasAccountId accountId, qulonglong requestId);
-    void syncCompleted(EasAccountId accountId, qulonglong requestId, int status);
     void resyncFolders(EasAccountId accountId, qulonglong requestId);
 
 protected:
     void startRequest() override;
-    void cancelRequest() override;
-    void reportRequestCompleted() override;
     QString commandName() const override;
 
-protected Q_SLOTS:
+    void onCommandFinished(bool success) override;
     virtual void handleFinished(bool success);
 
 private:
-    void dropCommand();
+    const FolderSyncCommand &folderSync() const;
     void processSuccess();
     bool processResponse();
     void processWrongSyncKey();
-    void processFolderSyncServerError();
 
-    QPointer<FolderSyncCommand> mCommand;
-    int mRetryCount = 0;
     bool mResyncRequested = false;
 };

@@ -59,7 +59,7 @@ constexpr SyncRequest::SyncTexts continuingSyncTexts = {
 } // namespace
 
 SyncRequest::SyncRequest(EasAccountId accountId, quint64 requestId, QObject *parent)
-    : Request(accountId, requestId, parent)
+    : HierarchyRequest(accountId, requestId, parent)
 {
 }
 
@@ -83,24 +83,6 @@ QString SyncRequest::commandName() const
     return ProtocolUtils::CommandSync;
 }
 
-template <typename Command> Command *SyncRequest::newCommand()
-{
-    dropCommand();
-    auto *command = new Command(accountId(), this);
-    connect(command, &BaseProtocolCommand::finished, this, &SyncRequest::onCommandFinished);
-    mCommand = command;
-    return command;
-}
-
-void SyncRequest::dropCommand()
-{
-    if (!mCommand)
-        return;
-    mCommand->disconnect(this);
-    mCommand->deleteLater();
-    mCommand.clear();
-}
-
 void SyncRequest::startRequest()
 {
     EasAccount *easAccount = account();
@@ -115,19 +97,12 @@ void SyncRequest::startRequest()
     Q_EMIT syncStarted(accountId(), id());
 }
 
-void SyncRequest::cancelRequest()
-{
-    if (mCommand)
-        mCommand->stop();
-}
-
 void SyncRequest::reportRequestCompleted()
 {
     if (hasEnded())
         return;
     mRequestState = StateIdle;
-    Q_EMIT syncCompleted(accountId(), id(), status());
-    Request::reportRequestCompleted();
+    HierarchyRequest::reportRequestCompleted();
 }
 
 void SyncRequest::resumeRequest(bool success)
@@ -167,8 +142,8 @@ void SyncRequest::retrySend()
 
 void SyncRequest::onCommandFinished(bool success)
 {
-    if (!acceptResult(mCommand, success)) {
-        if (mCommand)
+    if (!acceptResult(currentCommand(), success)) {
+        if (currentCommand())
             qCInfo(eas()) << "Provision request started";
         return dropCommand();
     }
@@ -239,14 +214,10 @@ bool SyncRequest::mayStartOver()
 
 void SyncRequest::startFolderSyncCommand()
 {
-    const QString key = EasDatabase::instance()->folderSyncKey(accountId());
-    // An unread key is not the key of a new account.
-    if (EasDatabase::instance()->lookupFailed()) {
-        qCCritical(eas()) << "failed to read the folder sync key from EAS DB";
-        return completeWith(RequestStatusInternalError);
-    }
-    auto *command = newCommand<FolderSyncCommand>();
-    command->setSyncKey(key);
+    FolderSyncCommand *command = newFolderSyncCommand();
+    if (!command)
+        return;
+    const QString key = command->syncKey();
     mRequestState =
         key.isEmpty() || key == ProtocolUtils::InitialSyncKey ? StateInitialFolderSync : StateFolderSync;
     command->start();
@@ -255,7 +226,7 @@ void SyncRequest::startFolderSyncCommand()
 void SyncRequest::processFolderSyncFinished(bool success)
 {
     qCInfo(eas()) << "FolderSync command finished: " << success;
-    const auto *command = qobject_cast<FolderSyncCommand *>(mCommand);
+    const auto *command = qobject_cast<FolderSyncCommand *>(currentCommand());
     if (!command) {
         qCCritical(eas()) << "FolderSync command object is not available";
         return completeWith(RequestStatusInternalError);
@@ -349,21 +320,6 @@ void SyncRequest::restartFromAccount()
     startFolderSyncCommand();
 }
 
-void SyncRequest::processFolderSyncServerError()
-{
-    if (mRetryCount > ProtocolUtils::CommandMaxRetriesCount) {
-        qCWarning(eas()) << "FolderSync command failed again, no more retries";
-        return complete();
-    }
-    if (mRetryCount == ProtocolUtils::CommandMaxRetriesCount) {
-        EasDatabase::instance()->setFolderSyncKey(accountId(), ProtocolUtils::InitialSyncKey);
-        EasDatabase::instance()->clearAccount(accountId());
-    } else {
-        qCInfo(eas()) << "FolderSync command retry. Attempt: " << mRetryCount;
-    }
-    startResendTimer();
-}
-
 void SyncRequest::initializeSyncCollections()
 {
     const QStringList chosen = SyncFolderSelection(*account()).serverIds(mSyncService, mSyncFolders);
@@ -407,7 +363,7 @@ bool SyncRequest::startMoveItemsCommand()
 void SyncRequest::processMoveItemsFinished(bool success)
 {
     qCInfo(eas()) << "MoveItems command finished: " << success;
-    const auto *command = qobject_cast<MoveItemsCommand *>(mCommand);
+    const auto *command = qobject_cast<MoveItemsCommand *>(currentCommand());
     if (!command) {
         qCCritical(eas()) << "MoveItems command object is not available";
         return completeWith(RequestStatusInternalError);
@@ -537,7 +493,7 @@ bool SyncRequest::startCollectionsResync()
 void SyncRequest::processInitialSyncFinished(bool success)
 {
     qCInfo(eas()) << "Initial Sync command finished: " << success;
-    const auto *command = qobject_cast<SyncCommand *>(mCommand);
+    const auto *command = qobject_cast<SyncCommand *>(currentCommand());
     if (!command) {
         setStatus(RequestStatusInternalError);
         qCCritical(eas()) << "Sync command object is not available";
@@ -582,7 +538,7 @@ void SyncRequest::storeInitialKeys(const SyncCommand &command)
 void SyncRequest::processSyncFinished(bool success)
 {
     qCInfo(eas()) << "Sync command finished: " << success;
-    const auto *command = qobject_cast<SyncCommand *>(mCommand);
+    const auto *command = qobject_cast<SyncCommand *>(currentCommand());
     if (!command) {
         setStatus(RequestStatusInternalError);
         qCCritical(eas()) << "Sync command object is not available";
@@ -752,7 +708,7 @@ void SyncRequest::processSyncCommandInvalidSyncKeyError()
 
 void SyncRequest::addCommandToResync()
 {
-    const auto *command = qobject_cast<SyncCommand *>(mCommand);
+    const auto *command = qobject_cast<SyncCommand *>(currentCommand());
     const QList<SyncCollection> sent = command ? command->collections() : QList<SyncCollection>();
     for (const SyncCollection &collection : sent)
         SyncState::addOnce(mSync.collectionsToResync, collection.id());

@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
-#include "requests/request.h"
+#include "requests/hierarchyrequest.h"
 #include "requests/syncstate.h"
 
-#include <QPointer>
 #include <QStringList>
 
 class FolderSyncCommand;
@@ -23,7 +22,7 @@ class SyncCommand;
  * Queued and owned by RequestManager; started once. Every way back to an earlier phase is counted, so that
  * no answer of a server makes it run for ever. Main thread only.
  */
-class SyncRequest : public Request
+class SyncRequest : public HierarchyRequest
 {
     Q_OBJECT
 
@@ -46,18 +45,12 @@ public Q_SLOTS:
     void startSyncCommand();
     bool startMoveItemsCommand();
 
-Q_SIGNALS:
-    void syncStarted(EasAccountId accountId, qulonglong requestId);
-    void syncCompleted(EasAccountId accountId, qulonglong requestId, int status);
-
 protected:
     void startRequest() override;
-    void cancelRequest() override;
     void reportRequestCompleted() override;
     QString commandName() const override;
 
-protected Q_SLOTS:
-    virtual void onCommandFinished(bool success);
+    void onCommandFinished(bool success) override;
 
 private:
     enum RequestState {
@@ -70,8 +63,6 @@ private:
         StateMoveItems
     };
 
-    template <typename Command> Command *newCommand();
-    void dropCommand();
     void dispatch(bool success);
     void reportProgress(int percent);
     void succeedPhase();
@@ -82,7 +73,6 @@ private:
     void applyFolderChanges(const FolderSyncCommand &command);
     void continueAfterFolderSync(const FolderSyncCommand &command);
     void processWrongFolderSyncKey();
-    void processFolderSyncServerError();
     void initializeSyncCollections();
 
     void processMoveItemsFinished(bool success);
@@ -109,7 +99,6 @@ private:
     void addCommandToResync();
     void restartFromAccount();
 
-    int mRetryCount = 0;
     int mRestarts = 0;
     RequestState mRequestState = StateIdle;
     int mSyncService = 0;
@@ -119,6 +108,5 @@ private:
     int mIdleReplies = 0;
     /** Of a collection that failed while others were still to be repeated. */
     int mFailureStatus = 0;
-    QPointer<BaseProtocolCommand> mCommand;
     SyncState mSync;
 };

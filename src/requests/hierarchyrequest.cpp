@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "requests/hierarchyrequest.h"
+
+#include "application/easdatabase.h"
+#include "application/logging.h"
+#include "protocol/foldersynccommand.h"
+#include "protocol/protocolutils.h"
+
+void HierarchyRequest::cancelRequest()
+{
+    if (mCommand)
+        mCommand->stop();
+}
+
+void HierarchyRequest::reportRequestCompleted()
+{
+    if (hasEnded())
+        return;
+    Q_EMIT syncCompleted(accountId(), id(), status());
+    Request::reportRequestCompleted();
+}
+
+void HierarchyRequest::takeCommand(BaseProtocolCommand *command)
+{
+    dropCommand();
+    connect(
+        command, &BaseProtocolCommand::finished, this, [this](bool success) { onCommandFinished(success); });
+    mCommand = command;
+}
+
+void HierarchyRequest::dropCommand()
+{
+    if (!mCommand)
+        return;
+    mCommand->disconnect(this);
+    mCommand->deleteLater();
+    mCommand.clear();
+}
+
+FolderSyncCommand *HierarchyRequest::newFolderSyncCommand()
+{
+    const QString key = EasDatabase::instance()->folderSyncKey(accountId());
+    // An unread key is not the key of a new account.
+    if (EasDatabase::instance()->lookupFailed()) {
+        qCCritical(eas()) << "failed to read the folder sync key from EAS DB";
+        completeWith(RequestStatusInternalError);
+        return nullptr;
+    }
+    auto *command = newCommand<FolderSyncCommand>();
+    command->setSyncKey(key);
+    return command;
+}
+
+void HierarchyRequest::processFolderSyncServerError()
+{
+    if (mRetryCount > ProtocolUtils::CommandMaxRetriesCount) {
+        qCWarning(eas()) << "FolderSync command failed again, no more retries";
+        return complete();
+    }
+    if (mRetryCount == ProtocolUtils::CommandMaxRetriesCount) {
+        EasDatabase::instance()->setFolderSyncKey(accountId(), ProtocolUtils::InitialSyncKey);
+        EasDatabase::instance()->clearAccount(accountId());
+    } else {
+        qCInfo(eas()) << "FolderSync command retry. Attempt: " << mRetryCount;
+    }
+    startResendTimer();
+}
