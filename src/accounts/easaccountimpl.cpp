@@ -296,6 +296,9 @@ bool EasAccountImpl::isReady() const
 void EasAccountImpl::credentialsNeedUpdate()
 {
     qInfo() << "fennel-eas: setting CredentialsNeedUpdate on account:" << id();
+    // Written once: a mark that is set again could undo a new password that is being stored right now.
+    if (isCredentialsNeedUpdate())
+        return;
     const AccountRecord::Values mark { { credentialsNeedUpdateKey, true },
         { credentialsNeedUpdateFromKey, QStringLiteral("fenel-eas") } };
     if (!mRecord.write(mailService(), mark))
