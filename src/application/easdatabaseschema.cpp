@@ -171,7 +171,8 @@ bool EasDatabase::upgradeDbFrom(int version)
         return false;
     }
     for (int reached = version; reached < LatestVersion; ++reached) {
-        if (!(this->*steps[reached - FirstVersion])())
+        const Step step = steps[reached - FirstVersion];
+        if (!(this->*step)())
             return false;
     }
     return true;

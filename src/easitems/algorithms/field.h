@@ -29,8 +29,9 @@ template <class Item> struct Field
     const char *refusal = nullptr;
     /** Appends to the encoder's current node unless the value is unset. Null: never sent. */
     Give give = nullptr;
-    ExchangeActiveSync::ProtocolVersion since = ExchangeActiveSync::ProtocolVersionUnknown;
-    ExchangeActiveSync::ProtocolVersion before = ExchangeActiveSync::ProtocolVersion(0xFFFF);
+    // Versions compare as integers; the upper end is none of them.
+    int since = ExchangeActiveSync::ProtocolVersionUnknown;
+    int before = 0xFFFF;
 
     /** Sent at this protocol version and above. */
     constexpr Field from(ExchangeActiveSync::ProtocolVersion version) const
