@@ -16,7 +16,7 @@
 
 namespace {
 
-constexpr int Patience = 60000;
+constexpr int Patience = 180000;
 
 /** Dies with the test, however that ends. */
 class Process : public QProcess

@@ -76,7 +76,7 @@ private:
     FastClock mClock;
     AccountFactory mAccounts;
     EasAccountId mAccountId = 0;
-    int mPatience = 60000;
+    int mPatience = 180000;
     qulonglong mLastRequestId = 0;
     QMultiMap<qulonglong, int> mFinished;
 };
