@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "internal/changenotifier.h"
 
-#include "internal/sessionbus.h"
+#include "support/sessionbus.h"
 
 #include <qmailstore.h>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "internal/sessionbus.h"
+#include "support/sessionbus.h"
 
 #include <QFileInfo>
 #include <QtGlobal>

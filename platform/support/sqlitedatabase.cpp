@@ -1,0 +1,189 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "support/sqlitedatabase.h"
+
+#include <QDebug>
+#include <QDir>
+#include <QFileInfo>
+#include <QSqlError>
+#include <QUuid>
+
+namespace {
+
+const int maxStatements = 128;
+
+} // namespace
+
+SqliteDatabase::SqliteDatabase(const QString &name)
+    : mName(name)
+    , mConnectionName(name + QLatin1Char('-') + QUuid::createUuid().toString(QUuid::WithoutBraces))
+{
+}
+
+SqliteDatabase::~SqliteDatabase()
+{
+    mStatements.clear();
+    mDatabase.close();
+    mDatabase = QSqlDatabase();
+    QSqlDatabase::removeDatabase(mConnectionName);
+}
+
+bool SqliteDatabase::open(const QString &fileName, const Schema &schema)
+{
+    const QString folder = QFileInfo(fileName).path();
+    if (!QDir().mkpath(folder)) {
+        qWarning().noquote() << mName << "cannot create the folder" << folder;
+        return false;
+    }
+    mDatabase = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), mConnectionName);
+    mDatabase.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=30000"));
+    mDatabase.setDatabaseName(fileName);
+    if (!mDatabase.open()) {
+        qWarning().noquote() << mName << "cannot open" << fileName << mDatabase.lastError().text();
+        return false;
+    }
+    // One sync to disk a transaction: what a caller was told is stored also outlives a power cut.
+    mOpen = run(QStringLiteral("PRAGMA journal_mode = WAL"))
+        && run(QStringLiteral("PRAGMA synchronous = FULL")) && createSchema(schema);
+    if (!mOpen)
+        mDatabase.close();
+    return mOpen;
+}
+
+bool SqliteDatabase::createSchema(const Schema &schema)
+{
+    mOpen = true; // As far as transactions need it.
+    const QString versionQuery = QStringLiteral("PRAGMA user_version");
+    if (value(versionQuery).toInt() == schema.version)
+        return true;
+    Transaction transaction(*this);
+    if (!transaction.isActive())
+        return false;
+    // Another process may have been quicker.
+    const int version = value(versionQuery).toInt();
+    if (version == schema.version)
+        return true;
+    if (version != 0) {
+        qWarning().noquote() << mName << "has version" << version << "but this library knows"
+                             << schema.version;
+        return false;
+    }
+    for (const char *statement : schema.statements) {
+        if (!run(QLatin1String(statement)))
+            return false;
+    }
+    return run(QStringLiteral("PRAGMA user_version = %1").arg(schema.version)) && transaction.commit();
+}
+
+bool SqliteDatabase::execute(const QString &sql, const QVariantList &values, QSqlQuery *&query)
+{
+    if (!mDatabase.isOpen()) {
+        noteResult(Failed);
+        return false;
+    }
+    auto found = mStatements.find(sql);
+    if (found == mStatements.end()) {
+        if (mStatements.size() >= maxStatements)
+            mStatements.clear();
+        QSqlQuery prepared(mDatabase);
+        prepared.setForwardOnly(true);
+        if (!prepared.prepare(sql))
+            return fail(prepared);
+        found = mStatements.insert(sql, prepared);
+    }
+    query = &found.value();
+    for (int i = 0; i < values.size(); ++i) {
+        // The driver knows no unsigned 64-bit numbers and would bind a text.
+        const bool isUnsigned = values.at(i).type() == QVariant::ULongLong;
+        query->bindValue(i, isUnsigned ? QVariant(values.at(i).toLongLong()) : values.at(i));
+    }
+    if (!query->exec()) {
+        fail(*query);
+        query->finish();
+        return false;
+    }
+    noteResult(Succeeded);
+    return true;
+}
+
+bool SqliteDatabase::run(const QString &sql, const QVariantList &values)
+{
+    QSqlQuery *query = nullptr;
+    if (!execute(sql, values, query))
+        return false;
+    mLastInsertId = query->lastInsertId().toULongLong();
+    mChangedRows = query->numRowsAffected();
+    query->finish();
+    return true;
+}
+
+bool SqliteDatabase::select(const QString &sql, const QVariantList &values, const RowHandler &row)
+{
+    QSqlQuery *query = nullptr;
+    if (!execute(sql, values, query))
+        return false;
+    // The handler may ask the database too, so the statement leaves the cache while it is in use.
+    QSqlQuery own = *query;
+    mStatements.remove(sql);
+    while (own.next())
+        row(own);
+    own.finish();
+    mStatements.insert(sql, own);
+    return true;
+}
+
+QList<quint64> SqliteDatabase::numbers(const QString &sql, const QVariantList &values)
+{
+    QList<quint64> list;
+    select(sql, values, [&list](const QSqlQuery &row) { list.append(row.value(0).toULongLong()); });
+    return list;
+}
+
+QVariant SqliteDatabase::value(const QString &sql, const QVariantList &values)
+{
+    QVariant result;
+    select(sql, values, [&result](const QSqlQuery &row) {
+        if (!result.isValid())
+            result = row.value(0);
+    });
+    return result;
+}
+
+void SqliteDatabase::noteResult(Result) {}
+
+bool SqliteDatabase::fail(const QSqlQuery &query)
+{
+    const int constraint = 19;
+    const int code = query.lastError().nativeErrorCode().toInt() & 0xff;
+    if (code != constraint)
+        qWarning().noquote() << mName << query.lastError().text() << "in" << query.lastQuery();
+    noteResult(code == constraint ? ConstraintFailed : Failed);
+    return false;
+}
+
+void SqliteDatabase::rollBack()
+{
+    QSqlQuery statement(mDatabase);
+    if (!statement.exec(QStringLiteral("ROLLBACK")))
+        qWarning().noquote() << mName << statement.lastError().text() << "in ROLLBACK";
+}
+
+SqliteDatabase::Transaction::Transaction(SqliteDatabase &database)
+    : mDatabase(database)
+    , mActive(database.isOpen() && database.run(QStringLiteral("BEGIN IMMEDIATE")))
+{
+    if (!mActive)
+        mDatabase.noteResult(Failed);
+}
+
+SqliteDatabase::Transaction::~Transaction()
+{
+    if (mActive)
+        mDatabase.rollBack();
+}
+
+bool SqliteDatabase::Transaction::commit()
+{
+    if (mActive && mDatabase.run(QStringLiteral("COMMIT")))
+        mActive = false;
+    return !mActive;
+}
