@@ -15,14 +15,14 @@ enum BodyType { Plain = 1, Html = 2, Mime = 4 };
 
 struct Bodies
 {
-    const EmailContent &content;
     EmailBodies texts;
+    const EmailContent *content = nullptr; ///< of a message
 
     int nativeType() const { return texts.html.isEmpty() ? Plain : Html; }
     QByteArray bytes(int type) const
     {
         if (type == Mime)
-            return content.message();
+            return content ? content->message() : QByteArray();
         if (type == Plain)
             return texts.plain.toUtf8();
         return (texts.html.isEmpty() ? PlainText::toHtml(texts.plain) : texts.html).toUtf8();
@@ -67,7 +67,7 @@ const BodyPreference *choose(
     for (const BodyPreference &preference : wanted) {
         int rank = 1;
         if (preference.type == Mime)
-            rank = allowsMime(bodies.content, options) ? 3 : 0;
+            rank = bodies.content && allowsMime(*bodies.content, options) ? 3 : 0;
         else if (preference.type == bodies.nativeType())
             rank = 2;
         else if (preference.type != Plain && preference.type != Html)
@@ -129,11 +129,8 @@ WbxmlNode bodyWithoutData(const Bodies &bodies, int type)
     return body;
 }
 
-} // namespace
-
-QVector<WbxmlNode> BodyShape::elements(const EmailContent &content, const ItemShape &shape)
+QVector<WbxmlNode> elementsOf(const Bodies &bodies, const ItemShape &shape)
 {
-    const Bodies bodies { content, content.bodies() };
     const SyncOptions &options = shape.options;
     const QString bodyName = QStringLiteral("AirSyncBase:Body");
     QVector<WbxmlNode> result;
@@ -142,12 +139,33 @@ QVector<WbxmlNode> BodyShape::elements(const EmailContent &content, const ItemSh
         result.append(bodyElement(bodyName, bodies, preference, shape));
     else
         result.append(bodyWithoutData(bodies, bodies.nativeType()));
-    const BodyPreference *part = choose(options.bodyParts, bodies, options);
+    const BodyPreference *part = bodies.content ? choose(options.bodyParts, bodies, options) : nullptr;
     if (part && shape.version >= Version141)
         result.append(bodyElement(QStringLiteral("AirSyncBase:BodyPart"), bodies, part, shape));
     result.append(
         WbxmlNode(QStringLiteral("AirSyncBase:NativeBodyType"), QString::number(bodies.nativeType())));
     return result;
+}
+
+} // namespace
+
+QVector<WbxmlNode> BodyShape::elements(const EmailContent &content, const ItemShape &shape)
+{
+    return elementsOf({ content.bodies(), &content }, shape);
+}
+
+QVector<WbxmlNode> BodyShape::elements(const EmailBodies &texts, const ItemShape &shape)
+{
+    return elementsOf({ texts, nullptr }, shape);
+}
+
+std::optional<QString> BodyShape::uploadedText(const WbxmlNode &body)
+{
+    const WbxmlNode data = body.at(QStringLiteral("Data"));
+    if (data.isNull())
+        return std::nullopt;
+    const QString text = QString::fromUtf8(data.bytes());
+    return body.text(QStringLiteral("Type")).toInt() == Html ? PlainText::fromHtml(text) : text;
 }
 
 } // namespace Simulator

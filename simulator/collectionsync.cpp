@@ -113,6 +113,7 @@ WbxmlNode CollectionSync::startAfresh(CollectionState &state)
 {
     state = CollectionState();
     state.options = SyncOptions::fromNode(mRequest.at(QStringLiteral("Options")));
+    state.supported = supportedElements();
     state.key = mContext.nextKey();
     return statusReply(Success, state.key);
 }
@@ -153,6 +154,17 @@ WbxmlNode CollectionSync::proceed(CollectionState &state, const QString &key)
     return reply;
 }
 
+std::optional<QSet<QString>> CollectionSync::supportedElements() const
+{
+    const WbxmlNode supported = mRequest.at(QStringLiteral("Supported"));
+    if (supported.isNull())
+        return std::nullopt;
+    QSet<QString> names;
+    for (const WbxmlNode &element : supported.children())
+        names.insert(element.name());
+    return names;
+}
+
 bool CollectionSync::wantsChanges() const
 {
     return mRequest.text(QStringLiteral("GetChanges")) != QLatin1String("0");
@@ -190,9 +202,19 @@ CollectionSync::Difference CollectionSync::differenceOf(
     return difference;
 }
 
+QVector<ItemEntry> CollectionSync::itemsOfTheClass() const
+{
+    const QString className = itemClassOf(mFolder.type);
+    QVector<ItemEntry> entries = mContext.mailbox.items(mId);
+    entries.erase(std::remove_if(entries.begin(), entries.end(),
+                      [&className](const ItemEntry &entry) { return entry.item->className() != className; }),
+        entries.end());
+    return entries;
+}
+
 QVector<WbxmlNode> CollectionSync::changes(CollectionState &state, bool *more)
 {
-    Difference difference = differenceOf(mContext.mailbox.items(mId), state);
+    Difference difference = differenceOf(itemsOfTheClass(), state);
     QVector<WbxmlNode> commands = removals(difference, state);
     int room = mWindow - commands.size();
     ItemShape shape { mContext.version(), QString(), mFolder.type == DraftsFolder, state.options, nullptr };

@@ -25,10 +25,13 @@ private:
     WbxmlNode statusReply(int status, const QString &key) const;
     WbxmlNode startAfresh(CollectionState &state);
     WbxmlNode proceed(CollectionState &state, const QString &key);
+    std::optional<QSet<QString>> supportedElements() const;
     bool wantsChanges() const;
     /** What differs between the folder and what the device knows of it. */
     struct Difference;
     static Difference differenceOf(const QVector<ItemEntry> &entries, const CollectionState &state);
+    /** What a device sees of the folder: among deleted messages there may be events that it does not. */
+    QVector<ItemEntry> itemsOfTheClass() const;
     QVector<WbxmlNode> removals(const Difference &difference, CollectionState &state) const;
     QVector<WbxmlNode> changes(CollectionState &state, bool *more);
     WbxmlNode itemNode(

@@ -54,6 +54,7 @@ struct CollectionState
     QString key;
     KnownItems known; ///< marked at previousKey
     SyncOptions options; ///< hold until the device sends others
+    std::optional<QSet<QString>> supported; ///< as named with key "0", see UploadShape
 
     QString previousKey;
     WbxmlNode lastRequest;

@@ -50,10 +50,10 @@ Email::Ptr Email::fromMessage(const QByteArray &message, const QDateTime &receiv
     return sealed(email);
 }
 
-Email::Ptr Email::fromElements(const WbxmlNode &applicationData)
+Email::Ptr Email::fromUpload(const WbxmlNode &applicationData, const UploadShape &upload)
 {
     const Ptr draft = fromMessage(draftMessage(applicationData), QDateTime::currentDateTimeUtc());
-    return std::static_pointer_cast<const Email>(draft->withRead(true)->withChanges(applicationData));
+    return std::static_pointer_cast<const Email>(draft->withRead(true)->withChanges(applicationData, upload));
 }
 
 int Email::flagStatus() const
@@ -105,7 +105,7 @@ QVector<WbxmlNode> Email::changedElements(const ItemState &known, const ItemShap
     return EmailShape::changed(*this, known, shape);
 }
 
-ItemPtr Email::withChanges(const WbxmlNode &applicationData) const
+ItemPtr Email::withChanges(const WbxmlNode &applicationData, const UploadShape &) const
 {
     auto changed = std::make_shared<Email>(*this);
     bool isContent = false;

@@ -17,7 +17,7 @@ public:
     /** From RFC 822 bytes; @p received defaults to the date of the message. A new message is unread. */
     static Ptr fromMessage(const QByteArray &message, const QDateTime &received = QDateTime());
     /** A draft as a 16.x client sends it. */
-    static Ptr fromElements(const WbxmlNode &applicationData);
+    static Ptr fromUpload(const WbxmlNode &applicationData, const UploadShape &upload);
 
     const EmailContent &content() const { return *mContent; }
     bool isRead() const { return mRead; }
@@ -34,7 +34,7 @@ public:
     ItemState state() const override { return mState; }
     QVector<WbxmlNode> elements(const ItemShape &shape) const override;
     QVector<WbxmlNode> changedElements(const ItemState &known, const ItemShape &shape) const override;
-    ItemPtr withChanges(const WbxmlNode &applicationData) const override;
+    ItemPtr withChanges(const WbxmlNode &applicationData, const UploadShape &upload) const override;
     QVector<ItemAttachment> attachments() const override { return mContent->attachments(); }
 
 private:

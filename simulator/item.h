@@ -11,6 +11,7 @@
 namespace Simulator {
 
 struct ItemShape;
+struct UploadShape;
 
 /** An attachment as a fetch by file reference gives it. */
 struct ItemAttachment
@@ -31,7 +32,7 @@ class Item;
 using ItemPtr = std::shared_ptr<const Item>;
 
 /**
- * One thing in a folder: a message, later an event or a contact.
+ * One thing in a folder: a message, an event, a contact, a task.
  *
  * Items are immutable and shared between threads; a change makes a new item. Elements are given in the shape
  * of one protocol version.
@@ -51,7 +52,7 @@ public:
     /** The elements that differ from what the device knows. */
     virtual QVector<WbxmlNode> changedElements(const ItemState &known, const ItemShape &shape) const = 0;
     /** The item with the fields that a client sent; null if they do not fit. */
-    virtual ItemPtr withChanges(const WbxmlNode &applicationData) const = 0;
+    virtual ItemPtr withChanges(const WbxmlNode &applicationData, const UploadShape &upload) const = 0;
     virtual QVector<ItemAttachment> attachments() const { return {}; }
 };
 

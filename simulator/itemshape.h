@@ -4,6 +4,9 @@
 #include "simulator/wbxmlnode.h"
 
 #include <QDateTime>
+#include <QSet>
+
+#include <optional>
 
 namespace Simulator {
 
@@ -41,6 +44,17 @@ struct ItemShape
     SyncOptions options;
     /** A multipart reply puts the data of bodies here. */
     QVector<QByteArray> *parts = nullptr;
+};
+
+/** How the fields of an upload are to be taken. */
+struct UploadShape
+{
+    int version = 0;
+    /** The elements that the device named as its own at the start; without a value it named none. */
+    std::optional<QSet<QString>> supported;
+
+    /** Whether the element is the device's to remove, by leaving it out. */
+    bool isManaged(const QString &element) const { return !supported || supported->contains(element); }
 };
 
 } // namespace Simulator

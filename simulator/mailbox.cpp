@@ -17,6 +17,7 @@ struct FolderContent
 {
     MailFolder folder;
     std::map<qint64, ItemEntry> items; ///< by the number in the server identifier
+    bool isReadOnly = false;
 };
 
 } // namespace
@@ -83,7 +84,7 @@ QString Mailbox::addFolder(const QString &name, int type, const QString &parentI
     if (parentId != QLatin1String("0") && !d->content(parentId))
         return QString();
     const QString id = QString::number(d->nextFolder++);
-    d->folders.push_back({ { id, parentId, name, type }, {} });
+    d->folders.push_back({ { id, parentId, name, type }, {}, false });
     return id;
 }
 
@@ -112,6 +113,22 @@ bool Mailbox::moveFolder(const QString &id, const QString &parentId)
     std::stable_partition(d->folders.begin(), d->folders.end(),
         [&moved](const FolderContent &entry) { return !moved.contains(entry.folder.id); });
     return true;
+}
+
+bool Mailbox::setReadOnly(const QString &id, bool isReadOnly)
+{
+    const QMutexLocker lock(&mMutex);
+    FolderContent *content = d->content(id);
+    if (content)
+        content->isReadOnly = isReadOnly;
+    return content;
+}
+
+bool Mailbox::isReadOnly(const QString &id) const
+{
+    const QMutexLocker lock(&mMutex);
+    const FolderContent *content = d->content(id);
+    return content && content->isReadOnly;
 }
 
 bool Mailbox::removeFolder(const QString &id)

@@ -4,10 +4,12 @@
 #include "simulator/item.h"
 
 #include <QMutex>
+#include <QMutexLocker>
 #include <QString>
 #include <QVector>
 
 #include <functional>
+#include <optional>
 
 namespace Simulator {
 
@@ -62,6 +64,9 @@ public:
         const QString &name, int type = UserMailFolder, const QString &parentId = QStringLiteral("0"));
     bool renameFolder(const QString &id, const QString &name);
     bool moveFolder(const QString &id, const QString &parentId);
+    /** Devices may read the folder and change nothing in it; each of their changes then fails. */
+    bool setReadOnly(const QString &id, bool isReadOnly);
+    bool isReadOnly(const QString &id) const;
     /** Removes the folder with its sub-folders and all items. */
     bool removeFolder(const QString &id);
     QVector<MailFolder> folders() const;
@@ -91,6 +96,11 @@ public:
     QVector<ItemEntry> items(const QString &folderId) const;
     ItemPtr item(const QString &serverId) const;
     int itemCount(const QString &folderId) const;
+    /** What the item holds, "value<ContactItem>(id)"; nothing if there is none or it is of another kind. */
+    template <class ItemType> std::optional<typename ItemType::Value> value(const QString &serverId) const;
+    /** Changes what the item holds; false if there is none or it is of another kind. */
+    template <class ItemType>
+    bool edit(const QString &serverId, const std::function<void(typename ItemType::Value &)> &change);
 
     /** Runs @p work with the mailbox standing still for all others. */
     void atomically(const std::function<void()> &work);
@@ -100,5 +110,23 @@ private:
     mutable QRecursiveMutex mMutex;
     std::unique_ptr<Data> d;
 };
+
+template <class ItemType>
+std::optional<typename ItemType::Value> Mailbox::value(const QString &serverId) const
+{
+    const auto found = std::dynamic_pointer_cast<const ItemType>(item(serverId));
+    return found ? std::make_optional(found->value()) : std::nullopt;
+}
+
+template <class ItemType>
+bool Mailbox::edit(const QString &serverId, const std::function<void(typename ItemType::Value &)> &change)
+{
+    const QMutexLocker lock(&mMutex);
+    auto changed = value<ItemType>(serverId);
+    if (!changed)
+        return false;
+    change(*changed);
+    return replaceItem(serverId, ItemType::make(*changed));
+}
 
 } // namespace Simulator

@@ -2,35 +2,16 @@
 #include "simulator/nodeitem.h"
 
 #include <algorithm>
-#include <atomic>
 
 namespace Simulator {
-namespace {
-
-std::atomic<quint64> lastSerial { 0 };
-
-} // namespace
 
 NodeItem::NodeItem(const QString &className, const QVector<WbxmlNode> &elements)
     : mClassName(className)
     , mElements(elements)
-    , mState { { QStringLiteral("Content"), QByteArray::number(++lastSerial) } }
 {
 }
 
-QDateTime NodeItem::date() const
-{
-    const WbxmlNode all(QStringLiteral("Calendar:"), mElements);
-    // A series never grows too old for a filter.
-    if (all.has(QStringLiteral("Recurrence")))
-        return QDateTime();
-    QDateTime end = QDateTime::fromString(
-        all.text(QStringLiteral("EndTime")).remove(QLatin1Char('Z')), QStringLiteral("yyyyMMddTHHmmss"));
-    end.setTimeSpec(Qt::UTC);
-    return end;
-}
-
-ItemPtr NodeItem::withChanges(const WbxmlNode &applicationData) const
+ItemPtr NodeItem::withChanges(const WbxmlNode &applicationData, const UploadShape &) const
 {
     QVector<WbxmlNode> changed = mElements;
     for (const WbxmlNode &field : applicationData.children()) {

@@ -2,6 +2,7 @@
 #include "simulator/syncuploads.h"
 
 #include "simulator/collectionsync.h"
+#include "simulator/contactitem.h"
 #include "simulator/email.h"
 #include "simulator/nodeitem.h"
 #include "simulator/protocolversion.h"
@@ -69,6 +70,14 @@ int SyncUploads::forcedStatus(const QString &id) const
     return forced.applies(id) ? forced.value : 0;
 }
 
+int SyncUploads::statusBefore(const QString &id) const
+{
+    const int forced = forcedStatus(id);
+    if (forced != 0)
+        return forced;
+    return mContext.mailbox.isReadOnly(mFolder.id) ? int(BadItem) : 0;
+}
+
 WbxmlNode SyncUploads::failure(const QString &element, const QString &serverId, int status) const
 {
     WbxmlNode node(element);
@@ -80,16 +89,18 @@ WbxmlNode SyncUploads::failure(const QString &element, const QString &serverId, 
 ItemPtr SyncUploads::newItem(const WbxmlNode &data) const
 {
     const QString className = itemClassOf(mFolder.type);
+    if (className == QLatin1String("Contacts"))
+        return ContactItem::fromUpload(data, uploadShape());
     if (className != QLatin1String("Email"))
         return std::make_shared<NodeItem>(className, data.children());
     const bool isDraft = mFolder.type == DraftsFolder && mContext.version() >= Version160;
-    return isDraft ? Email::fromElements(data) : nullptr;
+    return isDraft ? Email::fromUpload(data, uploadShape()) : nullptr;
 }
 
 WbxmlNode SyncUploads::add(const WbxmlNode &command)
 {
     const QString clientId = command.text(QStringLiteral("ClientId"));
-    int status = forcedStatus(clientId);
+    int status = statusBefore(clientId);
     QString serverId = mState.added.value(clientId);
     if (status == 0 && serverId.isEmpty()) {
         const ItemPtr item = newItem(command.at(QStringLiteral("ApplicationData")));
@@ -116,8 +127,9 @@ WbxmlNode SyncUploads::add(const WbxmlNode &command)
 WbxmlNode SyncUploads::change(const WbxmlNode &command)
 {
     const QString serverId = command.text(QStringLiteral("ServerId"));
-    const int forced = forcedStatus(serverId);
-    const int status = forced ? forced : applyChange(serverId, command.at(QStringLiteral("ApplicationData")));
+    const int refused = statusBefore(serverId);
+    const int status =
+        refused ? refused : applyChange(serverId, command.at(QStringLiteral("ApplicationData")));
     return status == Success ? WbxmlNode() : failure(QStringLiteral("AirSync:Change"), serverId, status);
 }
 
@@ -130,7 +142,7 @@ int SyncUploads::applyChange(const QString &serverId, const WbxmlNode &data)
     const bool isDraft = mFolder.type == DraftsFolder && mContext.version() >= Version160;
     if (item->className() == QLatin1String("Email") && !isDraft && !changesMarksAlone(data))
         return BadItem;
-    const ItemPtr changed = item->withChanges(data);
+    const ItemPtr changed = item->withChanges(data, uploadShape());
     if (!changed)
         return BadItem;
     ItemState known = mState.known.value(serverId);
@@ -151,8 +163,8 @@ int SyncUploads::applyChange(const QString &serverId, const WbxmlNode &data)
 WbxmlNode SyncUploads::remove(const WbxmlNode &command)
 {
     const QString serverId = command.text(QStringLiteral("ServerId"));
-    const int forced = forcedStatus(serverId);
-    const int status = forced ? forced : applyDelete(serverId);
+    const int refused = statusBefore(serverId);
+    const int status = refused ? refused : applyDelete(serverId);
     return status == Success ? WbxmlNode() : failure(QStringLiteral("AirSync:Delete"), serverId, status);
 }
 

@@ -29,6 +29,9 @@ private:
     int applyChange(const QString &serverId, const WbxmlNode &data);
     int applyDelete(const QString &serverId);
     ItemPtr newItem(const WbxmlNode &data) const;
+    UploadShape uploadShape() const { return { mContext.version(), mState.supported }; }
+    /** What the script or a folder that is only to be read makes of each change; 0 lets it go on. */
+    int statusBefore(const QString &id) const;
     int forcedStatus(const QString &id) const;
     WbxmlNode failure(const QString &element, const QString &serverId, int status) const;
 

@@ -98,8 +98,8 @@ QNetworkReply *SimulatorClient::send(const QString &command, const QString &xml)
 QString SimulatorClient::syncXml(const QString &folder, const QString &key, const QString &inner)
 {
     return QStringLiteral(
-        "<Sync xmlns='AirSync' xmlns:b='AirSyncBase' xmlns:e='Email' "
-        "xmlns:e2='Email2'><Collections><Collection>"
+        "<Sync xmlns='AirSync' xmlns:b='AirSyncBase' xmlns:e='Email' xmlns:e2='Email2' xmlns:c='Contacts' "
+        "xmlns:c2='Contacts2' xmlns:k='Calendar'><Collections><Collection>"
         "<SyncKey>%1</SyncKey><CollectionId>%2</CollectionId>%3</Collection></Collections></Sync>")
         .arg(key, folder, inner);
 }
@@ -107,7 +107,7 @@ QString SimulatorClient::syncXml(const QString &folder, const QString &key, cons
 WbxmlNode SimulatorClient::sync(const QString &folder, const QString &key, const QString &inner)
 {
     const bool needsClass = mVersion == QLatin1String("12.0");
-    const QString className = needsClass ? QStringLiteral("<Class>Email</Class>") : QString();
+    const QString className = needsClass ? QStringLiteral("<Class>%1</Class>").arg(mClass) : QString();
     return post(QStringLiteral("Sync"), syncXml(folder, key, className + inner))
         .document.at(QStringLiteral("Collections/Collection"));
 }

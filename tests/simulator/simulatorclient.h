@@ -30,6 +30,8 @@ public:
 
     void setCredentials(const QString &user, const QString &password);
     void setDevice(const QString &id) { mDevice = id; }
+    /** Of the folder that sync() works on, which 12.0 wants to be told; "Email" at first. */
+    void setClass(const QString &className) { mClass = className; }
     void setVersion(const QString &version) { mVersion = version; }
     const QString &version() const { return mVersion; }
     void setHeader(const QByteArray &name, const QByteArray &value) { mHeaders.append({ name, value }); }
@@ -58,6 +60,7 @@ private:
     QString mVersion;
     QString mUser = QStringLiteral("user");
     QString mPassword = QStringLiteral("secret");
+    QString mClass = QStringLiteral("Email");
     QString mDevice = QStringLiteral("device1");
     QString mQuery;
     Simulator::HttpHeaders mHeaders;

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "protocolfiles.h"
+#include "samplecontacts.h"
 #include "samplemessages.h"
 #include "simulatorclient.h"
 
+#include "simulator/contactitem.h"
 #include "simulator/protocolversion.h"
 #include "support/testmain.h"
 
@@ -136,13 +138,23 @@ private:
     static void playContacts(ExchangeServer &server, SimulatorClient &client)
     {
         const QString contacts = server.mailbox().folderOfType(ContactsFolder).id;
-        const QString add =
-            QStringLiteral("<Commands><Add><ClientId>c1</ClientId><ApplicationData>"
-                           "<FileAs xmlns='Contacts'>Ann</FileAs></ApplicationData></Add></Commands>");
-        client.sync(contacts, client.firstKey(contacts), add);
-        client.setDevice(QStringLiteral("device2"));
-        client.sync(contacts, client.firstKey(contacts));
-        client.setDevice(QStringLiteral("device1"));
+        server.mailbox().addItem(contacts, ContactItem::make(SampleContacts::full()));
+        server.mailbox().addItem(contacts, ContactItem::make(Contact()));
+        const QString commands = QStringLiteral(
+            "<Commands><Add><ClientId>c1</ClientId><ApplicationData><c:FileAs>Ann</c:FileAs>"
+            "</ApplicationData></Add><Add><ClientId>c2</ClientId><ApplicationData><e:Subject>no contact"
+            "</e:Subject></ApplicationData></Add></Commands>");
+        client.setClass(QStringLiteral("Contacts"));
+        QString key =
+            client.sync(contacts, client.firstKey(contacts), commands).text(QStringLiteral("SyncKey"));
+        const QString id = server.mailbox().items(contacts).first().serverId;
+        server.mailbox().edit<ContactItem>(
+            id, [](Contact &contact) { contact.setText(QStringLiteral("Title"), QStringLiteral("Dr")); });
+        const QString change =
+            QStringLiteral("<Commands><Change><ServerId>%1</ServerId><ApplicationData><c:Title>Prof</c:Title>"
+                           "</ApplicationData></Change><Fetch><ServerId>%1</ServerId></Fetch></Commands>");
+        client.sync(contacts, key, change.arg(id));
+        client.setClass(QStringLiteral("Email"));
     }
 
     static void playItems(ExchangeServer &server, SimulatorClient &client)
