@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "integration/statusscene.h"
+#include "support/soak.h"
 #include "support/testmain.h"
 
 using Simulator::Override;
@@ -24,9 +25,9 @@ void CutReplyTest::theReplyIsCutEverywhere_data()
 {
     QTest::addColumn<QString>("command");
     QTest::addColumn<int>("cuts");
-    QTest::newRow("of the folders") << QStringLiteral("FolderSync") << 12;
-    QTest::newRow("of the mail") << QStringLiteral("Sync") << 40;
-    QTest::newRow("of a move") << QStringLiteral("MoveItems") << 12;
+    QTest::newRow("of the folders") << QStringLiteral("FolderSync") << Soak::samples(12, 100);
+    QTest::newRow("of the mail") << QStringLiteral("Sync") << Soak::samples(40, 300);
+    QTest::newRow("of a move") << QStringLiteral("MoveItems") << Soak::samples(12, 100);
 }
 
 /** Something new, read, removed and moved on one side or the other, and a new folder. */

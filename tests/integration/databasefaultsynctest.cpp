@@ -1,14 +1,15 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "support/crashbed.h"
 #include "support/faultshim.h"
+#include "support/soak.h"
 #include "support/testmain.h"
 
 #include <QDir>
 #include <QtTest>
 
 /**
- * Any statement of the mapping database fails once during a sync. FENNEL_KILL_ALL=1 takes every statement;
- * otherwise they are walked through with a stride, to keep the run short.
+ * Any statement of the mapping database fails once during a sync. A soak takes every statement; otherwise
+ * they are walked through with a stride, to keep the run short.
  */
 class DatabaseFaultSyncTest : public QObject
 {
@@ -62,8 +63,7 @@ void DatabaseFaultSyncTest::theNextSyncMendsAFailedStatement()
 
     const int statements = plain.statements().size();
     QVERIFY(statements > 50);
-    const bool all = qEnvironmentVariableIntValue("FENNEL_KILL_ALL") == 1;
-    const int stride = all ? 1 : qMax(1, statements / RunsByDefault);
+    const int stride = qMax(1, statements / Soak::samples(RunsByDefault, statements));
     qInfo("%d statements, tried in strides of %d", statements, stride);
     QStringList failures;
     for (int number = 1; number <= statements; number += stride) {

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "support/crashbed.h"
+#include "support/soak.h"
 #include "support/testmain.h"
 
 #include <QtTest>
@@ -7,9 +8,8 @@
 #include <random>
 
 /**
- * The daemon dies at random moments between its start and the end of its sync: 200 of them over all stories.
- * FENNEL_KILL_SEED repeats the moments of a run that has printed its seed, FENNEL_KILL_RUNS changes their
- * number.
+ * The daemon dies at random moments between its start and the end of its sync: 200 of them over all stories,
+ * thousands in a soak. FENNEL_KILL_SEED repeats the moments of a run that has printed its seed.
  */
 class KillRandomTest : public QObject
 {
@@ -26,7 +26,7 @@ private:
 
     QScopedPointer<CrashBed> mBed;
     uint mSeed = 0;
-    int mRuns = 200;
+    int mRuns = Soak::samples(200, 3000);
 };
 
 void KillRandomTest::initTestCase()
@@ -35,8 +35,6 @@ void KillRandomTest::initTestCase()
     mSeed = qEnvironmentVariableIsSet("FENNEL_KILL_SEED")
         ? uint(qEnvironmentVariableIntValue("FENNEL_KILL_SEED"))
         : std::random_device()() & 0x7fffffffu;
-    if (qEnvironmentVariableIsSet("FENNEL_KILL_RUNS"))
-        mRuns = qEnvironmentVariableIntValue("FENNEL_KILL_RUNS");
     qInfo("FENNEL_KILL_SEED=%u", mSeed);
 }
 

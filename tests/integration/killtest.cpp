@@ -1,14 +1,15 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "support/crashbed.h"
 #include "support/faultshim.h"
+#include "support/soak.h"
 #include "support/testmain.h"
 
 #include <QDir>
 #include <QtTest>
 
 /**
- * The daemon dies before any of its durable steps. FENNEL_KILL_ALL=1 takes every step; otherwise they are
- * walked through with a stride, to keep the run short.
+ * The daemon dies before any of its durable steps. A soak takes every step; otherwise they are walked through
+ * with a stride, to keep the run short.
  */
 class KillTest : public QObject
 {
@@ -46,8 +47,7 @@ void KillTest::theNextSyncMendsADeathAtAnyStep()
 
     const int steps = plain.steps().size();
     QVERIFY(steps > 50);
-    const bool all = qEnvironmentVariableIntValue("FENNEL_KILL_ALL") == 1;
-    const int stride = all ? 1 : qMax(1, steps / RunsByDefault);
+    const int stride = qMax(1, steps / Soak::samples(RunsByDefault, steps));
     qInfo("%d durable steps, tried in strides of %d", steps, stride);
     QStringList failures;
     for (int number = 1; number <= steps; number += stride) {
