@@ -58,6 +58,7 @@ protected:
     ExchangeTexts texts() const override;
     void prepareRequest(QNetworkRequest &request) override;
     bool encodeBody(EasAccount &account, QByteArray *body) override;
+    void logBody(const QByteArray &body) const override;
     bool parseReply(QNetworkReply *reply, const QByteArray &body) override;
     void handleDownloadProgress(qint64 bytesReceived, qint64 bytesTotal) override;
 

@@ -14,6 +14,9 @@
 
 namespace {
 
+// What the first byte of each document says; a reply in parts begins with their number, which is even.
+constexpr char WbxmlVersion13 = 3;
+
 /** Of a Content-Type without its parameters. */
 QString mediaType(const QNetworkReply *reply)
 {
@@ -48,6 +51,14 @@ struct FetchItemCommand::Multipart
      */
     qint64 documentBytes = 0;
 };
+
+void FetchItemCommand::logBody(const QByteArray &body) const
+{
+    // The documents of a reply in parts are logged one by one, when they are read.
+    if (body.isEmpty() || body.at(0) == WbxmlVersion13) {
+        BaseProtocolCommand::logBody(body);
+    }
+}
 
 bool FetchItemCommand::checkBound(int dataSize, int offset, int length)
 {
@@ -139,6 +150,7 @@ bool FetchItemCommand::processPair(Multipart &reply, int index, bool isLast, boo
 
 bool FetchItemCommand::processPartWbxml(const QByteArray &part)
 {
+    BaseProtocolCommand::logBody(part);
     ItemOperationsResponseParser parser;
     parser.parse(part);
     if (!parser.ready()) {

@@ -69,6 +69,7 @@ public:
     using FetchItemCommand::checkBound;
     using FetchItemCommand::commandName;
     using FetchItemCommand::handleDownloadProgress;
+    using FetchItemCommand::logBody;
     using FetchItemCommand::prepareRequest;
 
     bool body(FakeAccount &account, QString *outline)
@@ -306,6 +307,20 @@ private Q_SLOTS:
         QCOMPARE(command.partContentType(), QStringLiteral("image/png"));
         QCOMPARE(command.totalSize(), 9);
         QCOMPARE(command.partData(), QByteArray("raw"));
+    }
+
+    void aReplyInPartsIsLoggedAsItsDocuments()
+    {
+        QLoggingCategory::setFilterRules(QStringLiteral("Fennel.*.debug=true"));
+        OpenedFetch command;
+        expectPart(command);
+        const QByteArray reply = multipart({ { documentOf("ref"), "raw" } });
+        command.logBody(reply);
+        QCOMPARE(mLog->count(QStringLiteral("FileReference")), 0);
+        QVERIFY(command.read(reply));
+        QVERIFY(mLog->contains(QStringLiteral("FileReference")));
+        QVERIFY(!mLog->contains(QStringLiteral("Malformed")));
+        QVERIFY(!mLog->contains(QStringLiteral("Bytes after the end")));
     }
 
     void theContentTypeMayHaveParameters()
