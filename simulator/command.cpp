@@ -11,6 +11,9 @@ const QVector<CommandEntry> &commandTable()
         { "Sync", handleSync, "AirSync:Sync", Version161 },
         { "GetAttachment", handleGetAttachment, nullptr, Version121 },
         { "FolderSync", handleFolderSync, "FolderHierarchy:FolderSync", Version161 },
+        { "FolderCreate", handleFolderCreate, "FolderHierarchy:FolderCreate", Version161 },
+        { "FolderDelete", handleFolderDelete, "FolderHierarchy:FolderDelete", Version161 },
+        { "FolderUpdate", handleFolderUpdate, "FolderHierarchy:FolderUpdate", Version161 },
         { "MoveItems", handleMoveItems, "Move:MoveItems", Version161 },
         { "ItemOperations", handleItemOperations, "ItemOperations:ItemOperations", Version161 },
     };

@@ -52,6 +52,9 @@ struct CommandReply
 using CommandHandler = CommandReply (*)(const CommandContext &);
 
 CommandReply handleFolderSync(const CommandContext &context);
+CommandReply handleFolderCreate(const CommandContext &context);
+CommandReply handleFolderDelete(const CommandContext &context);
+CommandReply handleFolderUpdate(const CommandContext &context);
 CommandReply handleSync(const CommandContext &context);
 CommandReply handleMoveItems(const CommandContext &context);
 CommandReply handleItemOperations(const CommandContext &context);

@@ -17,7 +17,9 @@ struct HierarchyState
     QString key;
     QVector<MailFolder> known;
     QString previousKey; ///< the key that led to @ref key
-    WbxmlNode lastReply; ///< given again when previousKey comes once more
+    QVector<MailFolder> previousKnown; ///< with that key
+    WbxmlNode lastRequest;
+    WbxmlNode lastReply; ///< given again when lastRequest comes once more
 };
 
 /** What a device knows of the items of a folder, with the way back to what it knew one answer ago. */

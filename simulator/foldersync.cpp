@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "simulator/command.h"
+#include "simulator/hierarchykey.h"
 
 #include <algorithm>
 
@@ -82,23 +82,23 @@ CommandReply handleFolderSync(const CommandContext &context)
     if (request.name() != QLatin1String("FolderHierarchy:FolderSync")
         || !request.has(QStringLiteral("SyncKey")))
         return CommandReply::of(statusReply(BadRequest));
-    const QString key = request.text(QStringLiteral("SyncKey"));
-    if (key == QLatin1String("0"))
+    const bool isFirst = request.text(QStringLiteral("SyncKey")) == QLatin1String("0");
+    if (isFirst)
         state = HierarchyState();
-    else if (key == state.previousKey)
+    const HierarchyKey::Check check = isFirst ? HierarchyKey::Check::Current : HierarchyKey::takeUp(context);
+    if (check == HierarchyKey::Check::Repeated)
         return CommandReply::of(state.lastReply);
-    else if (key != state.key)
+    if (check == HierarchyKey::Check::Unknown)
         return CommandReply::of(statusReply(UnknownKey));
 
     const QVector<MailFolder> now = context.mailbox.folders();
     const HierarchyChanges changes = difference(state.known, now);
-    if (changes.count() == 0 && key == state.key)
-        return CommandReply::of(changesReply(key, changes));
-    state.previousKey = key == QLatin1String("0") ? QString() : key;
-    state.key = context.nextKey();
-    state.known = now;
-    state.lastReply = changesReply(state.key, changes);
-    return CommandReply::of(state.lastReply);
+    if (changes.count() == 0 && request.text(QStringLiteral("SyncKey")) == state.key)
+        return CommandReply::of(changesReply(state.key, changes));
+    const QString key = HierarchyKey::handOn(context, now);
+    if (isFirst)
+        state.previousKey.clear(); // with "0" all begins anew, each time
+    return HierarchyKey::kept(context, changesReply(key, changes));
 }
 
 } // namespace Simulator

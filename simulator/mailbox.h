@@ -25,6 +25,9 @@ enum FolderType : int {
     CalendarFolder = 8,
     ContactsFolder = 9,
     UserMailFolder = 12,
+    UserCalendarFolder = 13,
+    UserContactsFolder = 14,
+    RecipientCacheFolder = 19,
 };
 
 struct MailFolder

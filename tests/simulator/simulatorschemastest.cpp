@@ -93,10 +93,39 @@ private:
         server.mailbox().removeFolder(two);
         server.mailbox().addFolder(QStringLiteral("Three"), UserMailFolder, one);
         key = run(key);
+        key = playFolderCommands(client, key);
         run(key);
         run(QStringLiteral("unknown"));
         server.overrideNext(QStringLiteral("FolderSync"), Override::topStatus(6));
         run(key);
+    }
+
+    /** Each command twice, of which the second cannot be. Returns the key after them. */
+    static QString playFolderCommands(SimulatorClient &client, QString key)
+    {
+        const auto run = [&client, &key](const QString &command, const QString &inner) {
+            const WbxmlNode reply =
+                client
+                    .post(command,
+                        QStringLiteral("<%1 xmlns='FolderHierarchy'><SyncKey>%2</SyncKey>%3</%1>")
+                            .arg(command, key, inner))
+                    .document;
+            if (reply.has(QStringLiteral("SyncKey")))
+                key = reply.text(QStringLiteral("SyncKey"));
+            return reply.text(QStringLiteral("ServerId"));
+        };
+        const QString create =
+            QStringLiteral("<ParentId>0</ParentId><DisplayName>Team</DisplayName><Type>13</Type>");
+        const QString id = run(QStringLiteral("FolderCreate"), create);
+        run(QStringLiteral("FolderCreate"), create);
+        const QString update =
+            QStringLiteral("<ServerId>%1</ServerId><ParentId>0</ParentId><DisplayName>Crew</DisplayName>");
+        run(QStringLiteral("FolderUpdate"), update.arg(id));
+        run(QStringLiteral("FolderUpdate"), update.arg(QStringLiteral("99")));
+        const QString remove = QStringLiteral("<ServerId>%1</ServerId>").arg(id);
+        run(QStringLiteral("FolderDelete"), remove);
+        run(QStringLiteral("FolderDelete"), remove);
+        return key;
     }
 
     static void playMail(ExchangeServer &server, SimulatorClient &client)
