@@ -90,6 +90,8 @@ public:
     EasFolderItem::FolderType folderTypeByServerId(EasAccountId accountId, const QString &serverId);
     QMap<QString, QString> serverToLocalFolderIds(EasAccountId accountId) const;
     QMap<QString, QString> localToServerFolderIds(EasAccountId accountId) const;
+    /** The parent of each folder, by server identifiers. */
+    QMap<QString, QString> serverFolderParentIds(EasAccountId accountId) const;
     bool addFolderItems(EasAccountId accountId, const QList<EasFolderItem> &items);
     bool updateFolderItems(EasAccountId accountId, const QList<EasFolderItem> &items);
     bool deleteFolderItems(EasAccountId accountId, const QStringList &serverIds);

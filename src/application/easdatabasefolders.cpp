@@ -162,6 +162,14 @@ QMap<QString, QString> EasDatabase::localToServerFolderIds(EasAccountId accountI
     return readMap(select, 1, CantQueryCollections);
 }
 
+QMap<QString, QString> EasDatabase::serverFolderParentIds(EasAccountId accountId) const
+{
+    DatabaseStatement select(mDatabase,
+        QStringLiteral("SELECT server_id, server_parent_id FROM collections WHERE account_id=%1")
+            .arg(accountId));
+    return readMap(select, 0, CantQueryCollections);
+}
+
 bool EasDatabase::addFolderItems(EasAccountId accountId, const QList<EasFolderItem> &items)
 {
     if (items.isEmpty())

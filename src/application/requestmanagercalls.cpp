@@ -7,7 +7,10 @@
 #include "protocol/protocolutils.h"
 #include "requests/fetchmessagesrequest.h"
 #include "requests/fetchpartrequest.h"
+#include "requests/foldercreaterequest.h"
+#include "requests/folderdeleterequest.h"
 #include "requests/foldersyncrequest.h"
+#include "requests/folderupdaterequest.h"
 #include "requests/provisionrequest.h"
 #include "requests/syncrequest.h"
 
@@ -145,7 +148,7 @@ void RequestManager::onCreateFolderRequest(EasAccountId accountId, const QString
     qCInfo(eas()) << "Create Folder: account: " << accountId << ", name: " << name
                   << ", parentFolderId: " << parentFolderId << ", folderType: " << folderType
                   << ", requestId: " << requestId;
-    reportNotSupported(accountId, requestId, ProtocolUtils::CommandFolderCreate);
+    processNewRequest(new FolderCreateRequest(accountId, parentFolderId, name, folderType, requestId, this));
 }
 
 void RequestManager::onDeleteFolderRequest(
@@ -153,7 +156,7 @@ void RequestManager::onDeleteFolderRequest(
 {
     qCInfo(eas()) << "Delete Folder: account: " << accountId << ", folderId: " << folderId
                   << ", requestId: " << requestId;
-    reportNotSupported(accountId, requestId, ProtocolUtils::CommandFolderDelete);
+    processNewRequest(new FolderDeleteRequest(accountId, folderId, requestId, this));
 }
 
 void RequestManager::onUpdateFolderRequest(EasAccountId accountId, const QString &folderId,
@@ -162,7 +165,7 @@ void RequestManager::onUpdateFolderRequest(EasAccountId accountId, const QString
     qCInfo(eas()) << "Update Folder: account: " << accountId << ", folderId: " << folderId
                   << ", parentFolderId: " << parentFolderId << ", name: " << name
                   << ", requestId: " << requestId;
-    reportNotSupported(accountId, requestId, ProtocolUtils::CommandFolderUpdate);
+    processNewRequest(new FolderUpdateRequest(accountId, folderId, parentFolderId, name, requestId, this));
 }
 
 void RequestManager::onGetOofRequest(EasAccountId accountId, qulonglong requestId)

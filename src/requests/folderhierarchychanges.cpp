@@ -4,7 +4,6 @@
 #include "application/easaccount.h"
 #include "application/easdatabase.h"
 #include "application/logging.h"
-#include "protocol/foldersynccommand.h"
 #include "protocol/wbxmltokens.h"
 #include "storages/calendarstorage.h"
 #include "storages/contactstorage.h"
@@ -12,7 +11,21 @@
 
 #include <QMap>
 
+#include <algorithm>
+#include <iterator>
+
 namespace {
+
+/** Moves the folders of one kind out of a list. */
+QList<EasFolderItem> takeKind(QList<EasFolderItem> *items, bool (EasFolderItem::*isKind)() const)
+{
+    const auto others = std::stable_partition(
+        items->begin(), items->end(), [isKind](const EasFolderItem &item) { return (item.*isKind)(); });
+    QList<EasFolderItem> taken;
+    std::move(items->begin(), others, std::back_inserter(taken));
+    items->erase(items->begin(), others);
+    return taken;
+}
 
 void appendAllFields(EasFolderItem &item)
 {
@@ -23,12 +36,12 @@ void appendAllFields(EasFolderItem &item)
 
 } // namespace
 
-FolderHierarchyChanges::FolderHierarchyChanges(EasAccount &account, const FolderSyncCommand &command)
+FolderHierarchyChanges::FolderHierarchyChanges(EasAccount &account, const FolderChanges &changes)
     : mAccount(account)
     , mAccountId(account.id())
-    , mAdded(command.addedItems())
-    , mUpdated(command.updatedItems())
-    , mDeleted(command.deletedItems())
+    , mAdded(changes.added)
+    , mUpdated(changes.updated)
+    , mDeleted(changes.deleted)
 {
     const QMap<QString, QString> known = EasDatabase::instance()->serverToLocalFolderIds(mAccountId);
     noteLookup();
@@ -75,7 +88,7 @@ void FolderHierarchyChanges::bindUpdatedFolders(const QMap<QString, QString> &kn
     }
 }
 
-bool FolderHierarchyChanges::isReady() const
+bool FolderHierarchyChanges::isReady(MailStore mailStore) const
 {
     // What is known would look new, and come into the stores a second time.
     if (mLookupFailed) {
@@ -88,6 +101,10 @@ bool FolderHierarchyChanges::isReady() const
     }
     if (!mAccount.contactStorage()) {
         qCCritical(eas()) << "ContactStorage is null";
+        return false;
+    }
+    if (mailStore == MailStore::Needed && !mAccount.mailStorage()) {
+        qCCritical(eas()) << "MailStorage is null";
         return false;
     }
     return true;
@@ -114,6 +131,40 @@ bool FolderHierarchyChanges::updateStores(OnFailure onFailure, const char *mailF
     step(mAccount.contactStorage()->updateFolders(mAdded, mUpdated, mDeleted),
         "failed to update folders in Contact Storage");
     return updated;
+}
+
+bool FolderHierarchyChanges::updateStoresOfEachKind(const StoreFailures &failures)
+{
+    return updateStoreOf(&EasFolderItem::isCalendar, mAccount.calendarStorage().data(), failures.calendar)
+        && updateStoreOf(&EasFolderItem::isContacts, mAccount.contactStorage().data(), failures.contacts)
+        && (mMailStored =
+                updateStoreOf(&EasFolderItem::isEmail, mAccount.mailStorage().data(), failures.mail));
+}
+
+template <typename Store>
+bool FolderHierarchyChanges::updateStoreOf(
+    bool (EasFolderItem::*isOwn)() const, Store *store, const char *failure)
+{
+    QStringList deleted;
+    for (const QString &serverId : qAsConst(mDeleted)) {
+        const EasFolderItem item = EasDatabase::instance()->folderItemByServerId(mAccountId, serverId);
+        if (EasDatabase::instance()->lookupFailed()) {
+            qCCritical(eas()) << failure;
+            return false;
+        }
+        if ((item.*isOwn)())
+            deleted.append(serverId);
+    }
+    QList<EasFolderItem> added = takeKind(&mAdded, isOwn);
+    QList<EasFolderItem> updated = takeKind(&mUpdated, isOwn);
+    const bool concerned = !added.isEmpty() || !updated.isEmpty() || !deleted.isEmpty();
+    const bool stored = !concerned || store->updateFolders(added, updated, deleted);
+    // The store has written its local identifiers into them.
+    mAdded += added;
+    mUpdated += updated;
+    if (!stored)
+        qCCritical(eas()) << failure;
+    return stored;
 }
 
 void FolderHierarchyChanges::markSaved()

@@ -10,10 +10,17 @@
 #include <QStringList>
 
 class EasAccount;
-class FolderSyncCommand;
+
+/** Folders as the server has them now, and the server identifiers of those that it has no longer. */
+struct FolderChanges
+{
+    QList<EasFolderItem> added;
+    QList<EasFolderItem> updated;
+    QStringList deleted;
+};
 
 /**
- * The folder changes of one FolderSync reply on their way into the stores and the mapping database.
+ * The folder changes of one reply on their way into the stores and the mapping database.
  *
  * The order of the steps is what makes a crash harmless: stores, then database, then (by the request) the
  * hierarchy key. A reply that is repeated because the key was never written finds its folders already there,
@@ -24,14 +31,26 @@ class FolderHierarchyChanges
 {
 public:
     enum class OnFailure { Stop, GoOn };
+    enum class MailStore { Optional, Needed };
 
-    FolderHierarchyChanges(EasAccount &account, const FolderSyncCommand &command);
+    /** What the log says when a store refuses a folder of its kind. */
+    struct StoreFailures
+    {
+        const char *calendar;
+        const char *contacts;
+        const char *mail;
+    };
+
+    FolderHierarchyChanges(EasAccount &account, const FolderChanges &changes);
 
     /** False, logged, if the known folders could not be read or a store is missing that has to be there. */
-    bool isReady() const;
+    bool isReady(MailStore mailStore = MailStore::Optional) const;
 
     /** Hands the changes to the mail, calendar and contact store in this order. */
     bool updateStores(OnFailure onFailure, const char *mailFailure);
+
+    /** Hands each store the changes of its own kind of folders, and leaves a store alone that has none. */
+    bool updateStoresOfEachKind(const StoreFailures &failures);
 
     /** Marks the folders that now have a counterpart in a store. */
     void markSaved();
@@ -44,6 +63,8 @@ private:
     void bindUpdatedFolders(const QMap<QString, QString> &known);
     void noteLookup();
     QStringList deletedRows() const;
+    template <typename Store>
+    bool updateStoreOf(bool (EasFolderItem::*isOwn)() const, Store *store, const char *failure);
 
     EasAccount &mAccount;
     EasAccountId mAccountId;

@@ -126,7 +126,9 @@ bool FolderSyncRequest::processResponse()
     EasAccount *easAccount = account();
     if (!easAccount)
         return fail("No account");
-    FolderHierarchyChanges changes(*easAccount, folderSync());
+    const FolderSyncCommand &reply = folderSync();
+    FolderHierarchyChanges changes(
+        *easAccount, { reply.addedItems(), reply.updatedItems(), reply.deletedItems() });
     const bool stored = changes.isReady()
         && changes.updateStores(FolderHierarchyChanges::OnFailure::Stop, "can't update mail folders");
     if (!stored) {

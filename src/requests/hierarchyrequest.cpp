@@ -37,15 +37,22 @@ void HierarchyRequest::dropCommand()
     mCommand.clear();
 }
 
+bool HierarchyRequest::readFolderSyncKey(QString *key)
+{
+    *key = EasDatabase::instance()->folderSyncKey(accountId());
+    // An unread key is not the key of a new account.
+    if (!EasDatabase::instance()->lookupFailed())
+        return true;
+    qCCritical(eas()) << "failed to read the folder sync key from EAS DB";
+    completeWith(RequestStatusInternalError);
+    return false;
+}
+
 FolderSyncCommand *HierarchyRequest::newFolderSyncCommand()
 {
-    const QString key = EasDatabase::instance()->folderSyncKey(accountId());
-    // An unread key is not the key of a new account.
-    if (EasDatabase::instance()->lookupFailed()) {
-        qCCritical(eas()) << "failed to read the folder sync key from EAS DB";
-        completeWith(RequestStatusInternalError);
+    QString key;
+    if (!readFolderSyncKey(&key))
         return nullptr;
-    }
     auto *command = newCommand<FolderSyncCommand>();
     command->setSyncKey(key);
     return command;

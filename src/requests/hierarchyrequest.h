@@ -38,6 +38,8 @@ protected:
         takeCommand(command);
         return command;
     }
+    /** False, and the request has ended, if the hierarchy's key cannot be read. */
+    bool readFolderSyncKey(QString *key);
     /** A FolderSync with the stored key. Null, and the request has ended, if the key cannot be read. */
     FolderSyncCommand *newFolderSyncCommand();
 

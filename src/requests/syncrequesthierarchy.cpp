@@ -70,7 +70,8 @@ void SyncRequest::applyFolderChanges(const FolderSyncCommand &command)
         return startResendTimer();
     }
     succeedPhase();
-    FolderHierarchyChanges changes(*easAccount, command);
+    FolderHierarchyChanges changes(
+        *easAccount, { command.addedItems(), command.updatedItems(), command.deletedItems() });
     if (!changes.isReady())
         return completeWith(RequestStatusInternalError);
 

@@ -156,6 +156,16 @@ private Q_SLOTS:
         QCOMPARE(database()->serverToLocalFolderIds(OtherAccount), Map());
     }
 
+    void theParentsAreThoseOfTheServer()
+    {
+        EasFolderItem item = folder("7", EasFolderItem::DefaultInboxFolder, "70");
+        item.setServerParentId("3");
+        QVERIFY(database()->addFolderItems(Account, { item }));
+        using Map = QMap<QString, QString>;
+        QCOMPARE(database()->serverFolderParentIds(Account), (Map { { "7", "3" } }));
+        QCOMPARE(database()->serverFolderParentIds(OtherAccount), Map());
+    }
+
     void anUpdateWritesTheBindingAndTheChangedFields_data()
     {
         QTest::addColumn<QList<uint>>("tags");

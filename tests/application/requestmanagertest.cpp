@@ -442,14 +442,11 @@ private Q_SLOTS:
             QCOMPARE(spy->first().at(2).toInt(), -8);
         }
         mManager->onSendMailRequest(Account, 1, 4);
-        mManager->onCreateFolderRequest(Account, {}, {}, 12, 5);
-        mManager->onDeleteFolderRequest(Account, {}, 6);
-        mManager->onUpdateFolderRequest(Account, {}, {}, {}, 7);
         mManager->onGetOofRequest(Account, 8);
         mManager->onSetOofStateRequest(Account, 9, EasOofContainer());
         mManager->onCalendarAttachmentDownloadRequest(Account, 10, {});
         mManager->onAttendeesAvailableRequest(Account, 11, {}, {}, {});
-        QCOMPARE(finishedIds(), QList<qulonglong>({ 4, 5, 6, 7, 8, 9, 10, 11 }));
+        QCOMPARE(finishedIds(), QList<qulonglong>({ 4, 8, 9, 10, 11 }));
         for (int i = 0; i < mFinished->count(); ++i)
             QCOMPARE(finishedStatus(i), -8);
     }

@@ -6,9 +6,9 @@
 #include "easitems/easemailitem.h"
 #include "protocol/getattachmentcommand.h"
 #include "protocol/protocolutils.h"
-#include "stubmailstorage.h"
 #include "support/fakeaccount.h"
 #include "support/logcollector.h"
+#include "support/stubmailstorage.h"
 #include "support/testmain.h"
 #include "support/wbxmldocument.h"
 

@@ -57,15 +57,15 @@ QSharedPointer<ConnectionAccountConfiguration> ScriptedAccount::connectionConfig
 
 QSharedPointer<MailStorage> ScriptedAccount::mailStorage() const
 {
-    return {};
+    return mails;
 }
 
 QSharedPointer<CalendarStorage> ScriptedAccount::calendarStorage() const
 {
-    return {};
+    return events;
 }
 
 QSharedPointer<ContactStorage> ScriptedAccount::contactStorage()
 {
-    return {};
+    return people;
 }

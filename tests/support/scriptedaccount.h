@@ -83,4 +83,7 @@ public:
     QStringList knownVersions;
     QStringList knownCommands;
     QSharedPointer<ScriptedConnection> connection;
+    QSharedPointer<MailStorage> mails;
+    QSharedPointer<CalendarStorage> events;
+    QSharedPointer<ContactStorage> people;
 };

@@ -5,6 +5,7 @@
 #include "easitems/easemailitem.h"
 #include "easitems/easfolderitem.h"
 #include "storages/mailstorage.h"
+#include "support/stubfolders.h"
 
 #include <QMap>
 
@@ -18,12 +19,14 @@ public:
     }
 
     QMap<quint64, QString> serverUids;
+    StubFolders folders;
 
     QString serverUidFromMessageId(quint64 messageId) override { return serverUids.value(messageId); }
 
-    bool updateFolders(QList<EasFolderItem> &, QList<EasFolderItem> &, const QStringList &) override
+    bool updateFolders(
+        QList<EasFolderItem> &added, QList<EasFolderItem> &changed, const QStringList &deleted) override
     {
-        return false;
+        return folders.update(added, changed, deleted);
     }
     bool updateEmails(QList<EasEmailItem> &, QList<EasEmailItem> &, const QStringList &) override
     {

@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "requests/folderdeleterequest.h"
+
+#include "application/easdatabase.h"
+#include "application/logging.h"
+#include "protocol/folderdeletecommand.h"
+#include "protocol/protocolutils.h"
+
+#include <QMap>
+
+FolderDeleteRequest::FolderDeleteRequest(
+    EasAccountId accountId, const QString &folderLocalId, quint64 requestId, QObject *parent)
+    : FolderManagementRequest(accountId, requestId, parent)
+    , mFolderLocalId(folderLocalId)
+{
+}
+
+QString FolderDeleteRequest::commandName() const
+{
+    return ProtocolUtils::CommandFolderDelete;
+}
+
+const FolderManagementRequest::Texts &FolderDeleteRequest::texts() const
+{
+    static const Texts texts {
+        "Undefined FolderDelete status. Something went wrong.",
+        "Sent a bad request. Tried to delete a default folder?",
+        "wrong sync key, need to resync account",
+        "FolderDelete command is null",
+        { "Failed to delete calendar folder", "Failed to delete contacts folder",
+            "Failed to delete mail folder" },
+        "failed to update deleted folder in EAS DB",
+    };
+    return texts;
+}
+
+Request::StatusRows FolderDeleteRequest::refusals()
+{
+    return {
+        refusal(2, "Folder id is a special folder."),
+        refusal(4, "Folder does not exist:", mServerId),
+    };
+}
+
+bool FolderDeleteRequest::translate()
+{
+    mServerId = serverFolderId(mFolderLocalId);
+    return !mServerId.isEmpty();
+}
+
+FolderCommand *FolderDeleteRequest::createCommand()
+{
+    auto *const command = newCommand<FolderDeleteCommand>();
+    command->setServerId(mServerId);
+    return command;
+}
+
+std::optional<FolderChanges> FolderDeleteRequest::agreedChanges()
+{
+    // The server deletes what is below the folder, too, and may never mention it.
+    const QMap<QString, QString> parents = EasDatabase::instance()->serverFolderParentIds(accountId());
+    if (EasDatabase::instance()->lookupFailed()) {
+        qCCritical(eas()) << "failed to read folders from EAS DB";
+        return std::nullopt;
+    }
+    QStringList deleted { mServerId };
+    for (int i = 0; i < deleted.size(); ++i) {
+        const QStringList children = parents.keys(deleted.at(i));
+        for (const QString &child : children) {
+            if (!deleted.contains(child))
+                deleted.append(child);
+        }
+    }
+    return FolderChanges { {}, {}, deleted };
+}

@@ -1,0 +1,153 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "requests/foldermanagementrequest.h"
+
+#include "application/easaccount.h"
+#include "application/easdatabase.h"
+#include "application/logging.h"
+#include "protocol/eas.h"
+#include "protocol/foldercommand.h"
+
+bool FolderManagementRequest::refuse(const char *text)
+{
+    qCCritical(eas()) << text;
+    completeWith(RequestStatusBadRequest);
+    return false;
+}
+
+bool FolderManagementRequest::acceptDisplayName(const QString &name)
+{
+    return !name.isEmpty() || refuse("Display name is empty, this is an invalid request data");
+}
+
+QString FolderManagementRequest::translated(const QString &localId, const char *failure)
+{
+    const EasDatabase *const database = EasDatabase::instance();
+    // Folders that are in no store share the empty identifier.
+    const QString serverId =
+        localId.isEmpty() ? QString() : database->folderItemByLocalId(accountId(), localId).serverId();
+    if (!serverId.isEmpty())
+        return serverId;
+    const bool unread = !localId.isEmpty() && database->lookupFailed();
+    qCCritical(eas()) << failure;
+    completeWith(unread ? RequestStatusInternalError : RequestStatusBadRequest);
+    return QString();
+}
+
+QString FolderManagementRequest::serverFolderId(const QString &localId)
+{
+    return translated(localId, "failed to find folder id by local id");
+}
+
+QString FolderManagementRequest::serverParentId(const QString &localId)
+{
+    const QLatin1String rootFolderId("0");
+    if (localId != rootFolderId)
+        return translated(localId, "failed to find parent folder id by local id");
+    qCDebug(eas()) << "Local folder id is 0, so parent folder is a root folder";
+    return rootFolderId;
+}
+
+void FolderManagementRequest::startRequest()
+{
+    if (!translate())
+        return;
+    if (!account()) {
+        qCCritical(eas()) << "No account";
+        return completeWith(RequestStatusInternalError);
+    }
+    QString key;
+    if (!readFolderSyncKey(&key))
+        return;
+    FolderCommand *const command = createCommand();
+    command->setSyncKey(key);
+    command->start();
+}
+
+void FolderManagementRequest::onCommandFinished(bool success)
+{
+    handleFinished(success);
+}
+
+void FolderManagementRequest::handleFinished(bool success)
+{
+    qCInfo(eas()) << "Success: " << success;
+    if (!currentCommand())
+        qCCritical(eas()) << "No command object";
+    if (!acceptResult(currentCommand(), success)) {
+        if (currentCommand())
+            qCInfo(eas()) << "Provision request required";
+        return dropCommand();
+    }
+    StatusRows rows = refusals();
+    const StatusRows common = commonRefusals();
+    rows.insert(rows.end(), common.cbegin(), common.cend());
+    rows.push_back({ { Eas::FolderSyncStatusSuccess }, [this] {
+                        processSuccess();
+                    } });
+    rows.push_back({ { Eas::CommonStatusInvalidDeviceId, Eas::CommonStatusInvalidDeviceType }, [this] {
+                        refreshDeviceAndRetryLater();
+                    } });
+    if (!handleCommonStatus(status(), rows))
+        completeUnhandled();
+}
+
+Request::StatusRow FolderManagementRequest::refusal(int status, const char *text)
+{
+    return { { status }, [this, text] {
+                qCWarning(eas()) << text;
+                completeWith(RequestStatusBadRequest);
+            } };
+}
+
+Request::StatusRow FolderManagementRequest::refusal(
+    int status, const char *text, const QString &subject, const char *rest)
+{
+    return { { status }, [this, text, subject, rest] {
+                qCWarning(eas()) << text << subject << rest;
+                completeWith(RequestStatusBadRequest);
+            } };
+}
+
+Request::StatusRows FolderManagementRequest::commonRefusals()
+{
+    return {
+        refusal(Eas::FolderSyncStatusUndefined, texts().undefinedStatus),
+        refusal(Eas::FolderSyncStatusServerError, "Server error. Try again later or run sync request first"),
+        refusal(Eas::FolderSyncStatusWrongSyncKey, texts().wrongSyncKey),
+        refusal(Eas::FolderSyncStatusWrongRequest, texts().badRequest),
+        refusal(Eas::FolderSyncStatusUnknownError, "Unknown error on the server."),
+    };
+}
+
+void FolderManagementRequest::processSuccess()
+{
+    resetTimeoutFactor();
+    setStatus(processResponse() ? RequestStatusSuccess : RequestStatusInternalError);
+    complete();
+}
+
+bool FolderManagementRequest::processResponse()
+{
+    const auto fail = [](const char *text) {
+        qCCritical(eas()) << text;
+        return false;
+    };
+    const auto *command = qobject_cast<FolderCommand *>(currentCommand());
+    if (!command)
+        return fail(texts().commandMissing);
+    EasAccount *const easAccount = account();
+    if (!easAccount)
+        return fail("No account");
+    const std::optional<FolderChanges> agreed = agreedChanges();
+    if (!agreed)
+        return false;
+    FolderHierarchyChanges changes(*easAccount, *agreed);
+    if (!changes.isReady(FolderHierarchyChanges::MailStore::Needed)
+        || !changes.updateStoresOfEachKind(texts().stores))
+        return false;
+    changes.markSaved();
+    if (!changes.updateDatabase())
+        return fail(texts().databaseFailure);
+    EasDatabase::instance()->setFolderSyncKey(accountId(), command->syncKey());
+    return true;
+}
