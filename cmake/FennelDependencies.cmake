@@ -2,6 +2,7 @@
 find_package(PkgConfig REQUIRED)
 find_package(Qt5 5.15 REQUIRED COMPONENTS Core Network Sql DBus Gui)
 find_package(Qt5SystemInfo REQUIRED)
+find_package(Qt5Contacts REQUIRED)
 find_package(KF5CalendarCore 5.103 REQUIRED)
 pkg_check_modules(WBXML REQUIRED IMPORTED_TARGET libwbxml2)
 pkg_check_modules(ACCOUNTS REQUIRED IMPORTED_TARGET accounts-qt5)

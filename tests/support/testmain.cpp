@@ -48,6 +48,7 @@ void isolateEnvironment(const QString &home)
     folder("ACCOUNTS", QStringLiteral("accounts"));
     folder("SSO_STORAGE_PATH", QStringLiteral("signon"));
     folder("QMF_DATA", QStringLiteral("mail"));
+    folder("CONTACTS_DATA", QStringLiteral("contacts"));
     qputenv("SSO_DAEMON_TIMEOUT", "0");
     const QByteArray accounts = QByteArray(FENNEL_SOURCE_DIR) + "/data/accounts/";
     qputenv("AG_PROVIDERS", accounts + "providers");

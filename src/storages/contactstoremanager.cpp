@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "storages/contactstoremanager.h"
+
+#include "application/logging.h"
+
+#include <QCoreApplication>
+#include <QDir>
+
+QTCONTACTS_USE_NAMESPACE
+
+namespace {
+
+const char engineName[] = "org.plover.contacts.sqlite";
+
+/** An installed tree works wherever it is put, so plugins that came with it stand in no path that Qt knows.
+ */
+void addPluginFolder()
+{
+    const QString folder =
+        QDir(QCoreApplication::applicationDirPath()).absoluteFilePath(QStringLiteral(FENNEL_PLUGIN_FOLDER));
+    if (QDir(folder).exists())
+        QCoreApplication::addLibraryPath(QDir::cleanPath(folder));
+}
+
+} // namespace
+
+QContactManager *ContactStoreManager::create(QObject *parent)
+{
+    static const bool pluginFolderAdded = (addPluginFolder(), true);
+    Q_UNUSED(pluginFolderAdded)
+    const QString uri = QContactManager::buildUri(QLatin1String(engineName), {});
+    std::unique_ptr<QContactManager> manager(QContactManager::fromUri(uri, parent));
+    // Instead of a missing engine one gets another that stores nothing.
+    if (manager && manager->managerName() == QLatin1String(engineName))
+        return manager.release();
+    qCCritical(eas()) << "There is no contact store: the engine" << engineName << "is missing";
+    return nullptr;
+}
