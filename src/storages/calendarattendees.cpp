@@ -1,0 +1,97 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "storages/calendarattendees.h"
+
+#include "common/exchangeactivesync.h"
+#include "storages/calendareventproperties.h"
+
+using KCalendarCore::Attendee;
+using KCalendarCore::Event;
+
+namespace {
+
+struct StatusPair
+{
+    EasAttendeeContainer::AttendeeStatus status;
+    Attendee::PartStat partStat;
+};
+
+const StatusPair statuses[] = {
+    { EasAttendeeContainer::TentativeAttendeeStatus, Attendee::Tentative },
+    { EasAttendeeContainer::AcceptAttendeeStatus, Attendee::Accepted },
+    { EasAttendeeContainer::DeclineAttendeeStatus, Attendee::Declined },
+};
+
+const QString statusName = QStringLiteral("X-FENNEL-EAS-ATTENDEE-STATUS");
+
+Attendee::PartStat partStatOf(EasAttendeeContainer::AttendeeStatus status)
+{
+    for (const StatusPair &pair : statuses) {
+        if (pair.status == status)
+            return pair.partStat;
+    }
+    return Attendee::NeedsAction;
+}
+
+/** Which of the server's words for "no answer" it was, if it came from there. */
+EasAttendeeContainer::AttendeeStatus statusOf(const Event &event, const Attendee &attendee)
+{
+    for (const StatusPair &pair : statuses) {
+        if (pair.partStat == attendee.status())
+            return pair.status;
+    }
+    return EasAttendeeContainer::AttendeeStatus(CalendarEventProperties::number(
+        event, CalendarEventProperties::attendeeName(statusName, attendee.email())));
+}
+
+void setTime(Event &event, const QString &name, const QString &email, const QDateTime &time)
+{
+    CalendarEventProperties::setText(event, CalendarEventProperties::attendeeName(name, email),
+        ExchangeActiveSync::dateTimeToString(time));
+}
+
+QDateTime time(const Event &event, const QString &name, const QString &email)
+{
+    return ExchangeActiveSync::dateTimeFromString(
+        CalendarEventProperties::text(event, CalendarEventProperties::attendeeName(name, email)), nullptr);
+}
+
+} // namespace
+
+Attendee CalendarAttendees::toAttendee(Event &event, const EasAttendeeContainer &container)
+{
+    if (container.email().isEmpty())
+        return Attendee();
+    const bool optional = container.attendeeType() == EasAttendeeContainer::OptionalAttendeeType;
+    const Attendee::PartStat partStat = partStatOf(container.attendeeStatus());
+    Attendee attendee(container.name(), container.email(), true, partStat,
+        optional ? Attendee::OptParticipant : Attendee::ReqParticipant);
+    if (container.attendeeType() == EasAttendeeContainer::ResourceAttendeeType)
+        attendee.setCuType(Attendee::Resource);
+    CalendarEventProperties::setNumber(event,
+        CalendarEventProperties::attendeeName(statusName, container.email()),
+        partStat == Attendee::NeedsAction ? int(container.attendeeStatus()) : -1);
+    setTime(event, ExchangeActiveSync::CalendarProposedStartTimeParamName, container.email(),
+        container.proposedStartTime());
+    setTime(event, ExchangeActiveSync::CalendarProposedEndTimeParamName, container.email(),
+        container.proposedEndTime());
+    return attendee;
+}
+
+EasAttendeeContainer CalendarAttendees::toContainer(const Event &event, const Attendee &attendee)
+{
+    EasAttendeeContainer container;
+    container.setName(attendee.name());
+    container.setEmail(attendee.email());
+    container.setAttendeeStatus(statusOf(event, attendee));
+    if (attendee.cuType() == Attendee::Resource)
+        container.setAttendeeType(EasAttendeeContainer::ResourceAttendeeType);
+    else if (attendee.role() == Attendee::OptParticipant)
+        container.setAttendeeType(EasAttendeeContainer::OptionalAttendeeType);
+    else
+        container.setAttendeeType(EasAttendeeContainer::RequiredAttendeeType);
+    container.setProposedStartTime(
+        time(event, ExchangeActiveSync::CalendarProposedStartTimeParamName, attendee.email()));
+    container.setProposedEndTime(
+        time(event, ExchangeActiveSync::CalendarProposedEndTimeParamName, attendee.email()));
+    return container;
+}

@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include "easitems/containers/easattendeecontainer.h"
+
+#include <KCalendarCore/Event>
+
+/**
+ * Between the attendees of an item and those of an event. What the device's attendee has no room for stands
+ * in custom properties of the event: proposed times, and an answer that the device does not tell from none.
+ */
+namespace CalendarAttendees {
+
+/** Null for an attendee without an address; the event gets the properties. */
+KCalendarCore::Attendee toAttendee(KCalendarCore::Event &event, const EasAttendeeContainer &container);
+EasAttendeeContainer toContainer(const KCalendarCore::Event &event, const KCalendarCore::Attendee &attendee);
+
+} // namespace CalendarAttendees

@@ -1,0 +1,9 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "storages/calendarstorecontext.h"
+
+#include "application/easaccount.h"
+
+EasAccountId CalendarStoreContext::accountId() const
+{
+    return account ? account->id() : 0;
+}

@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "storages/calendartimestamps.h"
+
+#include "application/easdatabase.h"
+#include "application/logging.h"
+#include "storages/calendarstorecontext.h"
+
+CalendarTimestamps::CalendarTimestamps(const CalendarStoreContext &context)
+    : mContext(context)
+{
+}
+
+uint CalendarTimestamps::timeToStamp(const QDateTime &time)
+{
+    return time.isValid() ? uint(time.toSecsSinceEpoch()) : EasDatabase::TimestampInvalid;
+}
+
+bool CalendarTimestamps::updateTimestampCache(const QString &notebookUid)
+{
+    mStamps.clear();
+    if (!mContext.storage->loadNotebookIncidences(notebookUid))
+        return false;
+    const KCalendarCore::Incidence::List incidences = mContext.calendar->incidences(notebookUid);
+    for (const KCalendarCore::Incidence::Ptr &incidence : incidences) {
+        if (!incidence->isReadOnly())
+            enter(incidence);
+    }
+    return true;
+}
+
+void CalendarTimestamps::enter(const KCalendarCore::Incidence::Ptr &incidence)
+{
+    const QDateTime modified = incidence->lastModified();
+    if (!modified.isValid()) {
+        qCWarning(eas()) << "last modified is invalid in incidence" << incidence->uid();
+        return;
+    }
+    const uint stamp = timeToStamp(modified);
+    if (stamp == EasDatabase::TimestampInvalid) {
+        qCWarning(eas()) << "invalid timestamp for incidence" << incidence->uid();
+        return;
+    }
+    const auto known = mStamps.find(incidence->uid());
+    if (known == mStamps.end())
+        mStamps.insert(incidence->uid(), stamp);
+    else
+        *known = qMax(*known, stamp);
+}
+
+uint CalendarTimestamps::eventTimestamp(const QString &uid) const
+{
+    return mStamps.value(uid, EasDatabase::TimestampInvalid);
+}

@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <KCalendarCore/Incidence>
+
+#include <QHash>
+#include <QString>
+
+struct CalendarStoreContext;
+
+/**
+ * Tells the user's changes from the engine's: the time of change of each event against the stamp that the
+ * mapping database holds of its last known state. Equal stamps mean that the event is as the server knows it.
+ *
+ * A series has one stamp, the latest of its own and its exceptions'. Stamps are seconds since the epoch, or
+ * EasDatabase::TimestampInvalid.
+ */
+class CalendarTimestamps
+{
+public:
+    explicit CalendarTimestamps(const CalendarStoreContext &context);
+
+    /** TimestampInvalid for an invalid time. */
+    static uint timeToStamp(const QDateTime &time);
+
+    /** Rebuilds the cache from the incidences of a notebook; it loads them. False if that fails. */
+    bool updateTimestampCache(const QString &notebookUid);
+    /** Of the cache; TimestampInvalid for an event that is not there. */
+    uint eventTimestamp(const QString &uid) const;
+
+private:
+    void enter(const KCalendarCore::Incidence::Ptr &incidence);
+
+    const CalendarStoreContext &mContext;
+    QHash<QString, uint> mStamps;
+};
