@@ -2,6 +2,7 @@
 #include "protocol/synccommandadd.h"
 
 #include "application/logging.h"
+#include "easitems/algorithms/calendarfields.h"
 #include "easitems/algorithms/contactsfields.h"
 #include "easitems/algorithms/emailfields.h"
 #include "protocol/protocolutils.h"
@@ -10,19 +11,6 @@
 #include <QDebug>
 
 using namespace Wbxml;
-
-namespace {
-
-template <class Item>
-void encodeApplicationData(const FieldTable<Item> &fields, const Item &item, WbxmlEncoder &encoder,
-    ExchangeActiveSync::ProtocolVersion version)
-{
-    encoder.appendElement(AirSync::ApplicationData, true);
-    fields.send(item, encoder, version);
-    encoder.setCurrentNodeToParent();
-}
-
-} // namespace
 
 SyncCommandAdd::SyncCommandAdd(QObject *parent)
     : SyncCommandBase(parent)
@@ -47,6 +35,8 @@ void SyncCommandAdd::encode(WbxmlEncoder &encoder, ExchangeActiveSync::ProtocolV
             encodeCalendarItem(item, encoder, version);
             encoder.setCurrentNodeToParent();
         }
+        if (type() == ChangeCommand && version >= ExchangeActiveSync::ProtocolVersion160)
+            encodeChangedExceptions(item, encoder, version);
     }
     for (const EasContactsItem &item : mContactsItems) {
         if (openItem(item, ProtocolUtils::ClassContacts, encoder, version)) {
@@ -84,17 +74,32 @@ bool SyncCommandAdd::openItem(const EasGeneralItem &item, const QString &itemCla
 void SyncCommandAdd::encodeEmailItem(
     const EasEmailItem &item, WbxmlEncoder &encoder, ExchangeActiveSync::ProtocolVersion version) const
 {
-    encodeApplicationData(EmailFields::itemFields(), item, encoder, version);
+    EmailFields::itemFields().sendIn(AirSync::ApplicationData, item, encoder, version);
 }
 
 void SyncCommandAdd::encodeContactsItem(
     const EasContactsItem &item, WbxmlEncoder &encoder, ExchangeActiveSync::ProtocolVersion version) const
 {
-    encodeApplicationData(ContactsFields::itemFields(), item, encoder, version);
+    ContactsFields::itemFields().sendIn(AirSync::ApplicationData, item, encoder, version);
 }
 
 void SyncCommandAdd::encodeCalendarItem(
-    const EasCalendarItem &, WbxmlEncoder &, ExchangeActiveSync::ProtocolVersion) const
+    const EasCalendarItem &item, WbxmlEncoder &encoder, ExchangeActiveSync::ProtocolVersion version) const
 {
-    qCCritical(eas()) << "No implementation";
+    CalendarFields::uploadedFields().sendIn(AirSync::ApplicationData, item, encoder, version);
+}
+
+void SyncCommandAdd::encodeChangedExceptions(
+    const EasCalendarItem &item, WbxmlEncoder &encoder, ExchangeActiveSync::ProtocolVersion version) const
+{
+    const QList<EasCalendarItem> exceptions = item.exceptions();
+    for (const EasCalendarItem &exception : exceptions) {
+        if (!exception.itemChanged())
+            continue;
+        encoder.appendElement(AirSync::Change, true);
+        encoder.appendTextElement(AirSync::ServerId, item.serverId());
+        encoder.appendTextElement(AirSyncBase::InstanceId, exception.exceptionStartTime());
+        encodeCalendarItem(exception, encoder, version);
+        encoder.setCurrentNodeToParent();
+    }
 }

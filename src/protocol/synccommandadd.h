@@ -43,6 +43,9 @@ protected:
 private:
     bool openItem(const EasGeneralItem &item, const QString &itemClass, WbxmlEncoder &encoder,
         ExchangeActiveSync::ProtocolVersion version) const;
+    /** Each goes as a change of its own: from 16.0 on a series does not hold its exceptions. */
+    void encodeChangedExceptions(const EasCalendarItem &item, WbxmlEncoder &encoder,
+        ExchangeActiveSync::ProtocolVersion version) const;
 
     QList<EasEmailItem> mEmailItems;
     QList<EasCalendarItem> mCalendarItems;

@@ -259,7 +259,8 @@ QList<QPair<QString, QString>> SyncCollectionBuilder::takeDeletedOccurrences(QLi
         const QList<EasCalendarItem> exceptions = item.exceptions();
         for (const EasCalendarItem &exception : exceptions) {
             if (exception.exceptionDeleted())
-                deleted.append({ exception.serverId(), exception.exceptionStartTime() });
+                deleted.append({ exception.serverId().isEmpty() ? item.serverId() : exception.serverId(),
+                    exception.exceptionStartTime() });
             else
                 kept.append(exception);
         }

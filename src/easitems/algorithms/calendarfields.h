@@ -13,7 +13,12 @@ const FieldTable<EasCalendarItem> &itemFields();
 const FieldTable<EasCalendarItem> &seriesFields();
 /** What only an exception has. */
 const FieldTable<EasCalendarItem> &exceptionFields();
+/** What of an event goes up, in the order of the wire. */
+const FieldTable<EasCalendarItem> &uploadedFields();
+/** What of an exception goes up inside its series, in the order of the wire. */
+const FieldTable<EasCalendarItem> &uploadedExceptionFields();
 const FieldTable<EasBodyContainer> &bodyFields();
+const FieldTable<EasBodyContainer> &uploadedBodyFields();
 const FieldTable<EasRecurrenceContainer> &recurrenceFields();
 const FieldTable<EasAttendeeContainer> &attendeeFields();
 const FieldTable<EasAttachmentContainer> &attachmentFields();

@@ -189,6 +189,13 @@ template <class Item> struct Fields
             } };
     }
 
+    /** As flag, for a value that can be unset, which is not sent. */
+    template <auto Get, auto Set, int Unset = -1>
+    static constexpr Field<Item> optionalFlag(Tag tag, const char *refusal)
+    {
+        return flag<Get, Set>(tag, refusal).givenBy(giveNumber<Get, Unset>);
+    }
+
     /** True for 1 and above; sent as an element without content if it is set. */
     template <auto Get, auto Set> static constexpr Field<Item> mark(Tag tag, const char *refusal)
     {
@@ -224,9 +231,7 @@ template <class Item> struct Fields
             [](const Item &item, Tag element, WbxmlEncoder &encoder, Version version) {
                 const auto nested = (item.*Get)();
                 if (IsSent(nested)) {
-                    encoder.appendElement(element, true);
-                    Table().send(nested, encoder, version);
-                    encoder.setCurrentNodeToParent();
+                    Table().sendIn(element, nested, encoder, version);
                 }
             } };
     }
@@ -242,9 +247,7 @@ template <class Item> struct Fields
                 }
                 encoder.appendElement(element, true);
                 for (const auto &nested : list) {
-                    encoder.appendElement(Entry, true);
-                    Table().send(nested, encoder, version);
-                    encoder.setCurrentNodeToParent();
+                    Table().sendIn(Entry, nested, encoder, version);
                 }
                 encoder.setCurrentNodeToParent();
             } };

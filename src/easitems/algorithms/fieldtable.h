@@ -8,7 +8,9 @@
 #include <QHash>
 #include <QVector>
 
+#include <algorithm>
 #include <initializer_list>
+#include <iterator>
 
 /** What became of one text of a reply. */
 enum class FieldResult {
@@ -27,13 +29,26 @@ template <class Item> class FieldTable
 {
 public:
     FieldTable(std::initializer_list<Field<Item>> fields)
-        : mFields(fields)
+        : FieldTable(QVector<Field<Item>>(fields))
     {
-        for (int i = 0; i < mFields.size(); ++i) {
-            if (mFields.at(i).take) {
-                mIndexByTag.insert(mFields.at(i).tag.key(), i);
+    }
+
+    /** The fields of these elements in this order, each from the table that holds it. */
+    static FieldTable ordered(
+        const QVector<const FieldTable *> &tables, std::initializer_list<Wbxml::Token> order)
+    {
+        QVector<Field<Item>> picked;
+        for (const Wbxml::Token tag : order) {
+            for (const FieldTable *table : tables) {
+                const auto isIt = [tag](const Field<Item> &field) {
+                    return field.tag.key() == tag.key();
+                };
+                std::copy_if(
+                    table->mFields.cbegin(), table->mFields.cend(), std::back_inserter(picked), isIt);
             }
         }
+        Q_ASSERT(picked.size() == int(order.size()));
+        return FieldTable(picked);
     }
 
     const QVector<Field<Item>> &fields() const { return mFields; }
@@ -61,7 +76,26 @@ public:
         }
     }
 
+    /** The same inside an element of their own. */
+    void sendIn(Wbxml::Token outer, const Item &item, WbxmlEncoder &encoder,
+        ExchangeActiveSync::ProtocolVersion version) const
+    {
+        encoder.appendElement(outer, true);
+        send(item, encoder, version);
+        encoder.setCurrentNodeToParent();
+    }
+
 private:
+    explicit FieldTable(const QVector<Field<Item>> &fields)
+        : mFields(fields)
+    {
+        for (int i = 0; i < mFields.size(); ++i) {
+            if (mFields.at(i).take) {
+                mIndexByTag.insert(mFields.at(i).tag.key(), i);
+            }
+        }
+    }
+
     QVector<Field<Item>> mFields;
     QHash<uint, int> mIndexByTag;
 };
