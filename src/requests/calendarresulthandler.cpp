@@ -4,10 +4,6 @@
 #include "application/easaccount.h"
 #include "application/easdatabase.h"
 #include "application/logging.h"
-#include "protocol/synccollection.h"
-#include "protocol/synccommandadd.h"
-#include "protocol/synccommandchange.h"
-#include "protocol/synccommanddelete.h"
 #include "storages/calendarstorage.h"
 
 bool CalendarResultHandler::handle(SyncCollection &collection)
@@ -16,71 +12,34 @@ bool CalendarResultHandler::handle(SyncCollection &collection)
     if (!storage)
         return fail("CalendarStorage is null");
 
-    collectSent(collection);
     if (!collectUploaded(collection) || !storeUploaded(*storage) || !storeReceived(*storage, collection))
         return false;
     storeSyncTime(*storage, collection);
     return true;
 }
 
-void CalendarResultHandler::collectSent(const SyncCollection &collection)
+const CalendarResultHandler::Kind &CalendarResultHandler::kind() const
 {
-    for (const QSharedPointer<SyncCommandBase> &command : collection.commands()) {
-        switch (command->type()) {
-        case SyncCommandBase::AddCommand:
-            mSentAdded.append(command.staticCast<SyncCommandAdd>()->calendarItems());
-            break;
-        case SyncCommandBase::ChangeCommand:
-            mSentChanged.append(command.staticCast<SyncCommandChange>()->calendarItems());
-            break;
-        case SyncCommandBase::DeleteCommand:
-            mSentDeleted.append(command.staticCast<SyncCommandDelete>()->serverIds());
-            break;
-        default:
-            qCWarning(eas()) << "unhandled SyncCommand with type" << command->type();
-        }
-    }
-    qCInfo(eas()) << "handleCalendarResults: sending commands to server:"
-                  << "A/M/R:" << mSentAdded.size() << "/" << mSentChanged.size() << "/"
-                  << mSentDeleted.size();
+    using SyncItemStatus::Operation;
+    static const Kind calendar { &SyncCommandAdd::calendarItems, Operation::CalendarAdd,
+        Operation::CalendarChange, Operation::CalendarDelete, "event with client id", "Event with server id",
+        "Calendar event" };
+    return calendar;
 }
 
 bool CalendarResultHandler::collectUploaded(const SyncCollection &collection)
 {
-    using SyncItemStatus::Operation;
+    collectSent(collection);
+    qCInfo(eas()) << "handleCalendarResults: sending commands to server:"
+                  << "A/M/R:" << mSentAdded.size() << "/" << mSentChanged.size() << "/"
+                  << mSentDeleted.size();
     const QMap<QString, QString> localIds = EasDatabase::instance()->serverToLocalCalendarIds(account().id());
-    return collectUploadedAdds(collection)
-        && acknowledged(Operation::CalendarChange, collection.id(), mSentChanged,
-            collection.getChangeCmdResponses(), localIds, mUploadedChanged)
-        && acknowledged(Operation::CalendarDelete, collection.id(), QList<QString>(mSentDeleted),
-            collection.getDeleteCmdResponses(), localIds, mUploadedDeleted);
-}
-
-bool CalendarResultHandler::collectUploadedAdds(const SyncCollection &collection)
-{
-    for (const AirSyncResponseAddItem &response : collection.getAddCmdResponses()) {
-        bool taken = false;
-        if (!judge(SyncItemStatus::Operation::CalendarAdd, response.status(), response.serverId(),
-                response.clientId(), taken))
-            return false;
-        for (EasCalendarItem item : qAsConst(mSentAdded)) {
-            if (!taken || item.localId() != response.clientId())
-                continue;
-            qCInfo(eas()) << "event with client id" << response.clientId() << "saved"
-                          << "on the server with server id" << response.serverId();
-            item.setServerId(response.serverId());
-            mUploadedAdded.append(item);
-        }
-    }
-    return true;
+    return collectUploadedAdds(collection) && collectUploadedChanges(collection, localIds)
+        && collectUploadedDeletions(collection, localIds);
 }
 
 bool CalendarResultHandler::storeUploaded(CalendarStorage &storage)
 {
-    for (const EasCalendarItem &item : qAsConst(mUploadedChanged))
-        qCInfo(eas()) << "Event with server id" << item.serverId() << "updated successfully";
-    for (const QString &serverId : qAsConst(mUploadedDeleted))
-        qCInfo(eas()) << "Calendar event" << serverId << "was deleted";
     const QStringList deleted(mUploadedDeleted);
     if (!storage.uploadedLocalChanges(mUploadedAdded, mUploadedChanged, deleted))
         return fail("failed to handle uploaded local calendar changes");
@@ -90,7 +49,7 @@ bool CalendarResultHandler::storeUploaded(CalendarStorage &storage)
     return true;
 }
 
-bool CalendarResultHandler::storeReceived(CalendarStorage &storage, SyncCollection &collection)
+bool CalendarResultHandler::storeReceived(CalendarStorage &storage, const SyncCollection &collection)
 {
     QList<EasCalendarItem> added = collection.addedCalendarItems();
     QList<EasCalendarItem> changed = collection.changedCalendarItems();
@@ -105,6 +64,10 @@ bool CalendarResultHandler::storeReceived(CalendarStorage &storage, SyncCollecti
 
 void CalendarResultHandler::storeSyncTime(CalendarStorage &storage, const SyncCollection &collection)
 {
+    // What the server has refused is a change since the old time, and is found again. Nor is there a new
+    // time if the changes could not be queried.
+    if (!hasUploadedAll() || collection.queryTime() == 0)
+        return;
     const QString localFolder =
         EasDatabase::instance()->serverToLocalFolderIds(account().id()).value(collection.id());
     if (localFolder.isEmpty())

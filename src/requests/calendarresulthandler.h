@@ -2,30 +2,24 @@
 #pragma once
 
 #include "easitems/eascalendaritem.h"
-#include "requests/syncresulthandler.h"
+#include "requests/uploadresulthandler.h"
 
 class CalendarStorage;
 
 /** Events of a Sync reply: acknowledged uploads first, then the server's items. */
-class CalendarResultHandler : public SyncResultHandler
+class CalendarResultHandler : public UploadResultHandler<EasCalendarItem>
 {
 public:
-    using SyncResultHandler::SyncResultHandler;
+    using UploadResultHandler::UploadResultHandler;
 
     bool handle(SyncCollection &collection) override;
 
-private:
-    void collectSent(const SyncCollection &collection);
-    bool collectUploaded(const SyncCollection &collection);
-    bool collectUploadedAdds(const SyncCollection &collection);
-    bool storeUploaded(CalendarStorage &storage);
-    bool storeReceived(CalendarStorage &storage, SyncCollection &collection);
-    void storeSyncTime(CalendarStorage &storage, const SyncCollection &collection);
+protected:
+    const Kind &kind() const override;
 
-    QList<EasCalendarItem> mSentAdded;
-    QList<EasCalendarItem> mSentChanged;
-    QStringList mSentDeleted;
-    QList<EasCalendarItem> mUploadedAdded;
-    QList<EasCalendarItem> mUploadedChanged;
-    QList<QString> mUploadedDeleted;
+private:
+    bool collectUploaded(const SyncCollection &collection);
+    bool storeUploaded(CalendarStorage &storage);
+    bool storeReceived(CalendarStorage &storage, const SyncCollection &collection);
+    void storeSyncTime(CalendarStorage &storage, const SyncCollection &collection);
 };

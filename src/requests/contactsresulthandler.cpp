@@ -4,10 +4,6 @@
 #include "application/easaccount.h"
 #include "application/easdatabase.h"
 #include "application/logging.h"
-#include "protocol/synccollection.h"
-#include "protocol/synccommandadd.h"
-#include "protocol/synccommandchange.h"
-#include "protocol/synccommanddelete.h"
 #include "storages/contactstorage.h"
 
 bool ContactsResultHandler::handle(SyncCollection &collection)
@@ -17,59 +13,29 @@ bool ContactsResultHandler::handle(SyncCollection &collection)
         return fail("ContactStorage is null");
 
     mLocalIds = EasDatabase::instance()->serverToLocalContactIds(account().id());
-    collectSent(collection);
+    // The store learns of acknowledged deletions by local identifiers.
+    if (EasDatabase::instance()->lookupFailed())
+        return fail("Failed to read contacts from EAS DB");
     return collectUploaded(collection) && storeReceived(*storage, collection) && storeUploaded(*storage);
 }
 
-void ContactsResultHandler::collectSent(const SyncCollection &collection)
+const ContactsResultHandler::Kind &ContactsResultHandler::kind() const
 {
-    for (const QSharedPointer<SyncCommandBase> &command : collection.commands()) {
-        switch (command->type()) {
-        case SyncCommandBase::AddCommand:
-            mSentAdded.append(command.staticCast<SyncCommandAdd>()->contactsItems());
-            break;
-        case SyncCommandBase::ChangeCommand:
-            mSentChanged.append(command.staticCast<SyncCommandChange>()->contactsItems());
-            break;
-        case SyncCommandBase::DeleteCommand:
-            mSentDeleted.append(command.staticCast<SyncCommandDelete>()->serverIds());
-            break;
-        default:
-            qCWarning(eas()) << "unhandled SyncCommand with type" << command->type();
-        }
-    }
+    using SyncItemStatus::Operation;
+    static const Kind contacts { &SyncCommandAdd::contactsItems, Operation::ContactAdd,
+        Operation::ContactChange, Operation::ContactDelete, "Contact with client id",
+        "Contact with server id", "Contact" };
+    return contacts;
 }
 
 bool ContactsResultHandler::collectUploaded(const SyncCollection &collection)
 {
-    using SyncItemStatus::Operation;
-    return acknowledged(Operation::ContactChange, collection.id(), mSentChanged,
-               collection.getChangeCmdResponses(), mLocalIds, mUploadedChanged)
-        && collectUploadedAdds(collection)
-        && acknowledged(Operation::ContactDelete, collection.id(), QList<QString>(mSentDeleted),
-            collection.getDeleteCmdResponses(), mLocalIds, mUploadedDeleted);
+    collectSent(collection);
+    return collectUploadedChanges(collection, mLocalIds) && collectUploadedAdds(collection)
+        && collectUploadedDeletions(collection, mLocalIds);
 }
 
-bool ContactsResultHandler::collectUploadedAdds(const SyncCollection &collection)
-{
-    for (const AirSyncResponseAddItem &response : collection.getAddCmdResponses()) {
-        bool taken = false;
-        if (!judge(SyncItemStatus::Operation::ContactAdd, response.status(), response.serverId(),
-                response.clientId(), taken))
-            return false;
-        for (EasContactsItem item : qAsConst(mSentAdded)) {
-            if (!taken || item.localId() != response.clientId())
-                continue;
-            qCInfo(eas()) << "Contact with client id" << response.clientId() << "saved"
-                          << "on the server with server id" << response.serverId();
-            item.setServerId(response.serverId());
-            mUploadedAdded.append(item);
-        }
-    }
-    return true;
-}
-
-bool ContactsResultHandler::storeReceived(ContactStorage &storage, SyncCollection &collection)
+bool ContactsResultHandler::storeReceived(ContactStorage &storage, const SyncCollection &collection)
 {
     if (!failedLocalIds().isEmpty())
         storage.setFailedLocalChangesIds(failedLocalIds());
@@ -92,13 +58,8 @@ bool ContactsResultHandler::storeUploaded(ContactStorage &storage)
         return ids;
     };
     QStringList deletedLocalIds;
-    for (const QString &serverId : qAsConst(mUploadedDeleted)) {
-        qCInfo(eas()) << "Contact" << serverId << "was deleted";
+    for (const QString &serverId : qAsConst(mUploadedDeleted))
         deletedLocalIds.append(mLocalIds.value(serverId));
-    }
-    for (const EasContactsItem &item : qAsConst(mUploadedChanged))
-        qCInfo(eas()) << "Contact with server id" << item.serverId() << "updated successfully";
-
     if (!storage.uploadedLocalChanges(localIds(mUploadedAdded), localIds(mUploadedChanged), deletedLocalIds))
         return fail("Failed to update contacts items");
     if (!EasDatabase::instance()->contactsItemsChanges(

@@ -2,30 +2,25 @@
 #pragma once
 
 #include "easitems/eascontactsitem.h"
-#include "requests/syncresulthandler.h"
+#include "requests/uploadresulthandler.h"
 
 class ContactStorage;
 
 /** Contacts of a Sync reply: the server's items first, then acknowledged uploads. */
-class ContactsResultHandler : public SyncResultHandler
+class ContactsResultHandler : public UploadResultHandler<EasContactsItem>
 {
 public:
-    using SyncResultHandler::SyncResultHandler;
+    using UploadResultHandler::UploadResultHandler;
 
     bool handle(SyncCollection &collection) override;
 
+protected:
+    const Kind &kind() const override;
+
 private:
-    void collectSent(const SyncCollection &collection);
     bool collectUploaded(const SyncCollection &collection);
-    bool collectUploadedAdds(const SyncCollection &collection);
-    bool storeReceived(ContactStorage &storage, SyncCollection &collection);
+    bool storeReceived(ContactStorage &storage, const SyncCollection &collection);
     bool storeUploaded(ContactStorage &storage);
 
     QMap<QString, QString> mLocalIds;
-    QList<EasContactsItem> mSentAdded;
-    QList<EasContactsItem> mSentChanged;
-    QStringList mSentDeleted;
-    QList<EasContactsItem> mUploadedAdded;
-    QList<EasContactsItem> mUploadedChanged;
-    QList<QString> mUploadedDeleted;
 };

@@ -6,6 +6,7 @@
 
 #include <QList>
 #include <QMap>
+#include <QSet>
 #include <QString>
 
 class EasAccount;
@@ -57,14 +58,21 @@ protected:
             result = sent;
             return true;
         }
+        // One item can go up as several changes, and has arrived if all of them have.
+        QSet<QString> taken;
+        QSet<QString> refused;
+        mCollectionId = collectionId;
         for (const Response &response : responses) {
-            bool taken = false;
-            mCollectionId = collectionId;
-            if (!judge(operation, response.status(), response.serverId(), localIds.value(response.serverId()),
-                    taken))
+            bool isTaken = false;
+            const QString serverId = response.serverId();
+            if (!judge(operation, response.status(), serverId, localIds.value(serverId), isTaken))
                 return false;
-            if (taken)
-                appendMatching(sent, response.serverId(), result);
+            (isTaken ? taken : refused).insert(serverId);
+        }
+        for (const Sent &entry : sent) {
+            const QString serverId = serverIdOf(entry);
+            if (taken.contains(serverId) && !refused.contains(serverId))
+                result.append(entry);
         }
         return true;
     }
@@ -72,15 +80,6 @@ protected:
 private:
     static const QString &serverIdOf(const QString &serverId) { return serverId; }
     static QString serverIdOf(const EasGeneralItem &item) { return item.serverId(); }
-
-    template <typename Sent>
-    static void appendMatching(const QList<Sent> &sent, const QString &serverId, QList<Sent> &result)
-    {
-        for (const Sent &entry : sent) {
-            if (serverIdOf(entry) == serverId)
-                result.append(entry);
-        }
-    }
 
     EasAccount &mAccount;
     SyncState &mState;

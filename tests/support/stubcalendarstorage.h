@@ -4,9 +4,12 @@
 #include "easitems/containers/easmeetingrequestcontainer.h"
 #include "easitems/eascalendaritem.h"
 #include "storages/calendarstorage.h"
+#include "support/itemlines.h"
 #include "support/stubfolders.h"
 
-/** A calendar store that keeps nothing and answers as a test says. */
+#include <functional>
+
+/** A calendar store that keeps a line for each call, and answers as a test says. */
 class StubCalendarStorage : public CalendarStorage
 {
 public:
@@ -16,33 +19,84 @@ public:
     }
 
     StubFolders folders;
+    /** "uploaded ", "received ", "time ", "query " or "touch " and what came with it. */
+    QStringList calls;
+    bool takesUploads = true;
+    bool takesItems = true;
+    bool answersQueries = true;
+    qint64 time = 0;
+    qint64 newTime = 0;
+    QList<EasCalendarItem> localAdded;
+    QList<EasCalendarItem> localChanged;
+    QStringList localDeleted;
+    /** Server identifiers of events that are made anew. */
+    QStringList replaces;
+    std::function<void(const QString &call)> onCall;
 
     bool updateFolders(
         QList<EasFolderItem> &added, QList<EasFolderItem> &changed, const QStringList &deleted) override
     {
         return folders.update(added, changed, deleted);
     }
-    bool updateItems(
-        QList<EasCalendarItem> &, QList<EasCalendarItem> &, const QStringList &, QStringList &) override
+    bool updateItems(QList<EasCalendarItem> &added, QList<EasCalendarItem> &changed,
+        const QStringList &deleted, QStringList &replaced) override
     {
-        return false;
+        note(QStringLiteral("received"), added, changed, deleted);
+        for (EasCalendarItem &item : added)
+            item.setLocalId(QStringLiteral("local-") + item.serverId());
+        replaced += replaces;
+        return takesItems;
     }
-    bool touchItems(const QString &, const QList<QPair<QString, QString>> &) override { return false; }
-    bool queryLocalUpdates(const QString &, qint64, qint64 &, QList<EasCalendarItem> &,
-        QList<EasCalendarItem> &, QStringList &) override
+    bool touchItems(const QString &folder, const QList<QPair<QString, QString>> &instances) override
     {
-        return false;
+        QString call = QStringLiteral("touch ") + folder;
+        for (const auto &instance : instances)
+            call += QLatin1Char(' ') + instance.first + QLatin1Char('@') + instance.second;
+        note(call);
+        return takesItems;
     }
-    bool syncTime(const QString &, qint64 &) override { return false; }
-    bool setSyncTime(const QString &, qint64) override { return false; }
-    bool cleanUpFolder(const EasFolderItem &) override { return false; }
+    bool queryLocalUpdates(const QString &folder, qint64 from, qint64 &until, QList<EasCalendarItem> &added,
+        QList<EasCalendarItem> &changed, QStringList &deleted) override
+    {
+        note(QStringLiteral("query %1 %2").arg(folder).arg(from));
+        added = localAdded;
+        changed = localChanged;
+        deleted = localDeleted;
+        until = newTime;
+        return answersQueries;
+    }
+    bool syncTime(const QString &, qint64 &result) override
+    {
+        result = time;
+        return true;
+    }
+    bool setSyncTime(const QString &folder, qint64 value) override
+    {
+        note(QStringLiteral("time %1 %2").arg(folder).arg(value));
+        return takesItems;
+    }
+    bool cleanUpFolder(const EasFolderItem &) override { return true; }
     bool uploadedLocalChanges(
-        QList<EasCalendarItem> &, QList<EasCalendarItem> &, const QStringList &) override
+        QList<EasCalendarItem> &added, QList<EasCalendarItem> &changed, const QStringList &deleted) override
     {
-        return false;
+        note(QStringLiteral("uploaded"), added, changed, deleted);
+        return takesUploads;
     }
     QByteArray iTIPRequestData(const EasMeetingRequestContainer &, const QString &, const QString &) override
     {
         return {};
+    }
+
+private:
+    void note(const QString &call)
+    {
+        calls.append(call);
+        if (onCall)
+            onCall(call);
+    }
+    void note(const QString &name, const QList<EasCalendarItem> &added, const QList<EasCalendarItem> &changed,
+        const QStringList &deleted)
+    {
+        note(name + ItemLines::of(added, changed, deleted));
     }
 };

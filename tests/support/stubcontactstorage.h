@@ -3,9 +3,12 @@
 
 #include "easitems/eascontactsitem.h"
 #include "storages/contactstorage.h"
+#include "support/itemlines.h"
 #include "support/stubfolders.h"
 
-/** A contact store that keeps nothing and answers as a test says. */
+#include <functional>
+
+/** A contact store that keeps a line for each call, and answers as a test says. */
 class StubContactStorage : public ContactStorage
 {
 public:
@@ -15,27 +18,58 @@ public:
     }
 
     StubFolders folders;
+    /** "uploaded ", "received ", "failed " or "query " and what came with it. */
+    QStringList calls;
+    bool takesUploads = true;
+    bool takesItems = true;
+    bool answersQueries = true;
+    QList<EasContactsItem> localAdded;
+    QList<EasContactsItem> localChanged;
+    QStringList localDeleted;
+    std::function<void(const QString &call)> onCall;
 
     bool updateFolders(
         QList<EasFolderItem> &added, QList<EasFolderItem> &changed, const QStringList &deleted) override
     {
         return folders.update(added, changed, deleted);
     }
-    bool updateItems(
-        const QString &, QList<EasContactsItem> &, QList<EasContactsItem> &, const QStringList &) override
+    bool updateItems(const QString &folder, QList<EasContactsItem> &added, QList<EasContactsItem> &changed,
+        const QStringList &deleted) override
     {
-        return false;
+        note(QStringLiteral("received ") + folder + ItemLines::of(added, changed, deleted));
+        for (EasContactsItem &item : added)
+            item.setLocalId(QStringLiteral("local-") + item.serverId());
+        return takesItems;
     }
-    bool cleanUpFolder(const EasFolderItem &) override { return false; }
-    bool queryChanges(
-        const EasFolderItem &, QList<EasContactsItem> *, QList<EasContactsItem> *, QStringList *) override
+    bool cleanUpFolder(const EasFolderItem &) override { return true; }
+    bool queryChanges(const EasFolderItem &folder, QList<EasContactsItem> *added,
+        QList<EasContactsItem> *changed, QStringList *deleted) override
     {
-        return false;
+        note(QStringLiteral("query ") + folder.serverId());
+        *added = localAdded;
+        *changed = localChanged;
+        *deleted = localDeleted;
+        return answersQueries;
     }
-    bool uploadedLocalChanges(const QStringList &, const QStringList &, const QStringList &) override
+    bool uploadedLocalChanges(
+        const QStringList &added, const QStringList &changed, const QStringList &deleted) override
     {
-        return false;
+        note(QStringLiteral("uploaded +%1 *%2 -%3")
+                 .arg(added.join(QLatin1Char(',')), changed.join(QLatin1Char(',')),
+                     deleted.join(QLatin1Char(','))));
+        return takesUploads;
     }
-    void setFailedLocalChangesIds(const QStringList &) override {}
+    void setFailedLocalChangesIds(const QStringList &localIds) override
+    {
+        note(QStringLiteral("failed ") + localIds.join(QLatin1Char(',')));
+    }
     void onSyncCompleted(EasAccountId, qulonglong, int) override {}
+
+private:
+    void note(const QString &call)
+    {
+        calls.append(call);
+        if (onCall)
+            onCall(call);
+    }
 };

@@ -1,0 +1,286 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "requests/calendarresulthandler.h"
+#include "requests/uploadresultscene.h"
+#include "support/logcollector.h"
+#include "support/stubcalendarstorage.h"
+#include "support/testmain.h"
+
+#include <QSqlDatabase>
+#include <QSqlQuery>
+
+using namespace UploadResultScene;
+
+/** What becomes of the events that went up and came down with a Sync. */
+class CalendarResultHandlerTest : public QObject
+{
+    Q_OBJECT
+
+private:
+    using Event = EasCalendarItem;
+
+    std::unique_ptr<FakeAccount> mAccount;
+    QSharedPointer<StubCalendarStorage> mStore;
+    SyncState mState;
+    int mStatus = 0;
+
+    static EasDatabase &database() { return *EasDatabase::instance(); }
+    static SyncCollection collection(
+        const QList<Event> &added, const QList<Event> &changed = {}, const QStringList &deleted = {})
+    {
+        SyncCollection result = sent("9", &SyncCommandAdd::setCalendarItems, added, changed, deleted);
+        result.setQueryTime(1000);
+        return result;
+    }
+    bool handle(SyncCollection &collection)
+    {
+        CalendarResultHandler handler(*mAccount, mState);
+        const bool handled = handler.handle(collection);
+        mStatus = handler.status();
+        return handled;
+    }
+    static void refuseStatements(const char *kind)
+    {
+        QSqlQuery query(QSqlDatabase::database(QStringLiteral("fennel-eas-db")));
+        QVERIFY(query.exec(QStringLiteral("CREATE TRIGGER refuse BEFORE %1 ON calendar BEGIN "
+                                          "SELECT RAISE(ABORT, 'refused'); END")
+                               .arg(QLatin1String(kind))));
+    }
+
+private Q_SLOTS:
+    void init()
+    {
+        openDatabase();
+        mState = SyncState();
+        mAccount = std::make_unique<FakeAccount>(Account);
+        mAccount->events = mStore = QSharedPointer<StubCalendarStorage>::create();
+        EasFolderItem folder;
+        folder.setServerId(QStringLiteral("9"));
+        folder.setLocalId(QStringLiteral("notebook"));
+        folder.setType(EasFolderItem::DefaultCalendarFolder);
+        QVERIFY(database().addFolderItems(Account, { folder }));
+        QVERIFY(database().addCalendarItems(Account, { item<Event>("e1", "9:1"), item<Event>("e2", "9:2") }));
+    }
+
+    void cleanup()
+    {
+        mAccount.reset();
+        mStore.reset();
+        EasDatabase::releaseInstance();
+    }
+
+    void aMissingStoreIsAFailure()
+    {
+        const LogCollector log;
+        mAccount->events.reset();
+        SyncCollection reply = collection({});
+        QVERIFY(!handle(reply));
+        QCOMPARE(mStatus, -2);
+        QVERIFY(log.contains(QtCriticalMsg, { QStringLiteral("CalendarStorage is null") }));
+    }
+
+    void uploadsComeBeforeWhatTheServerSends()
+    {
+        SyncCollection reply =
+            collection({ item<Event>("new") }, { item<Event>("e1", "9:1") }, { QStringLiteral("9:2") });
+        answerAdd(reply, "new", "9:7");
+        reply.appendAddedCalendars(Event(), QStringLiteral("9:8"));
+        reply.appendChangedCalendars(Event(), QStringLiteral("9:1"));
+        reply.appendDeletedIds(QStringLiteral("9:3"));
+        QStringList rows;
+        mStore->onCall = [&](const QString &) {
+            rows.append(database().serverToLocalCalendarIds(Account).keys().join(QLatin1Char(',')));
+        };
+        const LogCollector log;
+        QVERIFY(handle(reply));
+        QCOMPARE(mStatus, 0);
+        QCOMPARE(mStore->calls,
+            QStringList({ QStringLiteral("uploaded +new=9/9:7 *9/9:1 -9:2"),
+                QStringLiteral("received +=9/9:8 *9/9:1 -9:3"), QStringLiteral("time notebook 1000") }));
+        // Each store call comes before its rows, and the time after all of them.
+        QCOMPARE(rows,
+            QStringList(
+                { QStringLiteral("9:1,9:2"), QStringLiteral("9:1,9:7"), QStringLiteral("9:1,9:7,9:8") }));
+        QVERIFY(log.contains(QtInfoMsg,
+            { QStringLiteral("handleCalendarResults: sending commands to server:"), QStringLiteral("A/M/R:"),
+                QStringLiteral("1"), QStringLiteral("1"), QStringLiteral("1") }));
+        QVERIFY(log.contains(QtInfoMsg,
+            { QStringLiteral("event with client id"), QStringLiteral("new"), QStringLiteral("saved"),
+                QStringLiteral("on the server with server id"), QStringLiteral("9:7") }));
+        QVERIFY(log.contains(QtInfoMsg,
+            { QStringLiteral("Event with server id"), QStringLiteral("9:1"),
+                QStringLiteral("updated successfully") }));
+        QVERIFY(log.contains(QtInfoMsg,
+            { QStringLiteral("Calendar event"), QStringLiteral("9:2"), QStringLiteral("was deleted") }));
+    }
+
+    void anEventThatIsMadeAnewLosesItsRowFirst()
+    {
+        SyncCollection reply = collection({});
+        reply.appendAddedCalendars(Event(), QStringLiteral("9:1"));
+        mStore->replaces = QStringList(QStringLiteral("9:1"));
+        QVERIFY(handle(reply));
+        QCOMPARE(database().serverToLocalCalendarIds(Account).value(QStringLiteral("9:1")),
+            QStringLiteral("local-9:1"));
+        QCOMPARE(database().localToServerCalendarIds(Account).value(QStringLiteral("e1")), QString());
+    }
+
+    void onlyWhatIsAnsweredIsAcknowledged()
+    {
+        SyncCollection reply = collection({}, { item<Event>("e1", "9:1"), item<Event>("e2", "9:2") });
+        answerChange(reply, "9:2");
+        QVERIFY(handle(reply));
+        QCOMPARE(mStore->calls.first(), QStringLiteral("uploaded *9/9:2"));
+        // The other one is found again by the next query.
+        QVERIFY(!mStore->calls.filter(QStringLiteral("time")).size());
+    }
+
+    void anAdditionWithoutAnAnswerGoesUpAgain()
+    {
+        SyncCollection reply = collection({ item<Event>("new"), item<Event>("lost") });
+        answerAdd(reply, "new", "9:7");
+        answerAdd(reply, "new", "9:7");
+        answerAdd(reply, "unknown", "9:9");
+        QVERIFY(handle(reply));
+        QCOMPARE(mStore->calls.first(), QStringLiteral("uploaded +new=9/9:7"));
+        QCOMPARE(mStore->calls.filter(QStringLiteral("time")), QStringList());
+    }
+
+    void anEventOfWhichOnePartIsRefusedIsNotAcknowledged()
+    {
+        SyncCollection reply = collection({}, { item<Event>("e1", "9:1"), item<Event>("e2", "9:2") });
+        // The series has arrived, its changed occurrence has not.
+        answerChange(reply, "9:1");
+        answerChange(reply, "9:1", 6);
+        answerChange(reply, "9:2");
+        answerChange(reply, "9:2");
+        QVERIFY(handle(reply));
+        QCOMPARE(mStore->calls.first(), QStringLiteral("uploaded *9/9:2"));
+    }
+
+    void aRefusalKeepsTheSyncTime_data()
+    {
+        QTest::addColumn<uint>("status");
+        for (const uint status : { 4U, 6U, 7U, 8U, 13U, 99U })
+            QTest::newRow(qPrintable(QString::number(status))) << status;
+    }
+
+    void aRefusalKeepsTheSyncTime()
+    {
+        QFETCH(uint, status);
+        const QList<SyncCollection> replies { collection({ item<Event>("new") }),
+            collection({}, { item<Event>("e1", "9:1") }), collection({}, {}, { QStringLiteral("9:1") }) };
+        for (int i = 0; i < replies.size(); ++i) {
+            SyncCollection reply = replies.at(i);
+            if (i == 0)
+                answerAdd(reply, "new", "", status);
+            else if (i == 1)
+                answerChange(reply, "9:1", status);
+            else
+                answerDelete(reply, "9:1", status);
+            mStore->calls.clear();
+            QVERIFY(handle(reply));
+            QCOMPARE(mStore->calls, QStringList({ QStringLiteral("uploaded"), QStringLiteral("received") }));
+        }
+    }
+
+    void aFullMailboxStopsTheCollection()
+    {
+        SyncCollection reply = collection({}, { item<Event>("e1", "9:1") });
+        answerChange(reply, "9:1", 9);
+        QVERIFY(!handle(reply));
+        QCOMPARE(mStatus, -6);
+        QCOMPARE(mStore->calls, QStringList());
+    }
+
+    void aStoreThatRefusesIsAFailure_data()
+    {
+        QTest::addColumn<bool>("uploads");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("uploads") << true
+                                 << QStringLiteral("failed to handle uploaded local calendar changes");
+        QTest::newRow("items") << false << QStringLiteral("Failed to update calendar items");
+    }
+
+    void aStoreThatRefusesIsAFailure()
+    {
+        QFETCH(bool, uploads);
+        QFETCH(QString, text);
+        const LogCollector log;
+        mStore->takesUploads = !uploads;
+        mStore->takesItems = uploads;
+        SyncCollection reply = collection({});
+        QVERIFY(!handle(reply));
+        QCOMPARE(mStatus, -2);
+        QVERIFY(log.contains(QtCriticalMsg, { text }));
+        QCOMPARE(mStore->calls.size(), uploads ? 1 : 2);
+    }
+
+    void aDatabaseThatRefusesIsAFailure()
+    {
+        refuseStatements("INSERT");
+        const LogCollector log;
+        SyncCollection up = collection({ item<Event>("new") });
+        answerAdd(up, "new", "9:7");
+        QVERIFY(!handle(up));
+        QCOMPARE(mStatus, -2);
+        QVERIFY(log.contains(
+            QtCriticalMsg, { QStringLiteral("Failed to update calendar items in EAS DB for response") }));
+        QCOMPARE(mStore->calls.size(), 1);
+        mStore->calls.clear();
+        SyncCollection down = collection({});
+        down.appendAddedCalendars(Event(), QStringLiteral("9:8"));
+        QVERIFY(!handle(down));
+        QVERIFY(
+            log.texts(QtCriticalMsg).contains(QStringLiteral("Failed to update calendar items in EAS DB")));
+        QCOMPARE(mStore->calls.size(), 2);
+    }
+
+    void aTimeThatCannotBeSetChangesNothing()
+    {
+        const LogCollector log;
+        SyncCollection reply = collection({});
+        reply.setId(QStringLiteral("unknown"));
+        QVERIFY(handle(reply));
+        QVERIFY(log.contains(QtWarningMsg,
+            { QStringLiteral("failed to find local folder id for folder"), QStringLiteral("unknown") }));
+    }
+
+    void withoutAQueryThereIsNoNewTime()
+    {
+        SyncCollection reply = collection({});
+        reply.setQueryTime(0);
+        QVERIFY(handle(reply));
+        QCOMPARE(mStore->calls.filter(QStringLiteral("time")), QStringList());
+    }
+
+    void commandsOfAnotherKindAreLogged()
+    {
+        class Odd : public SyncCommandBase
+        {
+        public:
+            explicit Odd(Type type)
+                : mType(type)
+            {
+            }
+            Type type() const override { return mType; }
+            using SyncCommandBase::encode;
+            void encode(WbxmlEncoder &, ExchangeActiveSync::ProtocolVersion) const override {}
+
+        private:
+            Type mType;
+        };
+        const LogCollector log;
+        SyncCollection reply = collection({});
+        for (const auto type : { SyncCommandBase::AddCommand, SyncCommandBase::DeleteCommand,
+                 SyncCommandBase::ChangeCommand, SyncCommandBase::FetchCommand })
+            reply.appendCommand(new Odd(type));
+        QVERIFY(handle(reply));
+        for (const char *name : { "Add", "Change", "Delete" })
+            QVERIFY(log.contains(
+                QStringLiteral("can't cast command to SyncCommand%1 with type").arg(QLatin1String(name))));
+        QVERIFY(log.contains(QStringLiteral("unhandled SyncCommand with type")));
+    }
+};
+
+FENNEL_REGISTER_TEST(CalendarResultHandlerTest)
+#include "calendarresulthandlertest.moc"
