@@ -243,11 +243,17 @@ void SyncCollectionBuilder::appendCalendarChanges(SyncCollection &collection, co
 void SyncCollectionBuilder::deferNewExceptions(
     const SyncCollection &collection, const QList<EasCalendarItem> &added)
 {
+    const QList<QPair<QString, QString>> touched = mState.calendarExceptionsTouched.value(collection.id());
     for (const EasCalendarItem &item : added) {
         const QList<EasCalendarItem> exceptions = item.exceptions();
-        for (const EasCalendarItem &exception : exceptions)
-            mState.calendarExceptionsForLater[collection.id()].append(
-                { item.localId(), exception.exceptionStartTime() });
+        for (const EasCalendarItem &exception : exceptions) {
+            const QPair<QString, QString> occurrence(item.localId(), exception.exceptionStartTime());
+            if (touched.contains(occurrence))
+                continue;
+            QList<QPair<QString, QString>> &waiting = mState.calendarExceptionsForLater[collection.id()];
+            if (!waiting.contains(occurrence))
+                waiting.append(occurrence);
+        }
     }
 }
 

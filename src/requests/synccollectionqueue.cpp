@@ -55,7 +55,6 @@ bool SyncCollectionQueue::queryCollectionsForSync(
 
     if (!readable)
         return false;
-    mState.calendarExceptionsForLater.clear();
     SyncCollectionBuilder builder(mAccount, mState);
     for (const EasFolderItem &folder : qAsConst(folders)) {
         const SyncCollection collection = builder.setupSyncCollection(folder);

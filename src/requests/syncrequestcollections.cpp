@@ -260,6 +260,7 @@ void SyncRequest::startDeferredExceptions()
             SyncState::addOnce(mSync.collectionsToSync, entry.key());
         else
             qCWarning(eas()) << "Failed touch local items";
+        mSync.calendarExceptionsTouched[entry.key()] += entry.value();
     }
     mSync.calendarExceptionsForLater.clear();
     startSyncCommand();

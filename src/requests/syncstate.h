@@ -19,6 +19,8 @@ struct SyncState
     QStringList collectionsToRetry;
     /** Per collection the occurrences that wait until their series exists on the server. */
     QMap<QString, QList<QPair<QString, QString>>> calendarExceptionsForLater;
+    /** Those that have waited once: a series that the server does not take must not be tried for ever. */
+    QMap<QString, QList<QPair<QString, QString>>> calendarExceptionsTouched;
 
     static void addOnce(QStringList &list, const QString &id)
     {
