@@ -123,8 +123,12 @@ WbxmlNode CollectionSync::proceed(CollectionState &state, const QString &key)
     if (mRequest.has(QStringLiteral("Options")))
         state.options = SyncOptions::fromNode(mRequest.at(QStringLiteral("Options")));
     const QSet<QString> lastDeletes = state.lastDeletes;
-    if (key == state.key)
-        state.lastDeletes.clear(); // they arrived
+    const QHash<QString, ItemState> lastChanges = state.lastChanges;
+    if (key == state.key) {
+        // The device has the answer to them.
+        state.lastDeletes.clear();
+        state.lastChanges.clear();
+    }
     state.known.mark();
     SyncUploads uploads(mContext, mFolder, state, mRequest);
     const QVector<WbxmlNode> responses = uploads.run();
@@ -136,11 +140,13 @@ WbxmlNode CollectionSync::proceed(CollectionState &state, const QString &key)
     if (mIsSilent) {
         // Nothing changed, so the way back from the last answer stays as well.
         state.lastDeletes = lastDeletes;
+        state.lastChanges = lastChanges;
         return statusReply(Success, key);
     }
     state.known.settle();
     state.previousKey = key;
     state.lastDeletes = uploads.deleted();
+    state.lastChanges = uploads.changed();
     state.key = mContext.nextKey();
     WbxmlNode reply = statusReply(Success, state.key);
     if (more)

@@ -62,6 +62,7 @@ struct CollectionState
     WbxmlNode lastRequest;
     WbxmlNode lastReply;
     QSet<QString> lastDeletes; ///< what the last request deleted
+    QHash<QString, ItemState> lastChanges; ///< what it changed, and how it is since
 
     /** Server identifiers of what the device added, by ClientId; kept so that nothing is added twice. */
     QHash<QString, QString> added;

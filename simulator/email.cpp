@@ -105,6 +105,12 @@ QVector<WbxmlNode> Email::changedElements(const ItemState &known, const ItemShap
     return EmailShape::changed(*this, known, shape);
 }
 
+std::optional<ItemAttachment> Email::attachment(int number) const
+{
+    const QVector<ItemAttachment> all = mContent->attachments();
+    return number >= 0 && number < all.size() ? std::make_optional(all.at(number)) : std::nullopt;
+}
+
 ItemPtr Email::withChanges(const WbxmlNode &applicationData, const UploadShape &) const
 {
     auto changed = std::make_shared<Email>(*this);

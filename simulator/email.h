@@ -35,7 +35,7 @@ public:
     QVector<WbxmlNode> elements(const ItemShape &shape) const override;
     QVector<WbxmlNode> changedElements(const ItemState &known, const ItemShape &shape) const override;
     ItemPtr withChanges(const WbxmlNode &applicationData, const UploadShape &upload) const override;
-    QVector<ItemAttachment> attachments() const override { return mContent->attachments(); }
+    std::optional<ItemAttachment> attachment(int number) const override;
 
 private:
     static Ptr sealed(const std::shared_ptr<Email> &email);

@@ -3,11 +3,11 @@
 
 #include "simulator/bodyshape.h"
 #include "simulator/datetext.h"
+#include "simulator/filereference.h"
 #include "simulator/meetingshape.h"
 #include "simulator/protocolversion.h"
 
 #include <QCryptographicHash>
-#include <QUrl>
 
 namespace Simulator {
 namespace {
@@ -55,7 +55,7 @@ QVector<WbxmlNode> attachments(const QString &name, const Email &email, const It
         const AttachmentInfo &info = infos.at(i);
         WbxmlNode &node = list.append(QStringLiteral("Attachment"));
         node.append(QStringLiteral("DisplayName"), info.name);
-        node.append(QStringLiteral("FileReference"), EmailShape::fileReference(shape.serverId, i));
+        node.append(QStringLiteral("FileReference"), FileReference::text(shape.serverId, i));
         node.append(QStringLiteral("Method"), info.isMessage ? 5 : 1);
         node.append(QStringLiteral("EstimatedDataSize"), info.size);
         if (!info.contentId.isEmpty())
@@ -186,20 +186,6 @@ QVector<WbxmlNode> EmailShape::changed(const Email &email, const ItemState &know
             result += row.nodes(QLatin1String(row.name), email, shape);
     }
     return result;
-}
-
-QString EmailShape::fileReference(const QString &serverId, int attachment)
-{
-    const QString plain = QStringLiteral("%1:%2").arg(serverId).arg(attachment);
-    return QString::fromLatin1(QUrl::toPercentEncoding(plain));
-}
-
-EmailShape::FileReference EmailShape::parseFileReference(const QString &reference)
-{
-    const QString plain = QUrl::fromPercentEncoding(reference.toUtf8());
-    bool ok = false;
-    const int attachment = plain.section(QLatin1Char(':'), 2, 2).toInt(&ok);
-    return { plain.section(QLatin1Char(':'), 0, 1), ok ? attachment : -1 };
 }
 
 } // namespace Simulator

@@ -12,14 +12,5 @@ namespace EmailShape {
 QVector<WbxmlNode> all(const Email &email, const ItemShape &shape);
 QVector<WbxmlNode> changed(const Email &email, const ItemState &known, const ItemShape &shape);
 
-/** How attachments are named in fetches: the item and the attachment's number. */
-QString fileReference(const QString &serverId, int attachment);
-struct FileReference
-{
-    QString serverId;
-    int attachment = -1;
-};
-FileReference parseFileReference(const QString &reference);
-
 } // namespace EmailShape
 } // namespace Simulator

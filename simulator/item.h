@@ -7,6 +7,7 @@
 #include <QMap>
 
 #include <memory>
+#include <optional>
 
 namespace Simulator {
 
@@ -53,7 +54,13 @@ public:
     virtual QVector<WbxmlNode> changedElements(const ItemState &known, const ItemShape &shape) const = 0;
     /** The item with the fields that a client sent; null if they do not fit. */
     virtual ItemPtr withChanges(const WbxmlNode &applicationData, const UploadShape &upload) const = 0;
-    virtual QVector<ItemAttachment> attachments() const { return {}; }
+    /** The same of one occurrence of a series; null if there is none like that. */
+    virtual ItemPtr withInstance(
+        const QString &instanceId, const WbxmlNode &applicationData, const UploadShape &upload) const;
+    /** The series with that occurrence deleted. */
+    virtual ItemPtr withoutInstance(const QString &instanceId, const UploadShape &upload) const;
+    /** By the number in its file reference. */
+    virtual std::optional<ItemAttachment> attachment(int number) const;
 };
 
 } // namespace Simulator

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "simulator/itemfetch.h"
 
-#include "simulator/emailshape.h"
+#include "simulator/filereference.h"
 
 #include <algorithm>
 #include <optional>
@@ -107,12 +107,10 @@ WbxmlNode ItemFetch::fetchItem(const QString &serverId)
 
 WbxmlNode ItemFetch::fetchAttachment(const QString &reference)
 {
-    const EmailShape::FileReference parsed = EmailShape::parseFileReference(reference);
+    const FileReference parsed = FileReference::parse(reference);
     const ItemPtr item = mContext.mailbox.item(parsed.serverId);
-    const QVector<ItemAttachment> attachments = item ? item->attachments() : QVector<ItemAttachment>();
-    if (parsed.attachment < 0 || parsed.attachment >= attachments.size())
-        return reply(NoAttachment);
-    return attachmentReply(attachments.at(parsed.attachment));
+    const auto attachment = item ? item->attachment(parsed.attachment) : std::nullopt;
+    return attachment ? attachmentReply(*attachment) : reply(NoAttachment);
 }
 
 WbxmlNode ItemFetch::attachmentReply(const ItemAttachment &attachment)

@@ -4,6 +4,7 @@
 #include "simulator/collectionsync.h"
 #include "simulator/contactitem.h"
 #include "simulator/email.h"
+#include "simulator/eventitem.h"
 #include "simulator/nodeitem.h"
 #include "simulator/protocolversion.h"
 
@@ -14,6 +15,8 @@ namespace {
 
 enum Status { Success = 1, BadItem = 6, Conflict = 7, NotFound = 8 };
 enum Policy { ClientWins = 0 };
+
+const QString instanceElement = QStringLiteral("AirSyncBase:InstanceId");
 
 /** Fields that the change sets and that someone else has set otherwise since the device last looked. */
 bool isInConflict(const ItemState &known, const ItemState &now, const ItemState &wanted)
@@ -61,6 +64,9 @@ QVector<WbxmlNode> SyncUploads::run()
         if (!response.isNull())
             responses.append(response);
     }
+    // As with something that it never heard of: the item comes down once more, with the references.
+    for (const QString &serverId : qAsConst(mWithNewFiles))
+        mState.known.insert(serverId, ItemState());
     return responses;
 }
 
@@ -78,7 +84,7 @@ int SyncUploads::statusBefore(const QString &id) const
     return mContext.mailbox.isReadOnly(mFolder.id) ? int(BadItem) : 0;
 }
 
-WbxmlNode SyncUploads::failure(const QString &element, const QString &serverId, int status) const
+WbxmlNode SyncUploads::answer(const QString &element, const QString &serverId, int status)
 {
     WbxmlNode node(element);
     node.append(QStringLiteral("ServerId"), serverId);
@@ -86,11 +92,39 @@ WbxmlNode SyncUploads::failure(const QString &element, const QString &serverId, 
     return node;
 }
 
+WbxmlNode SyncUploads::refusal(const WbxmlNode &command, int status)
+{
+    if (status == Success)
+        return WbxmlNode();
+    WbxmlNode node(command.name());
+    node.append(QStringLiteral("ServerId"), command.text(QStringLiteral("ServerId")));
+    if (command.has(instanceElement))
+        node.append(instanceElement, command.text(instanceElement));
+    node.append(QStringLiteral("Status"), status);
+    return node;
+}
+
+void SyncUploads::rememberFiles(const QString &serverId, const WbxmlNode &data)
+{
+    if (data.has(QStringLiteral("AirSyncBase:Attachments/Add")))
+        mWithNewFiles.insert(serverId);
+}
+
+QVector<WbxmlNode> SyncUploads::filesOf(const QString &serverId) const
+{
+    const ItemPtr item = mContext.mailbox.item(serverId);
+    const ItemShape shape { mContext.version(), serverId, false, mState.options, nullptr };
+    const WbxmlNode all(QStringLiteral("AirSync:ApplicationData"), item->elements(shape));
+    return all.all(QStringLiteral("AirSyncBase:Attachments"));
+}
+
 ItemPtr SyncUploads::newItem(const WbxmlNode &data) const
 {
     const QString className = itemClassOf(mFolder.type);
     if (className == QLatin1String("Contacts"))
         return ContactItem::fromUpload(data, uploadShape());
+    if (className == QLatin1String("Calendar"))
+        return EventItem::fromUpload(data, uploadShape());
     if (className != QLatin1String("Email"))
         return std::make_shared<NodeItem>(className, data.children());
     const bool isDraft = mFolder.type == DraftsFolder && mContext.version() >= Version160;
@@ -114,6 +148,7 @@ WbxmlNode SyncUploads::add(const WbxmlNode &command)
         // Also for one that came before: the client may have lost the answer.
         if (const ItemPtr item = mContext.mailbox.item(serverId))
             mState.known.insert(serverId, item->state());
+        rememberFiles(serverId, command.at(QStringLiteral("ApplicationData")));
         status = Success;
     }
     WbxmlNode node(QStringLiteral("AirSync:Add"));
@@ -121,32 +156,49 @@ WbxmlNode SyncUploads::add(const WbxmlNode &command)
     if (status == Success)
         node.append(QStringLiteral("ServerId"), serverId);
     node.append(QStringLiteral("Status"), status);
+    if (status == Success && mWithNewFiles.contains(serverId))
+        node.append(WbxmlNode(QStringLiteral("AirSync:ApplicationData"), filesOf(serverId)));
     return node;
 }
 
 WbxmlNode SyncUploads::change(const WbxmlNode &command)
 {
-    const QString serverId = command.text(QStringLiteral("ServerId"));
-    const int refused = statusBefore(serverId);
-    const int status =
-        refused ? refused : applyChange(serverId, command.at(QStringLiteral("ApplicationData")));
-    return status == Success ? WbxmlNode() : failure(QStringLiteral("AirSync:Change"), serverId, status);
+    const int refused = statusBefore(command.text(QStringLiteral("ServerId")));
+    return refusal(command, refused ? refused : applyChange(command));
 }
 
-int SyncUploads::applyChange(const QString &serverId, const WbxmlNode &data)
+bool SyncUploads::isHere(const QString &serverId) const
 {
-    const ItemPtr item = mContext.mailbox.item(serverId);
-    const bool isHere = item && serverId.section(QLatin1Char(':'), 0, 0) == mFolder.id;
-    if (!isHere || !mState.known.contains(serverId))
+    return serverId.section(QLatin1Char(':'), 0, 0) == mFolder.id && mContext.mailbox.item(serverId);
+}
+
+int SyncUploads::applyChange(const WbxmlNode &command)
+{
+    const QString serverId = command.text(QStringLiteral("ServerId"));
+    if (!isHere(serverId) || !mState.known.contains(serverId))
         return NotFound;
+    const WbxmlNode data = command.at(QStringLiteral("ApplicationData"));
+    const ItemPtr item = mContext.mailbox.item(serverId);
     const bool isDraft = mFolder.type == DraftsFolder && mContext.version() >= Version160;
     if (item->className() == QLatin1String("Email") && !isDraft && !changesMarksAlone(data))
         return BadItem;
-    const ItemPtr changed = item->withChanges(data, uploadShape());
+    const ItemPtr changed = command.has(instanceElement)
+        ? item->withInstance(command.text(instanceElement), data, uploadShape())
+        : item->withChanges(data, uploadShape());
+    const int status = replace(serverId, item, changed);
+    if (status == Success)
+        rememberFiles(serverId, data);
+    return status;
+}
+
+int SyncUploads::replace(const QString &serverId, const ItemPtr &item, const ItemPtr &changed)
+{
     if (!changed)
         return BadItem;
-    ItemState known = mState.known.value(serverId);
     const ItemState now = item->state();
+    // What the device did itself is no conflict, though it lost the answer.
+    const bool isOwn = mState.lastChanges.contains(serverId) && mState.lastChanges.value(serverId) == now;
+    ItemState known = isOwn ? now : mState.known.value(serverId);
     const ItemState wanted = changed->state();
     if (mState.options.conflict != ClientWins && isInConflict(known, now, wanted))
         return Conflict;
@@ -157,6 +209,7 @@ int SyncUploads::applyChange(const QString &serverId, const WbxmlNode &data)
     // With nothing left to tell, the device shares the item's own map.
     mState.known.insert(serverId, known == wanted ? wanted : known);
     mContext.mailbox.replaceItem(serverId, changed);
+    mChanged.insert(serverId, wanted);
     return Success;
 }
 
@@ -164,8 +217,18 @@ WbxmlNode SyncUploads::remove(const WbxmlNode &command)
 {
     const QString serverId = command.text(QStringLiteral("ServerId"));
     const int refused = statusBefore(serverId);
-    const int status = refused ? refused : applyDelete(serverId);
-    return status == Success ? WbxmlNode() : failure(QStringLiteral("AirSync:Delete"), serverId, status);
+    if (refused != 0)
+        return refusal(command, refused);
+    return refusal(command, command.has(instanceElement) ? deleteInstance(command) : applyDelete(serverId));
+}
+
+int SyncUploads::deleteInstance(const WbxmlNode &command)
+{
+    const QString serverId = command.text(QStringLiteral("ServerId"));
+    if (!isHere(serverId) || !mState.known.contains(serverId))
+        return NotFound;
+    const ItemPtr item = mContext.mailbox.item(serverId);
+    return replace(serverId, item, item->withoutInstance(command.text(instanceElement), uploadShape()));
 }
 
 int SyncUploads::applyDelete(const QString &serverId)
@@ -176,7 +239,7 @@ int SyncUploads::applyDelete(const QString &serverId)
         mDeleted.insert(serverId);
         return Success;
     }
-    if (serverId.section(QLatin1Char(':'), 0, 0) != mFolder.id || !mContext.mailbox.item(serverId))
+    if (!isHere(serverId))
         return NotFound;
     const QString bin = mContext.mailbox.folderOfType(DeletedItemsFolder).id;
     const bool asMove = mCollection.text(QStringLiteral("DeletesAsMoves")) != QLatin1String("0");
@@ -195,11 +258,11 @@ WbxmlNode SyncUploads::fetch(const WbxmlNode &command)
     const int forced = forcedStatus(serverId);
     const ItemPtr item = mContext.mailbox.item(serverId);
     if (forced || !item)
-        return failure(QStringLiteral("AirSync:Fetch"), serverId, forced ? forced : NotFound);
+        return answer(QStringLiteral("AirSync:Fetch"), serverId, forced ? forced : NotFound);
     ItemShape shape { mContext.version(), serverId, mFolder.type == DraftsFolder, mState.options, nullptr };
     // The published schema has no body part here.
     shape.options.bodyParts.clear();
-    WbxmlNode node = failure(QStringLiteral("AirSync:Fetch"), serverId, Success);
+    WbxmlNode node = answer(QStringLiteral("AirSync:Fetch"), serverId, Success);
     node.append(WbxmlNode(QStringLiteral("AirSync:ApplicationData"), item->elements(shape)));
     return node;
 }

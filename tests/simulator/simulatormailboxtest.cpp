@@ -101,7 +101,7 @@ private Q_SLOTS:
             for (const ItemEntry &entry : items) {
                 const auto email = std::dynamic_pointer_cast<const Email>(entry.item);
                 const EmailContent &content = email->content();
-                attachments += email->attachments();
+                attachments += content.attachments();
                 meetings += content.meetingRequest().isEmpty() ? 0 : 1;
                 withHtml += content.bodies().html.isEmpty() ? 0 : 1;
                 subjects.append(content.headers().subject);

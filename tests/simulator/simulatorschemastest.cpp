@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "protocolfiles.h"
 #include "samplecontacts.h"
+#include "sampleevents.h"
 #include "samplemessages.h"
 #include "simulatorclient.h"
 
 #include "simulator/contactitem.h"
+#include "simulator/eventitem.h"
 #include "simulator/protocolversion.h"
 #include "support/testmain.h"
 
@@ -48,6 +50,7 @@ private Q_SLOTS:
         playFolders(server, client);
         playMail(server, client);
         playContacts(server, client);
+        playEvents(server, client);
         playItems(server, client);
         QCOMPARE(server.failures(), QStringList());
         const QVector<RecordedRequest> requests = server.requests();
@@ -183,6 +186,37 @@ private:
             QStringLiteral("<Commands><Change><ServerId>%1</ServerId><ApplicationData><c:Title>Prof</c:Title>"
                            "</ApplicationData></Change><Fetch><ServerId>%1</ServerId></Fetch></Commands>");
         client.sync(contacts, key, change.arg(id));
+        client.setClass(QStringLiteral("Email"));
+    }
+
+    static void playEvents(ExchangeServer &server, SimulatorClient &client)
+    {
+        Mailbox &mailbox = server.mailbox();
+        const QString calendar = mailbox.folderOfType(CalendarFolder).id;
+        for (const Event &event :
+            { SampleEvents::weekly(), SampleEvents::wholeDay(), SampleEvents::meeting() })
+            mailbox.addItem(calendar, EventItem::make(event));
+        client.setClass(QStringLiteral("Calendar"));
+        const WbxmlNode first = client.sync(calendar, client.firstKey(calendar));
+        const QString id = mailbox.items(calendar).first().serverId;
+        mailbox.edit<EventItem>(id, [](Event &event) { event.subject = QStringLiteral("Changed"); });
+        const QString commands = QStringLiteral(
+            "<Commands><Add><ClientId>e1</ClientId><ApplicationData>%2</ApplicationData></Add><Add>"
+            "<ClientId>e2</ClientId><ApplicationData><k:Subject>no times</k:Subject></ApplicationData></Add>"
+            "<Change><ServerId>%1</ServerId><ApplicationData><k:UID>x</k:UID></ApplicationData></Change>"
+            "<Fetch><ServerId>%1</ServerId></Fetch></Commands>");
+        const bool is160 = client.version() >= QLatin1String("16");
+        const QString file = is160 ? SampleEvents::fileXml(QStringLiteral("one")) : QString();
+        QString key = client
+                          .sync(calendar, first.text(QStringLiteral("SyncKey")),
+                              commands.arg(id, SampleEvents::timesXml() + file))
+                          .text(QStringLiteral("SyncKey"));
+        const QString instances = QStringLiteral(
+            "<Commands><Change><ServerId>%1</ServerId><b:InstanceId>20200101T000000Z</b:InstanceId>"
+            "<ApplicationData><k:Subject>none</k:Subject></ApplicationData></Change><Delete><ServerId>%1"
+            "</ServerId><b:InstanceId>20200101T000000Z</b:InstanceId></Delete></Commands>");
+        if (is160)
+            client.sync(calendar, key, instances.arg(id));
         client.setClass(QStringLiteral("Email"));
     }
 
