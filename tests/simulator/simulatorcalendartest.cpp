@@ -320,13 +320,10 @@ private Q_SLOTS:
         const QString rule = QStringLiteral("<k:Recurrence><k:Type>1</k:Type>%1</k:Recurrence>");
         const QString days = QStringLiteral("<k:DayOfWeek>2</k:DayOfWeek>");
         QTest::addColumn<QString>("data");
-        QTest::addColumn<QString>("refusedBelow160");
-        QTest::addColumn<QString>("refusedFrom160");
-        const auto row = [](const char *title, const QString &data, bool below160, bool from160) {
-            const auto status = [](bool refused) {
-                return refused ? QStringLiteral("6") : QStringLiteral("1");
-            };
-            QTest::newRow(title) << data << status(below160) << status(from160);
+        QTest::addColumn<bool>("below160");
+        QTest::addColumn<bool>("from160");
+        const auto row = [](const char *title, const QString &content, bool below160, bool from160) {
+            QTest::newRow(title) << content << below160 << from160;
         };
         row("nothing wrong", times, false, false);
         row("no times", subject(QStringLiteral("x")), true, true);
@@ -334,7 +331,7 @@ private Q_SLOTS:
             QStringLiteral(
                 "<k:StartTime>20260504T100000Z</k:StartTime><k:EndTime>20260504T090000Z</k:EndTime>"),
             true, true);
-        row("a start that is none",
+        row("a start that is no time",
             QStringLiteral("<k:StartTime>noon</k:StartTime><k:EndTime>20260504T090000Z</k:EndTime>"), true,
             true);
         row("identifier", times + QStringLiteral("<k:UID>x</k:UID>"), false, true);
@@ -377,19 +374,32 @@ private Q_SLOTS:
     void whatAVersionForbidsIsRefused()
     {
         QFETCH(QString, data);
-        QFETCH(QString, refusedBelow160);
-        QFETCH(QString, refusedFrom160);
+        QFETCH(bool, below160);
+        QFETCH(bool, from160);
+        const WbxmlNode node = WbxmlNode::fromXml(
+            QStringLiteral("<ApplicationData xmlns='AirSync' xmlns:k='Calendar' xmlns:e='Email'>%1"
+                           "</ApplicationData>")
+                .arg(data));
         for (const int version : protocolVersions()) {
-            if (version < Version140 && data.contains(QLatin1String("ResponseType")))
-                continue; // there it is no element at all
-            mClient->setVersion(versionText(version));
-            const int before = mServer->mailbox().itemCount(mFolder);
-            const QString status =
-                mClient->sync(mFolder, mClient->firstKey(mFolder), commands(add(QStringLiteral("one"), data)))
-                    .text(QStringLiteral("Responses/Add/Status"));
-            QCOMPARE(status, version < Version160 ? refusedBelow160 : refusedFrom160);
-            QCOMPARE(mServer->mailbox().itemCount(mFolder), before + (status == QLatin1String("1") ? 1 : 0));
+            const bool refused = !EventItem::fromUpload(node, { version, std::nullopt });
+            QVERIFY2(
+                refused == (version < Version160 ? below160 : from160), qPrintable(versionText(version)));
         }
+    }
+
+    void aRefusalIsTheStatusOfItsItem()
+    {
+        mClient->setVersion(QStringLiteral("16.0"));
+        const QString id = place(SampleEvents::weekly());
+        const QString identified = SampleEvents::timesXml() + QStringLiteral("<k:UID>x</k:UID>");
+        const WbxmlNode reply = mClient->sync(mFolder, synced(),
+            commands(add(QStringLiteral("one"), identified) + change(id, identified)
+                + add(QStringLiteral("two"), SampleEvents::timesXml())));
+        const QVector<WbxmlNode> added = reply.all(QStringLiteral("Responses/Add"));
+        QCOMPARE(added.first().text(QStringLiteral("Status")), QStringLiteral("6"));
+        QCOMPARE(added.last().text(QStringLiteral("Status")), QStringLiteral("1"));
+        QCOMPARE(reply.text(QStringLiteral("Responses/Change/Status")), QStringLiteral("6"));
+        QCOMPARE(mServer->mailbox().itemCount(mFolder), 2);
     }
 
     void exceptionsInTheSeriesAreRefusedFrom160On()
