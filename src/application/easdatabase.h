@@ -130,6 +130,8 @@ public:
     QString serverCalendarIdToCollectionId(EasAccountId accountId, const QString &serverId) const;
     QString localToServerCalendarId(EasAccountId accountId, const QString &localId) const;
     uint calendarItemUpdateTime(EasAccountId accountId, const QString &localId) const;
+    /** The same of all events of an account at once, without those that have no time. */
+    QMap<QString, uint> calendarItemUpdateTimes(EasAccountId accountId) const;
     bool clearCalendarFolder(EasAccountId accountId, const QString &collectionId);
 
     // Contacts

@@ -150,6 +150,23 @@ uint EasDatabase::calendarItemUpdateTime(EasAccountId accountId, const QString &
     return timestamp;
 }
 
+QMap<QString, uint> EasDatabase::calendarItemUpdateTimes(EasAccountId accountId) const
+{
+    DatabaseStatement select(mDatabase,
+        QStringLiteral("SELECT local_id, timestamp FROM calendar WHERE account_id=%1"
+                       " AND timestamp IS NOT NULL")
+            .arg(accountId));
+    QMap<QString, uint> times;
+    const bool complete =
+        readRows(select, "SQL query failed, error:", [&times](const DatabaseStatement &row) {
+            bool isNumber = false;
+            const uint time = row.value(1).toUInt(&isNumber);
+            if (isNumber)
+                times.insert(row.text(0), time);
+        });
+    return complete ? times : QMap<QString, uint>();
+}
+
 bool EasDatabase::clearCalendarFolder(EasAccountId accountId, const QString &collectionId)
 {
     return clearFolder(accountId, collectionId, "calendar", "collection_id", "account_id");

@@ -95,3 +95,11 @@ EasAttendeeContainer CalendarAttendees::toContainer(const Event &event, const At
         time(event, ExchangeActiveSync::CalendarProposedEndTimeParamName, attendee.email()));
     return container;
 }
+
+bool CalendarAttendees::isOrganizer(const Event &event, const Attendee &attendee)
+{
+    const bool nothingAsked = !attendee.RSVP() && attendee.role() == Attendee::ReqParticipant
+        && (attendee.status() == Attendee::None || attendee.status() == Attendee::NeedsAction);
+    return nothingAsked && !attendee.email().isEmpty()
+        && attendee.email().compare(event.organizer().email(), Qt::CaseInsensitive) == 0;
+}

@@ -14,5 +14,7 @@ namespace CalendarAttendees {
 /** Null for an attendee without an address; the event gets the properties. */
 KCalendarCore::Attendee toAttendee(KCalendarCore::Event &event, const EasAttendeeContainer &container);
 EasAttendeeContainer toContainer(const KCalendarCore::Event &event, const KCalendarCore::Attendee &attendee);
+/** Whether this is the entry that some stores make of the organizer: no attendee that anybody invited. */
+bool isOrganizer(const KCalendarCore::Event &event, const KCalendarCore::Attendee &attendee);
 
 } // namespace CalendarAttendees

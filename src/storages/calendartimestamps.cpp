@@ -18,6 +18,10 @@ uint CalendarTimestamps::timeToStamp(const QDateTime &time)
 bool CalendarTimestamps::updateTimestampCache(const QString &notebookUid)
 {
     mStamps.clear();
+    const EasDatabase *database = EasDatabase::instance();
+    mStored = database->calendarItemUpdateTimes(mContext.accountId());
+    if (database->lookupFailed())
+        return false;
     if (!mContext.storage->loadNotebookIncidences(notebookUid))
         return false;
     const KCalendarCore::Incidence::List incidences = mContext.calendar->incidences(notebookUid);
@@ -50,4 +54,9 @@ void CalendarTimestamps::enter(const KCalendarCore::Incidence::Ptr &incidence)
 uint CalendarTimestamps::eventTimestamp(const QString &uid) const
 {
     return mStamps.value(uid, EasDatabase::TimestampInvalid);
+}
+
+uint CalendarTimestamps::storedTimestamp(const QString &uid) const
+{
+    return mStored.value(uid, EasDatabase::TimestampInvalid);
 }

@@ -4,6 +4,7 @@
 #include <KCalendarCore/Incidence>
 
 #include <QHash>
+#include <QMap>
 #include <QString>
 
 struct CalendarStoreContext;
@@ -23,14 +24,20 @@ public:
     /** TimestampInvalid for an invalid time. */
     static uint timeToStamp(const QDateTime &time);
 
-    /** Rebuilds the cache from the incidences of a notebook; it loads them. False if that fails. */
+    /**
+     * Rebuilds the cache from the incidences of a notebook, which it loads, and reads the stamps of the
+     * mapping. False if either fails.
+     */
     bool updateTimestampCache(const QString &notebookUid);
     /** Of the cache; TimestampInvalid for an event that is not there. */
     uint eventTimestamp(const QString &uid) const;
+    /** What the mapping holds; TimestampInvalid for an event that the server does not know. */
+    uint storedTimestamp(const QString &uid) const;
 
 private:
     void enter(const KCalendarCore::Incidence::Ptr &incidence);
 
     const CalendarStoreContext &mContext;
     QHash<QString, uint> mStamps;
+    QMap<QString, uint> mStored;
 };

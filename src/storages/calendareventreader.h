@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include "easitems/eascalendaritem.h"
+
+#include <KCalendarCore/Event>
+
+struct CalendarStoreContext;
+
+/**
+ * Makes an item for upload from an event of the device.
+ *
+ * An exception is an item inside that of its series. Occurrences that the series' exception dates exclude are
+ * deleted exceptions of it; up to 14.1 an upload replaces all exceptions, later only what is new goes up.
+ */
+class CalendarEventReader
+{
+public:
+    explicit CalendarEventReader(const CalendarStoreContext &context);
+
+    /** The item has no server id if the mapping does not know the event. False, logged, if it cannot go up.
+     */
+    bool convert(const KCalendarCore::Event::Ptr &event, EasCalendarItem &item, bool withExceptions) const;
+
+    /**
+     * Adds an exception to the item of its series, or marks the one that is there. A deleted one stands for
+     * an occurrence that is to vanish; changed ones go up on their own from 16.0 on.
+     */
+    bool applyException(
+        const KCalendarCore::Event::Ptr &event, bool deleted, EasCalendarItem &item, bool changed) const;
+
+    /**
+     * The server's value as it was stored, unless the event has got another status on the device since; then
+     * the property is removed.
+     */
+    static EasCalendarItemCommon::BusyStatus convertBusyStatus(const KCalendarCore::Event::Ptr &event);
+    /** The same with the event's secrecy. */
+    static EasCalendarItemCommon::Sensitivity convertSensitivity(const KCalendarCore::Event::Ptr &event);
+
+    static void applyBody(const KCalendarCore::Event::Ptr &event, EasCalendarItem &item);
+
+    /** The start of an occurrence, as recurrence ids go over the wire. */
+    QString occurrenceStart(const KCalendarCore::Event &series, const QDateTime &start) const;
+
+private:
+    void applyTimes(const KCalendarCore::Event &event, EasCalendarItem &item) const;
+    bool applySeries(
+        const KCalendarCore::Event::Ptr &event, EasCalendarItem &item, bool withExceptions) const;
+    void applyDeletions(const KCalendarCore::Event::Ptr &event, EasCalendarItem &item) const;
+    QString timeText(const KCalendarCore::Event &event, const QDateTime &time) const;
+    bool exceptionsGoAlone() const;
+
+    const CalendarStoreContext &mContext;
+};

@@ -1,0 +1,76 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include "easitems/eascalendaritem.h"
+
+#include <KCalendarCore/Event>
+
+#include <QMap>
+#include <QSet>
+#include <QStringList>
+
+class CalendarOccurrenceDeletions;
+class CalendarTimestamps;
+struct CalendarStoreContext;
+
+/**
+ * One search of a calendar folder for what the user changed in it.
+ *
+ * The store's own lists go by time, and time is not enough: an upload that the server refused, an event that
+ * was made in the second of the last search or before a clock was set back, and the deletion of an event that
+ * came between a search and its end all fall out of them. So what the mapping does not know, or knows as
+ * older, and whatever stands deleted, is looked at whenever it happened.
+ *
+ * The notebook is loaded, and the timestamps are those of it. Made for one search.
+ */
+class CalendarLocalQuery
+{
+public:
+    CalendarLocalQuery(const CalendarStoreContext &context, const CalendarTimestamps &timestamps,
+        CalendarOccurrenceDeletions &deletions, const QString &serverFolderId, const QString &notebookUid);
+
+    /** Asks the store. False if it does not answer. */
+    bool ask(const QDateTime &after);
+    /** Makes items of the answers. False if the mapping cannot be read. */
+    bool evaluate();
+
+    QList<EasCalendarItem> added() const { return mAdded.values(); }
+    QList<EasCalendarItem> updated() const { return mUpdated.values(); }
+    QStringList deleted() const { return mDeleted; }
+
+private:
+    typedef QMap<QString, EasCalendarItem> Items;
+
+    void evaluateInserted();
+    void evaluateModified();
+    void evaluateOverlooked();
+    void evaluateDeleted();
+    bool isOlderPart(const KCalendarCore::Incidence::Ptr &incidence) const;
+    void takeChanged(const KCalendarCore::Incidence::Ptr &incidence);
+    void insertItem(const KCalendarCore::Event::Ptr &event, bool isNew);
+    bool makeItem(const KCalendarCore::Event::Ptr &event, bool withExceptions, EasCalendarItem &item);
+    void processExceptionsChanges(const KCalendarCore::Incidence::List &exceptions, bool deleted);
+    void applyToSeries(const KCalendarCore::Event::Ptr &exception, bool deleted);
+    void expectDeletions();
+    void logCounts() const;
+
+    const CalendarStoreContext &mContext;
+    const CalendarTimestamps &mTimestamps;
+    CalendarOccurrenceDeletions &mDeletions;
+    const QString mServerFolderId;
+    const QString mNotebookUid;
+
+    KCalendarCore::Incidence::List mInsertedIncidences;
+    KCalendarCore::Incidence::List mModifiedIncidences;
+    KCalendarCore::Incidence::List mDeletedIncidences;
+    QMap<QString, QString> mServerIds;
+    QSet<QString> mSeen;
+    Items mAdded;
+    Items mUpdated;
+    QStringList mDeleted;
+    QStringList mDeletedUids;
+    KCalendarCore::Incidence::List mAddedExceptions;
+    KCalendarCore::Incidence::List mUpdatedExceptions;
+    KCalendarCore::Incidence::List mDeletedExceptions;
+    bool mLookupFailed = false;
+};

@@ -1,0 +1,182 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+// The second half of CalendarLocalChanges: what is written back to the store around an upload.
+#include "storages/calendarlocalchanges.h"
+
+#include "application/clock.h"
+#include "application/easdatabase.h"
+#include "application/logging.h"
+#include "common/exchangeactivesync.h"
+#include "storages/calendareventproperties.h"
+#include "storages/calendarstorecontext.h"
+#include "storages/calendartimestamps.h"
+
+using KCalendarCore::Event;
+using KCalendarCore::Incidence;
+
+namespace {
+
+/** The occurrence of a series that a start means: its exception, or the series itself if it is excluded. */
+Event::Ptr occurrence(const CalendarStoreContext &context, const QString &uid, const QString &startText)
+{
+    const QDateTime start = ExchangeActiveSync::dateTimeFromString(startText, nullptr);
+    const Event::Ptr exception = context.calendar->event(uid, start);
+    if (exception)
+        return exception;
+    const Event::Ptr series = context.calendar->event(uid);
+    if (!series || !start.isValid())
+        return Event::Ptr();
+    const Event::List exceptions = context.calendar->eventInstances(series);
+    for (const Event::Ptr &candidate : exceptions) {
+        if (series->allDay() && candidate->recurrenceId().date() == start.date())
+            return candidate;
+    }
+    const QString key = CalendarEventProperties::occurrenceKey(*series, start);
+    const QList<QDateTime> deletions = CalendarEventProperties::deletedOccurrences(*series);
+    for (const QDateTime &deletion : deletions) {
+        if (deletion == start || CalendarEventProperties::occurrenceKey(*series, deletion) == key)
+            return series;
+    }
+    return Event::Ptr();
+}
+
+void collectUids(const QList<EasCalendarItem> &items, QStringList &uids)
+{
+    for (const EasCalendarItem &item : items)
+        uids.append(item.localId());
+}
+
+void setStamps(QList<EasCalendarItem> &items, const QString &folder, const CalendarTimestamps &timestamps,
+    const char *text)
+{
+    for (EasCalendarItem &item : items) {
+        if (item.collectionId() != folder)
+            continue;
+        // An upload bears the stamp of what was uploaded: an edit since then is still to go up.
+        if (item.localTimestamp() == EasCalendarItem::InvalidTimestamp)
+            item.setLocalTimestamp(timestamps.eventTimestamp(item.localId()));
+        qCDebug(eas()) << text << item.localId() << ", stamp:" << item.localTimestamp();
+    }
+}
+
+} // namespace
+
+bool CalendarLocalChanges::touchItems(
+    const QString &serverFolderId, const QList<QPair<QString, QString>> &items)
+{
+    qCInfo(eas()) << "Getting local items for folder:" << serverFolderId;
+    if (!isEnabled()) {
+        qCInfo(eas()) << "Calendar sync disabled";
+        return false;
+    }
+    if (!mContext.isReady()) {
+        qCCritical(eas()) << "No storage";
+        return false;
+    }
+    const QString notebookUid =
+        EasDatabase::instance()->serverToLocalFolderIds(mContext.accountId()).value(serverFolderId);
+    if (notebookUid.isEmpty()) {
+        qCWarning(eas()) << "No notebook ID:" << serverFolderId;
+        return false;
+    }
+    if (!load(notebookUid)) {
+        qCWarning(eas()) << "Failed loading notebook:" << notebookUid;
+        return false;
+    }
+    qCInfo(eas()) << "Touth time:" << Clock::instance().currentDateTimeUtc();
+    for (const QPair<QString, QString> &item : items) {
+        if (!touch(item.first, item.second))
+            qCWarning(eas()) << "Event" << item.first << "not found in Calendar storage";
+    }
+    qCInfo(eas()) << "Finished touching items";
+    const bool saved = mContext.storage->save();
+    if (!saved)
+        qCWarning(eas()) << "Failed to save";
+    mContext.calendar->close();
+    return saved;
+}
+
+bool CalendarLocalChanges::touch(const QString &uid, const QString &start)
+{
+    const Event::Ptr event = occurrence(mContext, uid, start);
+    if (!event)
+        return false;
+    event->startUpdates();
+    event->endUpdates();
+    // Times of change count in seconds, and the upload that this follows may belong to the same one.
+    const uint stored = EasDatabase::instance()->calendarItemUpdateTime(mContext.accountId(), uid);
+    if (stored != EasDatabase::TimestampInvalid
+        && CalendarTimestamps::timeToStamp(event->lastModified()) <= stored)
+        event->setLastModified(QDateTime::fromSecsSinceEpoch(qint64(stored) + 1, Qt::UTC));
+    return true;
+}
+
+bool CalendarLocalChanges::uploadedLocalChanges(
+    QList<EasCalendarItem> &added, QList<EasCalendarItem> &updated, const QStringList &deleted)
+{
+    qCInfo(eas()) << "Successfully uploaded calendar changes:"
+                  << "Added:" << added.size() << "Updated:" << updated.size() << "Deleted:" << deleted.size();
+    if (added.isEmpty() && updated.isEmpty() && deleted.isEmpty())
+        return true;
+    if (!mContext.isReady()) {
+        qCCritical(eas()) << "No storage";
+        return false;
+    }
+    const QStringList folders = foldersOf(added, updated);
+    QStringList uids;
+    collectUids(added, uids);
+    collectUids(updated, uids);
+    mContext.calendar->close();
+    return updateItemsTimestamps(folders, added, updated) && settleUploads(uids, deleted);
+}
+
+QStringList CalendarLocalChanges::foldersOf(
+    const QList<EasCalendarItem> &added, const QList<EasCalendarItem> &updated) const
+{
+    QStringList folders;
+    const QList<EasCalendarItem> items = added + updated;
+    for (const EasCalendarItem &item : items) {
+        if (item.collectionId().isEmpty())
+            qCWarning(eas()) << "Empty collection Id for item" << item.localId();
+        else if (!folders.contains(item.collectionId()))
+            folders.append(item.collectionId());
+    }
+    return folders;
+}
+
+bool CalendarLocalChanges::settleUploads(const QStringList &uids, const QStringList &deletedServerIds)
+{
+    if (mDeletions.settle(uids) && !mContext.storage->save()) {
+        qCWarning(eas()) << "Failed to save";
+        return false;
+    }
+    // The server has heard of these deletions; what the store remembers of them would only be asked again.
+    Incidence::List gone;
+    const QMap<QString, QString> localIds =
+        EasDatabase::instance()->serverToLocalCalendarIds(mContext.accountId());
+    for (const QString &serverId : deletedServerIds) {
+        const Event::Ptr event(new Event);
+        event->setUid(localIds.value(serverId));
+        if (!event->uid().isEmpty())
+            gone.append(event);
+    }
+    if (!mDeletions.purge() || (!gone.isEmpty() && !mContext.storage->purgeDeletedIncidences(gone)))
+        qCWarning(eas()) << "cannot erase what was deleted";
+    return true;
+}
+
+bool CalendarLocalChanges::updateItemsTimestamps(
+    const QStringList &folders, QList<EasCalendarItem> &added, QList<EasCalendarItem> &updated)
+{
+    const QMap<QString, QString> notebooks =
+        EasDatabase::instance()->serverToLocalFolderIds(mContext.accountId());
+    for (const QString &folder : folders) {
+        CalendarTimestamps timestamps(mContext);
+        if (!timestamps.updateTimestampCache(notebooks.value(folder))) {
+            qCWarning(eas()) << "Cant load notebook incidences for collection" << folder;
+            return false;
+        }
+        setStamps(added, folder, timestamps, "Updating stamp for added item:");
+        setStamps(updated, folder, timestamps, "Updating stamp for updated item:");
+    }
+    return true;
+}
