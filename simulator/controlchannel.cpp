@@ -2,6 +2,8 @@
 #include "simulator/controlchannel.h"
 
 #include "simulator/email.h"
+#include "simulator/itemtext.h"
+#include "simulator/mailboxdirectory.h"
 
 #include <QFile>
 #include <QProcess>
@@ -11,12 +13,14 @@
 
 using Simulator::Email;
 using Simulator::ItemEntry;
+using Simulator::ItemPtr;
 using Simulator::MailFolder;
 
 namespace {
 
 const QString noFolder = QStringLiteral("error no such folder");
 const QString noItem = QStringLiteral("error no such item");
+const QString notSet = QStringLiteral("error no such item, field, occurrence or value");
 
 QString done(bool success, const QString &failure)
 {
@@ -34,6 +38,13 @@ const QVector<ControlChannel::Entry> &ControlChannel::entries()
         { "unread", 2, &ControlChannel::unread, "unread FOLDER ITEM" },
         { "move", 3, &ControlChannel::move, "move FOLDER ITEM TO-FOLDER" },
         { "list", 0, &ControlChannel::list, "list [FOLDER]" },
+        { "add", 1, &ControlChannel::add, "add FILE.eml|.ics|.vcf [FOLDER]" },
+        { "show", 2, &ControlChannel::show, "show FOLDER ITEM" },
+        { "set", 4, &ControlChannel::set, "set FOLDER ITEM FIELD VALUE" },
+        { "set-occurrence", 5, &ControlChannel::setOccurrence,
+            "set-occurrence FOLDER ITEM YYYY-MM-DD FIELD VALUE" },
+        { "delete-occurrence", 3, &ControlChannel::deleteOccurrence,
+            "delete-occurrence FOLDER ITEM YYYY-MM-DD" },
         { "folders", 0, &ControlChannel::folders, "folders" },
         { "add-folder", 1, &ControlChannel::addFolder, "add-folder NAME [PARENT]" },
         { "rename-folder", 2, &ControlChannel::renameFolder, "rename-folder FOLDER NAME" },
@@ -154,13 +165,54 @@ QString ControlChannel::list(const Arguments &arguments)
     const QVector<ItemEntry> entries = mMailbox.items(folder);
     for (const ItemEntry &entry : entries) {
         const auto email = std::dynamic_pointer_cast<const Email>(entry.item);
+        const QString mark = !email ? entry.item->className()
+            : email->isRead()       ? QStringLiteral("read")
+                                    : QStringLiteral("unread");
         lines += QStringLiteral("%1\t%2\t%3\t%4\n")
-                     .arg(entry.serverId,
-                         email && email->isRead() ? QStringLiteral("read") : QStringLiteral("unread"),
-                         entry.item->date().toString(Qt::ISODate),
-                         email ? email->content().headers().subject : entry.item->className());
+                     .arg(entry.serverId, mark, entry.item->date().toString(Qt::ISODate),
+                         Simulator::ItemText::title(entry.item));
     }
     return lines + QStringLiteral("ok %1").arg(entries.size());
+}
+
+QString ControlChannel::add(const Arguments &arguments)
+{
+    const QString folder = arguments.size() > 1 ? folderId(arguments.at(1)) : QString();
+    if (arguments.size() > 1 && folder.isEmpty())
+        return noFolder;
+    const QStringList ids = Simulator::MailboxDirectory::loadFile(arguments.at(0), mMailbox, folder);
+    return ids.isEmpty() ? QStringLiteral("error nothing in ") + arguments.at(0)
+                         : QStringLiteral("ok ") + ids.join(QLatin1Char(' '));
+}
+
+QString ControlChannel::show(const Arguments &arguments)
+{
+    const ItemPtr item = mMailbox.item(itemId(arguments.at(0), arguments.at(1)));
+    if (!item)
+        return noItem;
+    const QStringList lines = Simulator::ItemText::lines(item);
+    return lines.join(QLatin1Char('\n')) + QStringLiteral("\nok %1").arg(lines.size());
+}
+
+QString ControlChannel::set(const Arguments &arguments)
+{
+    const QString id = itemId(arguments.at(0), arguments.at(1));
+    return done(Simulator::ItemText::setField(mMailbox, id, arguments.at(2), arguments.at(3)), notSet);
+}
+
+QString ControlChannel::setOccurrence(const Arguments &arguments)
+{
+    const QString id = itemId(arguments.at(0), arguments.at(1));
+    const QDate day = QDate::fromString(arguments.at(2), Qt::ISODate);
+    return done(
+        Simulator::ItemText::setOccurrenceField(mMailbox, id, day, arguments.at(3), arguments.at(4)), notSet);
+}
+
+QString ControlChannel::deleteOccurrence(const Arguments &arguments)
+{
+    const QString id = itemId(arguments.at(0), arguments.at(1));
+    const QDate day = QDate::fromString(arguments.at(2), Qt::ISODate);
+    return done(Simulator::ItemText::deleteOccurrence(mMailbox, id, day), notSet);
 }
 
 QString ControlChannel::folders(const Arguments &)

@@ -43,6 +43,11 @@ private:
     QString unread(const Arguments &arguments);
     QString move(const Arguments &arguments);
     QString list(const Arguments &arguments);
+    QString add(const Arguments &arguments);
+    QString show(const Arguments &arguments);
+    QString set(const Arguments &arguments);
+    QString setOccurrence(const Arguments &arguments);
+    QString deleteOccurrence(const Arguments &arguments);
     QString folders(const Arguments &arguments);
     QString addFolder(const Arguments &arguments);
     QString renameFolder(const Arguments &arguments);

@@ -3,16 +3,22 @@
 
 #include "simulator/mailbox.h"
 
+#include <QStringList>
+
 namespace Simulator {
 
 /**
- * A directory of `.eml` files as a mailbox: files at the top are in the Inbox, sub-directories are mail
- * folders, those with the name of a standard folder that folder.
+ * A directory of files as a mailbox. `.eml` files at the top are in the Inbox, `.ics` files in the Calendar,
+ * `.vcf` files among the Contacts. Sub-directories are folders, those with the name of a standard folder that
+ * folder: for mail, or for events or contacts where that is what they hold.
  */
 namespace MailboxDirectory {
 
-/** Delivers all messages and returns their number, -1 if there is no such directory. */
+/** Puts all of it there and returns the number of items, -1 if there is no such directory. */
 int load(const QString &path, Mailbox &mailbox);
+/** One file of any of these kinds; the identifiers of what it held. Without a folder it goes where its kind
+ * goes. */
+QStringList loadFile(const QString &fileName, Mailbox &mailbox, const QString &folderId = QString());
 
 } // namespace MailboxDirectory
 } // namespace Simulator

@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "simulator/samplemailbox.h"
 
+#include "simulator/contactitem.h"
+#include "simulator/eventitem.h"
+#include "simulator/sampleitems.h"
+
 #include <QFile>
 
 namespace Simulator {
@@ -112,6 +116,12 @@ int SampleMailbox::fill(Mailbox &mailbox)
     for (const SampleMessage &sample : messages)
         deliver(sample.folder, sampleText(QLatin1String(sample.file)), sample.hoursAgo, sample.read);
     deliver("Inbox", reportMessage(), 15, false);
+    const QVector<Event> events = SampleItems::events(now.date());
+    for (const Event &event : events)
+        mailbox.addItem(mailbox.folderOfType(CalendarFolder).id, EventItem::make(event));
+    const QVector<Contact> contacts = SampleItems::contacts();
+    for (const Contact &contact : contacts)
+        mailbox.addItem(mailbox.folderOfType(ContactsFolder).id, ContactItem::make(contact));
     return count;
 }
 

@@ -7,8 +7,8 @@ namespace Simulator {
 
 /**
  * A mailbox as people have them, for demonstrations: HTML, nested multiparts, attachments (one of about 300
- * KB), an inline image, non-ASCII headers and folder names, a meeting request. All messages are a few days
- * old at most.
+ * KB), an inline image, non-ASCII headers and folder names, a meeting request, events of these weeks,
+ * contacts. All messages are a few days old at most.
  */
 namespace SampleMailbox {
 

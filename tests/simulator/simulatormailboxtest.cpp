@@ -97,6 +97,8 @@ private Q_SLOTS:
         QStringList subjects;
         const QVector<MailFolder> folders = mailbox.folders();
         for (const MailFolder &folder : folders) {
+            if (folder.type == CalendarFolder || folder.type == ContactsFolder)
+                continue;
             const QVector<ItemEntry> items = mailbox.items(folder.id);
             for (const ItemEntry &entry : items) {
                 const auto email = std::dynamic_pointer_cast<const Email>(entry.item);
