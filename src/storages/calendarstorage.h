@@ -24,6 +24,9 @@ public:
     explicit CalendarStorage(QObject *parent);
     ~CalendarStorage() override;
 
+    /** Opens the store and follows the account's calendar settings. */
+    virtual void init() = 0;
+
     virtual bool updateFolders(
         QList<EasFolderItem> &added, QList<EasFolderItem> &changed, const QStringList &deleted) = 0;
 
@@ -48,9 +51,18 @@ public:
     virtual bool uploadedLocalChanges(QList<EasCalendarItem> &added, QList<EasCalendarItem> &changed,
         const QStringList &deletedServerIds) = 0;
 
+    /** A time as the protocol writes it. */
+    virtual QString formatTime(const QDateTime &time) const = 0;
+
     /** iCalendar data for the meeting request of a mail, or an empty array. */
     virtual QByteArray iTIPRequestData(const class EasMeetingRequestContainer &request,
         const QString &organizer, const QString &description) = 0;
+
+    /** An event of the store, by its local identifier, as iCalendar; empty if there is none. */
+    virtual QString getEventIcal(const QString &localId) const = 0;
+
+    /** Opens the store, or opens it afresh. */
+    virtual bool initStorage() = 0;
 
 Q_SIGNALS:
     void changesAvailable(const QStringList &changedLocalFolderIds);

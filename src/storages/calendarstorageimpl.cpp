@@ -1,19 +1,37 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "storages/calendarstorageimpl.h"
 
+#include "application/clock.h"
 #include "application/easaccount.h"
 #include "application/logging.h"
+#include "configurations/calendaraccountconfiguration.h"
 #include "easitems/eascalendaritem.h"
 #include "easitems/easfolderitem.h"
+#include "storages/calendaritembatch.h"
+#include "storages/calendarorigin.h"
+
+#include <KCalendarCore/ICalFormat>
 
 namespace {
 
-/** False, with a log line, if there is anything that would have to be kept. */
-bool nothingToKeep(EasAccountId accountId, const char *what, int count)
+/** Opens the device's calendar; false with what went wrong in the log. */
+bool open(CalendarStoreContext &context)
 {
-    if (count == 0)
+    context.calendar = mKCal::ExtendedCalendar::Ptr::create(Clock::instance().timeZone());
+    if (!context.calendar) {
+        qCCritical(eas()) << "Cannot create calendar object";
+        return false;
+    }
+    context.storage = mKCal::ExtendedCalendar::defaultStorage(context.calendar);
+    if (!context.storage) {
+        qCCritical(eas()) << "Cannot create storage object";
+        return false;
+    }
+    if (context.storage->open())
         return true;
-    qCWarning(eas()) << "There is no calendar store:" << what << count << "refused, account" << accountId;
+    qCCritical(eas()) << "Cannot open calendar storage";
+    context.storage.clear();
+    context.calendar.clear();
     return false;
 }
 
@@ -21,51 +39,142 @@ bool nothingToKeep(EasAccountId accountId, const char *what, int count)
 
 CalendarStorageImpl::CalendarStorageImpl(EasAccount &account, QObject *parent)
     : CalendarStorage(parent)
-    , mAccountId(account.id())
+    , mContext { &account, {}, {} }
+    , mFolders(mContext)
 {
+    CalendarStorageImpl::init();
 }
 
-CalendarStorageImpl::~CalendarStorageImpl() = default;
+CalendarStorageImpl::~CalendarStorageImpl()
+{
+    closeStorage();
+}
 
 bool CalendarStorageImpl::cleanUpDeletedAccounts(const QList<EasAccountId> &accountIds)
 {
-    Q_UNUSED(accountIds)
+    if (accountIds.isEmpty())
+        return true;
+    CalendarStoreContext context;
+    if (!open(context))
+        return false;
+    const bool removed = CalendarFolders::removeNotebooks(context, accountIds);
+    context.storage->close();
+    return removed;
+}
+
+void CalendarStorageImpl::init()
+{
+    initStorage();
+    const QSharedPointer<CalendarAccountConfiguration> configuration =
+        mContext.account->calendarConfiguration();
+    if (configuration) {
+        connect(configuration.data(), &CalendarAccountConfiguration::calendarConfigurationChanged, this,
+            &CalendarStorageImpl::onConfigurationChanged, Qt::UniqueConnection);
+    }
+}
+
+bool CalendarStorageImpl::initStorage()
+{
+    closeStorage();
+    if (!open(mContext))
+        return false;
+    mContext.storage->registerObserver(this);
     return true;
+}
+
+void CalendarStorageImpl::closeStorage()
+{
+    if (!mContext.storage)
+        return;
+    mContext.storage->unregisterObserver(this);
+    mContext.calendar->close();
+    mContext.storage->close();
+    mContext.storage.clear();
+    mContext.calendar.clear();
+}
+
+bool CalendarStorageImpl::storeAvailable() const
+{
+    if (mContext.isReady())
+        return true;
+    qCCritical(eas()) << "No storage";
+    return false;
+}
+
+bool CalendarStorageImpl::isEnabled() const
+{
+    const QSharedPointer<CalendarAccountConfiguration> configuration =
+        mContext.account->calendarConfiguration();
+    if (configuration && configuration->enabled())
+        return true;
+    qCInfo(eas()) << "Calendar sync disabled";
+    return false;
+}
+
+void CalendarStorageImpl::onConfigurationChanged()
+{
+    const QSharedPointer<CalendarAccountConfiguration> configuration =
+        mContext.account->calendarConfiguration();
+    if (configuration)
+        handleEnabledUpdated(configuration->enabled());
+}
+
+void CalendarStorageImpl::handleEnabledUpdated(bool enabled)
+{
+    if (enabled)
+        enable();
+    else
+        disable();
+}
+
+void CalendarStorageImpl::enable()
+{
+    updateVisibilities(true);
+}
+
+void CalendarStorageImpl::disable()
+{
+    updateVisibilities(false);
+}
+
+void CalendarStorageImpl::updateVisibilities(bool visible)
+{
+    if (storeAvailable())
+        mFolders.updateVisibilities(visible);
 }
 
 bool CalendarStorageImpl::updateFolders(
     QList<EasFolderItem> &added, QList<EasFolderItem> &changed, const QStringList &deleted)
 {
-    // The folders stay marked as not saved, so that a calendar store will still make them.
-    Q_UNUSED(added)
-    Q_UNUSED(changed)
-    Q_UNUSED(deleted)
-    return true;
+    return storeAvailable() && mFolders.repairFolders() && mFolders.updateFolders(added, changed, deleted);
 }
 
 bool CalendarStorageImpl::updateItems(QList<EasCalendarItem> &added, QList<EasCalendarItem> &changed,
     const QStringList &deleted, QStringList &replaced)
 {
-    Q_UNUSED(replaced)
-    return nothingToKeep(mAccountId, "events", added.size() + changed.size() + deleted.size());
+    if (added.isEmpty() && changed.isEmpty() && deleted.isEmpty()) {
+        qCDebug(eas()) << "nothing to update";
+        return true;
+    }
+    return isEnabled() && storeAvailable()
+        && CalendarItemBatch(mContext).updateItems(added, changed, deleted, replaced);
 }
 
 bool CalendarStorageImpl::touchItems(
     const QString &folderServerId, const QList<QPair<QString, QString>> &instances)
 {
     Q_UNUSED(folderServerId)
-    return nothingToKeep(mAccountId, "occurrences", instances.size());
+    return instances.isEmpty();
 }
 
 bool CalendarStorageImpl::queryLocalUpdates(const QString &localFolderId, qint64 from, qint64 &newTime,
     QList<EasCalendarItem> &added, QList<EasCalendarItem> &changed, QStringList &deletedServerIds)
 {
-    Q_UNUSED(localFolderId)
     Q_UNUSED(added)
     Q_UNUSED(changed)
     Q_UNUSED(deletedServerIds)
     newTime = from;
-    return true;
+    return isEnabled() && storeAvailable() && CalendarOrigin::removeStrays(mContext, localFolderId);
 }
 
 bool CalendarStorageImpl::syncTime(const QString &localFolderId, qint64 &time)
@@ -84,15 +193,18 @@ bool CalendarStorageImpl::setSyncTime(const QString &localFolderId, qint64 time)
 
 bool CalendarStorageImpl::cleanUpFolder(const EasFolderItem &folder)
 {
-    Q_UNUSED(folder)
-    return true;
+    return isEnabled() && storeAvailable() && mFolders.cleanUpFolder(folder);
 }
 
 bool CalendarStorageImpl::uploadedLocalChanges(
     QList<EasCalendarItem> &added, QList<EasCalendarItem> &changed, const QStringList &deletedServerIds)
 {
-    return nothingToKeep(
-        mAccountId, "uploaded events", added.size() + changed.size() + deletedServerIds.size());
+    return added.isEmpty() && changed.isEmpty() && deletedServerIds.isEmpty();
+}
+
+QString CalendarStorageImpl::formatTime(const QDateTime &time) const
+{
+    return ExchangeActiveSync::dateTimeToString(time);
 }
 
 QByteArray CalendarStorageImpl::iTIPRequestData(
@@ -102,4 +214,34 @@ QByteArray CalendarStorageImpl::iTIPRequestData(
     Q_UNUSED(organizer)
     Q_UNUSED(description)
     return QByteArray();
+}
+
+QString CalendarStorageImpl::getEventIcal(const QString &localId) const
+{
+    if (!storeAvailable() || !mContext.storage->loadSeries(localId))
+        return QString();
+    const KCalendarCore::Event::Ptr event = mContext.calendar->event(localId);
+    return event ? KCalendarCore::ICalFormat().toICalString(event) : QString();
+}
+
+void CalendarStorageImpl::handleLocalUpdates() {}
+
+void CalendarStorageImpl::storageModified(mKCal::ExtendedStorage *storage, const QString &info)
+{
+    Q_UNUSED(storage)
+    Q_UNUSED(info)
+    handleLocalUpdates();
+}
+
+void CalendarStorageImpl::storageProgress(mKCal::ExtendedStorage *storage, const QString &info)
+{
+    Q_UNUSED(storage)
+    Q_UNUSED(info)
+}
+
+void CalendarStorageImpl::storageFinished(mKCal::ExtendedStorage *storage, bool error, const QString &info)
+{
+    Q_UNUSED(storage)
+    if (error)
+        qCWarning(eas()) << "The calendar storage failed:" << info;
 }

@@ -2,16 +2,23 @@
 #pragma once
 
 #include "common/easaccountid.h"
+#include "storages/calendarfolders.h"
 #include "storages/calendarstorage.h"
+#include "storages/calendarstorecontext.h"
+
+#include <extendedstorageobserver.h>
 
 class EasAccount;
 
 /**
- * The calendar store of one account. It keeps folders alone so far: their rows stand in the mapping database,
- * without a counterpart on the device, and no event is taken or given. Events that reach it are refused, so
- * that a sync fails instead of losing them. Owned by the account.
+ * The calendar storage over the device's calendar.
+ *
+ * A front: notebooks, items of the server and local changes each have a collaborator of their own beside it.
+ * The store tells of every change, also of those made here, one turn of the event loop later; from then on
+ * nothing that was loaded before holds, so each operation loads what it needs and saves before it returns.
+ * Owned by its account; main thread only.
  */
-class CalendarStorageImpl : public CalendarStorage
+class CalendarStorageImpl : public CalendarStorage, private mKCal::ExtendedStorageObserver
 {
     Q_OBJECT
 
@@ -22,6 +29,7 @@ public:
     /** Removes what the store holds of accounts that are gone. */
     static bool cleanUpDeletedAccounts(const QList<EasAccountId> &accountIds);
 
+    void init() override;
     bool updateFolders(
         QList<EasFolderItem> &added, QList<EasFolderItem> &changed, const QStringList &deleted) override;
     bool updateItems(QList<EasCalendarItem> &added, QList<EasCalendarItem> &changed,
@@ -35,9 +43,29 @@ public:
     bool cleanUpFolder(const EasFolderItem &folder) override;
     bool uploadedLocalChanges(QList<EasCalendarItem> &added, QList<EasCalendarItem> &changed,
         const QStringList &deletedServerIds) override;
+    QString formatTime(const QDateTime &time) const override;
+    /** Not there yet: invitations get no calendar part. Empty. */
     QByteArray iTIPRequestData(const EasMeetingRequestContainer &request, const QString &organizer,
         const QString &description) override;
+    QString getEventIcal(const QString &localId) const override;
+    bool initStorage() override;
 
 private:
-    EasAccountId mAccountId;
+    void onConfigurationChanged();
+    void handleEnabledUpdated(bool enabled);
+    void enable();
+    void disable();
+    void updateVisibilities(bool visible);
+    bool isEnabled() const;
+    bool storeAvailable() const;
+    void closeStorage();
+    void handleLocalUpdates();
+
+    void storageModified(mKCal::ExtendedStorage *storage, const QString &info) override;
+    // Later revisions of the store's library do not have it.
+    void storageProgress(mKCal::ExtendedStorage *storage, const QString &info);
+    void storageFinished(mKCal::ExtendedStorage *storage, bool error, const QString &info) override;
+
+    CalendarStoreContext mContext;
+    CalendarFolders mFolders;
 };

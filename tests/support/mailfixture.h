@@ -16,6 +16,7 @@ class FakeCalendarStorage : public CalendarStorage
 public:
     explicit FakeCalendarStorage(const QByteArray &iCalendar);
 
+    void init() override {}
     bool updateFolders(QList<EasFolderItem> &, QList<EasFolderItem> &, const QStringList &) override;
     bool updateItems(
         QList<EasCalendarItem> &, QList<EasCalendarItem> &, const QStringList &, QStringList &) override;
@@ -27,6 +28,9 @@ public:
     bool cleanUpFolder(const EasFolderItem &) override { return true; }
     bool uploadedLocalChanges(
         QList<EasCalendarItem> &, QList<EasCalendarItem> &, const QStringList &) override;
+    QString formatTime(const QDateTime &) const override { return {}; }
+    QString getEventIcal(const QString &) const override { return {}; }
+    bool initStorage() override { return true; }
     QByteArray iTIPRequestData(
         const EasMeetingRequestContainer &, const QString &organizer, const QString &description) override;
 

@@ -33,6 +33,7 @@ public:
     QStringList replaces;
     std::function<void(const QString &call)> onCall;
 
+    void init() override {}
     bool updateFolders(
         QList<EasFolderItem> &added, QList<EasFolderItem> &changed, const QStringList &deleted) override
     {
@@ -82,10 +83,13 @@ public:
         note(QStringLiteral("uploaded"), added, changed, deleted);
         return takesUploads;
     }
+    QString formatTime(const QDateTime &) const override { return {}; }
     QByteArray iTIPRequestData(const EasMeetingRequestContainer &, const QString &, const QString &) override
     {
         return {};
     }
+    QString getEventIcal(const QString &) const override { return {}; }
+    bool initStorage() override { return true; }
 
 private:
     void note(const QString &call)

@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <KCalendarCore/Event>
+
+#include <QSet>
+#include <QTimeZone>
+
+struct CalendarStoreContext;
+class EasCalendarItem;
+
+/**
+ * The exceptions of a series: occurrences that are left out, and occurrences that are events of their own.
+ *
+ * The item's list is the whole list; an exception of the store that it does not name goes. An exception whose
+ * moment is no occurrence of the series is left out with a log line: it must not cost the user the series.
+ * Nothing is saved here. Main thread only.
+ */
+class CalendarExceptions
+{
+public:
+    explicit CalendarExceptions(const CalendarStoreContext &context);
+
+    /** Whether the times of all exceptions can be read; to be asked before anything is changed. */
+    static bool areReadable(const EasCalendarItem &item, const QTimeZone &zone, bool allDay);
+
+    /** Forgets which occurrences were left out. */
+    static void clear(const KCalendarCore::Event::Ptr &event);
+
+    /** Applies the list of the item to its series, which stands in this notebook of the calendar. */
+    bool handleExceptions(const KCalendarCore::Event::Ptr &event, const EasCalendarItem &item,
+        const QString &folder, const QTimeZone &zone) const;
+
+private:
+    bool deleteException(
+        const KCalendarCore::Event::Ptr &event, const QDateTime &recurrenceId, bool allDay) const;
+    bool addException(const KCalendarCore::Event::Ptr &event, const EasCalendarItem &exception,
+        const QString &folder, const QDateTime &recurrenceId, const QTimeZone &zone) const;
+    KCalendarCore::Event::Ptr dissociated(
+        const KCalendarCore::Event::Ptr &event, const QDateTime &recurrenceId, const QTimeZone &zone) const;
+    void removeOthers(const KCalendarCore::Event::Ptr &event, const QSet<QDateTime> &named) const;
+
+    const CalendarStoreContext &mContext;
+};

@@ -1,0 +1,274 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "storages/calendaritembatch.h"
+
+#include "application/easdatabase.h"
+#include "application/logging.h"
+#include "easitems/eascalendaritem.h"
+#include "storages/calendarstorecontext.h"
+#include "storages/calendartimestamps.h"
+
+using KCalendarCore::Event;
+using KCalendarCore::Incidence;
+
+CalendarItemBatch::CalendarItemBatch(const CalendarStoreContext &context)
+    : mContext(context)
+    , mWriter(context)
+{
+}
+
+bool CalendarItemBatch::updateItems(QList<EasCalendarItem> &added, QList<EasCalendarItem> &updated,
+    const QStringList &deleted, QStringList &replaced)
+{
+    EasDatabase *database = EasDatabase::instance();
+    mMapping = database->serverToLocalCalendarIds(mContext.accountId());
+    // What is known would look new, and come a second time.
+    if (database->lookupFailed() || !collectFolders(added, updated, deleted) || !loadFolders())
+        return false;
+    sortItems(added, updated, replaced);
+    if (!handleAddedCalendarItems(added)) {
+        qCCritical(eas()) << "Failed adding calendar items";
+        return false;
+    }
+    if (!handleUpdatedCalendarItems(updated)) {
+        qCCritical(eas()) << "Failed updating calendar items";
+        return false;
+    }
+    if (!handleDeletedCalendarItems(deleted)) {
+        qCCritical(eas()) << "Failed deleting calendar items";
+        return false;
+    }
+    qCInfo(eas()) << "Finished handling items updates";
+    if (!save())
+        return false;
+    if (!updateItemsTimestamps(added, updated)) {
+        qCCritical(eas()) << "failed to update timestamps";
+        return false;
+    }
+    return true;
+}
+
+bool CalendarItemBatch::collectFolders(
+    const QList<EasCalendarItem> &added, const QList<EasCalendarItem> &updated, const QStringList &deleted)
+{
+    for (const EasCalendarItem &item : added + updated) {
+        if (item.collectionId().isEmpty())
+            qCWarning(eas()) << "Empty collection Id for item" << item.serverId();
+        else if (!enterFolder(item.collectionId()))
+            return false;
+    }
+    if (!deleted.isEmpty()) {
+        EasDatabase *database = EasDatabase::instance();
+        mCollectionsOfDeleted = database->serverCalendarIdToCollectionIds(mContext.accountId());
+        if (database->lookupFailed())
+            return false;
+    }
+    for (const QString &serverId : deleted) {
+        const QString collectionId = mCollectionsOfDeleted.value(serverId);
+        if (!collectionId.isEmpty() && !enterFolder(collectionId))
+            return false;
+    }
+    if (mFolders.isEmpty())
+        qCWarning(eas()) << "Empty collection list";
+    return true;
+}
+
+bool CalendarItemBatch::enterFolder(const QString &collectionId)
+{
+    if (mFolders.contains(collectionId))
+        return true;
+    EasDatabase *database = EasDatabase::instance();
+    const QString folder = database->serverToLocalFolderIds(mContext.accountId()).value(collectionId);
+    if (database->lookupFailed())
+        return false;
+    // The store would leave its events out, and say that all is well.
+    if (folder.isEmpty() || !mContext.storage->notebook(folder)) {
+        qCCritical(eas()) << "No notebook for collection" << collectionId;
+        return false;
+    }
+    mFolders.insert(collectionId, folder);
+    return true;
+}
+
+bool CalendarItemBatch::loadFolders() const
+{
+    // Loading passes over what is in memory, which may be older than the store.
+    mContext.calendar->close();
+    for (auto folder = mFolders.cbegin(); folder != mFolders.cend(); ++folder) {
+        if (!mContext.storage->loadNotebookIncidences(folder.value())) {
+            qCCritical(eas()) << "Cant load notebook incidences for collection" << folder.key();
+            return false;
+        }
+        qCDebug(eas()) << "Loaded notebook incidences for collection" << folder.key();
+    }
+    return true;
+}
+
+QString CalendarItemBatch::folderOf(const EasCalendarItem &item) const
+{
+    return mFolders.value(item.collectionId());
+}
+
+void CalendarItemBatch::sortItems(
+    QList<EasCalendarItem> &added, QList<EasCalendarItem> &updated, QStringList &replaced)
+{
+    takePurged(added, updated, replaced);
+    takeRepeated(added, updated, replaced);
+}
+
+bool CalendarItemBatch::isPurged(const EasCalendarItem &item) const
+{
+    const QString localId = mMapping.value(item.serverId());
+    return !mContext.calendar->event(localId) && !mWriter.isDeleted(localId, folderOf(item));
+}
+
+void CalendarItemBatch::takePurged(
+    QList<EasCalendarItem> &added, QList<EasCalendarItem> &updated, QStringList &replaced) const
+{
+    QList<EasCalendarItem> kept;
+    for (const EasCalendarItem &item : qAsConst(updated)) {
+        if (!mMapping.contains(item.serverId())
+            && item.parameterHasBeenChanged(EasCalendarItem::StartTimeParameter)) {
+            // It could not be understood when it came first.
+            added.append(item);
+        } else if (mMapping.contains(item.serverId()) && isPurged(item)) {
+            qCInfo(eas()) << "Found previously purged item:" << item.serverId() << "-> "
+                          << mMapping.value(item.serverId()) << ", making addedItem.";
+            replaced.append(item.serverId());
+            added.append(item);
+        } else {
+            kept.append(item);
+        }
+    }
+    updated = kept;
+}
+
+void CalendarItemBatch::takeRepeated(
+    QList<EasCalendarItem> &added, QList<EasCalendarItem> &updated, QStringList &replaced) const
+{
+    QMap<QString, EasCalendarItem> fresh;
+    QStringList order;
+    for (const EasCalendarItem &item : qAsConst(added)) {
+        const QString serverId = item.serverId();
+        if (mMapping.contains(serverId) && !replaced.contains(serverId)) {
+            if (!isPurged(item)) {
+                updated.append(item);
+                continue;
+            }
+            replaced.append(serverId);
+        }
+        if (!fresh.contains(serverId))
+            order.append(serverId);
+        fresh.insert(serverId, item);
+    }
+    added.clear();
+    for (const QString &serverId : qAsConst(order))
+        added.append(fresh.value(serverId));
+}
+
+bool CalendarItemBatch::handleAddedCalendarItems(QList<EasCalendarItem> &items) const
+{
+    QList<EasCalendarItem> stored;
+    for (EasCalendarItem &item : items) {
+        bool skipped = false;
+        if (mWriter.storeEvent(item, folderOf(item), true, mMapping, skipped))
+            stored.append(item);
+        else
+            qCWarning(eas()) << "Failed adding calendar item:" << item.serverId();
+    }
+    items = stored;
+    return true;
+}
+
+bool CalendarItemBatch::handleUpdatedCalendarItems(QList<EasCalendarItem> &items) const
+{
+    QList<EasCalendarItem> stored;
+    for (EasCalendarItem &item : items) {
+        bool skipped = false;
+        if (!mWriter.storeEvent(item, folderOf(item), false, mMapping, skipped))
+            qCWarning(eas()) << "Failed updating calendar item:" << item.serverId();
+        else if (!skipped)
+            stored.append(item);
+    }
+    items = stored;
+    return true;
+}
+
+bool CalendarItemBatch::handleDeletedCalendarItems(const QStringList &serverIds)
+{
+    for (const QString &serverId : serverIds) {
+        const auto localId = mMapping.constFind(serverId);
+        if (localId == mMapping.constEnd())
+            qCInfo(eas()) << "No mapping:" << serverId << ". Ignoring this event.";
+        else if (!deleteEvent(serverId, *localId))
+            return false;
+    }
+    return true;
+}
+
+bool CalendarItemBatch::deleteEvent(const QString &serverId, const QString &localId)
+{
+    const Event::Ptr event = mContext.calendar->event(localId);
+    if (!event) {
+        const QString folder = mFolders.value(mCollectionsOfDeleted.value(serverId));
+        Incidence::List deleted;
+        mContext.storage->deletedIncidences(&deleted, QDateTime(), folder);
+        for (const Incidence::Ptr &incidence : qAsConst(deleted)) {
+            if (incidence->uid() != localId)
+                continue;
+            qCInfo(eas()) << "Event was already locally deleted:" << localId;
+            mDeleted.append(incidence);
+        }
+        qCInfo(eas()) << "Event not found:" << serverId << "with local id:" << localId;
+        return true;
+    }
+    mDeleted.append(event);
+    const Event::List occurrences = mContext.calendar->eventInstances(event);
+    for (const Event::Ptr &occurrence : occurrences)
+        mDeleted.append(occurrence);
+    if (!occurrences.isEmpty() && !mContext.calendar->deleteEventInstances(event)) {
+        qCCritical(eas()) << "Failed deleting event occurrences:" << localId;
+        return false;
+    }
+    if (!mContext.calendar->deleteEvent(event)) {
+        qCCritical(eas()) << "Failed deleting event:" << localId;
+        return false;
+    }
+    return true;
+}
+
+bool CalendarItemBatch::save()
+{
+    if (!mContext.storage->save()) {
+        qCCritical(eas()) << "Failed to save";
+        return false;
+    }
+    // What the server deleted must not be found as a deletion of the user's.
+    if (!mDeleted.isEmpty() && !mContext.storage->purgeDeletedIncidences(mDeleted)) {
+        qCCritical(eas()) << "failed to purge remotely deleted incidences from storage";
+        return false;
+    }
+    return true;
+}
+
+bool CalendarItemBatch::updateItemsTimestamps(
+    QList<EasCalendarItem> &added, QList<EasCalendarItem> &updated) const
+{
+    CalendarTimestamps timestamps(mContext);
+    for (auto folder = mFolders.cbegin(); folder != mFolders.cend(); ++folder) {
+        if (!timestamps.updateTimestampCache(folder.value())) {
+            qCCritical(eas()) << "Cant load notebook incidences for collection" << folder.key();
+            return false;
+        }
+        const auto update = [&](QList<EasCalendarItem> &items, const char *what) {
+            for (EasCalendarItem &item : items) {
+                if (item.collectionId() != folder.key())
+                    continue;
+                item.setLocalTimestamp(timestamps.eventTimestamp(item.localId()));
+                qCDebug(eas()) << what << item.localId() << ", stamp:" << item.localTimestamp();
+            }
+        };
+        update(added, "Updating stamp for added item:");
+        update(updated, "Updating stamp for updated item:");
+    }
+    return true;
+}

@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include "storages/calendareventwriter.h"
+
+#include <KCalendarCore/Incidence>
+
+#include <QMap>
+#include <QStringList>
+
+class CalendarTimestamps;
+
+/**
+ * Writes the items of one reply to the device's calendar and saves them.
+ *
+ * The store is written before the mapping database, so the server's answer can come again after an
+ * interruption: an added item that is known already is taken for a change, and a changed one whose event is
+ * gone is added anew. An item that cannot be understood (its start is no time, its series no rule) is left
+ * out with a log line, as nobody would gain if it stopped the calendar for good; a store that fails makes the
+ * batch fail, and all of it comes again. A value for one reply; main thread only.
+ */
+class CalendarItemBatch
+{
+public:
+    explicit CalendarItemBatch(const CalendarStoreContext &context);
+
+    /**
+     * Items that were stored stay in their lists, with their local identifiers and stamps; others leave them.
+     * Server identifiers whose rows have to go before the lists are recorded are appended to replaced.
+     */
+    bool updateItems(QList<EasCalendarItem> &added, QList<EasCalendarItem> &updated,
+        const QStringList &deleted, QStringList &replaced);
+
+private:
+    bool collectFolders(const QList<EasCalendarItem> &added, const QList<EasCalendarItem> &updated,
+        const QStringList &deleted);
+    bool enterFolder(const QString &collectionId);
+    bool loadFolders() const;
+    QString folderOf(const EasCalendarItem &item) const;
+    void sortItems(QList<EasCalendarItem> &added, QList<EasCalendarItem> &updated, QStringList &replaced);
+    void takeRepeated(
+        QList<EasCalendarItem> &added, QList<EasCalendarItem> &updated, QStringList &replaced) const;
+    void takePurged(
+        QList<EasCalendarItem> &added, QList<EasCalendarItem> &updated, QStringList &replaced) const;
+    bool isPurged(const EasCalendarItem &item) const;
+    bool handleAddedCalendarItems(QList<EasCalendarItem> &items) const;
+    bool handleUpdatedCalendarItems(QList<EasCalendarItem> &items) const;
+    bool handleDeletedCalendarItems(const QStringList &serverIds);
+    bool deleteEvent(const QString &serverId, const QString &localId);
+    bool save();
+    bool updateItemsTimestamps(QList<EasCalendarItem> &added, QList<EasCalendarItem> &updated) const;
+
+    const CalendarStoreContext &mContext;
+    CalendarEventWriter mWriter;
+    /** Server to local identifiers. */
+    QMap<QString, QString> mMapping;
+    /** Collections of the reply and their notebooks. */
+    QMap<QString, QString> mFolders;
+    QMap<QString, QString> mCollectionsOfDeleted;
+    KCalendarCore::Incidence::List mDeleted;
+};
