@@ -199,10 +199,11 @@ bool CalendarEventReader::applySeries(
         qCWarning(eas()) << "source event's recurrence is null";
         return false;
     }
-    if (!CalendarRecurrence::applyRecurrence(event, item, true)) {
+    if (!CalendarRecurrence::applyRecurrence(event, item, false)) {
         qCWarning(eas()) << "Failed encoding recurrence";
         return false;
     }
+    applyLastDay(*event, item);
     if (!withExceptions)
         return true;
     const Event::List exceptions = mContext.calendar->eventInstances(event);
@@ -214,6 +215,15 @@ bool CalendarEventReader::applySeries(
     }
     applyDeletions(event, item);
     return true;
+}
+
+void CalendarEventReader::applyLastDay(const Event &event, EasCalendarItem &item) const
+{
+    EasRecurrenceContainer recurrence = item.recurrence();
+    if (!event.allDay() || recurrence.until().isEmpty())
+        return;
+    recurrence.setUntil(timeText(event, event.recurrence()->defaultRRuleConst()->endDt()));
+    item.setRecurrence(recurrence);
 }
 
 void CalendarEventReader::applyDeletions(const Event::Ptr &event, EasCalendarItem &item) const

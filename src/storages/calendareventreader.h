@@ -46,6 +46,8 @@ private:
     void applyTimes(const KCalendarCore::Event &event, EasCalendarItem &item) const;
     bool applySeries(
         const KCalendarCore::Event::Ptr &event, EasCalendarItem &item, bool withExceptions) const;
+    /** The end of an all-day series is the start of its last day. */
+    void applyLastDay(const KCalendarCore::Event &event, EasCalendarItem &item) const;
     void applyDeletions(const KCalendarCore::Event::Ptr &event, EasCalendarItem &item) const;
     QString timeText(const KCalendarCore::Event &event, const QDateTime &time) const;
     bool exceptionsGoAlone() const;

@@ -4,14 +4,15 @@
 #include "application/easdatabase.h"
 #include "application/logging.h"
 #include "easitems/eascalendaritem.h"
+#include "storages/calendarlocalchanges.h"
 #include "storages/calendarstorecontext.h"
-#include "storages/calendartimestamps.h"
 
 using KCalendarCore::Event;
 using KCalendarCore::Incidence;
 
-CalendarItemBatch::CalendarItemBatch(const CalendarStoreContext &context)
+CalendarItemBatch::CalendarItemBatch(const CalendarStoreContext &context, CalendarLocalChanges &localChanges)
     : mContext(context)
+    , mLocalChanges(localChanges)
     , mWriter(context)
 {
 }
@@ -40,7 +41,8 @@ bool CalendarItemBatch::updateItems(QList<EasCalendarItem> &added, QList<EasCale
     qCInfo(eas()) << "Finished handling items updates";
     if (!save())
         return false;
-    if (!updateItemsTimestamps(added, updated)) {
+    // Without it, the server's changes would come back as the user's.
+    if (!mLocalChanges.updateItemsTimestamps(mFolders.keys(), added, updated)) {
         qCCritical(eas()) << "failed to update timestamps";
         return false;
     }
@@ -246,29 +248,6 @@ bool CalendarItemBatch::save()
     if (!mDeleted.isEmpty() && !mContext.storage->purgeDeletedIncidences(mDeleted)) {
         qCCritical(eas()) << "failed to purge remotely deleted incidences from storage";
         return false;
-    }
-    return true;
-}
-
-bool CalendarItemBatch::updateItemsTimestamps(
-    QList<EasCalendarItem> &added, QList<EasCalendarItem> &updated) const
-{
-    CalendarTimestamps timestamps(mContext);
-    for (auto folder = mFolders.cbegin(); folder != mFolders.cend(); ++folder) {
-        if (!timestamps.updateTimestampCache(folder.value())) {
-            qCCritical(eas()) << "Cant load notebook incidences for collection" << folder.key();
-            return false;
-        }
-        const auto update = [&](QList<EasCalendarItem> &items, const char *what) {
-            for (EasCalendarItem &item : items) {
-                if (item.collectionId() != folder.key())
-                    continue;
-                item.setLocalTimestamp(timestamps.eventTimestamp(item.localId()));
-                qCDebug(eas()) << what << item.localId() << ", stamp:" << item.localTimestamp();
-            }
-        };
-        update(added, "Updating stamp for added item:");
-        update(updated, "Updating stamp for updated item:");
     }
     return true;
 }

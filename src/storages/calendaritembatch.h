@@ -8,7 +8,7 @@
 #include <QMap>
 #include <QStringList>
 
-class CalendarTimestamps;
+class CalendarLocalChanges;
 
 /**
  * Writes the items of one reply to the device's calendar and saves them.
@@ -22,7 +22,7 @@ class CalendarTimestamps;
 class CalendarItemBatch
 {
 public:
-    explicit CalendarItemBatch(const CalendarStoreContext &context);
+    CalendarItemBatch(const CalendarStoreContext &context, CalendarLocalChanges &localChanges);
 
     /**
      * Items that were stored stay in their lists, with their local identifiers and stamps; others leave them.
@@ -48,9 +48,9 @@ private:
     bool handleDeletedCalendarItems(const QStringList &serverIds);
     bool deleteEvent(const QString &serverId, const QString &localId);
     bool save();
-    bool updateItemsTimestamps(QList<EasCalendarItem> &added, QList<EasCalendarItem> &updated) const;
 
     const CalendarStoreContext &mContext;
+    CalendarLocalChanges &mLocalChanges;
     CalendarEventWriter mWriter;
     /** Server to local identifiers. */
     QMap<QString, QString> mMapping;

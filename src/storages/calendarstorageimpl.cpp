@@ -41,6 +41,7 @@ CalendarStorageImpl::CalendarStorageImpl(EasAccount &account, QObject *parent)
     : CalendarStorage(parent)
     , mContext { &account, {}, {} }
     , mFolders(mContext)
+    , mLocalChanges(mContext)
 {
     CalendarStorageImpl::init();
 }
@@ -157,38 +158,30 @@ bool CalendarStorageImpl::updateItems(QList<EasCalendarItem> &added, QList<EasCa
         return true;
     }
     return isEnabled() && storeAvailable()
-        && CalendarItemBatch(mContext).updateItems(added, changed, deleted, replaced);
+        && CalendarItemBatch(mContext, mLocalChanges).updateItems(added, changed, deleted, replaced);
 }
 
 bool CalendarStorageImpl::touchItems(
     const QString &folderServerId, const QList<QPair<QString, QString>> &instances)
 {
-    Q_UNUSED(folderServerId)
-    return instances.isEmpty();
+    return mLocalChanges.touchItems(folderServerId, instances);
 }
 
 bool CalendarStorageImpl::queryLocalUpdates(const QString &localFolderId, qint64 from, qint64 &newTime,
     QList<EasCalendarItem> &added, QList<EasCalendarItem> &changed, QStringList &deletedServerIds)
 {
-    Q_UNUSED(added)
-    Q_UNUSED(changed)
-    Q_UNUSED(deletedServerIds)
-    newTime = from;
-    return isEnabled() && storeAvailable() && CalendarOrigin::removeStrays(mContext, localFolderId);
+    return isEnabled() && storeAvailable() && CalendarOrigin::removeStrays(mContext, localFolderId)
+        && mLocalChanges.queryLocalUpdates(localFolderId, from, newTime, added, changed, deletedServerIds);
 }
 
 bool CalendarStorageImpl::syncTime(const QString &localFolderId, qint64 &time)
 {
-    Q_UNUSED(localFolderId)
-    time = 0;
-    return true;
+    return mLocalChanges.syncTime(localFolderId, time);
 }
 
 bool CalendarStorageImpl::setSyncTime(const QString &localFolderId, qint64 time)
 {
-    Q_UNUSED(localFolderId)
-    Q_UNUSED(time)
-    return true;
+    return mLocalChanges.setSyncTime(localFolderId, time);
 }
 
 bool CalendarStorageImpl::cleanUpFolder(const EasFolderItem &folder)
@@ -199,7 +192,7 @@ bool CalendarStorageImpl::cleanUpFolder(const EasFolderItem &folder)
 bool CalendarStorageImpl::uploadedLocalChanges(
     QList<EasCalendarItem> &added, QList<EasCalendarItem> &changed, const QStringList &deletedServerIds)
 {
-    return added.isEmpty() && changed.isEmpty() && deletedServerIds.isEmpty();
+    return mLocalChanges.uploadedLocalChanges(added, changed, deletedServerIds);
 }
 
 QString CalendarStorageImpl::formatTime(const QDateTime &time) const
@@ -224,7 +217,12 @@ QString CalendarStorageImpl::getEventIcal(const QString &localId) const
     return event ? KCalendarCore::ICalFormat().toICalString(event) : QString();
 }
 
-void CalendarStorageImpl::handleLocalUpdates() {}
+void CalendarStorageImpl::handleLocalUpdates()
+{
+    const QStringList changed = mLocalChanges.handleLocalUpdates();
+    if (!changed.isEmpty())
+        Q_EMIT changesAvailable(changed);
+}
 
 void CalendarStorageImpl::storageModified(mKCal::ExtendedStorage *storage, const QString &info)
 {

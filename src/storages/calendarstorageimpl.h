@@ -3,6 +3,7 @@
 
 #include "common/easaccountid.h"
 #include "storages/calendarfolders.h"
+#include "storages/calendarlocalchanges.h"
 #include "storages/calendarstorage.h"
 #include "storages/calendarstorecontext.h"
 
@@ -68,4 +69,5 @@ private:
 
     CalendarStoreContext mContext;
     CalendarFolders mFolders;
+    CalendarLocalChanges mLocalChanges;
 };

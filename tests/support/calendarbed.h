@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
-#include "configurations/calendaraccountconfiguration.h"
 #include "easitems/eascalendaritem.h"
 #include "easitems/easfolderitem.h"
-#include "storages/calendarstorecontext.h"
-#include "support/fakeaccount.h"
+#include "support/calendarscene.h"
 
 #include <KCalendarCore/Event>
 
@@ -14,24 +12,6 @@
 #include <memory>
 
 class CalendarStorageImpl;
-
-/** Settings of a calendar service that live in memory. */
-class FakeCalendarConfiguration : public CalendarAccountConfiguration
-{
-public:
-    explicit FakeCalendarConfiguration(EasAccountId id)
-        : CalendarAccountConfiguration(id, nullptr)
-    {
-    }
-
-    bool enabled() const override { return isEnabled; }
-    int syncPastTime() const override { return 0; }
-    QString calendarName() const override { return {}; }
-    bool firstSyncCompleted() const override { return true; }
-    void setFirstSyncCompleted(bool) override {}
-
-    bool isEnabled = true;
-};
 
 /**
  * An account with one calendar folder, a store of its own and rows in the mapping database: items of a server
