@@ -5,6 +5,7 @@
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
+#include <netinet/tcp.h>
 #include <sys/socket.h>
 
 namespace Simulator {
@@ -21,9 +22,8 @@ int portOf(int socket, NameOfSocket name)
     return ntohs(address.sin_port);
 }
 
-} // namespace
-
-void shutDownConnections(int localPort, int peerPort)
+/** Calls @p action with each socket between these ports; any peer with -1. */
+template <class Action> void forConnections(int localPort, int peerPort, Action action)
 {
     const QStringList descriptors = QDir(QStringLiteral("/proc/self/fd"))
                                         .entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot);
@@ -33,8 +33,23 @@ void shutDownConnections(int localPort, int peerPort)
             continue;
         const int peer = portOf(socket, getpeername);
         if (peer > 0 && (peerPort < 0 || peer == peerPort))
-            shutdown(socket, SHUT_RDWR);
+            action(socket);
     }
+}
+
+} // namespace
+
+void shutDownConnections(int localPort, int peerPort)
+{
+    forConnections(localPort, peerPort, [](int socket) { shutdown(socket, SHUT_RDWR); });
+}
+
+void acknowledgeAtOnce(int localPort, int peerPort)
+{
+    forConnections(localPort, peerPort, [](int socket) {
+        const int on = 1;
+        setsockopt(socket, IPPROTO_TCP, TCP_QUICKACK, &on, sizeof(on));
+    });
 }
 
 void allowReuse(int socket)

@@ -10,6 +10,12 @@ namespace Simulator {
  */
 void shutDownConnections(int localPort, int peerPort = -1);
 
+/**
+ * Has that connection's headers acknowledged at once. A client that sends the body on its own waits for it,
+ * which otherwise takes 40 ms of each request.
+ */
+void acknowledgeAtOnce(int localPort, int peerPort);
+
 /** Lets a server listen again on the port it just left. */
 void allowReuse(int socket);
 

@@ -183,6 +183,10 @@ bool HttpFrontend::start(quint16 port, const QByteArray &certificate, const QByt
     const auto handler = [this](const httplib::Request &request, httplib::Response &response) {
         d->answer(request, response);
     };
+    d->server->set_pre_routing_handler([this](const httplib::Request &request, httplib::Response &) {
+        acknowledgeAtOnce(d->port, request.remote_port);
+        return httplib::Server::HandlerResponse::Unhandled;
+    });
     d->server->Options(".*", handler).Get(".*", handler).Post(".*", handler);
     if (port == 0)
         d->port = d->server->bind_to_any_port("127.0.0.1");
