@@ -217,6 +217,14 @@ private:
             "</ServerId><b:InstanceId>20200101T000000Z</b:InstanceId></Delete></Commands>");
         if (is160)
             client.sync(calendar, key, instances.arg(id));
+        const QString contact = mailbox.items(mailbox.folderOfType(ContactsFolder).id).first().serverId;
+        for (const QString &item : { id, contact }) {
+            client.post(QStringLiteral("ItemOperations"),
+                QStringLiteral(
+                    "<ItemOperations xmlns='ItemOperations' xmlns:a='AirSync'><Fetch><Store>Mailbox"
+                    "</Store><a:ServerId>%1</a:ServerId></Fetch></ItemOperations>")
+                    .arg(item));
+        }
         client.setClass(QStringLiteral("Email"));
     }
 
