@@ -2,76 +2,153 @@
 #include "storages/contactstorageimpl.h"
 
 #include "application/easaccount.h"
+#include "application/easdatabase.h"
 #include "application/logging.h"
-#include "easitems/eascontactsitem.h"
-#include "easitems/easfolderitem.h"
+#include "configurations/contactsaccountconfiguration.h"
+#include "storages/contactavatars.h"
+#include "storages/contactfolders.h"
+#include "storages/contactitembatch.h"
+#include "storages/contactsobserver.h"
+#include "storages/contactstoremanager.h"
+#include "storages/contactstrays.h"
 
-namespace {
-
-/** False, with a log line, if there is anything that would have to be kept. */
-bool nothingToKeep(EasAccountId accountId, const char *what, int count)
-{
-    if (count == 0)
-        return true;
-    qCWarning(eas()) << "There is no contact store:" << what << count << "refused, account" << accountId;
-    return false;
-}
-
-} // namespace
+QTCONTACTS_USE_NAMESPACE
 
 ContactStorageImpl::ContactStorageImpl(EasAccount &account, QObject *parent)
     : ContactStorage(parent)
-    , mAccountId(account.id())
+    , mAccount(account)
+    , mLocalChanges(mContext)
 {
+    mContext.accountId = account.id();
+    mContext.manager = ContactStoreManager::create(this);
+    if (mContext.manager)
+        ContactStrays(mContext).repair();
+    initializeObserver();
+    connect(&account, &EasAccount::contactsConfigurationChanged, this,
+        &ContactStorageImpl::onContactsConfigurationChanged);
 }
 
 ContactStorageImpl::~ContactStorageImpl() = default;
 
 bool ContactStorageImpl::cleanUpDeletedAccounts(const QList<EasAccountId> &accountIds)
 {
-    Q_UNUSED(accountIds)
-    return true;
+    const std::unique_ptr<QContactManager> manager(ContactStoreManager::create(nullptr));
+    if (!manager) {
+        qCCritical(eas()) << "The contact manager is not initialized";
+        return false;
+    }
+    bool succeeded = true;
+    for (const EasAccountId accountId : accountIds) {
+        ContactStoreContext context;
+        context.manager = manager.get();
+        context.accountId = accountId;
+        const ContactFolders folders(context);
+        bool complete = false;
+        const QList<QContactCollection> collections = folders.collections(&complete);
+        for (const QContactCollection &collection : collections) {
+            if (folders.removeCollection(collection))
+                continue;
+            complete = false;
+            qCCritical(eas()) << "unable to delete contact collection: " << collection.id()
+                              << " for removed account: " << accountId;
+        }
+        if (complete)
+            ContactAvatars(accountId).removeAll();
+        succeeded = complete && succeeded;
+    }
+    return succeeded;
+}
+
+bool ContactStorageImpl::storeAvailable() const
+{
+    if (mContext.manager)
+        return true;
+    qCCritical(eas()) << "The contact manager is not initialized";
+    return false;
+}
+
+void ContactStorageImpl::initializeObserver()
+{
+    const QSharedPointer<ContactsAccountConfiguration> configuration = mAccount.contactsConfiguration();
+    if (!configuration) {
+        qCWarning(eas()) << "ContactsAccountConfiguration is null";
+        return;
+    }
+    if (!configuration->enabled() || mObserver || !mContext.manager)
+        return;
+    mObserver = std::make_unique<ContactsObserver>(
+        mContext.accountId, ContactStoreContext::applicationName(), *mContext.manager, nullptr);
+    connect(mObserver.get(), &ContactsObserver::localChangesAvailable, this,
+        &ContactStorageImpl::onLocalChangesAvailable);
+}
+
+void ContactStorageImpl::releaseObserver()
+{
+    mObserver.reset();
+}
+
+void ContactStorageImpl::onContactsConfigurationChanged(EasAccountId accountId)
+{
+    qCDebug(eas()) << "contacts configuration changed for account " << accountId;
+    if (accountId != mContext.accountId)
+        return;
+    const QSharedPointer<ContactsAccountConfiguration> configuration = mAccount.contactsConfiguration();
+    if (configuration && configuration->enabled())
+        initializeObserver();
+    else
+        releaseObserver();
+}
+
+void ContactStorageImpl::onLocalChangesAvailable(const QList<QString> &serverFolderIds)
+{
+    const QMap<QString, QString> localIds =
+        EasDatabase::instance()->serverToLocalFolderIds(mContext.accountId);
+    QStringList folders;
+    for (const QString &serverId : serverFolderIds) {
+        const QString localId = localIds.value(serverId);
+        if (!localId.isEmpty() && !folders.contains(localId))
+            folders.append(localId);
+    }
+    if (folders.isEmpty())
+        return;
+    qCDebug(eas()) << "Changes available in folders: " << folders.join(QStringLiteral(", "));
+    Q_EMIT changesAvailable(folders);
 }
 
 bool ContactStorageImpl::updateFolders(
     QList<EasFolderItem> &added, QList<EasFolderItem> &changed, const QStringList &deleted)
 {
-    Q_UNUSED(added)
-    Q_UNUSED(changed)
-    Q_UNUSED(deleted)
-    return true;
+    return storeAvailable() && ContactFolders(mContext).updateFolders(added, changed, deleted);
 }
 
 bool ContactStorageImpl::updateItems(const QString &folderServerId, QList<EasContactsItem> &added,
     QList<EasContactsItem> &changed, const QStringList &deleted)
 {
-    Q_UNUSED(folderServerId)
-    return nothingToKeep(mAccountId, "contacts", added.size() + changed.size() + deleted.size());
+    if (added.isEmpty() && changed.isEmpty() && deleted.isEmpty())
+        return true;
+    return storeAvailable()
+        && ContactItemBatch(mContext).updateItems(folderServerId, added, changed, deleted);
 }
 
 bool ContactStorageImpl::cleanUpFolder(const EasFolderItem &folder)
 {
-    Q_UNUSED(folder)
-    return true;
+    return storeAvailable() && ContactFolders(mContext).cleanUpFolder(folder);
 }
 
 bool ContactStorageImpl::queryChanges(const EasFolderItem &folder, QList<EasContactsItem> *added,
     QList<EasContactsItem> *changed, QStringList *deletedServerIds)
 {
-    Q_UNUSED(folder)
-    Q_UNUSED(added)
-    Q_UNUSED(changed)
-    Q_UNUSED(deletedServerIds)
-    return true;
+    return storeAvailable() && mLocalChanges.queryChanges(folder, added, changed, deletedServerIds);
 }
 
 bool ContactStorageImpl::uploadedLocalChanges(
     const QStringList &addedLocalIds, const QStringList &changedLocalIds, const QStringList &deletedLocalIds)
 {
-    return nothingToKeep(mAccountId, "uploaded contacts",
-        addedLocalIds.size() + changedLocalIds.size() + deletedLocalIds.size());
+    return storeAvailable()
+        && mLocalChanges.uploadedLocalChanges(addedLocalIds, changedLocalIds, deletedLocalIds);
 }
 
+// What failed keeps its flag in the store, and goes up again.
 void ContactStorageImpl::setFailedLocalChangesIds(const QStringList &localIds)
 {
     Q_UNUSED(localIds)

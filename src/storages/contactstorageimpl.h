@@ -1,14 +1,19 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include "storages/contactlocalchanges.h"
 #include "storages/contactstorage.h"
+#include "storages/contactstorecontext.h"
 
+#include <memory>
+
+class ContactsAccountConfiguration;
+class ContactsObserver;
 class EasAccount;
 
 /**
- * The contact store of one account. It keeps folders alone so far: their rows stand in the mapping database,
- * and no contact is taken or given. Contacts that reach it are refused, so that a sync fails instead of
- * losing them. Owned by the account.
+ * The contact store of one account, a thin front: ContactFolders, ContactItemBatch and ContactLocalChanges do
+ * the work. Pictures are files that contacts name. Owned by the account.
  */
 class ContactStorageImpl : public ContactStorage
 {
@@ -35,6 +40,17 @@ public:
 public Q_SLOTS:
     void onSyncCompleted(EasAccountId accountId, qulonglong requestId, int status) override;
 
+private Q_SLOTS:
+    void onLocalChangesAvailable(const QList<QString> &serverFolderIds);
+    void onContactsConfigurationChanged(EasAccountId accountId);
+
 private:
-    EasAccountId mAccountId;
+    void initializeObserver();
+    void releaseObserver();
+    bool storeAvailable() const;
+
+    EasAccount &mAccount;
+    ContactStoreContext mContext;
+    ContactLocalChanges mLocalChanges;
+    std::unique_ptr<ContactsObserver> mObserver;
 };

@@ -25,6 +25,10 @@ libraries=$(dirname "$(find "$work/tree" -name libfennel-eas.so)")
 for program in consumer consumer-pkgconfig; do
     LD_LIBRARY_PATH=$libraries "$work/consumer/$program"
 done
+# The programs look for plugins of the tree's own from where they are.
+for plugin in $(cd "$build" && find . -path '*/fennel-eas/plugins/*.so' ! -path './package/*'); do
+    [ -e "$work/tree/$plugin" ] || { echo "not installed: $plugin"; exit 1; }
+done
 "$work/tree/bin/fennel-eas" --version
 "$work/tree/bin/fennel-eas" --help > /dev/null
 

@@ -30,6 +30,13 @@ ContactChangeNotifier::ContactChangeNotifier(const QString &folder)
 ContactChangeNotifier::~ContactChangeNotifier()
 {
     flush();
+    // While this object is still there: the bus thread, which ends the connection later, would go through the
+    // receivers once more.
+    if (mBus.isConnected()) {
+        mBus.disconnect(QString(), QLatin1String(busPath), QLatin1String(busInterface),
+            QLatin1String(busSignal), QStringList { mFolder }, QString(), this,
+            SLOT(onBusSignal(QDBusMessage)));
+    }
     mBus = QDBusConnection(QString());
     QDBusConnection::disconnectFromBus(mConnectionName);
 }

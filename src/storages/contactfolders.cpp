@@ -1,0 +1,259 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "storages/contactfolders.h"
+
+#include "application/easdatabase.h"
+#include "application/logging.h"
+#include "storages/contactavatars.h"
+#include "storages/contactstorecontext.h"
+
+#include <QtContacts/QContactAvatar>
+#include <QtContacts/QContactCollectionFilter>
+#include <QtContacts/QContactManager>
+
+QTCONTACTS_USE_NAMESPACE
+
+namespace {
+
+// The keys of a collection's metadata.
+const auto accountIdKey = QStringLiteral("AccountId");
+const auto applicationNameKey = QStringLiteral("ApplicationName");
+const auto serverIdKey = QStringLiteral("ServerId");
+const auto serverParentIdKey = QStringLiteral("ServerParentId");
+const auto syncKeyKey = QStringLiteral("SyncKey");
+const auto folderTypeKey = QStringLiteral("FolderType");
+
+} // namespace
+
+ContactFolders::ContactFolders(const ContactStoreContext &context)
+    : mContext(context)
+{
+}
+
+bool ContactFolders::belongsTo(
+    const QContactCollection &collection, EasAccountId accountId, const QString &applicationName)
+{
+    // The store keeps 32 bits of the number.
+    return collection.extendedMetaData(accountIdKey).toInt() == int(accountId)
+        && collection.extendedMetaData(applicationNameKey).toString() == applicationName;
+}
+
+QString ContactFolders::serverIdOf(const QContactCollection &collection)
+{
+    return collection.extendedMetaData(serverIdKey).toString();
+}
+
+QList<QContactCollection> ContactFolders::collections(bool *complete) const
+{
+    QList<QContactCollection> own;
+    const QList<QContactCollection> all = mContext.manager->collections();
+    *complete = mContext.manager->error() == QContactManager::NoError;
+    for (const QContactCollection &collection : all) {
+        if (belongsTo(collection, mContext.accountId, ContactStoreContext::applicationName()))
+            own.append(collection);
+    }
+    return own;
+}
+
+ContactFolders::Lookup ContactFolders::find(const QString &folderServerId) const
+{
+    Lookup lookup;
+    const QList<QContactCollection> own = collections(&lookup.complete);
+    for (const QContactCollection &collection : own) {
+        if (serverIdOf(collection) == folderServerId)
+            lookup.collection = collection;
+    }
+    return lookup;
+}
+
+void ContactFolders::populateCollection(const EasFolderItem &item, QContactCollection *collection) const
+{
+    const bool nameless = item.type() == EasFolderItem::DefaultContactsFolder && item.displayName().isEmpty();
+    collection->setMetaData(
+        QContactCollection::KeyName, nameless ? QStringLiteral("Exchange Contacts") : item.displayName());
+    collection->setExtendedMetaData(accountIdKey, mContext.accountId);
+    collection->setExtendedMetaData(applicationNameKey, ContactStoreContext::applicationName());
+    collection->setExtendedMetaData(serverIdKey, item.serverId());
+    collection->setExtendedMetaData(serverParentIdKey, item.serverParentId());
+    collection->setExtendedMetaData(syncKeyKey, item.syncKey());
+    collection->setExtendedMetaData(folderTypeKey, int(item.type()));
+}
+
+bool ContactFolders::updateFolders(
+    QList<EasFolderItem> &added, QList<EasFolderItem> &changed, const QStringList &deleted) const
+{
+    if (!handleAddedFolders(added)) {
+        qCCritical(eas()) << "Failed to add contacts folders";
+        return false;
+    }
+    if (!handleUpdatedFolders(changed)) {
+        qCCritical(eas()) << "Failed to update contacts folders";
+        return false;
+    }
+    return handleDeletedFolders(deleted);
+}
+
+bool ContactFolders::handleAddedFolders(QList<EasFolderItem> &items) const
+{
+    QList<QContactCollection> saved;
+    for (EasFolderItem &item : items) {
+        if (!item.isContacts())
+            continue;
+        // It may be there from a run that did not get as far as the mapping.
+        const Lookup present = find(item.serverId());
+        QContactCollection collection = present.collection.value_or(QContactCollection());
+        populateCollection(item, &collection);
+        if (!present.complete || !mContext.manager->saveCollection(&collection)) {
+            qCCritical(eas()) << "Failed to save new folder as local collection: " << item.displayName()
+                              << mContext.manager->error();
+            rollBack(saved);
+            return false;
+        }
+        if (!present.collection)
+            saved.append(collection);
+        item.setLocalId(collection.id().toString());
+        qCInfo(eas()) << "New folder " << item.displayName() << " assigned local id " << item.localId();
+        for (EasFolderItem &child : items) {
+            if (child.serverParentId() == item.serverId())
+                child.setLocalParentId(item.localId());
+        }
+    }
+    return true;
+}
+
+void ContactFolders::rollBack(const QList<QContactCollection> &added) const
+{
+    for (const QContactCollection &collection : added) {
+        if (!removeCollection(collection))
+            qCWarning(eas()) << "Failed to clean up added folder collection: " << collection.id();
+    }
+}
+
+bool ContactFolders::handleUpdatedFolders(QList<EasFolderItem> &items) const
+{
+    bool updated = true;
+    for (EasFolderItem &item : items) {
+        if (!item.isContacts())
+            continue;
+        const Lookup present = find(item.serverId());
+        if (present.complete && !present.collection) {
+            // It is made again with its next contacts.
+            qCWarning(eas()) << "Cannot find folder " << item.serverId();
+            continue;
+        }
+        QContactCollection collection = present.collection.value_or(QContactCollection());
+        populateCollection(item, &collection);
+        if (!present.complete || !mContext.manager->saveCollection(&collection)) {
+            qCCritical(eas()) << "Failed to save updates to contacts collection for folder" << item.serverId()
+                              << mContext.manager->error();
+            updated = false;
+            continue;
+        }
+        item.setLocalId(collection.id().toString());
+        qCInfo(eas()) << "Folder " << item.displayName() << " was updated";
+    }
+    return updated;
+}
+
+bool ContactFolders::handleDeletedFolders(const QStringList &serverIds) const
+{
+    bool removed = true;
+    for (const QString &serverId : serverIds) {
+        EasDatabase *database = EasDatabase::instance();
+        EasFolderItem type;
+        type.setType(database->folderTypeByServerId(mContext.accountId, serverId));
+        if (!type.isContacts())
+            continue;
+        const EasFolderItem item = database->folderItemByServerId(mContext.accountId, serverId);
+        if (item.serverId() != serverId) {
+            qCWarning(eas()) << "Cannot find folder " << serverId << " for delete";
+        } else if (!cleanUpFolder(item)) {
+            qCWarning(eas()) << "Failed to clear folder " << item.displayName();
+            removed = false;
+        } else {
+            qCInfo(eas()) << "Folder " << item.displayName() << " with local id " << item.localId()
+                          << " was removed";
+        }
+    }
+    return removed;
+}
+
+bool ContactFolders::cleanUpFolder(const EasFolderItem &folder) const
+{
+    EasDatabase *database = EasDatabase::instance();
+    const QMap<QString, QUrl> avatars = database->localContactIdsToAvatarsUrls(mContext.accountId);
+    if (database->lookupFailed())
+        return false;
+    const QStringList localIds = database->localContactIds(mContext.accountId, folder.serverId());
+    if (database->lookupFailed())
+        return false;
+    QList<QUrl> files;
+    for (const QString &localId : localIds) {
+        if (QContactId::fromString(localId).isNull())
+            qCWarning(eas()) << "Invalid database contact id:" << localId;
+        if (!avatars.value(localId).isEmpty()) {
+            qCDebug(eas()) << "Removing avatar file" << avatars.value(localId) << "for contact" << localId;
+            files.append(avatars.value(localId));
+        }
+    }
+    const Lookup present = find(folder.serverId());
+    if (!present.complete)
+        return false;
+    if (present.collection)
+        files += avatarsIn(*present.collection);
+    if (!present.collection) {
+        qCWarning(eas()) << "unable to find contact collection for removed folder: " << folder.serverId();
+    } else if (!removeCollection(*present.collection)) {
+        qCWarning(eas()) << "unable to delete contact collection: " << present.collection->id()
+                         << " for removed folder: " << folder.serverId();
+        return false;
+    }
+    ContactAvatars(mContext.accountId).removeAvatars(files);
+    return true;
+}
+
+QList<QUrl> ContactFolders::avatarsIn(const QContactCollection &collection) const
+{
+    // The mapping may not know all of them.
+    QContactCollectionFilter filter;
+    filter.setCollectionId(collection.id());
+    QList<QUrl> urls;
+    const QList<QContact> contacts = mContext.manager->contacts(filter);
+    for (const QContact &contact : contacts)
+        urls.append(contact.detail<QContactAvatar>().imageUrl());
+    return urls;
+}
+
+bool ContactFolders::removeCollection(const QContactCollection &collection) const
+{
+    if (!mContext.manager->removeCollection(collection.id()))
+        return mContext.manager->error() == QContactManager::DoesNotExistError;
+    // Nobody asks for these changes any more, so nobody else would purge the rows.
+    QContactManager::Error error = QContactManager::NoError;
+    if (auto *engine = mContext.engine())
+        engine->clearChangeFlags(collection.id(), &error);
+    return true;
+}
+
+std::optional<QContactCollection> ContactFolders::recreate(const QString &folderServerId) const
+{
+    EasDatabase *database = EasDatabase::instance();
+    EasFolderItem item = database->folderItemByServerId(mContext.accountId, folderServerId);
+    if (database->lookupFailed() || item.serverId().isEmpty()) {
+        qCCritical(eas()) << "Failed to find local collection for remote folder: " << folderServerId;
+        return std::nullopt;
+    }
+    qCInfo(eas()) << "Creating missing QContactCollection for contacts folder: " << item.displayName();
+    QContactCollection collection;
+    populateCollection(item, &collection);
+    if (!mContext.manager->saveCollection(&collection)) {
+        qCCritical(eas()) << "Failed to save recreated folder as local collection: " << item.displayName()
+                          << mContext.manager->error();
+        return std::nullopt;
+    }
+    item.setLocalId(collection.id().toString());
+    item.clearChangedFields();
+    if (!database->updateFolderItems(mContext.accountId, { item }))
+        return std::nullopt;
+    qCInfo(eas()) << "Recreated folder " << item.displayName() << " assigned local id " << item.localId();
+    return collection;
+}

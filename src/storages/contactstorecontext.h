@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include "common/easaccountid.h"
+
+#include <contactmanagerengine.h>
+
+#include <QtContacts/QContactManager>
+
+#include <QString>
+
+/**
+ * Where a contact storage works: the platform's store and the account.
+ *
+ * ContactStorageImpl owns it; its collaborators look at it by reference. Without a manager nothing but the
+ * front may be called.
+ */
+struct ContactStoreContext
+{
+    /** Under this name the collections belong to the engine. */
+    static QString applicationName();
+
+    /** The manager's extension. */
+    QtContactsSqliteExtensions::ContactManagerEngine *engine() const;
+
+    /** What a contact of the server's is known by, whatever becomes of the mapping. */
+    QString guid(const QString &serverId) const;
+    /** The server identifier in such a text; empty for any other. */
+    QString serverIdOf(const QString &guid) const;
+
+    QtContacts::QContactManager *manager = nullptr;
+    EasAccountId accountId = 0;
+};

@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include "configurations/contactsaccountconfiguration.h"
+#include "easitems/eascontactsitem.h"
+#include "easitems/easfolderitem.h"
+#include "storages/contactstorageimpl.h"
+#include "support/contactfixture.h"
+#include "support/fakeaccount.h"
+
+#include <memory>
+
+/** Settings of an account's contacts that live in memory. */
+class FakeContactsConfiguration : public ContactsAccountConfiguration
+{
+public:
+    explicit FakeContactsConfiguration(EasAccountId id)
+        : ContactsAccountConfiguration(id, nullptr)
+    {
+    }
+
+    bool enabled() const override { return isEnabled; }
+    bool syncLocalContacts() const override { return true; }
+    bool firstSyncCompleted() const override { return true; }
+    void setFirstSyncCompleted(bool) override {}
+
+    bool isEnabled = true;
+};
+
+/**
+ * An account with a contact storage, on an emptied store, with a mapping of its own: each one takes a fresh
+ * number.
+ */
+class ContactAccount
+{
+public:
+    static QString folderId() { return QStringLiteral("F1"); }
+
+    ContactAccount();
+    ~ContactAccount();
+    Q_DISABLE_COPY(ContactAccount)
+
+    EasAccountId id() const { return account.id(); }
+    ContactStorageImpl &storage() { return *mStorage; }
+    /** As after the daemon was started anew. */
+    void restart();
+
+    /** A folder in store and mapping, folderId() unless told otherwise. */
+    QtContacts::QContactCollectionId addFolder(const QString &serverId = folderId());
+    static EasFolderItem folder(const QString &serverId = folderId(),
+        EasFolderItem::FolderType type = EasFolderItem::DefaultContactsFolder);
+    QtContacts::QContactCollectionId collection(const QString &serverId = folderId()) const;
+
+    EasContactsItem item(const QString &serverId, const QString &firstName) const;
+    /** Store, then mapping, as a reply is handled. */
+    bool receive(
+        QList<EasContactsItem> added, QList<EasContactsItem> changed = {}, const QStringList &deleted = {});
+    /** The contact as the manager shows it; empty if it is not mapped or gone. */
+    QtContacts::QContact contact(const QString &serverId) const;
+    QStringList names() const;
+
+    /** "added: Ada; changed: ; deleted: 1" */
+    QString localChanges();
+    /** The files in the account's folder of pictures. */
+    QStringList pictures() const;
+    QString pictureFolder() const;
+
+    ContactFixture store;
+    FakeAccount account;
+    QSharedPointer<FakeContactsConfiguration> configuration;
+
+private:
+    std::unique_ptr<ContactStorageImpl> mStorage;
+};
