@@ -31,7 +31,10 @@ bool CalendarOrigin::removeStrays(const CalendarStoreContext &context, const QSt
 {
     EasDatabase *database = EasDatabase::instance();
     const QMap<QString, QString> known = database->localToServerCalendarIds(context.accountId());
-    if (database->lookupFailed() || !context.storage->loadNotebookIncidences(notebookUid))
+    if (database->lookupFailed())
+        return false;
+    context.calendar->close();
+    if (!context.storage->loadNotebookIncidences(notebookUid))
         return false;
     bool found = false;
     const Incidence::List incidences = context.calendar->incidences(notebookUid);

@@ -1,0 +1,361 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "storages/calendaritembatch.h"
+
+#include "application/easdatabase.h"
+#include "storages/calendarorigin.h"
+#include "storages/calendarstorageimpl.h"
+#include "support/calendarbed.h"
+#include "support/logcollector.h"
+#include "support/testmain.h"
+
+#include <KCalendarCore/CalFormat>
+
+#include <QDir>
+#include <QSqlDatabase>
+#include <QSqlQuery>
+#include <QtTest>
+
+using KCalendarCore::Event;
+
+namespace {
+
+const QString Id = QStringLiteral("5:1");
+
+} // namespace
+
+/** Replies as a whole: repeated, interrupted, late, and met by changes of the user's. */
+class CalendarItemBatchTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { mBed = std::make_unique<CalendarBed>(); }
+    void cleanup() { mBed.reset(); }
+
+    void aRepeatedAddIsAChange()
+    {
+        QVERIFY(mBed->add(mBed->item()));
+        const QString uid = mBed->localId();
+        EasCalendarItem again = mBed->item();
+        again.setSubject(QStringLiteral("Later"));
+        QVERIFY(mBed->add(again));
+        QCOMPARE(mBed->events().size(), 1);
+        QCOMPARE(mBed->localId(), uid);
+        QCOMPARE(mBed->event()->summary(), QStringLiteral("Later"));
+        QCOMPARE(rows(), 1);
+    }
+
+    void anAddThatComesTwiceInOneReplyIsOne()
+    {
+        QList<EasCalendarItem> added { mBed->item(), mBed->item() };
+        QList<EasCalendarItem> none;
+        QVERIFY(mBed->apply(added, none));
+        QCOMPARE(mBed->events().size(), 1);
+        QCOMPARE(rows(), 1);
+    }
+
+    void whatAnInterruptionLeftIsNoChangeOfTheUsers()
+    {
+        QVERIFY(mBed->applyWithoutMapping({ mBed->item(), mBed->item(QStringLiteral("5:2")) }));
+        QCOMPARE(mBed->events().size(), 2);
+        const LogCollector log;
+        QCOMPARE(localChanges(), QStringList());
+        QCOMPARE(log.count(QStringLiteral("Removing an event that was stored and not recorded:")), 2);
+        QVERIFY(mBed->events().isEmpty());
+        QVERIFY(mBed->add(mBed->item()));
+        QCOMPARE(mBed->events().size(), 1);
+        QCOMPARE(localChanges(), QStringList());
+    }
+
+    void whatTheUserMadeStays()
+    {
+        addByUser(QStringLiteral("Mine"));
+        QCOMPARE(localChanges(), QStringList({ QStringLiteral("+Mine") }));
+        QCOMPARE(mBed->events().size(), 1);
+    }
+
+    void aCopyOfAnEventIsTheUsers()
+    {
+        QVERIFY(mBed->add(mBed->item()));
+        CalendarStoreContext &device = mBed->device();
+        const Event::Ptr copy(device.calendar->event(mBed->localId())->clone());
+        copy->setUid(KCalendarCore::CalFormat::createUniqueId());
+        copy->setSummary(QStringLiteral("Copy"));
+        QVERIFY(CalendarOrigin::serverId(*copy).isEmpty());
+        QVERIFY(device.calendar->addEvent(copy, mBed->notebookUid()));
+        QVERIFY(device.storage->save());
+        QCOMPARE(localChanges(), QStringList({ QStringLiteral("+Copy") }));
+        QCOMPARE(mBed->events().size(), 2);
+    }
+
+    void aLostMappingRemovesNothing()
+    {
+        // The database is there but cannot be read: that is no reason to take events away.
+        QVERIFY(mBed->add(mBed->item()));
+        QVERIFY(execute(QStringLiteral("ALTER TABLE calendar RENAME TO away")));
+        qint64 time = 0;
+        QList<EasCalendarItem> added;
+        QList<EasCalendarItem> changed;
+        QStringList deleted;
+        QVERIFY(!mBed->storage->queryLocalUpdates(mBed->notebookUid(), 0, time, added, changed, deleted));
+        QVERIFY(!mBed->storage->updateItems(added = { mBed->item() }, changed, {}, deleted));
+        QVERIFY(execute(QStringLiteral("ALTER TABLE away RENAME TO calendar")));
+        QCOMPARE(mBed->events().size(), 1);
+    }
+
+    void serverChangesAreNoneOfTheUsers()
+    {
+        QVERIFY(mBed->add(mBed->item()));
+        QCOMPARE(localChanges(), QStringList());
+        EasCalendarItem change = mBed->blank();
+        change.setSubject(QStringLiteral("Renamed"));
+        QVERIFY(mBed->change(change));
+        QCOMPARE(localChanges(), QStringList());
+        QVERIFY(mBed->remove(Id));
+        QCOMPARE(localChanges(), QStringList());
+    }
+
+    void theServerWinsOverALocalEdit()
+    {
+        QVERIFY(mBed->add(mBed->item()));
+        edit([](const Event::Ptr &event) { event->setSummary(QStringLiteral("Mine")); });
+        QCOMPARE(localChanges(), QStringList({ QStringLiteral("~Mine") }));
+        EasCalendarItem change = mBed->blank();
+        change.setSubject(QStringLiteral("Theirs"));
+        QVERIFY(mBed->change(change));
+        QCOMPARE(mBed->event()->summary(), QStringLiteral("Theirs"));
+        QCOMPARE(localChanges(), QStringList());
+    }
+
+    void aChangeOfADeletedEventIsPassedOver()
+    {
+        QVERIFY(mBed->add(mBed->item()));
+        const QString uid = mBed->localId();
+        deleteByUser(uid);
+        EasCalendarItem change = mBed->item();
+        const LogCollector log;
+        QList<EasCalendarItem> none;
+        QList<EasCalendarItem> updated { change };
+        QVERIFY(mBed->apply(none, updated));
+        QVERIFY(log.contains(QtInfoMsg,
+            { QStringLiteral("Skipping update of already-deleted event:"), QStringLiteral("with server id:"),
+                Id, QStringLiteral("and local id:"), uid }));
+        QVERIFY(updated.isEmpty());
+        QVERIFY(mBed->events().isEmpty());
+        QCOMPARE(localChanges(), QStringList({ QStringLiteral("-5:1") }));
+    }
+
+    void aChangeOfAPurgedEventAddsIt()
+    {
+        QVERIFY(mBed->add(mBed->item()));
+        const QString uid = mBed->localId();
+        purge(uid);
+        const LogCollector log;
+        QVERIFY(mBed->change(mBed->item()));
+        QVERIFY(log.contains(QtInfoMsg,
+            { QStringLiteral("Found previously purged item:"), QStringLiteral("-> "), uid,
+                QStringLiteral(", making addedItem.") }));
+        QCOMPARE(mBed->events().size(), 1);
+        QVERIFY(mBed->localId() != uid);
+        QCOMPARE(rows(), 1);
+    }
+
+    void aRepeatedAddOfAPurgedEventAddsIt()
+    {
+        QVERIFY(mBed->add(mBed->item()));
+        const QString uid = mBed->localId();
+        purge(uid);
+        QVERIFY(mBed->add(mBed->item()));
+        QCOMPARE(mBed->events().size(), 1);
+        QVERIFY(mBed->localId() != uid);
+        QCOMPARE(rows(), 1);
+    }
+
+    void deletionsAreToleratedWhateverIsThere()
+    {
+        const LogCollector log;
+        QVERIFY(mBed->remove(QStringLiteral("5:9")));
+        QVERIFY(log.contains(QtInfoMsg,
+            { QStringLiteral("No mapping:"), QStringLiteral("5:9"),
+                QStringLiteral(". Ignoring this event.") }));
+
+        QVERIFY(mBed->add(mBed->item()));
+        deleteByUser(mBed->localId());
+        QVERIFY(mBed->remove(Id));
+        QVERIFY(log.contains(QtInfoMsg, { QStringLiteral("Event was already locally deleted:") }));
+        QCOMPARE(localChanges(), QStringList());
+
+        QVERIFY(mBed->add(mBed->item()));
+        purge(mBed->localId());
+        QVERIFY(mBed->remove(Id));
+        QVERIFY(log.contains(
+            QtInfoMsg, { QStringLiteral("Event not found:"), Id, QStringLiteral("with local id:") }));
+        QCOMPARE(rows(), 0);
+    }
+
+    void anEventThatMovedIsDeletedAndAdded()
+    {
+        QVERIFY(mBed->add(mBed->item()));
+        QList<EasCalendarItem> added { mBed->item(QStringLiteral("5:2")) };
+        QList<EasCalendarItem> none;
+        QVERIFY(mBed->apply(added, none, { Id }));
+        QCOMPARE(mBed->events().size(), 1);
+        QVERIFY(mBed->event(QStringLiteral("5:2")));
+        QVERIFY(mBed->localId().isEmpty());
+    }
+
+    void nothingIsDoneWithNothing()
+    {
+        const LogCollector log;
+        QList<EasCalendarItem> none;
+        QVERIFY(mBed->apply(none, none));
+        QVERIFY(log.contains(QtDebugMsg, { QStringLiteral("nothing to update") }));
+    }
+
+    void aDisabledCalendarTakesNothing()
+    {
+        mBed->configuration->isEnabled = false;
+        const LogCollector log;
+        QVERIFY(!mBed->add(mBed->item()));
+        QVERIFY(log.contains(QtInfoMsg, { QStringLiteral("Calendar sync disabled") }));
+        QVERIFY(mBed->events().isEmpty());
+    }
+
+    void itemsWithoutAFolderAreTold()
+    {
+        EasCalendarItem stray = mBed->item();
+        stray.setCollectionId(QString());
+        const LogCollector log;
+        QList<EasCalendarItem> added { stray };
+        QList<EasCalendarItem> none;
+        QVERIFY(mBed->apply(added, none));
+        QVERIFY(log.contains(QtWarningMsg, { QStringLiteral("Empty collection Id for item") }));
+        QVERIFY(log.contains(QtWarningMsg, { QStringLiteral("Empty collection list") }));
+        QVERIFY(added.isEmpty());
+    }
+
+    void withoutItsNotebookAFolderTakesNothing()
+    {
+        // The store would leave the event out and say that all is well.
+        CalendarStoreContext &device = mBed->device();
+        QVERIFY(device.storage->deleteNotebook(device.storage->notebook(mBed->notebookUid())));
+        QVERIFY(mBed->storage->initStorage());
+        const LogCollector log;
+        QVERIFY(!mBed->add(mBed->item()));
+        QVERIFY(log.contains(
+            QtCriticalMsg, { QStringLiteral("No notebook for collection"), QStringLiteral("5") }));
+    }
+
+    void whatItLoadedBeforeDoesNotHold()
+    {
+        QVERIFY(mBed->add(mBed->item()));
+        // Another program changes the event, and its notice has not come yet.
+        edit([](const Event::Ptr &event) { event->setLocation(QStringLiteral("Room 9")); });
+        EasCalendarItem change = mBed->blank();
+        change.setSubject(QStringLiteral("Renamed"));
+        QVERIFY(mBed->change(change));
+        QCOMPARE(mBed->event()->location(), QStringLiteral("Room 9"));
+        QCOMPARE(mBed->event()->summary(), QStringLiteral("Renamed"));
+    }
+
+    void theUsersChangesAreAnnounced()
+    {
+        QVERIFY(mBed->add(mBed->item()));
+        QSignalSpy changes(mBed->storage.get(), &CalendarStorage::changesAvailable);
+        QCoreApplication::processEvents();
+        QVERIFY2(changes.isEmpty(), "own saves come back, and are no changes of the user's");
+        edit([](const Event::Ptr &event) { event->setSummary(QStringLiteral("Mine")); });
+        QTRY_VERIFY_WITH_TIMEOUT(!changes.isEmpty(), 60000);
+        QCOMPARE(changes.first().first().toStringList(), QStringList({ mBed->notebookUid() }));
+    }
+
+    void anEventIsGivenAsICalendar()
+    {
+        QVERIFY(mBed->add(mBed->item()));
+        const QString text = mBed->storage->getEventIcal(mBed->localId());
+        QVERIFY(text.startsWith(QStringLiteral("BEGIN:VCALENDAR")));
+        QVERIFY(text.contains(QStringLiteral("SUMMARY:Event 5:1")));
+        QCOMPARE(mBed->storage->getEventIcal(QStringLiteral("nothing")), QString());
+        QCOMPARE(mBed->storage->formatTime(QDateTime(QDate(2026, 3, 4), QTime(5, 6, 7), Qt::UTC)),
+            QStringLiteral("20260304T050607Z"));
+    }
+
+private:
+    /** A statement in the mapping database, over a connection of its own. */
+    static bool execute(const QString &statement)
+    {
+        const QString name = QStringLiteral("by-hand");
+        bool done = false;
+        {
+            QSqlDatabase database = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
+            database.setDatabaseName(QDir::homePath()
+                + QStringLiteral("/.local/share/system/privileged/eas-fennel/fennel_eas.db"));
+            done = database.open() && QSqlQuery(database).exec(statement);
+        }
+        QSqlDatabase::removeDatabase(name);
+        return done;
+    }
+
+    int rows() const { return EasDatabase::instance()->localToServerCalendarIds(mBed->account.id()).size(); }
+
+    /** What would go up: "+" and "~" with the subject, "-" with the server id. */
+    QStringList localChanges()
+    {
+        qint64 from = 0;
+        qint64 time = 0;
+        QList<EasCalendarItem> added;
+        QList<EasCalendarItem> changed;
+        QStringList deleted;
+        if (!mBed->storage->syncTime(mBed->notebookUid(), from)
+            || !mBed->storage->queryLocalUpdates(mBed->notebookUid(), from, time, added, changed, deleted))
+            return { QStringLiteral("failed") };
+        QStringList lines;
+        for (const EasCalendarItem &item : qAsConst(added))
+            lines.append(QLatin1Char('+') + item.subject());
+        for (const EasCalendarItem &item : qAsConst(changed))
+            lines.append(QLatin1Char('~') + item.subject());
+        for (const QString &serverId : qAsConst(deleted))
+            lines.append(QLatin1Char('-') + serverId);
+        return lines;
+    }
+
+    void addByUser(const QString &subject)
+    {
+        CalendarStoreContext &device = mBed->device();
+        const Event::Ptr event(new Event);
+        event->setUid(KCalendarCore::CalFormat::createUniqueId());
+        event->setSummary(subject);
+        event->setDtStart(QDateTime(QDate(2026, 3, 4), QTime(8, 0), Qt::UTC));
+        QVERIFY(device.calendar->addEvent(event, mBed->notebookUid()));
+        QVERIFY(device.storage->save());
+    }
+
+    /** A change of the user's, in another second than the sync's. */
+    template <typename Edit> void edit(const Edit &edit)
+    {
+        CalendarStoreContext &device = mBed->device();
+        const Event::Ptr event = device.calendar->event(mBed->localId());
+        edit(event);
+        event->setLastModified(event->lastModified().addSecs(60));
+        QVERIFY(device.storage->save());
+    }
+
+    void deleteByUser(const QString &uid)
+    {
+        CalendarStoreContext &device = mBed->device();
+        QVERIFY(device.calendar->deleteEvent(device.calendar->event(uid)));
+        QVERIFY(device.storage->save());
+    }
+
+    void purge(const QString &uid)
+    {
+        CalendarStoreContext &device = mBed->device();
+        QVERIFY(device.calendar->deleteEvent(device.calendar->event(uid)));
+        QVERIFY(device.storage->save(mKCal::ExtendedStorage::PurgeDeleted));
+    }
+
+    std::unique_ptr<CalendarBed> mBed;
+};
+
+FENNEL_REGISTER_TEST(CalendarItemBatchTest)
+#include "calendaritembatchtest.moc"
