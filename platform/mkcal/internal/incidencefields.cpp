@@ -31,7 +31,8 @@ QJsonValue fromTime(const QDateTime &time)
 QDateTime toTime(const QJsonValue &value)
 {
     const QJsonArray parts = value.toArray();
-    const QDateTime wallTime = QDateTime::fromString(parts.at(0).toString(), Qt::ISODateWithMs);
+    QDateTime wallTime = QDateTime::fromString(parts.at(0).toString(), Qt::ISODateWithMs);
+    wallTime.setTimeSpec(Qt::UTC);
     const int offset = parts.at(3).toInt();
     switch (parts.at(1).toInt()) {
     case Qt::UTC:
@@ -40,7 +41,12 @@ QDateTime toTime(const QJsonValue &value)
         return QDateTime(wallTime.date(), wallTime.time(), Qt::OffsetFromUTC, offset);
     case Qt::TimeZone: {
         const QTimeZone known(parts.at(2).toString().toLatin1());
-        return QDateTime(wallTime.date(), wallTime.time(), known.isValid() ? known : QTimeZone(offset));
+        if (!known.isValid())
+            return QDateTime(wallTime.date(), wallTime.time(), QTimeZone(offset));
+        // Where the clocks are put back an hour comes twice; the offset tells which one it was.
+        const QDateTime moment = wallTime.addSecs(-offset).toTimeZone(known);
+        const bool sameWall = moment.date() == wallTime.date() && moment.time() == wallTime.time();
+        return sameWall ? moment : QDateTime(wallTime.date(), wallTime.time(), known);
     }
     default:
         return QDateTime(wallTime.date(), wallTime.time());
@@ -254,6 +260,28 @@ void setExceptionTimes(Incidence &incidence, const QJsonValue &value)
     incidence.recurrence()->setExDateTimes(times);
 }
 
+/** The last moment of each rule that has one: of an all-day rule iCalendar keeps the day alone. */
+QJsonValue ruleEnds(const Incidence &incidence)
+{
+    QJsonArray result;
+    if (incidence.recurs()) {
+        const KCalendarCore::RecurrenceRule::List rules = incidence.recurrence()->rRules();
+        for (const KCalendarCore::RecurrenceRule *rule : rules)
+            result.append(rule->duration() == 0 ? fromTime(rule->endDt()) : QJsonValue());
+    }
+    return result;
+}
+
+void setRuleEnds(Incidence &incidence, const QJsonValue &value)
+{
+    const QJsonArray ends = value.toArray();
+    const KCalendarCore::RecurrenceRule::List rules = incidence.recurrence()->rRules();
+    for (int i = 0; i < rules.size() && i < ends.size(); ++i) {
+        if (!ends.at(i).isNull())
+            rules.at(i)->setEndDt(toTime(ends.at(i)));
+    }
+}
+
 QJsonValue properties(const Incidence &incidence)
 {
     return fromProperties(incidence.customProperties());
@@ -281,6 +309,7 @@ const std::vector<IncidenceField> &incidenceFields()
         { "attendees", attendees, setAttendees },
         { "attachments", attachments, setAttachments },
         { "exceptionTimes", exceptionTimes, setExceptionTimes },
+        { "ruleEnds", ruleEnds, setRuleEnds },
         { "properties", properties, setAllProperties },
     };
     return fields;
