@@ -13,13 +13,21 @@ bool sameInstant(const QDateTime &one, const QDateTime &other)
     return one.isValid() == other.isValid() && (!one.isValid() || one == other);
 }
 
-QStringList differentDetails(
-    const EventDetails &one, const EventDetails &other, const QString &prefix = QString())
+QSet<QString> allFields()
 {
+    QSet<QString> names;
+    for (const EventField &field : EventFields::all())
+        names.insert(field.nameText());
+    return names;
+}
+
+QStringList differentDetails(const EventDetails &one, const EventDetails &other, QSet<QString> fields,
+    const QString &prefix = QString())
+{
+    fields.remove(QStringLiteral("DtStamp")); // each change has one of its own
     QStringList names;
     for (const EventField &field : EventFields::all()) {
-        // Each change has a stamp of its own.
-        if (field.nameText() != QLatin1String("DtStamp") && !field.isSame(one, other))
+        if (fields.contains(field.nameText()) && !field.isSame(one, other))
             names.append(prefix + field.nameText());
     }
     return names;
@@ -34,7 +42,8 @@ QStringList differentExceptions(const Event &one, const Event &other)
         if (!counterpart || counterpart->isDeleted != exception.isDeleted)
             names.append(prefix + QStringLiteral("exception"));
         else if (!exception.isDeleted)
-            names += differentDetails(one.detailsOf(exception), other.detailsOf(*counterpart), prefix);
+            names += differentDetails(one.detailsOf(exception), other.detailsOf(*counterpart),
+                exception.own + counterpart->own, prefix);
     }
     if (one.exceptions.size() != other.exceptions.size())
         names.append(QStringLiteral("number of exceptions"));
@@ -174,7 +183,7 @@ EventDetails Event::detailsOf(const EventException &exception) const
 
 QStringList Event::differences(const Event &other) const
 {
-    QStringList names = differentDetails(*this, other);
+    QStringList names = differentDetails(*this, other, allFields());
     const auto compare = [&names](bool isSame, const char *name) {
         if (!isSame)
             names.append(QLatin1String(name));

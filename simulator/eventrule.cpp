@@ -159,7 +159,8 @@ std::optional<EventRule> EventRule::fromNode(const WbxmlNode &node, int version,
     bool ok = false;
     EventRule rule;
     for (const Row &row : rows) {
-        if (version < row.firstVersion)
+        const bool isOptional = row.member == &EventRule::firstDayOfWeek;
+        if (version < row.firstVersion || isOptional)
             rule.*row.member = before.*row.member;
     }
     rule.type = node.text(QStringLiteral("Type")).toInt(&ok);

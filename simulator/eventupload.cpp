@@ -105,8 +105,11 @@ bool EventUpload::leavesToTheServer(const QString &element) const
 
 void EventUpload::applyMarks(const WbxmlNode &data)
 {
+    // What the organizer set stays when somebody who was invited does not say it.
+    const bool isInvitation = (mEvent.meetingStatus & 2) != 0;
     const auto apply = [&](const char *element, bool &mark) {
-        if (data.has(QLatin1String(element)) || !leavesToTheServer(QLatin1String(element)))
+        const bool isLeft = isInvitation || leavesToTheServer(QLatin1String(element));
+        if (data.has(QLatin1String(element)) || !isLeft)
             mark = flag(data, element);
     };
     if (mUpload.version >= Version140) {
@@ -162,8 +165,12 @@ bool EventUpload::applyRule(const WbxmlNode &data)
         return true;
     }
     mEvent.rule = EventRule::fromNode(node, mUpload.version, mEvent.rule.value_or(EventRule()));
-    if (mEvent.rule && mEvent.rule->until.isValid() && mEvent.allDay && mUpload.version < Version160)
-        mEvent.rule->until = mEvent.zone.toWall(mEvent.rule->until);
+    if (mEvent.rule && mEvent.rule->until.isValid() && mEvent.allDay) {
+        // Of the end of a series of days the day counts.
+        const QDateTime until = mEvent.rule->until;
+        const QDateTime wall = mUpload.version < Version160 ? mEvent.zone.toWall(until) : until;
+        mEvent.rule->until = QDateTime(wall.date(), QTime(0, 0), Qt::UTC);
+    }
     return mEvent.rule.has_value();
 }
 

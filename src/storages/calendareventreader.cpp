@@ -222,7 +222,9 @@ void CalendarEventReader::applyLastDay(const Event &event, EasCalendarItem &item
     EasRecurrenceContainer recurrence = item.recurrence();
     if (!event.allDay() || recurrence.until().isEmpty())
         return;
-    recurrence.setUntil(timeText(event, event.recurrence()->defaultRRuleConst()->endDt()));
+    // The rule has a day without a zone; the series ends at its midnight where it is.
+    const QDate last = event.recurrence()->defaultRRuleConst()->endDt().date();
+    recurrence.setUntil(timeText(event, QDateTime(last, QTime(0, 0), event.dtStart().timeZone())));
     item.setRecurrence(recurrence);
 }
 

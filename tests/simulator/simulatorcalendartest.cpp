@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "sampleevents.h"
+#include "support/sampleevents.h"
 #include "simulatorclient.h"
 
 #include "simulator/eventitem.h"
@@ -91,7 +91,7 @@ private Q_SLOTS:
         QCOMPARE(meeting.has(QStringLiteral("Calendar:Attendees/Attendee/MeetingResponse:ProposedStartTime")),
             version == QLatin1String("16.1"));
         QCOMPARE(meeting.text(QStringLiteral("Calendar:Reminder")), QStringLiteral("0"));
-        QCOMPARE(meeting.text(QStringLiteral("Calendar:StartTime")), QStringLiteral("20260701T180000Z"));
+        QCOMPARE(meeting.text(QStringLiteral("Calendar:StartTime")), QStringLiteral("20360701T180000Z"));
 
         const WbxmlNode weekly = download(SampleEvents::weekly(), version);
         const QVector<WbxmlNode> exceptions = weekly.all(QStringLiteral("Calendar:Exceptions/Exception"));

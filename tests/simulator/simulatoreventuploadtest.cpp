@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "sampleevents.h"
+#include "support/sampleevents.h"
 
 #include "simulator/eventitem.h"
 #include "simulator/itemshape.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "protocolfiles.h"
 #include "samplecontacts.h"
-#include "sampleevents.h"
+#include "support/sampleevents.h"
 #include "samplemessages.h"
 #include "simulatorclient.h"
 
