@@ -152,6 +152,61 @@ private Q_SLOTS:
         QVERIFY(item.exceptions().last().subject().isEmpty());
     }
 
+    void everySharedFieldGoesToTheLevelWhereItStands()
+    {
+        for (const auto &field : CalendarFields::itemFields().fields()) {
+            if (!field.take)
+                continue;
+            const EasCalendarItem alone = read({ node(field.tag, "1") });
+            QCOMPARE(alone.changedParameters().size(), 1);
+            const EasCalendarItem series =
+                read({ node(Calendar::Exceptions, { node(Calendar::Exception, { node(field.tag, "1") }) }) });
+            QCOMPARE(series.changedParameters(),
+                QList<EasCalendarItem::CalendarItemParameter> { EasCalendarItem::ExceptionsParameter });
+            QCOMPARE(series.exceptions().first().changedParameters(), alone.changedParameters());
+        }
+        QVERIFY(mLog->lines().isEmpty());
+    }
+
+    void theFieldsOfASeriesAreItsOwnAlsoInsideAnException()
+    {
+        for (const auto &field : CalendarFields::seriesFields().fields()) {
+            if (!field.take)
+                continue;
+            const EasCalendarItem alone = read({ node(field.tag, "1") });
+            const EasCalendarItem series =
+                read({ node(Calendar::Exceptions, { node(Calendar::Exception, { node(field.tag, "1") }) }) });
+            QVERIFY(series.exceptions().first().changedParameters().isEmpty());
+            QCOMPARE(series.changedParameters().mid(0, alone.changedParameters().size()),
+                alone.changedParameters());
+            QCOMPARE(series.timezone(), alone.timezone());
+        }
+    }
+
+    void eachExceptionStartsEmpty()
+    {
+        const EasCalendarItem series = read({ node(Calendar::Exceptions,
+            { node(Calendar::Exception,
+                  { node(Calendar::ExceptionStartTime, "t1"), node(Calendar::Subject, "one"),
+                      node(Calendar::Attendees,
+                          { node(Calendar::Attendee, { node(Calendar::Email, "a@example.org") }) }),
+                      node(Calendar::Categories, { node(Calendar::Category, "Red") }) }),
+                node(Calendar::Exception,
+                    { node(Calendar::ExceptionStartTime, "t2"), node(Calendar::Attendees),
+                        node(Calendar::Categories) }) }) });
+        QCOMPARE(series.exceptions().size(), 2);
+        QCOMPARE(series.exceptions().first().attendees().size(), 1);
+        const EasCalendarItem second = series.exceptions().last();
+        QVERIFY(second.subject().isEmpty());
+        // Empty lists are said to be empty, and not left to the series.
+        QVERIFY(second.attendees().isEmpty());
+        QVERIFY(second.parameterHasBeenChanged(EasCalendarItem::AttendeesParameter));
+        QVERIFY(second.categories().isEmpty());
+        QVERIFY(second.parameterHasBeenChanged(EasCalendarItem::CategoriesParameter));
+        QVERIFY(series.attendees().isEmpty());
+        QVERIFY(!series.parameterHasBeenChanged(EasCalendarItem::AttendeesParameter));
+    }
+
     void deletedIsZeroOrOne()
     {
         QCOMPARE(int(readException({ node(Calendar::Deleted, "2") }).exceptionDeleted()), 0);
