@@ -377,7 +377,7 @@ bool ContactsEngine::saveCollection(QContactCollection *collection, Error *error
 bool ContactsEngine::removeCollection(const QContactCollectionId &collectionId, Error *error)
 {
     return commit(error, [&](ContactChanges &changes) {
-        return ContactSync(mDatabase, mContacts, mCollections, changes)
+        return ContactSync(mContacts, mCollections, changes)
             .removeCollection(ContactIds::number(collectionId));
     });
 }
@@ -398,7 +398,7 @@ bool ContactsEngine::clearChangeFlags(const QList<QContactId> &contactIds, Error
 bool ContactsEngine::clearChangeFlags(const QContactCollectionId &collectionId, Error *error)
 {
     return commit(error, [&](ContactChanges &changes) {
-        return ContactSync(mDatabase, mContacts, mCollections, changes)
+        return ContactSync(mContacts, mCollections, changes)
             .clearCollectionFlags(ContactIds::number(collectionId));
     });
 }
@@ -468,7 +468,7 @@ bool ContactsEngine::storeChanges(QHash<QContactCollection *, QList<QContact> *>
     const ContactSync::ContactsByCollection modified =
         modifiedCollections ? *modifiedCollections : ContactSync::ContactsByCollection();
     return commit(error, [&](ContactChanges &changes) {
-        ContactSync sync(mDatabase, mContacts, mCollections, changes);
+        ContactSync sync(mContacts, mCollections, changes);
         Error result = sync.storeAdded(added);
         if (result == QContactManager::NoError)
             result = sync.storeModified(modified);

@@ -8,10 +8,8 @@
 
 QTCONTACTS_USE_NAMESPACE
 
-ContactSync::ContactSync(
-    ContactDatabase &database, ContactTable &contacts, CollectionTable &collections, ContactChanges &changes)
-    : mDatabase(database)
-    , mContacts(contacts)
+ContactSync::ContactSync(ContactTable &contacts, CollectionTable &collections, ContactChanges &changes)
+    : mContacts(contacts)
     , mCollections(collections)
     , mChanges(changes)
 {

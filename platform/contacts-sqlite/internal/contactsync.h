@@ -17,8 +17,7 @@ public:
     typedef QHash<QtContacts::QContactCollection *, QList<QtContacts::QContact> *> ContactsByCollection;
     typedef QtContacts::QContactManager::Error Error;
 
-    ContactSync(ContactDatabase &database, ContactTable &contacts, CollectionTable &collections,
-        ContactChanges &changes);
+    ContactSync(ContactTable &contacts, CollectionTable &collections, ContactChanges &changes);
 
     Error storeAdded(const ContactsByCollection &collections);
     Error storeModified(const ContactsByCollection &collections);
@@ -34,7 +33,6 @@ private:
         const QtContacts::QContact &contact, quint64 collection, QList<QtContacts::QContact> *stored);
     Error storeByFlags(quint64 collection, QList<QtContacts::QContact> *contacts);
 
-    ContactDatabase &mDatabase;
     ContactTable &mContacts;
     CollectionTable &mCollections;
     ContactChanges &mChanges;
