@@ -53,6 +53,23 @@ bool readServer(const QString &text, NewAccount *account)
     return true;
 }
 
+/** What is left of all services; false, after an error, if one is unknown or none is left. */
+bool readServices(const QStringList &without, NewAccount *account)
+{
+    account->services = AccountDirectory::serviceNames();
+    for (const QString &name : without) {
+        if (!AccountDirectory::serviceNames().contains(name)) {
+            Output::error(QStringLiteral("--without is one of %1")
+                              .arg(AccountDirectory::serviceNames().join(QStringLiteral(", "))));
+            return false;
+        }
+        account->services.removeAll(name);
+    }
+    if (account->services.isEmpty())
+        Output::error(QStringLiteral("an account without any service does nothing"));
+    return !account->services.isEmpty();
+}
+
 /** The account that the command names behind its name, or the one that is meant without. */
 EasAccountId namedAccount(
     const CommandContext &context, const QCommandLineParser &parser, const AccountDirectory &directory)
@@ -94,7 +111,9 @@ int AccountCommands::add(const CommandContext &context)
     const QCommandLineOption past(
         QStringLiteral("past-time"), QString(), QStringLiteral("0-8"), QStringLiteral("0"));
     const QCommandLineOption acceptAll(QStringLiteral("accept-all-certificates"));
-    parser.addOptions({ server, user, domain, name, folders, version, past, acceptAll, PasswordDescriptor });
+    const QCommandLineOption without(QStringLiteral("without"), QString(), QStringLiteral("service"));
+    parser.addOptions(
+        { server, user, domain, name, folders, version, past, acceptAll, without, PasswordDescriptor });
     if (!context.parse(parser, 1, 1))
         return ExitUsage;
 
@@ -111,6 +130,8 @@ int AccountCommands::add(const CommandContext &context)
         Output::error(QStringLiteral("--folders is one of all, inbox, marked"));
         return ExitUsage;
     }
+    if (!readServices(parser.values(without), &account))
+        return ExitUsage;
     const QString address =
         parser.isSet(server) ? parser.value(server) : account.emailAddress.section(QLatin1Char('@'), 1);
     if (!readServer(address, &account))
@@ -149,6 +170,7 @@ int AccountCommands::list(const CommandContext &context)
     context.output().rows(
         { { QStringLiteral("id"), QStringLiteral("ID") }, { QStringLiteral("name"), QStringLiteral("NAME") },
             { QStringLiteral("server"), QStringLiteral("SERVER") },
+            { QStringLiteral("services"), QStringLiteral("SERVICES") },
             { QStringLiteral("enabled"), QStringLiteral("ENABLED") },
             { QStringLiteral("blocked"), QStringLiteral("BLOCKED") } },
         rows);

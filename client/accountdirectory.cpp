@@ -17,9 +17,30 @@ const auto Secure = QStringLiteral("connection/secure_connection");
 const auto AcceptAll = QStringLiteral("connection/accept_all_certificates");
 const auto Domain = QStringLiteral("connection/domain");
 const auto NeedUpdate = QStringLiteral("CredentialsNeedUpdate");
+const auto SyncLocal = QStringLiteral("sync_local");
 const auto UpdateCounter = QStringLiteral("credentials_update_counter");
 
+struct ServiceName
+{
+    const char *name;
+    const char *service;
+};
+
+constexpr ServiceName Services[] = {
+    { "mail", "fenneleas-email" },
+    { "calendar", "fenneleas-calendars" },
+    { "contacts", "fenneleas-contacts" },
+};
+
 } // namespace
+
+QStringList AccountDirectory::serviceNames()
+{
+    QStringList names;
+    for (const ServiceName &service : Services)
+        names.append(QLatin1String(service.name));
+    return names;
+}
 
 AccountDirectory::AccountDirectory()
 {
@@ -84,9 +105,9 @@ QJsonObject AccountDirectory::describe(EasAccountId id) const
     object[QStringLiteral("address")] = account->valueAsString(QStringLiteral("connection/emailaddress"));
     object[QStringLiteral("versions")] = account->valueAsString(QStringLiteral("last_known_versions"));
     object[QStringLiteral("folders")] = account->valueAsString(QStringLiteral("folderSyncPolicy"));
-    const bool accountEnabled = account->enabled();
+    object[QStringLiteral("enabled")] = account->enabled();
+    object[QStringLiteral("services")] = QJsonArray::fromStringList(enabledServices(*account));
     account->selectService(mailService(*account));
-    object[QStringLiteral("enabled")] = accountEnabled && account->enabled();
     object[QStringLiteral("server")] = account->valueAsString(ServerAddress);
     object[QStringLiteral("port")] = account->valueAsInt(Port);
     object[QStringLiteral("secure")] = account->valueAsBool(Secure);
@@ -120,8 +141,13 @@ EasAccountId AccountDirectory::add(const NewAccount &settings)
         Output::error(QStringLiteral("the account provider's description is not installed"));
         return 0;
     }
+    for (const ServiceName &known : Services) {
+        account->selectService(mManager->service(QLatin1String(known.service)));
+        account->setEnabled(settings.services.contains(QLatin1String(known.name)));
+    }
+    account->selectService(mManager->service(QStringLiteral("fenneleas-contacts")));
+    account->setValue(SyncLocal, true);
     account->selectService(service);
-    account->setEnabled(true);
     account->setValue(ServerAddress, settings.server);
     account->setValue(Port, settings.port);
     account->setValue(Secure, settings.secure);
@@ -137,8 +163,6 @@ bool AccountDirectory::setEnabled(EasAccountId id, bool enabled)
     if (!account)
         return false;
     account->selectService();
-    account->setEnabled(enabled);
-    account->selectService(mailService(*account));
     account->setEnabled(enabled);
     return store(*account);
 }
@@ -164,6 +188,15 @@ QString AccountDirectory::userName(EasAccountId id) const
     return account ? account->valueAsString(QStringLiteral("default_credentials_username")) : QString();
 }
 
+QString AccountDirectory::emailAddress(EasAccountId id) const
+{
+    const auto account = load(id);
+    if (!account)
+        return {};
+    account->selectService();
+    return account->valueAsString(QStringLiteral("connection/emailaddress"));
+}
+
 bool AccountDirectory::credentialsChanged(EasAccountId id, quint32 credentialsId)
 {
     const auto account = load(id);
@@ -181,6 +214,18 @@ std::unique_ptr<Accounts::Account> AccountDirectory::load(EasAccountId id) const
 {
     return std::unique_ptr<Accounts::Account>(
         Accounts::Account::fromId(mManager.get(), Accounts::AccountId(id)));
+}
+
+QStringList AccountDirectory::enabledServices(Accounts::Account &account) const
+{
+    QStringList names;
+    for (const ServiceName &service : Services) {
+        account.selectService(mManager->service(QLatin1String(service.service)));
+        if (account.enabled())
+            names.append(QLatin1String(service.name));
+    }
+    account.selectService();
+    return names;
 }
 
 Accounts::Service AccountDirectory::mailService(const Accounts::Account &account)

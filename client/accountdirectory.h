@@ -6,6 +6,7 @@
 #include <Accounts/Manager>
 #include <QJsonObject>
 #include <QString>
+#include <QStringList>
 
 #include <memory>
 
@@ -24,6 +25,8 @@ struct NewAccount
     QString folderPolicy;
     int pastTime = 0;
     quint32 credentialsId = 0;
+    /** Of "mail", "calendar" and "contacts". */
+    QStringList services;
 };
 
 /**
@@ -38,6 +41,9 @@ public:
     /** False, after an error was printed, if the account store does not work. */
     bool usable() const;
 
+    /** What an account can synchronise, by the names that the command line uses. */
+    static QStringList serviceNames();
+
     QList<EasAccountId> accounts() const;
     /** By number or display name; an empty text means the only account. 0, after an error, if none is meant.
      */
@@ -51,11 +57,13 @@ public:
 
     quint32 credentialsId(EasAccountId id) const;
     QString userName(EasAccountId id) const;
+    QString emailAddress(EasAccountId id) const;
     /** Tells the engine that there are new credentials, and lifts the block of refused ones. */
     bool credentialsChanged(EasAccountId id, quint32 credentialsId);
 
 private:
     std::unique_ptr<Accounts::Account> load(EasAccountId id) const;
+    QStringList enabledServices(Accounts::Account &account) const;
     static Accounts::Service mailService(const Accounts::Account &account);
     static bool store(Accounts::Account &account);
 

@@ -2,6 +2,9 @@
 #include "client/commandtable.h"
 
 #include "client/accountcommands.h"
+#include "client/contactcommands.h"
+#include "client/eventcommands.h"
+#include "client/foldercommands.h"
 #include "client/mailcommands.h"
 #include "client/synccommands.h"
 
@@ -11,7 +14,7 @@ const QList<Command> &CommandTable::commands()
         { "account add",
             "ADDRESS [--server HOST|URL] [--user NAME] [--domain NAME] [--name TEXT] "
             "[--folders all|inbox|marked] [--protocol-version V] [--past-time 0-8] "
-            "[--accept-all-certificates] [--password-fd N]",
+            "[--without mail|calendar|contacts ...] [--accept-all-certificates] [--password-fd N]",
             "add an account; the password is asked for", AccountCommands::add },
         { "account list", "", "the accounts", AccountCommands::list },
         { "account show", "[ACCOUNT]", "the settings of an account", AccountCommands::show },
@@ -22,7 +25,13 @@ const QList<Command> &CommandTable::commands()
         { "password", "[ACCOUNT] [--password-fd N]", "store a new password", AccountCommands::password },
         { "sync", "[--folder FOLDER ...] [--service mail|calendar|contacts] [--folders-only]",
             "bring device and server in step", SyncCommands::sync },
-        { "folders", "", "the mail folders", MailCommands::folders },
+        { "folders", "[--kind mail|calendar|contacts]", "the folders of one kind", MailCommands::folders },
+        { "folder create", "NAME [--kind mail|calendar|contacts] [--parent FOLDER]",
+            "create a folder on the server", FolderCommands::create },
+        { "folder rename", "FOLDER NAME [--kind mail|calendar|contacts] [--parent FOLDER|--to-root]",
+            "rename a folder, or move it", FolderCommands::rename },
+        { "folder delete", "FOLDER [--kind mail|calendar|contacts]", "delete a folder with everything in it",
+            FolderCommands::remove },
         { "mail list", "[FOLDER] [--limit N]", "the messages, newest first", MailCommands::list },
         { "mail show", "MESSAGE", "a message with its text and parts", MailCommands::show },
         { "mail get", "MESSAGE ... [--attachments]", "download whole messages", MailCommands::get },
@@ -32,6 +41,35 @@ const QList<Command> &CommandTable::commands()
         { "mark unread", "MESSAGE ...", "mark messages as unread", MailCommands::markUnread },
         { "move", "MESSAGE ... FOLDER", "move messages", MailCommands::move },
         { "delete", "MESSAGE ...", "delete messages", MailCommands::remove },
+        { "event list", "[--from DAY] [--to DAY] [--calendar NAME]", "what takes place, by time",
+            EventCommands::list },
+        { "event month", "[YYYY-MM] [--calendar NAME]", "a month as a sheet", EventCommands::month },
+        { "event show", "EVENT [--occurrence START]", "an event with people, rule and text",
+            EventCommands::show },
+        { "event add",
+            "SUBJECT --start TIME|DAY [--end TIME|DAY|--duration MINUTES] [--zone ZONE] [--location TEXT] "
+            "[--note TEXT] [--category NAME ...] [--reminder MINUTES|none] [--attendee ADDRESS ...] "
+            "[--repeat daily|weekly|monthly|yearly [--every N] [--until DAY|--count N]] [--calendar NAME]",
+            "add an event; a start that is a day lasts whole days", EventCommands::add },
+        { "event edit", "EVENT [--occurrence START] [--subject TEXT] [the options of event add]",
+            "change an event, or one occurrence of a series", EventCommands::edit },
+        { "event delete", "EVENT [--occurrence START]", "delete an event, or one occurrence of a series",
+            EventCommands::remove },
+        { "event export", "[FILE] [--calendar NAME] [--force]", "write events as iCalendar",
+            EventCommands::exportCalendar },
+        { "contact list", "[TEXT] [--folder NAME]", "the contacts, or those that match a text",
+            ContactCommands::list },
+        { "contact show", "CONTACT", "a contact with everything that is known", ContactCommands::show },
+        { "contact add",
+            "[--name TEXT] [--company TEXT] [--title TEXT] [--email ADDRESS ...] [--mobile NUMBER] "
+            "[--home-phone NUMBER] [--work-phone NUMBER] [--fax NUMBER] [--birthday DAY] [--note TEXT] "
+            "[--folder NAME]",
+            "add a contact", ContactCommands::add },
+        { "contact edit", "CONTACT [the options of contact add]", "change a contact; an empty text removes",
+            ContactCommands::edit },
+        { "contact delete", "CONTACT", "delete a contact", ContactCommands::remove },
+        { "contact export", "[FILE] [--folder NAME] [--force]", "write contacts as vCard",
+            ContactCommands::exportCards },
         { "watch", "", "print every signal of the daemon as it comes", SyncCommands::watch },
         { "cancel", "REQUEST", "cancel a request by its number", SyncCommands::cancel },
         { "log", "debug|info|warning|critical", "what the daemon logs from now on", SyncCommands::log },

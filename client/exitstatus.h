@@ -7,9 +7,9 @@ enum ExitStatus {
     /** The engine or the server refused, or something could not be written. */
     ExitFailure = 1,
     ExitUsage = 2,
-    /** No such account, folder, message or part. */
+    /** No such account, folder, message, part, event, occurrence or contact. */
     ExitNotFound = 3,
-    /** The daemon, the account store or the mail store cannot be reached. */
+    /** The daemon or a store of the device cannot be reached. */
     ExitUnavailable = 4,
     ExitCancelled = 5
 };

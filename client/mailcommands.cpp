@@ -4,14 +4,15 @@
 #include "client/commandcontext.h"
 #include "client/daemonrequest.h"
 #include "client/exitstatus.h"
+#include "client/folderdirectory.h"
 #include "client/mailview.h"
+#include "client/outputfile.h"
 #include "common/easdbusinterfaceproxy.h"
 
 #include <QCommandLineParser>
 #include <QDir>
 #include <QFileInfo>
 #include <QRegularExpression>
-#include <QSaveFile>
 #include <qmaildisconnected.h>
 #include <qmailmessagekey.h>
 #include <qmailstore.h>
@@ -105,17 +106,19 @@ bool hasPart(const QMailMessageId &id, const QString &location)
         && QMailMessage(id).contains(QMailMessagePart::Location(location));
 }
 
-bool writeFile(const QString &path, const QByteArray &data, bool overwrite)
+/** The folders of events or contacts, which have no messages to be counted. */
+int listOtherFolders(const CommandContext &context, FolderDirectory directory)
 {
-    if (QFileInfo::exists(path) && !overwrite) {
-        Output::error(QStringLiteral("%1 exists; use --force to replace it").arg(path));
-        return false;
-    }
-    QSaveFile file(path);
-    if (file.open(QIODevice::WriteOnly) && file.write(data) == data.size() && file.commit())
-        return true;
-    Output::error(QStringLiteral("cannot write %1: %2").arg(path, file.errorString()));
-    return false;
+    if (!directory.open())
+        return ExitUnavailable;
+    QJsonArray rows;
+    for (const LocalFolder &folder : directory.folders())
+        rows.append(
+            QJsonObject { { QStringLiteral("id"), folder.id }, { QStringLiteral("name"), folder.name } });
+    context.output().rows({ { QStringLiteral("name"), QStringLiteral("FOLDER") },
+                              { QStringLiteral("id"), QStringLiteral("ID") } },
+        rows);
+    return ExitSuccess;
 }
 
 } // namespace
@@ -123,8 +126,16 @@ bool writeFile(const QString &path, const QByteArray &data, bool overwrite)
 int MailCommands::folders(const CommandContext &context)
 {
     MailSelection mail(context);
+    const QCommandLineOption kind(
+        QStringLiteral("kind"), QString(), QStringLiteral("which"), QStringLiteral("mail"));
+    mail.parser().addOption(kind);
     if (!mail.open(0, 0))
         return mail.exitStatus();
+    FolderDirectory::Kind wanted = FolderDirectory::Mail;
+    if (!FolderDirectory::kindOf(mail.parser().value(kind), &wanted))
+        return ExitUsage;
+    if (wanted != FolderDirectory::Mail)
+        return listOtherFolders(context, FolderDirectory(mail.account(), wanted));
     QJsonArray rows;
     const QMailFolderIdList ids = MailView::folders(mail.account());
     for (const QMailFolderId &id : ids) {
@@ -251,7 +262,7 @@ int MailCommands::saveAttachment(const CommandContext &context)
         path = QDir(path).filePath(MailView::safeFileName(attachment));
     const QByteArray data =
         attachment.hasBody() ? attachment.body().data(QMailMessageBody::Decoded) : QByteArray();
-    if (!writeFile(path, data, mail.parser().isSet(force)))
+    if (!OutputFile::write(path, data, mail.parser().isSet(force)))
         return ExitFailure;
     context.output().message(QStringLiteral("%1 bytes written to %2").arg(data.size()).arg(path));
     return ExitSuccess;

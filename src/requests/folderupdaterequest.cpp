@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "requests/folderupdaterequest.h"
 
+#include "application/easdatabase.h"
 #include "protocol/folderupdatecommand.h"
 #include "protocol/protocolutils.h"
 #include "protocol/wbxmltokens.h"
@@ -51,8 +52,16 @@ bool FolderUpdateRequest::translate()
     mServerId = serverFolderId(mFolderLocalId);
     if (mServerId.isEmpty())
         return false;
-    mServerParentId = serverParentId(mParentLocalId);
+    mServerParentId = mParentLocalId.isEmpty() ? presentParentId() : serverParentId(mParentLocalId);
     return !mServerParentId.isEmpty();
+}
+
+QString FolderUpdateRequest::presentParentId()
+{
+    const QString parentId = EasDatabase::instance()->serverFolderParentIds(accountId()).value(mServerId);
+    if (parentId.isEmpty())
+        refuse("failed to find the present parent of the folder");
+    return parentId;
 }
 
 FolderCommand *FolderUpdateRequest::createCommand()

@@ -3,7 +3,10 @@
 
 #include "requests/foldermanagementrequest.h"
 
-/** Renames a folder, or moves it below another one, on the server and on the device. */
+/**
+ * Renames a folder, or moves it below another one, on the server and on the device. Without a parent it stays
+ * where it is.
+ */
 class FolderUpdateRequest : public FolderManagementRequest
 {
     Q_OBJECT
@@ -21,6 +24,8 @@ protected:
     std::optional<FolderChanges> agreedChanges() override;
 
 private:
+    QString presentParentId();
+
     const QString mFolderLocalId;
     const QString mParentLocalId;
     const QString mDisplayName;

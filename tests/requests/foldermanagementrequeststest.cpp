@@ -281,6 +281,15 @@ private Q_SLOTS:
         QCOMPARE(storeCalls(), 1);
     }
 
+    void aFolderWithoutANewParentStaysWhereItIs()
+    {
+        answer(reply(Update, "1", "8"));
+        FolderUpdateRequest request(Account, QStringLiteral("103"), QString(), QStringLiteral("New"), Id);
+        QCOMPARE(run(request), 0);
+        QCOMPARE(sent(),
+            QStringList(QStringLiteral("FolderUpdate(SyncKey=7,ServerId=3,ParentId=1,DisplayName=New)")));
+    }
+
     void argumentsThatAreNotValidEndBeforeTheServerIsAsked_data()
     {
         QTest::addColumn<QStringList>("arguments");

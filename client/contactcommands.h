@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+class CommandContext;
+
+/** The commands that show and change the device's contacts; each returns an exit status. */
+namespace ContactCommands {
+
+int list(const CommandContext &context);
+int show(const CommandContext &context);
+int add(const CommandContext &context);
+int edit(const CommandContext &context);
+int remove(const CommandContext &context);
+int exportCards(const CommandContext &context);
+
+} // namespace ContactCommands

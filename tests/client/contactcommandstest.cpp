@@ -1,0 +1,222 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "client/commandscene.h"
+#include "client/contactview.h"
+#include "client/exitstatus.h"
+#include "storages/contactstoremanager.h"
+#include "support/testmain.h"
+
+#include <QtContacts/QContactEmailAddress>
+#include <QtContacts/QContactName>
+#include <QtContacts/QContactPhoneNumber>
+
+#include <QJsonArray>
+
+QTCONTACTS_USE_NAMESPACE
+
+/** Contacts as the command line shows and changes them. */
+class ContactCommandsTest : public QObject
+{
+    Q_OBJECT
+
+private:
+    std::unique_ptr<CommandScene> mScene;
+
+    static int run(const QString &line) { return CommandScene::run(line.split(QLatin1Char('|'))); }
+
+    /** A folder of contacts as the engine makes it. */
+    static bool addFolder(const QString &name, EasAccountId owner)
+    {
+        const std::unique_ptr<QContactManager> manager(ContactStoreManager::create(nullptr));
+        QContactCollection collection;
+        collection.setMetaData(QContactCollection::KeyName, name);
+        collection.setExtendedMetaData(QStringLiteral("AccountId"), int(owner));
+        collection.setExtendedMetaData(QStringLiteral("ApplicationName"), QStringLiteral("fennel-eas"));
+        return manager && manager->saveCollection(&collection);
+    }
+    QJsonObject only() const
+    {
+        ContactBook book(mScene->accountId());
+        const QList<QContact> all = book.open() ? book.contacts() : QList<QContact>();
+        return all.size() == 1 ? ContactView::describeWhole(all.first()) : QJsonObject();
+    }
+    QStringList names() const
+    {
+        ContactBook book(mScene->accountId());
+        QStringList names;
+        if (!book.open())
+            return names;
+        for (const QContact &contact : book.contacts())
+            names.append(ContactView::name(contact));
+        return names;
+    }
+
+private Q_SLOTS:
+    void init()
+    {
+        mScene = std::make_unique<CommandScene>();
+        QVERIFY(mScene->isReady());
+        QVERIFY(addFolder(QStringLiteral("Contacts"), mScene->accountId()));
+        // Of another account, and so not to be seen.
+        QVERIFY(addFolder(QStringLiteral("Foreign"), 4711));
+    }
+
+    void cleanup()
+    {
+        const std::unique_ptr<QContactManager> manager(ContactStoreManager::create(nullptr));
+        for (const QContactCollection &collection : manager->collections()) {
+            if (!collection.extendedMetaData(QStringLiteral("ApplicationName")).toString().isEmpty())
+                manager->removeCollection(collection.id());
+        }
+        mScene.reset();
+    }
+
+    void aContactIsAddedWhole()
+    {
+        QCOMPARE(CommandScene::run(
+                     "contact|add|--name|Anna Maria Öl|--company|Mill|--title|Boss|--email|a@example.com|"
+                     "--email|b@example.com|--mobile|+49 1|--work-phone|22|--fax|33|"
+                     "--birthday|1980-05-01|--note|likes tea"),
+            int(ExitSuccess));
+        const QJsonObject contact = only();
+        QCOMPARE(contact.value(QStringLiteral("name")).toString(), QStringLiteral("Anna Maria Öl"));
+        QCOMPARE(contact.value(QStringLiteral("company")).toString(), QStringLiteral("Mill"));
+        QCOMPARE(contact.value(QStringLiteral("title")).toString(), QStringLiteral("Boss"));
+        QCOMPARE(contact.value(QStringLiteral("emails")).toArray(),
+            QJsonArray({ QStringLiteral("a@example.com"), QStringLiteral("b@example.com") }));
+        QStringList phones;
+        for (const QJsonValue &phone : contact.value(QStringLiteral("phones")).toArray())
+            phones.append(phone.toString());
+        phones.sort();
+        QCOMPARE(phones,
+            QStringList({ QStringLiteral("+49 1 (home mobile)"), QStringLiteral("22 (work)"),
+                QStringLiteral("33 (work fax)") }));
+        QCOMPARE(contact.value(QStringLiteral("birthday")).toString(), QStringLiteral("1980-05-01"));
+        QCOMPARE(contact.value(QStringLiteral("note")).toString(), QStringLiteral("likes tea"));
+    }
+
+    void theSecondAddressHasTheServersSecondField()
+    {
+        QCOMPARE(CommandScene::run("contact|add|--name|A|--email|a@example.com|--email|b@example.com"),
+            int(ExitSuccess));
+        ContactBook book(mScene->accountId());
+        QVERIFY(book.open());
+        QMap<QString, QString> places;
+        const QList<QContactEmailAddress> details = book.contacts().first().details<QContactEmailAddress>();
+        for (const QContactEmailAddress &detail : details)
+            places.insert(detail.emailAddress(), detail.value(5001).toString());
+        QCOMPARE(places.value(QStringLiteral("a@example.com")), QString());
+        QCOMPARE(
+            places.value(QStringLiteral("b@example.com")), QStringLiteral("urn:as:contact:EmailAddress2"));
+    }
+
+    void anEditLeavesAloneWhatItDoesNotName()
+    {
+        QCOMPARE(
+            CommandScene::run("contact|add|--name|Anna Öl|--email|a@example.com|--mobile|1|--work-phone|2"),
+            int(ExitSuccess));
+        const QString id = only().value(QStringLiteral("id")).toString();
+        QCOMPARE(run(QStringLiteral("contact|edit|%1|--mobile|9|--note|new").arg(id)), int(ExitSuccess));
+        QJsonObject contact = only();
+        QCOMPARE(contact.value(QStringLiteral("name")).toString(), QStringLiteral("Anna Öl"));
+        QCOMPARE(contact.value(QStringLiteral("emails")).toArray().size(), 1);
+        QCOMPARE(contact.value(QStringLiteral("phones")).toArray().size(), 2);
+        QVERIFY(
+            contact.value(QStringLiteral("phones")).toArray().contains(QStringLiteral("9 (home mobile)")));
+        // An empty text takes away.
+        QCOMPARE(run(QStringLiteral("contact|edit|%1|--mobile||--note||--email|").arg(id)), int(ExitSuccess));
+        contact = only();
+        QCOMPARE(contact.value(QStringLiteral("phones")).toArray().toVariantList(),
+            QVariantList { QStringLiteral("2 (work)") });
+        QVERIFY(contact.value(QStringLiteral("emails")).toArray().isEmpty());
+        QVERIFY(!contact.contains(QStringLiteral("note")));
+    }
+
+    void aContactIsDeleted()
+    {
+        QCOMPARE(CommandScene::run("contact|add|--name|Anna"), int(ExitSuccess));
+        QCOMPARE(run(QStringLiteral("contact|delete|") + only().value(QStringLiteral("id")).toString()),
+            int(ExitSuccess));
+        QVERIFY(names().isEmpty());
+    }
+
+    void contactsStandByTheirNames()
+    {
+        for (const char *name : { "Zoe", "Ähre", "Bob" })
+            QCOMPARE(
+                run(QStringLiteral("contact|add|--name|%1").arg(QString::fromUtf8(name))), int(ExitSuccess));
+        QCOMPARE(names().size(), 3);
+        QVERIFY(names().indexOf(QStringLiteral("Bob")) < names().indexOf(QStringLiteral("Zoe")));
+        QCOMPARE(CommandScene::run("contact|list|bo"), int(ExitSuccess));
+        QCOMPARE(CommandScene::run("folders|--kind|contacts"), int(ExitSuccess));
+    }
+
+    void aTextMatchesNamesAddressesAndNumbers()
+    {
+        QCOMPARE(CommandScene::run(
+                     "contact|add|--name|Anna Öl|--company|Mill|--email|a@example.com|--mobile|+49 123"),
+            int(ExitSuccess));
+        ContactBook book(mScene->accountId());
+        QVERIFY(book.open());
+        const QContact contact = book.contacts().first();
+        for (const char *text : { "", "öl", "MILL", "example.com", "49 12" })
+            QVERIFY2(ContactView::matches(contact, QString::fromUtf8(text)), text);
+        QVERIFY(!ContactView::matches(contact, QStringLiteral("bob")));
+    }
+
+    void contactsAreExportedAsVCard()
+    {
+        QCOMPARE(CommandScene::run("contact|add|--name|Anna Öl|--email|a@example.com"), int(ExitSuccess));
+        QCOMPARE(CommandScene::run("contact|add|--name|Bob"), int(ExitSuccess));
+        const QString path = mScene->path(QStringLiteral("out.vcf"));
+        QCOMPARE(CommandScene::run({ "contact", "export", path, "--folder", "Contacts" }), int(ExitSuccess));
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QByteArray cards = file.readAll();
+        QCOMPARE(cards.count("BEGIN:VCARD"), 2);
+        QVERIFY(cards.contains("a@example.com"));
+        QVERIFY(cards.contains(QStringLiteral("Öl").toUtf8()));
+        QCOMPARE(CommandScene::run({ "contact", "export", path }), int(ExitFailure));
+    }
+
+    void wrongUsageIsRefusedAndChangesNothing_data()
+    {
+        QTest::addColumn<QString>("line");
+        QTest::addColumn<int>("exit");
+        QTest::newRow("nobody") << "contact|add" << int(ExitUsage);
+        QTest::newRow("only a note") << "contact|add|--note|x" << int(ExitUsage);
+        QTest::newRow("no birthday") << "contact|add|--name|A|--birthday|May" << int(ExitUsage);
+        QTest::newRow("an unknown option") << "contact|add|--name|A|--shoe|42" << int(ExitUsage);
+        QTest::newRow("the folder of another account")
+            << "contact|add|--name|A|--folder|Foreign" << int(ExitNotFound);
+        QTest::newRow("an unknown folder in a list") << "contact|list|--folder|None" << int(ExitNotFound);
+        QTest::newRow("an unknown contact") << "contact|show|99999" << int(ExitNotFound);
+        QTest::newRow("an unknown contact to edit") << "contact|edit|99999|--name|A" << int(ExitNotFound);
+        QTest::newRow("an unknown contact to delete") << "contact|delete|99999" << int(ExitNotFound);
+        QTest::newRow("a kind of folder that is none") << "folders|--kind|tasks" << int(ExitUsage);
+        QTest::newRow("a folder of that kind that is none")
+            << "folder|delete|None|--kind|contacts" << int(ExitNotFound);
+        QTest::newRow("a folder to rename that is none")
+            << "folder|rename|None|New|--kind|contacts" << int(ExitNotFound);
+        QTest::newRow("a parent that is none")
+            << "folder|create|New|--kind|contacts|--parent|None" << int(ExitNotFound);
+        QTest::newRow("a folder without a name") << "folder|create" << int(ExitUsage);
+    }
+
+    void wrongUsageIsRefusedAndChangesNothing()
+    {
+        QFETCH(QString, line);
+        QFETCH(int, exit);
+        QCOMPARE(run(line), exit);
+        QVERIFY(names().isEmpty());
+    }
+
+    void nothingToChangeIsSaidSo()
+    {
+        QCOMPARE(CommandScene::run("contact|add|--name|Anna"), int(ExitSuccess));
+        QCOMPARE(run(QStringLiteral("contact|edit|") + only().value(QStringLiteral("id")).toString()),
+            int(ExitUsage));
+    }
+};
+
+FENNEL_REGISTER_TEST(ContactCommandsTest)
+#include "contactcommandstest.moc"
