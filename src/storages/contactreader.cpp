@@ -5,6 +5,7 @@
 #include "storages/contactavatars.h"
 #include "storages/contactdetails.h"
 #include "storages/contactphonenumbers.h"
+#include "storages/contactservertexts.h"
 #include "storages/contactstorecontext.h"
 
 #include <qcontactstatusflags.h>
@@ -102,6 +103,8 @@ EasContactsItem ContactReader::convertContact(const QContact &contact) const
 {
     EasContactsItem item;
     item.setLocalStorageAccountId(mContext.accountId);
+    // An empty body is one whose note was removed; without a type the server would keep it.
+    item.setBodyContainerType(EasBodyContainer::PlainTextBodyType);
     if (contact.id().isNull())
         qCWarning(eas()) << "local id of the contact is null";
     else
@@ -114,6 +117,7 @@ EasContactsItem ContactReader::convertContact(const QContact &contact) const
             (this->*handler.process)(details, item);
     }
     processPhones(contact, item);
+    ContactServerTexts::restore(contact, item);
     logUnsupported(contact);
     return item;
 }
@@ -182,8 +186,11 @@ void ContactReader::processDetailAddresses(const Details &details, EasContactsIt
 void ContactReader::processDetailExtended(const Details &details, EasContactsItem &item) const
 {
     const Details left = placeExactly(details, item);
-    for (const QContactDetail &detail : left)
-        qCDebug(eas()) << "unsyncable extended detail" << QContactExtendedDetail(detail).name();
+    for (const QContactDetail &detail : left) {
+        const QString name = QContactExtendedDetail(detail).name();
+        if (!ContactServerTexts::isKept(name))
+            qCDebug(eas()) << "unsyncable extended detail" << name;
+    }
 }
 
 void ContactReader::processDetailTags(const Details &details, EasContactsItem &item) const

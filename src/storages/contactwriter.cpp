@@ -4,6 +4,7 @@
 #include "application/logging.h"
 #include "storages/contactdetails.h"
 #include "storages/contactphonenumbers.h"
+#include "storages/contactservertexts.h"
 #include "storages/contactstorecontext.h"
 
 #include <qcontactstatusflags.h>
@@ -63,6 +64,7 @@ QContact ContactWriter::prepareContact(EasContactsItem &item)
     saveDates(contact, plain);
     saveShapes(contact, plain);
     saveTags(contact, plain);
+    ContactServerTexts::save(contact, plain);
     savePicture(contact, item, oldAvatars);
     ContactPhoneNumbers::easPhoneNumbersToContacts(contact, plain);
     return contact;

@@ -63,7 +63,7 @@ private Q_SLOTS:
         const CalendarAccountConfigurationImpl calendar(mRecord, mId, nullptr);
         QCOMPARE(calendar.syncPastTime(), 6);
         const ContactsAccountConfigurationImpl contacts(mRecord, mId, nullptr);
-        QVERIFY(!contacts.syncLocalContacts());
+        QVERIFY(contacts.syncLocalContacts());
         const ScheduleAccountConfigurationImpl schedule(mRecord, mId, nullptr);
         QVERIFY(!schedule.enabled());
     }
@@ -122,7 +122,7 @@ private Q_SLOTS:
         mFactory->setValue(
             mId, AccountFactory::calendarService(), QStringLiteral("name"), QStringLiteral("Work"));
         mFactory->setValue(mId, AccountFactory::calendarService(), QStringLiteral("sync_past_time"), 4);
-        mFactory->setValue(mId, AccountFactory::contactsService(), QStringLiteral("sync_local"), true);
+        mFactory->setValue(mId, AccountFactory::contactsService(), QStringLiteral("sync_local"), false);
         const LogCollector log;
         const CalendarAccountConfigurationImpl calendar(freshRecord(), mId, nullptr);
         const ContactsAccountConfigurationImpl contacts(freshRecord(), mId, nullptr);
@@ -130,7 +130,7 @@ private Q_SLOTS:
         QCOMPARE(calendar.calendarName(), QStringLiteral("Work"));
         QCOMPARE(calendar.syncPastTime(), 4);
         QVERIFY(!contacts.enabled());
-        QVERIFY(contacts.syncLocalContacts());
+        QVERIFY(!contacts.syncLocalContacts());
         QVERIFY(log.contains(QStringLiteral("calendar service found")));
         QVERIFY(log.contains(QStringLiteral("contacts service found")));
     }

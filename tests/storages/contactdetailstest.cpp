@@ -37,8 +37,8 @@ private:
     /** Fields that stand for nothing a contact of the device could hold. */
     static bool isKeptByTheServerAlone(const Field<EasContactsItem> &field)
     {
-        const Wbxml::Token tags[] = { Wbxml::Contacts::FileAs, Wbxml::Contacts::WeightedRank,
-            Wbxml::AirSyncBase::NativeBodyType, Wbxml::Contacts::Picture };
+        const Wbxml::Token tags[] = { Wbxml::Contacts::WeightedRank, Wbxml::AirSyncBase::NativeBodyType,
+            Wbxml::Contacts::Picture };
         return std::any_of(std::begin(tags), std::end(tags),
             [&field](const Wbxml::Token &tag) { return tag.key() == field.tag.key(); });
     }
@@ -209,9 +209,10 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("text");
         QTest::addColumn<QString>("back");
-        const QString day = QStringLiteral("1980-05-06T00:00:00.000Z");
-        QTest::newRow("midnight") << day << day;
-        QTest::newRow("noon") << "1980-05-06T11:59:00.000Z" << day;
+        QTest::newRow("midnight") << "1980-05-06T00:00:00.000Z"
+                                  << "1980-05-06T00:00:00.000Z";
+        QTest::newRow("noon") << "1980-05-06T11:59:00.000Z"
+                              << "1980-05-06T11:59:00.000Z";
         QTest::newRow("before any epoch") << "1604-02-29T00:00:00.000Z"
                                           << "1604-02-29T00:00:00.000Z";
         QTest::newRow("no such day") << "1981-02-29T00:00:00.000Z"
@@ -235,6 +236,37 @@ private Q_SLOTS:
         const EasContactsItem read = converted(mAccount.store.manager().contact(contact.id()));
         QCOMPARE(read.birthday(), back);
         QCOMPARE(read.anniversary(), back);
+    }
+
+    void anotherDayHasNoTime()
+    {
+        EasContactsItem item = mAccount.item(QStringLiteral("x"), QStringLiteral("Ada"));
+        item.setBirthday(QStringLiteral("1980-05-06T11:59:00.000Z"));
+        QContact contact = prepared(item);
+        QContactBirthday birthday = contact.detail<QContactBirthday>();
+        birthday.setDate(QDate(1980, 5, 7));
+        QVERIFY(contact.saveDetail(&birthday));
+        QCOMPARE(converted(contact).birthday(), QStringLiteral("1980-05-07T00:00:00.000Z"));
+    }
+
+    void theNameToSortByGoesWithTheName()
+    {
+        EasContactsItem item = mAccount.item(QStringLiteral("x"), QStringLiteral("Ada"));
+        item.setFileAs(QStringLiteral("Countess, the"));
+        QContact contact = prepared(item);
+        QCOMPARE(converted(contact).fileAs(), QStringLiteral("Countess, the"));
+        QContactName name = contact.detail<QContactName>();
+        name.setFirstName(QStringLiteral("Eve"));
+        QVERIFY(contact.saveDetail(&name));
+        QCOMPARE(converted(contact).fileAs(), QString());
+    }
+
+    void aRemovedNoteIsAnEmptyBody()
+    {
+        const EasContactsItem item =
+            converted(prepared(mAccount.item(QStringLiteral("x"), QStringLiteral("Ada"))));
+        QCOMPARE(item.body().type(), EasBodyContainer::PlainTextBodyType);
+        QVERIFY(item.body().data().isEmpty());
     }
 
     void aBadDateIsLoggedAndCostsNothingElse()

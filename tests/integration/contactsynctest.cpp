@@ -1,0 +1,225 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "support/contactscene.h"
+#include "support/testmain.h"
+#include "support/testpictures.h"
+
+#include <QtContacts/QContactAvatar>
+#include <QtContacts/QContactEmailAddress>
+#include <QtContacts/QContactName>
+#include <QtContacts/QContactNote>
+
+#include <QtTest>
+
+QTCONTACTS_USE_NAMESPACE
+using Simulator::Contact;
+
+/** @short Contacts of a server and a device come into step and stay there, at every protocol version. */
+class ContactSyncTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void contactsStandOnTheDevice_data() { versions(); }
+    void contactsStandOnTheDevice();
+    void changesOfTheServerArrive_data() { versions(); }
+    void changesOfTheServerArrive();
+    void changesOfTheDeviceArrive_data() { versions(); }
+    void changesOfTheDeviceArrive();
+    void anUnrelatedEditLosesNothing_data() { versions(); }
+    void anUnrelatedEditLosesNothing();
+    void aServerThatForgetsItsKeysDoublesNothing_data() { versions(); }
+    void aServerThatForgetsItsKeysDoublesNothing();
+    void moreThanOneWindowArrives();
+    void foldersComeAndGoWithTheirContacts();
+    void aContactThatIsNoneCostsItselfAlone();
+
+private:
+    static void versions();
+    static QString edit(ContactScene &scene, const QString &name, const QString &newName);
+};
+
+void ContactSyncTest::versions()
+{
+    QTest::addColumn<QString>("version");
+    for (const char *version : { "12.0", "12.1", "14.0", "14.1", "16.0", "16.1" })
+        QTest::newRow(version) << QString::fromLatin1(version);
+}
+
+void ContactSyncTest::contactsStandOnTheDevice()
+{
+    QFETCH(QString, version);
+    ContactScene scene(version);
+    for (int i = 0; i < 3; ++i)
+        scene.bed().place(ContactScene::full(i));
+    scene.bed().place(Contact().setText(QStringLiteral("FirstName"), QStringLiteral("Bare")));
+    QCOMPARE(scene.bed().sync(), 0);
+    QCOMPARE(scene.differences(), QStringList());
+    QCOMPARE(scene.deviceContacts().size(), 4);
+    QCOMPARE(scene.pictures().size(), 3);
+    QVERIFY(scene.furtherSyncIsSilent());
+    QCOMPARE(scene.bed().server().failures(), QStringList());
+}
+
+void ContactSyncTest::changesOfTheServerArrive()
+{
+    QFETCH(QString, version);
+    ContactScene scene(version);
+    const QString changed = scene.bed().place(ContactScene::full(1));
+    const QString removed = scene.bed().place(ContactScene::full(2));
+    QCOMPARE(scene.bed().sync(), 0);
+    const QContactId id = scene.deviceContact(QStringLiteral("First 1")).id();
+
+    QVERIFY(scene.bed().editContact(changed, [](Contact &contact) {
+        contact.setText(QStringLiteral("MobilePhoneNumber"), QStringLiteral("+1 555"));
+        contact.setText(QStringLiteral("WebPage"), QString());
+        contact.setPicture(TestPictures::png(99));
+        contact.setCategories({ QStringLiteral("New") });
+    }));
+    QVERIFY(scene.bed().mailbox().remove(removed));
+    scene.bed().place(ContactScene::full(3));
+    QCOMPARE(scene.bed().sync(), 0);
+    QCOMPARE(scene.differences(), QStringList());
+    QCOMPARE(scene.deviceContacts().size(), 2);
+    QCOMPARE(scene.deviceContact(QStringLiteral("First 1")).id(), id);
+    QCOMPARE(scene.pictures().size(), 2);
+    QVERIFY(scene.furtherSyncIsSilent());
+}
+
+QString ContactSyncTest::edit(ContactScene &scene, const QString &name, const QString &newName)
+{
+    QContact contact = scene.deviceContact(name);
+    QContactName detail = contact.detail<QContactName>();
+    detail.setFirstName(newName);
+    contact.saveDetail(&detail);
+    return scene.store().manager().saveContact(&contact) ? newName : QString();
+}
+
+void ContactSyncTest::changesOfTheDeviceArrive()
+{
+    QFETCH(QString, version);
+    ContactScene scene(version);
+    scene.bed().place(ContactScene::full(1));
+    scene.bed().place(ContactScene::full(2));
+    QCOMPARE(scene.bed().sync(), 0);
+
+    QVERIFY(!edit(scene, QStringLiteral("First 1"), QStringLiteral("Edited")).isEmpty());
+    QVERIFY(scene.store().manager().removeContact(scene.deviceContact(QStringLiteral("First 2")).id()));
+    QContact added = scene.store().addContact(scene.collection(), QStringLiteral("Added"));
+    QContactEmailAddress email;
+    email.setEmailAddress(QStringLiteral("added@example.org"));
+    QVERIFY(added.saveDetail(&email));
+    QVERIFY(scene.store().manager().saveContact(&added));
+    QCOMPARE(scene.bed().sync(), 0);
+
+    QCOMPARE(scene.serverNames(), QStringList({ QStringLiteral("Added"), QStringLiteral("Edited") }));
+    QCOMPARE(scene.differences(), QStringList());
+    QVERIFY(scene.furtherSyncIsSilent());
+    QCOMPARE(scene.bed().server().failures(), QStringList());
+
+    // What was added here is mapped: it can be changed from both sides.
+    QVERIFY(!edit(scene, QStringLiteral("Added"), QStringLiteral("Again")).isEmpty());
+    QCOMPARE(scene.bed().sync(), 0);
+    QCOMPARE(scene.serverNames(), QStringList({ QStringLiteral("Again"), QStringLiteral("Edited") }));
+    QCOMPARE(scene.differences(), QStringList());
+}
+
+void ContactSyncTest::anUnrelatedEditLosesNothing()
+{
+    QFETCH(QString, version);
+    ContactScene scene(version);
+    Contact contact = ContactScene::full(1);
+    const QString serverId = scene.bed().place(contact);
+    QCOMPARE(scene.bed().sync(), 0);
+
+    QContact local = scene.deviceContact(QStringLiteral("First 1"));
+    QContactNote note = local.detail<QContactNote>();
+    note.setNote(QStringLiteral("Another note"));
+    QVERIFY(local.saveDetail(&note));
+    QVERIFY(scene.store().manager().saveContact(&local));
+    QCOMPARE(scene.bed().sync(), 0);
+
+    contact.setNote(QStringLiteral("Another note"));
+    QCOMPARE(ContactScene::lines(*scene.bed().serverContact(serverId)), ContactScene::lines(contact));
+    QVERIFY(scene.furtherSyncIsSilent());
+
+    local = scene.deviceContact(QStringLiteral("First 1"));
+    note = local.detail<QContactNote>();
+    QVERIFY(local.removeDetail(&note));
+    QVERIFY(scene.store().manager().saveContact(&local));
+    QCOMPARE(scene.bed().sync(), 0);
+    contact.setNote(QString());
+    QCOMPARE(ContactScene::lines(*scene.bed().serverContact(serverId)), ContactScene::lines(contact));
+}
+
+void ContactSyncTest::aServerThatForgetsItsKeysDoublesNothing()
+{
+    QFETCH(QString, version);
+    ContactScene scene(version);
+    scene.bed().place(ContactScene::full(1));
+    scene.bed().place(ContactScene::full(2));
+    QCOMPARE(scene.bed().sync(), 0);
+    QVERIFY(!edit(scene, QStringLiteral("First 1"), QStringLiteral("Edited")).isEmpty());
+    QCOMPARE(scene.bed().sync(), 0);
+
+    scene.bed().server().forgetDevices();
+    QCOMPARE(scene.bed().sync(), 0);
+    QCOMPARE(scene.differences(), QStringList());
+    QCOMPARE(scene.deviceContacts().size(), 2);
+    QCOMPARE(scene.serverNames(), QStringList({ QStringLiteral("Edited"), QStringLiteral("First 2") }));
+    QCOMPARE(scene.pictures().size(), 2);
+    QVERIFY(scene.furtherSyncIsSilent());
+}
+
+void ContactSyncTest::moreThanOneWindowArrives()
+{
+    ContactScene scene(QStringLiteral("14.1"));
+    scene.bed().server().setWindowSize(3);
+    for (int i = 0; i < 10; ++i)
+        scene.bed().place(ContactScene::full(i));
+    QCOMPARE(scene.bed().sync(), 0);
+    QCOMPARE(scene.differences(), QStringList());
+    QCOMPARE(scene.deviceContacts().size(), 10);
+}
+
+void ContactSyncTest::foldersComeAndGoWithTheirContacts()
+{
+    ContactScene scene(QStringLiteral("14.1"));
+    const QString folder = scene.bed().mailbox().addFolder(
+        QStringLiteral("Colleagues"), Simulator::UserContactsFolder, scene.bed().contactsId());
+    scene.bed().mailbox().addItem(folder, Simulator::ContactItem::make(ContactScene::full(7)));
+    scene.bed().place(ContactScene::full(1));
+    QCOMPARE(scene.bed().sync(), 0);
+    QCOMPARE(ContactFixture::names(scene.store().contacts(scene.collection(folder))),
+        QStringList(QStringLiteral("First 7")));
+    QCOMPARE(scene.pictures().size(), 2);
+
+    QVERIFY(scene.bed().mailbox().removeFolder(folder));
+    QCOMPARE(scene.bed().sync(), 0);
+    QCOMPARE(scene.deviceContacts().size(), 1);
+    QCOMPARE(scene.pictures().size(), 1);
+    QCOMPARE(scene.differences(), QStringList());
+}
+
+void ContactSyncTest::aContactThatIsNoneCostsItselfAlone()
+{
+    ContactScene scene(QStringLiteral("14.1"));
+    Contact hostile = ContactScene::full(1);
+    hostile.setText(QStringLiteral("Birthday"), QStringLiteral("the day before"));
+    hostile.setText(QStringLiteral("FirstName"), QString(1024 * 1024, QLatin1Char('x')));
+    hostile.setText(QStringLiteral("WebPage"), QStringLiteral("../../../etc/passwd"));
+    hostile.setPicture("this is no picture");
+    hostile.setNote(QString(10 * 1024 * 1024, QLatin1Char('n')));
+    scene.bed().place(hostile);
+    scene.bed().place(ContactScene::full(2));
+    scene.bed().place(ContactScene::full(3).setPicture(TestPictures::hollowPng(300000, 300000)));
+    QCOMPARE(scene.bed().sync(), 0);
+    QCOMPARE(scene.deviceContacts().size(), 3);
+    QVERIFY(!scene.deviceContact(QStringLiteral("First 2")).id().isNull());
+    const QContact taken = scene.deviceContact(QString(1024 * 1024, QLatin1Char('x')));
+    QVERIFY(taken.details<QContactAvatar>().isEmpty());
+    QCOMPARE(taken.detail<QContactNote>().note().size(), 10 * 1024 * 1024);
+    QVERIFY(scene.furtherSyncIsSilent());
+}
+
+FENNEL_REGISTER_TEST(ContactSyncTest)
+#include "contactsynctest.moc"
