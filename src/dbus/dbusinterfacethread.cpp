@@ -24,6 +24,7 @@ namespace {
 const QString SessionBusName = QStringLiteral("session_bus");
 const QString SchedulerService = QStringLiteral("com.plover.msyncd");
 const QString SchedulerPath = QStringLiteral("/synchronizer");
+const QString SchedulerSignal = QStringLiteral("syncedExternallyStatus");
 constexpr int UnixPathPrefixLength = 10; // "unix:path="
 
 } // namespace
@@ -52,6 +53,7 @@ void DBusInterfaceThread::run()
     const int code = exec();
     qCInfo(eas()) << "exec returned:" << code;
 
+    leaveConnections();
     QDBusConnection::disconnectFromBus(SessionBusName);
     const std::unique_ptr<DBusInterfaceAdapter> adapter(mAdapter);
     const std::unique_ptr<Accounts::Manager> accountsManager(mAccountsManager);
@@ -89,18 +91,32 @@ void DBusInterfaceThread::connectSessionBus()
         qCCritical(eas()) << "Cannot register service: " << bus.lastError().message();
     // Found anew by its name, so that the subscription lives on the thread's own connection.
     QDBusConnection(SessionBusName)
-        .connect(SchedulerService, SchedulerPath, SchedulerService, QStringLiteral("syncedExternallyStatus"),
-            this, SIGNAL(alwaysOnStatus(uint, QString, bool)));
+        .connect(SchedulerService, SchedulerPath, SchedulerService, SchedulerSignal, this,
+            SIGNAL(alwaysOnStatus(uint, QString, bool)));
 }
 
 void DBusInterfaceThread::newP2PConnection(const QDBusConnection &connection)
 {
     QDBusConnection peer(connection);
+    mPeerConnections.append(peer.name());
     if (peer.registerObject(
             ExchangeActiveSync::EAS_DBUS_PEER_PATH_NAME, mPeerObject, QDBusConnection::ExportAdaptors))
         qCInfo(eas()) << "Registered object to new p2p connection";
     else
         qCCritical(eas()) << "Could not register object to p2p connection:" << peer.lastError().message();
+}
+
+void DBusInterfaceThread::leaveConnections()
+{
+    // A connection that is closed looks, in the library's own thread, at each object that is still tied to
+    // it; these may be gone by then.
+    QDBusConnection bus(SessionBusName);
+    bus.unregisterObject(ExchangeActiveSync::EAS_DBUS_PATH_NAME);
+    bus.disconnect(SchedulerService, SchedulerPath, SchedulerService, SchedulerSignal, this,
+        SIGNAL(alwaysOnStatus(uint, QString, bool)));
+    for (const QString &name : qAsConst(mPeerConnections))
+        QDBusConnection(name).unregisterObject(ExchangeActiveSync::EAS_DBUS_PEER_PATH_NAME);
+    mPeerConnections.clear();
 }
 
 std::unique_ptr<Accounts::Account> DBusInterfaceThread::storedAccount(qulonglong accountId)

@@ -158,6 +158,7 @@ private:
     qulonglong queryRequestId();
     void createPeerServer();
     void connectSessionBus();
+    void leaveConnections();
     std::unique_ptr<Accounts::Account> storedAccount(qulonglong accountId);
     bool hasAdapter() const;
 
@@ -165,6 +166,7 @@ private:
     DBusInterfaceAdapter *mAdapter = nullptr;
     DBusPeerInterfaceAdapter *mPeerAdapter = nullptr;
     QDBusServer *mPeerServer = nullptr;
+    QStringList mPeerConnections;
     Accounts::Manager *mAccountsManager = nullptr;
     QObject *mPeerObject = nullptr;
 };

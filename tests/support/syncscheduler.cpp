@@ -20,6 +20,8 @@ SyncScheduler::SyncScheduler(QObject *parent)
 SyncScheduler::~SyncScheduler()
 {
     mConnection.unregisterService(serviceName);
+    // The connection is closed in the library's thread, when this object may be gone.
+    mConnection.unregisterObject(QStringLiteral("/synchronizer"));
     QDBusConnection::disconnectFromBus(connectionName);
 }
 
