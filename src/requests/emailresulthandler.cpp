@@ -122,6 +122,7 @@ void EmailResultHandler::recogniseRepeatedAdds(const SyncCollection &collection,
     for (EasEmailItem &item : mAdded) {
         if (ids.contains(item.serverId())) {
             item.appendChangedField(Wbxml::AirSyncBase::FileReference.key());
+            item.appendChangedField(Wbxml::AirSync::Add.key());
             mChanged.append(item);
         } else {
             ids.add(item.serverId(), collection.id());

@@ -47,7 +47,7 @@ bool MailItemBatch::addEmailItems(QList<EasEmailItem> &items)
 {
     mAdopted.clear();
     const QHash<QString, QMailMessageId> stored = storedMessages(items);
-    const QSet<QString> deleted = deletedByUser(items);
+    const QSet<QString> deleted = deletedByUser();
     Messages messages;
     QHash<QString, QMailMessage *> byUid;
     QList<EasEmailItem> kept;
@@ -187,20 +187,14 @@ QHash<QString, QMailMessageId> MailItemBatch::storedMessages(const QList<EasEmai
     return stored;
 }
 
-QSet<QString> MailItemBatch::deletedByUser(const QList<EasEmailItem> &items) const
+QSet<QString> MailItemBatch::deletedByUser() const
 {
-    QSet<quint64> folders;
-    for (const EasEmailItem &item : items)
-        folders.insert(item.localCollectionId());
+    // Of all folders: what was moved before it was removed has its record in the folder that it was moved to.
     QSet<QString> uids;
-    for (const quint64 folder : qAsConst(folders)) {
-        if (folder == 0)
-            continue;
-        const QMailMessageRemovalRecordList records =
-            mContext.store->messageRemovalRecords(mContext.mailAccountId, QMailFolderId(folder));
-        for (const QMailMessageRemovalRecord &record : records)
-            uids.insert(record.serverUid());
-    }
+    const QMailMessageRemovalRecordList records =
+        mContext.store->messageRemovalRecords(mContext.mailAccountId);
+    for (const QMailMessageRemovalRecord &record : records)
+        uids.insert(record.serverUid());
     uids.remove(QString());
     return uids;
 }

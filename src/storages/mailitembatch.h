@@ -58,7 +58,7 @@ private:
     using Messages = std::vector<std::unique_ptr<QMailMessage>>;
 
     QHash<QString, QMailMessageId> storedMessages(const QList<EasEmailItem> &items) const;
-    QSet<QString> deletedByUser(const QList<EasEmailItem> &items) const;
+    QSet<QString> deletedByUser() const;
     bool isMapped(const QString &serverUid) const;
     bool hasFolder(const EasEmailItem &item) const;
     bool canAdopt(const QMailMessage &stored, const EasEmailItem &item) const;

@@ -96,8 +96,9 @@ bool MailLocalChanges::settleMove(const EasEmailItem &item, const QString &mappe
 QStringList MailLocalChanges::deletedEmails(const QString &localFolderId) const
 {
     QStringList serverIds;
+    // Those of all folders: what was moved here before it was removed is still in its old one on the server.
     const QMailMessageRemovalRecordList records =
-        mContext.store->messageRemovalRecords(mContext.mailAccountId, folderIdFromText(localFolderId));
+        mContext.store->messageRemovalRecords(mContext.mailAccountId);
     if (records.isEmpty())
         return serverIds;
     EasDatabase *database = EasDatabase::instance();

@@ -72,6 +72,16 @@ void setRead(Change &change)
     change.message.setStatus(QMailMessage::ReadElsewhere, change.item.read());
 }
 
+/** What is known already comes once more as new: a mark that the user has made meanwhile has yet to go up. */
+void setReadOfRepeatedAdd(Change &change)
+{
+    const quint64 status = change.message.status();
+    const bool isPending = bool(status & QMailMessage::Read) != bool(status & QMailMessage::ReadElsewhere);
+    change.message.setStatus(QMailMessage::ReadElsewhere, change.item.read());
+    if (!isPending)
+        change.message.setStatus(QMailMessage::Read, change.item.read());
+}
+
 void setTo(Change &change)
 {
     change.message.setTo(MailHeaderText::addresses(change.item.recipientsTo(), ','));
@@ -139,6 +149,7 @@ struct FieldRule
 };
 
 const FieldRule fieldRules[] = {
+    { Wbxml::AirSync::Add, setReadOfRepeatedAdd },
     { Wbxml::AirSync::ServerId, setServerId },
     { Wbxml::AirSync::CollectionId, setCollection },
     { Wbxml::Email::DateReceived, setDates },
