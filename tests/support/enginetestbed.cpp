@@ -63,7 +63,13 @@ void EngineTestBed::stopEngine()
 
 void EngineTestBed::restartEngine()
 {
+    withoutEngine([] {});
+}
+
+void EngineTestBed::withoutEngine(const std::function<void()> &happening)
+{
     stopEngine();
+    happening();
     startEngine();
 }
 

@@ -11,6 +11,8 @@
 
 #include <qmailid.h>
 
+#include <functional>
+
 /**
  * The device's side of a test: the engine with the real account store, sign-on service, databases and mail
  * store, and one account for whatever server the test has.
@@ -55,6 +57,8 @@ public:
 
     /** Ends the engine and starts it anew over the same data, as a restart of the daemon. */
     void restartEngine();
+    /** The same with something happening in between, when another process may have the data. */
+    void withoutEngine(const std::function<void()> &happening);
 
     /** "folder path|subject|read" of every message, sorted. */
     QStringList deviceState() const;
