@@ -5,6 +5,7 @@
 #include "dbus/dbusinterfacethread.h"
 #include "easitems/easitemscommon.h"
 #include "protocol/protocolutils.h"
+#include "requests/attachmentdownloadrequest.h"
 #include "requests/fetchmessagesrequest.h"
 #include "requests/fetchpartrequest.h"
 #include "requests/foldercreaterequest.h"
@@ -187,7 +188,7 @@ void RequestManager::onCalendarAttachmentDownloadRequest(
 {
     qCInfo(eas()) << "Download Calendar Attachment: account: " << accountId << ", uri: " << uri
                   << ", requestId: " << requestId;
-    reportNotSupported(accountId, requestId, ProtocolUtils::CommandItemOperations);
+    processNewRequest(new AttachmentDownloadRequest(accountId, requestId, uri, this));
 }
 
 void RequestManager::onSearchMessagesRequest(EasAccountId accountId, const QString &folderId,

@@ -3,190 +3,42 @@
 
 #include "application/easaccount.h"
 #include "application/logging.h"
-#include "common/exchangeactivesync.h"
-#include "protocol/eas.h"
-#include "protocol/fetchitemcommand.h"
-#include "protocol/protocolutils.h"
 #include "storages/mailstorage.h"
 
 FetchItemRequest::FetchItemRequest(
     EasAccountId accountId, quint64 requestId, quint64 messageId, const QString &location, QObject *parent)
-    : Request(accountId, requestId, parent)
+    : FetchFileRequest(accountId, requestId, parent)
     , mMessageId(messageId)
     , mLocation(location)
 {
 }
 
-QString FetchItemRequest::commandName() const
+bool FetchItemRequest::findFile(EasAccount &account, QString *fileReference, int *estimatedSize)
 {
-    return ProtocolUtils::CommandItemOperations;
-}
-
-void FetchItemRequest::startRequest()
-{
-    EasAccount *easAccount = account();
-    if (!easAccount) {
-        qCCritical(eas()) << "No account";
-        return completeWith(RequestStatusInternalError);
-    }
-    const QSharedPointer<MailStorage> storage = easAccount->mailStorage();
+    const QSharedPointer<MailStorage> storage = account.mailStorage();
     if (!storage) {
         qCCritical(eas()) << "MailStorage is null";
-        return completeWith(RequestStatusInternalError);
+        return false;
     }
-    const QString fileReference = storage->fileReferenceFromLocation(mMessageId, mLocation);
-    if (fileReference.isEmpty()) {
+    *fileReference = storage->fileReferenceFromLocation(mMessageId, mLocation);
+    if (fileReference->isEmpty()) {
         qCWarning(eas()) << "file reference is empty for message" << mMessageId << ", mLocation is"
                          << mLocation;
-        return completeWith(RequestStatusInternalError);
-    }
-    createCommand(fileReference);
-    mCommand->setEstimatedDataSize(storage->estimatedDataSizeFromLocation(mMessageId, mLocation));
-    mCommand->start();
-}
-
-void FetchItemRequest::createCommand(const QString &fileReference)
-{
-    dropCommand();
-    mCommand = new FetchItemCommand(accountId(), this);
-    mCommand->setStore(ProtocolUtils::StorageMailbox);
-    mCommand->setFileReference(fileReference);
-    mCommand->setAcceptMultipart(mPartSize != 0);
-    if (mPartSize != 0)
-        mCommand->setRange(mData.size(), mData.size() + int(mPartSize) - 1);
-    connect(mCommand, &FetchItemCommand::finished, this, &FetchItemRequest::onCommandFinished);
-    connect(mCommand, &FetchItemCommand::downloadProgress, this, &FetchItemRequest::onDownloadProgress);
-}
-
-void FetchItemRequest::dropCommand()
-{
-    if (!mCommand)
-        return;
-    mCommand->disconnect(this);
-    mCommand->deleteLater();
-    mCommand.clear();
-}
-
-void FetchItemRequest::cancelRequest()
-{
-    if (mCommand)
-        mCommand->stop();
-}
-
-void FetchItemRequest::retrySend()
-{
-    if (!consumeRetry())
-        return;
-    if (!mCommand) {
-        qCInfo(eas()) << "command is null, starting request from scratch";
-        return startRequest();
-    }
-    mCommand->start();
-}
-
-void FetchItemRequest::onDownloadProgress(qlonglong bytesReceived, qlonglong bytesTotal)
-{
-    qCDebug(eas()) << "Downloaded" << bytesReceived << "of" << bytesTotal;
-    // A range tells its own length only; the whole is reported as the ranges arrive.
-    if (mPartSize == 0)
-        Q_EMIT requestDownloadProgress(accountId(), id(), bytesReceived, bytesTotal);
-}
-
-void FetchItemRequest::onCommandFinished(bool success)
-{
-    if (!mCommand)
-        qCCritical(eas()) << "No command object";
-    if (!acceptResult(mCommand, success)) {
-        if (mCommand)
-            qCInfo(eas()) << "ItemOperations request paused. Provision request started";
-        return dropCommand();
-    }
-    if (mPartSize != 0 && success && handleMultiPart())
-        return;
-    const StatusRows rows = {
-        { { 0, Eas::ItemOperationsStatusSuccess },
-            [this, success] {
-                if (success)
-                    return processCommandSuccess();
-                qCWarning(eas()) << "Success: "
-                                 << "false"
-                                 << ", status:" << status();
-                completeWith(RequestStatusInternalError);
-            } },
-    };
-    if (!handleCommonStatus(status(), rows)) {
-        qCWarning(eas()) << "unhandled status" << status();
-        complete();
-    }
-}
-
-bool FetchItemRequest::handleMultiPart()
-{
-    if (status() != Eas::ItemOperationsStatusSuccess)
         return false;
-    // A server may answer in the single form although it was offered the other one.
-    if (mCommand->partData().isEmpty() && !mCommand->fetchItems().isEmpty())
-        return false;
-    takePart();
+    }
+    *estimatedSize = storage->estimatedDataSizeFromLocation(mMessageId, mLocation);
     return true;
 }
 
-void FetchItemRequest::takePart()
+bool FetchItemRequest::storeFile(
+    EasAccount &account, const QString &mediaType, const QByteArray &data, const QString &fileName)
 {
-    if (mCommand->totalSize() < 0 || mCommand->partData().isEmpty()) {
-        qCWarning(eas()) << "The part of data was not received";
-        return completeWith(RequestStatusInternalError);
-    }
-    resetTimeoutFactor();
-    clearRetries();
-    mData.append(mCommand->partData());
-    if (mCommand->totalSize() > mData.size())
-        return requestNextPart();
-    if (!store(mCommand->partContentType(), mData))
-        return completeWith(RequestStatusInternalError);
-    Q_EMIT requestDownloadProgress(accountId(), id(), mData.size(), mData.size());
-    completeWith(RequestStatusSuccess);
-}
-
-void FetchItemRequest::requestNextPart()
-{
-    const int total = mCommand->totalSize();
-    const int start = mData.size();
-    Q_EMIT requestDownloadProgress(accountId(), id(), start, total);
-    mCommand->setRange(start, start + qMin(total - start, int(mPartSize)) - 1);
-    mCommand->start();
-}
-
-void FetchItemRequest::processCommandSuccess()
-{
-    int result = RequestStatusSuccess;
-    const QList<ItemOperationsFetchItem> items = mCommand->fetchItems();
-    if (items.isEmpty())
-        result = RequestStatusInternalError;
-    for (const ItemOperationsFetchItem &item : items) {
-        const QByteArray data = QByteArray::fromBase64(item.data().toLatin1());
-        if (item.status() > Eas::ItemOperationsStatusSuccess) {
-            qCWarning(eas()) << "unhandled status" << item.status();
-            result = item.status();
-        } else if (item.total() > data.size() || !store(item.contentType(), data)) {
-            result = RequestStatusInternalError;
-        }
-    }
-    completeWith(result);
-}
-
-bool FetchItemRequest::store(const QString &contentType, const QByteArray &data)
-{
-    const QSharedPointer<MailStorage> storage =
-        account() ? account()->mailStorage() : QSharedPointer<MailStorage>();
+    const QSharedPointer<MailStorage> storage = account.mailStorage();
     if (!storage) {
         qCCritical(eas()) << "MailStorage is null";
         return false;
     }
-    QString type;
-    QString fileName;
-    ExchangeActiveSync::getTypeParts(contentType, &type, &fileName);
-    if (storage->updateMessagePart(mMessageId, mLocation, type, data, fileName))
+    if (storage->updateMessagePart(mMessageId, mLocation, mediaType, data, fileName))
         return true;
     qCCritical(eas()) << "failed to update attachment";
     return false;

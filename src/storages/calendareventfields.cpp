@@ -5,6 +5,7 @@
 #include "common/exchangeactivesync.h"
 #include "easitems/containers/easattendeecontainer.h"
 #include "easitems/containers/easbodycontainer.h"
+#include "storages/calendarattachmentservice.h"
 #include "storages/calendarattendees.h"
 #include "storages/calendareventproperties.h"
 
@@ -119,4 +120,13 @@ void CalendarEventFields::setAttendees(Event &event, const QList<EasAttendeeCont
         else
             event.addAttendee(attendee);
     }
+}
+
+void CalendarEventFields::setAttachments(
+    const Event::Ptr &event, const QList<EasAttachmentContainer> &attachments)
+{
+    QList<AttachmentEntity> entities;
+    for (const EasAttachmentContainer &attachment : attachments)
+        entities.append(AttachmentEntity(attachment));
+    CalendarAttachmentService().handleRemoteAttachments(event, entities);
 }

@@ -6,6 +6,7 @@
 
 #include <KCalendarCore/Event>
 
+class EasAttachmentContainer;
 class EasAttendeeContainer;
 class EasBodyContainer;
 
@@ -27,5 +28,8 @@ void setMeetingStatus(KCalendarCore::Event &event, EasCalendarItemCommon::Meetin
 void setDisallowNewTimeProposal(KCalendarCore::Event &event, EasItemsCommon::TBoolean disallow);
 
 void setAttendees(KCalendarCore::Event &event, const QList<EasAttendeeContainer> &attendees);
+
+/** The server's files, in the event and in the mapping; an exception has its recurrence id by then. */
+void setAttachments(const KCalendarCore::Event::Ptr &event, const QList<EasAttachmentContainer> &attachments);
 
 } // namespace CalendarEventFields

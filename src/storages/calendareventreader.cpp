@@ -277,7 +277,8 @@ bool CalendarEventReader::applyException(
     applyOwnFields(event, exception);
     exception.setUid(item.uid());
     applyTimes(*event, exception);
-    exception.setAttachments(item.attachments());
+    if (!exceptionsGoAlone()) // Otherwise they are its own.
+        exception.setAttachments(item.attachments());
     item.appendException(exception);
     return true;
 }

@@ -219,6 +219,12 @@ bool writeResponseType(const Writing &w)
     return writeNumber(w, ExchangeActiveSync::CalendarResponseTypeParamName, w.item.responseType());
 }
 
+bool writeAttachments(const Writing &w)
+{
+    CalendarEventFields::setAttachments(w.event, w.item.attachments());
+    return true;
+}
+
 /** The order matters: whether a time is a day, what a rule starts with, what a status was before. */
 const Field fields[] = {
     { EasCalendarItem::OrganizerNameParameter, writeOrganizer },
@@ -246,6 +252,7 @@ const Field fields[] = {
     { EasCalendarItem::OnlineMeetingExternalLinkParameter, writeExternalLink },
     { EasCalendarItem::OnlineMeetingConfLinkParameter, writeConferenceLink },
     { EasCalendarItem::ResponseTypeParameter, writeResponseType },
+    { EasCalendarItem::AttachmentsParameter, writeAttachments },
 };
 
 bool writeFields(const Writing &writing, bool checkedAlone)

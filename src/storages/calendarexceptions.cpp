@@ -245,6 +245,8 @@ bool CalendarExceptions::addException(const Event::Ptr &event, const EasCalendar
         setPeople(from);
         setReminder(from);
         setStatus(from);
+        if (from.brings(EasCalendarItem::AttachmentsParameter))
+            CalendarEventFields::setAttachments(target, exception.attachments());
     }
     target->endUpdates();
     return timesSet && (!isNew || mContext.calendar->addEvent(target, folder));

@@ -7,6 +7,7 @@
 #include "easitems/easfolderitem.h"
 #include "protocol/protocolutils.h"
 #include "protocol/wbxmltokens.h"
+#include "storages/calendarattachmentservice.h"
 #include "storages/calendarorigin.h"
 #include "storages/calendarstorecontext.h"
 
@@ -24,6 +25,18 @@ bool belongsTo(const Notebook::Ptr &notebook, EasAccountId accountId)
 {
     return notebook && notebook->pluginName() == ExchangeActiveSync::ExchangeCalendarPluginName
         && notebook->account() == QString::number(accountId);
+}
+
+/** The attachments of its events leave the mapping as well. */
+bool deleteWithFiles(const CalendarStoreContext &context, const Notebook::Ptr &notebook)
+{
+    context.calendar->close();
+    context.storage->loadNotebookIncidences(notebook->uid());
+    const KCalendarCore::Incidence::List incidences = context.calendar->incidences(notebook->uid());
+    if (!context.storage->deleteNotebook(notebook))
+        return false;
+    CalendarAttachmentService::forget(incidences);
+    return true;
 }
 
 } // namespace
@@ -147,7 +160,7 @@ bool CalendarFolders::renameNotebook(const EasFolderItem &item)
 bool CalendarFolders::removeNotebook(const QString &uid)
 {
     const Notebook::Ptr notebook = mContext.storage->notebook(uid);
-    if (!notebook || mContext.storage->deleteNotebook(notebook))
+    if (!notebook || deleteWithFiles(mContext, notebook))
         return true;
     qCCritical(eas()) << "failed to remove notebook" << uid;
     return false;
@@ -229,8 +242,15 @@ bool CalendarFolders::cleanUpFolder(const EasFolderItem &folder) const
         if (!deleteEvent(localId))
             return false;
     }
-    if (mContext.storage->save(mKCal::ExtendedStorage::PurgeDeleted))
+    if (mContext.storage->save(mKCal::ExtendedStorage::PurgeDeleted)) {
+        KCalendarCore::Incidence::List gone;
+        std::copy_if(incidences.cbegin(), incidences.cend(), std::back_inserter(gone),
+            [&distinct](const KCalendarCore::Incidence::Ptr &incidence) {
+                return distinct.contains(incidence->uid());
+            });
+        CalendarAttachmentService::forget(gone);
         return true;
+    }
     qCCritical(eas()) << "Faled to save changes into the storage";
     return false;
 }
@@ -255,7 +275,7 @@ bool CalendarFolders::removeNotebooks(
     for (const Notebook::Ptr &notebook : notebooks) {
         const bool gone = std::any_of(accountIds.cbegin(), accountIds.cend(),
             [&](EasAccountId accountId) { return belongsTo(notebook, accountId); });
-        if (gone && !context.storage->deleteNotebook(notebook)) {
+        if (gone && !deleteWithFiles(context, notebook)) {
             qCCritical(eas()) << "failed to remove notebook" << notebook->uid();
             removed = false;
         }

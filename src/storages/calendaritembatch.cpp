@@ -4,6 +4,7 @@
 #include "application/easdatabase.h"
 #include "application/logging.h"
 #include "easitems/eascalendaritem.h"
+#include "storages/calendarattachmentservice.h"
 #include "storages/calendarlocalchanges.h"
 #include "storages/calendarstorecontext.h"
 
@@ -249,5 +250,6 @@ bool CalendarItemBatch::save()
         qCCritical(eas()) << "failed to purge remotely deleted incidences from storage";
         return false;
     }
+    CalendarAttachmentService::forget(mDeleted);
     return true;
 }

@@ -25,6 +25,7 @@ QDateTime toTime(qint64 seconds)
 CalendarLocalChanges::CalendarLocalChanges(const CalendarStoreContext &context)
     : mContext(context)
     , mDeletions(context)
+    , mAttachments(context)
 {
 }
 
@@ -156,7 +157,8 @@ bool CalendarLocalChanges::queryLocalUpdates(const QString &folderId, qint64 aft
         qCWarning(eas()) << "Failed loading notebook:" << notebookUid;
         return false;
     }
-    CalendarLocalQuery query(mContext, timestamps, mDeletions, notebooks.key(notebookUid), notebookUid);
+    CalendarLocalQuery query(
+        mContext, timestamps, mDeletions, mAttachments, notebooks.key(notebookUid), notebookUid);
     if (!query.ask(toTime(after)))
         return false;
     queryTime = Clock::instance().currentDateTimeUtc().toSecsSinceEpoch();

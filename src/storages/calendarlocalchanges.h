@@ -2,6 +2,7 @@
 #pragma once
 
 #include "easitems/eascalendaritem.h"
+#include "storages/calendarattachmentuploads.h"
 #include "storages/calendaroccurrencedeletions.h"
 
 #include <QList>
@@ -55,4 +56,5 @@ private:
 
     const CalendarStoreContext &mContext;
     CalendarOccurrenceDeletions mDeletions;
+    CalendarAttachmentUploads mAttachments;
 };

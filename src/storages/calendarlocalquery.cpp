@@ -4,6 +4,7 @@
 #include "application/easaccount.h"
 #include "application/easdatabase.h"
 #include "application/logging.h"
+#include "storages/calendarattachmentuploads.h"
 #include "storages/calendareventproperties.h"
 #include "storages/calendareventreader.h"
 #include "storages/calendarlocalchecks.h"
@@ -32,10 +33,11 @@ Event::Ptr copyOf(const Incidence::Ptr &incidence)
 
 CalendarLocalQuery::CalendarLocalQuery(const CalendarStoreContext &context,
     const CalendarTimestamps &timestamps, CalendarOccurrenceDeletions &deletions,
-    const QString &serverFolderId, const QString &notebookUid)
+    CalendarAttachmentUploads &attachments, const QString &serverFolderId, const QString &notebookUid)
     : mContext(context)
     , mTimestamps(timestamps)
     , mDeletions(deletions)
+    , mAttachments(attachments)
     , mServerFolderId(serverFolderId)
     , mNotebookUid(notebookUid)
 {
@@ -167,6 +169,7 @@ bool CalendarLocalQuery::makeItem(const Event::Ptr &event, bool withExceptions, 
     item.setCollectionId(mServerFolderId);
     // Of the state that goes up: an edit while the upload is under way has another one.
     item.setLocalTimestamp(mTimestamps.eventTimestamp(event->uid()));
+    mAttachments.apply(event, item);
     return true;
 }
 
@@ -211,17 +214,34 @@ void CalendarLocalQuery::processExceptionsChanges(const Incidence::List &excepti
         applyToSeries(incidence.staticCast<Event>(), deleted);
 }
 
+bool CalendarLocalQuery::applyChangedException(
+    const Event::Ptr &exception, bool deleted, EasCalendarItem &item)
+{
+    const CalendarEventReader reader(mContext);
+    if (!reader.applyException(exception, deleted, item, true))
+        return false;
+    if (deleted)
+        return true;
+    const QString start = reader.occurrenceStart(*exception, exception->recurrenceId());
+    QList<EasCalendarItem> exceptions = item.exceptions();
+    for (EasCalendarItem &candidate : exceptions) {
+        if (candidate.exceptionStartTime() == start)
+            mAttachments.apply(exception, candidate);
+    }
+    item.setExceptions(exceptions);
+    return true;
+}
+
 void CalendarLocalQuery::applyToSeries(const Event::Ptr &exception, bool deleted)
 {
     const QString uid = exception->uid();
-    const CalendarEventReader reader(mContext);
     if (mAdded.contains(uid)) {
-        if (!reader.applyException(exception, deleted, mAdded[uid], true))
+        if (!applyChangedException(exception, deleted, mAdded[uid]))
             qCWarning(eas()) << "failed to applyException" << uid << "to calendar item";
         return;
     }
     if (mUpdated.contains(uid)) {
-        if (!reader.applyException(exception, deleted, mUpdated[uid], true))
+        if (!applyChangedException(exception, deleted, mUpdated[uid]))
             qCWarning(eas()) << "failed to applyException" << uid << "to updated calendar item";
         return;
     }
@@ -246,7 +266,7 @@ void CalendarLocalQuery::applyToSeries(const Event::Ptr &exception, bool deleted
         qCWarning(eas()) << "failed to convert item:" << uid;
         return;
     }
-    if (!reader.applyException(exception, deleted, item, true)) {
+    if (!applyChangedException(exception, deleted, item)) {
         qCWarning(eas()) << "failed to applyException" << uid << "to updated calendar item";
         return;
     }

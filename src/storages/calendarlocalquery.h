@@ -9,6 +9,7 @@
 #include <QSet>
 #include <QStringList>
 
+class CalendarAttachmentUploads;
 class CalendarOccurrenceDeletions;
 class CalendarTimestamps;
 struct CalendarStoreContext;
@@ -27,7 +28,8 @@ class CalendarLocalQuery
 {
 public:
     CalendarLocalQuery(const CalendarStoreContext &context, const CalendarTimestamps &timestamps,
-        CalendarOccurrenceDeletions &deletions, const QString &serverFolderId, const QString &notebookUid);
+        CalendarOccurrenceDeletions &deletions, CalendarAttachmentUploads &attachments,
+        const QString &serverFolderId, const QString &notebookUid);
 
     /** Asks the store. False if it does not answer. */
     bool ask(const QDateTime &after);
@@ -50,6 +52,8 @@ private:
     void insertItem(const KCalendarCore::Event::Ptr &event, bool isNew);
     bool makeItem(const KCalendarCore::Event::Ptr &event, bool withExceptions, EasCalendarItem &item);
     void processExceptionsChanges(const KCalendarCore::Incidence::List &exceptions, bool deleted);
+    bool applyChangedException(
+        const KCalendarCore::Event::Ptr &exception, bool deleted, EasCalendarItem &item);
     void applyToSeries(const KCalendarCore::Event::Ptr &exception, bool deleted);
     void expectDeletions();
     void logCounts() const;
@@ -57,6 +61,7 @@ private:
     const CalendarStoreContext &mContext;
     const CalendarTimestamps &mTimestamps;
     CalendarOccurrenceDeletions &mDeletions;
+    CalendarAttachmentUploads &mAttachments;
     const QString mServerFolderId;
     const QString mNotebookUid;
 

@@ -3,6 +3,7 @@
 
 #include "application/easdatabase.h"
 #include "application/logging.h"
+#include "storages/calendarattachmentservice.h"
 #include "storages/calendareventproperties.h"
 #include "storages/calendarstorecontext.h"
 
@@ -36,17 +37,21 @@ bool CalendarOrigin::removeStrays(const CalendarStoreContext &context, const QSt
     context.calendar->close();
     if (!context.storage->loadNotebookIncidences(notebookUid))
         return false;
-    bool found = false;
+    Incidence::List strays;
     const Incidence::List incidences = context.calendar->incidences(notebookUid);
     for (const Incidence::Ptr &incidence : incidences) {
         const Event::Ptr event = incidence.dynamicCast<Event>();
         if (!event || event->hasRecurrenceId() || known.contains(event->uid()) || serverId(*event).isEmpty())
             continue;
         qCWarning(eas()) << "Removing an event that was stored and not recorded:" << event->uid();
+        strays.append(event);
+        strays += context.calendar->instances(event);
         context.calendar->deleteEventInstances(event);
         if (!context.calendar->deleteEvent(event))
             return false;
-        found = true;
     }
-    return !found || context.storage->save(mKCal::ExtendedStorage::PurgeDeleted);
+    if (!strays.isEmpty() && !context.storage->save(mKCal::ExtendedStorage::PurgeDeleted))
+        return false;
+    CalendarAttachmentService::forget(strays);
+    return true;
 }

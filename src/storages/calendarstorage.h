@@ -61,6 +61,12 @@ public:
     /** An event of the store, by its local identifier, as iCalendar; empty if there is none. */
     virtual QString getEventIcal(const QString &localId) const = 0;
 
+    /** The server's reference of an attachment, by its URI; empty if it has none. */
+    virtual QString fileReferenceForAttachment(const QString &uri) const = 0;
+    virtual int estimatedDataSizeForAttachment(const QString &uri) const = 0;
+    /** Stores the bytes of an attachment that were fetched. */
+    virtual bool updateAttachmentForEvent(const QByteArray &data, const QString &uri) = 0;
+
     /** Opens the store, or opens it afresh. */
     virtual bool initStorage() = 0;
 

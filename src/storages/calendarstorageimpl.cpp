@@ -7,6 +7,7 @@
 #include "configurations/calendaraccountconfiguration.h"
 #include "easitems/eascalendaritem.h"
 #include "easitems/easfolderitem.h"
+#include "storages/calendarattachmentservice.h"
 #include "storages/calendaritembatch.h"
 #include "storages/calendarorigin.h"
 
@@ -215,6 +216,21 @@ QString CalendarStorageImpl::getEventIcal(const QString &localId) const
         return QString();
     const KCalendarCore::Event::Ptr event = mContext.calendar->event(localId);
     return event ? KCalendarCore::ICalFormat().toICalString(event) : QString();
+}
+
+QString CalendarStorageImpl::fileReferenceForAttachment(const QString &uri) const
+{
+    return CalendarAttachmentService::fileReference(uri);
+}
+
+int CalendarStorageImpl::estimatedDataSizeForAttachment(const QString &uri) const
+{
+    return CalendarAttachmentService::estimatedDataSize(uri);
+}
+
+bool CalendarStorageImpl::updateAttachmentForEvent(const QByteArray &data, const QString &uri)
+{
+    return CalendarAttachmentService().saveRemoteAttachment(data, uri, mContext.storage, mContext.calendar);
 }
 
 void CalendarStorageImpl::handleLocalUpdates()

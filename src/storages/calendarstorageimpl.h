@@ -49,6 +49,9 @@ public:
     QByteArray iTIPRequestData(const EasMeetingRequestContainer &request, const QString &organizer,
         const QString &description) override;
     QString getEventIcal(const QString &localId) const override;
+    QString fileReferenceForAttachment(const QString &uri) const override;
+    int estimatedDataSizeForAttachment(const QString &uri) const override;
+    bool updateAttachmentForEvent(const QByteArray &data, const QString &uri) override;
     bool initStorage() override;
 
 private:

@@ -6,6 +6,7 @@
 #include "application/easdatabase.h"
 #include "application/logging.h"
 #include "common/exchangeactivesync.h"
+#include "storages/calendarattachmentservice.h"
 #include "storages/calendareventproperties.h"
 #include "storages/calendarstorecontext.h"
 #include "storages/calendartimestamps.h"
@@ -145,20 +146,26 @@ QStringList CalendarLocalChanges::foldersOf(
 
 bool CalendarLocalChanges::settleUploads(const QStringList &uids, const QStringList &deletedServerIds)
 {
+    mAttachments.settle(uids);
     if (mDeletions.settle(uids) && !mContext.storage->save()) {
         qCWarning(eas()) << "Failed to save";
         return false;
     }
     // The server has heard of these deletions; what the store remembers of them would only be asked again.
-    Incidence::List gone;
     const QMap<QString, QString> localIds =
         EasDatabase::instance()->serverToLocalCalendarIds(mContext.accountId());
-    for (const QString &serverId : deletedServerIds) {
-        const Event::Ptr event(new Event);
-        event->setUid(localIds.value(serverId));
-        if (!event->uid().isEmpty())
-            gone.append(event);
+    QStringList goneUids;
+    for (const QString &serverId : deletedServerIds)
+        goneUids.append(localIds.value(serverId));
+    Incidence::List deleted;
+    if (!goneUids.isEmpty() && !mContext.storage->deletedIncidences(&deleted))
+        qCWarning(eas()) << "Failed to query deleted items";
+    Incidence::List gone;
+    for (const Incidence::Ptr &incidence : qAsConst(deleted)) {
+        if (goneUids.contains(incidence->uid()))
+            gone.append(incidence);
     }
+    CalendarAttachmentService::forget(gone);
     if (!mDeletions.purge() || (!gone.isEmpty() && !mContext.storage->purgeDeletedIncidences(gone)))
         qCWarning(eas()) << "cannot erase what was deleted";
     return true;

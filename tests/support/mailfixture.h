@@ -30,6 +30,9 @@ public:
         QList<EasCalendarItem> &, QList<EasCalendarItem> &, const QStringList &) override;
     QString formatTime(const QDateTime &) const override { return {}; }
     QString getEventIcal(const QString &) const override { return {}; }
+    QString fileReferenceForAttachment(const QString &) const override { return QString(); }
+    int estimatedDataSizeForAttachment(const QString &) const override { return 0; }
+    bool updateAttachmentForEvent(const QByteArray &, const QString &) override { return true; }
     bool initStorage() override { return true; }
     QByteArray iTIPRequestData(
         const EasMeetingRequestContainer &, const QString &organizer, const QString &description) override;

@@ -89,6 +89,9 @@ public:
         return {};
     }
     QString getEventIcal(const QString &) const override { return {}; }
+    QString fileReferenceForAttachment(const QString &) const override { return QString(); }
+    int estimatedDataSizeForAttachment(const QString &) const override { return 0; }
+    bool updateAttachmentForEvent(const QByteArray &, const QString &) override { return true; }
     bool initStorage() override { return true; }
 
 private:

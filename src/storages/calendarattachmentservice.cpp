@@ -1,0 +1,381 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "storages/calendarattachmentservice.h"
+
+#include "application/easdatabase.h"
+#include "application/logging.h"
+
+#include <attachmentinfo.h>
+#include <attachmentmanager.h>
+
+#include <QCryptographicHash>
+#include <QFile>
+#include <QUrl>
+
+#include <stdexcept>
+
+using KCalendarCore::Attachment;
+using KCalendarCore::Event;
+using mKCal::AttachmentInfo;
+using mKCal::AttachmentManager;
+
+namespace {
+
+const QString fileReferenceKey = QStringLiteral("eas_attachment_file_reference");
+const QString eventIdKey = QStringLiteral("eas_attachment_event_id");
+const QString occurrenceIdKey = QStringLiteral("eas_attachment_occurrence_id");
+const QString methodKey = QStringLiteral("eas_attachment_method");
+const QLatin1Char occurrenceSeparator('|');
+
+QString referenceOf(const Attachment &attachment)
+{
+    return AttachmentInfo::extractServiceProperty(attachment.uri(), fileReferenceKey);
+}
+
+/** Empty for an event that is no exception. */
+QString occurrenceId(const Event &event)
+{
+    const QDateTime moment = event.recurrenceId();
+    // Days are the same everywhere; the text of a moment must not depend on the zone it was given in.
+    return (event.allDay() ? moment : moment.toUTC()).toString(QStringLiteral("yyyy-MM-dd hh:mm:ss"));
+}
+
+QString localPath(const QString &location)
+{
+    const QUrl url(location);
+    return url.isLocalFile() ? url.toLocalFile() : location;
+}
+
+/** Not every attachment of the device is a file: links and bytes within the event cannot go up. */
+bool isFile(const Attachment &attachment)
+{
+    return attachment.isUri() && !AttachmentInfo(attachment).contentLocation().isEmpty();
+}
+
+/** @throws std::runtime_error for a file that cannot be read. */
+QString contentHash(const QString &location, const QString &eventId)
+{
+    QFile file(localPath(location));
+    QCryptographicHash hash(QCryptographicHash::Md5);
+    if (!file.open(QIODevice::ReadOnly) || !hash.addData(&file)) {
+        throw std::runtime_error(QStringLiteral("Failed to get attachment hash for event: %1. Error: %2.")
+                                     .arg(eventId, file.errorString())
+                                     .toStdString());
+    }
+    return QString::fromLatin1(hash.result().toHex());
+}
+
+QString hashOrNothing(const Attachment &attachment, const QString &eventId)
+{
+    try {
+        return isFile(attachment) ? contentHash(AttachmentInfo(attachment).contentLocation(), eventId)
+                                  : QString();
+    } catch (const std::runtime_error &error) {
+        qCWarning(eas()) << error.what();
+        return QString();
+    }
+}
+
+/** An exception may still have what it inherited of its series, whose bytes are not its own. */
+void removeBytes(const Event &event, const Attachment &attachment)
+{
+    const AttachmentInfo info(attachment);
+    if (info.extractServiceProperty(eventIdKey) != event.uid()
+        || info.extractServiceProperty(occurrenceIdKey) != occurrenceId(event))
+        return;
+    const QUrl location(info.contentLocation());
+    if (location.isLocalFile() && !QFile::remove(location.toLocalFile()))
+        qCWarning(eas()) << "cannot remove" << location;
+}
+
+/** Within an event a file without a content identifier is told by its reference. */
+AttachmentEntity identified(AttachmentEntity entity)
+{
+    if (entity.contentId().isEmpty())
+        entity.setContentId(entity.fileReference());
+    return entity;
+}
+
+Attachment toAttachment(const Event &event, const AttachmentEntity &entity)
+{
+    AttachmentManager manager;
+    manager.setFileName(entity.displayName());
+    manager.setEstimatedSize(entity.estimatedDataSize());
+    manager.setServiceProperty(fileReferenceKey, entity.fileReference());
+    manager.setServiceProperty(eventIdKey, event.uid());
+    if (event.hasRecurrenceId())
+        manager.setServiceProperty(occurrenceIdKey, occurrenceId(event));
+    manager.setServiceProperty(methodKey, QString::number(entity.method()));
+    Attachment attachment = manager.attachment();
+    attachment.setShowInline(entity.isInline());
+    return attachment;
+}
+
+/** The user's own files of an event, by what the server would call them. */
+struct OwnFiles
+{
+    QMap<QString, Attachment> byHash;
+    Attachment::List others;
+
+    /** The bytes need not be fetched: they are here. */
+    void handOver(const AttachmentEntity &entity, const Attachment &attachment);
+};
+
+void OwnFiles::handOver(const AttachmentEntity &entity, const Attachment &attachment)
+{
+    const auto own = byHash.find(entity.contentId());
+    if (own == byHash.end())
+        return;
+    QFile file(localPath(AttachmentInfo(*own).contentLocation()));
+    QString error;
+    if (!file.open(QIODevice::ReadOnly) || !AttachmentManager(attachment).saveData(file.readAll(), &error))
+        qCWarning(eas()) << "cannot keep the bytes of" << entity.displayName() << error;
+    byHash.erase(own);
+}
+
+} // namespace
+
+QString CalendarAttachmentService::eventKey(const Event &event)
+{
+    return event.hasRecurrenceId() ? event.uid() + occurrenceSeparator + occurrenceId(event) : event.uid();
+}
+
+QString CalendarAttachmentService::fileReference(const QString &uri)
+{
+    return AttachmentInfo::extractServiceProperty(uri, fileReferenceKey);
+}
+
+int CalendarAttachmentService::estimatedDataSize(const QString &uri)
+{
+    return int(AttachmentInfo(uri).fileSize());
+}
+
+void CalendarAttachmentService::handleRemoteAttachments(
+    const Event::Ptr &event, const QList<AttachmentEntity> &entities)
+{
+    qCDebug(eas()) << "Handling new attachments for event with ID:" << event->uid()
+                   << "and attachments count:" << entities.size();
+    EasDatabase *database = EasDatabase::instance();
+    const QString key = eventKey(*event);
+    QStringList references;
+    for (const AttachmentEntity &entity : entities)
+        references.append(entity.fileReference());
+
+    OwnFiles own;
+    const Attachment::List present = event->attachments();
+    for (const Attachment &attachment : present) {
+        const QString reference = referenceOf(attachment);
+        if (reference.isEmpty()) {
+            const QString hash = hashOrNothing(attachment, event->uid());
+            if (hash.isEmpty())
+                own.others.append(attachment);
+            else
+                own.byHash.insert(hash, attachment);
+        } else if (!references.contains(reference)) {
+            database->deleteCalendarAttachmentByFileReference(key, reference);
+            removeBytes(*event, attachment);
+        }
+    }
+    event->clearAttachments();
+    qCDebug(eas()).noquote()
+        << QStringLiteral("Cleared all attachments for event with ID: %1.").arg(event->uid());
+
+    for (const AttachmentEntity &received : entities) {
+        const AttachmentEntity entity = identified(received);
+        const Attachment attachment = toAttachment(*event, entity);
+        event->addAttachment(attachment);
+        own.handOver(entity, attachment);
+        if (database->isCalendarAttachmentExists(key, entity.contentId())) {
+            qCDebug(eas()) << "Updating old attachment with file reference" << entity.fileReference();
+            database->updateCalendarAttachmentFileRefernce(key, entity);
+        } else {
+            database->addCalendarAttachment(key, entity);
+        }
+    }
+    // What the server has not told yet is still on its way there.
+    const QList<Attachment> unknown = own.byHash.values();
+    for (const Attachment &attachment : unknown)
+        event->addAttachment(attachment);
+    for (const Attachment &attachment : qAsConst(own.others))
+        event->addAttachment(attachment);
+}
+
+std::optional<QList<EasAttachmentContainer>> CalendarAttachmentService::handleLocalAttachments(
+    const Event::Ptr &event)
+{
+    const Attachment::List attachments = event->attachments();
+    qCDebug(eas()).noquote() << QStringLiteral(
+        "Handling local attachments for event with ID: %1 and attachments count: %2")
+                                    .arg(event->uid())
+                                    .arg(attachments.size());
+    const QString key = eventKey(*event);
+    QList<EasAttachmentContainer> containers;
+    try {
+        for (const Attachment &attachment : attachments) {
+            const AttachmentInfo info(attachment);
+            EasAttachmentContainer container;
+            container.setDisplayName(info.fileName());
+            container.setEstimatedDataSize(int(info.fileSize()));
+            container.setContentLocation(info.contentLocation());
+            container.setFileReference(referenceOf(attachment));
+            container.setMethod(
+                EasAttachmentContainer::Method(info.extractServiceProperty(methodKey).toInt()));
+            if (!container.fileReference().isEmpty()) {
+                const auto row =
+                    EasDatabase::instance()->getAttachmentByFileReference(key, container.fileReference());
+                if (row)
+                    container.setContentId(row->contentId());
+            } else if (isFile(attachment)) {
+                container.setContentId(contentHash(container.contentLocation(), event->uid()));
+                container.setClientId(container.contentId());
+                container.setMethod(EasAttachmentContainer::NormalAttachmentMethod);
+            } else {
+                qCDebug(eas()) << "an attachment that is no file stays on the device" << event->uid();
+                continue;
+            }
+            containers.append(container);
+        }
+    } catch (const std::runtime_error &error) {
+        qCCritical(eas()).noquote() << QStringLiteral(
+            "Failed to handle local attachments for event with ID: %1. Error: %2")
+                                           .arg(event->uid(), QString::fromUtf8(error.what()));
+        return std::nullopt;
+    }
+    return containers;
+}
+
+void CalendarAttachmentService::processLocallyAddedAttachments(
+    const QString &eventKey, QList<EasAttachmentContainer> &attachments)
+{
+    EasDatabase *database = EasDatabase::instance();
+    QList<EasAttachmentContainer> added;
+    for (const EasAttachmentContainer &attachment : qAsConst(attachments)) {
+        const QString contentId = attachment.contentId();
+        if (!attachment.fileReference().isEmpty()) {
+            qCDebug(eas()).noquote() << QStringLiteral(
+                "Skipping attachment with file reference: %1 for event with ID: %2 cause it's already added.")
+                                            .arg(attachment.fileReference(), eventKey);
+        } else if (contentId.isEmpty()) {
+            qCWarning(eas()).noquote()
+                << QStringLiteral("Failed to process one calendar attachment, for event with ID: %1 cause "
+                                  "it's contentID is empty!")
+                       .arg(eventKey);
+        } else if (database->isCalendarAttachmentExists(eventKey, contentId)) {
+            qCDebug(eas()) << "Attachment for event:" << eventKey << "and attachemnt, content ID" << contentId
+                           << "already exists. Skipping it.";
+        } else {
+            qCDebug(eas()) << "Preparing new attachment for the 'new attachment' request."
+                           << "For event:" << eventKey << "and attachemnt, content ID" << contentId;
+            if (database->addCalendarAttachment(eventKey, attachment))
+                added.append(attachment);
+        }
+    }
+    attachments = added;
+}
+
+QList<EasAttachmentContainer> CalendarAttachmentService::processLocallyDeletedAttachments(
+    const QString &eventKey, const QList<EasAttachmentContainer> &attachments)
+{
+    EasDatabase *database = EasDatabase::instance();
+    QStringList references;
+    for (const EasAttachmentContainer &attachment : attachments)
+        references.append(attachment.fileReference());
+    QList<EasAttachmentContainer> deleted;
+    const QList<EasAttachmentContainer> rows =
+        database->getCalendarAttachments(eventKey).value_or(QList<EasAttachmentContainer>());
+    for (const EasAttachmentContainer &row : rows) {
+        if (row.fileReference().isEmpty()) {
+            qCDebug(eas()) << "Failed find if attachment should be deleted, cause fileReference is empty for "
+                              "contentId:"
+                           << row.contentId() << "and event with ID:" << eventKey;
+            continue;
+        }
+        if (references.contains(row.fileReference()))
+            continue;
+        qCDebug(eas()) << "Preparing deleted attachment by user for the 'delete attachment' request."
+                       << "For event:" << eventKey
+                       << "and attachemnt with file refernce:" << row.fileReference() << ", content ID"
+                       << row.contentId();
+        if (database->deleteCalendarAttachmentByContentId(eventKey, row.contentId()))
+            deleted.append(row);
+    }
+    return deleted;
+}
+
+bool CalendarAttachmentService::saveRemoteAttachment(const QByteArray &data, const QString &uri,
+    mKCal::ExtendedStorage::Ptr storage, mKCal::ExtendedCalendar::Ptr calendar)
+{
+    if (!storage) {
+        qCCritical(eas()) << "MkCal Storage is null!";
+        return false;
+    }
+    if (!calendar) {
+        qCCritical(eas()) << "MkCal Calendar is null!";
+        return false;
+    }
+    const QString eventId = AttachmentInfo::extractServiceProperty(uri, eventIdKey);
+    const QString occurrence = AttachmentInfo::extractServiceProperty(uri, occurrenceIdKey);
+    calendar->close();
+    if (eventId.isEmpty() || !storage->loadSeries(eventId)) {
+        qCWarning(eas()).noquote() << QStringLiteral(
+            "Failed to load event with ID: %1 and reccurence ID: %2.")
+                                          .arg(eventId, occurrence);
+        return false;
+    }
+    qCDebug(eas()) << "Saving remote attachment for event with ID:" << eventId << "and URI:" << uri;
+    Event::Ptr event = calendar->event(eventId);
+    if (event && !occurrence.isEmpty()) {
+        const Event::List exceptions = calendar->eventInstances(event);
+        event.clear();
+        for (const Event::Ptr &exception : exceptions) {
+            if (occurrenceId(*exception) == occurrence)
+                event = exception;
+        }
+    }
+    if (!event) {
+        qCWarning(eas()).noquote() << QStringLiteral("Failed to find event with ID: %1.").arg(eventId);
+        return false;
+    }
+    const Attachment::List attachments = event->attachments();
+    for (const Attachment &attachment : attachments) {
+        QString error;
+        if (attachment.uri() != uri)
+            continue;
+        if (!AttachmentManager(attachment).saveData(data, &error)) {
+            qCWarning(eas()).noquote()
+                << QStringLiteral("Failed to save remote attachment with uri: %1. Error: %2").arg(uri, error);
+            return false;
+        }
+        // Those who show the event have to hear of it, and the server has not to.
+        const QDateTime modified = event->lastModified();
+        event->startUpdates();
+        event->endUpdates();
+        event->setLastModified(modified);
+        return storage->save();
+    }
+    qCWarning(eas()).noquote() << QStringLiteral("Failed to save remote attachment with uri: %1. Error: %2")
+                                      .arg(uri, QStringLiteral("the event has no such attachment"));
+    return false;
+}
+
+void CalendarAttachmentService::forget(const KCalendarCore::Incidence::List &incidences)
+{
+    for (const KCalendarCore::Incidence::Ptr &incidence : incidences) {
+        if (incidence->type() == KCalendarCore::Incidence::TypeEvent)
+            forgetEvent(*incidence.staticCast<Event>());
+    }
+}
+
+void CalendarAttachmentService::forgetEvent(const Event &event)
+{
+    EasDatabase *database = EasDatabase::instance();
+    const QString key = eventKey(event);
+    const QList<EasAttachmentContainer> rows =
+        database->getCalendarAttachments(key).value_or(QList<EasAttachmentContainer>());
+    for (const EasAttachmentContainer &row : rows)
+        database->deleteCalendarAttachmentByContentId(key, row.contentId());
+    const Attachment::List attachments = event.attachments();
+    for (const Attachment &attachment : attachments) {
+        if (!referenceOf(attachment).isEmpty())
+            removeBytes(event, attachment);
+    }
+}
