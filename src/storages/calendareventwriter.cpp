@@ -272,7 +272,7 @@ bool isWritable(const Event::Ptr &event, const EasCalendarItem &item, const QTim
     const Event::Ptr copy(event->clone());
     if (!writeFields({ copy, item, zone }, true))
         return false;
-    if (!item.hasExceptions() || CalendarExceptions::areReadable(item, zone, copy->allDay()))
+    if (!item.hasExceptions() || CalendarExceptions::areAcceptable(item, zone, copy->allDay()))
         return true;
     qCWarning(eas()) << "Failed handling exceptions";
     return false;

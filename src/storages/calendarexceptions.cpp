@@ -11,12 +11,18 @@
 
 #include <KCalendarCore/Recurrence>
 
+#include <algorithm>
+
 using KCalendarCore::Event;
 using KCalendarCore::Incidence;
 
 namespace {
 
 using Parameter = EasCalendarItem::CalendarItemParameter;
+
+/** The protocol counts no series beyond 999; the calendar's look-ups take minutes for ten times as many. */
+constexpr int MostExceptionEvents = 1000;
+constexpr int MostExceptions = 20000;
 
 /** An exception and its series, from which it has what it does not bring itself. */
 struct Inheritance
@@ -148,9 +154,15 @@ CalendarExceptions::CalendarExceptions(const CalendarStoreContext &context)
 {
 }
 
-bool CalendarExceptions::areReadable(const EasCalendarItem &item, const QTimeZone &zone, bool allDay)
+bool CalendarExceptions::areAcceptable(const EasCalendarItem &item, const QTimeZone &zone, bool allDay)
 {
     const QList<EasCalendarItem> exceptions = item.exceptions();
+    const auto events = std::count_if(exceptions.cbegin(), exceptions.cend(),
+        [](const EasCalendarItem &exception) { return exception.exceptionDeleted() == 0; });
+    if (events > MostExceptionEvents || exceptions.size() > MostExceptions) {
+        qCWarning(eas()) << "Too many exceptions:" << item.serverId() << exceptions.size();
+        return false;
+    }
     for (const EasCalendarItem &exception : exceptions) {
         if (exception.exceptionStartTime().isEmpty()) {
             qCWarning(eas()) << "No exception start time:" << item.serverId();
@@ -175,7 +187,7 @@ void CalendarExceptions::clear(const Event::Ptr &event)
 bool CalendarExceptions::handleExceptions(
     const Event::Ptr &event, const EasCalendarItem &item, const QString &folder, const QTimeZone &zone) const
 {
-    if (!areReadable(item, zone, event->allDay()))
+    if (!areAcceptable(item, zone, event->allDay()))
         return false;
     QSet<QDateTime> named;
     QStringList deletedKeys;

@@ -21,8 +21,9 @@ class CalendarExceptions
 public:
     explicit CalendarExceptions(const CalendarStoreContext &context);
 
-    /** Whether the times of all exceptions can be read; to be asked before anything is changed. */
-    static bool areReadable(const EasCalendarItem &item, const QTimeZone &zone, bool allDay);
+    /** Whether all exceptions can be understood, and are not too many; to be asked before anything is
+     * changed. */
+    static bool areAcceptable(const EasCalendarItem &item, const QTimeZone &zone, bool allDay);
 
     /** Forgets which occurrences were left out. */
     static void clear(const KCalendarCore::Event::Ptr &event);
