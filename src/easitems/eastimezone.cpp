@@ -18,6 +18,9 @@ constexpr int LastWeekOfRule = -1;
 /** In so many years a day of the week falls on a date that tells the fourth week from the last one. */
 constexpr int YearsThatTellLastWeek = 7;
 
+/** A change on some weekday comes up to a week later in the year than the year before. */
+constexpr int LatestChangeDays = 14;
+
 /** Offsets of the system's zones stay far within this. */
 constexpr int LargestOffset = 14 * 3600;
 
@@ -262,7 +265,9 @@ QByteArray EasTimeZone::encode(const KCalendarCore::Event &event)
     information.stdName = QString::fromUtf8(QTimeZone::ianaIdToWindowsId(zone.id()));
     information.dltName = information.stdName;
     const QDateTime from = start.toUTC();
-    const QTimeZone::OffsetDataList transitions = zone.transitions(from, from.addYears(1));
+    QTimeZone::OffsetDataList transitions = zone.transitions(from, from.addYears(1));
+    if (transitions.size() == 1)
+        transitions = zone.transitions(from, from.addYears(1).addDays(LatestChangeDays));
     const QTimeZone::OffsetDataList later = zone.transitions(from, from.addYears(YearsThatTellLastWeek));
     if (!checkTransitions(transitions, later, information))
         information.bias = -(zone.offsetFromUtc(from) / 60);

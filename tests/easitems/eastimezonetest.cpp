@@ -314,6 +314,14 @@ private Q_SLOTS:
         QTest::addRow("east of the date line")
             << QByteArray("Pacific/Apia") << winter << QStringLiteral("Samoa Standard Time") << -780 << 0
             << QStringLiteral("0/0/0 0:0") << QStringLiteral("0/0/0 0:0");
+        // Within a year from these days the clocks change once: the second change comes later in the next
+        // year.
+        QTest::addRow("just after daylight time began")
+            << QByteArray("America/New_York") << QDate(2026, 3, 10) << QStringLiteral("Eastern Standard Time")
+            << 300 << -60 << QStringLiteral("11/1/0 2:0") << QStringLiteral("3/2/0 2:0");
+        QTest::addRow("just after standard time began")
+            << berlin << QDate(2026, 10, 26) << european << -60 << -60 << QStringLiteral("10/5/0 3:0")
+            << QStringLiteral("3/5/0 2:0");
         QTest::addRow("no name") << QByteArray("Antarctica/Troll") << QDate(2027, 1, 15) << QString() << 0
                                  << -120 << QStringLiteral("10/5/0 3:0") << QStringLiteral("3/5/0 1:0");
     }

@@ -49,6 +49,8 @@ public:
         const QDateTime &recurrenceId, const QString &serverId = QStringLiteral("5:1"));
     KCalendarCore::Event::List exceptions(const QString &serverId = QStringLiteral("5:1"));
     KCalendarCore::Event::List events();
+    /** Saves what was changed in the device's calendar since it was read. */
+    bool savedOnDevice() { return mDevice.storage->save(); }
     QString notebookUid() const { return mFolder.localId(); }
     const EasFolderItem &folderItem() const { return mFolder; }
 
