@@ -38,6 +38,7 @@ Request::StatusRows FolderDeleteRequest::refusals()
 {
     return {
         refusal(2, "Folder id is a special folder."),
+        refusal(3, "Folder id is a special folder."), // what servers really answer
         refusal(4, "Folder does not exist:", mServerId),
     };
 }

@@ -363,6 +363,7 @@ private Q_SLOTS:
         row("create 12", Create, "12", one("Unusual back-end issue on the server."));
         row("delete 0", Delete, "0", one("Undefined FolderDelete status. Something went wrong."));
         row("delete 2", Delete, "2", one("Folder id is a special folder."));
+        row("delete 3", Delete, "3", one("Folder id is a special folder."));
         row("delete 4", Delete, "4", absent);
         row("delete 6", Delete, "6", one("Server error. Try again later or run sync request first"));
         row("delete 9", Delete, "9", one("wrong sync key, need to resync account"));
