@@ -1,67 +1,14 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
+#include "support/devicecalendar.h"
 #include "support/sampleevents.h"
 #include "support/synctestbed.h"
 #include "support/testmain.h"
 
 #include "simulator/protocolversion.h"
 
-#include <KCalendarCore/Event>
-#include <extendedcalendar.h>
-#include <extendedstorage.h>
-
 #include <QtTest>
 
-using KCalendarCore::Incidence;
 using Simulator::Event;
-
-namespace {
-
-/** The device's calendar as a calendar program has it. */
-class DeviceCalendar
-{
-public:
-    DeviceCalendar()
-    {
-        calendar = mKCal::ExtendedCalendar::Ptr::create(QTimeZone::utc());
-        storage = mKCal::ExtendedCalendar::defaultStorage(calendar);
-        if (!storage->open() || !storage->load())
-            qFatal("the store cannot be read");
-    }
-
-    ~DeviceCalendar() { storage->close(); }
-
-    KCalendarCore::Event::Ptr withSummary(const QString &summary) const
-    {
-        const auto events = calendar->rawEvents();
-        for (const auto &event : events) {
-            if (!event->hasRecurrenceId() && event->summary() == summary)
-                return event;
-        }
-        return {};
-    }
-
-    /** The account's only calendar. */
-    QString notebookOf(EasAccountId accountId) const
-    {
-        const auto notebooks = storage->notebooks();
-        for (const auto &notebook : notebooks) {
-            if (notebook->account() == QString::number(accountId))
-                return notebook->uid();
-        }
-        return {};
-    }
-
-    KCalendarCore::Event::Ptr occurrence(const KCalendarCore::Event::Ptr &series, const QDate &day) const
-    {
-        const QDateTime start(day, series->dtStart().time(), series->dtStart().timeZone());
-        return calendar->dissociateSingleOccurrence(series, start).staticCast<KCalendarCore::Event>();
-    }
-
-    mKCal::ExtendedCalendar::Ptr calendar;
-    mKCal::ExtendedStorage::Ptr storage;
-};
-
-} // namespace
 
 /** @short Events go from the server to the device and back. */
 class EventSyncTest : public QObject

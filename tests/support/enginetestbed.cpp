@@ -140,6 +140,13 @@ int EngineTestBed::downloadPart(qulonglong messageId, const QString &location)
     return waitFor(startDownloadPart(messageId, location));
 }
 
+int EngineTestBed::downloadAttachment(const QString &uri)
+{
+    return run([&](RequestManager &manager, qulonglong id) {
+        manager.onCalendarAttachmentDownloadRequest(mAccountId, id, uri);
+    });
+}
+
 int EngineTestBed::waitFor(qulonglong requestId)
 {
     if (!QTest::qWaitFor([&] { return mFinished.contains(requestId); }, mPatience))

@@ -51,6 +51,8 @@ public:
     int foldersSync();
     int downloadMessages(const QList<qulonglong> &messageIds, bool attachments);
     int downloadPart(qulonglong messageId, const QString &location);
+    /** The file of an event's attachment, by its URI. */
+    int downloadAttachment(const QString &uri);
     /** Waits for the end of a request that was started before. */
     int waitFor(qulonglong requestId);
     int finishedCount(qulonglong requestId) const { return mFinished.count(requestId); }
