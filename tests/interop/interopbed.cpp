@@ -29,6 +29,7 @@ QStringList databaseFiles()
         { QStringLiteral("*.db"), QStringLiteral("*.sqlite") }, QDir::Files, QDirIterator::Subdirectories);
     while (mail.hasNext())
         files.append(mail.next());
+    files.append(qEnvironmentVariable("CONTACTS_DATA") + QStringLiteral("/contacts.db"));
     return files;
 }
 
@@ -61,6 +62,7 @@ InteropBed::InteropBed(const RealServer &server, const QString &user, const Conn
     options.secure = connection.secure;
     options.acceptAllCertificates = connection.acceptAllCertificates;
     options.preferredVersion = connection.version;
+    options.contactsEnabled = connection.contacts;
     start(options);
 }
 

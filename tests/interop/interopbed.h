@@ -21,6 +21,7 @@ public:
         QString version;
         bool secure = false;
         bool acceptAllCertificates = false;
+        bool contacts = false;
     };
 
     InteropBed(const RealServer &server, const QString &user, const Connection &connection);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include "support/privatebus.h"
+
 #include <contactmanagerengine.h>
 #include <qcontactstatusflags.h>
 
@@ -45,5 +47,7 @@ public:
     static QtContacts::QContact named(const QString &firstName);
 
 private:
+    // The first engine decides whether there is a bus for this process.
+    bool mHasBus = PrivateBus::ensure();
     std::unique_ptr<QtContacts::QContactManager> mManager;
 };

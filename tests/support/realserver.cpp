@@ -129,6 +129,14 @@ bool RealServer::seed(const QString &user, int count, const QString &folder) con
         SeedTimeout);
 }
 
+bool RealServer::seedContacts(const QString &user, int count) const
+{
+    return run(QStringLiteral("seed"),
+        { user, QStringLiteral("0"), QStringLiteral("--events"), QStringLiteral("0"),
+            QStringLiteral("--contacts"), QString::number(count) },
+        SeedTimeout);
+}
+
 QString RealServer::logPath() const
 {
     return mState.filePath(QStringLiteral("log/sogod.log"));

@@ -37,6 +37,9 @@ public:
     /** Fills a folder, which is made if it is not there, with messages of many kinds. */
     bool seed(const QString &user, int count, const QString &folder = QStringLiteral("INBOX")) const;
 
+    /** Fills the address book; the same contacts each time. */
+    bool seedContacts(const QString &user, int count) const;
+
     /** The requests as the server has read them, in XML, since the last call of forgetRequests(). */
     QStringList requests(const QString &rootElement) const;
     void forgetRequests();
