@@ -159,8 +159,10 @@ bool writeDisallowNewTimeProposal(const Writing &w)
 
 bool writeRecurrence(const Writing &w)
 {
-    if (w.item.recurrence().type() == EasRecurrenceContainer::UndefinedRecurrence)
+    if (w.item.recurrence().type() == EasRecurrenceContainer::UndefinedRecurrence) {
+        w.event->clearRecurrence(); // no series any more
         return true;
+    }
     // The last day of an all-day series is a day of the event's zone; any other end is a moment.
     const QTimeZone zone = w.event->allDay() ? w.event->dtStart().timeZone() : Clock::instance().timeZone();
     if (CalendarRecurrence::handleRecurrence(w.event, w.item.recurrence(), zone))
@@ -289,9 +291,9 @@ QTimeZone zoneForUpdate(const Event &event, const EasCalendarItem &item)
 
 } // namespace
 
-CalendarEventWriter::CalendarEventWriter(const CalendarStoreContext &context)
+CalendarEventWriter::CalendarEventWriter(const CalendarStoreContext &context, Incidence::List *deleted)
     : mContext(context)
-    , mExceptions(context)
+    , mExceptions(context, deleted)
 {
 }
 
@@ -397,7 +399,9 @@ bool CalendarEventWriter::writeExceptions(
     if (!item.parameterHasBeenChanged(EasCalendarItem::ExceptionsParameter))
         return true;
     CalendarExceptions::clear(event);
-    if (!event->recurs() || mExceptions.handleExceptions(event, item, folder, zone))
+    if (!event->recurs())
+        return mExceptions.removeExceptions(event);
+    if (mExceptions.handleExceptions(event, item, folder, zone))
         return true;
     qCWarning(eas()) << "Failed handling exceptions";
     return false;

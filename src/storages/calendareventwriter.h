@@ -22,7 +22,8 @@ class EasCalendarItem;
 class CalendarEventWriter
 {
 public:
-    explicit CalendarEventWriter(const CalendarStoreContext &context);
+    /** Exceptions that an update deletes are appended to the list, to be purged after the save. */
+    CalendarEventWriter(const CalendarStoreContext &context, KCalendarCore::Incidence::List *deleted);
 
     /**
      * Stores one item in a notebook; the mapping leads from server to local identifiers. A new event's

@@ -149,8 +149,10 @@ QDateTime recurrenceIdOf(const EasCalendarItem &exception, const QTimeZone &zone
 
 } // namespace
 
-CalendarExceptions::CalendarExceptions(const CalendarStoreContext &context)
+CalendarExceptions::CalendarExceptions(
+    const CalendarStoreContext &context, KCalendarCore::Incidence::List *deleted)
     : mContext(context)
+    , mDeleted(deleted)
 {
 }
 
@@ -206,9 +208,8 @@ bool CalendarExceptions::handleExceptions(
             qCWarning(eas()) << "Failed to add exception:" << exception.exceptionStartTime();
         }
     }
-    removeOthers(event, named);
     CalendarEventProperties::setKnownDeletions(*event, deletedKeys);
-    return true;
+    return removeOthers(event, named);
 }
 
 bool CalendarExceptions::deleteException(
@@ -227,7 +228,7 @@ bool CalendarExceptions::deleteException(
         event->recurrence()->addExDateTime(recurrenceId);
     }
     const Event::Ptr exception = mContext.calendar->event(event->uid(), recurrenceId);
-    return !exception || mContext.calendar->deleteEvent(exception);
+    return !exception || remove(exception);
 }
 
 Event::Ptr CalendarExceptions::dissociated(
@@ -264,11 +265,26 @@ bool CalendarExceptions::addException(const Event::Ptr &event, const EasCalendar
     return timesSet && (!isNew || mContext.calendar->addEvent(target, folder));
 }
 
-void CalendarExceptions::removeOthers(const Event::Ptr &event, const QSet<QDateTime> &named) const
+bool CalendarExceptions::removeOthers(const Event::Ptr &event, const QSet<QDateTime> &named) const
 {
     const Event::List stored = mContext.calendar->eventInstances(event);
     for (const Event::Ptr &exception : stored) {
-        if (!named.contains(exception->recurrenceId().toUTC()))
-            mContext.calendar->deleteEvent(exception);
+        if (!named.contains(exception->recurrenceId().toUTC()) && !remove(exception))
+            return false;
     }
+    return true;
+}
+
+bool CalendarExceptions::remove(const Event::Ptr &exception) const
+{
+    if (!mContext.calendar->deleteEvent(exception))
+        return false;
+    mDeleted->append(exception);
+    return true;
+}
+
+bool CalendarExceptions::removeExceptions(const Event::Ptr &event) const
+{
+    CalendarEventProperties::setKnownDeletions(*event, {});
+    return removeOthers(event, {});
 }

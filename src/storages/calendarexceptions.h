@@ -19,7 +19,8 @@ class EasCalendarItem;
 class CalendarExceptions
 {
 public:
-    explicit CalendarExceptions(const CalendarStoreContext &context);
+    /** Exceptions that were deleted are appended to the list, to be purged after the save. */
+    CalendarExceptions(const CalendarStoreContext &context, KCalendarCore::Incidence::List *deleted);
 
     /** Whether all exceptions can be understood, and are not too many; to be asked before anything is
      * changed. */
@@ -32,6 +33,9 @@ public:
     bool handleExceptions(const KCalendarCore::Event::Ptr &event, const EasCalendarItem &item,
         const QString &folder, const QTimeZone &zone) const;
 
+    /** Of an event that is no series any more. */
+    bool removeExceptions(const KCalendarCore::Event::Ptr &event) const;
+
 private:
     bool deleteException(
         const KCalendarCore::Event::Ptr &event, const QDateTime &recurrenceId, bool allDay) const;
@@ -39,7 +43,9 @@ private:
         const QString &folder, const QDateTime &recurrenceId, const QTimeZone &zone) const;
     KCalendarCore::Event::Ptr dissociated(
         const KCalendarCore::Event::Ptr &event, const QDateTime &recurrenceId, const QTimeZone &zone) const;
-    void removeOthers(const KCalendarCore::Event::Ptr &event, const QSet<QDateTime> &named) const;
+    bool removeOthers(const KCalendarCore::Event::Ptr &event, const QSet<QDateTime> &named) const;
+    bool remove(const KCalendarCore::Event::Ptr &exception) const;
 
     const CalendarStoreContext &mContext;
+    KCalendarCore::Incidence::List *mDeleted;
 };

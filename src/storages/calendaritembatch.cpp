@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "storages/calendaritembatch.h"
 
+#include "application/easaccount.h"
 #include "application/easdatabase.h"
 #include "application/logging.h"
 #include "easitems/eascalendaritem.h"
 #include "storages/calendarattachmentservice.h"
 #include "storages/calendarlocalchanges.h"
 #include "storages/calendarstorecontext.h"
+#include "storages/calendarwholeitem.h"
 
 using KCalendarCore::Event;
 using KCalendarCore::Incidence;
@@ -14,7 +16,7 @@ using KCalendarCore::Incidence;
 CalendarItemBatch::CalendarItemBatch(const CalendarStoreContext &context, CalendarLocalChanges &localChanges)
     : mContext(context)
     , mLocalChanges(localChanges)
-    , mWriter(context)
+    , mWriter(context, &mDeleted)
 {
 }
 
@@ -116,6 +118,10 @@ void CalendarItemBatch::sortItems(
 {
     takePurged(added, updated, replaced);
     takeRepeated(added, updated, replaced);
+    const bool withAttachments =
+        mContext.account && mContext.account->protocolVersion() >= ExchangeActiveSync::ProtocolVersion160;
+    for (EasCalendarItem &item : updated)
+        CalendarWholeItem::complete(item, withAttachments);
 }
 
 bool CalendarItemBatch::isPurged(const EasCalendarItem &item) const

@@ -435,7 +435,8 @@ private Q_SLOTS:
     void refusalsAreTold()
     {
         CalendarStoreContext nowhere;
-        const CalendarEventWriter lost(nowhere);
+        Incidence::List deleted;
+        const CalendarEventWriter lost(nowhere, &deleted);
         const LogCollector log;
         bool skipped = true;
         EasCalendarItem item = mBed->item();
@@ -443,7 +444,7 @@ private Q_SLOTS:
         QVERIFY(log.contains(QtCriticalMsg, { QStringLiteral("No storage") }));
         QVERIFY(!skipped);
 
-        const CalendarEventWriter writer(mBed->device());
+        const CalendarEventWriter writer(mBed->device(), &deleted);
         EasCalendarItem nameless;
         QVERIFY(!writer.storeEvent(nameless, mBed->notebookUid(), true, {}, skipped));
         QVERIFY(log.contains(

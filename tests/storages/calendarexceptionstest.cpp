@@ -197,6 +197,9 @@ private Q_SLOTS:
         change.setExceptions({ deletionAt(berlin(3, 27)) });
         QVERIFY(mBed->change(change));
         QVERIFY(mBed->exceptions().isEmpty());
+        KCalendarCore::Incidence::List gone;
+        QVERIFY(mBed->device().storage->deletedIncidences(&gone, QDateTime(), mBed->notebookUid()));
+        QVERIFY2(gone.isEmpty(), "what the server deleted is no deletion of the user's");
         QCOMPARE(mBed->event()->recurrence()->exDateTimes(), QList<QDateTime>({ berlin(3, 27) }));
         QVERIFY(mBed->event()->recursAt(berlin(4, 1)));
         change.setExceptions({});

@@ -204,6 +204,64 @@ private Q_SLOTS:
         QVERIFY(mBed->localId().isEmpty());
     }
 
+    void aWholeItemClearsWhatItLeavesOut()
+    {
+        EasCalendarItem item = mBed->item();
+        item.setLocation(QStringLiteral("Room 1"));
+        item.setCategories({ QStringLiteral("Work") });
+        item.setReminder(15);
+        item.setBodyContainerType(EasBodyContainer::PlainTextBodyType);
+        item.setBodyContainerData(QStringLiteral("Text"));
+        EasAttendeeContainer attendee;
+        attendee.setEmail(QStringLiteral("bob@example.com"));
+        item.setAttendees({ attendee });
+        QVERIFY(mBed->add(item));
+        // Without a stamp it is a piece; with one it is all that there is.
+        EasCalendarItem change = mBed->item();
+        QVERIFY(mBed->change(change));
+        QCOMPARE(mBed->event()->location(), QStringLiteral("Room 1"));
+        change.setDtStamp(QStringLiteral("20260301T000000Z"));
+        QVERIFY(mBed->change(change));
+        const Event::Ptr event = mBed->event();
+        QCOMPARE(event->summary(), change.subject());
+        QCOMPARE(event->location(), QString());
+        QCOMPARE(event->description(), QString());
+        QVERIFY(event->categories().isEmpty());
+        QVERIFY(event->attendees().isEmpty());
+        QVERIFY(event->alarms().isEmpty());
+        QCOMPARE(localChanges(), QStringList());
+    }
+
+    void aSeriesCanEnd()
+    {
+        EasCalendarItem item = mBed->item();
+        EasRecurrenceContainer recurrence;
+        recurrence.setType(EasRecurrenceContainer::DailyRecurrence);
+        item.setRecurrence(recurrence);
+        EasCalendarItem moved;
+        moved.setExceptionStartTime(QStringLiteral("20260305T080000Z"));
+        EasCalendarItem gone;
+        gone.setExceptionStartTime(QStringLiteral("20260306T080000Z"));
+        gone.setExceptionDeleted(1);
+        item.setExceptions({ moved, gone });
+        QVERIFY(mBed->add(item));
+        QCOMPARE(mBed->events().size(), 2);
+        // First its exceptions are no more, then it is no series.
+        EasCalendarItem change = mBed->item();
+        change.setDtStamp(QStringLiteral("20260301T000000Z"));
+        EasCalendarItem plainSeries = change;
+        plainSeries.setRecurrence(recurrence);
+        QVERIFY(mBed->change(plainSeries));
+        QCOMPARE(mBed->events().size(), 1);
+        QVERIFY(mBed->event()->recursAt(QDateTime(QDate(2026, 3, 6), QTime(8, 0), Qt::UTC)));
+        QVERIFY(mBed->change(item));
+        QCOMPARE(mBed->events().size(), 2);
+        QVERIFY(mBed->change(change));
+        QCOMPARE(mBed->events().size(), 1);
+        QVERIFY(!mBed->event()->recurs());
+        QCOMPARE(localChanges(), QStringList());
+    }
+
     void nothingIsDoneWithNothing()
     {
         const LogCollector log;
