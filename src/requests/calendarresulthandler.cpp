@@ -4,7 +4,10 @@
 #include "application/easaccount.h"
 #include "application/easdatabase.h"
 #include "application/logging.h"
+#include "protocol/eas.h"
 #include "storages/calendarstorage.h"
+
+#include <algorithm>
 
 bool CalendarResultHandler::handle(SyncCollection &collection)
 {
@@ -34,8 +37,28 @@ bool CalendarResultHandler::collectUploaded(const SyncCollection &collection)
                   << "A/M/R:" << mSentAdded.size() << "/" << mSentChanged.size() << "/"
                   << mSentDeleted.size();
     const QMap<QString, QString> localIds = EasDatabase::instance()->serverToLocalCalendarIds(account().id());
-    return collectUploadedAdds(collection) && collectUploadedChanges(collection, localIds)
-        && collectUploadedDeletions(collection, localIds);
+    if (!collectUploadedAdds(collection) || !collectUploadedChanges(collection, localIds)
+        || !collectUploadedDeletions(collection, localIds))
+        return false;
+    keepRefusedOccurrences(collection);
+    return true;
+}
+
+void CalendarResultHandler::keepRefusedOccurrences(const SyncCollection &collection)
+{
+    // The deletion of one occurrence is answered under the name of its series, which has not arrived as a
+    // whole then. An occurrence that is not there any more is as good as deleted.
+    for (const AirSyncResponseDeleteItem &response : collection.getDeleteCmdResponses()) {
+        const bool isDone =
+            response.status() <= Eas::SyncStatusSuccess || response.status() == Eas::SyncStatusObjectNotFound;
+        if (isDone || mSentDeleted.contains(response.serverId()))
+            continue;
+        const auto isSeries = [&response](const EasCalendarItem &item) {
+            return item.serverId() == response.serverId();
+        };
+        mUploadedChanged.erase(std::remove_if(mUploadedChanged.begin(), mUploadedChanged.end(), isSeries),
+            mUploadedChanged.end());
+    }
 }
 
 bool CalendarResultHandler::storeUploaded(CalendarStorage &storage)

@@ -157,6 +157,17 @@ private Q_SLOTS:
         QCOMPARE(mStore->calls.first(), QStringLiteral("uploaded *9/9:2"));
     }
 
+    void aSeriesWithARefusedDeletionOfAnOccurrenceIsNotAcknowledged()
+    {
+        SyncCollection reply = collection({}, { item<Event>("e1", "9:1"), item<Event>("e2", "9:2") });
+        answerDelete(reply, "9:1", 6);
+        answerDelete(reply, "9:2", 8);
+        QVERIFY(handle(reply));
+        // What is gone already needs no deletion.
+        QCOMPARE(mStore->calls.first(), QStringLiteral("uploaded *9/9:2"));
+        QCOMPARE(mStore->calls.filter(QStringLiteral("time")), QStringList());
+    }
+
     void aRefusalKeepsTheSyncTime_data()
     {
         QTest::addColumn<uint>("status");
