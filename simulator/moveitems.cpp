@@ -1,10 +1,17 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "simulator/command.h"
+#include "simulator/collectionsync.h"
 
 namespace Simulator {
 namespace {
 
 enum Status { InvalidSource = 1, InvalidDestination = 2, Success = 3, SameFolder = 4 };
+
+/** A folder takes items of its class; that of deleted items takes all. */
+bool takes(const MailFolder &folder, const ItemPtr &item)
+{
+    return !folder.id.isEmpty()
+        && (folder.type == DeletedItemsFolder || itemClassOf(folder.type) == item->className());
+}
 
 int moveOne(const CommandContext &context, const WbxmlNode &move, QString *newId)
 {
@@ -15,7 +22,7 @@ int moveOne(const CommandContext &context, const WbxmlNode &move, QString *newId
         return context.answer.mItemStatus.value;
     if (source.section(QLatin1Char(':'), 0, 0) != sourceFolder || !context.mailbox.item(source))
         return InvalidSource;
-    if (context.mailbox.folder(destination).id.isEmpty())
+    if (!takes(context.mailbox.folder(destination), context.mailbox.item(source)))
         return InvalidDestination;
     if (sourceFolder == destination)
         return SameFolder;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "support/sampleevents.h"
 #include "simulatorclient.h"
+#include "support/sampleevents.h"
 
 #include "simulator/eventitem.h"
 #include "simulator/eventupload.h"
@@ -330,6 +330,27 @@ private Q_SLOTS:
         QCOMPARE(mClient->sync(mFolder, synced(), commands(change(id, exceptions)))
                      .text(QStringLiteral("Responses/Change/Status")),
             QStringLiteral("6"));
+    }
+
+    void eventsMoveToCalendarsAlone()
+    {
+        Mailbox &mailbox = mServer->mailbox();
+        const QString id = place(SampleEvents::meeting());
+        const QString team = mailbox.addFolder(QStringLiteral("Team"), UserCalendarFolder);
+        const auto move = [&](const QString &destination) {
+            return mClient
+                ->post(QStringLiteral("MoveItems"),
+                    QStringLiteral("<MoveItems xmlns='Move'><Move><SrcMsgId>%1</SrcMsgId><SrcFldId>%2"
+                                   "</SrcFldId><DstFldId>%3</DstFldId></Move></MoveItems>")
+                        .arg(id, mFolder, destination))
+                .document.at(QStringLiteral("Response"));
+        };
+        QCOMPARE(move(mailbox.inboxId()).text(QStringLiteral("Status")), QStringLiteral("2"));
+        const WbxmlNode moved = move(team);
+        QCOMPARE(moved.text(QStringLiteral("Status")), QStringLiteral("3"));
+        const auto event = mailbox.value<EventItem>(moved.text(QStringLiteral("DstMsgId")));
+        QVERIFY(event);
+        QCOMPARE(event->differences(SampleEvents::meeting()), QStringList());
     }
 
     void oldEventsAreLeftOutAndSeriesAreNot()
