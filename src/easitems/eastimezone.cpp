@@ -218,7 +218,7 @@ QTimeZone EasTimeZone::timeZone(const QString &startTime, const QString &endTime
     QByteArray iana = QTimeZone::windowsIdToDefaultIanaId(name);
     if (iana.isEmpty())
         iana = QTimeZone::windowsIdToDefaultIanaId(shortName(name));
-    // Asking for a valid zone finds more than the system's list, which leaves out "Etc/GMT+2" and its like.
+    // isTimeZoneIdAvailable() asks the system's list, which leaves out "Etc/GMT+2" and its like.
     const QTimeZone named = iana.isEmpty() ? QTimeZone() : QTimeZone(iana);
     if (named.isValid())
         return named;

@@ -69,18 +69,18 @@ bool TimeZoneSearch::changesByBias(const QTimeZone &zone) const
     const bool wantsDaylight = mInformation.dltDate.month != 0;
     if (!wantsStandard && !wantsDaylight)
         return true;
-    bool standardFound = false;
-    bool daylightFound = false;
+    bool stdMatch = false;
+    bool dltMatch = false;
     const QTimeZone::OffsetDataList transitions = zone.transitions(mFrom, mTo);
     for (const QTimeZone::OffsetData &transition : transitions) {
         if (transition.daylightTimeOffset == 0) {
             const qint64 minutes = -(transition.standardTimeOffset / 60);
-            standardFound |= qint64(mInformation.bias) - mInformation.stdBias == minutes;
+            stdMatch |= qint64(mInformation.bias) - mInformation.stdBias == minutes;
         } else {
-            daylightFound |= mInformation.dltBias == -(transition.daylightTimeOffset / 60);
+            dltMatch |= mInformation.dltBias == -(transition.daylightTimeOffset / 60);
         }
     }
-    return (!wantsStandard || standardFound) && (!wantsDaylight || daylightFound);
+    return (!wantsStandard || stdMatch) && (!wantsDaylight || dltMatch);
 }
 
 QByteArrayList TimeZoneSearch::zonesByRule() const

@@ -42,7 +42,10 @@ bool CalendarItemBatch::updateItems(QList<EasCalendarItem> &added, QList<EasCale
         return false;
     }
     qCInfo(eas()) << "Finished handling items updates";
-    if (!save())
+    const bool saved = save();
+    qCInfo(eas()) << "Updates:" << added.size() << "/" << updated.size() << "/" << deleted.size()
+                  << "Save:" << mDeleted.size() << ", result:" << saved;
+    if (!saved)
         return false;
     // Without it, the server's changes would come back as the user's.
     if (!mLocalChanges.updateItemsTimestamps(mFolders.keys(), added, updated)) {

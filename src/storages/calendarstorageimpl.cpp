@@ -247,12 +247,6 @@ void CalendarStorageImpl::storageModified(mKCal::ExtendedStorage *storage, const
     handleLocalUpdates();
 }
 
-void CalendarStorageImpl::storageProgress(mKCal::ExtendedStorage *storage, const QString &info)
-{
-    Q_UNUSED(storage)
-    Q_UNUSED(info)
-}
-
 void CalendarStorageImpl::storageFinished(mKCal::ExtendedStorage *storage, bool error, const QString &info)
 {
     Q_UNUSED(storage)

@@ -6,8 +6,7 @@
 #include "storages/calendarlocalchanges.h"
 #include "storages/calendarstorage.h"
 #include "storages/calendarstorecontext.h"
-
-#include <extendedstorageobserver.h>
+#include "storages/calendarstoreobserver.h"
 
 class EasAccount;
 
@@ -19,7 +18,7 @@ class EasAccount;
  * nothing that was loaded before holds, so each operation loads what it needs and saves before it returns.
  * Owned by its account; main thread only.
  */
-class CalendarStorageImpl : public CalendarStorage, private mKCal::ExtendedStorageObserver
+class CalendarStorageImpl : public CalendarStorage, private CalendarStoreObserver
 {
     Q_OBJECT
 
@@ -66,8 +65,6 @@ private:
     void handleLocalUpdates();
 
     void storageModified(mKCal::ExtendedStorage *storage, const QString &info) override;
-    // Later revisions of the store's library do not have it.
-    void storageProgress(mKCal::ExtendedStorage *storage, const QString &info);
     void storageFinished(mKCal::ExtendedStorage *storage, bool error, const QString &info) override;
 
     CalendarStoreContext mContext;
