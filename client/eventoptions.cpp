@@ -115,12 +115,14 @@ bool EventOptions::apply(Event &event, const QString &organizer) const
 
 bool EventOptions::applyTimes(Event &event) const
 {
+    const bool isNew = !event.dtStart().isValid();
     // What is moved keeps its length, unless it gets another one.
-    constexpr qint64 DefaultLength = 3600;
-    qint64 length = event.dtStart().isValid() ? event.dtStart().secsTo(event.dtEnd()) : DefaultLength;
+    Length length = isNew ? Length {}
+                          : Length { event.dtStart().secsTo(event.dtEnd()),
+                                event.dtStart().date().daysTo(event.dtEnd().date()) };
     const QTimeZone zone = mParser.isSet(Zone) ? QTimeZone(mParser.value(Zone).toLatin1())
-        : event.dtStart().isValid()            ? event.dtStart().timeZone()
-                                               : QTimeZone::systemTimeZone();
+        : isNew                                ? QTimeZone::systemTimeZone()
+                                               : event.dtStart().timeZone();
     if (!zone.isValid())
         return refuse(QStringLiteral("there is no time zone \"%1\"").arg(mParser.value(Zone)));
     if (mParser.isSet(Start)) {
@@ -128,30 +130,42 @@ bool EventOptions::applyTimes(Event &event) const
         if (!start.isValid())
             return refuse(QStringLiteral("--start needs a day or a time, such as 2024-05-01 or "
                                          "2024-05-01T09:30"));
-        if (event.dtStart().isValid() && event.allDay() == start.hasTime())
-            length = start.hasTime() ? DefaultLength : 0;
+        if (!isNew && event.allDay() == start.hasTime())
+            length = Length {};
         event.setAllDay(!start.hasTime());
-        event.setDtStart(start.in(zone));
+        event.setDtStart(moment(start, zone));
     }
     if (!event.dtStart().isValid())
         return refuse(QStringLiteral("an event needs a --start"));
-    return applyEnd(event, event.allDay() && !event.hasEndDate() ? 0 : length);
+    return applyEnd(event, length);
 }
 
-bool EventOptions::applyEnd(Event &event, qint64 length) const
+QDateTime EventOptions::moment(const EventTime &time, const QTimeZone &zone) const
+{
+    // A time is that of the device, as events are listed, or of the zone that is named with it.
+    const bool isOfDevice = time.hasTime() && !mParser.isSet(Zone);
+    return isOfDevice ? time.in(QTimeZone::systemTimeZone()).toTimeZone(zone) : time.in(zone);
+}
+
+bool EventOptions::applyEnd(Event &event, const Length &length) const
 {
     if (mParser.isSet(End) && mParser.isSet(Duration))
         return refuse(QStringLiteral("give --end or --duration, not both"));
     const std::optional<int> minutes = number(Duration, 0);
     if (!minutes)
         return false;
-    QDateTime end = event.dtStart().addSecs(*minutes >= 0 ? *minutes * SecondsPerMinute : length);
+    if (*minutes >= 0 && event.allDay())
+        return refuse(QStringLiteral("--duration needs a --start with a time"));
+    QDateTime end =
+        event.allDay() ? event.dtStart().addDays(length.days) : event.dtStart().addSecs(length.seconds);
+    if (*minutes >= 0)
+        end = event.dtStart().addSecs(*minutes * SecondsPerMinute);
     if (mParser.isSet(End)) {
         const EventTime wanted = EventTime::read(mParser.value(End));
         if (!wanted.isValid() || wanted.hasTime() == event.allDay())
             return refuse(event.allDay() ? QStringLiteral("--end needs the last day, as --start is a day")
                                          : QStringLiteral("--end needs a time, as --start has one"));
-        end = wanted.in(event.dtStart().timeZone());
+        end = moment(wanted, event.dtStart().timeZone());
     }
     if (end < event.dtStart())
         return refuse(QStringLiteral("an event cannot end before it starts"));

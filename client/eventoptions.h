@@ -8,6 +8,9 @@
 
 #include <optional>
 
+class EventTime;
+class QTimeZone;
+
 /**
  * What the user says of an event: the options that adding and editing share. An option that is not given
  * leaves its field alone. A value on the stack of a command.
@@ -28,10 +31,18 @@ public:
     bool saysSomething() const;
 
 private:
+    /** An hour, or a day, unless the event has a length already. */
+    struct Length
+    {
+        qint64 seconds = 3600;
+        qint64 days = 0;
+    };
+
     /** Of options that only one of the uses has. */
     bool saysOf(const QString &option) const;
     bool applyTimes(KCalendarCore::Event &event) const;
-    bool applyEnd(KCalendarCore::Event &event, qint64 length) const;
+    bool applyEnd(KCalendarCore::Event &event, const Length &length) const;
+    QDateTime moment(const EventTime &time, const QTimeZone &zone) const;
     bool applyRepetition(KCalendarCore::Event &event) const;
     bool applyReminder(KCalendarCore::Event &event) const;
     void applyAttendees(KCalendarCore::Event &event, const QString &organizer) const;

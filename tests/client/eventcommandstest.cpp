@@ -163,6 +163,41 @@ private Q_SLOTS:
         QVERIFY(event->alarms().isEmpty());
     }
 
+    void timesAreThoseOfTheDeviceAndTheZoneStays()
+    {
+        QCOMPARE(
+            CommandScene::run("event|add|Far|--start|2024-05-02 10:00|--zone|Asia/Tokyo"), int(ExitSuccess));
+        QCOMPARE(mScene->may(), QStringList(QStringLiteral("02 01:00 Far")));
+        const QString id = mScene->event(QStringLiteral("Far"));
+        QCOMPARE(run(QStringLiteral("event|edit|%1|--start|2024-05-03 02:30|--end|2024-05-03 04:00").arg(id)),
+            int(ExitSuccess));
+        QCOMPARE(mScene->may(), QStringList(QStringLiteral("03 02:30 Far")));
+        EventStore store(mScene->accountId());
+        const Event::Ptr event = load(store, id);
+        QCOMPARE(event->dtStart().timeZone().id(), QByteArray("Asia/Tokyo"));
+        QCOMPARE(event->dtStart().time(), QTime(11, 30));
+        QCOMPARE(event->dtStart().secsTo(event->dtEnd()), qint64(90 * 60));
+    }
+
+    void wholeDaysAreMovedAsDays()
+    {
+        // A clock changes in between.
+        QCOMPARE(CommandScene::run("event|add|Days|--start|2024-03-30|--end|2024-04-01|--zone|Europe/Berlin"),
+            int(ExitSuccess));
+        EventStore store(mScene->accountId());
+        QVERIFY(store.open());
+        const QList<EventOccurrence> found = store.occurrences(QDate(2024, 3, 30), QDate(2024, 3, 30));
+        QCOMPARE(found.size(), 1);
+        QCOMPARE(run(QStringLiteral("event|edit|%1|--start|2024-05-06")
+                         .arg(EventStore::shortId(found.first().event))),
+            int(ExitSuccess));
+        EventStore later(mScene->accountId());
+        const Event::Ptr moved = load(later, mScene->event(QStringLiteral("Days")));
+        QVERIFY(moved && moved->allDay());
+        QCOMPARE(moved->dtStart().date(), QDate(2024, 5, 6));
+        QCOMPARE(moved->dtEnd().date(), QDate(2024, 5, 8));
+    }
+
     void wrongUsageIsRefusedAndChangesNothing_data()
     {
         QTest::addColumn<QString>("line");
@@ -178,6 +213,7 @@ private Q_SLOTS:
         row("end and duration", "event|add|X|--start|2024-05-02 10:00|--end|2024-05-02 11:00|--duration|5",
             ExitUsage);
         row("a day and a time", "event|add|X|--start|2024-05-02|--end|2024-05-02 11:00", ExitUsage);
+        row("minutes of whole days", "event|add|X|--start|2024-05-02|--duration|5", ExitUsage);
         row("an unknown zone", "event|add|X|--start|2024-05-02 10:00|--zone|Nowhere/Land", ExitUsage);
         row("an unknown rule", "event|add|X|--start|2024-05-02 10:00|--repeat|hourly", ExitUsage);
         row("an interval of zero", "event|add|X|--start|2024-05-02 10:00|--repeat|daily|--every|0",
