@@ -34,13 +34,4 @@ public:
 
     virtual State serverState() = 0;
     virtual State deviceState() = 0;
-
-protected:
-    static void enter(State &state, const QString &name, const QString &value)
-    {
-        QString key = name;
-        for (int copy = 2; state.contains(key); ++copy)
-            key = QStringLiteral("%1 (copy %2)").arg(name).arg(copy);
-        state.insert(key, value);
-    }
 };

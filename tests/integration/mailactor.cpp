@@ -3,6 +3,7 @@
 
 #include "integration/dice.h"
 #include "simulator/email.h"
+#include "support/pimlisting.h"
 #include "support/synctestbed.h"
 
 #include <qmaildisconnected.h>
@@ -114,7 +115,7 @@ ItemActor::State MailActor::fromLines(const QStringList &lines)
     State state;
     for (const QString &line : lines) {
         const QStringList fields = line.split(QLatin1Char('|'));
-        enter(state, fields.value(1), fields.value(0) + QLatin1Char(' ') + fields.value(2));
+        PimListing::enter(state, fields.value(1), fields.value(0) + QLatin1Char(' ') + fields.value(2));
     }
     return state;
 }

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
+#include "integration/contactactor.h"
 #include "integration/dice.h"
+#include "integration/eventactor.h"
 #include "integration/mailactor.h"
 #include "support/daemonprocess.h"
 #include "support/soak.h"
@@ -45,9 +47,11 @@ class RandomRun
 public:
     explicit RandomRun(quint32 seed)
         : mDice(seed)
-        , mBed({ versions().at(mDice.below(versions().size())) })
+        , mBed({ versions().at(mDice.below(versions().size())) }, SyncTestBed::everyService())
     {
         mActors.push_back(std::make_unique<MailActor>(mBed));
+        mActors.push_back(std::make_unique<ContactActor>(mBed));
+        mActors.push_back(std::make_unique<EventActor>(mBed));
     }
 
     bool isReady() const { return mBed.isReady(); }

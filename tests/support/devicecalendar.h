@@ -7,48 +7,24 @@
 #include <extendedcalendar.h>
 #include <extendedstorage.h>
 
-#include <QTimeZone>
-
-/** The device's calendar as a calendar program has it: all of it, loaded at once. */
+/** The device's calendar as a calendar program has it: all of the store, read anew with each object. */
 class DeviceCalendar
 {
 public:
-    DeviceCalendar()
-        : calendar(mKCal::ExtendedCalendar::Ptr::create(QTimeZone::utc()))
-        , storage(mKCal::ExtendedCalendar::defaultStorage(calendar))
-    {
-        if (!storage->open() || !storage->load())
-            qFatal("the store cannot be read");
-    }
-    ~DeviceCalendar() { storage->close(); }
+    DeviceCalendar();
+    ~DeviceCalendar();
     Q_DISABLE_COPY(DeviceCalendar)
 
-    KCalendarCore::Event::Ptr withSummary(const QString &summary) const
-    {
-        const auto events = calendar->rawEvents();
-        for (const auto &event : events) {
-            if (!event->hasRecurrenceId() && event->summary() == summary)
-                return event;
-        }
-        return {};
-    }
-
+    /** Events and series of the account, without exceptions. */
+    KCalendarCore::Event::List series(EasAccountId accountId) const;
+    KCalendarCore::Event::Ptr withSummary(const QString &summary) const;
     /** The account's only calendar. */
-    QString notebookOf(EasAccountId accountId) const
-    {
-        const auto notebooks = storage->notebooks();
-        for (const auto &notebook : notebooks) {
-            if (notebook->account() == QString::number(accountId))
-                return notebook->uid();
-        }
-        return {};
-    }
+    QString notebookOf(EasAccountId accountId) const;
+    /** An exception to be, which is in no calendar yet; null if the series has no such occurrence. */
+    KCalendarCore::Event::Ptr occurrence(const KCalendarCore::Event::Ptr &series, const QDate &day) const;
 
-    KCalendarCore::Event::Ptr occurrence(const KCalendarCore::Event::Ptr &series, const QDate &day) const
-    {
-        const QDateTime start(day, series->dtStart().time(), series->dtStart().timeZone());
-        return calendar->dissociateSingleOccurrence(series, start).staticCast<KCalendarCore::Event>();
-    }
+    /** Deletes with all exceptions and saves; the store notes @p when as the time of it. */
+    bool remove(const KCalendarCore::Event::Ptr &series, const QDateTime &when);
 
     const mKCal::ExtendedCalendar::Ptr calendar;
     const mKCal::ExtendedStorage::Ptr storage;

@@ -93,8 +93,10 @@ QStringList MailListing::serverMessages(const Simulator::Mailbox &mailbox)
         const QString path = serverPath(mailbox, folder);
         const auto items = mailbox.items(folder.id);
         for (const Simulator::ItemEntry &entry : items) {
-            const auto email = std::static_pointer_cast<const Simulator::Email>(entry.item);
-            lines.append(line(path, email->content().headers().subject, email->isRead()));
+            // Events and contacts that were deleted lie among the deleted mail.
+            const auto email = std::dynamic_pointer_cast<const Simulator::Email>(entry.item);
+            if (email)
+                lines.append(line(path, email->content().headers().subject, email->isRead()));
         }
     }
     lines.sort();

@@ -1,0 +1,232 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "support/pimlisting.h"
+
+#include "simulator/contactitem.h"
+#include "simulator/eventitem.h"
+#include "simulator/mailbox.h"
+#include "storages/contactstoremanager.h"
+#include "support/contactfixture.h"
+#include "support/devicecalendar.h"
+
+#include <QCryptographicHash>
+#include <QDir>
+#include <QFile>
+#include <QSet>
+
+#include <QtContacts/QContactAvatar>
+#include <QtContacts/QContactCollectionFilter>
+#include <QtContacts/QContactEmailAddress>
+#include <QtContacts/QContactManager>
+#include <QtContacts/QContactName>
+#include <QtContacts/QContactNote>
+#include <QtContacts/QContactTag>
+
+QTCONTACTS_USE_NAMESPACE
+using KCalendarCore::Event;
+
+namespace {
+
+QString iso(const QDateTime &moment)
+{
+    return moment.toUTC().toString(QStringLiteral("yyyy-MM-ddTHH:mm"));
+}
+
+struct EventText
+{
+    QString times; ///< and place
+    QString rest;
+
+    QString whole() const { return times + rest; }
+};
+
+EventText textOf(const QDateTime &start, const QDateTime &end, bool allDay, const QString &location,
+    QStringList categories, int reminder)
+{
+    categories.sort();
+    return { QStringLiteral("%1-%2 %3 \"%4\"")
+                 .arg(iso(start), iso(end), allDay ? QStringLiteral("days") : QStringLiteral("hours"),
+                     location),
+        QStringLiteral(" [%1] %2").arg(categories.join(QLatin1Char(','))).arg(reminder) };
+}
+
+EventText textOf(const Simulator::EventDetails &details)
+{
+    return textOf(details.start, details.end, details.allDay, details.location.name, details.categories,
+        details.reminder);
+}
+
+EventText textOf(const Event::Ptr &event)
+{
+    const auto alarms = event->alarms();
+    const int reminder = alarms.isEmpty() ? -1 : -alarms.first()->startOffset().asSeconds() / 60;
+    if (!event->allDay())
+        return textOf(
+            event->dtStart(), event->dtEnd(), false, event->location(), event->categories(), reminder);
+    // As a server has them: midnights, the end not included.
+    const QDateTime start(event->dtStart().date(), QTime(0, 0), Qt::UTC);
+    const QDateTime end(event->dtEnd().date().addDays(1), QTime(0, 0), Qt::UTC);
+    return textOf(start, end, true, event->location(), event->categories(), reminder);
+}
+
+/** That an occurrence has no reminder or no category where its series has some cannot be said to a server. */
+QString exceptionLine(const QDateTime &original, const QString &what)
+{
+    return iso(original) + QStringLiteral(": ") + what;
+}
+
+QString withExceptions(const EventText &series, QStringList exceptions)
+{
+    exceptions.sort();
+    return exceptions.isEmpty()
+        ? series.whole()
+        : series.whole() + QStringLiteral(" but ") + exceptions.join(QStringLiteral(", "));
+}
+
+QString contactText(const QString &lastName, const QString &email, QStringList categories,
+    const QByteArray &picture, const QString &note)
+{
+    categories.sort();
+    const QByteArray hash = QCryptographicHash::hash(picture, QCryptographicHash::Md5).toHex();
+    return QStringLiteral("%1|%2|%3|%4|%5")
+        .arg(lastName, email, categories.join(QLatin1Char(',')),
+            picture.isEmpty() ? QString() : QString::fromLatin1(hash.left(6)), note);
+}
+
+template <class ItemType>
+QList<typename ItemType::Value> itemsOfType(const Simulator::Mailbox &mailbox, int folderType)
+{
+    QList<typename ItemType::Value> values;
+    const auto items = mailbox.items(mailbox.folderOfType(folderType).id);
+    for (const Simulator::ItemEntry &entry : items) {
+        if (const auto item = std::dynamic_pointer_cast<const ItemType>(entry.item))
+            values.append(item->value());
+    }
+    return values;
+}
+
+} // namespace
+
+void PimListing::enter(Listing &listing, const QString &name, const QString &value)
+{
+    QString key = name;
+    for (int copy = 2; listing.contains(key); ++copy)
+        key = QStringLiteral("%1 (copy %2)").arg(name).arg(copy);
+    listing.insert(key, value);
+}
+
+PimListing::Listing PimListing::serverEvents(const Simulator::Mailbox &mailbox)
+{
+    Listing listing;
+    const auto events = itemsOfType<Simulator::EventItem>(mailbox, Simulator::CalendarFolder);
+    for (const Simulator::Event &event : events) {
+        QStringList exceptions;
+        for (const Simulator::EventException &exception : event.exceptions) {
+            exceptions.append(exceptionLine(exception.original,
+                exception.isDeleted ? QStringLiteral("none") : textOf(event.detailsOf(exception)).times));
+        }
+        enter(listing, event.subject, withExceptions(textOf(event), exceptions));
+    }
+    return listing;
+}
+
+PimListing::Listing PimListing::deviceEvents(EasAccountId accountId)
+{
+    Listing listing;
+    const DeviceCalendar device;
+    const Event::List events = device.series(accountId);
+    for (const Event::Ptr &event : events) {
+        QStringList exceptions;
+        if (event->recurs()) {
+            const auto moments = event->recurrence()->exDateTimes();
+            for (const QDateTime &moment : moments)
+                exceptions.append(exceptionLine(moment, QStringLiteral("none")));
+            const auto days = event->recurrence()->exDates();
+            for (const QDate &day : days)
+                exceptions.append(
+                    exceptionLine(QDateTime(day, QTime(0, 0), Qt::UTC), QStringLiteral("none")));
+        }
+        const auto instances = device.calendar->eventInstances(event);
+        for (const auto &instance : instances) {
+            const QDateTime original = instance->allDay()
+                ? QDateTime(instance->recurrenceId().date(), QTime(0, 0), Qt::UTC)
+                : instance->recurrenceId();
+            exceptions.append(exceptionLine(original, textOf(instance.staticCast<Event>()).times));
+        }
+        enter(listing, event->summary(), withExceptions(textOf(event), exceptions));
+    }
+    return listing;
+}
+
+PimListing::Listing PimListing::serverContacts(const Simulator::Mailbox &mailbox)
+{
+    Listing listing;
+    const auto contacts = itemsOfType<Simulator::ContactItem>(mailbox, Simulator::ContactsFolder);
+    for (const Simulator::Contact &contact : contacts) {
+        enter(listing, contact.text(QStringLiteral("FirstName")),
+            contactText(contact.text(QStringLiteral("LastName")),
+                contact.text(QStringLiteral("Email1Address")), contact.categories(), contact.picture(),
+                contact.note()));
+    }
+    return listing;
+}
+
+PimListing::Listing PimListing::deviceContacts(EasAccountId accountId)
+{
+    Listing listing;
+    const std::unique_ptr<QContactManager> manager(ContactStoreManager::create(nullptr));
+    const QList<QContact> contacts = contactsOf(*manager, accountId);
+    for (const QContact &contact : contacts) {
+        QStringList categories;
+        for (const QContactTag &tag : contact.details<QContactTag>())
+            categories.append(tag.tag());
+        enter(listing, ContactFixture::name(contact),
+            contactText(contact.detail<QContactName>().lastName(),
+                contact.detail<QContactEmailAddress>().emailAddress(), categories, pictureOf(contact),
+                contact.detail<QContactNote>().note()));
+    }
+    return listing;
+}
+
+QList<QContact> PimListing::contactsOf(QContactManager &manager, EasAccountId accountId)
+{
+    QSet<QContactCollectionId> ids;
+    const QList<QContactCollection> collections = manager.collections();
+    for (const QContactCollection &collection : collections) {
+        if (collection.extendedMetaData(QStringLiteral("AccountId")).toULongLong() == accountId)
+            ids.insert(collection.id());
+    }
+    if (ids.isEmpty())
+        return {};
+    QContactCollectionFilter filter;
+    filter.setCollectionIds(ids);
+    return manager.contacts(filter);
+}
+
+QContactCollectionId PimListing::collectionOf(QContactManager &manager, EasAccountId accountId)
+{
+    const QList<QContactCollection> collections = manager.collections();
+    for (const QContactCollection &collection : collections) {
+        if (collection.extendedMetaData(QStringLiteral("AccountId")).toULongLong() == accountId)
+            return collection.id();
+    }
+    return {};
+}
+
+QByteArray PimListing::pictureOf(const QContact &contact)
+{
+    QFile file(contact.detail<QContactAvatar>().imageUrl().toLocalFile());
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+QStringList PimListing::orphanPictures(EasAccountId accountId)
+{
+    const QDir folder(QDir::homePath() + QStringLiteral("/.avatars/account-%1").arg(accountId));
+    QStringList orphans;
+    for (const QString &name : folder.entryList(QDir::Files))
+        orphans.append(folder.filePath(name));
+    const std::unique_ptr<QContactManager> manager(ContactStoreManager::create(nullptr));
+    const QList<QContact> contacts = contactsOf(*manager, accountId);
+    for (const QContact &contact : contacts)
+        orphans.removeAll(contact.detail<QContactAvatar>().imageUrl().toLocalFile());
+    return orphans;
+}
