@@ -11,7 +11,8 @@ CalendarAttachmentUploads::CalendarAttachmentUploads(const CalendarStoreContext 
 {
 }
 
-void CalendarAttachmentUploads::apply(const KCalendarCore::Event::Ptr &event, EasCalendarItem &item)
+void CalendarAttachmentUploads::applyAttachments(
+    const KCalendarCore::Event::Ptr &event, EasCalendarItem &item)
 {
     if (!mContext.account || mContext.account->protocolVersion() < ExchangeActiveSync::ProtocolVersion160)
         return;

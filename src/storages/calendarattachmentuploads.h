@@ -24,7 +24,7 @@ public:
     explicit CalendarAttachmentUploads(const CalendarStoreContext &context);
 
     /** Up to 14.1 events of a server have no attachments, and nothing is set. */
-    void apply(const KCalendarCore::Event::Ptr &event, EasCalendarItem &item);
+    void applyAttachments(const KCalendarCore::Event::Ptr &event, EasCalendarItem &item);
     /** The server has taken what went up with these events. */
     void settle(const QStringList &uids);
 

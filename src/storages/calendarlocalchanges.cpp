@@ -8,6 +8,7 @@
 #include "configurations/calendaraccountconfiguration.h"
 #include "storages/calendarlocalchecks.h"
 #include "storages/calendarlocalquery.h"
+#include "storages/calendarorigin.h"
 #include "storages/calendarstorecontext.h"
 #include "storages/calendartimestamps.h"
 
@@ -152,8 +153,10 @@ bool CalendarLocalChanges::queryLocalUpdates(const QString &folderId, qint64 aft
         qCWarning(eas()) << "No notebook ID:" << folderId;
         return false;
     }
+    // What an interruption left would pass for something that the user made.
     CalendarTimestamps timestamps(mContext);
-    if (!load(notebookUid) || !timestamps.updateTimestampCache(notebookUid)) {
+    if (!CalendarOrigin::removeStrays(mContext, notebookUid)
+        || !timestamps.updateTimestampCache(notebookUid)) {
         qCWarning(eas()) << "Failed loading notebook:" << notebookUid;
         return false;
     }

@@ -169,7 +169,7 @@ bool CalendarLocalQuery::makeItem(const Event::Ptr &event, bool withExceptions, 
     item.setCollectionId(mServerFolderId);
     // Of the state that goes up: an edit while the upload is under way has another one.
     item.setLocalTimestamp(mTimestamps.eventTimestamp(event->uid()));
-    mAttachments.apply(event, item);
+    mAttachments.applyAttachments(event, item);
     return true;
 }
 
@@ -210,8 +210,14 @@ void CalendarLocalQuery::logCounts() const
 
 void CalendarLocalQuery::processExceptionsChanges(const Incidence::List &exceptions, bool deleted)
 {
-    for (const Incidence::Ptr &incidence : exceptions)
+    for (const Incidence::Ptr &incidence : exceptions) {
+        if (!deleted && !mContext.calendar->event(incidence->uid(), incidence->recurrenceId())) {
+            qCWarning(eas()) << "exception event is null for local id" << incidence->uid()
+                             << "and recurrenceId" << incidence->recurrenceId();
+            continue;
+        }
         applyToSeries(incidence.staticCast<Event>(), deleted);
+    }
 }
 
 bool CalendarLocalQuery::applyChangedException(
@@ -226,7 +232,7 @@ bool CalendarLocalQuery::applyChangedException(
     QList<EasCalendarItem> exceptions = item.exceptions();
     for (EasCalendarItem &candidate : exceptions) {
         if (candidate.exceptionStartTime() == start)
-            mAttachments.apply(exception, candidate);
+            mAttachments.applyAttachments(exception, candidate);
     }
     item.setExceptions(exceptions);
     return true;

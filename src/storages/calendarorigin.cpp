@@ -50,8 +50,12 @@ bool CalendarOrigin::removeStrays(const CalendarStoreContext &context, const QSt
         if (!context.calendar->deleteEvent(event))
             return false;
     }
-    if (!strays.isEmpty() && !context.storage->save(mKCal::ExtendedStorage::PurgeDeleted))
+    if (strays.isEmpty())
+        return true;
+    if (!context.storage->save(mKCal::ExtendedStorage::PurgeDeleted))
         return false;
     CalendarAttachmentService::forget(strays);
+    // The calendar goes on to list by notebook what was deleted from it.
+    context.calendar->close();
     return true;
 }

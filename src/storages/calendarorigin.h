@@ -19,7 +19,7 @@ void setServerId(KCalendarCore::Event &event, const QString &serverId);
 /** Empty for an event that did not come from the server, and for a copy that the user made of one. */
 QString serverId(const KCalendarCore::Event &event);
 
-/** Erases the events of a notebook that an interruption left; the server sends them again. */
+/** Reads a notebook afresh and erases what an interruption left in it; the server sends that again. */
 bool removeStrays(const CalendarStoreContext &context, const QString &notebookUid);
 
 } // namespace CalendarOrigin

@@ -9,7 +9,6 @@
 #include "easitems/easfolderitem.h"
 #include "storages/calendarattachmentservice.h"
 #include "storages/calendaritembatch.h"
-#include "storages/calendarorigin.h"
 
 #include <KCalendarCore/ICalFormat>
 
@@ -171,7 +170,7 @@ bool CalendarStorageImpl::touchItems(
 bool CalendarStorageImpl::queryLocalUpdates(const QString &localFolderId, qint64 from, qint64 &newTime,
     QList<EasCalendarItem> &added, QList<EasCalendarItem> &changed, QStringList &deletedServerIds)
 {
-    return isEnabled() && storeAvailable() && CalendarOrigin::removeStrays(mContext, localFolderId)
+    return isEnabled() && storeAvailable()
         && mLocalChanges.queryLocalUpdates(localFolderId, from, newTime, added, changed, deletedServerIds);
 }
 
