@@ -94,7 +94,7 @@ ItemActor::Edit EventActor::editServer(Dice &dice, const QSet<QString> &delicate
         return { before.subject, QStringLiteral("removed") };
     }
     const QDate day = before.start.date().addDays(1 + dice.below(Occurrences - 1));
-    if (what >= 5 && !before.rule)
+    if ((what >= 5 && !before.rule) || (what == 4 && before.rule))
         return {};
     mBed.editEvent(id, [&](ServerEvent &event) {
         if (what == 1) {
@@ -139,6 +139,9 @@ ItemActor::Edit EventActor::editDevice(Dice &dice, const QSet<QString> &delicate
         return { name, QStringLiteral("removed") };
     }
     const QDate day = event->dtStart().date().addDays(1 + dice.below(Occurrences - 1));
+    // Whether an occurrence of its own gets longer with its series is a matter of taste.
+    if (what == 4 && event->recurs())
+        return {};
     if (what >= 5 && (!event->recurs() || !event->recurrence()->recursOn(day, QTimeZone(zoneId))))
         return {};
     if (what == 1) {
