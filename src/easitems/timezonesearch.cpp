@@ -8,6 +8,8 @@
 namespace {
 
 constexpr int LongestPeriodYears = 10;
+/** A change on some weekday comes up to a week later in the year than the year before. */
+constexpr int LatestChangeDays = 14;
 /** Windows writes midnight as a moment before it. */
 constexpr qint64 ToleranceSeconds = 60;
 
@@ -38,7 +40,7 @@ TimeZoneSearch::TimeZoneSearch(
     , mFrom(from)
     , mTo(from.isValid() && to.isValid() ? qMin(to, from.addYears(LongestPeriodYears)) : to)
     , mRuleFrom(from.isValid() ? from : Clock::instance().currentDateTimeUtc())
-    , mRuleTo(mRuleFrom.addYears(1))
+    , mRuleTo(mRuleFrom.addYears(1).addDays(LatestChangeDays))
 {
 }
 

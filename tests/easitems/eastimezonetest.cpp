@@ -211,6 +211,20 @@ private Q_SLOTS:
         }
     }
 
+    void rubbishBesideAMonthOfZeroIsNoRule()
+    {
+        // As a server sends it for a zone that never changes its clocks: no names, and noise in the date.
+        const FixedClock clock(utc(2026, 11, 21));
+        MSTimeZoneInformation information;
+        information.bias = -330;
+        information.stdDate = rule(0, 32684, -32288, -32276);
+        information.stdDate.year = -1424;
+        information.stdDate.minute = 21902;
+        const QTimeZone zone = resolved(information);
+        QCOMPARE(zone.offsetFromUtc(utc(2026, 1, 1)), 330 * 60);
+        QCOMPARE(zone.offsetFromUtc(utc(2026, 7, 1)), 330 * 60);
+    }
+
     void midnightMayBeWrittenAsTheMomentBefore()
     {
         // Saturday 23:59:59.999 in place of Sunday 0:00.
