@@ -3,6 +3,9 @@
 
 #include "common/exchangeactivesync.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace {
 
 const char knownDeletionsName[] = "X-FENNEL-EAS-DELETED-OCCURRENCES";
@@ -48,17 +51,40 @@ QString CalendarEventProperties::occurrenceKey(const KCalendarCore::Event &serie
                            : ExchangeActiveSync::dateTimeToString(start);
 }
 
+bool CalendarEventProperties::isOccurrence(const KCalendarCore::Event &series, const QDateTime &start)
+{
+    if (!series.recurs())
+        return false;
+    const bool allDay = series.allDay();
+    const auto isSame = [allDay, &start](const QDateTime &other) {
+        return allDay ? other.date() == start.date() : other == start;
+    };
+    if (isSame(series.dtStart()))
+        return true;
+    const QList<QDateTime> single = series.recurrence()->rDateTimes();
+    const KCalendarCore::RecurrenceRule::List rules = series.recurrence()->rRules();
+    return std::any_of(single.begin(), single.end(), isSame)
+        || series.recurrence()->rDates().contains(start.date())
+        || std::any_of(rules.begin(), rules.end(), [&](const KCalendarCore::RecurrenceRule *rule) {
+               return allDay ? rule->recursOn(start.date(), series.dtStart().timeZone())
+                             : rule->recursAt(start);
+           });
+}
+
 QList<QDateTime> CalendarEventProperties::deletedOccurrences(const KCalendarCore::Event &series)
 {
     if (!series.recurs())
         return {};
-    QList<QDateTime> result = series.recurrence()->exDateTimes();
+    QList<QDateTime> excluded = series.recurrence()->exDateTimes();
     const KCalendarCore::DateList dates = series.recurrence()->exDates();
     for (const QDate &date : dates) {
         QDateTime start = series.dtStart();
         start.setDate(date);
-        result.append(start);
+        excluded.append(start);
     }
+    QList<QDateTime> result;
+    std::copy_if(excluded.begin(), excluded.end(), std::back_inserter(result),
+        [&series](const QDateTime &start) { return isOccurrence(series, start); });
     return result;
 }
 

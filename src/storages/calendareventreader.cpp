@@ -208,6 +208,12 @@ bool CalendarEventReader::applySeries(
         return true;
     const Event::List exceptions = mContext.calendar->eventInstances(event);
     for (const Event::Ptr &exception : exceptions) {
+        // Servers refuse a series for an exception that a change of its rule has left behind.
+        if (!CalendarEventProperties::isOccurrence(*event, exception->recurrenceId())) {
+            qCWarning(eas()) << "exception of no occurrence stays on the device:" << event->uid()
+                             << exception->recurrenceId();
+            continue;
+        }
         if (!applyException(exception, false, item, false)) {
             qCWarning(eas()) << "failed to apply exception" << event->uid();
             return false;

@@ -241,6 +241,12 @@ bool CalendarLocalQuery::applyChangedException(
 void CalendarLocalQuery::applyToSeries(const Event::Ptr &exception, bool deleted)
 {
     const QString uid = exception->uid();
+    const Event::Ptr series = mContext.calendar->event(uid);
+    if (series && !CalendarEventProperties::isOccurrence(*series, exception->recurrenceId())) {
+        qCWarning(eas()) << "exception of no occurrence stays on the device:" << uid
+                         << exception->recurrenceId();
+        return;
+    }
     if (mAdded.contains(uid)) {
         if (!applyChangedException(exception, deleted, mAdded[uid]))
             qCWarning(eas()) << "failed to applyException" << uid << "to calendar item";
@@ -255,7 +261,6 @@ void CalendarLocalQuery::applyToSeries(const Event::Ptr &exception, bool deleted
         qCDebug(eas()) << "skipping exception of the deleted event" << uid;
         return;
     }
-    const Event::Ptr series = mContext.calendar->event(uid);
     if (!series) {
         qCWarning(eas()) << "event is null for local id" << uid;
         return;

@@ -138,6 +138,34 @@ private Q_SLOTS:
         mStore->storage->unregisterObserver(&second);
     }
 
+    void observersAreCalledInTheirOrderAndTheCalendarComesFirst()
+    {
+        static QStringList order;
+        order.clear();
+        struct Named : CalendarNotices
+        {
+            explicit Named(const QString &name)
+                : name(name)
+            {
+            }
+            void storageModified(mKCal::ExtendedStorage *storage, const QString &) override
+            {
+                order.append(name + QString::number(storage->calendar()->rawEvents().size()));
+            }
+            const QString name;
+        };
+        Named first(QStringLiteral("first "));
+        Named second(QStringLiteral("second "));
+        mStore->storage->registerObserver(&first);
+        mStore->storage->registerObserver(&second);
+        QVERIFY(mStore->calendar->addEvent(makeEvent(QStringLiteral("event-1")), notebookUid));
+        QVERIFY(mStore->storage->save());
+        QTRY_VERIFY_WITH_TIMEOUT(order.size() >= 2, 60000);
+        QCOMPARE(order.mid(0, 2), (QStringList { QStringLiteral("first 0"), QStringLiteral("second 0") }));
+        mStore->storage->unregisterObserver(&first);
+        mStore->storage->unregisterObserver(&second);
+    }
+
     void aRemovedMarkerIsMadeAgain()
     {
         QVERIFY(QFile::remove(path() + QStringLiteral(".changed")));

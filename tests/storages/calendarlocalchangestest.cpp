@@ -404,6 +404,29 @@ private Q_SLOTS:
         QCOMPARE(found.updated.constFirst().exceptions().size(), version < ProtocolVersion160 ? 1 : 0);
     }
 
+    void whatAChangeOfTheRuleLeftBehindStays_data() { aNewExceptionOfAnUnchangedSeries_data(); }
+
+    void whatAChangeOfTheRuleLeftBehindStays()
+    {
+        QFETCH(int, version);
+        setVersion(ProtocolVersion(version));
+        QVERIFY(saveSeries());
+        QVERIFY(mScene->addException(QStringLiteral("series-1"), 2, QStringLiteral("moved")));
+        QVERIFY(mScene->addException(QStringLiteral("series-1"), 3, QStringLiteral("gone")));
+        QVERIFY(mScene->remove(QStringLiteral("series-1"), day(3)));
+        QVERIFY(mScene->edit(QStringLiteral("series-1"), [](const Event::Ptr &series) {
+            series->recurrence()->addExDateTime(series->dtStart().addDays(4));
+            series->setDtStart(series->dtStart().addSecs(3600));
+            series->setDtEnd(series->dtEnd().addSecs(3600));
+        }));
+        Found found = query();
+        QCOMPARE(found.updated.size(), 1);
+        QCOMPARE(found.updated.constFirst().startTime(), QStringLiteral("20240501T090000Z"));
+        QVERIFY(found.updated.constFirst().exceptions().isEmpty());
+        QVERIFY(acknowledge(found));
+        QVERIFY(query().isEmpty());
+    }
+
     void disabledClosedOrUnknown()
     {
         LogCollector log;
