@@ -3,13 +3,13 @@
 
 #include "common/easdbusinterfaceproxy.h"
 #include "common/exchangeactivesync.h"
+#include "support/waiting.h"
 
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QDBusPendingReply>
 #include <QDBusServiceWatcher>
 #include <QProcess>
-#include <QTest>
 
 #include <csignal>
 #include <sys/prctl.h>
@@ -56,7 +56,7 @@ bool DaemonProcess::start()
         [&](const QString &name) { serves = bus->servicePid(name).value() == mProcess->processId(); });
     mProcess->start(QStringLiteral(FENNEL_BINARY_DIR "/bin/") + program(), QStringList());
     startTimer();
-    const bool ended = QTest::qWaitFor([&] { return serves || hasDied(); }, Patience);
+    const bool ended = Waiting::until([&] { return serves || hasDied(); }, Patience);
     if (!ended || !serves)
         return false;
     connectToService();
@@ -79,7 +79,7 @@ int DaemonProcess::sync(EasAccountId accountId)
     const auto hasFinished = [&] {
         return reply.isFinished() && !reply.isError() && mFinished.contains(reply.value());
     };
-    if (!QTest::qWaitFor([&] { return hasFinished() || hasDied(); }, Patience))
+    if (!Waiting::until([&] { return hasFinished() || hasDied(); }, Patience))
         return NeverEnded;
     return hasFinished() ? mFinished.value(reply.value()) : Died;
 }

@@ -5,6 +5,7 @@
 #include "application/requestmanager.h"
 #include "support/bearer.h"
 #include "support/maillisting.h"
+#include "support/waiting.h"
 
 #include <QCoreApplication>
 #include <QTest>
@@ -48,7 +49,7 @@ void EngineTestBed::startEngine()
     connect(manager, &RequestManager::requestFinished, this,
         [this](EasAccountId, qulonglong requestId, int status) { mFinished.insert(requestId, status); });
     manager->init();
-    QTRY_VERIFY(manager->isReady() && manager->account(mAccountId));
+    QVERIFY(Waiting::until([&] { return manager->isReady() && manager->account(mAccountId); }, mPatience));
     mClock.setFast(true);
 }
 
@@ -149,7 +150,7 @@ int EngineTestBed::downloadAttachment(const QString &uri)
 
 int EngineTestBed::waitFor(qulonglong requestId)
 {
-    if (!QTest::qWaitFor([&] { return mFinished.contains(requestId); }, mPatience))
+    if (!Waiting::until([&] { return mFinished.contains(requestId); }, mPatience))
         return NeverEnded;
     return mFinished.value(requestId);
 }
