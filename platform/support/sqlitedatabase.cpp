@@ -126,9 +126,11 @@ bool SqliteDatabase::select(const QString &sql, const QVariantList &values, cons
     mStatements.remove(sql);
     while (own.next())
         row(own);
+    // Rows that could not be read are not rows that are not there.
+    const bool complete = !own.lastError().isValid() || fail(own);
     own.finish();
     mStatements.insert(sql, own);
-    return true;
+    return complete;
 }
 
 QList<quint64> SqliteDatabase::numbers(const QString &sql, const QVariantList &values)
