@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "easitems/easemailitem.h"
 #include "easitems/easfolderitem.h"
+#include "easitems/easgalitem.h"
 #include "easitems/itemoperationsfetchitem.h"
 #include "support/testmain.h"
 
@@ -43,6 +44,19 @@ private Q_SLOTS:
         QCOMPARE(item.id(), quint64(0));
         QCOMPARE(item.localStorageAccountId(), quint64(0));
         QCOMPARE(item.localCollectionId(), quint64(0));
+    }
+
+    void aContactOfTheAddressListClearsItsPicture()
+    {
+        EasGalItem item;
+        QCOMPARE(item.pictureStatus(), 0);
+        item.setPictureStatus(173);
+        item.setFirstName(QStringLiteral("Ada"));
+        const EasGalItem copy(item);
+        item.clear();
+        QCOMPARE(item.pictureStatus(), 0);
+        QVERIFY(item.firstName().isEmpty());
+        QCOMPARE(copy.pictureStatus(), 173);
     }
 
     void aCopyIsIndependent()
