@@ -45,7 +45,7 @@ bool ContactItemBatch::updateItems(const QString &folderServerId, QList<EasConta
     mWriter.keepAvatars();
     takeLocalIds(contacts, added);
     takeLocalIds(contacts, changed);
-    return mStrays.removeContacts(contactsToDelete, avatarFiles);
+    return mStrays.removeContacts(*folder.collection, contactsToDelete, avatarFiles);
 }
 
 bool ContactItemBatch::readMapping()

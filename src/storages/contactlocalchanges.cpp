@@ -3,6 +3,7 @@
 
 #include "application/easdatabase.h"
 #include "application/logging.h"
+#include "storages/contactavatars.h"
 #include "storages/contactfolders.h"
 #include "storages/contactreader.h"
 #include "storages/contactstorecontext.h"
@@ -107,13 +108,16 @@ bool ContactLocalChanges::appendStrays(const QContactCollection &collection, Con
         }
     }
     mHeldBack = heldBack;
-    return strays.removeContacts(gone, avatars);
+    return strays.removeContacts(collection, gone, avatars);
 }
 
 bool ContactLocalChanges::uploadedLocalChanges(const QStringList &addedLocalIds,
     const QStringList &changedLocalIds, const QStringList &deletedLocalIds) const
 {
+    const QMap<QString, QUrl> known =
+        EasDatabase::instance()->localContactIdsToAvatarsUrls(mContext.accountId);
     QList<QContactId> ids;
+    QList<QUrl> oldAvatars;
     for (const QString &localId : addedLocalIds + changedLocalIds + deletedLocalIds) {
         const QContactId id = QContactId::fromString(localId);
         if (id.isNull()) {
@@ -121,16 +125,22 @@ bool ContactLocalChanges::uploadedLocalChanges(const QStringList &addedLocalIds,
             continue;
         }
         // What was removed while its change was on its way waits for the server as a removal.
-        const bool isGone = mContext.manager->contact(id).id().isNull();
-        if (!isGone || deletedLocalIds.contains(localId))
-            ids.append(id);
+        const QContact contact = mContext.manager->contact(id);
+        if (contact.id().isNull() && !deletedLocalIds.contains(localId))
+            continue;
+        ids.append(id);
+        // The picture that came with it, if the user has given it another one or removed it.
+        if (contact.detail<QContactAvatar>().imageUrl() != known.value(localId))
+            oldAvatars.append(known.value(localId));
     }
     if (ids.isEmpty())
         return true;
     QContactManager::Error error = QContactManager::UnspecifiedError;
     auto *engine = mContext.engine();
-    if (engine && engine->clearChangeFlags(ids, &error))
+    if (engine && engine->clearChangeFlags(ids, &error)) {
+        ContactAvatars(mContext.accountId).removeAvatars(oldAvatars);
         return true;
+    }
     qCCritical(eas()) << "Unable to clear change flags for successfully upsynced contacts:" << error;
     return false;
 }

@@ -76,27 +76,42 @@ bool ContactStrays::hasLocalChange(const QContact &contact)
     return flags.testFlag(QContactStatusFlags::IsAdded) || flags.testFlag(QContactStatusFlags::IsModified);
 }
 
-bool ContactStrays::removeContacts(const QList<QContactId> &ids, const QList<QUrl> &avatarFiles) const
+bool ContactStrays::removeContacts(
+    const QContactCollection &collection, const QList<QContactId> &ids, const QList<QUrl> &avatarFiles) const
 {
     if (ids.isEmpty())
         return true;
-    QMap<int, QContactManager::Error> errors;
-    const bool removed = mContext.manager->removeContacts(ids, &errors);
-    const auto isReal = [](QContactManager::Error error) {
-        return error != QContactManager::NoError && error != QContactManager::DoesNotExistError;
-    };
-    if (!removed
-        && (isReal(mContext.manager->error()) || std::any_of(errors.cbegin(), errors.cend(), isReal))) {
-        qCCritical(eas()) << "Failed to remove contacts with error: " << mContext.manager->error();
+    QContactManager::Error error = QContactManager::UnspecifiedError;
+    auto *engine = mContext.engine();
+    if (!engine || !removePresent(collection, ids, &error) || !engine->clearChangeFlags(ids, &error)) {
+        qCCritical(eas()) << "Failed to remove contacts with error: " << error;
         return false;
     }
     qCInfo(eas()) << ids.size() << " contacts were removed";
-    // For the store this was a deletion of the user's; the server knows it already.
-    QContactManager::Error error = QContactManager::NoError;
-    if (auto *engine = mContext.engine())
-        engine->clearChangeFlags(ids, &error);
     ContactAvatars(mContext.accountId).removeAvatars(avatarFiles);
     return true;
+}
+
+bool ContactStrays::removePresent(
+    const QContactCollection &collection, const QList<QContactId> &ids, QContactManager::Error *error) const
+{
+    // Through the manager this would be a deletion of the user's until its flags are cleared, and go up as
+    // one if the process died in between. What the user has removed already is not there.
+    QList<QContact> contacts;
+    for (const QContactId &id : ids) {
+        QContact contact = mContext.manager->contact(id);
+        if (contact.id().isNull())
+            continue;
+        auto flags = contact.detail<QContactStatusFlags>();
+        flags.setFlag(QContactStatusFlags::IsDeleted, true);
+        contact.saveDetail(&flags, QContact::IgnoreAccessConstraints);
+        contacts.append(contact);
+    }
+    QContactCollection target = collection;
+    QHash<QContactCollection *, QList<QContact> *> modified { { &target, &contacts } };
+    return contacts.isEmpty()
+        || mContext.engine()->storeChanges(nullptr, &modified, {},
+            QtContactsSqliteExtensions::ContactManagerEngine::PreserveRemoteChanges, false, error);
 }
 
 void ContactStrays::repair() const
@@ -146,7 +161,7 @@ bool ContactStrays::repairFolder(const QContactCollection &collection) const
     }
     if (!ids.isEmpty())
         qCInfo(eas()) << "removing contacts of an interrupted run:" << ids.size();
-    return removeContacts(ids, avatars);
+    return removeContacts(collection, ids, avatars);
 }
 
 void ContactStrays::removeOrphanedPictures(const QList<QContactCollection> &collections) const

@@ -4,6 +4,7 @@
 #include "storages/contactfolders.h"
 
 #include <QtContacts/QContact>
+#include <QtContacts/QContactManager>
 
 #include <QList>
 #include <QMap>
@@ -30,7 +31,8 @@ public:
     static bool hasLocalChange(const QtContacts::QContact &contact);
 
     /** Takes contacts out of the store, with their pictures and without leaving a change. */
-    bool removeContacts(const QList<QtContacts::QContactId> &ids, const QList<QUrl> &avatarFiles) const;
+    bool removeContacts(const QtContacts::QContactCollection &collection,
+        const QList<QtContacts::QContactId> &ids, const QList<QUrl> &avatarFiles) const;
 
     /**
      * Heals what an interrupted run has left: folders and contacts that the mapping does not know, and
@@ -40,6 +42,8 @@ public:
     void repair() const;
 
 private:
+    bool removePresent(const QtContacts::QContactCollection &collection,
+        const QList<QtContacts::QContactId> &ids, QtContacts::QContactManager::Error *error) const;
     bool repairFolder(const QtContacts::QContactCollection &collection) const;
     bool removeUnknownFolder(const QtContacts::QContactCollection &collection) const;
     void removeOrphanedPictures(const QList<QtContacts::QContactCollection> &collections) const;

@@ -132,6 +132,26 @@ private Q_SLOTS:
         QCOMPARE(account.localChanges(), QStringLiteral("added: ; changed: ; deleted: 1"));
     }
 
+    void picturesOfWhatTheUserRemovedOrReplacedGo()
+    {
+        ContactAccount account;
+        account.addFolder();
+        QVERIFY(account.receive(
+            { withPicture(account, QStringLiteral("1")), withPicture(account, QStringLiteral("2")) }));
+        QCOMPARE(account.pictures().size(), 2);
+        const QContactId removed = account.contact(QStringLiteral("1")).id();
+        QVERIFY(account.store.manager().removeContact(removed));
+        QContact replaced = account.contact(QStringLiteral("2"));
+        QContactAvatar avatar = replaced.detail<QContactAvatar>();
+        avatar.setImageUrl(QUrl::fromLocalFile(QStringLiteral("/home/of/the/user/own.png")));
+        QVERIFY(replaced.saveDetail(&avatar));
+        QVERIFY(account.store.manager().saveContact(&replaced));
+        account.localChanges();
+        QVERIFY(
+            account.storage().uploadedLocalChanges({}, { replaced.id().toString() }, { removed.toString() }));
+        QVERIFY(account.pictures().isEmpty());
+    }
+
     void rubbishIsNoIdentifier()
     {
         ContactAccount account;

@@ -21,7 +21,72 @@ ContactScene::ContactScene(const QString &version)
         qFatal("no engine");
 }
 
-Contact ContactScene::full(int number)
+ContactSides::ContactSides(ContactFixture &store, Simulator::Mailbox &mailbox, EasAccountId accountId)
+    : mStore(store)
+    , mMailbox(mailbox)
+    , mAccountId(accountId)
+{
+}
+
+QStringList ContactSides::pictures() const
+{
+    QStringList files = QDir(QDir::homePath() + QStringLiteral("/.avatars/account-%1").arg(mAccountId))
+                            .entryList(QDir::Files);
+    files.sort();
+    return files;
+}
+
+Contact ContactSides::onWire(const QContact &contact) const
+{
+    ContactStoreContext context;
+    context.manager = &mStore.manager();
+    context.accountId = mAccountId;
+    const EasContactsItem item = ContactReader(context).convertContact(contact);
+    WbxmlEncoder encoder;
+    encoder.appendElement(Wbxml::AirSync::ApplicationData, true);
+    ContactsFields::itemFields().send(item, encoder, ExchangeActiveSync::ProtocolVersion141);
+    const Simulator::WbxmlCodec::Decoded decoded = Simulator::WbxmlCodec::decode(encoder.encoded());
+    Simulator::UploadShape shape;
+    shape.version = 0x1401;
+    const Simulator::ItemPtr uploaded = Simulator::ContactItem::fromUpload(decoded.root, shape);
+    if (!uploaded)
+        qWarning("the contact cannot be uploaded: %s", qPrintable(decoded.error));
+    return uploaded ? std::static_pointer_cast<const Simulator::ContactItem>(uploaded)->value() : Contact();
+}
+
+QStringList ContactSides::differences(
+    const QMap<QString, QString> &mapping, const QContactCollectionId &collection)
+{
+    QStringList found;
+    QSet<QContactId> seen;
+    const QString folder = mMailbox.folderOfType(Simulator::ContactsFolder).id;
+    for (const Simulator::ItemEntry &entry : mMailbox.items(folder)) {
+        const QContactId id = QContactId::fromString(mapping.value(entry.serverId));
+        const QContact contact = mStore.manager().contact(id);
+        if (contact.id().isNull()) {
+            found.append(QLatin1String("only on the server: ") + entry.serverId);
+            continue;
+        }
+        seen.insert(id);
+        const QStringList server = lines(*mMailbox.value<Simulator::ContactItem>(entry.serverId));
+        const QStringList device = lines(onWire(contact));
+        for (const QString &line : server) {
+            if (!device.contains(line))
+                found.append(entry.serverId + QLatin1String(" server: ") + line.left(100));
+        }
+        for (const QString &line : device) {
+            if (!server.contains(line))
+                found.append(entry.serverId + QLatin1String(" device: ") + line.left(100));
+        }
+    }
+    for (const QContact &contact : mStore.contacts(collection)) {
+        if (!seen.contains(contact.id()))
+            found.append(QLatin1String("only on the device: ") + ContactFixture::name(contact));
+    }
+    return found;
+}
+
+Contact ContactSides::full(int number)
 {
     Contact contact;
     for (const QString &field : Contact::textFields()) {
@@ -42,7 +107,7 @@ Contact ContactScene::full(int number)
     return contact;
 }
 
-QStringList ContactScene::lines(const Contact &contact)
+QStringList ContactSides::lines(const Contact &contact)
 {
     QStringList list;
     for (auto it = contact.texts().cbegin(); it != contact.texts().cend(); ++it) {
@@ -87,60 +152,15 @@ QStringList ContactScene::serverNames()
     return names;
 }
 
-QStringList ContactScene::pictures() const
+ContactSides ContactScene::sides()
 {
-    return QDir(QDir::homePath() + QStringLiteral("/.avatars/account-%1").arg(mBed.accountId()))
-        .entryList(QDir::Files);
-}
-
-Contact ContactScene::onWire(const QContact &contact)
-{
-    ContactStoreContext context;
-    context.manager = &mStore.manager();
-    context.accountId = mBed.accountId();
-    const EasContactsItem item = ContactReader(context).convertContact(contact);
-    WbxmlEncoder encoder;
-    encoder.appendElement(Wbxml::AirSync::ApplicationData, true);
-    ContactsFields::itemFields().send(item, encoder, ExchangeActiveSync::ProtocolVersion141);
-    const Simulator::WbxmlCodec::Decoded decoded = Simulator::WbxmlCodec::decode(encoder.encoded());
-    Simulator::UploadShape shape;
-    shape.version = 0x1401;
-    const Simulator::ItemPtr uploaded = Simulator::ContactItem::fromUpload(decoded.root, shape);
-    if (!uploaded)
-        qWarning("the contact cannot be uploaded: %s", qPrintable(decoded.error));
-    return uploaded ? std::static_pointer_cast<const Simulator::ContactItem>(uploaded)->value() : Contact();
+    return ContactSides(mStore, mBed.mailbox(), mBed.accountId());
 }
 
 QStringList ContactScene::differences()
 {
-    const QMap<QString, QString> localIds =
-        EasDatabase::instance()->serverToLocalContactIds(mBed.accountId());
-    QStringList found;
-    QSet<QContactId> seen;
-    for (const Simulator::ItemEntry &entry : mBed.mailbox().items(mBed.contactsId())) {
-        const QContactId id = QContactId::fromString(localIds.value(entry.serverId));
-        const QContact contact = mStore.manager().contact(id);
-        if (contact.id().isNull()) {
-            found.append(QLatin1String("only on the server: ") + entry.serverId);
-            continue;
-        }
-        seen.insert(id);
-        const QStringList server = lines(*mBed.serverContact(entry.serverId));
-        const QStringList device = lines(onWire(contact));
-        for (const QString &line : server) {
-            if (!device.contains(line))
-                found.append(entry.serverId + QLatin1String(" server: ") + line.left(100));
-        }
-        for (const QString &line : device) {
-            if (!server.contains(line))
-                found.append(entry.serverId + QLatin1String(" device: ") + line.left(100));
-        }
-    }
-    for (const QContact &contact : deviceContacts()) {
-        if (!seen.contains(contact.id()))
-            found.append(QLatin1String("only on the device: ") + ContactFixture::name(contact));
-    }
-    return found;
+    return sides().differences(
+        EasDatabase::instance()->serverToLocalContactIds(mBed.accountId()), collection());
 }
 
 bool ContactScene::furtherSyncIsSilent()
