@@ -15,21 +15,19 @@ using KCalendarCore::Incidence;
 
 namespace {
 
-const char zonesBegin[] = "BEGIN:VTIMEZONE";
-
-/** One component without its zones: they are known by their names, and the times that need them stand aside.
- */
+/** A calendar of one component without the zones: they are known by name, and times that need more stand
+ * aside. */
 QByteArray toText(const Incidence::Ptr &incidence)
 {
-    KCalendarCore::ICalFormat format;
-    // A copy is written: writing alarms notes something in them, which would count as a change.
-    const QByteArray text = format.toString(Incidence::Ptr(incidence->clone())).toUtf8();
-    if (text.isEmpty())
-        return text;
-    const int zones = text.indexOf(zonesBegin);
-    const QByteArray component = zones < 0 ? text : text.left(zones);
-    return "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//Fennel//mkcal//EN\r\n" + component
-        + "END:VCALENDAR\r\n";
+    // Not toString(), which loses memory with each call. It would also note something in the alarms, which
+    // counts as a change; here they are those of a copy.
+    QByteArray text = KCalendarCore::ICalFormat().toICalString(incidence).toUtf8();
+    const QByteArray zonesEnd("\r\nEND:VTIMEZONE\r\n");
+    const int begin = text.indexOf("\r\nBEGIN:VTIMEZONE\r\n");
+    const int end = text.lastIndexOf(zonesEnd);
+    if (begin >= 0 && end > begin)
+        text.remove(begin, end + zonesEnd.size() - 2 - begin);
+    return text;
 }
 
 Incidence::Ptr fromText(const QByteArray &text)
