@@ -1,11 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/calendarlocalchanges.h"
+#include "storages/localchangestestbase.h"
 
-#include "application/easdatabase.h"
-#include "storages/calendareventproperties.h"
 #include "storages/calendarlocalchecks.h"
 #include "storages/calendartimestamps.h"
-#include "support/calendarscene.h"
 #include "support/logcollector.h"
 #include "support/testmain.h"
 
@@ -19,82 +16,12 @@ using namespace ExchangeActiveSync;
 using KCalendarCore::Event;
 using KCalendarCore::Incidence;
 
-namespace {
-
-/** What one search finds. */
-struct Found
-{
-    bool done = false;
-    qint64 queryTime = 0;
-    QList<EasCalendarItem> added;
-    QList<EasCalendarItem> updated;
-    QStringList deleted;
-
-    bool isEmpty() const { return added.isEmpty() && updated.isEmpty() && deleted.isEmpty(); }
-};
-
-} // namespace
-
 /** What the user changed, and what the engine itself wrote. */
-class CalendarLocalChangesTest : public QObject
+class CalendarLocalChangesTest : public LocalChangesTestBase
 {
     Q_OBJECT
 
-private:
-    std::unique_ptr<CalendarScene> mScene;
-    std::unique_ptr<CalendarLocalChanges> mChanges;
-    /** Between the time of the synced events and that of the user's edits. */
-    const qint64 mLastSync = 1650000000;
-
-    Found query(qint64 after = 0)
-    {
-        Found found;
-        found.done = mChanges->queryLocalUpdates(mScene->folder, after == 0 ? mLastSync : after,
-            found.queryTime, found.added, found.updated, found.deleted);
-        return found;
-    }
-
-    /** What a request does once the server has taken everything. */
-    bool acknowledge(Found &found)
-    {
-        for (EasCalendarItem &item : found.added)
-            item.setServerId(QStringLiteral("f1:new-") + item.localId());
-        return mChanges->uploadedLocalChanges(found.added, found.updated, found.deleted)
-            && EasDatabase::instance()->calendarItemsChanges(
-                mScene->accountId(), found.added, found.updated, found.deleted, {});
-    }
-
-    static Event::Ptr event(const QString &uid, qint64 modified = 1600000000)
-    {
-        return CalendarScene::makeEvent(uid, modified);
-    }
-
-    bool saveSeries()
-    {
-        return mScene->saveSynced(
-            CalendarScene::makeSeries(QStringLiteral("series-1")), QStringLiteral("f1:s"));
-    }
-
-    QDateTime day(int number) const
-    {
-        return CalendarScene::makeEvent(QStringLiteral("any")).data()->dtStart().addDays(number);
-    }
-
-    void setVersion(ProtocolVersion version) { mScene->account.setProtocolVersion(version); }
-
 private Q_SLOTS:
-    void init()
-    {
-        mScene = std::make_unique<CalendarScene>();
-        mChanges = std::make_unique<CalendarLocalChanges>(mScene->context);
-    }
-
-    void cleanup()
-    {
-        mChanges.reset();
-        mScene.reset();
-    }
-
     void whatIsSyncedIsNoChange()
     {
         QVERIFY(mScene->saveSynced(event(QStringLiteral("event-1")), QStringLiteral("f1:1")));
@@ -270,163 +197,6 @@ private Q_SLOTS:
         QCOMPARE(found.updated.constFirst().subject(), QStringLiteral("second"));
     }
 
-    void aNewExceptionOfAnUnchangedSeries_data()
-    {
-        QTest::addColumn<int>("version");
-        QTest::newRow("within the series") << int(ProtocolVersion141);
-        QTest::newRow("on its own") << int(ProtocolVersion160);
-    }
-
-    void aNewExceptionOfAnUnchangedSeries()
-    {
-        QFETCH(int, version);
-        setVersion(ProtocolVersion(version));
-        QVERIFY(saveSeries());
-        QVERIFY(mScene->addException(QStringLiteral("series-1"), 2, QStringLiteral("moved")));
-        QVERIFY(mChanges->hasLocalUpdates(mScene->notebookUid, mLastSync));
-        Found found = query();
-        QVERIFY(found.added.isEmpty() && found.deleted.isEmpty());
-        QCOMPARE(found.updated.size(), 1);
-        QCOMPARE(found.updated.constFirst().serverId(), QStringLiteral("f1:s"));
-        QCOMPARE(found.updated.constFirst().exceptions().size(), 1);
-        const EasCalendarItem exception = found.updated.constFirst().exceptions().constFirst();
-        QCOMPARE(exception.subject(), QStringLiteral("moved"));
-        QVERIFY(exception.itemChanged());
-        QVERIFY(acknowledge(found));
-        QVERIFY(query().isEmpty());
-    }
-
-    void otherExceptionsStayWithTheirSeries()
-    {
-        QVERIFY(saveSeries());
-        QVERIFY(mScene->addException(QStringLiteral("series-1"), 1, QStringLiteral("old"), 1600000000));
-        QVERIFY(mScene->addException(QStringLiteral("series-1"), 2, QStringLiteral("new")));
-        Found found = query();
-        QCOMPARE(found.updated.size(), 1);
-        const QList<EasCalendarItem> exceptions = found.updated.constFirst().exceptions();
-        QCOMPARE(exceptions.size(), 2);
-        for (const EasCalendarItem &exception : exceptions)
-            QCOMPARE(exception.itemChanged(), exception.subject() == QLatin1String("new"));
-        setVersion(ProtocolVersion161);
-        found = query();
-        QCOMPARE(found.updated.constFirst().exceptions().size(), 1);
-        QCOMPARE(found.updated.constFirst().exceptions().constFirst().subject(), QStringLiteral("new"));
-    }
-
-    void anEditedExceptionOfAnEditedSeries()
-    {
-        QVERIFY(saveSeries());
-        QVERIFY(mScene->addException(QStringLiteral("series-1"), 2, QStringLiteral("moved")));
-        QVERIFY(mScene->edit(QStringLiteral("series-1"),
-            [](const Event::Ptr &event) { event->setSummary(QStringLiteral("edited")); }));
-        const Found found = query();
-        QCOMPARE(found.updated.size(), 1);
-        QCOMPARE(found.updated.constFirst().subject(), QStringLiteral("edited"));
-        QCOMPARE(found.updated.constFirst().exceptions().size(), 1);
-        QVERIFY(found.updated.constFirst().exceptions().constFirst().itemChanged());
-    }
-
-    void aNewSeriesWithAnException()
-    {
-        QVERIFY(mScene->save(CalendarScene::makeSeries(QStringLiteral("series-1"), mLastSync + 10)));
-        QVERIFY(mScene->addException(QStringLiteral("series-1"), 2, QStringLiteral("moved"), mLastSync + 20));
-        const Found found = query();
-        QVERIFY(found.updated.isEmpty());
-        QCOMPARE(found.added.size(), 1);
-        QCOMPARE(found.added.constFirst().exceptions().size(), 1);
-        QVERIFY(found.added.constFirst().exceptions().constFirst().itemChanged());
-    }
-
-    void aDeletedException_data() { aNewExceptionOfAnUnchangedSeries_data(); }
-
-    void aDeletedException()
-    {
-        QFETCH(int, version);
-        setVersion(ProtocolVersion(version));
-        QVERIFY(saveSeries());
-        QVERIFY(mScene->addException(QStringLiteral("series-1"), 2, QStringLiteral("moved"), 1600000000));
-        QVERIFY(mScene->remove(QStringLiteral("series-1"), day(2)));
-        QVERIFY(mChanges->hasLocalUpdates(mScene->notebookUid, mLastSync));
-        Found found = query();
-        QVERIFY(found.deleted.isEmpty());
-        QCOMPARE(found.updated.size(), 1);
-        QCOMPARE(found.updated.constFirst().exceptions().size(), 1);
-        const EasCalendarItem exception = found.updated.constFirst().exceptions().constFirst();
-        QCOMPARE(exception.exceptionDeleted(), quint8(1));
-        QCOMPARE(exception.exceptionStartTime(), QStringLiteral("20240503T080000Z"));
-        QCOMPARE(exception.serverId(), QStringLiteral("f1:s"));
-
-        // To the server the occurrence is gone, and so it is here.
-        QVERIFY(acknowledge(found));
-        QVERIFY(query().isEmpty());
-        const Event::Ptr series = mScene->load(QStringLiteral("series-1"));
-        QVERIFY(!series->recursAt(day(2)));
-        QVERIFY(series->recursAt(day(3)));
-        QVERIFY(!mChanges->hasLocalUpdates(mScene->notebookUid, mLastSync));
-    }
-
-    void aDeletedSeriesTakesItsExceptionsAlong()
-    {
-        LogCollector log;
-        QVERIFY(saveSeries());
-        QVERIFY(mScene->addException(QStringLiteral("series-1"), 2, QStringLiteral("moved"), 1600000000));
-        QVERIFY(mScene->remove(QStringLiteral("series-1")));
-        Found found = query();
-        QCOMPARE(found.deleted, QStringList(QStringLiteral("f1:s")));
-        QVERIFY(found.updated.isEmpty());
-        QVERIFY(log.contains(QStringLiteral("skipping exception of the deleted event")));
-        QVERIFY(acknowledge(found));
-        QVERIFY(query().isEmpty());
-    }
-
-    void anExcludedOccurrence_data() { aNewExceptionOfAnUnchangedSeries_data(); }
-
-    void anExcludedOccurrence()
-    {
-        QFETCH(int, version);
-        setVersion(ProtocolVersion(version));
-        QVERIFY(saveSeries());
-        QVERIFY(mScene->edit(QStringLiteral("series-1"), [](const Event::Ptr &series) {
-            series->recurrence()->addExDateTime(series->dtStart().addDays(4));
-        }));
-        Found found = query();
-        QCOMPARE(found.updated.size(), 1);
-        QCOMPARE(found.updated.constFirst().exceptions().size(), 1);
-        QCOMPARE(found.updated.constFirst().exceptions().constFirst().exceptionDeleted(), quint8(1));
-        QVERIFY(acknowledge(found));
-        QVERIFY(query().isEmpty());
-        // The next change of the series does not delete it again where deletions go up one by one.
-        QVERIFY(mScene->edit(
-            QStringLiteral("series-1"),
-            [](const Event::Ptr &series) { series->setSummary(QStringLiteral("edited")); }, 1700000100));
-        found = query();
-        QCOMPARE(found.updated.size(), 1);
-        QCOMPARE(found.updated.constFirst().exceptions().size(), version < ProtocolVersion160 ? 1 : 0);
-    }
-
-    void whatAChangeOfTheRuleLeftBehindStays_data() { aNewExceptionOfAnUnchangedSeries_data(); }
-
-    void whatAChangeOfTheRuleLeftBehindStays()
-    {
-        QFETCH(int, version);
-        setVersion(ProtocolVersion(version));
-        QVERIFY(saveSeries());
-        QVERIFY(mScene->addException(QStringLiteral("series-1"), 2, QStringLiteral("moved")));
-        QVERIFY(mScene->addException(QStringLiteral("series-1"), 3, QStringLiteral("gone")));
-        QVERIFY(mScene->remove(QStringLiteral("series-1"), day(3)));
-        QVERIFY(mScene->edit(QStringLiteral("series-1"), [](const Event::Ptr &series) {
-            series->recurrence()->addExDateTime(series->dtStart().addDays(4));
-            series->setDtStart(series->dtStart().addSecs(3600));
-            series->setDtEnd(series->dtEnd().addSecs(3600));
-        }));
-        Found found = query();
-        QCOMPARE(found.updated.size(), 1);
-        QCOMPARE(found.updated.constFirst().startTime(), QStringLiteral("20240501T090000Z"));
-        QVERIFY(found.updated.constFirst().exceptions().isEmpty());
-        QVERIFY(acknowledge(found));
-        QVERIFY(query().isEmpty());
-    }
-
     void disabledClosedOrUnknown()
     {
         LogCollector log;
@@ -488,45 +258,6 @@ private Q_SLOTS:
         QVERIFY(mScene->save(event(QStringLiteral("event-1"), mLastSync + 10)));
         QCOMPARE(mChanges->handleLocalUpdates(), QStringList(mScene->notebookUid));
         QVERIFY(log.contains(QtInfoMsg, { QStringLiteral("Found local updates in:") }));
-    }
-
-    void touchedExceptionsGoUpOnce()
-    {
-        setVersion(ProtocolVersion160);
-        QVERIFY(saveSeries());
-        QVERIFY(mScene->addException(QStringLiteral("series-1"), 2, QStringLiteral("moved"), 1600000000));
-        QVERIFY(query().isEmpty());
-        LogCollector log;
-        QVERIFY(mChanges->touchItems(mScene->folder,
-            { { QStringLiteral("series-1"), QStringLiteral("20240503T080000Z") },
-                { QStringLiteral("no event"), QStringLiteral("20240503T080000Z") } }));
-        QVERIFY(log.contains(QtInfoMsg, { QStringLiteral("Touth time:") }));
-        QVERIFY(log.contains(QtWarningMsg,
-            { QStringLiteral("Event"), QStringLiteral("no event"),
-                QStringLiteral("not found in Calendar storage") }));
-        Found found = query();
-        QCOMPARE(found.updated.size(), 1);
-        QCOMPARE(found.updated.constFirst().exceptions().size(), 1);
-        QVERIFY(acknowledge(found));
-        QVERIFY(query().isEmpty());
-    }
-
-    void aTouchCountsEvenInTheSecondOfTheUpload()
-    {
-        setVersion(ProtocolVersion160);
-        const qint64 inAMoment = QDateTime::currentSecsSinceEpoch() + 1000;
-        QVERIFY(mScene->saveSynced(
-            CalendarScene::makeSeries(QStringLiteral("series-1"), inAMoment), QStringLiteral("f1:s")));
-        QVERIFY(mScene->edit(
-            QStringLiteral("series-1"),
-            [](const Event::Ptr &series) {
-                series->recurrence()->addExDateTime(series->dtStart().addDays(4));
-            },
-            inAMoment));
-        QVERIFY(query().isEmpty());
-        QVERIFY(mChanges->touchItems(
-            mScene->folder, { { QStringLiteral("series-1"), QStringLiteral("20240505T080000Z") } }));
-        QCOMPARE(query().updated.size(), 1);
     }
 
     void aMappingThatCannotBeReadStopsTheSearch()
