@@ -475,7 +475,7 @@ private Q_SLOTS:
         QCOMPARE(series.getNextDateTime(Start.addSecs(-1)), Start);
         QVERIFY(series.endDateTime().isNull() || series.endDateTime() > Start);
         const Recurrence back = read(event);
-        QVERIFY2(timer.elapsed() < 20000, "a machine under load counts to ten thousand in this time");
+        QVERIFY2(timer.elapsed() < 60000, "a machine under load counts to ten thousand in this time");
         QCOMPARE(back.until(), sent.until());
         QCOMPARE(back.interval(), sent.interval());
         QCOMPARE(back.occurrences(), sent.occurrences() == 9999 ? 9999 : 0);
