@@ -233,11 +233,12 @@ private Q_SLOTS:
         QCOMPARE(call(QStringLiteral("protocolVersion"), qulonglong(account)).arguments().first().toInt(), 0);
         QVERIFY(factory.setValue(
             account, QString(), QStringLiteral("last_known_versions"), QStringLiteral("14.1,2.5,16.0,12.1")));
-        QCOMPARE(
+        // The account library tells the service's thread of a change in its own time.
+        QTRY_COMPARE(
             call(QStringLiteral("protocolVersion"), qulonglong(account)).arguments().first().toInt(), 0x1600);
         QVERIFY(factory.setValue(account, QString(), QStringLiteral("connection/emailaddress"),
             QStringLiteral("alice@example.org")));
-        QCOMPARE(call(QStringLiteral("emailAddress"), qulonglong(account)).arguments().first().toString(),
+        QTRY_COMPARE(call(QStringLiteral("emailAddress"), qulonglong(account)).arguments().first().toString(),
             QStringLiteral("alice@example.org"));
     }
 
