@@ -20,17 +20,25 @@ QString ContactFixture::Changes::counts() const
 }
 
 ContactFixture::ContactFixture()
-    : mManager(ContactStoreManager::create(nullptr))
 {
-    if (!mManager)
+    empty();
+    mManager.reset(ContactStoreManager::create(nullptr));
+}
+
+void ContactFixture::empty()
+{
+    // By a manager of its own, which ends before the test's begins: that one does not hear of it.
+    const std::unique_ptr<QContactManager> manager(ContactStoreManager::create(nullptr));
+    if (!manager)
         return;
-    mManager->removeContacts(mManager->contactIds());
-    const QContactCollectionId own = mManager->defaultCollectionId();
-    const QList<QContactCollection> collections = mManager->collections();
+    auto *engine = QtContactsSqliteExtensions::contactManagerEngine(*manager);
+    manager->removeContacts(manager->contactIds());
+    const QContactCollectionId own = manager->defaultCollectionId();
+    const QList<QContactCollection> collections = manager->collections();
     for (const QContactCollection &collection : collections) {
         QContactManager::Error error = QContactManager::NoError;
-        if (collection.id() != own && mManager->removeCollection(collection.id()))
-            engine()->clearChangeFlags(collection.id(), &error);
+        if (collection.id() != own && manager->removeCollection(collection.id()))
+            engine->clearChangeFlags(collection.id(), &error);
     }
 }
 

@@ -47,6 +47,8 @@ public:
     static QtContacts::QContact named(const QString &firstName);
 
 private:
+    static void empty();
+
     // The first engine decides whether there is a bus for this process.
     bool mHasBus = PrivateBus::ensure();
     std::unique_ptr<QtContacts::QContactManager> mManager;
