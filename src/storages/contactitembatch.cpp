@@ -106,7 +106,7 @@ bool ContactItemBatch::handleAddedContacts(QList<EasContactsItem> &items, Contac
         }
         prepare(items[i], i, contacts);
     }
-    return true;
+    return !mWriter.hasFailed();
 }
 
 bool ContactItemBatch::handleUpdatedContacts(QList<EasContactsItem> &items, Contacts &contacts)
@@ -117,7 +117,7 @@ bool ContactItemBatch::handleUpdatedContacts(QList<EasContactsItem> &items, Cont
         items[i].setAvatarUrl(mAvatars.value(localId));
         prepare(items[i], i, contacts);
     }
-    return true;
+    return !mWriter.hasFailed();
 }
 
 void ContactItemBatch::prepare(EasContactsItem &item, int index, Contacts &contacts)
@@ -140,10 +140,12 @@ bool ContactItemBatch::handleDeletedContacts(
             qCWarning(eas()) << "Cannot map contact with identifer " << serverId;
             continue;
         }
+        QContact contact;
+        if (!mContext.read(id, &contact))
+            return false;
         qCDebug(eas()) << "Contact " << id << " to remove";
         contacts.append(id);
-        for (const QUrl &url :
-            { mAvatars.value(localId), mContext.manager->contact(id).detail<QContactAvatar>().imageUrl() }) {
+        for (const QUrl &url : { mAvatars.value(localId), contact.detail<QContactAvatar>().imageUrl() }) {
             if (url.isEmpty() || avatarFiles.contains(url))
                 continue;
             qCDebug(eas()) << "Avatar file " << url.toLocalFile();

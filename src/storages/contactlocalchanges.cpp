@@ -125,7 +125,9 @@ bool ContactLocalChanges::uploadedLocalChanges(const QStringList &addedLocalIds,
             continue;
         }
         // What was removed while its change was on its way waits for the server as a removal.
-        const QContact contact = mContext.manager->contact(id);
+        QContact contact;
+        if (!mContext.read(id, &contact))
+            return false;
         if (contact.id().isNull() && !deletedLocalIds.contains(localId))
             continue;
         ids.append(id);

@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "storages/contactstorecontext.h"
 
+#include "application/logging.h"
+
 #include <qtcontacts-extensions.h>
+
+QTCONTACTS_USE_NAMESPACE
 
 QString ContactStoreContext::applicationName()
 {
@@ -11,6 +15,16 @@ QString ContactStoreContext::applicationName()
 QtContactsSqliteExtensions::ContactManagerEngine *ContactStoreContext::engine() const
 {
     return manager ? QtContactsSqliteExtensions::contactManagerEngine(*manager) : nullptr;
+}
+
+bool ContactStoreContext::read(const QContactId &id, QContact *contact) const
+{
+    *contact = manager->contact(id);
+    const QContactManager::Error error = manager->error();
+    if (error == QContactManager::NoError || error == QContactManager::DoesNotExistError)
+        return true;
+    qCCritical(eas()) << "failed to read contact" << id << error;
+    return false;
 }
 
 QString ContactStoreContext::guid(const QString &serverId) const

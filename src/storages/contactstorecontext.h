@@ -23,6 +23,9 @@ struct ContactStoreContext
     /** The manager's extension. */
     QtContactsSqliteExtensions::ContactManagerEngine *engine() const;
 
+    /** Reads a contact, which is empty if there is none. False if the store could not be asked. */
+    bool read(const QtContacts::QContactId &id, QtContacts::QContact *contact) const;
+
     /** What a contact of the server's is known by, whatever becomes of the mapping. */
     QString guid(const QString &serverId) const;
     /** The server identifier in such a text; empty for any other. */

@@ -48,7 +48,9 @@ bool ContactStrays::find(const QContactCollection &collection, QList<QContact> *
     for (const QContactId &id : ids) {
         if (mapped.contains(id.toString()))
             continue;
-        const QContact contact = mContext.manager->contact(id);
+        QContact contact;
+        if (!mContext.read(id, &contact))
+            return false;
         if (!contact.id().isNull())
             strays->append(contact);
     }
@@ -99,7 +101,9 @@ bool ContactStrays::removePresent(
     // one if the process died in between. What the user has removed already is not there.
     QList<QContact> contacts;
     for (const QContactId &id : ids) {
-        QContact contact = mContext.manager->contact(id);
+        QContact contact;
+        if (!mContext.read(id, &contact))
+            return false;
         if (contact.id().isNull())
             continue;
         auto flags = contact.detail<QContactStatusFlags>();

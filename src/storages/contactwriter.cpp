@@ -70,13 +70,16 @@ QContact ContactWriter::prepareContact(EasContactsItem &item)
     return contact;
 }
 
-bool ContactWriter::loadContact(const EasContactsItem &item, QContact *contact) const
+bool ContactWriter::loadContact(const EasContactsItem &item, QContact *contact)
 {
     if (!mContext.manager) {
         qCCritical(eas()) << "manager is null";
         return false;
     }
-    *contact = mContext.manager->contact(QContactId::fromString(item.localId()));
+    if (!mContext.read(QContactId::fromString(item.localId()), contact)) {
+        mFailed = true;
+        return false;
+    }
     if (!contact->id().isNull())
         return true;
     qCWarning(eas()) << "contact does not exist, cannot prepare: " << item.serverId() << " -> "

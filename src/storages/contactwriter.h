@@ -26,6 +26,9 @@ public:
      */
     QtContacts::QContact prepareContact(EasContactsItem &item);
 
+    /** Whether a contact could not be prepared because the store could not be asked. */
+    bool hasFailed() const { return mFailed; }
+
     /** The contacts are stored: pictures that they had before are removed. */
     void keepAvatars();
     /** They are not: their new pictures are removed. */
@@ -35,7 +38,7 @@ public:
     static QString getRawEmailAddress(const QString &text);
 
 private:
-    bool loadContact(const EasContactsItem &item, QtContacts::QContact *contact) const;
+    bool loadContact(const EasContactsItem &item, QtContacts::QContact *contact);
     void saveOrigin(QtContacts::QContact &contact, const EasContactsItem &item) const;
     void saveDates(QtContacts::QContact &contact, const EasContactsItem &item) const;
     void saveTags(QtContacts::QContact &contact, const EasContactsItem &item) const;
@@ -46,4 +49,5 @@ private:
     const ContactAvatars mAvatars;
     QList<QUrl> mCreated;
     QList<QUrl> mObsolete;
+    bool mFailed = false;
 };

@@ -106,13 +106,15 @@ ContactSync::Error ContactSync::remove(const QContact &contact, quint64 collecti
 {
     const quint64 number = ContactIds::number(contact.id());
     // Somebody may have removed it here in the meantime.
-    if (mContacts.collectionOf(number) == collection) {
+    const bool isThere = mContacts.collectionOf(number) == collection;
+    if (isThere) {
         mChanges.add(ContactChanges::ContactsRemoved, number);
         mChanges.add(ContactChanges::CollectionContactsChanged, collection);
     }
     if (number == 0)
         return QContactManager::DoesNotExistError;
-    mContacts.remove(number, ContactTable::Synchronised);
+    if (!mContacts.remove(number, ContactTable::Synchronised) && isThere)
+        return QContactManager::UnspecifiedError;
     stored->append(contact);
     return QContactManager::NoError;
 }
