@@ -27,8 +27,8 @@ void print(const QString &line)
 int main(int argc, char **argv)
 {
     QCoreApplication application(argc, argv);
-    const QContactCollectionId collection
-        = QContactCollectionId::fromString(application.arguments().value(1));
+    const QContactCollectionId collection =
+        QContactCollectionId::fromString(application.arguments().value(1));
     QContactManager manager(QStringLiteral("org.plover.contacts.sqlite"));
     if (manager.collection(collection).id() != collection)
         return 2;
