@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "protocolfiles.h"
 #include "samplecontacts.h"
-#include "support/sampleevents.h"
 #include "samplemessages.h"
 #include "simulatorclient.h"
+#include "support/sampleevents.h"
 
 #include "simulator/contactitem.h"
 #include "simulator/eventitem.h"
