@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-// The other side of the measurements: a simulated Exchange with so many generated messages, whose answers can
-// be recorded and given again, so that they cost the server next to nothing.
+// The other side of the measurements: a simulated Exchange with so many generated items, whose answers can be
+// recorded and given again, so that they cost the server next to nothing.
+#include "mailboxitems.h"
+
+#include "simulator/contactitem.h"
+#include "simulator/eventitem.h"
 #include "simulator/exchangeserver.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QDataStream>
-#include <QDateTime>
 #include <QFile>
 #include <QSocketNotifier>
 
@@ -18,40 +21,42 @@ using namespace Simulator;
 
 namespace {
 
-constexpr int messageSize = 4096;
-constexpr int lineLength = 70;
-
 QString optionsCommand()
 {
     return QStringLiteral("OPTIONS");
 }
 
-/** A message of its own text; the later the number the older it is. */
-QByteArray message(int number)
+void fill(Mailbox &mailbox, int messages, int events, int contacts)
 {
-    const QDateTime date = QDateTime::currentDateTimeUtc().addSecs(-number);
-    QByteArray text = QStringLiteral("From: Ada Lovelace <ada@example.com>\r\n"
-                                     "To: Charles Babbage <charles@example.com>\r\n"
-                                     "Subject: Notes on the engine, part %1\r\n"
-                                     "Date: %2\r\n"
-                                     "Message-ID: <%1@example.com>\r\n"
-                                     "MIME-Version: 1.0\r\n"
-                                     "Content-Type: text/plain; charset=utf-8\r\n\r\n")
-                          .arg(number)
-                          .arg(date.toString(Qt::RFC2822Date))
-                          .toUtf8();
-    const QByteArray sentence =
-        "Part " + QByteArray::number(number) + " tells what the engine weaves, and why. ";
-    while (text.size() < messageSize)
-        text += sentence.repeated(1 + lineLength / sentence.size()).left(lineLength) + "\r\n";
-    return text;
+    for (int number = 1; number <= messages; ++number)
+        mailbox.deliver(mailbox.inboxId(), MailboxItems::message(number));
+    for (int number = 0; number < events; ++number)
+        mailbox.addItem(
+            mailbox.folderOfType(CalendarFolder).id, EventItem::make(MailboxItems::event(number)));
+    for (int number = 0; number < contacts; ++number)
+        mailbox.addItem(
+            mailbox.folderOfType(ContactsFolder).id, ContactItem::make(MailboxItems::contact(number)));
 }
 
-void fill(Mailbox &mailbox, int count)
+/** How many events and exceptions, contacts and pictures there are. */
+std::string count(const Mailbox &mailbox)
 {
-    const QString inbox = mailbox.inboxId();
-    for (int number = 1; number <= count; ++number)
-        mailbox.deliver(inbox, message(number));
+    int exceptions = 0;
+    const QVector<ItemEntry> events = mailbox.items(mailbox.folderOfType(CalendarFolder).id);
+    for (const ItemEntry &entry : events) {
+        for (const EventException &exception : mailbox.value<EventItem>(entry.serverId)->exceptions)
+            exceptions += exception.isDeleted ? 0 : 1;
+    }
+    int pictures = 0;
+    const QVector<ItemEntry> contacts = mailbox.items(mailbox.folderOfType(ContactsFolder).id);
+    for (const ItemEntry &entry : contacts)
+        pictures += mailbox.value<ContactItem>(entry.serverId)->picture().isEmpty() ? 0 : 1;
+    return QStringLiteral("%1 %2 %3 %4")
+        .arg(events.size())
+        .arg(exceptions)
+        .arg(contacts.size())
+        .arg(pictures)
+        .toStdString();
 }
 
 bool record(const ExchangeServer &server, const QString &fileName)
@@ -104,13 +109,19 @@ int main(int argc, char **argv)
     QCoreApplication application(argc, argv);
     QCommandLineParser parser;
     const QString file = QStringLiteral("file");
-    const QCommandLineOption messages(QStringLiteral("messages"), QStringLiteral("Messages in the Inbox."),
-        QStringLiteral("number"), QStringLiteral("0"));
+    const QString number = QStringLiteral("number");
+    const QString none = QStringLiteral("0");
+    const QCommandLineOption messages(
+        QStringLiteral("messages"), QStringLiteral("Messages in the Inbox."), number, none);
+    const QCommandLineOption events(
+        QStringLiteral("events"), QStringLiteral("Events in the Calendar."), number, none);
+    const QCommandLineOption contacts(
+        QStringLiteral("contacts"), QStringLiteral("Contacts in Contacts."), number, none);
     const QCommandLineOption recordTo(
         QStringLiteral("record"), QStringLiteral("Keep the answers there at the end."), file);
     const QCommandLineOption replayFrom(
         QStringLiteral("replay"), QStringLiteral("Give the answers that are kept there."), file);
-    parser.addOptions({ messages, recordTo, replayFrom });
+    parser.addOptions({ messages, events, contacts, recordTo, replayFrom });
     parser.process(application);
 
     ExchangeServer server;
@@ -120,7 +131,8 @@ int main(int argc, char **argv)
     if (isReplay && !replay(server, parser.value(replayFrom)))
         return fail(QStringLiteral("cannot read the recorded answers"));
     if (!isReplay)
-        fill(mailbox, parser.value(messages).toInt());
+        fill(mailbox, parser.value(messages).toInt(), parser.value(events).toInt(),
+            parser.value(contacts).toInt());
     if (!server.start())
         return fail(QStringLiteral("cannot listen"));
     if (!parser.isSet(recordTo)) {
@@ -133,10 +145,13 @@ int main(int argc, char **argv)
     QSocketNotifier input(0, QSocketNotifier::Read);
     QObject::connect(&input, &QSocketNotifier::activated, &application, [&] {
         std::string line;
-        if (std::getline(std::cin, line) && line == "deliver") {
-            mailbox.deliver(mailbox.inboxId(), message(0));
+        std::getline(std::cin, line);
+        if (line == "deliver") {
+            mailbox.deliver(mailbox.inboxId(), MailboxItems::message(0));
             return say("ok");
         }
+        if (line == "count")
+            return say(count(mailbox));
         const QStringList complaints = server.finish();
         if (!complaints.isEmpty())
             status = fail(complaints.join(QStringLiteral("; ")));
