@@ -10,6 +10,8 @@
 #include "storages/calendarstorecontext.h"
 #include "storages/calendarwholeitem.h"
 
+#include <algorithm>
+
 using KCalendarCore::Event;
 using KCalendarCore::Incidence;
 
@@ -26,7 +28,8 @@ bool CalendarItemBatch::updateItems(QList<EasCalendarItem> &added, QList<EasCale
     EasDatabase *database = EasDatabase::instance();
     mMapping = database->serverToLocalCalendarIds(mContext.accountId());
     // What is known would look new, and come a second time.
-    if (database->lookupFailed() || !collectFolders(added, updated, deleted) || !loadFolders())
+    if (database->lookupFailed() || !collectFolders(added, updated, deleted)
+        || !loadFolders(added, updated, deleted))
         return false;
     sortItems(added, updated, replaced);
     if (!handleAddedCalendarItems(added)) {
@@ -97,10 +100,26 @@ bool CalendarItemBatch::enterFolder(const QString &collectionId)
     return true;
 }
 
-bool CalendarItemBatch::loadFolders() const
+bool CalendarItemBatch::concernsStored(const QList<EasCalendarItem> &added,
+    const QList<EasCalendarItem> &updated, const QStringList &deleted) const
+{
+    const auto isKnown = [this](const QString &serverId) {
+        return mMapping.contains(serverId);
+    };
+    const QList<EasCalendarItem> items = added + updated;
+    return std::any_of(deleted.cbegin(), deleted.cend(), isKnown)
+        || std::any_of(items.cbegin(), items.cend(),
+            [&isKnown](const EasCalendarItem &item) { return isKnown(item.serverId()); });
+}
+
+bool CalendarItemBatch::loadFolders(const QList<EasCalendarItem> &added,
+    const QList<EasCalendarItem> &updated, const QStringList &deleted) const
 {
     // Loading passes over what is in memory, which may be older than the store.
     mContext.calendar->close();
+    // A first sync brings a large calendar in many replies; reading it for each would take most of the time.
+    if (!concernsStored(added, updated, deleted))
+        return true;
     for (auto folder = mFolders.cbegin(); folder != mFolders.cend(); ++folder) {
         if (!mContext.storage->loadNotebookIncidences(folder.value())) {
             qCCritical(eas()) << "Cant load notebook incidences for collection" << folder.key();

@@ -35,7 +35,11 @@ private:
     bool collectFolders(const QList<EasCalendarItem> &added, const QList<EasCalendarItem> &updated,
         const QStringList &deleted);
     bool enterFolder(const QString &collectionId);
-    bool loadFolders() const;
+    /** Whether any item is one that the store may have already. */
+    bool concernsStored(const QList<EasCalendarItem> &added, const QList<EasCalendarItem> &updated,
+        const QStringList &deleted) const;
+    bool loadFolders(const QList<EasCalendarItem> &added, const QList<EasCalendarItem> &updated,
+        const QStringList &deleted) const;
     QString folderOf(const EasCalendarItem &item) const;
     void sortItems(QList<EasCalendarItem> &added, QList<EasCalendarItem> &updated, QStringList &replaced);
     void takeRepeated(

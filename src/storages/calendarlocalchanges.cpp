@@ -21,6 +21,14 @@ QDateTime toTime(qint64 seconds)
     return QDateTime::fromSecsSinceEpoch(seconds, Qt::UTC);
 }
 
+QSet<QString> uidsOf(const Incidence::List &incidences)
+{
+    QSet<QString> uids;
+    for (const Incidence::Ptr &incidence : incidences)
+        uids.insert(incidence->uid());
+    return uids;
+}
+
 } // namespace
 
 CalendarLocalChanges::CalendarLocalChanges(const CalendarStoreContext &context)
@@ -51,24 +59,26 @@ bool CalendarLocalChanges::hasLocalUpdates(const QString &notebookUid, qint64 si
         qCCritical(eas()) << "No storage";
         return false;
     }
+    Incidence::List inserted;
+    if (!mContext.storage->insertedIncidences(&inserted, toTime(since), notebookUid))
+        qCWarning(eas()) << "Failed to query new items";
+    Incidence::List modified;
+    if (!mContext.storage->modifiedIncidences(&modified, toTime(since), notebookUid))
+        qCWarning(eas()) << "Failed to query updated items";
+    // Each save of a sync asks this; the rest of the calendar does not matter to the answer.
     CalendarTimestamps timestamps(mContext);
-    if (!load(notebookUid) || !timestamps.updateTimestampCache(notebookUid)) {
+    mContext.calendar->close();
+    if (!timestamps.updateTimestampCache(notebookUid, uidsOf(inserted) + uidsOf(modified))) {
         qCWarning(eas()) << "Can't load notebook incidences for notebook" << notebookUid;
         return false;
     }
     const CalendarLocalChecks checks(timestamps);
-    Incidence::List inserted;
-    if (!mContext.storage->insertedIncidences(&inserted, toTime(since), notebookUid))
-        qCWarning(eas()) << "Failed to query new items";
     for (const Incidence::Ptr &incidence : qAsConst(inserted)) {
         if (checks.checkNewLocalItem(incidence)) {
             qCInfo(eas()) << "new local item:" << incidence->uid();
             return true;
         }
     }
-    Incidence::List modified;
-    if (!mContext.storage->modifiedIncidences(&modified, toTime(since), notebookUid))
-        qCWarning(eas()) << "Failed to query updated items";
     for (const Incidence::Ptr &incidence : qAsConst(modified)) {
         if (checks.checkUpdatedLocalItem(incidence)) {
             qCInfo(eas()) << "updated local item:" << incidence->uid();

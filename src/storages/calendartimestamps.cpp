@@ -17,19 +17,39 @@ uint CalendarTimestamps::timeToStamp(const QDateTime &time)
 
 bool CalendarTimestamps::updateTimestampCache(const QString &notebookUid)
 {
-    mStamps.clear();
+    if (!readStored() || !mContext.storage->loadNotebookIncidences(notebookUid))
+        return false;
+    enterLoaded(notebookUid);
+    return true;
+}
+
+bool CalendarTimestamps::updateTimestampCache(const QString &notebookUid, const QSet<QString> &uids)
+{
+    if (notebookUid.isEmpty() || !readStored())
+        return false;
+    for (const QString &uid : uids) {
+        if (!mContext.storage->loadSeries(uid))
+            return false;
+    }
+    enterLoaded(notebookUid);
+    return true;
+}
+
+bool CalendarTimestamps::readStored()
+{
     const EasDatabase *database = EasDatabase::instance();
     mStored = database->calendarItemUpdateTimes(mContext.accountId());
-    if (database->lookupFailed())
-        return false;
-    if (!mContext.storage->loadNotebookIncidences(notebookUid))
-        return false;
+    return !database->lookupFailed();
+}
+
+void CalendarTimestamps::enterLoaded(const QString &notebookUid)
+{
+    mStamps.clear();
     const KCalendarCore::Incidence::List incidences = mContext.calendar->incidences(notebookUid);
     for (const KCalendarCore::Incidence::Ptr &incidence : incidences) {
         if (!incidence->isReadOnly())
             enter(incidence);
     }
-    return true;
 }
 
 void CalendarTimestamps::enter(const KCalendarCore::Incidence::Ptr &incidence)

@@ -5,6 +5,7 @@
 
 #include <QHash>
 #include <QMap>
+#include <QSet>
 #include <QString>
 
 struct CalendarStoreContext;
@@ -29,12 +30,16 @@ public:
      * mapping. False if either fails.
      */
     bool updateTimestampCache(const QString &notebookUid);
+    /** The same of these events alone, which costs nothing for the others of the notebook. */
+    bool updateTimestampCache(const QString &notebookUid, const QSet<QString> &uids);
     /** Of the cache; TimestampInvalid for an event that is not there. */
     uint eventTimestamp(const QString &uid) const;
     /** What the mapping holds; TimestampInvalid for an event that the server does not know. */
     uint storedTimestamp(const QString &uid) const;
 
 private:
+    bool readStored();
+    void enterLoaded(const QString &notebookUid);
     void enter(const KCalendarCore::Incidence::Ptr &incidence);
 
     const CalendarStoreContext &mContext;

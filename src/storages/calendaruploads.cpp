@@ -46,6 +46,16 @@ void collectUids(const QList<EasCalendarItem> &items, QStringList &uids)
         uids.append(item.localId());
 }
 
+QSet<QString> uidsIn(const QString &folder, const QList<EasCalendarItem> &items)
+{
+    QSet<QString> uids;
+    for (const EasCalendarItem &item : items) {
+        if (item.collectionId() == folder)
+            uids.insert(item.localId());
+    }
+    return uids;
+}
+
 void setStamps(QList<EasCalendarItem> &items, const QString &folder, const CalendarTimestamps &timestamps,
     const char *text)
 {
@@ -178,7 +188,8 @@ bool CalendarLocalChanges::updateItemsTimestamps(
         EasDatabase::instance()->serverToLocalFolderIds(mContext.accountId());
     for (const QString &folder : folders) {
         CalendarTimestamps timestamps(mContext);
-        if (!timestamps.updateTimestampCache(notebooks.value(folder))) {
+        const QSet<QString> uids = uidsIn(folder, added) + uidsIn(folder, updated);
+        if (!timestamps.updateTimestampCache(notebooks.value(folder), uids)) {
             qCWarning(eas()) << "Cant load notebook incidences for collection" << folder;
             return false;
         }
