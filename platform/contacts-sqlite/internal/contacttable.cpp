@@ -89,6 +89,11 @@ QList<QContact> ContactTable::withDeleted(quint64 collection) const
     return read(QStringLiteral("collection = ?"), { collection });
 }
 
+QList<QContact> ContactTable::changed(quint64 collection) const
+{
+    return read(QStringLiteral("collection = ? AND flags <> 0"), { collection });
+}
+
 QList<QContact> ContactTable::read(const QString &condition, const QVariantList &values) const
 {
     QList<QContact> contacts;

@@ -27,6 +27,8 @@ public:
 
     /** All of the collection, with their flags, deleted ones too. */
     QList<QtContacts::QContact> withDeleted(quint64 collection) const;
+    /** Those of them that have a flag. */
+    QList<QtContacts::QContact> changed(quint64 collection) const;
 
     /** Sets the contact's identifier. */
     bool insert(QtContacts::QContact *contact, quint64 collection, Origin origin);
