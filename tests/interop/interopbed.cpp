@@ -13,6 +13,10 @@
 #include <QSqlRecord>
 #include <QVariant>
 
+#include <extendedcalendar.h>
+#include <extendedstorage.h>
+#include <sqlitestorage.h>
+
 #include <qmailmessage.h>
 
 namespace {
@@ -29,9 +33,15 @@ QStringList databaseFiles()
         { QStringLiteral("*.db"), QStringLiteral("*.sqlite") }, QDir::Files, QDirIterator::Subdirectories);
     while (mail.hasNext())
         files.append(mail.next());
+    const auto calendar = mKCal::ExtendedCalendar::Ptr::create(QTimeZone::utc());
+    files.append(
+        mKCal::ExtendedCalendar::defaultStorage(calendar).staticCast<mKCal::SqliteStorage>()->databaseName());
     files.append(qEnvironmentVariable("CONTACTS_DATA") + QStringLiteral("/contacts.db"));
     return files;
 }
+
+/** A calendar notes when it was synchronised last. */
+const QString timeOfSync = QStringLiteral("sync_date");
 
 QByteArray tableHash(const QSqlDatabase &database, const QString &table)
 {
@@ -40,6 +50,8 @@ QByteArray tableHash(const QSqlDatabase &database, const QString &table)
     rows.exec(QStringLiteral("SELECT * FROM \"%1\" ORDER BY 1").arg(table));
     while (rows.next()) {
         for (int column = 0; column < rows.record().count(); ++column) {
+            if (rows.record().fieldName(column) == timeOfSync)
+                continue;
             hash.addData(rows.value(column).toByteArray());
             hash.addData("\x1f", 1);
         }
@@ -63,6 +75,7 @@ InteropBed::InteropBed(const RealServer &server, const QString &user, const Conn
     options.acceptAllCertificates = connection.acceptAllCertificates;
     options.preferredVersion = connection.version;
     options.contactsEnabled = connection.contacts;
+    options.calendarsEnabled = connection.calendar;
     start(options);
 }
 
@@ -92,6 +105,8 @@ QMap<QString, QByteArray> InteropBed::storedData()
     QMap<QString, QByteArray> hashes;
     const QStringList files = databaseFiles();
     for (const QString &file : files) {
+        if (!QFileInfo::exists(file)) // a service that the account does not use
+            continue;
         {
             QSqlDatabase database =
                 QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QLatin1String(ConnectionName));

@@ -22,6 +22,7 @@ public:
         bool secure = false;
         bool acceptAllCertificates = false;
         bool contacts = false;
+        bool calendar = false;
     };
 
     InteropBed(const RealServer &server, const QString &user, const Connection &connection);
@@ -36,7 +37,7 @@ public:
     static QString place(const ImapMessage &message);
     static QString place(const QMailMessage &message);
 
-    /** Everything that the device has stored, the mapping and the mail, as one hash for each table. */
+    /** Everything that the device has stored, the mapping, mail, events and contacts, as one hash for each table. */
     static QMap<QString, QByteArray> storedData();
 
 private:

@@ -1,46 +1,16 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include "support/davclient.h"
 #include "support/vcard.h"
 
-#include <QMap>
-#include <QNetworkAccessManager>
-#include <QUrl>
-
-#include <optional>
-
-/** Another client of an address book, which it sees as CardDAV tells it. Each call waits for its answer. */
-class CardDavClient
+/** Another client of an address book. */
+class CardDavClient : public DavClient
 {
 public:
     CardDavClient(const QString &host, int port, const QString &user, const QString &password);
 
     /** All contacts by their address; nothing if the server does not answer. */
     std::optional<QMap<QString, VCard>> contacts();
-    /** Marks of all contacts, which differ when one has been written. */
-    QMap<QString, QString> marks();
     bool put(const QString &address, const VCard &card);
-    bool remove(const QString &address);
-
-    /**
-     * Waits until the server's clock has left the second in which it was at the call, and the next one: a
-     * server that tells changes by whole seconds may miss one that falls into the second of a sync.
-     */
-    bool leaveThisSecond();
-
-private:
-    struct Answer
-    {
-        int status = 0;
-        QByteArray body;
-        QByteArray date;
-    };
-
-    Answer send(const QByteArray &verb, const QString &address, const QByteArray &body = QByteArray(),
-        const QByteArray &type = QByteArray("text/xml"));
-    QMap<QString, QString> report(const QString &element);
-
-    QNetworkAccessManager mNetwork;
-    const QUrl mBook;
-    const QByteArray mAuthorization;
 };

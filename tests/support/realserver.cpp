@@ -129,6 +129,14 @@ bool RealServer::seed(const QString &user, int count, const QString &folder) con
         SeedTimeout);
 }
 
+bool RealServer::seedEvents(const QString &user, int count) const
+{
+    return run(QStringLiteral("seed"),
+        { user, QStringLiteral("0"), QStringLiteral("--events"), QString::number(count),
+            QStringLiteral("--contacts"), QStringLiteral("0") },
+        SeedTimeout);
+}
+
 bool RealServer::seedContacts(const QString &user, int count) const
 {
     return run(QStringLiteral("seed"),

@@ -37,6 +37,9 @@ public:
     /** Fills a folder, which is made if it is not there, with messages of many kinds. */
     bool seed(const QString &user, int count, const QString &folder = QStringLiteral("INBOX")) const;
 
+    /** Fills the calendar; the same events each time, as seen from the week before this one. */
+    bool seedEvents(const QString &user, int count) const;
+
     /** Fills the address book; the same contacts each time. */
     bool seedContacts(const QString &user, int count) const;
 
