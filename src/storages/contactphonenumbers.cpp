@@ -71,6 +71,11 @@ bool fitsBySubType(const Phone &detail, const PhoneField &field)
     return subTypesOf(detail).contains(field.subType);
 }
 
+QString numberOf(const EasContactsItem &item, const PhoneField &field)
+{
+    return (item.*field.get)();
+}
+
 } // namespace
 
 QVector<int> ContactPhoneNumbers::assign(const Numbers &details, const IsOpen &isOpen)
@@ -93,15 +98,16 @@ QVector<int> ContactPhoneNumbers::assign(const Numbers &details, const IsOpen &i
 void ContactPhoneNumbers::easPhoneNumbersToContacts(QContact &contact, const EasContactsItem &item)
 {
     const Numbers details = contact.details<Phone>().toVector();
-    const auto number = [&item](int field) {
-        return (item.*phoneFields[field].get)();
-    };
-    const QVector<int> assigned = assign(details, [&number](int field) { return !number(field).isEmpty(); });
+    QStringList numbers;
+    for (const PhoneField &field : phoneFields)
+        numbers.append(numberOf(item, field));
+    const QVector<int> assigned =
+        assign(details, [&numbers](int field) { return !numbers.at(field).isEmpty(); });
 
     for (int i = 0; i < details.size(); ++i) {
         const int field = assigned.at(i);
         if (field >= 0) {
-            updatePhoneNumber(contact, details.at(i), number(field), phoneFields[field].context,
+            updatePhoneNumber(contact, details.at(i), numbers.at(field), phoneFields[field].context,
                 phoneFields[field].subType);
             continue;
         }
@@ -110,9 +116,9 @@ void ContactPhoneNumbers::easPhoneNumbersToContacts(QContact &contact, const Eas
             qCWarning(eas()) << "failed to remove (old) phone number detail from contact:" << contact.id();
     }
     for (int field = 0; field < fieldCount; ++field) {
-        if (!assigned.contains(field) && !number(field).isEmpty())
+        if (!assigned.contains(field) && !numbers.at(field).isEmpty())
             updatePhoneNumber(
-                contact, Phone(), number(field), phoneFields[field].context, phoneFields[field].subType);
+                contact, Phone(), numbers.at(field), phoneFields[field].context, phoneFields[field].subType);
     }
 }
 
