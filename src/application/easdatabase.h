@@ -166,6 +166,8 @@ public:
     bool deleteCalendarAttachmentByFileReference(const QString &eventId, const QString &fileReference);
     /** Whether the event has an attachment with this content identifier or file reference. */
     bool isCalendarAttachmentExists(const QString &eventId, const QString &uniqueId);
+    /** Removes rows with a file reference whose event is in no account's mapping. */
+    bool deleteStrayCalendarAttachments();
 
 public Q_SLOTS:
     void onAccountAdded(EasAccountId accountId);

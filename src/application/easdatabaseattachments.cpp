@@ -145,3 +145,16 @@ bool EasDatabase::isCalendarAttachmentExists(const QString &eventId, const QStri
     // The query has one row whatever the table holds.
     return mLookupFailed ? false : select.fail("can't retrieve first record from query for event:", eventId);
 }
+
+bool EasDatabase::deleteStrayCalendarAttachments()
+{
+    // The key of an exception is its event's with a separator and a moment behind it.
+    const QString moment = QStringLiteral("|yyyy-MM-dd hh:mm:ss");
+    DatabaseStatement statement(mDatabase,
+        QStringLiteral("DELETE FROM attachments WHERE file_reference <> '' "
+                       "AND local_id NOT IN (SELECT local_id FROM calendar WHERE local_id IS NOT NULL) "
+                       "AND substr(local_id, 1, length(local_id) - %1) "
+                       "NOT IN (SELECT local_id FROM calendar WHERE local_id IS NOT NULL)")
+            .arg(moment.size()));
+    return statement.run() || statement.fail("can't remove attachments of no event", QString());
+}

@@ -199,6 +199,28 @@ void CalendarAttachmentService::handleRemoteAttachments(
         event->addAttachment(attachment);
 }
 
+bool CalendarAttachmentService::completeRows(
+    const Event &event, const QList<EasAttachmentContainer> &received)
+{
+    EasDatabase *database = EasDatabase::instance();
+    const QString key = eventKey(event);
+    QStringList present;
+    const Attachment::List attachments = event.attachments();
+    for (const Attachment &attachment : attachments) {
+        // What an exception has inherited of its series stands in the rows of that.
+        if (AttachmentInfo::extractServiceProperty(attachment.uri(), occurrenceIdKey) == occurrenceId(event))
+            present.append(referenceOf(attachment));
+    }
+    for (const EasAttachmentContainer &container : received) {
+        if (!present.contains(container.fileReference())
+            || database->isCalendarAttachmentExists(key, container.fileReference()))
+            continue;
+        if (!database->addCalendarAttachment(key, identified(AttachmentEntity(container))))
+            return false;
+    }
+    return true;
+}
+
 std::optional<QList<EasAttachmentContainer>> CalendarAttachmentService::handleLocalAttachments(
     const Event::Ptr &event)
 {

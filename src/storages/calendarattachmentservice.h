@@ -30,6 +30,12 @@ public:
     /** The server's list reaches the event; files of the user that it does not know yet stay. */
     void handleRemoteAttachments(
         const KCalendarCore::Event::Ptr &event, const QList<AttachmentEntity> &entities);
+    /**
+     * Enters those of the received attachments that the event has and the database, for a failure, has not.
+     * False if that fails again.
+     */
+    static bool completeRows(
+        const KCalendarCore::Event &event, const QList<EasAttachmentContainer> &received);
     /** The event's list, or nothing if one of its files cannot be read. */
     std::optional<QList<EasAttachmentContainer>> handleLocalAttachments(
         const KCalendarCore::Event::Ptr &event);

@@ -50,6 +50,11 @@ bool CalendarItemBatch::updateItems(QList<EasCalendarItem> &added, QList<EasCale
                   << "Save:" << mDeleted.size() << ", result:" << saved;
     if (!saved)
         return false;
+    // An attachment without its row could never be deleted by the user.
+    if (!completeAttachments(added + updated)) {
+        qCCritical(eas()) << "failed to record attachments";
+        return false;
+    }
     // Without it, the server's changes would come back as the user's.
     if (!mLocalChanges.updateItemsTimestamps(mFolders.keys(), added, updated)) {
         qCCritical(eas()) << "failed to update timestamps";
@@ -279,5 +284,24 @@ bool CalendarItemBatch::save()
         return false;
     }
     CalendarAttachmentService::forget(mDeleted);
+    return true;
+}
+
+bool CalendarItemBatch::completeAttachments(const QList<EasCalendarItem> &items) const
+{
+    for (const EasCalendarItem &item : items) {
+        QList<EasAttachmentContainer> received = item.attachments();
+        const QList<EasCalendarItem> exceptions = item.exceptions();
+        for (const EasCalendarItem &exception : exceptions)
+            received += exception.attachments();
+        const Event::Ptr event = mContext.calendar->event(item.localId());
+        if (received.isEmpty() || !event)
+            continue;
+        const Event::List parts = Event::List { event } + mContext.calendar->eventInstances(event);
+        for (const Event::Ptr &part : parts) {
+            if (!CalendarAttachmentService::completeRows(*part, received))
+                return false;
+        }
+    }
     return true;
 }

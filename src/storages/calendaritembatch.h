@@ -52,6 +52,7 @@ private:
     bool handleDeletedCalendarItems(const QStringList &serverIds);
     bool deleteEvent(const QString &serverId, const QString &localId);
     bool save();
+    bool completeAttachments(const QList<EasCalendarItem> &items) const;
 
     const CalendarStoreContext &mContext;
     CalendarLocalChanges &mLocalChanges;

@@ -34,6 +34,8 @@ bool CalendarOrigin::removeStrays(const CalendarStoreContext &context, const QSt
     const QMap<QString, QString> known = database->localToServerCalendarIds(context.accountId());
     if (database->lookupFailed())
         return false;
+    // Rows of attachments come before their event, which an interruption may have kept from being stored.
+    database->deleteStrayCalendarAttachments();
     context.calendar->close();
     if (!context.storage->loadNotebookIncidences(notebookUid))
         return false;

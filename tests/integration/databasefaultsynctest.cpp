@@ -24,7 +24,7 @@ private Q_SLOTS:
 private:
     static bool createsFile(const QString &statement);
 
-    static constexpr int RunsByDefault = 20;
+    static int runsByDefault(CrashBed::Scenario scenario) { return CrashBed::isPim(scenario) ? 15 : 20; }
 
     QScopedPointer<CrashBed> mBed;
 };
@@ -43,6 +43,8 @@ void DatabaseFaultSyncTest::theNextSyncMendsAFailedStatement_data()
     add("first sync", CrashBed::FirstSync);
     add("later sync", CrashBed::LaterSync);
     add("move", CrashBed::Move);
+    add("first sync of events and contacts", CrashBed::FirstPimSync);
+    add("later sync of events and contacts", CrashBed::LaterPimSync);
 }
 
 bool DatabaseFaultSyncTest::createsFile(const QString &statement)
@@ -63,7 +65,7 @@ void DatabaseFaultSyncTest::theNextSyncMendsAFailedStatement()
 
     const int statements = plain.statements().size();
     QVERIFY(statements > 50);
-    const int stride = qMax(1, statements / Soak::samples(RunsByDefault, statements));
+    const int stride = qMax(1, statements / Soak::samples(runsByDefault(scenario), statements));
     qInfo("%d statements, tried in strides of %d", statements, stride);
     QStringList failures;
     for (int number = 1; number <= statements; number += stride) {

@@ -22,18 +22,16 @@ private Q_SLOTS:
     void theNextSyncMendsADeathAtAnyStep();
 
 private:
-    static constexpr int RunsByDefault = 40;
-
-    static FaultShim shim();
+    static FaultShim shim(CrashBed::Scenario scenario);
+    static int runsByDefault(CrashBed::Scenario scenario) { return CrashBed::isPim(scenario) ? 18 : 40; }
 
     QScopedPointer<CrashBed> mBed;
 };
 
-FaultShim KillTest::shim()
+FaultShim KillTest::shim(CrashBed::Scenario scenario)
 {
     FaultShim shim(QDir::homePath(), DaemonProcess::program());
-    // The account store is another program's.
-    shim.setFiles({ QStringLiteral("fennel_eas.db*"), QStringLiteral("mailstore.db*") });
+    shim.setFiles(CrashBed::durableFiles(scenario));
     return shim;
 }
 
@@ -41,17 +39,17 @@ void KillTest::theNextSyncMendsADeathAtAnyStep()
 {
     QFETCH(CrashBed::Scenario, scenario);
     QVERIFY(mBed->isReady());
-    const FaultShim plain = shim();
+    const FaultShim plain = shim(scenario);
     QCOMPARE(mBed->run(scenario, plain.environment()), QString());
     QCOMPARE(mBed->syncStatus(), 0);
 
     const int steps = plain.steps().size();
     QVERIFY(steps > 50);
-    const int stride = qMax(1, steps / Soak::samples(RunsByDefault, steps));
+    const int stride = qMax(1, steps / Soak::samples(runsByDefault(scenario), steps));
     qInfo("%d durable steps, tried in strides of %d", steps, stride);
     QStringList failures;
     for (int number = 1; number <= steps; number += stride) {
-        FaultShim fault = shim();
+        FaultShim fault = shim(scenario);
         fault.killAtStep(number);
         const QString wrong = mBed->run(scenario, fault.environment());
         if (wrong.isEmpty())

@@ -190,7 +190,12 @@ private Q_SLOTS:
                 answerDelete(reply, "9:1", status);
             mStore->calls.clear();
             QVERIFY(handle(reply));
-            QCOMPARE(mStore->calls, QStringList({ QStringLiteral("uploaded"), QStringLiteral("received") }));
+            // What the server does not have is as good as deleted.
+            if (i == 2 && status == 8)
+                QCOMPARE(mStore->calls.size(), 3);
+            else
+                QCOMPARE(
+                    mStore->calls, QStringList({ QStringLiteral("uploaded"), QStringLiteral("received") }));
         }
     }
 

@@ -134,6 +134,15 @@ private Q_SLOTS:
         QCOMPARE(database().serverToLocalContactIds(Account).size(), 2);
     }
 
+    void whatTheServerDoesNotHaveIsDeleted()
+    {
+        SyncCollection reply = collection({}, {}, { QStringLiteral("3:1"), QStringLiteral("3:2") });
+        answerDelete(reply, "3:2", 8);
+        QVERIFY(handle(reply));
+        QVERIFY(mStore->calls.contains(QStringLiteral("uploaded + * -c2")));
+        QCOMPARE(database().serverToLocalContactIds(Account).keys(), QStringList(QStringLiteral("3:1")));
+    }
+
     void aFullMailboxStopsTheCollection()
     {
         SyncCollection reply = collection({ item<Contact>("new") });

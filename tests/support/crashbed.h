@@ -4,6 +4,7 @@
 #include "common/easaccountid.h"
 #include "simulator/exchangeserver.h"
 #include "support/accountfactory.h"
+#include "support/crashpim.h"
 #include "support/daemonprocess.h"
 #include "support/privatebus.h"
 
@@ -29,6 +30,8 @@ public:
         FirstSync, ///< a new device and a mailbox with sub-folders
         LaterSync, ///< arrivals, marks, deletions and folder changes on the server; marks and deletions here
         Move, ///< messages moved here, some of them marked or changed on the server meanwhile
+        FirstPimSync, ///< a new device, events and contacts
+        LaterPimSync, ///< events and contacts edited on both sides
     };
 
     CrashBed();
@@ -43,6 +46,9 @@ public:
         SameDaemon, ///< the daemon goes on that has met the fault
     };
 
+    static bool isPim(Scenario scenario);
+    /** Names of the files that a sync of the scenario writes; for FaultShim. */
+    static QStringList durableFiles(Scenario scenario);
     /** Rows of test data with a column "scenario" for all of them. */
     static void addScenarioRows();
 
@@ -66,6 +72,9 @@ private:
     QString whatIsWrong(DaemonProcess &daemon);
     void clearDevice();
     bool startServer();
+    EasAccountId createAccount();
+    bool useAccountFor(Scenario scenario);
+    QString version() const;
     void fillMailbox();
     bool synchronizeOnce();
     void changeForLaterSync();
@@ -79,7 +88,6 @@ private:
     QString wrongContent() const;
     QString wrongMapping() const;
     QString wrongRequests() const;
-    static QString wrongDatabase(const QString &file);
 
     // The account library wants a bus before anything of it is made.
     bool mHasBus = PrivateBus::ensure();
@@ -88,6 +96,8 @@ private:
     quint16 mPort = 0;
     EasAccountId mAccountId = 0;
     QStringList mWanted;
+    bool mHasPim = false; ///< events and contacts in place of messages
+    CrashPim mPim;
     int mSyncStatus = 0;
     std::chrono::microseconds mSyncDuration {};
 };

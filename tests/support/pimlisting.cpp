@@ -214,8 +214,9 @@ QContactCollectionId PimListing::collectionOf(QContactManager &manager, EasAccou
 
 QByteArray PimListing::pictureOf(const QContact &contact)
 {
-    QFile file(contact.detail<QContactAvatar>().imageUrl().toLocalFile());
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    const QString path = contact.detail<QContactAvatar>().imageUrl().toLocalFile();
+    QFile file(path);
+    return !path.isEmpty() && file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 QStringList PimListing::orphanPictures(EasAccountId accountId)

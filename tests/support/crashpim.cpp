@@ -1,0 +1,383 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "support/crashpim.h"
+
+#include "application/clock.h"
+#include "simulator/contactitem.h"
+#include "simulator/eventitem.h"
+#include "simulator/mailbox.h"
+#include "storages/calendarattachmentservice.h"
+#include "storages/contactstoremanager.h"
+#include "support/contactfixture.h"
+#include "support/devicecalendar.h"
+#include "support/storecheck.h"
+#include "support/testpictures.h"
+
+#include <QDir>
+#include <QFile>
+
+#include <attachmentinfo.h>
+#include <sqlitestorage.h>
+
+#include <QtContacts/QContactAvatar>
+#include <QtContacts/QContactName>
+
+QTCONTACTS_USE_NAMESPACE
+using Simulator::Contact;
+using ServerEvent = Simulator::Event;
+using DeviceEvent = KCalendarCore::Event;
+
+namespace {
+
+const QByteArray zoneId = QByteArrayLiteral("Europe/Berlin");
+// The stores tell times by whole seconds; an edit has to be later than the sync before it.
+constexpr int EditDelay = 3;
+
+QString text(const char *name)
+{
+    return QString::fromLatin1(name);
+}
+
+/** In a month that no filter leaves out, and across the change to summer time. */
+QDateTime wall(int day, int hour)
+{
+    return QDateTime(QDate(2036, 3, 10).addDays(day), QTime(hour, 0));
+}
+
+ServerEvent timed(const char *subject, int day, int hour)
+{
+    return ServerEvent::timed(text(subject), zoneId, wall(day, hour), 45);
+}
+
+ServerEvent weekly(const char *subject, int day, int hour)
+{
+    ServerEvent event = timed(subject, day, hour);
+    event.rule = Simulator::EventRule();
+    event.rule->type = Simulator::EventRule::Weekly;
+    event.rule->dayOfWeek = Simulator::EventRule::Monday;
+    event.rule->firstDayOfWeek = 1;
+    event.rule->occurrences = 8;
+    event.editOccurrence(wall(day + 7, 0).date(), [](Simulator::EventDetails &details) {
+        details.start = details.start.addSecs(3600);
+        details.end = details.end.addSecs(3600);
+    });
+    event.deleteOccurrence(wall(day + 14, 0).date());
+    return event;
+}
+
+Contact contact(const char *firstName)
+{
+    return Contact()
+        .setText(QStringLiteral("FirstName"), text(firstName))
+        .setText(QStringLiteral("LastName"), QStringLiteral("Known"));
+}
+
+template <class ItemType, class Name>
+QString find(const Simulator::Mailbox &mailbox, int folderType, const QString &wanted, Name name)
+{
+    const auto items = mailbox.items(mailbox.folderOfType(folderType).id);
+    for (const Simulator::ItemEntry &entry : items) {
+        const auto item = std::dynamic_pointer_cast<const ItemType>(entry.item);
+        if (item && name(item->value()) == wanted)
+            return entry.serverId;
+    }
+    return QString();
+}
+
+/** What both sides have to have: the edits of each since they were equal. */
+PimListing::Listing merged(
+    const PimListing::Listing &before, const PimListing::Listing &server, const PimListing::Listing &device)
+{
+    PimListing::Listing result;
+    const QStringList names = server.keys() + device.keys();
+    for (const QString &name : names) {
+        const bool hasServerChanged =
+            server.contains(name) != before.contains(name) || server.value(name) != before.value(name);
+        const PimListing::Listing &source = hasServerChanged ? server : device;
+        if (source.contains(name))
+            result.insert(name, source.value(name));
+    }
+    return result;
+}
+
+QStringList lines(const PimListing::Listing &listing)
+{
+    QStringList result;
+    for (auto entry = listing.cbegin(); entry != listing.cend(); ++entry)
+        result.append(entry.key() + QStringLiteral(": ") + entry.value());
+    return result;
+}
+
+QString calendarFile()
+{
+    return DeviceCalendar().storage.staticCast<mKCal::SqliteStorage>()->databaseName();
+}
+
+QContact deviceContact(QContactManager &manager, EasAccountId accountId, const char *firstName)
+{
+    const QList<QContact> contacts = PimListing::contactsOf(manager, accountId);
+    for (const QContact &contact : contacts) {
+        if (ContactFixture::name(contact) == text(firstName))
+            return contact;
+    }
+    return QContact();
+}
+
+void setPicture(QContact &contact, const char *fileName, int red)
+{
+    QFile file(QDir::homePath() + QLatin1Char('/') + text(fileName));
+    const QByteArray picture = TestPictures::png(red);
+    if (!file.open(QIODevice::WriteOnly) || file.write(picture) != picture.size())
+        qFatal("no picture");
+    QContactAvatar avatar = contact.detail<QContactAvatar>();
+    avatar.setImageUrl(QUrl::fromLocalFile(file.fileName()));
+    contact.saveDetail(&avatar);
+}
+
+} // namespace
+
+QStringList CrashPim::durableFiles()
+{
+    return { QStringLiteral("fennel_eas.db*"), QStringLiteral("contacts.db*"), QStringLiteral("db"),
+        QStringLiteral("db-wal"), QStringLiteral("db-shm"), QStringLiteral("avatar-*") };
+}
+
+void CrashPim::clearDevice()
+{
+    // The fixture empties the store.
+    ContactFixture();
+    QDir(QDir::homePath() + QStringLiteral("/.avatars")).removeRecursively();
+    const DeviceCalendar device;
+    const auto notebooks = device.storage->notebooks();
+    for (const auto &notebook : notebooks) {
+        if (!notebook->account().isEmpty())
+            device.storage->deleteNotebook(notebook);
+    }
+}
+
+void CrashPim::begin(EasAccountId accountId, Simulator::Mailbox &mailbox, const QString &version)
+{
+    mHasAttachments = version >= QLatin1String("16.0");
+    mAccountId = accountId;
+    mMailbox = &mailbox;
+}
+
+void CrashPim::fillMailbox()
+{
+    fillCalendar();
+    fillContacts();
+    mWantedEvents = PimListing::serverEvents(*mMailbox);
+    mWantedContacts = PimListing::serverContacts(*mMailbox);
+}
+
+void CrashPim::fillCalendar()
+{
+    ServerEvent days = ServerEvent::wholeDay(QStringLiteral("days"), wall(3, 0).date(), 2);
+    days.zone = Simulator::EventZone::named(zoneId, days.start);
+    ServerEvent withFile = timed("file", 1, 9);
+    withFile.attach(QStringLiteral("figures.txt"), "1 2 3");
+    const QVector<ServerEvent> events { timed("single", 0, 9), timed("gone there", 1, 11),
+        timed("gone here", 2, 11), timed("place", 4, 15), withFile, days, weekly("weekly", 0, 14),
+        weekly("series", 0, 17) };
+    const QString folder = mMailbox->folderOfType(Simulator::CalendarFolder).id;
+    for (const ServerEvent &event : events)
+        mMailbox->addItem(folder, Simulator::EventItem::make(event));
+}
+
+void CrashPim::fillContacts()
+{
+    const QVector<Contact> contacts { contact("Ada").setPicture(TestPictures::png(10)), contact("Bob"),
+        contact("Cyd").setPicture(TestPictures::png(20)), contact("Dan"), contact("Eve") };
+    const QString folder = mMailbox->folderOfType(Simulator::ContactsFolder).id;
+    for (const Contact &contact : contacts)
+        mMailbox->addItem(folder, Simulator::ContactItem::make(contact));
+}
+
+void CrashPim::changeBothSides(Extent extent)
+{
+    const Listing events = PimListing::serverEvents(*mMailbox);
+    const Listing contacts = PimListing::serverContacts(*mMailbox);
+    changeServerCalendar();
+    changeServerContacts(extent);
+    changeDeviceCalendar();
+    changeDeviceContacts();
+    mServerEvents = PimListing::serverEvents(*mMailbox);
+    mServerContacts = PimListing::serverContacts(*mMailbox);
+    mWantedEvents = merged(events, mServerEvents, PimListing::deviceEvents(mAccountId));
+    mWantedContacts = merged(contacts, mServerContacts, PimListing::deviceContacts(mAccountId));
+}
+
+void CrashPim::wantServersEdits(Besides besides)
+{
+    const QString newEvent = QStringLiteral("new here");
+    const QString newContact = QStringLiteral("Gus");
+    if (besides == AndWhatIsNewHere) {
+        mServerEvents.insert(newEvent, mWantedEvents.value(newEvent));
+        mServerContacts.insert(newContact, mWantedContacts.value(newContact));
+        // Contacts are not wiped, and a deletion waits in their store until the server has heard of it.
+        mServerContacts.remove(QStringLiteral("Dan"));
+    }
+    mWantedEvents = mServerEvents;
+    mWantedContacts = mServerContacts;
+}
+
+QString CrashPim::serverEvent(const QString &subject) const
+{
+    return find<Simulator::EventItem>(*mMailbox, Simulator::CalendarFolder, subject,
+        [](const ServerEvent &event) { return event.subject; });
+}
+
+QString CrashPim::serverContact(const QString &firstName) const
+{
+    return find<Simulator::ContactItem>(*mMailbox, Simulator::ContactsFolder, firstName,
+        [](const Contact &contact) { return contact.text(QStringLiteral("FirstName")); });
+}
+
+void CrashPim::changeServerCalendar()
+{
+    mMailbox->edit<Simulator::EventItem>(serverEvent(QStringLiteral("single")),
+        [](ServerEvent &event) { event.location.name = QStringLiteral("Hall"); });
+    mMailbox->edit<Simulator::EventItem>(serverEvent(QStringLiteral("series")),
+        [](ServerEvent &event) { event.deleteOccurrence(wall(21, 0).date()); });
+    mMailbox->remove(serverEvent(QStringLiteral("gone there")));
+    ServerEvent fresh = weekly("new there", 0, 10);
+    fresh.attach(QStringLiteral("agenda.txt"), "one, two");
+    mMailbox->addItem(
+        mMailbox->folderOfType(Simulator::CalendarFolder).id, Simulator::EventItem::make(fresh));
+}
+
+void CrashPim::changeServerContacts(Extent extent)
+{
+    mMailbox->edit<Simulator::ContactItem>(serverContact(QStringLiteral("Ada")),
+        [](Contact &contact) { contact.setPicture(TestPictures::png(30)); });
+    if (extent == Everything)
+        mMailbox->remove(serverContact(QStringLiteral("Bob")));
+    mMailbox->addItem(mMailbox->folderOfType(Simulator::ContactsFolder).id,
+        Simulator::ContactItem::make(contact("Flo").setPicture(TestPictures::png(40))));
+}
+
+void CrashPim::changeDeviceCalendar() const
+{
+    const QDateTime now = Clock::instance().currentDateTimeUtc().addSecs(EditDelay);
+    DeviceCalendar device;
+    const QString notebook = device.notebookOf(mAccountId);
+
+    const DeviceEvent::Ptr fresh(new DeviceEvent);
+    fresh->setSummary(QStringLiteral("new here"));
+    fresh->setDtStart(QDateTime(wall(5, 12).date(), QTime(12, 0), QTimeZone(zoneId)));
+    fresh->setDtEnd(fresh->dtStart().addSecs(3600));
+    device.calendar->addEvent(fresh, notebook);
+    fresh->setCreated(now);
+    fresh->setLastModified(now);
+
+    const DeviceEvent::Ptr place = device.withSummary(QStringLiteral("place"));
+    place->setLocation(QStringLiteral("Yard"));
+    place->setLastModified(now);
+
+    const DeviceEvent::Ptr series = device.withSummary(QStringLiteral("weekly"));
+    const DeviceEvent::Ptr occurrence = device.occurrence(series, wall(28, 0).date());
+    occurrence->setLocation(QStringLiteral("Roof"));
+    device.calendar->addEvent(occurrence, notebook);
+    occurrence->setCreated(now);
+    occurrence->setLastModified(now);
+    series->setLastModified(now);
+    device.storage->save();
+    device.remove(device.withSummary(QStringLiteral("gone here")), now);
+}
+
+void CrashPim::changeDeviceContacts() const
+{
+    const std::unique_ptr<QContactManager> manager(ContactStoreManager::create(nullptr));
+    QContact fresh = ContactFixture::named(QStringLiteral("Gus"));
+    fresh.setCollectionId(PimListing::collectionOf(*manager, mAccountId));
+    setPicture(fresh, "gus.png", 50);
+    manager->saveContact(&fresh);
+
+    QContact edited = deviceContact(*manager, mAccountId, "Cyd");
+    QContactName name = edited.detail<QContactName>();
+    name.setLastName(QStringLiteral("Changed"));
+    edited.saveDetail(&name);
+    setPicture(edited, "cyd.png", 60);
+    manager->saveContact(&edited);
+
+    manager->removeContact(deviceContact(*manager, mAccountId, "Dan").id());
+}
+
+QString CrashPim::wrongState() const
+{
+    using StoreCheck::difference;
+    return difference(
+               "events of the device", lines(PimListing::deviceEvents(mAccountId)), lines(mWantedEvents))
+        + difference("events of the server", lines(PimListing::serverEvents(*mMailbox)), lines(mWantedEvents))
+        + difference(
+            "contacts of the device", lines(PimListing::deviceContacts(mAccountId)), lines(mWantedContacts))
+        + difference(
+            "contacts of the server", lines(PimListing::serverContacts(*mMailbox)), lines(mWantedContacts));
+}
+
+QString CrashPim::wrongStores() const
+{
+    QStringList events;
+    const DeviceEvent::List series = DeviceCalendar().series(mAccountId);
+    for (const DeviceEvent::Ptr &event : series)
+        events.append(event->uid());
+    QStringList contacts;
+    const std::unique_ptr<QContactManager> manager(ContactStoreManager::create(nullptr));
+    const QList<QContact> present = PimListing::contactsOf(*manager, mAccountId);
+    for (const QContact &contact : present)
+        contacts.append(contact.id().toString());
+    return wrongRows("calendar", Simulator::CalendarFolder, events)
+        + wrongRows("contacts", Simulator::ContactsFolder, contacts) + wrongAttachments()
+        + StoreCheck::difference("pictures of no contact", PimListing::orphanPictures(mAccountId), {})
+        + StoreCheck::damage(calendarFile())
+        + StoreCheck::damage(qEnvironmentVariable("CONTACTS_DATA") + QStringLiteral("/contacts.db"));
+}
+
+QString CrashPim::wrongRows(const char *table, int folderType, QStringList localIds) const
+{
+    const auto rows = [&](const char *column) {
+        return StoreCheck::ask(StoreCheck::mappingFile(),
+            QStringLiteral("SELECT %1 FROM %2 WHERE account_id = %3")
+                .arg(text(column), text(table))
+                .arg(mAccountId));
+    };
+    QStringList serverIds;
+    const auto items = mMailbox->items(mMailbox->folderOfType(folderType).id);
+    for (const Simulator::ItemEntry &entry : items)
+        serverIds.append(entry.serverId);
+    serverIds.sort();
+    localIds.sort();
+    return StoreCheck::difference(table, rows("local_id"), localIds)
+        + StoreCheck::difference(table, rows("server_id"), serverIds);
+}
+
+QString CrashPim::wrongAttachments() const
+{
+    // Before 16.0 devices do not see them.
+    QStringList ofServer;
+    const auto items = mMailbox->items(mMailbox->folderOfType(Simulator::CalendarFolder).id);
+    for (const Simulator::ItemEntry &entry : items) {
+        const auto item = std::dynamic_pointer_cast<const Simulator::EventItem>(entry.item);
+        for (const Simulator::EventAttachment &attachment :
+            mHasAttachments ? item->value().attachments : QVector<Simulator::EventAttachment>())
+            ofServer.append(item->value().subject + QStringLiteral(": ") + attachment.name);
+    }
+    QStringList ofDevice;
+    QStringList references;
+    const DeviceCalendar device;
+    const DeviceEvent::List series = device.series(mAccountId);
+    for (const DeviceEvent::Ptr &event : series) {
+        const KCalendarCore::Attachment::List attachments = event->attachments();
+        for (const KCalendarCore::Attachment &attachment : attachments) {
+            const QString reference = CalendarAttachmentService::fileReference(attachment.uri());
+            ofDevice.append(
+                event->summary() + QStringLiteral(": ") + mKCal::AttachmentInfo(attachment).fileName());
+            references.append(CalendarAttachmentService::eventKey(*event) + QLatin1Char(' ') + reference);
+        }
+    }
+    for (QStringList *list : { &ofServer, &ofDevice, &references })
+        list->sort();
+    const QString sql = QStringLiteral("SELECT local_id || ' ' || file_reference FROM attachments");
+    return StoreCheck::difference("attachments of the device", ofDevice, ofServer)
+        + StoreCheck::difference(
+            "rows of attachments", StoreCheck::ask(StoreCheck::mappingFile(), sql), references);
+}

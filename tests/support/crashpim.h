@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include "common/easaccountid.h"
+#include "support/pimlisting.h"
+
+/**
+ * Events and contacts of a device and its server in the middle of a fault: what is there at first, what both
+ * sides do to it, and whether all of that is found on both sides at the end.
+ *
+ * What has to be there at the end is taken from both sides before the sync with the fault: a name that the
+ * server has edited as the server has it, every other one as the device has it.
+ */
+class CrashPim
+{
+public:
+    /** Names of files in which a death leaves something behind; for FaultShim. */
+    static QStringList durableFiles();
+
+    /** Removes all events, contacts and pictures of the device. */
+    static void clearDevice();
+
+    void begin(EasAccountId accountId, Simulator::Mailbox &mailbox, const QString &version);
+    void fillMailbox();
+    enum Extent { Everything, NoContactRemovedThere };
+    /** Edits on both sides, of different items. */
+    void changeBothSides(Extent extent = Everything);
+    enum Besides { Alone, AndWhatIsNewHere };
+    /** After a new start with the server, which brings back what the device has changed. */
+    void wantServersEdits(Besides besides);
+
+    /** Empty if both sides are as they have to be. */
+    QString wrongState() const;
+    /** Empty if the mapping names what is in the stores, and the stores' files are whole. */
+    QString wrongStores() const;
+
+private:
+    using Listing = PimListing::Listing;
+
+    void fillCalendar();
+    void fillContacts();
+    void changeServerCalendar();
+    void changeServerContacts(Extent extent);
+    void changeDeviceCalendar() const;
+    void changeDeviceContacts() const;
+    QString serverEvent(const QString &subject) const;
+    QString serverContact(const QString &firstName) const;
+    QString wrongRows(const char *table, int folderType, QStringList localIds) const;
+    QString wrongAttachments() const;
+
+    EasAccountId mAccountId = 0;
+    bool mHasAttachments = false;
+    Simulator::Mailbox *mMailbox = nullptr;
+    Listing mWantedEvents;
+    Listing mWantedContacts;
+    Listing mServerEvents; ///< after the edits of that side
+    Listing mServerContacts;
+};
