@@ -37,7 +37,8 @@ public:
     static QString place(const ImapMessage &message);
     static QString place(const QMailMessage &message);
 
-    /** Everything that the device has stored, the mapping, mail, events and contacts, as one hash for each table. */
+    /** Everything that the device has stored, the mapping, mail, events and contacts, as one hash for each
+     * table. */
     static QMap<QString, QByteArray> storedData();
 
 private:
