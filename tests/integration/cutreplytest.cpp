@@ -103,7 +103,9 @@ void CutReplyTest::theLineDrops()
     bed.restartEngine();
     bed.server().overrideNext(command, faults[fault], fault == 1 ? 4 : 1);
     const int end = bed.sync();
-    QVERIFY2(end != 0 || command == QLatin1String("OPTIONS"), qPrintable(QString::number(end)));
+    // A body that is whole may be taken for what it is before the line drops.
+    const bool mayPass = fault == 4 || command == QLatin1String("OPTIONS");
+    QVERIFY2(end != 0 || mayPass, qPrintable(QString::number(end)));
     QVERIFY(nextSyncRepairs(bed));
     QCOMPARE(bed.deviceState().size(), 3);
 }
