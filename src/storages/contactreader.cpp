@@ -39,7 +39,7 @@ QString dateText(const QDate &date)
 }
 
 /** What the store and the engine add to a contact; it says nothing about the person. */
-bool isOwnOfStore(QContactDetail::DetailType type)
+bool isOwnOfStore(int type)
 {
     static const QSet<int> types { QContactDetail::TypeDisplayLabel, QContactDetail::TypeType,
         QContactDetail::TypeTimestamp, QContactDetail::TypeGuid, QContactDetail::TypeSyncTarget,
@@ -242,7 +242,8 @@ void ContactReader::logUnsupported(const QContact &contact)
 {
     const Details details = contact.details();
     for (const QContactDetail &detail : details) {
-        const QContactDetail::DetailType type = detail.type();
+        // Stores have types of their own, which are no values of the enumeration.
+        const int type = detail.type();
         const bool handled = type == QContactDetail::TypePhoneNumber || isOwnOfStore(type)
             || std::any_of(handlers().cbegin(), handlers().cend(),
                 [type](const Handler &handler) { return handler.type == type; });
