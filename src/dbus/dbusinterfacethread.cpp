@@ -18,6 +18,7 @@
 #include <QFileInfo>
 
 #include <algorithm>
+#include <limits>
 
 namespace {
 
@@ -119,13 +120,24 @@ void DBusInterfaceThread::leaveConnections()
     mPeerConnections.clear();
 }
 
+bool DBusInterfaceThread::ensureAccountsManager()
+{
+    if (mAccountsManager)
+        return true;
+    // The error counts right here alone: later it is that of the last account which was not found.
+    auto manager = std::make_unique<Accounts::Manager>();
+    if (manager->lastError().type() != Accounts::Error::NoError)
+        return false;
+    mAccountsManager = manager.release();
+    return true;
+}
+
 std::unique_ptr<Accounts::Account> DBusInterfaceThread::storedAccount(qulonglong accountId)
 {
-    if (!mAccountsManager)
-        mAccountsManager = new Accounts::Manager;
     // A fresh object each time: it is read from the store, where another thread may have written meanwhile.
     std::unique_ptr<Accounts::Account> account;
-    if (mAccountsManager->lastError().type() == Accounts::Error::NoError)
+    const bool canExist = accountId <= std::numeric_limits<Accounts::AccountId>::max();
+    if (canExist && ensureAccountsManager())
         account.reset(Accounts::Account::fromId(
             mAccountsManager, static_cast<Accounts::AccountId>(accountId), nullptr));
     if (!account)

@@ -159,6 +159,8 @@ private:
     void createPeerServer();
     void connectSessionBus();
     void leaveConnections();
+    /** False, to be tried again, while the account store cannot be read. */
+    bool ensureAccountsManager();
     std::unique_ptr<Accounts::Account> storedAccount(qulonglong accountId);
     bool hasAdapter() const;
 

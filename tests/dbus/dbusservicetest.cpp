@@ -250,6 +250,20 @@ private Q_SLOTS:
         QCOMPARE(log.count(QStringLiteral("Cannot allocate account object")), 2);
     }
 
+    void anUnknownAccountDoesNotHideTheKnownOnes()
+    {
+        AccountFactory factory;
+        const EasAccountId account = factory.create();
+        QVERIFY(factory.setValue(
+            account, QString(), QStringLiteral("last_known_versions"), QStringLiteral("14.1")));
+        QCOMPARE(call(QStringLiteral("protocolVersion"), 4711ULL).arguments().first().toInt(), 0);
+        QTRY_COMPARE(
+            call(QStringLiteral("protocolVersion"), qulonglong(account)).arguments().first().toInt(), 0x1401);
+        // The account library has shorter numbers; the rest of this one is that of the account.
+        constexpr qulonglong tooLong = 1ULL << 32U;
+        QCOMPARE(call(QStringLiteral("protocolVersion"), tooLong + account).arguments().first().toInt(), 0);
+    }
+
     // Results
 
     void resultsLeaveAsSignals()
