@@ -21,6 +21,16 @@ namespace {
 /** Not in QNetworkReply's enumeration; some versions of Qt pass the HTTP status on. */
 constexpr int RedirectError = 451;
 
+/**
+ * The network layer takes whatever is below 400 for an answer. The page that a public network redirects to
+ * must not pass for one: its empty body reads as "nothing new" or "done".
+ */
+bool isAnswer(const QNetworkReply &reply)
+{
+    const QVariant status = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute);
+    return !status.isValid() || status.toInt() / 100 == 2;
+}
+
 QStringList errorTexts(const QList<QSslError> &errors)
 {
     QStringList texts;
@@ -267,6 +277,8 @@ void BaseProtocolCommand::onReplyFinished()
     }
     if (mReply->error() != QNetworkReply::NoError)
         mStatus = ProtocolUtils::TransportStatusBase + mReply->error();
+    else if (!isAnswer(*mReply))
+        return handleError(QNetworkReply::UnknownContentError);
     handleFinished(mReply);
 }
 
@@ -294,9 +306,25 @@ void BaseProtocolCommand::handleFinished(QNetworkReply *reply)
     end(parsed);
 }
 
-void BaseProtocolCommand::logHeaders(const QNetworkReply &reply)
+void BaseProtocolCommand::logHeaders(const QNetworkReply &reply) const
 {
-    qCDebug(easNetwork()) << "Headers: " << DebugTools::headersForLog(reply.rawHeaderPairs());
+    if (!easNetwork().isDebugEnabled())
+        return;
+    const QString headers = DebugTools::headersForLog(reply.rawHeaderPairs());
+    qCDebug(easNetwork()) << "Headers: " << QString::fromUtf8(withoutCredentials(headers.toUtf8()));
+}
+
+QByteArray BaseProtocolCommand::withoutCredentials(const QByteArray &text) const
+{
+    const EasAccount *const owner = account();
+    QByteArray cleaned = text;
+    if (!owner)
+        return cleaned;
+    for (const QByteArray &secret : { owner->authenticationBasicCookie(), owner->password().toUtf8() }) {
+        if (!secret.isEmpty())
+            cleaned.replace(secret, "...");
+    }
+    return cleaned;
 }
 
 void BaseProtocolCommand::onReplyError(QNetworkReply::NetworkError networkError)
@@ -304,7 +332,7 @@ void BaseProtocolCommand::onReplyError(QNetworkReply::NetworkError networkError)
     qCDebug(eas()) << "networkError" << networkError;
     if (mReply && mReply->isOpen()) {
         logHeaders(*mReply);
-        qCDebug(easNetwork()) << "Body: " << mReply->readAll();
+        qCDebug(easNetwork()) << "Body: " << withoutCredentials(mReply->readAll());
     }
     const bool redirected =
         networkError == QNetworkReply::UnknownContentError || static_cast<int>(networkError) == RedirectError;

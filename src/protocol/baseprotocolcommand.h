@@ -125,7 +125,9 @@ protected:
     /** The commands that a server says it supports. */
     static QStringList supportedCommandsOf(const QNetworkReply &reply);
     /** "Headers: " and the header pairs of a reply, cookies without their values. */
-    static void logHeaders(const QNetworkReply &reply);
+    void logHeaders(const QNetworkReply &reply) const;
+    /** For the log: what a server sent, without the credentials that it may have repeated. */
+    QByteArray withoutCredentials(const QByteArray &text) const;
 
     void queryAddUser(QUrlQuery &query, const QString &userName) const;
     void queryAddCommand(QUrlQuery &query, const QString &command) const;

@@ -18,6 +18,8 @@
 #include <QUrlQuery>
 #include <QtTest>
 
+#include <functional>
+
 namespace {
 
 constexpr EasAccountId Account = 7;
@@ -88,6 +90,25 @@ public:
     QString extraItem;
 };
 
+/** Tells when a redirect arrives. */
+class MovingConnection : public ScriptedConnection
+{
+public:
+    explicit MovingConnection(const ScriptedConnection &before)
+        : ScriptedConnection(before.accountId())
+    {
+        port = before.port;
+    }
+
+    void setServerAddress(const QString &text) override
+    {
+        ScriptedConnection::setServerAddress(text);
+        whenMoved();
+    }
+
+    std::function<void()> whenMoved;
+};
+
 ScriptedAnswer redirectTo(const QByteArray &location, int status = 451)
 {
     ScriptedAnswer answer;
@@ -132,6 +153,7 @@ private:
         return finished.value(0).value(0).toBool();
     }
     ReceivedRequest lastRequest() const { return mServer->requests().last(); }
+    QByteArray serverUrl() const { return "http://127.0.0.1:" + QByteArray::number(mServer->port()) + "/"; }
 
 private Q_SLOTS:
     void init()
@@ -284,6 +306,28 @@ private Q_SLOTS:
         QCOMPARE(mServer->requests().size(), 1);
     }
 
+    void anHttpStatusThatIsNoErrorIsNoAnswerEither_data()
+    {
+        QTest::addColumn<int>("http");
+        for (const int http : { 101, 300, 301, 302, 303, 304, 307, 308 })
+            QTest::addRow("%d", http) << http;
+    }
+
+    void anHttpStatusThatIsNoErrorIsNoAnswerEither()
+    {
+        QFETCH(int, http);
+        ScriptedAnswer elsewhere = statusAnswer(http);
+        elsewhere.headers = { { "Location", serverUrl() } };
+        mServer->answer(elsewhere);
+        ProbeCommand command;
+        LogCollector log;
+        QVERIFY(!run(command));
+        QCOMPARE(command.status(), 10299);
+        QVERIFY(command.read.isNull());
+        QVERIFY(log.contains(QStringLiteral("handleError: Network error:")));
+        QCOMPARE(mServer->requests().size(), 1);
+    }
+
     void aDroppedLineIsATransportFailure()
     {
         ScriptedAnswer drop;
@@ -362,28 +406,32 @@ private Q_SLOTS:
         command.stop();
         QCOMPARE(finished.count(), 1);
         QCOMPARE(command.status(), 10005);
-        const int asked = mServer->requests().size();
-        ProbeCommand next;
-        mAccount->connection->address = QStringLiteral("127.0.0.9");
-        mServer->answer(bodyAnswer("reply"));
-        next.start();
-        next.stop();
-        QVERIFY(mServer->requests().size() <= asked + 1);
     }
 
     void stoppingBetweenRedirectAndRetrySendsNothingMore()
     {
-        mServer->answer(redirectTo("http://127.0.0.1/"));
+        mServer->answer(redirectTo("http://127.0.0.2/"));
+        mServer->answer(bodyAnswer("reply"));
         ProbeCommand command;
         QSignalSpy finished(&command, &BaseProtocolCommand::finished);
-        LogCollector log;
+        // Started before the retry's, this one fires before it.
+        QTimer stop;
+        stop.setSingleShot(true);
+        connect(&stop, &QTimer::timeout, &command, &BaseProtocolCommand::stop);
+        const auto connection = QSharedPointer<MovingConnection>::create(*mAccount->connection);
+        connection->whenMoved = [&stop] {
+            stop.start(0);
+        };
+        mAccount->connection = connection;
         command.start();
-        // The redirect is noticed in a turn of the event loop of its own; stop in that very turn.
-        QTRY_VERIFY_WITH_TIMEOUT(log.contains(QStringLiteral("new account serverAddress:")), 5000);
-        command.stop();
-        QCOMPARE(finished.count(), 1);
+        QTRY_COMPARE(finished.count(), 1);
         QCOMPARE(finished.first().first().toBool(), false);
         QCOMPARE(command.status(), 10005);
+        // What was to be sent in the next turn would be sent before another command has its answer.
+        ProbeCommand other;
+        QVERIFY(run(other));
+        QCOMPARE(mServer->requests().size(), 2);
+        QCOMPARE(finished.count(), 1);
     }
 
     void stoppingBeforeThereIsAReplyCountsAsCancelled()
@@ -558,6 +606,33 @@ private Q_SLOTS:
         QVERIFY(!log.contains(QStringLiteral("verysecret")));
         QVERIFY(!log.contains(QStringLiteral("s3cret")));
         QVERIFY(!log.contains(QString::fromLatin1(mAccount->authenticationBasicCookie())));
+    }
+
+    void credentialsThatTheServerRepeatsStayOutOfTheLog_data()
+    {
+        QTest::addColumn<int>("http");
+        QTest::newRow("in an answer") << 200;
+        QTest::newRow("in an error") << 500;
+    }
+
+    void credentialsThatTheServerRepeatsStayOutOfTheLog()
+    {
+        QFETCH(int, http);
+        mAccount->refreshAuthenticationCache();
+        const QByteArray cookie = mAccount->authenticationBasicCookie();
+        ScriptedAnswer answer = bodyAnswer("You sent Basic " + cookie + ", that is alice:s3cret");
+        answer.status = http;
+        answer.headers = { { "X-Echo", "Basic " + cookie } };
+        mServer->answer(answer);
+        LogCollector log;
+        ProbeCommand command;
+        QCOMPARE(run(command), http == 200);
+        QVERIFY(
+            log.contains(QtDebugMsg, { QStringLiteral("Headers: "), QStringLiteral("X-Echo: Basic ...") }));
+        QCOMPARE(log.contains(QtDebugMsg, { QStringLiteral("Body: "), QStringLiteral("You sent Basic ...") }),
+            http != 200);
+        QVERIFY(!log.contains(QString::fromLatin1(cookie)));
+        QVERIFY(!log.contains(QStringLiteral("s3cret")));
     }
 };
 

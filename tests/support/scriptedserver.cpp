@@ -2,6 +2,7 @@
 #include "support/scriptedserver.h"
 
 #include <QTcpSocket>
+#include <QTimer>
 
 #include <algorithm>
 #include <memory>
@@ -102,9 +103,26 @@ void ScriptedServer::reply(QTcpSocket *socket)
         socket->abort();
         return;
     }
+    if (!answer.raw.isEmpty()) {
+        socket->write(answer.raw);
+        if (!answer.endless.isEmpty())
+            writeEndlessly(socket, answer.endless);
+        return;
+    }
     QByteArray head = "HTTP/1.1 " + QByteArray::number(answer.status)
         + " Answer\r\nContent-Length: " + QByteArray::number(answer.body.size()) + "\r\n";
     for (const auto &header : qAsConst(answer.headers))
         head += header.first + ": " + header.second + "\r\n";
     socket->write(head + "\r\n" + answer.body);
+}
+
+void ScriptedServer::writeEndlessly(QTcpSocket *socket, const QByteArray &bytes)
+{
+    // At a pace at which the client does not fall behind.
+    auto *const pace = new QTimer(socket);
+    connect(pace, &QTimer::timeout, socket, [socket, bytes] {
+        if (socket->bytesToWrite() == 0)
+            socket->write(bytes);
+    });
+    pace->start(1);
 }

@@ -15,6 +15,10 @@ struct ScriptedAnswer
     int status = 200;
     QList<QPair<QByteArray, QByteArray>> headers;
     QByteArray body;
+    /** Sent as it is, in place of a head and a body; the line stays open after it. */
+    QByteArray raw;
+    /** Sent after that over and over, until the client has enough. */
+    QByteArray endless;
     bool hang = false;
     bool drop = false;
 };
@@ -55,6 +59,7 @@ private:
     void onConnection();
     void read(QTcpSocket *socket, QByteArray &buffer);
     void reply(QTcpSocket *socket);
+    static void writeEndlessly(QTcpSocket *socket, const QByteArray &bytes);
 
     QTcpServer mServer;
     QList<ScriptedAnswer> mAnswers;
