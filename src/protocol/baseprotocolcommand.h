@@ -75,6 +75,8 @@ Q_SIGNALS:
 protected:
     /** No reply of a mailbox is larger; bytes. */
     static constexpr qint64 MaximumReplySize = 256 * 1024 * 1024;
+    /** What is read from headers goes into account records. */
+    static constexpr int MaximumHeaderSize = 4096;
 
     /** The lines that name a command in the log. */
     struct ExchangeTexts
@@ -122,6 +124,10 @@ protected:
     static bool setHeader(QNetworkRequest &request, const char *name, const QByteArray &value);
     /** The cookie of the basic authentication, if there is one. */
     static void setAuthorization(QNetworkRequest &request, const EasAccount &account);
+    /** A header's value; empty if there is none, or one that is longer than any that is meant. */
+    static QByteArray headerOf(const QNetworkReply &reply, const char *name);
+    /** The protocol versions that a server says it knows, as they came. */
+    static QString versionsOf(const QNetworkReply &reply);
     /** The commands that a server says it supports. */
     static QStringList supportedCommandsOf(const QNetworkReply &reply);
     /** "Headers: " and the header pairs of a reply, cookies without their values. */

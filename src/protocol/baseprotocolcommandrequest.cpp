@@ -123,12 +123,6 @@ void BaseProtocolCommand::setAuthorization(QNetworkRequest &request, const EasAc
             ProtocolUtils::HeaderAuthorization, ProtocolUtils::AuthorizationBasicPrefix + cookie);
 }
 
-QStringList BaseProtocolCommand::supportedCommandsOf(const QNetworkReply &reply)
-{
-    const QString commands = QString::fromUtf8(reply.rawHeader(ProtocolUtils::HeaderAsProtocolCommands));
-    return commands.split(QLatin1Char(','), Qt::SkipEmptyParts);
-}
-
 bool BaseProtocolCommand::configureSsl(QNetworkRequest &request, const EasAccount &sslAccount) const
 {
     const auto configuration = sslAccount.connectionConfiguration();

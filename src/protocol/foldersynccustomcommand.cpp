@@ -45,7 +45,7 @@ void FolderSyncCustomCommand::prepareRequest(QNetworkRequest &request)
 bool FolderSyncCustomCommand::parseReply(QNetworkReply *reply, const QByteArray &)
 {
     mSupportedCommands = supportedCommandsOf(*reply);
-    mVersions = QString::fromUtf8(reply->rawHeader(ProtocolUtils::HeaderAsProtocolVersions));
+    mVersions = versionsOf(*reply);
     return true;
 }
 

@@ -106,7 +106,7 @@ void OptionsCommand::handleFinished(QNetworkReply *reply)
         return;
     }
     logHeaders(*reply);
-    mVersions = QString::fromUtf8(reply->rawHeader(ProtocolUtils::HeaderAsProtocolVersions));
+    mVersions = versionsOf(*reply);
     mSupportedCommands = supportedCommandsOf(*reply);
     end(true);
 }

@@ -367,6 +367,24 @@ private Q_SLOTS:
         QVERIFY(log.contains(QStringLiteral("new account serverAddress:")));
     }
 
+    void aRedirectToNowhereIsAnError_data()
+    {
+        QTest::addColumn<QByteArray>("location");
+        QTest::newRow("an empty location") << QByteArray("");
+        QTest::newRow("a location longer than any address") << "http://127.0.0.2/" + QByteArray(5000, 'x');
+    }
+
+    void aRedirectToNowhereIsAnError()
+    {
+        QFETCH(QByteArray, location);
+        mServer->answer(redirectTo(location));
+        ProbeCommand command;
+        QVERIFY(!run(command));
+        QCOMPARE(command.status(), 10299);
+        QCOMPARE(mAccount->connection->address, QStringLiteral("127.0.0.1"));
+        QCOMPARE(mServer->requests().size(), 1);
+    }
+
     void aRedirectTakesPortAndScheme()
     {
         ScriptedServer other;
@@ -543,6 +561,36 @@ private Q_SLOTS:
         QVERIFY(log.contains(QtCriticalMsg, { text }));
         QVERIFY(log.contains(QStringLiteral("failed to setup network request")));
         QVERIFY(mServer->requests().isEmpty());
+    }
+
+    void settingsThatLeadNowhereEndTheExchange_data()
+    {
+        QTest::addColumn<QString>("address");
+        QTest::addColumn<int>("port");
+        const QString here = QStringLiteral("127.0.0.1");
+        QTest::newRow("no address") << QString() << 443;
+        QTest::newRow("blanks in the address") << QStringLiteral("mail server") << 443;
+        QTest::newRow("a path in the address") << QStringLiteral("127.0.0.1/mail") << 443;
+        QTest::newRow("a user in the address") << QStringLiteral("bob@127.0.0.1") << 443;
+        QTest::newRow("a line break in the address") << QStringLiteral("127.0.0.1\r\nX-Evil: 1") << 443;
+        QTest::newRow("half an address") << QStringLiteral("[::1") << 443;
+        QTest::newRow("an address of 4 KB") << QString(4096, QLatin1Char('a')) << 443;
+        QTest::newRow("port 0") << here << 0;
+        QTest::newRow("a port below zero") << here << -5;
+        QTest::newRow("a port beyond all") << here << 70000;
+    }
+
+    void settingsThatLeadNowhereEndTheExchange()
+    {
+        QFETCH(QString, address);
+        QFETCH(int, port);
+        mAccount->connection->address = address;
+        mAccount->connection->port = port;
+        ProbeCommand command;
+        QSignalSpy finished(&command, &BaseProtocolCommand::finished);
+        QVERIFY(!run(command));
+        QCOMPARE(finished.count(), 1);
+        QVERIFY(command.status() == 0 || command.status() > ProtocolUtils::TransportStatusBase);
     }
 
     void clientCertificateThatCannotBeRead_data()

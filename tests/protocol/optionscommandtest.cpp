@@ -96,6 +96,28 @@ private Q_SLOTS:
         QVERIFY(command.supportedCommands().isEmpty());
     }
 
+    void headersThatAreTooLongCountAsMissing()
+    {
+        mServer->answer(offer(QByteArray("14.1,").repeated(1000), QByteArray("Sync,").repeated(1000)));
+        OptionsCommand command(Account);
+        LogCollector log;
+        QVERIFY(run(command));
+        QVERIFY(command.versions().isEmpty());
+        QVERIFY(command.supportedCommands().isEmpty());
+        QVERIFY(log.contains(QtCriticalMsg, { ProtocolUtils::HeaderAsProtocolVersions, "is too long" }));
+    }
+
+    void aRedirectOfHttpIsNoOffer()
+    {
+        ScriptedAnswer elsewhere = offer("14.1", "Sync");
+        elsewhere.status = 302;
+        elsewhere.headers << qMakePair(QByteArray("Location"), QByteArray("http://127.0.0.1/"));
+        mServer->answer(elsewhere);
+        OptionsCommand command(Account);
+        QVERIFY(!run(command));
+        QCOMPARE(command.status(), 10299);
+    }
+
     void noAnswerInTwentySecondsIsATimeout()
     {
         ScriptedClock clock;
