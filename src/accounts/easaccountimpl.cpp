@@ -143,7 +143,7 @@ void EasAccountImpl::setAlwaysOn(bool on)
     EasAccount::setAlwaysOn(on);
     if (mRecord.contains(mailService())
         && mRecord.value(mailService(), persistentConnectionKey).toBool() != on)
-        mRecord.write(mailService(), persistentConnectionKey, on);
+        writeMailValues({ { persistentConnectionKey, on } });
 }
 
 QString EasAccountImpl::userName() const
@@ -250,7 +250,7 @@ void EasAccountImpl::setLastSyncTime(Service services, const QDateTime &time)
                   << mRecord.serviceName(mailService());
     const auto seconds = static_cast<quint64>(time.toUTC().toSecsSinceEpoch());
     if (mRecord.value(mailService(), lastSynchronizedKey).toULongLong() != seconds)
-        mRecord.write(mailService(), lastSynchronizedKey, seconds);
+        writeMailValues({ { lastSynchronizedKey, seconds } });
 }
 
 bool EasAccountImpl::firstSyncCompleted() const
@@ -299,10 +299,8 @@ void EasAccountImpl::credentialsNeedUpdate()
     // Written once: a mark that is set again could undo a new password that is being stored right now.
     if (isCredentialsNeedUpdate())
         return;
-    const AccountRecord::Values mark { { credentialsNeedUpdateKey, true },
-        { credentialsNeedUpdateFromKey, QStringLiteral("fenel-eas") } };
-    if (!mRecord.write(mailService(), mark))
-        qCWarning(eas()) << "failed to mark the credentials as refused, account" << id();
+    writeMailValues({ { credentialsNeedUpdateKey, true },
+        { credentialsNeedUpdateFromKey, QStringLiteral("fenel-eas") } });
 }
 
 bool EasAccountImpl::isCredentialsNeedUpdate()
@@ -319,4 +317,10 @@ void EasAccountImpl::setGlobalValue(const char *key, const QVariant &value)
 {
     if (!mRecord.write(RecordScope::global(), QLatin1String(key), value))
         qCWarning(eas()) << "failed to write" << key << "of account" << id();
+}
+
+void EasAccountImpl::writeMailValues(const AccountRecord::Values &values)
+{
+    if (!mRecord.write(mailService(), values))
+        qCWarning(eas()) << "failed to write" << values.first().first << "of account" << id();
 }

@@ -94,6 +94,8 @@ private:
 
     QVariant globalValue(const char *key) const;
     void setGlobalValue(const char *key, const QVariant &value);
+    /** Into the mail service's part of the record. */
+    void writeMailValues(const AccountRecord::Values &values);
     QString getSsoMethod() const;
     QString getSsoMechanism() const;
 

@@ -226,8 +226,10 @@ void EasAccountImpl::wipe()
         qCWarning(eas()) << "failed to remove attachments directory for account" << id();
     if (!EasDatabase::instance()->clearAccount(id()))
         qCWarning(eas()) << "failed to clear data for account" << id();
-    if (Accounts::Account *account = mRecord.account()) {
-        account->remove();
-        account->syncAndBlock();
-    }
+    Accounts::Account *account = mRecord.account();
+    if (!account)
+        return;
+    account->remove();
+    if (!account->syncAndBlock())
+        qCWarning(eas()) << "failed to remove account" << id();
 }

@@ -411,6 +411,7 @@ private Q_SLOTS:
         mAccount->credentialsNeedUpdate();
         mAccount->setPolicyKey(QStringLiteral("1"));
         QVERIFY(mLog->contains(QtWarningMsg, { "failed to write", "policyKey" }));
+        QVERIFY(mLog->contains(QtWarningMsg, { "failed to write", "CredentialsNeedUpdate" }));
     }
 
 private:

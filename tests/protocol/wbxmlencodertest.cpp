@@ -94,6 +94,16 @@ private Q_SLOTS:
         QCOMPARE(encoder.encoded(), document("45 03 200D0A20 00 01"));
     }
 
+    void aZeroInTextIsNoWayIntoTheDocument()
+    {
+        // After the zero comes what would end the element and open another.
+        WbxmlEncoder encoder;
+        encoder.appendElement(AirSync::Sync, true);
+        encoder.appendTextElement(AirSync::SyncKey, QString::fromLatin1("ab\0\x01\x45", 5));
+        encoder.appendTextElement(AirSync::Status, QStringLiteral("1"));
+        QCOMPARE(encoder.encoded(), document("45 4B 03 6162 00 01 4E 03 31 00 01 01"));
+    }
+
     void bytesTravelUnchangedAsOpaqueData()
     {
         const QByteArray mime = QByteArrayLiteral("a\0b\xFF\r\n\x01");
