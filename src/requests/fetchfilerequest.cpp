@@ -6,12 +6,6 @@
 #include "common/exchangeactivesync.h"
 #include "protocol/eas.h"
 #include "protocol/fetchitemcommand.h"
-#include "protocol/protocolutils.h"
-
-QString FetchFileRequest::commandName() const
-{
-    return ProtocolUtils::CommandItemOperations;
-}
 
 void FetchFileRequest::startRequest()
 {
@@ -24,48 +18,31 @@ void FetchFileRequest::startRequest()
     int estimatedSize = 0;
     if (!findFile(*easAccount, &fileReference, &estimatedSize))
         return completeWith(RequestStatusInternalError);
-    createCommand(fileReference);
-    mCommand->setEstimatedDataSize(estimatedSize);
-    mCommand->start();
+    FetchItemCommand *command = newFileCommand(fileReference);
+    command->setEstimatedDataSize(estimatedSize);
+    command->start();
 }
 
-void FetchFileRequest::createCommand(const QString &fileReference)
+FetchItemCommand *FetchFileRequest::newFileCommand(const QString &fileReference)
 {
-    dropCommand();
-    mCommand = new FetchItemCommand(accountId(), this);
-    mCommand->setStore(ProtocolUtils::StorageMailbox);
-    mCommand->setFileReference(fileReference);
-    mCommand->setAcceptMultipart(mPartSize != 0);
+    FetchItemCommand *command = newFetchCommand();
+    command->setFileReference(fileReference);
+    command->setAcceptMultipart(mPartSize != 0);
     if (mPartSize != 0)
-        mCommand->setRange(mData.size(), mData.size() + int(mPartSize) - 1);
-    connect(mCommand, &FetchItemCommand::finished, this, &FetchFileRequest::onCommandFinished);
-    connect(mCommand, &FetchItemCommand::downloadProgress, this, &FetchFileRequest::onDownloadProgress);
-}
-
-void FetchFileRequest::dropCommand()
-{
-    if (!mCommand)
-        return;
-    mCommand->disconnect(this);
-    mCommand->deleteLater();
-    mCommand.clear();
-}
-
-void FetchFileRequest::cancelRequest()
-{
-    if (mCommand)
-        mCommand->stop();
+        command->setRange(mData.size(), mData.size() + int(mPartSize) - 1);
+    connect(command, &FetchItemCommand::downloadProgress, this, &FetchFileRequest::onDownloadProgress);
+    return command;
 }
 
 void FetchFileRequest::retrySend()
 {
     if (!consumeRetry())
         return;
-    if (!mCommand) {
+    if (!currentCommand()) {
         qCInfo(eas()) << "command is null, starting request from scratch";
         return startRequest();
     }
-    mCommand->start();
+    currentCommand()->start();
 }
 
 void FetchFileRequest::onDownloadProgress(qlonglong bytesReceived, qlonglong bytesTotal)
@@ -78,30 +55,15 @@ void FetchFileRequest::onDownloadProgress(qlonglong bytesReceived, qlonglong byt
 
 void FetchFileRequest::onCommandFinished(bool success)
 {
-    if (!mCommand)
+    if (!currentCommand())
         qCCritical(eas()) << "No command object";
-    if (!acceptResult(mCommand, success)) {
-        if (mCommand)
+    if (!acceptResult(currentCommand(), success)) {
+        if (currentCommand())
             qCInfo(eas()) << "ItemOperations request paused. Provision request started";
         return dropCommand();
     }
-    if (mPartSize != 0 && success && handleMultiPart())
-        return;
-    const StatusRows rows = {
-        { { 0, Eas::ItemOperationsStatusSuccess },
-            [this, success] {
-                if (success)
-                    return processCommandSuccess();
-                qCWarning(eas()) << "Success: "
-                                 << "false"
-                                 << ", status:" << status();
-                completeWith(RequestStatusInternalError);
-            } },
-    };
-    if (!handleCommonStatus(status(), rows)) {
-        qCWarning(eas()) << "unhandled status" << status();
-        complete();
-    }
+    if (mPartSize == 0 || !success || !handleMultiPart())
+        handleFetchStatus(success);
 }
 
 bool FetchFileRequest::handleMultiPart()
@@ -109,7 +71,7 @@ bool FetchFileRequest::handleMultiPart()
     if (status() != Eas::ItemOperationsStatusSuccess)
         return false;
     // A server may answer in the single form although it was offered the other one.
-    if (mCommand->partData().isEmpty() && !mCommand->fetchItems().isEmpty())
+    if (fetchCommand()->partData().isEmpty() && !fetchCommand()->fetchItems().isEmpty())
         return false;
     takePart();
     return true;
@@ -117,34 +79,34 @@ bool FetchFileRequest::handleMultiPart()
 
 void FetchFileRequest::takePart()
 {
-    if (mCommand->totalSize() < 0 || mCommand->partData().isEmpty()) {
+    const FetchItemCommand &command = *fetchCommand();
+    if (command.totalSize() < 0 || command.partData().isEmpty()) {
         qCWarning(eas()) << "The part of data was not received";
         return completeWith(RequestStatusInternalError);
     }
     resetTimeoutFactor();
     clearRetries();
-    mData.append(mCommand->partData());
-    if (mCommand->totalSize() > mData.size())
-        return requestNextPart();
-    if (!store(mCommand->partContentType(), mData))
+    mData.append(command.partData());
+    if (command.totalSize() > mData.size())
+        return requestNextPart(command.totalSize());
+    if (!store(command.partContentType(), mData))
         return completeWith(RequestStatusInternalError);
     Q_EMIT requestDownloadProgress(accountId(), id(), mData.size(), mData.size());
     completeWith(RequestStatusSuccess);
 }
 
-void FetchFileRequest::requestNextPart()
+void FetchFileRequest::requestNextPart(int total)
 {
-    const int total = mCommand->totalSize();
     const int start = mData.size();
     Q_EMIT requestDownloadProgress(accountId(), id(), start, total);
-    mCommand->setRange(start, start + qMin(total - start, int(mPartSize)) - 1);
-    mCommand->start();
+    fetchCommand()->setRange(start, start + qMin(total - start, int(mPartSize)) - 1);
+    fetchCommand()->start();
 }
 
 void FetchFileRequest::processCommandSuccess()
 {
     int result = RequestStatusSuccess;
-    const QList<ItemOperationsFetchItem> items = mCommand->fetchItems();
+    const QList<ItemOperationsFetchItem> items = fetchCommand()->fetchItems();
     if (items.isEmpty())
         result = RequestStatusInternalError;
     for (const ItemOperationsFetchItem &item : items) {

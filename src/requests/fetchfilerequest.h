@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
-#include "requests/request.h"
+#include "requests/fetchrequest.h"
 
 #include <QByteArray>
-#include <QPointer>
 
-class FetchItemCommand;
+class EasAccount;
 
 /**
  * Fetches one attached file, in ranges of partSize() bytes or, with 0, whole.
@@ -15,12 +14,12 @@ class FetchItemCommand;
  * the RequestManager or by the request that it works for; a subclass knows whose file it is and where it
  * goes. Progress is in bytes. Main thread only.
  */
-class FetchFileRequest : public Request
+class FetchFileRequest : public FetchRequest
 {
     Q_OBJECT
 
 public:
-    using Request::Request;
+    using FetchRequest::FetchRequest;
 
     uint partSize() const { return mPartSize; }
     void setPartSize(uint bytes) { mPartSize = bytes; }
@@ -30,8 +29,6 @@ public Q_SLOTS:
 
 protected:
     void startRequest() override;
-    void cancelRequest() override;
-    QString commandName() const override;
 
     /** The server's reference of the file and its size as far as known; false, logged, without one. */
     virtual bool findFile(EasAccount &account, QString *fileReference, int *estimatedSize) = 0;
@@ -39,21 +36,19 @@ protected:
         EasAccount &account, const QString &mediaType, const QByteArray &data, const QString &fileName) = 0;
 
 protected Q_SLOTS:
-    virtual void onCommandFinished(bool success);
+    void onCommandFinished(bool success) override;
 
 private Q_SLOTS:
     void onDownloadProgress(qlonglong bytesReceived, qlonglong bytesTotal);
 
 private:
-    void dropCommand();
-    void createCommand(const QString &fileReference);
+    FetchItemCommand *newFileCommand(const QString &fileReference);
     bool handleMultiPart();
     void takePart();
-    void requestNextPart();
-    void processCommandSuccess();
+    void requestNextPart(int total);
+    void processCommandSuccess() override;
     bool store(const QString &contentType, const QByteArray &data);
 
-    QPointer<FetchItemCommand> mCommand;
     uint mPartSize = 0;
     QByteArray mData;
 };

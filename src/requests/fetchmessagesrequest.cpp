@@ -6,7 +6,6 @@
 #include "application/logging.h"
 #include "protocol/eas.h"
 #include "protocol/fetchitemcommand.h"
-#include "protocol/protocolutils.h"
 #include "protocol/wbxmltokens.h"
 #include "requests/fetchpartrequest.h"
 #include "requests/mailserverids.h"
@@ -31,7 +30,7 @@ void keepReadMark(EasEmailItem &item)
 
 FetchMessagesRequest::FetchMessagesRequest(EasAccountId accountId, quint64 requestId,
     const QList<quint64> &messageIds, bool fullContentDownload, QObject *parent)
-    : Request(accountId, requestId, parent)
+    : FetchRequest(accountId, requestId, parent)
     , mFullContentDownload(fullContentDownload)
     , mMessageIds(messageIds)
 {
@@ -39,46 +38,42 @@ FetchMessagesRequest::FetchMessagesRequest(EasAccountId accountId, quint64 reque
 
 FetchMessagesRequest::FetchMessagesRequest(
     EasAccountId accountId, quint64 requestId, quint64 messageId, const QString &location, QObject *parent)
-    : Request(accountId, requestId, parent)
+    : FetchRequest(accountId, requestId, parent)
     , mMessageIds({ messageId })
     , mLocation(location)
 {
 }
 
-QString FetchMessagesRequest::commandName() const
+QSharedPointer<MailStorage> FetchMessagesRequest::mailStorage() const
 {
-    return ProtocolUtils::CommandItemOperations;
+    EasAccount *easAccount = account();
+    const QSharedPointer<MailStorage> storage =
+        easAccount ? easAccount->mailStorage() : QSharedPointer<MailStorage>();
+    if (!storage)
+        qCCritical(eas()) << (easAccount ? "MailStorage is null" : "No account");
+    return storage;
 }
 
 void FetchMessagesRequest::startRequest()
 {
-    EasAccount *easAccount = account();
-    if (!easAccount) {
-        qCCritical(eas()) << "No account";
+    const QSharedPointer<MailStorage> storage = mailStorage();
+    if (!storage)
         return completeWith(RequestStatusInternalError);
-    }
-    if (!easAccount->mailStorage()) {
-        qCCritical(eas()) << "MailStorage is null";
-        return completeWith(RequestStatusInternalError);
-    }
     if (mPendingFolders.isEmpty())
-        mPendingFolders = messagesByFolder();
+        mPendingFolders = messagesByFolder(*storage);
     if (mPendingFolders.isEmpty())
         return downloadNextAttachment();
-    dropCommand();
-    mCommand = new FetchItemCommand(accountId(), this);
-    mCommand->setStore(ProtocolUtils::StorageMailbox);
-    mCommand->setLocalIds(mPendingFolders.first());
-    connect(mCommand, &FetchItemCommand::finished, this, &FetchMessagesRequest::onFetchItemCommandFinished);
-    mCommand->start();
+    FetchItemCommand *command = newFetchCommand();
+    command->setLocalIds(mPendingFolders.first());
+    command->start();
 }
 
-QList<QList<quint64>> FetchMessagesRequest::messagesByFolder()
+QList<QList<quint64>> FetchMessagesRequest::messagesByFolder(MailStorage &storage)
 {
     QStringList folders;
     QList<QList<quint64>> groups;
     for (const quint64 messageId : qAsConst(mMessageIds)) {
-        const QString serverUid = account()->mailStorage()->serverUidFromMessageId(messageId);
+        const QString serverUid = storage.serverUidFromMessageId(messageId);
         const QString folder =
             EasDatabase::instance()->collectionServerIdFromEmailItemId(accountId(), serverUid);
         if (!folders.contains(folder)) {
@@ -90,51 +85,27 @@ QList<QList<quint64>> FetchMessagesRequest::messagesByFolder()
     return groups;
 }
 
-void FetchMessagesRequest::dropCommand()
-{
-    if (!mCommand)
-        return;
-    mCommand->disconnect(this);
-    mCommand->deleteLater();
-    mCommand.clear();
-}
-
 void FetchMessagesRequest::cancelRequest()
 {
     if (mFetchPartRequest && mFetchPartRequest->started())
         mFetchPartRequest->cancel();
-    else if (mCommand)
-        mCommand->stop();
+    else
+        FetchRequest::cancelRequest();
 }
 
-void FetchMessagesRequest::retrySend()
+void FetchMessagesRequest::onCommandFinished(bool success)
 {
-    if (consumeRetry())
-        startRequest();
+    onFetchItemCommandFinished(success);
 }
 
 void FetchMessagesRequest::onFetchItemCommandFinished(bool success)
 {
-    if (!acceptResult(mCommand, success)) {
-        if (mCommand)
+    if (!acceptResult(currentCommand(), success)) {
+        if (currentCommand())
             qCInfo(eas()) << "Provision request started";
         return dropCommand();
     }
-    const StatusRows rows = {
-        { { 0, Eas::ItemOperationsStatusSuccess },
-            [this, success] {
-                if (success)
-                    return processCommandSuccess();
-                qCWarning(eas()) << "Success: "
-                                 << "false"
-                                 << ", status:" << status();
-                completeWith(RequestStatusInternalError);
-            } },
-    };
-    if (!handleCommonStatus(status(), rows)) {
-        qCWarning(eas()) << "unhandled status" << status();
-        complete();
-    }
+    handleFetchStatus(success);
 }
 
 void FetchMessagesRequest::processCommandSuccess()
@@ -142,9 +113,12 @@ void FetchMessagesRequest::processCommandSuccess()
     resetTimeoutFactor();
     clearRetries();
     setStatus(RequestStatusSuccess);
+    const QSharedPointer<MailStorage> storage = mailStorage();
+    if (!storage)
+        return completeWith(RequestStatusInternalError);
     // A message that was asked for and not even refused is no success.
-    const bool isComplete = mCommand->fetchItems().size() >= mPendingFolders.first().size();
-    const bool updated = mLocation.isEmpty() ? updateMessages() : updateBody();
+    const bool isComplete = fetchCommand()->fetchItems().size() >= mPendingFolders.first().size();
+    const bool updated = mLocation.isEmpty() ? updateMessages(*storage) : updateBody(*storage);
     if (!updated || !isComplete)
         return completeWith(RequestStatusInternalError);
     setStatus(firstItemFailure());
@@ -158,17 +132,17 @@ void FetchMessagesRequest::processCommandSuccess()
         startRequest();
 }
 
-bool FetchMessagesRequest::updateBody()
+bool FetchMessagesRequest::updateBody(MailStorage &storage)
 {
-    const QList<ItemOperationsFetchItem> items = mCommand->fetchItems();
+    const QList<ItemOperationsFetchItem> items = fetchCommand()->fetchItems();
     if (items.isEmpty())
         return false;
     if (items.first().status() > Eas::ItemOperationsStatusSuccess)
         return true;
-    return account()->mailStorage()->updateBodyPart(mMessageIds.first(), items.first().emailItem().body());
+    return storage.updateBodyPart(mMessageIds.first(), items.first().emailItem().body());
 }
 
-bool FetchMessagesRequest::updateMessages()
+bool FetchMessagesRequest::updateMessages(MailStorage &storage)
 {
     QList<EasEmailItem> items;
     QList<EasEmailItem> none;
@@ -176,7 +150,7 @@ bool FetchMessagesRequest::updateMessages()
         qCCritical(eas()) << "Failed to read emails from EAS DB";
         return false;
     }
-    if (!account()->mailStorage()->updateEmails(none, items, {})) {
+    if (!storage.updateEmails(none, items, {})) {
         qCCritical(eas()) << "Failed to update emails";
         return false;
     }
@@ -189,7 +163,7 @@ bool FetchMessagesRequest::updateMessages()
 
 bool FetchMessagesRequest::receivedItems(QList<EasEmailItem> &items)
 {
-    const QList<ItemOperationsFetchItem> fetched = mCommand->fetchItems();
+    const QList<ItemOperationsFetchItem> fetched = fetchCommand()->fetchItems();
     QList<MailServerIds::Item> named;
     for (const ItemOperationsFetchItem &fetch : fetched)
         named.append({ fetch.collectionId(), fetch.serverId() });
@@ -200,7 +174,7 @@ bool FetchMessagesRequest::receivedItems(QList<EasEmailItem> &items)
             continue;
         EasEmailItem item = fetch.emailItem();
         if (!fetch.longId().isEmpty())
-            item.setLocalId(QString::number(mCommand->getLocalIdByLongId(fetch.longId())));
+            item.setLocalId(QString::number(fetchCommand()->getLocalIdByLongId(fetch.longId())));
         if (item.serverId().isEmpty())
             item.setServerId(ids.kept(fetch.collectionId(), fetch.serverId()));
         keepReadMark(item);
@@ -211,7 +185,7 @@ bool FetchMessagesRequest::receivedItems(QList<EasEmailItem> &items)
 
 int FetchMessagesRequest::firstItemFailure() const
 {
-    const QList<ItemOperationsFetchItem> fetched = mCommand->fetchItems();
+    const QList<ItemOperationsFetchItem> fetched = fetchCommand()->fetchItems();
     for (const ItemOperationsFetchItem &fetch : fetched) {
         if (fetch.status() > Eas::ItemOperationsStatusSuccess) {
             qCWarning(eas()) << "unhandled status" << fetch.status();
@@ -227,7 +201,8 @@ void FetchMessagesRequest::downloadNextAttachment()
         qCInfo(eas()) << "Nothing more to download, completing FetchMessagesRequest";
         return complete();
     }
-    queueAttachments();
+    if (!queueAttachments())
+        return completeWith(RequestStatusInternalError);
     if (mAttachmentLocations.isEmpty()) {
         qCInfo(eas()) << "Nothing else to download. Completing the FetchMessagesRequest";
         return complete();
@@ -239,14 +214,14 @@ void FetchMessagesRequest::downloadNextAttachment()
     mFetchPartRequest->start();
 }
 
-void FetchMessagesRequest::queueAttachments()
+bool FetchMessagesRequest::queueAttachments()
 {
-    const QSharedPointer<MailStorage> storage =
-        account() ? account()->mailStorage() : QSharedPointer<MailStorage>();
+    const QSharedPointer<MailStorage> storage = mailStorage();
     while (storage && mAttachmentLocations.isEmpty() && !mMessageIds.isEmpty()) {
         mAttachmentMessage = mMessageIds.takeFirst();
         mAttachmentLocations = storage->queryAttachmentsLocations(mAttachmentMessage, false);
     }
+    return !storage.isNull();
 }
 
 FetchPartRequest *FetchMessagesRequest::attachmentRequest(quint64 messageId, const QString &location)

@@ -2,14 +2,14 @@
 #pragma once
 
 #include "easitems/easemailitem.h"
-#include "requests/request.h"
+#include "requests/fetchrequest.h"
 
 #include <QList>
-#include <QPointer>
+#include <QSharedPointer>
 #include <QStringList>
 
-class FetchItemCommand;
 class FetchPartRequest;
+class MailStorage;
 
 /**
  * Fetches whole messages with their bodies and, if asked for, all their attachments one after another; or,
@@ -17,7 +17,7 @@ class FetchPartRequest;
  *
  * Queued and owned by the RequestManager, or owned by a FetchPartRequest. Main thread only.
  */
-class FetchMessagesRequest : public Request
+class FetchMessagesRequest : public FetchRequest
 {
     Q_OBJECT
 
@@ -27,29 +27,28 @@ public:
     FetchMessagesRequest(EasAccountId accountId, quint64 requestId, quint64 messageId,
         const QString &location, QObject *parent = nullptr);
 
-public Q_SLOTS:
-    void retrySend() override;
-
 protected:
     void startRequest() override;
     void cancelRequest() override;
-    QString commandName() const override;
+    void onCommandFinished(bool success) override;
+    void processCommandSuccess() override;
 
 private Q_SLOTS:
     void onFetchItemCommandFinished(bool success);
     void onFetchAttachmentCompleted(EasAccountId accountId, qulonglong requestId);
 
 private:
-    void dropCommand();
+    /** Null, logged, if there is none (any more). */
+    QSharedPointer<MailStorage> mailStorage() const;
     /** The messages of each folder by themselves: not every server answers for several folders at once. */
-    QList<QList<quint64>> messagesByFolder();
-    void processCommandSuccess();
-    bool updateBody();
-    bool updateMessages();
+    QList<QList<quint64>> messagesByFolder(MailStorage &storage);
+    bool updateBody(MailStorage &storage);
+    bool updateMessages(MailStorage &storage);
     bool receivedItems(QList<EasEmailItem> &items);
     int firstItemFailure() const;
     void downloadNextAttachment();
-    void queueAttachments();
+    /** False, logged, if the mail store has gone. */
+    bool queueAttachments();
     FetchPartRequest *attachmentRequest(quint64 messageId, const QString &location);
 
     bool mFullContentDownload = false;
@@ -59,6 +58,5 @@ private:
     QList<QList<quint64>> mPendingFolders;
     quint64 mAttachmentMessage = 0;
     QStringList mAttachmentLocations;
-    QPointer<FetchItemCommand> mCommand;
     QPointer<FetchPartRequest> mFetchPartRequest;
 };

@@ -6,35 +6,12 @@
 #include "protocol/foldersynccommand.h"
 #include "protocol/protocolutils.h"
 
-void HierarchyRequest::cancelRequest()
-{
-    if (mCommand)
-        mCommand->stop();
-}
-
 void HierarchyRequest::reportRequestCompleted()
 {
     if (hasEnded())
         return;
     Q_EMIT syncCompleted(accountId(), id(), status());
     Request::reportRequestCompleted();
-}
-
-void HierarchyRequest::takeCommand(BaseProtocolCommand *command)
-{
-    dropCommand();
-    connect(
-        command, &BaseProtocolCommand::finished, this, [this](bool success) { onCommandFinished(success); });
-    mCommand = command;
-}
-
-void HierarchyRequest::dropCommand()
-{
-    if (!mCommand)
-        return;
-    mCommand->disconnect(this);
-    mCommand->deleteLater();
-    mCommand.clear();
 }
 
 bool HierarchyRequest::readFolderSyncKey(QString *key)

@@ -48,6 +48,18 @@ constexpr SyncRequest::SyncTexts continuingSyncTexts = {
     "unhandled status",
 };
 
+/** The collections of a reply that were asked for: a key for another one would be no step ahead. */
+QList<SyncCollection> answeredCollections(const SyncCommand &command)
+{
+    const QList<SyncCollection> sent = command.collections();
+    QList<SyncCollection> answered;
+    for (const SyncCollection &collection : command.responseCollections()) {
+        if (sent.contains(collection))
+            answered.append(collection);
+    }
+    return answered;
+}
+
 } // namespace
 
 void SyncRequest::startSyncCommand()
@@ -71,7 +83,7 @@ void SyncRequest::startSyncCommand()
     dropCommand();
     if (initial.isEmpty() && continuing.isEmpty()) {
         qCInfo(eas()) << "collections lists are empty, nothing to sync";
-        return completeWith(RequestStatusSuccess);
+        return completeWith(mFailureStatus);
     }
     if (!initial.isEmpty()) {
         qCInfo(eas()) << "Performing initial sync, collections:" << initial.size();
@@ -131,15 +143,20 @@ void SyncRequest::processInitialSyncFinished(bool success)
 
 void SyncRequest::storeInitialKeys(const SyncCommand &command)
 {
+    EasAccount *easAccount = account();
+    if (!easAccount) {
+        qCCritical(eas()) << "No account";
+        return completeWith(RequestStatusInternalError);
+    }
+    SyncCollectionQueue queue(*easAccount, mSync);
+    const QList<SyncCollection> answered = answeredCollections(command);
     int changed = 0;
     setStatus(RequestStatusSuccess);
-    if (!SyncCollectionQueue(*account(), mSync)
-             .updateFolderSyncKeys(command.responseCollections(), &changed)) {
+    if (!queue.updateFolderSyncKeys(answered, &changed)) {
         qCCritical(eas()) << "Initial Sync command failed to update folder sync keys";
         return completeWith(RequestStatusInternalError);
     }
-    const bool isSilent = command.responseCollections().isEmpty();
-    if (isSilent && SyncCollectionQueue(*account(), mSync).leaveOut(command.collections()))
+    if (command.responseCollections().isEmpty() && queue.leaveOut(command.collections()))
         return startSyncCommand();
     if (changed == 0) {
         // No collection got a key, so the same request would follow at once, without an end.
@@ -148,7 +165,7 @@ void SyncRequest::storeInitialKeys(const SyncCommand &command)
         return startResendTimer();
     }
     succeedPhase();
-    for (const SyncCollection &collection : command.responseCollections())
+    for (const SyncCollection &collection : answered)
         mSync.collectionsToResync.removeAll(collection.id());
     qCInfo(eas()) << "Initial Sync command succeeded, starting next sync command.";
     startSyncCommand();

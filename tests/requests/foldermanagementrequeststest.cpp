@@ -3,14 +3,8 @@
 #include "requests/foldercreaterequest.h"
 #include "requests/folderdeleterequest.h"
 #include "requests/folderupdaterequest.h"
-#include "support/bearer.h"
 #include "support/logcollector.h"
-#include "support/scriptedclock.h"
-#include "support/scriptedmanager.h"
-#include "support/scriptedserver.h"
-#include "support/stubcalendarstorage.h"
-#include "support/stubcontactstorage.h"
-#include "support/stubmailstorage.h"
+#include "support/requestbed.h"
 #include "support/testmain.h"
 #include "support/wbxmldocument.h"
 
@@ -25,8 +19,8 @@ using WbxmlDocument::node;
 
 namespace {
 
-constexpr EasAccountId Account = 7;
-constexpr qulonglong Id = 42;
+constexpr EasAccountId Account = RequestBed::Account;
+constexpr qulonglong Id = RequestBed::Id;
 
 enum Kind { Create, Delete, Update };
 
@@ -63,13 +57,7 @@ class FolderManagementRequestsTest : public QObject
     Q_OBJECT
 
 private:
-    std::unique_ptr<ScriptedClock> mClock;
-    std::unique_ptr<ScriptedServer> mServer;
-    ScriptedManager *mManager = nullptr;
-    ScriptedAccount *mAccount = nullptr;
-    QSharedPointer<StubMailStorage> mMail;
-    QSharedPointer<StubCalendarStorage> mCalendar;
-    QSharedPointer<StubContactStorage> mContacts;
+    std::unique_ptr<RequestBed> mBed;
 
     static EasDatabase &database() { return *EasDatabase::instance(); }
     static QString key() { return database().folderSyncKey(Account); }
@@ -83,27 +71,17 @@ private:
     }
     StubFolders &store(int type) const
     {
-        return type == 13 ? mCalendar->folders : type == 14 ? mContacts->folders : mMail->folders;
+        return type == 13 ? mBed->calendar->folders
+            : type == 14  ? mBed->contacts->folders
+                          : mBed->mail->folders;
     }
     int storeCalls() const
     {
-        return mMail->folders.calls + mCalendar->folders.calls + mContacts->folders.calls;
+        return mBed->mail->folders.calls + mBed->calendar->folders.calls + mBed->contacts->folders.calls;
     }
 
-    void answer(const QByteArray &body)
-    {
-        ScriptedAnswer answer;
-        answer.headers = { { "Content-Type", "application/vnd.ms-sync.wbxml" } };
-        answer.body = body;
-        mServer->answer(answer);
-    }
-    QStringList sent() const
-    {
-        QStringList bodies;
-        for (const ReceivedRequest &request : mServer->requests())
-            bodies.append(WbxmlDocument::outline(request.body));
-        return bodies;
-    }
+    void answer(const QByteArray &body) { mBed->answer(body); }
+    QStringList sent() const { return mBed->sent(); }
 
     static std::unique_ptr<Request> make(Kind kind)
     {
@@ -120,15 +98,7 @@ private:
             Account, QStringLiteral("101"), QStringLiteral("102"), QStringLiteral("New"), Id);
     }
 
-    /** Runs a request to its end and returns its status. */
-    static int run(Request &request)
-    {
-        QSignalSpy completed(&request, &Request::requestCompleted);
-        request.start();
-        if (completed.isEmpty() && !completed.wait(60000))
-            return -1000;
-        return completed.count() == 1 ? request.status() : -1001;
-    }
+    static int run(Request &request) { return RequestBed::run(request); }
     static int run(const std::unique_ptr<Request> &request) { return run(*request); }
 
     static void kinds()
@@ -142,36 +112,22 @@ private:
 private Q_SLOTS:
     void init()
     {
-        static int counter = 0;
-        QVERIFY(Bearer::connectNetwork());
-        const QByteArray path = "folder-databases/" + QByteArray::number(++counter) + '/';
-        EasDatabase::initializeInstance(nullptr, path.constData(), "mapping.db");
-        mClock = std::make_unique<ScriptedClock>();
-        mServer = std::make_unique<ScriptedServer>();
-        mManager = ScriptedManager::install();
-        mAccount = mManager->addAccount(Account);
-        mAccount->negotiated({ QStringLiteral("FolderCreate"), QStringLiteral("FolderDelete"),
-            QStringLiteral("FolderUpdate") });
-        mAccount->connection->port = mServer->port();
-        mAccount->mails = mMail = QSharedPointer<StubMailStorage>::create();
-        mAccount->events = mCalendar = QSharedPointer<StubCalendarStorage>::create();
-        mAccount->people = mContacts = QSharedPointer<StubContactStorage>::create();
-        database().onAccountAdded(Account);
+        mBed = std::make_unique<RequestBed>(QStringList {
+            QStringLiteral("FolderCreate"), QStringLiteral("FolderDelete"), QStringLiteral("FolderUpdate") });
         database().setFolderSyncKey(Account, QStringLiteral("7"));
         QVERIFY(database().addFolderItems(Account,
             { folder("1", "0", "101", 12), folder("2", "0", "102", 12), folder("3", "1", "103", 12),
                 folder("4", "3", "cal", 13), folder("5", "0", "people", 14), folder("6", "0", "", 12) }));
-        QTRY_COMPARE(mManager->networkSession(Account)->state(), QNetworkSession::Connected);
+        QTRY_VERIFY(mBed->isOnline());
     }
 
     void cleanup()
     {
-        QCOMPARE(mServer->unexpected(), 0);
-        QCOMPARE(mServer->unusedAnswers(), 0);
-        ScriptedManager::uninstall();
-        EasDatabase::releaseInstance();
-        mServer.reset();
-        mClock.reset();
+        const int unexpected = mBed->server.unexpected();
+        const int unused = mBed->server.unusedAnswers();
+        mBed.reset();
+        QCOMPARE(unexpected, 0);
+        QCOMPARE(unused, 0);
     }
 
     void aFolderOfEachKindIsCreated_data()
@@ -218,7 +174,7 @@ private Q_SLOTS:
         answer(reply(Create, "1", "8", "2"));
         FolderCreateRequest request(Account, QStringLiteral("0"), QStringLiteral("New"), 0, Id);
         QCOMPARE(run(request), 0);
-        QCOMPARE(mMail->folders.changes, QStringList(QStringLiteral("*2 0 New")));
+        QCOMPARE(mBed->mail->folders.changes, QStringList(QStringLiteral("*2 0 New")));
         QCOMPARE(folders().filter(QStringLiteral("2=")), QStringList(QStringLiteral("2=102")));
     }
 
@@ -235,9 +191,9 @@ private Q_SLOTS:
         answer(reply(Delete, "1", "8"));
         QCOMPARE(run(make(Delete)), 0);
         QCOMPARE(sent(), QStringList(QStringLiteral("FolderDelete(SyncKey=7,ServerId=1)")));
-        QCOMPARE(mMail->folders.changes, QStringList({ QStringLiteral("-1"), QStringLiteral("-3") }));
-        QCOMPARE(mCalendar->folders.changes, QStringList(QStringLiteral("-4")));
-        QCOMPARE(mContacts->folders.calls, 0);
+        QCOMPARE(mBed->mail->folders.changes, QStringList({ QStringLiteral("-1"), QStringLiteral("-3") }));
+        QCOMPARE(mBed->calendar->folders.changes, QStringList(QStringLiteral("-4")));
+        QCOMPARE(mBed->contacts->folders.calls, 0);
         for (const char *gone : { "1", "3", "4" })
             QVERIFY(database().folderItemByServerId(Account, QString::fromLatin1(gone)).serverId().isEmpty());
         QVERIFY(folders().contains(QStringLiteral("2=102")));
@@ -250,7 +206,7 @@ private Q_SLOTS:
         answer(reply(Delete, "1", "8"));
         FolderDeleteRequest request(Account, QStringLiteral("people"), Id);
         QCOMPARE(run(request), 0);
-        QCOMPARE(mContacts->folders.changes, QStringList(QStringLiteral("-5")));
+        QCOMPARE(mBed->contacts->folders.changes, QStringList(QStringLiteral("-5")));
         QCOMPARE(storeCalls(), 1);
     }
 
@@ -260,7 +216,7 @@ private Q_SLOTS:
         QCOMPARE(run(make(Update)), 0);
         QCOMPARE(sent(),
             QStringList(QStringLiteral("FolderUpdate(SyncKey=7,ServerId=1,ParentId=2,DisplayName=New)")));
-        QCOMPARE(mMail->folders.changes, QStringList(QStringLiteral("*1 2 New")));
+        QCOMPARE(mBed->mail->folders.changes, QStringList(QStringLiteral("*1 2 New")));
         QCOMPARE(storeCalls(), 1);
         const EasFolderItem row = database().folderItemByServerId(Account, QStringLiteral("1"));
         QCOMPARE(row.displayName(), QStringLiteral("New"));
@@ -277,7 +233,7 @@ private Q_SLOTS:
         FolderUpdateRequest request(
             Account, QStringLiteral("cal"), QStringLiteral("0"), QStringLiteral("New"), Id);
         QCOMPARE(run(request), 0);
-        QCOMPARE(mCalendar->folders.changes, QStringList(QStringLiteral("*4 0 New")));
+        QCOMPARE(mBed->calendar->folders.changes, QStringList(QStringLiteral("*4 0 New")));
         QCOMPARE(storeCalls(), 1);
     }
 
@@ -444,13 +400,13 @@ private Q_SLOTS:
         if (repeated)
             answer(reply(Kind(kind), "1", "8", "20"));
         LogCollector log;
-        mClock->intervals.clear();
+        mBed->clock.intervals.clear();
         QCOMPARE(run(make(Kind(kind))), end);
         QVERIFY2(log.contains(text), qPrintable(log.texts().join(QLatin1Char('\n'))));
-        QCOMPARE(mServer->requests().size(), repeated ? 2 : 1);
+        QCOMPARE(mBed->server.requests().size(), repeated ? 2 : 1);
         QCOMPARE(key(), repeated ? QStringLiteral("8") : QStringLiteral("7"));
         if (repeated) {
-            QVERIFY(mClock->intervals.contains(5000));
+            QVERIFY(mBed->clock.intervals.contains(5000));
             QVERIFY(log.contains(QStringLiteral("trying to send command again. Attempt:  1")));
         }
     }
@@ -460,7 +416,7 @@ private Q_SLOTS:
         for (int i = 0; i < 6; ++i)
             answer(reply(Delete, "111"));
         QCOMPARE(run(make(Delete)), 111);
-        QCOMPARE(mServer->requests().size(), 6);
+        QCOMPARE(mBed->server.requests().size(), 6);
         QCOMPARE(key(), QStringLiteral("7"));
     }
 
@@ -521,11 +477,11 @@ private Q_SLOTS:
     {
         QFETCH(QString, text);
         if (text.startsWith(QLatin1Char('M')))
-            mAccount->mails.reset();
+            mBed->account->mails.reset();
         else if (text.startsWith(QStringLiteral("Ca")))
-            mAccount->events.reset();
+            mBed->account->events.reset();
         else
-            mAccount->people.reset();
+            mBed->account->people.reset();
         answer(reply(Create, "1", "8", "20"));
         LogCollector log;
         QCOMPARE(run(make(Create)), -2);
@@ -561,20 +517,18 @@ private Q_SLOTS:
         QCOMPARE(run(make(Kind(kind))), -2);
         QVERIFY2(log.contains(QtCriticalMsg, { text }), qPrintable(text));
         QCOMPARE(key(), QStringLiteral("7"));
-        QCOMPARE(mMail->folders.calls, 1);
+        QCOMPARE(mBed->mail->folders.calls, 1);
     }
 
     void aCancelledRequestHasOneEnd_data() { kinds(); }
     void aCancelledRequestHasOneEnd()
     {
         QFETCH(int, kind);
-        ScriptedAnswer never;
-        never.hang = true;
-        mServer->answer(never);
+        mBed->answerNever();
         const std::unique_ptr<Request> request = make(Kind(kind));
         QSignalSpy completed(request.get(), &Request::requestCompleted);
         request->start();
-        QTRY_COMPARE(mServer->requests().size(), 1);
+        QTRY_COMPARE(mBed->server.requests().size(), 1);
         request->cancel();
         QCOMPARE(completed.count(), 1);
         QCOMPARE(request->status(), -4);
@@ -585,7 +539,7 @@ private Q_SLOTS:
     void aServerWithoutTheCommandIsNotAsked()
     {
         QFETCH(int, kind);
-        mAccount->negotiated({ QStringLiteral("Sync") });
+        mBed->account->negotiated({ QStringLiteral("Sync") });
         QCOMPARE(run(make(Kind(kind))), -8);
         QVERIFY(sent().isEmpty());
     }

@@ -19,10 +19,15 @@ ScriptedAccount *ScriptedAccountStorage::add(EasAccountId id)
     return account;
 }
 
-void ScriptedAccountStorage::remove(EasAccountId id)
+void ScriptedAccountStorage::forget(EasAccountId id)
 {
     if (ScriptedAccount *const account = mAccounts.take(id))
         account->deleteLater();
+}
+
+void ScriptedAccountStorage::remove(EasAccountId id)
+{
+    forget(id);
     Q_EMIT accountDeleted(id);
 }
 

@@ -19,6 +19,8 @@ public:
 
     ScriptedAccount *add(EasAccountId id);
     void remove(EasAccountId id);
+    /** The account is gone, but nobody has been told so. */
+    void forget(EasAccountId id);
     void becomeReady();
 
     QList<EasAccountId> accounts() const override { return mAccounts.keys(); }

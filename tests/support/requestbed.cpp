@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "support/requestbed.h"
+
+#include "application/easdatabase.h"
+#include "requests/request.h"
+#include "support/bearer.h"
+#include "support/wbxmldocument.h"
+
+#include <QNetworkSession>
+#include <QSignalSpy>
+
+RequestBed::RequestBed(const QStringList &commands)
+    : mail(QSharedPointer<StubMailStorage>::create())
+    , calendar(QSharedPointer<StubCalendarStorage>::create())
+    , contacts(QSharedPointer<StubContactStorage>::create())
+{
+    static int counter = 0;
+    Bearer::connectNetwork();
+    const QByteArray path = "request-databases/" + QByteArray::number(++counter) + '/';
+    EasDatabase::initializeInstance(nullptr, path.constData(), "mapping.db");
+    manager = ScriptedManager::install();
+    account = manager->addAccount(Account);
+    account->negotiated(commands);
+    account->connection->port = server.port();
+    account->mails = mail;
+    account->events = calendar;
+    account->people = contacts;
+    EasDatabase::instance()->onAccountAdded(Account);
+}
+
+RequestBed::~RequestBed()
+{
+    ScriptedManager::uninstall();
+    EasDatabase::releaseInstance();
+}
+
+bool RequestBed::isOnline() const
+{
+    const QNetworkSession *const session = manager->networkSession(Account);
+    return session && session->state() == QNetworkSession::Connected;
+}
+
+void RequestBed::answer(const QByteArray &body)
+{
+    ScriptedAnswer answer;
+    answer.headers = { { "Content-Type", "application/vnd.ms-sync.wbxml" } };
+    answer.body = body;
+    server.answer(answer);
+}
+
+void RequestBed::answerNever()
+{
+    ScriptedAnswer never;
+    never.hang = true;
+    server.answer(never);
+}
+
+QStringList RequestBed::sent() const
+{
+    QStringList bodies;
+    for (const ReceivedRequest &request : server.requests())
+        bodies.append(WbxmlDocument::outline(request.body));
+    return bodies;
+}
+
+int RequestBed::run(Request &request)
+{
+    QSignalSpy completed(&request, &Request::requestCompleted);
+    request.start();
+    if (completed.isEmpty() && !completed.wait(60000))
+        return -1000;
+    return completed.count() == 1 ? request.status() : -1001;
+}
