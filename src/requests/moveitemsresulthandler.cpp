@@ -67,6 +67,11 @@ void MoveItemsResultHandler::lookUp(
 void MoveItemsResultHandler::handleMove(const MoveContainer &move, const MoveItemsResponse &response)
 {
     const QString id = move.sourceMessageId();
+    if (response.status() == Eas::MoveItemsStatusSuccess && response.destinationMessageId().isEmpty()) {
+        // Under no name it would be lost to every later reply; the next sync tells where it is.
+        qCWarning(eas()) << "the server has not named the moved message" << id;
+        return;
+    }
     switch (response.status()) {
     case Eas::MoveItemsInvalidSourceId:
         qCWarning(eas()) << "invalid source message or folder id for message:" << id;

@@ -28,20 +28,42 @@ bool SyncCollectionQueue::readFolder(const QString &serverId, EasFolderItem &fol
     return false;
 }
 
+bool SyncCollectionQueue::readFolders(QHash<QString, EasFolderItem> *known)
+{
+    for (QStringList *serverIds :
+        { &mState.collectionsToResync, &mState.collectionsToRetry, &mState.collectionsToSync }) {
+        QStringList kept;
+        for (const QString &serverId : qAsConst(*serverIds)) {
+            EasFolderItem folder;
+            if (!readFolder(serverId, folder))
+                return false;
+            if (folder.serverId() == serverId && folder.type() != EasFolderItem::UnknownFolder) {
+                known->insert(serverId, folder);
+                kept.append(serverId);
+            } else {
+                qCInfo(eas()) << "collection is gone, leaving it out:" << serverId;
+            }
+        }
+        *serverIds = kept;
+    }
+    return true;
+}
+
 bool SyncCollectionQueue::queryCollectionsForSync(
     QList<SyncCollection> &initial, QList<SyncCollection> &continuing)
 {
+    QHash<QString, EasFolderItem> known;
+    if (!readFolders(&known))
+        return false;
     QList<EasFolderItem> folders;
-    bool readable = true;
     const auto mark = [&](const QStringList &serverIds, const char *reason, bool resync) {
         for (const QString &serverId : serverIds) {
-            EasFolderItem folder;
-            readable = readFolder(serverId, folder) && readable;
             const bool listed = std::any_of(folders.cbegin(), folders.cend(),
                 [&](const EasFolderItem &other) { return other.serverId() == serverId; });
-            if (folder.serverId() != serverId || folder.type() == EasFolderItem::UnknownFolder || listed)
+            if (listed)
                 continue;
             qCDebug(eas()) << reason << serverId;
+            EasFolderItem folder = known.value(serverId);
             if (resync)
                 folder.setSyncKey(ProtocolUtils::InitialSyncKey);
             folders.append(folder);
@@ -53,8 +75,6 @@ bool SyncCollectionQueue::queryCollectionsForSync(
     else
         mark(mState.collectionsToRetry, "Marking collection for sync due to retry:", false);
 
-    if (!readable)
-        return false;
     SyncCollectionBuilder builder(mAccount, mState);
     for (const EasFolderItem &folder : qAsConst(folders)) {
         const SyncCollection collection = builder.setupSyncCollection(folder);

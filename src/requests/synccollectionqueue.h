@@ -3,6 +3,7 @@
 
 #include "protocol/synccollection.h"
 
+#include <QHash>
 #include <QList>
 
 class EasAccount;
@@ -20,8 +21,9 @@ public:
     SyncCollectionQueue(EasAccount &account, SyncState &state);
 
     /**
-     * Collections without a key go first, alone; those that have to be repeated go before all others. False,
-     * logged, if the database could not be read.
+     * Collections without a key go first, alone; those that have to be repeated go before all others. What
+     * the hierarchy has lost in the meantime is dropped: nobody would answer for it, and the others would
+     * wait. False, logged, if the database could not be read.
      */
     bool queryCollectionsForSync(QList<SyncCollection> &initial, QList<SyncCollection> &continuing);
 
@@ -42,6 +44,7 @@ public:
 
 private:
     bool readFolder(const QString &serverId, EasFolderItem &folder) const;
+    bool readFolders(QHash<QString, EasFolderItem> *known);
     bool forgetCollection(const EasFolderItem &folder);
 
     EasAccount &mAccount;

@@ -45,6 +45,8 @@ private Q_SLOTS:
     void aServerThatOnlySaysMoreIsLeft();
     void anEmptyReplyToTheFirstSyncIsCounted();
     void anEmptyReplyToALaterSyncMeansNoChange();
+    void keysForACollectionNobodyAskedForAreCounted();
+    void aCollectionThatGoesWhileItIsRepeatedDoesNotStopTheOthers();
 
 private:
     static void answerCollection(const QString &id, SyncTestBed &bed, int times);
@@ -326,6 +328,48 @@ void CollectionStatusTest::anEmptyReplyToALaterSyncMeansNoChange()
     QCOMPARE(bed.sync(), 0);
     QCOMPARE(count(bed, "Sync"), 1);
     QVERIFY(nextSyncRepairs(bed));
+}
+
+void CollectionStatusTest::keysForACollectionNobodyAskedForAreCounted()
+{
+    SyncTestBed bed;
+    bed.mailbox().deliver(bed.mailbox().inboxId(), SyncTestBed::message(QStringLiteral("one")));
+    int serial = 0;
+    bed.server().overrideAll(QStringLiteral("Sync"), Override::edited([&serial](WbxmlNode &reply) {
+        WbxmlNode *collections = reply.find(QStringLiteral("Collections"));
+        if (!collections)
+            return;
+        for (WbxmlNode &collection : collections->children()) {
+            collection.find(QStringLiteral("CollectionId"))->setText(QStringLiteral("nobody"));
+            collection.find(QStringLiteral("SyncKey"))->setText(QStringLiteral("key-%1").arg(++serial));
+        }
+    }));
+    QCOMPARE(bed.sync(), -2);
+    QCOMPARE(count(bed, "Sync"), 6);
+    QVERIFY(nextSyncRepairs(bed));
+}
+
+void CollectionStatusTest::aCollectionThatGoesWhileItIsRepeatedDoesNotStopTheOthers()
+{
+    SyncTestBed bed;
+    Simulator::Mailbox &mailbox = bed.mailbox();
+    const QString doomed = mailbox.addFolder(QStringLiteral("Doomed"));
+    QVERIFY(missesOneMessage(bed));
+    const auto localId = [&bed](const char *folder) {
+        return QString::number(bed.deviceFolder(QString::fromLatin1(folder)).toULongLong());
+    };
+    // The first one is to go alone, but before it does the server has deleted it.
+    bed.server().overrideNext(QStringLiteral("Sync"), Override::topStatus(15));
+    bed.server().overrideNext(QStringLiteral("Sync"), Override::edited([&mailbox, doomed](WbxmlNode &reply) {
+        mailbox.removeFolder(doomed);
+        reply = WbxmlNode(QStringLiteral("AirSync:Sync"));
+        reply.append(QStringLiteral("Status"), 12);
+    }));
+
+    QCOMPARE(bed.syncFolders({ localId("Doomed"), localId("Inbox") }), 0);
+
+    QCOMPARE(bed.deviceFolders(), bed.serverFolders());
+    QCOMPARE(bed.deviceState(), bed.serverState());
 }
 
 FENNEL_REGISTER_TEST(CollectionStatusTest)

@@ -45,6 +45,8 @@ private Q_SLOTS:
     void aMovedMessageSurvivesTheDeleteInItsOldFolder();
     void aMoveWaitsWhileACollectionIsRepeated();
     void aMessageThatIsGoneOnTheServerIsNotMovedForEver();
+    void aFolderThatGoesDuringAMoveDoesNotStopTheSync();
+    void aMoveThatNamesNoMessageIsLeftToTheNextSync();
 
 private:
     static void answer(const Override &override, int times, SyncTestBed &bed);
@@ -241,6 +243,47 @@ void MoveStatusTest::aMessageThatIsGoneOnTheServerIsNotMovedForEver()
     QCOMPARE(count(bed, "MoveItems"), 1);
     QVERIFY(nextSyncRepairs(bed));
     QCOMPARE(bed.deviceState().size(), 1);
+}
+
+void MoveStatusTest::aFolderThatGoesDuringAMoveDoesNotStopTheSync()
+{
+    SyncTestBed bed;
+    Simulator::Mailbox &mailbox = bed.mailbox();
+    const QString doomed = mailbox.addFolder(QStringLiteral("Doomed"));
+    mailbox.addFolder(QStringLiteral("Archive"));
+    mailbox.deliver(doomed, SyncTestBed::message(QStringLiteral("moved")));
+    QCOMPARE(bed.sync(), 0);
+    moveOnDevice(bed, "moved", QStringLiteral("Archive"));
+    mailbox.deliver(mailbox.inboxId(), SyncTestBed::message(QStringLiteral("new")));
+    Override gone = Override::itemStatus(1);
+    gone.mEdit = [&mailbox, doomed](WbxmlNode &) {
+        mailbox.removeFolder(doomed);
+    };
+    bed.server().overrideNext(QStringLiteral("MoveItems"), gone);
+
+    QCOMPARE(bed.sync(), 0);
+
+    // The folder that was to be repeated is no more, and all others had their turn.
+    QVERIFY(bed.deviceState().contains(QStringLiteral("Inbox|new|unread")));
+    QCOMPARE(bed.deviceFolders(), bed.serverFolders());
+}
+
+void MoveStatusTest::aMoveThatNamesNoMessageIsLeftToTheNextSync()
+{
+    SyncTestBed bed;
+    QVERIFY(movesTwoMessages(bed));
+    bed.server().overrideNext(QStringLiteral("MoveItems"), Override::edited([](WbxmlNode &reply) {
+        for (WbxmlNode &response : reply.children())
+            response.removeAll(QStringLiteral("DstMsgId"));
+    }));
+    {
+        const LogCollector log;
+        QCOMPARE(bed.sync(), 0);
+        QCOMPARE(log.count(QStringLiteral("the server has not named the moved message")), 2);
+    }
+    QVERIFY(nextSyncRepairs(bed));
+    QCOMPARE(bed.deviceState(),
+        QStringList({ QStringLiteral("Archive|one|unread"), QStringLiteral("Archive|two|unread") }));
 }
 
 FENNEL_REGISTER_TEST(MoveStatusTest)
