@@ -6,6 +6,8 @@
 #include "support/wbxmldocument.h"
 
 #include <QLoggingCategory>
+#include <QSqlDatabase>
+#include <QSqlQuery>
 #include <QtTest>
 
 using namespace Wbxml;
@@ -263,6 +265,19 @@ private Q_SLOTS:
         QCOMPARE(added.size(), 1);
         QCOMPARE(added.first().subject(), QStringLiteral("kept"));
         QCOMPARE(added.first().body().data(), QStringLiteral("kept too"));
+    }
+
+    void aReplyWhoseItemsCannotBeLookedUpIsNotReady()
+    {
+        QSqlQuery query(QSqlDatabase::database(QStringLiteral("fennel-eas-db")));
+        QVERIFY(query.exec(QStringLiteral("ALTER TABLE emails RENAME TO hidden")));
+        SyncResponseParser parser;
+        parser.parse(replyWithCommands({ item(AirSync::Change, "5:1", { body("text") }) }));
+        // Otherwise its key would be stored, and the change would be lost.
+        QVERIFY(!parser.ready());
+        QVERIFY(query.exec(QStringLiteral("ALTER TABLE hidden RENAME TO emails")));
+        parser.parse(replyWithCommands({ item(AirSync::Change, "5:9", { body("text") }) }));
+        QVERIFY(parser.ready());
     }
 
     void aStatusOfACollectionStaysThere()

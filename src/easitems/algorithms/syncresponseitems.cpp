@@ -71,6 +71,7 @@ bool SyncResponseParser::setAppDataType(uint page)
         EasDatabase *const database = mTypeLookedUp ? nullptr : EasDatabase::instance();
         if (database) {
             mAppDataType = ItemsCommon::ItemDataType(database->getAppDataType(itemServerId()));
+            mLookupFailed = mLookupFailed || database->lookupFailed();
         }
         mTypeLookedUp = true;
     } else {

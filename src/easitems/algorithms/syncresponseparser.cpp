@@ -16,7 +16,8 @@ SyncResponseParser::SyncResponseParser(QObject *parent)
 
 bool SyncResponseParser::ready() const
 {
-    return WbxmlParserBase::ready() && mParsePhase == Done;
+    // An item whose class could not be looked up has been passed over, and must not count as read.
+    return WbxmlParserBase::ready() && mParsePhase == Done && !mLookupFailed;
 }
 
 void SyncResponseParser::parse(const QByteArray &data)
@@ -24,6 +25,7 @@ void SyncResponseParser::parse(const QByteArray &data)
     mStatus = 0;
     mLimit = 0;
     mCollections.clear();
+    mLookupFailed = false;
     mParsePhase = data.isEmpty() ? Done : BeforeRoot;
     WbxmlParserBase::parse(data);
 }

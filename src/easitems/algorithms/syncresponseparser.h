@@ -71,6 +71,7 @@ private:
     CommandKind mCommandKind = NoKind;
     ItemsCommon::ItemDataType mAppDataType = ItemsCommon::None;
     bool mTypeLookedUp = false;
+    bool mLookupFailed = false;
     uint mStatus = 0;
     int mLimit = 0;
     bool mInAppData = false;
