@@ -3,6 +3,7 @@
 // of them, and the parts, which come in pairs of a WBXML document and the data that belongs to it.
 #include "application/logging.h"
 #include "easitems/algorithms/itemoperationsresponseparser.h"
+#include "protocol/eas.h"
 #include "protocol/fetchitemcommand.h"
 #include "protocol/protocolutils.h"
 
@@ -140,7 +141,7 @@ bool FetchItemCommand::processPair(Multipart &reply, int index, bool isLast, boo
         return false;
     }
     *found = processPartWbxml(reply.data.mid(offset1, length1));
-    if (*found) {
+    if (*found && status() <= Eas::ItemOperationsStatusSuccess) {
         mPartData = reply.data.mid(offset2, length2);
         qCDebug(eas()) << "The part with content type" << mPartContentType << "and size" << mPartData.size()
                        << "was found";
@@ -165,7 +166,9 @@ bool FetchItemCommand::processPartWbxml(const QByteArray &part)
     if (item == items.cend()) {
         return false;
     }
-    setStatus(parser.status());
+    // Of a file that was refused the data is none, whatever lies in its place.
+    const bool isRefused = item->status() > Eas::ItemOperationsStatusSuccess;
+    setStatus(isRefused ? item->status() : parser.status());
     mPartContentType = item->contentType();
     mTotalSize = item->total();
     return true;

@@ -102,19 +102,20 @@ public:
     using GetAttachmentCommand::prepareRequest;
 };
 
-WbxmlNode fetchOf(const char *fileReference)
+WbxmlNode fetchOf(const char *fileReference, const char *status)
 {
     return node(ItemOperations::Fetch,
-        { node(ItemOperations::Status, "1"), node(AirSyncBase::FileReference, fileReference),
+        { node(ItemOperations::Status, status), node(AirSyncBase::FileReference, fileReference),
             node(ItemOperations::Properties,
                 { node(ItemOperations::Range, "0-3"), node(ItemOperations::Total, "9"),
                     node(AirSyncBase::ContentType, "image/png"), node(ItemOperations::Part, "1") }) });
 }
 
-QByteArray documentOf(const char *fileReference)
+QByteArray documentOf(const char *fileReference, const char *status = "1")
 {
     return document(node(ItemOperations::ItemOperations,
-        { node(ItemOperations::Status, "1"), node(ItemOperations::Response, { fetchOf(fileReference) }) }));
+        { node(ItemOperations::Status, "1"),
+            node(ItemOperations::Response, { fetchOf(fileReference, status) }) }));
 }
 
 struct Place
@@ -424,6 +425,15 @@ private Q_SLOTS:
         const QStringList texts = mLog->texts();
         QVERIFY2(std::any_of(texts.cbegin(), texts.cend(), holds), qPrintable(texts.join(QLatin1Char('\n'))));
         QVERIFY(mLog->contains(QtDebugMsg, { "Processed multi part response; succeeded?", "false" }));
+    }
+
+    void aFileThatIsRefusedInPartsKeepsItsStatus()
+    {
+        OpenedFetch command;
+        expectPart(command);
+        QVERIFY(command.read(multipart({ { documentOf("ref", "15"), "what lies there" } })));
+        QCOMPARE(command.status(), 15);
+        QVERIFY(command.partData().isEmpty());
     }
 
     void everyTruncatedFrameIsRefusedOrShort()
