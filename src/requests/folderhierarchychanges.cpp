@@ -57,7 +57,13 @@ void FolderHierarchyChanges::noteLookup()
 void FolderHierarchyChanges::recogniseRepeatedFolders(const QMap<QString, QString> &known)
 {
     QList<EasFolderItem> unknown;
+    QSet<QString> seen;
     for (EasFolderItem &item : mAdded) {
+        if (item.serverId().isEmpty() || seen.contains(item.serverId())) {
+            qCWarning(eas()) << "added folder without a name of its own, leaving it out:" << item.serverId();
+            continue;
+        }
+        seen.insert(item.serverId());
         const auto localId = known.constFind(item.serverId());
         const bool hasRow = localId != known.constEnd();
         if (hasRow)

@@ -79,6 +79,10 @@ protected:
             const auto found = taken ? sent.find(response.clientId()) : sent.end();
             if (found == sent.end())
                 continue;
+            if (response.serverId().isEmpty()) {
+                qCWarning(eas()) << "The server has not named the item with client id" << response.clientId();
+                continue;
+            }
             qCInfo(eas()) << kind().added << response.clientId() << "saved"
                           << "on the server with server id" << response.serverId();
             Item item = mSentAdded.at(*found);

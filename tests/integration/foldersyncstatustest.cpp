@@ -27,6 +27,7 @@ private Q_SLOTS:
     void anEmptyReplyToTheFirstFolderSyncIsCounted();
     void anEmptyReplyToALaterFolderSyncKeepsTheKey_data();
     void anEmptyReplyToALaterFolderSyncKeepsTheKey();
+    void aFolderThatIsToldTwiceIsOne();
 
 private:
     static void requestKinds();
@@ -215,6 +216,25 @@ void FolderSyncStatusTest::anEmptyReplyToALaterFolderSyncKeepsTheKey()
     const QString key = requests.first().document.text(QStringLiteral("SyncKey"));
     QVERIFY(!key.isEmpty() && key != QLatin1String("0"));
     QCOMPARE(requests.last().document.text(QStringLiteral("SyncKey")), key);
+    QVERIFY(nextSyncRepairs(bed));
+}
+
+void FolderSyncStatusTest::aFolderThatIsToldTwiceIsOne()
+{
+    SyncTestBed bed;
+    QVERIFY(missesOneMessage(bed));
+    bed.mailbox().addFolder(QStringLiteral("Appeared"));
+    bed.server().overrideNext(QStringLiteral("FolderSync"), Override::edited([](Simulator::WbxmlNode &reply) {
+        Simulator::WbxmlNode &changes = *reply.find(QStringLiteral("Changes"));
+        Simulator::WbxmlNode again = changes.at(QStringLiteral("Add"));
+        changes.append(again);
+        again.removeAll(QStringLiteral("ServerId"));
+        changes.append(again);
+    }));
+    const LogCollector log;
+    QCOMPARE(bed.sync(), 0);
+    QCOMPARE(log.count(QStringLiteral("added folder without a name of its own, leaving it out:")), 2);
+    QCOMPARE(bed.deviceFolders(), bed.serverFolders());
     QVERIFY(nextSyncRepairs(bed));
 }
 

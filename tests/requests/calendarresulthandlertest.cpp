@@ -5,9 +5,6 @@
 #include "support/stubcalendarstorage.h"
 #include "support/testmain.h"
 
-#include <QSqlDatabase>
-#include <QSqlQuery>
-
 using namespace UploadResultScene;
 
 /** What becomes of the events that went up and came down with a Sync. */
@@ -18,10 +15,7 @@ class CalendarResultHandlerTest : public QObject
 private:
     using Event = EasCalendarItem;
 
-    std::unique_ptr<FakeAccount> mAccount;
-    QSharedPointer<StubCalendarStorage> mStore;
-    SyncState mState;
-    int mStatus = 0;
+    std::unique_ptr<Scene<CalendarResultHandler, StubCalendarStorage>> mScene;
 
     static EasDatabase &database() { return *EasDatabase::instance(); }
     static SyncCollection collection(
@@ -31,28 +25,12 @@ private:
         result.setQueryTime(1000);
         return result;
     }
-    bool handle(SyncCollection &collection)
-    {
-        CalendarResultHandler handler(*mAccount, mState);
-        const bool handled = handler.handle(collection);
-        mStatus = handler.status();
-        return handled;
-    }
-    static void refuseStatements(const char *kind)
-    {
-        QSqlQuery query(QSqlDatabase::database(QStringLiteral("fennel-eas-db")));
-        QVERIFY(query.exec(QStringLiteral("CREATE TRIGGER refuse BEFORE %1 ON calendar BEGIN "
-                                          "SELECT RAISE(ABORT, 'refused'); END")
-                               .arg(QLatin1String(kind))));
-    }
+    bool handle(SyncCollection &collection) { return mScene->handle(collection); }
 
 private Q_SLOTS:
     void init()
     {
-        openDatabase();
-        mState = SyncState();
-        mAccount = std::make_unique<FakeAccount>(Account);
-        mAccount->events = mStore = QSharedPointer<StubCalendarStorage>::create();
+        mScene = std::make_unique<Scene<CalendarResultHandler, StubCalendarStorage>>(&FakeAccount::events);
         EasFolderItem folder;
         folder.setServerId(QStringLiteral("9"));
         folder.setLocalId(QStringLiteral("notebook"));
@@ -61,20 +39,15 @@ private Q_SLOTS:
         QVERIFY(database().addCalendarItems(Account, { item<Event>("e1", "9:1"), item<Event>("e2", "9:2") }));
     }
 
-    void cleanup()
-    {
-        mAccount.reset();
-        mStore.reset();
-        EasDatabase::releaseInstance();
-    }
+    void cleanup() { mScene.reset(); }
 
     void aMissingStoreIsAFailure()
     {
         const LogCollector log;
-        mAccount->events.reset();
+        mScene->account.events.reset();
         SyncCollection reply = collection({});
         QVERIFY(!handle(reply));
-        QCOMPARE(mStatus, -2);
+        QCOMPARE(mScene->status, -2);
         QVERIFY(log.contains(QtCriticalMsg, { QStringLiteral("CalendarStorage is null") }));
     }
 
@@ -87,13 +60,13 @@ private Q_SLOTS:
         reply.appendChangedCalendars(Event(), QStringLiteral("9:1"));
         reply.appendDeletedIds(QStringLiteral("9:3"));
         QStringList rows;
-        mStore->onCall = [&](const QString &) {
+        mScene->store->onCall = [&](const QString &) {
             rows.append(database().serverToLocalCalendarIds(Account).keys().join(QLatin1Char(',')));
         };
         const LogCollector log;
         QVERIFY(handle(reply));
-        QCOMPARE(mStatus, 0);
-        QCOMPARE(mStore->calls,
+        QCOMPARE(mScene->status, 0);
+        QCOMPARE(mScene->store->calls,
             QStringList({ QStringLiteral("uploaded +new=9/9:7 *9/9:1 -9:2"),
                 QStringLiteral("received +=9/9:8 *9/9:1 -9:3"), QStringLiteral("time notebook 1000") }));
         // Each store call comes before its rows, and the time after all of them.
@@ -117,7 +90,7 @@ private Q_SLOTS:
     {
         SyncCollection reply = collection({});
         reply.appendAddedCalendars(Event(), QStringLiteral("9:1"));
-        mStore->replaces = QStringList(QStringLiteral("9:1"));
+        mScene->store->replaces = QStringList(QStringLiteral("9:1"));
         QVERIFY(handle(reply));
         QCOMPARE(database().serverToLocalCalendarIds(Account).value(QStringLiteral("9:1")),
             QStringLiteral("local-9:1"));
@@ -129,9 +102,9 @@ private Q_SLOTS:
         SyncCollection reply = collection({}, { item<Event>("e1", "9:1"), item<Event>("e2", "9:2") });
         answerChange(reply, "9:2");
         QVERIFY(handle(reply));
-        QCOMPARE(mStore->calls.first(), QStringLiteral("uploaded *9/9:2"));
+        QCOMPARE(mScene->store->calls.first(), QStringLiteral("uploaded *9/9:2"));
         // The other one is found again by the next query.
-        QVERIFY(!mStore->calls.filter(QStringLiteral("time")).size());
+        QVERIFY(!mScene->store->calls.filter(QStringLiteral("time")).size());
     }
 
     void anAdditionWithoutAnAnswerGoesUpAgain()
@@ -141,8 +114,21 @@ private Q_SLOTS:
         answerAdd(reply, "new", "9:7");
         answerAdd(reply, "unknown", "9:9");
         QVERIFY(handle(reply));
-        QCOMPARE(mStore->calls.first(), QStringLiteral("uploaded +new=9/9:7"));
-        QCOMPARE(mStore->calls.filter(QStringLiteral("time")), QStringList());
+        QCOMPARE(mScene->store->calls.first(), QStringLiteral("uploaded +new=9/9:7"));
+        QCOMPARE(mScene->store->calls.filter(QStringLiteral("time")), QStringList());
+    }
+
+    void anAdditionThatTheServerDoesNotNameGoesUpAgain()
+    {
+        SyncCollection reply = collection({ item<Event>("new") });
+        answerAdd(reply, "new", "");
+        const LogCollector log;
+        QVERIFY(handle(reply));
+        QCOMPARE(
+            mScene->store->calls, QStringList({ QStringLiteral("uploaded"), QStringLiteral("received") }));
+        QCOMPARE(database().serverToLocalCalendarIds(Account).size(), 2);
+        QVERIFY(log.contains(QtWarningMsg,
+            { QStringLiteral("The server has not named the item with client id"), QStringLiteral("new") }));
     }
 
     void anEventOfWhichOnePartIsRefusedIsNotAcknowledged()
@@ -154,7 +140,7 @@ private Q_SLOTS:
         answerChange(reply, "9:2");
         answerChange(reply, "9:2");
         QVERIFY(handle(reply));
-        QCOMPARE(mStore->calls.first(), QStringLiteral("uploaded *9/9:2"));
+        QCOMPARE(mScene->store->calls.first(), QStringLiteral("uploaded *9/9:2"));
     }
 
     void aSeriesWithARefusedDeletionOfAnOccurrenceIsNotAcknowledged()
@@ -164,8 +150,8 @@ private Q_SLOTS:
         answerDelete(reply, "9:2", 8);
         QVERIFY(handle(reply));
         // What is gone already needs no deletion.
-        QCOMPARE(mStore->calls.first(), QStringLiteral("uploaded *9/9:2"));
-        QCOMPARE(mStore->calls.filter(QStringLiteral("time")), QStringList());
+        QCOMPARE(mScene->store->calls.first(), QStringLiteral("uploaded *9/9:2"));
+        QCOMPARE(mScene->store->calls.filter(QStringLiteral("time")), QStringList());
     }
 
     void aRefusalKeepsTheSyncTime_data()
@@ -188,14 +174,14 @@ private Q_SLOTS:
                 answerChange(reply, "9:1", status);
             else
                 answerDelete(reply, "9:1", status);
-            mStore->calls.clear();
+            mScene->store->calls.clear();
             QVERIFY(handle(reply));
             // What the server does not have is as good as deleted.
             if (i == 2 && status == 8)
-                QCOMPARE(mStore->calls.size(), 3);
+                QCOMPARE(mScene->store->calls.size(), 3);
             else
-                QCOMPARE(
-                    mStore->calls, QStringList({ QStringLiteral("uploaded"), QStringLiteral("received") }));
+                QCOMPARE(mScene->store->calls,
+                    QStringList({ QStringLiteral("uploaded"), QStringLiteral("received") }));
         }
     }
 
@@ -204,8 +190,8 @@ private Q_SLOTS:
         SyncCollection reply = collection({}, { item<Event>("e1", "9:1") });
         answerChange(reply, "9:1", 9);
         QVERIFY(!handle(reply));
-        QCOMPARE(mStatus, -6);
-        QCOMPARE(mStore->calls, QStringList());
+        QCOMPARE(mScene->status, -6);
+        QCOMPARE(mScene->store->calls, QStringList());
     }
 
     void aStoreThatRefusesIsAFailure_data()
@@ -222,33 +208,33 @@ private Q_SLOTS:
         QFETCH(bool, uploads);
         QFETCH(QString, text);
         const LogCollector log;
-        mStore->takesUploads = !uploads;
-        mStore->takesItems = uploads;
+        mScene->store->takesUploads = !uploads;
+        mScene->store->takesItems = uploads;
         SyncCollection reply = collection({});
         QVERIFY(!handle(reply));
-        QCOMPARE(mStatus, -2);
+        QCOMPARE(mScene->status, -2);
         QVERIFY(log.contains(QtCriticalMsg, { text }));
-        QCOMPARE(mStore->calls.size(), uploads ? 1 : 2);
+        QCOMPARE(mScene->store->calls.size(), uploads ? 1 : 2);
     }
 
     void aDatabaseThatRefusesIsAFailure()
     {
-        refuseStatements("INSERT");
+        QVERIFY(OwnDatabase::refuse("INSERT", "calendar"));
         const LogCollector log;
         SyncCollection up = collection({ item<Event>("new") });
         answerAdd(up, "new", "9:7");
         QVERIFY(!handle(up));
-        QCOMPARE(mStatus, -2);
+        QCOMPARE(mScene->status, -2);
         QVERIFY(log.contains(
             QtCriticalMsg, { QStringLiteral("Failed to update calendar items in EAS DB for response") }));
-        QCOMPARE(mStore->calls.size(), 1);
-        mStore->calls.clear();
+        QCOMPARE(mScene->store->calls.size(), 1);
+        mScene->store->calls.clear();
         SyncCollection down = collection({});
         down.appendAddedCalendars(Event(), QStringLiteral("9:8"));
         QVERIFY(!handle(down));
         QVERIFY(
             log.texts(QtCriticalMsg).contains(QStringLiteral("Failed to update calendar items in EAS DB")));
-        QCOMPARE(mStore->calls.size(), 2);
+        QCOMPARE(mScene->store->calls.size(), 2);
     }
 
     void aTimeThatCannotBeSetChangesNothing()
@@ -266,7 +252,7 @@ private Q_SLOTS:
         SyncCollection reply = collection({});
         reply.setQueryTime(0);
         QVERIFY(handle(reply));
-        QCOMPARE(mStore->calls.filter(QStringLiteral("time")), QStringList());
+        QCOMPARE(mScene->store->calls.filter(QStringLiteral("time")), QStringList());
     }
 
     void commandsOfAnotherKindAreLogged()

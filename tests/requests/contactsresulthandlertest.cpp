@@ -5,9 +5,6 @@
 #include "support/stubcontactstorage.h"
 #include "support/testmain.h"
 
-#include <QSqlDatabase>
-#include <QSqlQuery>
-
 using namespace UploadResultScene;
 
 /** What becomes of the contacts that went up and came down with a Sync. */
@@ -18,10 +15,7 @@ class ContactsResultHandlerTest : public QObject
 private:
     using Contact = EasContactsItem;
 
-    std::unique_ptr<FakeAccount> mAccount;
-    QSharedPointer<StubContactStorage> mStore;
-    SyncState mState;
-    int mStatus = 0;
+    std::unique_ptr<Scene<ContactsResultHandler, StubContactStorage>> mScene;
 
     static EasDatabase &database() { return *EasDatabase::instance(); }
     static SyncCollection collection(
@@ -29,39 +23,25 @@ private:
     {
         return sent("3", &SyncCommandAdd::setContactItems, added, changed, deleted);
     }
-    bool handle(SyncCollection &collection)
-    {
-        ContactsResultHandler handler(*mAccount, mState);
-        const bool handled = handler.handle(collection);
-        mStatus = handler.status();
-        return handled;
-    }
+    bool handle(SyncCollection &collection) { return mScene->handle(collection); }
 
 private Q_SLOTS:
     void init()
     {
-        openDatabase();
-        mState = SyncState();
-        mAccount = std::make_unique<FakeAccount>(Account);
-        mAccount->people = mStore = QSharedPointer<StubContactStorage>::create();
+        mScene = std::make_unique<Scene<ContactsResultHandler, StubContactStorage>>(&FakeAccount::people);
         QVERIFY(
             database().addContactsItems(Account, { item<Contact>("c1", "3:1"), item<Contact>("c2", "3:2") }));
     }
 
-    void cleanup()
-    {
-        mAccount.reset();
-        mStore.reset();
-        EasDatabase::releaseInstance();
-    }
+    void cleanup() { mScene.reset(); }
 
     void aMissingStoreIsAFailure()
     {
         const LogCollector log;
-        mAccount->people.reset();
+        mScene->account.people.reset();
         SyncCollection reply = collection({});
         QVERIFY(!handle(reply));
-        QCOMPARE(mStatus, -2);
+        QCOMPARE(mScene->status, -2);
         QVERIFY(log.contains(QtCriticalMsg, { QStringLiteral("ContactStorage is null") }));
     }
 
@@ -74,13 +54,13 @@ private Q_SLOTS:
         reply.appendChangedContacts(Contact(), QStringLiteral("3:1"));
         reply.appendDeletedIds(QStringLiteral("3:3"));
         QStringList rows;
-        mStore->onCall = [&](const QString &) {
+        mScene->store->onCall = [&](const QString &) {
             rows.append(database().serverToLocalContactIds(Account).keys().join(QLatin1Char(',')));
         };
         const LogCollector log;
         QVERIFY(handle(reply));
-        QCOMPARE(mStatus, 0);
-        QCOMPARE(mStore->calls,
+        QCOMPARE(mScene->status, 0);
+        QCOMPARE(mScene->store->calls,
             QStringList({ QStringLiteral("received 3 +=3/3:8 *3/3:1 -3:3"),
                 QStringLiteral("uploaded +new *c1 -c2") }));
         QCOMPARE(rows, QStringList({ QStringLiteral("3:1,3:2"), QStringLiteral("3:1,3:2,3:8") }));
@@ -104,8 +84,8 @@ private Q_SLOTS:
         answerChange(reply, "3:1", 7);
         const LogCollector log;
         QVERIFY(handle(reply));
-        QCOMPARE(
-            mStore->calls, QStringList({ QStringLiteral("received 3"), QStringLiteral("uploaded + *c1 -") }));
+        QCOMPARE(mScene->store->calls,
+            QStringList({ QStringLiteral("received 3"), QStringLiteral("uploaded + *c1 -") }));
         QVERIFY(log.contains(QStringLiteral("client-server conflict. Server wins")));
     }
 
@@ -115,8 +95,8 @@ private Q_SLOTS:
         answerAdd(reply, "new", "", 7);
         const LogCollector log;
         QVERIFY(handle(reply));
-        QCOMPARE(
-            mStore->calls, QStringList({ QStringLiteral("received 3"), QStringLiteral("uploaded + * -") }));
+        QCOMPARE(mScene->store->calls,
+            QStringList({ QStringLiteral("received 3"), QStringLiteral("uploaded + * -") }));
         QVERIFY(log.contains(QStringLiteral("Unhandled item status")));
     }
 
@@ -128,7 +108,7 @@ private Q_SLOTS:
         answerChange(reply, "3:1", 8);
         answerDelete(reply, "3:2", 4);
         QVERIFY(handle(reply));
-        QCOMPARE(mStore->calls,
+        QCOMPARE(mScene->store->calls,
             QStringList({ QStringLiteral("failed c1,new,c2"), QStringLiteral("received 3"),
                 QStringLiteral("uploaded + * -") }));
         QCOMPARE(database().serverToLocalContactIds(Account).size(), 2);
@@ -139,8 +119,19 @@ private Q_SLOTS:
         SyncCollection reply = collection({}, {}, { QStringLiteral("3:1"), QStringLiteral("3:2") });
         answerDelete(reply, "3:2", 8);
         QVERIFY(handle(reply));
-        QVERIFY(mStore->calls.contains(QStringLiteral("uploaded + * -c2")));
+        QVERIFY(mScene->store->calls.contains(QStringLiteral("uploaded + * -c2")));
         QCOMPARE(database().serverToLocalContactIds(Account).keys(), QStringList(QStringLiteral("3:1")));
+    }
+
+    void aDatabaseThatCannotBeReadIsAFailure()
+    {
+        QVERIFY(OwnDatabase::hide("contacts"));
+        const LogCollector log;
+        SyncCollection reply = collection({}, {}, { QStringLiteral("3:1") });
+        QVERIFY(!handle(reply));
+        QCOMPARE(mScene->status, -2);
+        QCOMPARE(mScene->store->calls, QStringList());
+        QVERIFY(log.contains(QtCriticalMsg, { QStringLiteral("Failed to read contacts from EAS DB") }));
     }
 
     void aFullMailboxStopsTheCollection()
@@ -148,34 +139,32 @@ private Q_SLOTS:
         SyncCollection reply = collection({ item<Contact>("new") });
         answerAdd(reply, "new", "", 9);
         QVERIFY(!handle(reply));
-        QCOMPARE(mStatus, -6);
-        QCOMPARE(mStore->calls, QStringList());
+        QCOMPARE(mScene->status, -6);
+        QCOMPARE(mScene->store->calls, QStringList());
     }
 
     void aStoreThatRefusesIsAFailure()
     {
         const LogCollector log;
-        mStore->takesItems = false;
+        mScene->store->takesItems = false;
         SyncCollection reply = collection({});
         QVERIFY(!handle(reply));
-        QCOMPARE(mStatus, -2);
+        QCOMPARE(mScene->status, -2);
         QVERIFY(log.contains(QtCriticalMsg, { QStringLiteral("Failed to update contacts items") }));
-        mStore->takesItems = true;
-        mStore->takesUploads = false;
+        mScene->store->takesItems = true;
+        mScene->store->takesUploads = false;
         QVERIFY(!handle(reply));
-        QCOMPARE(mStatus, -2);
+        QCOMPARE(mScene->status, -2);
     }
 
     void aDatabaseThatRefusesIsAFailure()
     {
-        QSqlQuery query(QSqlDatabase::database(QStringLiteral("fennel-eas-db")));
-        QVERIFY(query.exec(QStringLiteral("CREATE TRIGGER refuse BEFORE INSERT ON contacts BEGIN "
-                                          "SELECT RAISE(ABORT, 'refused'); END")));
+        QVERIFY(OwnDatabase::refuse("INSERT", "contacts"));
         const LogCollector log;
         SyncCollection up = collection({ item<Contact>("new") });
         answerAdd(up, "new", "3:7");
         QVERIFY(!handle(up));
-        QCOMPARE(mStatus, -2);
+        QCOMPARE(mScene->status, -2);
         QVERIFY(log.contains(
             QtCriticalMsg, { QStringLiteral("Failed to update contacts items in EAS DB for response") }));
         SyncCollection down = collection({});

@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "requests/synccollectionbuilder.h"
 #include "application/easdatabase.h"
-#include "configurations/contactsaccountconfiguration.h"
+#include "protocol/airsyncbasepreference.h"
 #include "protocol/airsyncoptions.h"
 #include "protocol/synccommandadd.h"
 #include "protocol/synccommandchange.h"
 #include "protocol/synccommanddelete.h"
 #include "requests/syncstate.h"
 #include "requests/uploadresultscene.h"
+#include "support/fakeconfigurations.h"
 #include "support/logcollector.h"
 #include "support/stubcalendarstorage.h"
 #include "support/stubcontactstorage.h"
@@ -37,27 +38,9 @@ EasCalendarItem withException(const char *localId, const char *serverId, const c
     return series;
 }
 
-/** Whether local contacts go up is all that matters of it. */
-class ContactSettings : public ContactsAccountConfiguration
-{
-public:
-    explicit ContactSettings(bool uploads)
-        : ContactsAccountConfiguration(Account, nullptr)
-        , mUploads(uploads)
-    {
-    }
-    bool enabled() const override { return true; }
-    bool syncLocalContacts() const override { return mUploads; }
-    bool firstSyncCompleted() const override { return true; }
-    void setFirstSyncCompleted(bool) override {}
-
-private:
-    bool mUploads;
-};
-
 } // namespace
 
-/** Which local events and contacts go with a collection, and how. */
+/** What a collection asks for, and which local events and contacts go with it. */
 class SyncCollectionBuilderTest : public QObject
 {
     Q_OBJECT
@@ -65,9 +48,12 @@ class SyncCollectionBuilderTest : public QObject
 private:
     using Pairs = QList<QPair<QString, QString>>;
 
+    std::unique_ptr<OwnDatabase> mDatabase;
     std::unique_ptr<FakeAccount> mAccount;
     QSharedPointer<StubCalendarStorage> mCalendar;
     QSharedPointer<StubContactStorage> mContacts;
+    QSharedPointer<FakeContactsConfiguration> mContactSettings;
+    QSharedPointer<FakeEmailConfiguration> mMailSettings;
     SyncState mState;
 
     SyncCollection calendar()
@@ -79,6 +65,17 @@ private:
     {
         return SyncCollectionBuilder(*mAccount, mState)
             .setupSyncCollection(folder("3", EasFolderItem::DefaultContactsFolder));
+    }
+    SyncCollection ofType(EasFolderItem::FolderType type)
+    {
+        return SyncCollectionBuilder(*mAccount, mState).setupSyncCollection(folder("5", type));
+    }
+    static QList<int> previews(const SyncCollection &collection)
+    {
+        QList<int> previews;
+        for (const auto &preference : collection.options()->bodyPreference())
+            previews.append(preference->preview());
+        return previews;
     }
     static QList<int> types(const SyncCollection &collection)
     {
@@ -96,13 +93,14 @@ private:
 private Q_SLOTS:
     void init()
     {
-        openDatabase();
+        mDatabase = std::make_unique<OwnDatabase>();
         mState = SyncState();
         mAccount = std::make_unique<FakeAccount>(Account);
         mAccount->setProtocolVersion(ExchangeActiveSync::ProtocolVersion161);
         mAccount->events = mCalendar = QSharedPointer<StubCalendarStorage>::create();
         mAccount->people = mContacts = QSharedPointer<StubContactStorage>::create();
-        mAccount->contacts = QSharedPointer<ContactSettings>::create(true);
+        mAccount->contacts = mContactSettings = QSharedPointer<FakeContactsConfiguration>::create(Account);
+        mAccount->email = mMailSettings = QSharedPointer<FakeEmailConfiguration>::create(Account);
         QVERIFY(EasDatabase::instance()->addFolderItems(Account,
             { folder("9", EasFolderItem::DefaultCalendarFolder),
                 folder("3", EasFolderItem::DefaultContactsFolder) }));
@@ -113,7 +111,84 @@ private Q_SLOTS:
         mAccount.reset();
         mCalendar.reset();
         mContacts.reset();
-        EasDatabase::releaseInstance();
+        mDatabase.reset();
+    }
+
+    void aFolderOfNoServiceAsksForNothing()
+    {
+        mAccount->conflictPolicy = AirSyncOptions::ClientReplacesServer;
+        const SyncCollection tasks = ofType(EasFolderItem::DefaultTasksFolder);
+        QCOMPARE(tasks.options()->conflicts(), AirSyncOptions::ClientReplacesServer);
+        QVERIFY(tasks.options()->bodyPreference().isEmpty());
+        QCOMPARE(tasks.options()->filter(), AirSyncOptions::FilterUnset);
+        QCOMPARE(tasks.options()->mimeSupport(), AirSyncOptions::MimeSupportUnset);
+        QVERIFY(tasks.getChanges());
+        QVERIFY(!tasks.deletesAsMoves());
+        QVERIFY(types(tasks).isEmpty());
+    }
+
+    void anyPolicyButOneLetsTheClientWin_data()
+    {
+        QTest::addColumn<int>("policy");
+        QTest::addColumn<AirSyncOptions::ServerClientConflictType>("conflicts");
+        QTest::newRow("the server wins") << 1 << AirSyncOptions::ServerReplacesClient;
+        for (const int policy : { 0, 2, -1 })
+            QTest::newRow(qPrintable(QString::number(policy)))
+                << policy << AirSyncOptions::ClientReplacesServer;
+    }
+
+    void anyPolicyButOneLetsTheClientWin()
+    {
+        QFETCH(int, policy);
+        mAccount->conflictPolicy = policy;
+        QTEST(contacts().options()->conflicts(), "conflicts");
+    }
+
+    void previewsAreForVersionsThatKnowThem()
+    {
+        mMailSettings->preview = 255;
+        mAccount->setProtocolVersion(ExchangeActiveSync::ProtocolVersion121);
+        QCOMPARE(previews(ofType(EasFolderItem::DefaultInboxFolder)), QList<int>({ -1, -1 }));
+        mAccount->setProtocolVersion(ExchangeActiveSync::ProtocolVersion140);
+        QCOMPARE(previews(ofType(EasFolderItem::DefaultInboxFolder)), QList<int>({ 255, 255 }));
+        QCOMPARE(previews(ofType(EasFolderItem::DefaultDraftsFolder)), QList<int>({ 255 }));
+    }
+
+    void theFilterIsTheSettingUnlessItIsNone_data()
+    {
+        QTest::addColumn<int>("pastTime");
+        QTest::addColumn<AirSyncOptions::FilterType>("filter");
+        for (int time = 0; time <= 8; ++time)
+            QTest::newRow(qPrintable(QString::number(time))) << time << AirSyncOptions::FilterType(time);
+        QTest::newRow("more than the most") << 9 << AirSyncOptions::FilterUnset;
+        QTest::newRow("less than nothing") << -1 << AirSyncOptions::FilterUnset;
+    }
+
+    void theFilterIsTheSettingUnlessItIsNone()
+    {
+        QFETCH(int, pastTime);
+        QFETCH(AirSyncOptions::FilterType, filter);
+        const auto calendarSettings = QSharedPointer<FakeCalendarConfiguration>::create(Account);
+        calendarSettings->pastTime = mMailSettings->pastTime = pastTime;
+        mAccount->calendar = calendarSettings;
+        const LogCollector log;
+        QCOMPARE(ofType(EasFolderItem::DefaultInboxFolder).options()->filter(), filter);
+        QCOMPARE(calendar().options()->filter(), filter);
+        QCOMPARE(log.count(QStringLiteral("unhandled sync past time value, check account settings")),
+            filter == AirSyncOptions::FilterUnset ? 2 : 0);
+    }
+
+    void missingSettingsAreLogged()
+    {
+        mAccount->email.reset();
+        const LogCollector log;
+        const SyncCollection inbox = ofType(EasFolderItem::DefaultInboxFolder);
+        QCOMPARE(inbox.options()->filter(), AirSyncOptions::FilterUnset);
+        QCOMPARE(inbox.options()->bodyPreference().size(), 2);
+        calendar();
+        for (const char *text :
+            { "Email configuration is null", "calendar config is null", "MailStorage is null" })
+            QVERIFY2(log.contains(QString::fromLatin1(text)), text);
     }
 
     void eventsSinceTheLastTimeGoUp()
@@ -249,7 +324,7 @@ private Q_SLOTS:
         mContacts->localDeleted = QStringList(QStringLiteral("3:2"));
         QCOMPARE(types(contacts()), QList<int>({ 0, 2, 1 }));
         QCOMPARE(mContacts->calls, QStringList(QStringLiteral("query 3")));
-        mAccount->contacts = QSharedPointer<ContactSettings>::create(false);
+        mContactSettings->uploads = false;
         QVERIFY(types(contacts()).isEmpty());
         QCOMPARE(mContacts->calls.size(), 1);
         const LogCollector log;

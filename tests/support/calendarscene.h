@@ -1,32 +1,14 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
-#include "configurations/calendaraccountconfiguration.h"
 #include "easitems/eascalendaritem.h"
 #include "storages/calendarstorecontext.h"
 #include "support/fakeaccount.h"
+#include "support/fakeconfigurations.h"
 
 #include <KCalendarCore/Event>
 
 #include <QTemporaryDir>
-
-/** Settings of the calendar service that live in memory. */
-class FakeCalendarConfiguration : public CalendarAccountConfiguration
-{
-public:
-    explicit FakeCalendarConfiguration(EasAccountId id)
-        : CalendarAccountConfiguration(id, nullptr)
-    {
-    }
-
-    bool enabled() const override { return isEnabled; }
-    int syncPastTime() const override { return 0; }
-    QString calendarName() const override { return QString(); }
-    bool firstSyncCompleted() const override { return true; }
-    void setFirstSyncCompleted(bool) override {}
-
-    bool isEnabled = true;
-};
 
 /**
  * A calendar store of its own with one notebook, which is the local side of the server's folder "f1", and an

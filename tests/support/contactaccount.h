@@ -1,31 +1,14 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
-#include "configurations/contactsaccountconfiguration.h"
 #include "easitems/eascontactsitem.h"
 #include "easitems/easfolderitem.h"
 #include "storages/contactstorageimpl.h"
 #include "support/contactfixture.h"
 #include "support/fakeaccount.h"
+#include "support/fakeconfigurations.h"
 
 #include <memory>
-
-/** Settings of an account's contacts that live in memory. */
-class FakeContactsConfiguration : public ContactsAccountConfiguration
-{
-public:
-    explicit FakeContactsConfiguration(EasAccountId id)
-        : ContactsAccountConfiguration(id, nullptr)
-    {
-    }
-
-    bool enabled() const override { return isEnabled; }
-    bool syncLocalContacts() const override { return true; }
-    bool firstSyncCompleted() const override { return true; }
-    void setFirstSyncCompleted(bool) override {}
-
-    bool isEnabled = true;
-};
 
 /**
  * An account with a contact storage, on an emptied store, with a mapping of its own: each one takes a fresh

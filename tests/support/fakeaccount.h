@@ -47,7 +47,7 @@ public:
     QString userName() const override { return user; }
     QString password() const override { return secret; }
     QString serverAddress() const override { return connection->address; }
-    int serverConflictPolicy() const override { return 1; }
+    int serverConflictPolicy() const override { return conflictPolicy; }
     QString sslCertificatePassword() const override { return certificateSecret; }
     QSharedPointer<CalendarAccountConfiguration> calendarConfiguration() const override { return calendar; }
     QSharedPointer<ContactsAccountConfiguration> contactsConfiguration() const override { return contacts; }
@@ -84,6 +84,7 @@ public:
     QString user = QStringLiteral("alice");
     QString secret = QStringLiteral("s3cret");
     QString certificateSecret;
+    int conflictPolicy = 1;
     QString policy;
     bool firstSyncDone = false;
     QStringList knownVersions;
