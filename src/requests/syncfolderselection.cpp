@@ -14,7 +14,12 @@ SyncFolderSelection::SyncFolderSelection(EasAccount &account)
 {
 }
 
-QStringList SyncFolderSelection::serverIds(int service, const QStringList &localFolderIds) const
+void SyncFolderSelection::noteLookup()
+{
+    mLookupFailed = mLookupFailed || EasDatabase::instance()->lookupFailed();
+}
+
+QStringList SyncFolderSelection::serverIds(int service, const QStringList &localFolderIds)
 {
     if (service == 0 && !localFolderIds.isEmpty())
         return namedFolders(localFolderIds);
@@ -33,11 +38,12 @@ QStringList SyncFolderSelection::serverIds(int service, const QStringList &local
     return ids;
 }
 
-QStringList SyncFolderSelection::namedFolders(const QStringList &localFolderIds) const
+QStringList SyncFolderSelection::namedFolders(const QStringList &localFolderIds)
 {
     QStringList ids;
     for (const QString &localId : localFolderIds) {
         const EasFolderItem folder = EasDatabase::instance()->folderItemByLocalId(mAccount.id(), localId);
+        noteLookup();
         if (folder.serverId().isEmpty() || folder.localId() != localId) {
             qCWarning(eas()) << "failed to find local folder id" << localId << "in Eas DB for account"
                              << mAccount.id();
@@ -51,17 +57,17 @@ QStringList SyncFolderSelection::namedFolders(const QStringList &localFolderIds)
     return ids;
 }
 
-QList<EasFolderItem> SyncFolderSelection::getServiceSynchronizedFolders(int service) const
+QList<EasFolderItem> SyncFolderSelection::getServiceSynchronizedFolders(int service)
 {
     return enabledFolders(service, true);
 }
 
-QList<EasFolderItem> SyncFolderSelection::getDefaultSynchronizedFolders() const
+QList<EasFolderItem> SyncFolderSelection::getDefaultSynchronizedFolders()
 {
     return enabledFolders(MailService | CalendarService | ContactsService, false);
 }
 
-QList<EasFolderItem> SyncFolderSelection::enabledFolders(int service, bool warnDisabled) const
+QList<EasFolderItem> SyncFolderSelection::enabledFolders(int service, bool warnDisabled)
 {
     QList<EasFolderItem> folders;
     const auto wanted = [service, warnDisabled](Service bit, bool enabled, const char *disabled) {
@@ -98,27 +104,31 @@ QList<EasFolderItem> SyncFolderSelection::enabledFolders(int service, bool warnD
     return folders;
 }
 
-void SyncFolderSelection::appendMailFolders(QList<EasFolderItem> &folders) const
+void SyncFolderSelection::appendMailFolders(QList<EasFolderItem> &folders)
 {
-    if (const QSharedPointer<MailStorage> mail = mAccount.mailStorage())
+    if (const QSharedPointer<MailStorage> mail = mAccount.mailStorage()) {
         folders.append(mail->foldersToSynchronize());
+        noteLookup();
+    }
 }
 
 void SyncFolderSelection::appendFolders(
-    QList<EasFolderItem> &folders, EasFolderItem::FolderType single, EasFolderItem::FolderType all) const
+    QList<EasFolderItem> &folders, EasFolderItem::FolderType single, EasFolderItem::FolderType all)
 {
     appendSingleFolderByType(folders, single);
     appendAllFoldersByType(folders, all);
 }
 
 void SyncFolderSelection::appendSingleFolderByType(
-    QList<EasFolderItem> &folders, EasFolderItem::FolderType type) const
+    QList<EasFolderItem> &folders, EasFolderItem::FolderType type)
 {
     folders.append(EasDatabase::instance()->folderItemsByFolderType(mAccount.id(), type).value(0));
+    noteLookup();
 }
 
 void SyncFolderSelection::appendAllFoldersByType(
-    QList<EasFolderItem> &folders, EasFolderItem::FolderType type) const
+    QList<EasFolderItem> &folders, EasFolderItem::FolderType type)
 {
     folders.append(EasDatabase::instance()->folderItemsByFolderType(mAccount.id(), type));
+    noteLookup();
 }

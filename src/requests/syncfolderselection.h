@@ -21,18 +21,22 @@ public:
     explicit SyncFolderSelection(EasAccount &account);
 
     /** Server identifiers, each once; service 0 means no mask, an empty list means the default folders. */
-    QStringList serverIds(int service, const QStringList &localFolderIds) const;
+    QStringList serverIds(int service, const QStringList &localFolderIds);
+    /** True if the database could not be read; then folders may be missing from what was returned. */
+    bool lookupFailed() const { return mLookupFailed; }
 
 private:
-    QStringList namedFolders(const QStringList &localFolderIds) const;
-    QList<EasFolderItem> getServiceSynchronizedFolders(int service) const;
-    QList<EasFolderItem> getDefaultSynchronizedFolders() const;
-    QList<EasFolderItem> enabledFolders(int service, bool warnDisabled) const;
-    void appendMailFolders(QList<EasFolderItem> &folders) const;
+    QStringList namedFolders(const QStringList &localFolderIds);
+    QList<EasFolderItem> getServiceSynchronizedFolders(int service);
+    QList<EasFolderItem> getDefaultSynchronizedFolders();
+    QList<EasFolderItem> enabledFolders(int service, bool warnDisabled);
+    void appendMailFolders(QList<EasFolderItem> &folders);
     void appendFolders(
-        QList<EasFolderItem> &folders, EasFolderItem::FolderType single, EasFolderItem::FolderType all) const;
-    void appendSingleFolderByType(QList<EasFolderItem> &folders, EasFolderItem::FolderType type) const;
-    void appendAllFoldersByType(QList<EasFolderItem> &folders, EasFolderItem::FolderType type) const;
+        QList<EasFolderItem> &folders, EasFolderItem::FolderType single, EasFolderItem::FolderType all);
+    void appendSingleFolderByType(QList<EasFolderItem> &folders, EasFolderItem::FolderType type);
+    void appendAllFoldersByType(QList<EasFolderItem> &folders, EasFolderItem::FolderType type);
+    void noteLookup();
 
     EasAccount &mAccount;
+    bool mLookupFailed = false;
 };

@@ -6,6 +6,7 @@
 
 #include <QStringList>
 
+class EasAccount;
 class FolderSyncCommand;
 class MoveItemsCommand;
 class SyncCollection;
@@ -73,7 +74,8 @@ private:
     void applyFolderChanges(const FolderSyncCommand &command);
     void continueAfterFolderSync(const FolderSyncCommand &command);
     void processWrongFolderSyncKey();
-    void initializeSyncCollections();
+    /** False, logged, if the database could not be read. */
+    bool initializeSyncCollections(EasAccount &easAccount);
 
     void processMoveItemsFinished(bool success);
     bool handleMoveItemsResults(const MoveItemsCommand &command);

@@ -82,8 +82,8 @@ void SyncRequest::applyFolderChanges(const FolderSyncCommand &command)
         qCCritical(eas()) << "Failed to update folders in EAS DB!";
         applied = false;
     }
-    if (mRequestState == StateFolderSync)
-        initializeSyncCollections();
+    if (mRequestState == StateFolderSync && !initializeSyncCollections(*easAccount))
+        applied = false;
     if (!applied) {
         qCCritical(eas()) << "Failed to properly save folders updates!";
         return completeWith(RequestStatusInternalError);
@@ -122,11 +122,16 @@ void SyncRequest::restartFromAccount()
     startFolderSyncCommand();
 }
 
-void SyncRequest::initializeSyncCollections()
+bool SyncRequest::initializeSyncCollections(EasAccount &easAccount)
 {
-    const QStringList chosen = SyncFolderSelection(*account()).serverIds(mSyncService, mSyncFolders);
+    SyncFolderSelection selection(easAccount);
+    const QStringList chosen = selection.serverIds(mSyncService, mSyncFolders);
     for (const QString &serverId : chosen)
         SyncState::addOnce(mSync.collectionsToSync, serverId);
+    // What could not be read would be left out, and the request would end well without it.
+    if (selection.lookupFailed())
+        qCCritical(eas()) << "failed to read folders from EAS DB";
+    return !selection.lookupFailed();
 }
 
 // Mail that was moved on the device

@@ -353,6 +353,9 @@ QList<EasFolderItem> MailFolderAdapter::foldersToSynchronize() const
     for (const QMailFolderId &id : ids) {
         const EasFolderItem item =
             EasDatabase::instance()->folderItemByLocalId(mContext.accountId(), idText(id));
+        // The caller asks the database whether all were read, and it tells of the last lookup only.
+        if (EasDatabase::instance()->lookupFailed())
+            break;
         // A folder that the server does not know yet cannot be asked for.
         if (!item.serverId().isEmpty())
             items.append(item);
