@@ -181,7 +181,7 @@ void RequestManager::startHead(EasAccountId accountId)
     const QPointer<RequestManager> alive(this);
     const Request *startedHead = nullptr;
     while (Request *const head = mRequestQueues.value(accountId).value(0)) {
-        if (head == startedHead)
+        if (head == startedHead || waitsForCredentials(accountId))
             break;
         startedHead = head;
         head->start();
@@ -189,6 +189,25 @@ void RequestManager::startHead(EasAccountId accountId)
             return;
     }
     mStartingHeads.remove(accountId);
+}
+
+bool RequestManager::waitsForCredentials(EasAccountId accountId)
+{
+    // The server would refuse a request without a password, and that blocks the account.
+    const EasAccount *const owner = account(accountId);
+    if (!owner || owner->isReady())
+        return false;
+    mWaitingForCredentials.insert(accountId);
+    connect(
+        owner, &EasAccount::readyChanged, this, &RequestManager::onAccountReadyChanged, Qt::UniqueConnection);
+    return true;
+}
+
+void RequestManager::onAccountReadyChanged()
+{
+    const auto *const owner = qobject_cast<EasAccount *>(sender());
+    if (owner && owner->isReady() && mWaitingForCredentials.remove(owner->id()))
+        startHead(owner->id());
 }
 
 void RequestManager::cancelHungHead(EasAccountId accountId)

@@ -149,6 +149,7 @@ private Q_SLOTS:
     void onRequestDownloadProgress(
         EasAccountId accountId, qulonglong requestId, qlonglong bytesReceived, qlonglong bytesTotal);
     void onCheckAccountsCount();
+    void onAccountReadyChanged();
 
 private:
     /** Which signal tells a client about the end of a request that is not built. */
@@ -165,6 +166,8 @@ private:
     void quitApplication();
     void addRequestInQueue(Request *request);
     void startHead(EasAccountId accountId);
+    /** Whether the account's password is on its way; its head starts when that has come. */
+    bool waitsForCredentials(EasAccountId accountId);
     void cancelHungHead(EasAccountId accountId);
     bool endRequest(Request *request, EasAccountId accountId);
     void dropPendingRequests(EasAccountId accountId, const std::function<bool(const Request &)> &matches);
@@ -181,4 +184,6 @@ private:
     QMap<EasAccountId, QList<Request *>> mRequestQueues;
     /** Accounts whose head is being started further up the stack. */
     QSet<EasAccountId> mStartingHeads;
+    /** Accounts whose head starts with their credentials. */
+    QSet<EasAccountId> mWaitingForCredentials;
 };

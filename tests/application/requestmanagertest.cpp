@@ -304,6 +304,41 @@ private Q_SLOTS:
         QCOMPARE(second->starts, 1);
     }
 
+    void aRequestWaitsForThePasswordOfItsAccount()
+    {
+        mAccount->setReady(false);
+        ProbeRequest *const first = enter(1);
+        ProbeRequest *const second = enter(2);
+        ProbeRequest *const others = enter(3, OtherAccount);
+        QCOMPARE(first->starts, 0);
+        QCOMPARE(others->starts, 1);
+        mAccount->setReady(true);
+        QCOMPARE(first->starts, 1);
+        QCOMPARE(second->starts, 0);
+        // A new password is fetched while a request runs.
+        mAccount->setReady(false);
+        mAccount->setReady(true);
+        QCOMPARE(first->starts, 1);
+        mAccount->setReady(false);
+        first->completeWith(0);
+        QCOMPARE(second->starts, 0);
+        mAccount->setReady(true);
+        QCOMPARE(second->starts, 1);
+    }
+
+    void aRequestThatWaitsForAPasswordCanBeCancelled()
+    {
+        mAccount->setReady(false);
+        enter(1);
+        ProbeRequest *const second = enter(2);
+        mManager->onCancelRequest(Account, 1);
+        QCOMPARE(finishedIds(), QList<qulonglong>({ 1 }));
+        QCOMPARE(finishedStatus(0), int(Request::RequestStatusCancelled));
+        QCOMPARE(second->starts, 0);
+        mAccount->setReady(true);
+        QCOMPARE(second->starts, 1);
+    }
+
     void aWaitingRequestIsCancelledWithoutAReport()
     {
         mManager->storage->isReadyNow = false;

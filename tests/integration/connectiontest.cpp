@@ -162,7 +162,7 @@ void ConnectionTest::aWrongPasswordBlocksTheAccountUntilThereIsANewOne()
     QCOMPARE(bed.sync(), -4);
     QCOMPARE(bed.server().requests().size(), 0);
 
-    QVERIFY(bed.accounts().changePassword(bed.accountId(), QStringLiteral("n3w")));
+    QVERIFY(bed.changePassword(QStringLiteral("n3w")));
     EasAccount *account = RequestManager::instance()->account(bed.accountId());
     QTRY_VERIFY_WITH_TIMEOUT(
         !account->isCredentialsNeedUpdate() && account->password() == QLatin1String("n3w"), 20000);

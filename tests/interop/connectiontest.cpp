@@ -73,11 +73,11 @@ void ConnectionTest::aWrongPasswordIsRefused()
 {
     InteropBed bed(mServer, User, { QStringLiteral("14.1") });
     QVERIFY(bed.isReady());
-    QVERIFY(bed.accounts().changePassword(bed.accountId(), QStringLiteral("wrong")));
+    QVERIFY(bed.changePassword(QStringLiteral("wrong")));
     QVERIFY(bed.sync() != 0);
     QCOMPARE(bed.deviceState(), QStringList());
 
-    QVERIFY(bed.accounts().changePassword(bed.accountId(), RealServer::password()));
+    QVERIFY(bed.changePassword(RealServer::password()));
     QTRY_COMPARE_WITH_TIMEOUT(bed.sync(), 0, 20000);
     QCOMPARE(bed.deviceState(), bed.serverState());
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "support/enginetestbed.h"
 
+#include "application/easaccount.h"
 #include "application/easdatabase.h"
 #include "application/requestmanager.h"
 #include "support/bearer.h"
@@ -72,6 +73,13 @@ void EngineTestBed::withoutEngine(const std::function<void()> &happening)
     stopEngine();
     happening();
     startEngine();
+}
+
+bool EngineTestBed::changePassword(const QString &password)
+{
+    const EasAccount *account = RequestManager::instance()->account(mAccountId);
+    return account && Waiting::until([&] { return account->isReady(); }, mPatience)
+        && mAccounts.changePassword(mAccountId, password);
 }
 
 template <typename Start> int EngineTestBed::run(Start start)

@@ -39,6 +39,9 @@ public:
     /** Makes the account and starts the engine; false if it cannot. */
     bool start(const AccountOptions &options);
 
+    /** Stores another password when the engine does not fetch one, which the sign-on service would put back. */
+    bool changePassword(const QString &password);
+
     /** Starts a full sync and returns its identifier. */
     qulonglong startSync();
     /** Runs a full sync to its end; the status that a client would see, or -1000 if it never ended. */

@@ -24,6 +24,12 @@ ScriptedAccount::ScriptedAccount(EasAccountId id, QObject *parent)
 
 ScriptedAccount::~ScriptedAccount() = default;
 
+void ScriptedAccount::setReady(bool isReady)
+{
+    ready = isReady;
+    Q_EMIT readyChanged();
+}
+
 void ScriptedAccount::negotiated(const QStringList &commands)
 {
     setProtocolVersion(ExchangeActiveSync::ProtocolVersion141);

@@ -41,6 +41,10 @@ public:
     /** Knows a version and these commands, so that requests need no negotiation. */
     void negotiated(const QStringList &commands);
 
+    /** Its password is on its way, or has come. */
+    void setReady(bool isReady);
+
+    bool isReady() const override { return ready; }
     bool enabled() const override { return isEnabled; }
     QString userName() const override { return user; }
     QString password() const override { return QStringLiteral("s3cret"); }
@@ -71,6 +75,7 @@ public:
     void setAlwaysOn(bool on) override { alwaysOnSwitch = on; }
     void onAuthenticationFailedError() override { ++authenticationFailures; }
 
+    bool ready = true;
     bool isEnabled = true;
     bool blocked = false;
     bool alwaysOnSwitch = false;
