@@ -72,11 +72,13 @@ public:
     quint64 emailAccountId(EasAccountId accountId) const;
     void setEmailAccountId(EasAccountId accountId, quint64 emailAccountId);
     QString folderSyncKey(EasAccountId accountId) const;
-    void setFolderSyncKey(EasAccountId accountId, const QString &syncKey);
+    bool setFolderSyncKey(EasAccountId accountId, const QString &syncKey);
     AppDataType getAppDataType(const QString &serverId);
     void removeAccount(EasAccountId accountId);
     /** Wipes the account's stores and rows, so that its next sync starts from nothing. */
     bool clearAccount(EasAccountId accountId);
+    /** Does the rest of a clearAccount() that was cut short; false, too, if that cannot be told. */
+    bool finishClearingAccount(EasAccountId accountId);
     /** Drops what is kept of accounts that are not among these. */
     bool cleanUp(const QList<quint64> &accountIds);
 

@@ -123,18 +123,20 @@ QString EasDatabase::folderSyncKey(EasAccountId accountId) const
     return found && !select.value(0).isNull() ? select.text(0) : initialKey;
 }
 
-void EasDatabase::setFolderSyncKey(EasAccountId accountId, const QString &syncKey)
+bool EasDatabase::setFolderSyncKey(EasAccountId accountId, const QString &syncKey)
 {
     if (!initializeCollectionsTable(accountId)) {
         qCCritical(eas()) << CollectionsNotInitialized << accountId;
-        return;
+        return false;
     }
     DatabaseStatement update(mDatabase,
         QStringLiteral("UPDATE collections SET synckey=? WHERE account_id=%1 AND type=0").arg(accountId));
-    if (!update.bind(syncKey).run())
-        qCCritical(eas()) << "can't update table"
-                          << "collections"
-                          << "Error:" << update.errorText();
+    if (update.bind(syncKey).run())
+        return true;
+    qCCritical(eas()) << "can't update table"
+                      << "collections"
+                      << "Error:" << update.errorText();
+    return false;
 }
 
 EasDatabase::AppDataType EasDatabase::getAppDataType(const QString &serverId)
@@ -167,6 +169,9 @@ void EasDatabase::removeAccount(EasAccountId accountId)
 bool EasDatabase::clearAccount(EasAccountId accountId)
 {
     qCInfo(eas()) << "Clearing account with ID:" << accountId;
+    // The key goes first: under one that still holds, the server would never send again what has gone here.
+    // Rows without a key tell the next sync that this was interrupted.
+    setFolderSyncKey(accountId, ProtocolUtils::InitialSyncKey);
     if (!StoragesFactory::cleanUpAccounts({ accountId })) {
         qCWarning(eas()) << "Failed to clean up storages for account ID:" << accountId;
         return false;
@@ -180,6 +185,21 @@ bool EasDatabase::clearAccount(EasAccountId accountId)
     }
     account->setFirstSyncCompleted(false);
     return true;
+}
+
+bool EasDatabase::finishClearingAccount(EasAccountId accountId)
+{
+    if (folderSyncKey(accountId) != ProtocolUtils::InitialSyncKey)
+        return true;
+    if (mLookupFailed)
+        return false;
+    QMap<QString, QString> left = serverToLocalFolderIds(accountId);
+    left.remove(QString()); // the hierarchy itself
+    if (!mLookupFailed && left.isEmpty())
+        left = serverToLocalEmailIds(accountId);
+    if (mLookupFailed)
+        return false;
+    return left.isEmpty() || clearAccount(accountId);
 }
 
 bool EasDatabase::cleanUp(const QList<quint64> &accountIds)

@@ -139,8 +139,8 @@ bool FolderSyncRequest::processResponse()
     if (!changes.updateDatabase())
         return fail("failed to update folders in EAS DB");
     // The key is the last thing written: whatever stops us before makes the server repeat its answer.
-    EasDatabase::instance()->setFolderSyncKey(accountId(), folderSync().syncKey());
-    return true;
+    return EasDatabase::instance()->setFolderSyncKey(accountId(), folderSync().syncKey())
+        || fail("failed to update folders in EAS DB");
 }
 
 void FolderSyncRequest::processWrongSyncKey()

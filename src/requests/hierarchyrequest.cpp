@@ -30,6 +30,11 @@ FolderSyncCommand *HierarchyRequest::newFolderSyncCommand()
     QString key;
     if (!readFolderSyncKey(&key))
         return nullptr;
+    if (!EasDatabase::instance()->finishClearingAccount(accountId())) {
+        qCCritical(eas()) << "Failed to clear account";
+        completeWith(RequestStatusInternalError);
+        return nullptr;
+    }
     auto *command = newCommand<FolderSyncCommand>();
     command->setSyncKey(key);
     return command;

@@ -25,7 +25,10 @@ protected:
 
     /** False, and the request has ended, if the hierarchy's key cannot be read. */
     bool readFolderSyncKey(QString *key);
-    /** A FolderSync with the stored key. Null, and the request has ended, if the key cannot be read. */
+    /**
+     * A FolderSync with the stored key, for an account that is not half cleared. Null, and the request has
+     * ended, if that cannot be had.
+     */
     FolderSyncCommand *newFolderSyncCommand();
 
     /** Tries again later; once the attempts are used up the account starts from nothing the next time. */

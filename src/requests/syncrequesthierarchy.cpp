@@ -93,8 +93,10 @@ void SyncRequest::applyFolderChanges(const FolderSyncCommand &command)
 
 void SyncRequest::continueAfterFolderSync(const FolderSyncCommand &command)
 {
-    if (!command.syncKey().isEmpty())
-        EasDatabase::instance()->setFolderSyncKey(accountId(), command.syncKey());
+    // Items are never stored under a hierarchy without a key: that would look like a half cleared account.
+    if (!command.syncKey().isEmpty()
+        && !EasDatabase::instance()->setFolderSyncKey(accountId(), command.syncKey()))
+        return completeWith(RequestStatusInternalError);
     if (mRequestState == StateInitialFolderSync)
         startFolderSyncCommand();
     else

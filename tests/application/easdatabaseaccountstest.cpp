@@ -163,11 +163,52 @@ private Q_SLOTS:
         addRowsOf(Account);
         mAccounts->add(Account);
         mStorages->succeeds = false;
+        database()->setFolderSyncKey(Account, "17");
         const LogCollector log;
         const QStringList before = mFixture->content();
         QVERIFY(!database()->clearAccount(Account));
         QVERIFY(log.contains(QtWarningMsg, { "Failed to clean up storages for account ID:", "5" }));
+        // The rows stay for the next sync, which goes on with this as there is no key.
+        QCOMPARE(database()->folderSyncKey(Account), QString("0"));
+        database()->setFolderSyncKey(Account, "17");
         QCOMPARE(mFixture->content(), before);
+    }
+
+    void whatWasHalfClearedIsClearedToTheEnd_data()
+    {
+        QTest::addColumn<QStringList>("gone");
+        QTest::newRow("before the stores") << QStringList();
+        QTest::newRow("at the rows of accounts") << QStringList { "accounts" };
+        QTest::newRow("at the rows of folders")
+            << QStringList { "accounts", "calendar", "contacts", "collections" };
+    }
+
+    void whatWasHalfClearedIsClearedToTheEnd()
+    {
+        QFETCH(QStringList, gone);
+        addRowsOf(Account);
+        addRowsOf(OtherAccount);
+        mAccounts->add(Account);
+        database()->setFolderSyncKey(Account, "0");
+        for (const QString &table : qAsConst(gone))
+            mFixture->execute({ QStringLiteral("DELETE FROM %1 WHERE account_id=5").arg(table) });
+        QVERIFY(database()->finishClearingAccount(Account));
+        QCOMPARE(mStorages->cleared, QList<Accounts> { Accounts { Account } });
+        QCOMPARE(mFixture->rows("SELECT type, synckey FROM collections WHERE account_id=5"),
+            QStringList { "0|0" });
+        QCOMPARE(mFixture->rows("SELECT count(*) FROM emails WHERE account_id=5"), QStringList { "0" });
+        QCOMPARE(mFixture->rows("SELECT count(*) FROM emails WHERE account_id=6"), QStringList { "1" });
+    }
+
+    void anAccountThatIsNotHalfClearedStays()
+    {
+        QVERIFY(database()->finishClearingAccount(Account)); // a new one
+        addRowsOf(OtherAccount);
+        database()->setFolderSyncKey(OtherAccount, "17");
+        const QStringList before = mFixture->content();
+        QVERIFY(database()->finishClearingAccount(OtherAccount));
+        QCOMPARE(mFixture->content(), before);
+        QCOMPARE(mStorages->cleared, QList<Accounts>());
     }
 
     void clearingAnUnknownAccountFailsAfterTheFact()
