@@ -77,6 +77,9 @@ bool SyncCollectionQueue::queryCollectionsForSync(
 
     SyncCollectionBuilder builder(mAccount, mState);
     for (const EasFolderItem &folder : qAsConst(folders)) {
+        if (known.value(folder.serverId()).syncKey() == ProtocolUtils::InitialSyncKey
+            && !forgetCollection(folder))
+            return false;
         const SyncCollection collection = builder.setupSyncCollection(folder);
         const bool isInitial = collection.syncKey() == ProtocolUtils::InitialSyncKey;
         qCDebug(eas()) << "Have collection:" << collection.id() << "=" << collection.localId()
@@ -92,11 +95,9 @@ bool SyncCollectionQueue::restart(QList<SyncCollection> &collections)
     SyncCollectionBuilder builder(mAccount, mState);
     for (const QString &serverId : qAsConst(mState.collectionsToResync)) {
         EasFolderItem folder;
-        if (!readFolder(serverId, folder))
+        if (!readFolder(serverId, folder) || !forgetCollection(folder))
             return false;
         folder.setSyncKey(ProtocolUtils::InitialSyncKey);
-        if (!forgetCollection(folder))
-            return false;
         collections.append(builder.setupSyncCollection(folder));
     }
     return true;
@@ -122,12 +123,23 @@ bool SyncCollectionQueue::leaveOut(const QList<SyncCollection> &unanswered)
 
 bool SyncCollectionQueue::forgetCollection(const EasFolderItem &folder)
 {
-    // The key goes first: items that were wiped under a key that still holds would never come again.
-    EasFolderItem forgotten = folder;
-    forgotten.appendChangedField(Wbxml::AirSync::SyncKey.key());
+    // The key goes first: items that were wiped under a key that still holds would never come again. The
+    // initial key stands in the row until all is wiped, so that an interruption is noticed by the next sync.
+    return setSyncKey(folder, ProtocolUtils::InitialSyncKey) && forgetItems(folder)
+        && setSyncKey(folder, QString());
+}
+
+bool SyncCollectionQueue::setSyncKey(const EasFolderItem &folder, const QString &key)
+{
+    EasFolderItem changed = folder;
+    changed.setSyncKey(key);
+    changed.appendChangedField(Wbxml::AirSync::SyncKey.key());
+    return EasDatabase::instance()->updateFolderItems(mAccount.id(), { changed });
+}
+
+bool SyncCollectionQueue::forgetItems(const EasFolderItem &folder)
+{
     EasDatabase *database = EasDatabase::instance();
-    if (!database->updateFolderItems(mAccount.id(), { forgotten }))
-        return false;
     if (folder.isCalendar()) {
         mAccount.calendarStorage()->cleanUpFolder(folder);
         return database->clearCalendarFolder(mAccount.id(), folder.serverId());
@@ -149,7 +161,9 @@ bool SyncCollectionQueue::updateFolderSyncKeys(const QList<SyncCollection> &coll
         EasFolderItem folder;
         if (!readFolder(collection.id(), folder))
             return false;
-        if (collection.syncKey().isEmpty() || collection.syncKey() == folder.syncKey()) {
+        // No server gives the initial key for what comes next, unless it means to refuse.
+        if (collection.syncKey().isEmpty() || collection.syncKey() == ProtocolUtils::InitialSyncKey
+            || collection.syncKey() == folder.syncKey()) {
             qCDebug(eas()) << "No need to update folder sync key to:" << collection.syncKey()
                            << "for folder:" << folder.localId() << "with server id:" << collection.id();
             continue;

@@ -46,6 +46,8 @@ private:
     bool readFolder(const QString &serverId, EasFolderItem &folder) const;
     bool readFolders(QHash<QString, EasFolderItem> *known);
     bool forgetCollection(const EasFolderItem &folder);
+    bool forgetItems(const EasFolderItem &folder);
+    bool setSyncKey(const EasFolderItem &folder, const QString &key);
 
     EasAccount &mAccount;
     SyncState &mState;
