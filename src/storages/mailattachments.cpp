@@ -10,6 +10,8 @@
 
 #include <QRegularExpression>
 
+#include <limits>
+
 namespace {
 
 constexpr char proxySubType[] = "x-as-proxy-attachment";
@@ -41,6 +43,11 @@ QByteArray usableReference(const QString &reference)
     return QByteArray();
 }
 
+int sizeOf(const EasAttachmentContainer &attachment)
+{
+    return qMax(0, attachment.estimatedDataSize());
+}
+
 bool isProxy(const QMailMessagePart &part)
 {
     return part.contentType().subType().toLower() == proxySubType;
@@ -52,7 +59,7 @@ QMailMessagePart proxyPart(const EasAttachmentContainer &attachment)
             ? QMailMessageContentDisposition::Inline
             : QMailMessageContentDisposition::Attachment);
     disposition.setFilename(usableReference(attachment.fileReference()));
-    disposition.setSize(attachment.estimatedDataSize());
+    disposition.setSize(sizeOf(attachment));
 
     if (!attachment.isInline() && attachment.method() != EasAttachmentContainer::NormalAttachmentMethod
         && attachment.method() != EasAttachmentContainer::EmbeddedMessageMethod) {
@@ -73,12 +80,13 @@ QMailMessagePart proxyPart(const EasAttachmentContainer &attachment)
     return part;
 }
 
+/** Servers may tell any numbers. */
 int totalSize(const QList<EasAttachmentContainer> &attachments)
 {
-    int total = 0;
+    qint64 total = 0;
     for (const EasAttachmentContainer &attachment : attachments)
-        total += attachment.estimatedDataSize();
-    return total;
+        total += sizeOf(attachment);
+    return int(qMin<qint64>(total, std::numeric_limits<int>::max()));
 }
 
 /** Parts with a disposition, in their order; they lead into the message. */
@@ -139,7 +147,7 @@ void refreshProxy(QMailMessagePart *part, const EasAttachmentContainer &attachme
 {
     QMailMessageContentDisposition disposition = part->contentDisposition();
     disposition.setFilename(usableReference(attachment.fileReference()));
-    disposition.setSize(attachment.estimatedDataSize());
+    disposition.setSize(sizeOf(attachment));
     part->setContentDisposition(disposition);
 }
 

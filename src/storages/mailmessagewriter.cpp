@@ -99,8 +99,8 @@ std::unique_ptr<QMailMessage> MailMessageWriter::mailMessageFromEmailItem(const 
     if (!setMeeting(*message, item))
         return nullptr;
 
-    const int attachmentsSize = MailAttachments::setAttachmentsToMailMessage(message.get(), item);
-    message->setSize(uint(qMax(0, item.body().estimatedDataSize() + attachmentsSize)));
+    const qint64 attachmentsSize = MailAttachments::setAttachmentsToMailMessage(message.get(), item);
+    message->setSize(uint(qMax<qint64>(0, item.body().estimatedDataSize() + attachmentsSize)));
     setImportance(*message, item.importance());
     copyFolderFlags(*message);
     return message;

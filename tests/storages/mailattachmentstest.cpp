@@ -9,6 +9,8 @@
 
 #include <QtTest>
 
+#include <limits>
+
 namespace {
 
 EasEmailItem itemWith(const QList<EasAttachmentContainer> &attachments)
@@ -196,6 +198,21 @@ private Q_SLOTS:
         QVERIFY(MailAttachments::attachments(message).at(0).fileReference().isEmpty());
         QVERIFY(log.contains("file reference holds control characters"));
         QVERIFY(!message.toRfc2822().contains("\nX-Evil"));
+    }
+
+    void hostileSizesStayNumbers()
+    {
+        const int most = std::numeric_limits<int>::max();
+        QMailMessage message;
+        const EasEmailItem item = itemWith({ MailFixture::attachment("a", "1", most),
+            MailFixture::attachment("b", "2", most), MailFixture::attachment("c", "3", -7) });
+        MailBodyWriter::setMessageBody(message, item.body(), true);
+        QCOMPARE(MailAttachments::setAttachmentsToMailMessage(&message, item), most);
+        QCOMPARE(MailAttachments::updateAttachments(&message, item), most);
+        const QList<EasAttachmentContainer> back = MailAttachments::attachments(message);
+        QCOMPARE(back.size(), 3);
+        QCOMPARE(back.at(1).estimatedDataSize(), most);
+        QCOMPARE(back.at(2).estimatedDataSize(), 0);
     }
 
     void theSameAttachmentsKeepTheirContent()

@@ -7,6 +7,8 @@
 
 #include <QtTest>
 
+#include <limits>
+
 namespace {
 
 bool has(const QMailMessage &message, quint64 mask)
@@ -236,6 +238,19 @@ private Q_SLOTS:
         item.setMessageClass(ExchangeActiveSync::MESSAGE_CLASS_MEETING_REQUEST_CANCELLED);
         QVERIFY(!MailMessageWriter(mail.context).mailMessageFromEmailItem(item));
         QVERIFY(log.contains(QtCriticalMsg, { "No calendar storage object" }));
+    }
+
+    void hostileSizesAddUp()
+    {
+        const int most = std::numeric_limits<int>::max();
+        MailFixture mail;
+        mail.addFolder("5");
+        EasEmailItem item = mail.item("5:1", "5");
+        EasBodyContainer body = item.body();
+        body.setEstimatedDataSize(most);
+        item.setBody(body);
+        item.setAttachments({ MailFixture::attachment("a", "1", most) });
+        QCOMPARE(MailMessageWriter(mail.context).mailMessageFromEmailItem(item)->size(), 2U * uint(most));
     }
 
     void aSubjectBeginsNoHeader()
