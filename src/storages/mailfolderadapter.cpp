@@ -374,8 +374,10 @@ void MailFolderAdapter::cleanUpFolder(const EasFolderItem &item)
         qCWarning(eas()) << "invalid folder id" << item.localId();
         return;
     }
-    const QMailMessageKey key =
-        QMailMessageKey::parentFolderId(id) & QMailMessageKey::parentAccountId(mContext.mailAccountId);
+    // What the user has just moved here is in another folder on the server, which would not send it again.
+    const QMailMessageKey key = QMailMessageKey::parentFolderId(id)
+        & QMailMessageKey::parentAccountId(mContext.mailAccountId)
+        & QMailMessageKey::previousParentFolderId(QMailFolderId(), QMailDataComparator::Equal);
     if (!mContext.store->removeMessages(key, QMailStore::NoRemovalRecord))
         qCWarning(eas()) << "failed to remove messages in folder" << item.localId();
 }

@@ -44,7 +44,7 @@ public:
     /** The folders that the mail account's policy says. */
     QList<EasFolderItem> foldersToSynchronize() const;
 
-    /** Removes the messages of a folder, not the folder. */
+    /** Removes the messages of a folder, not the folder; those stay that wait for their move into it. */
     void cleanUpFolder(const EasFolderItem &item);
 
 private:

@@ -25,7 +25,7 @@ struct Change
     const MailStoreContext &context;
     bool bodySet = false;
     bool attachmentsChanged = false;
-    std::optional<int> size = {};
+    std::optional<qint64> size = {};
     std::optional<QString> preview = {};
 };
 
@@ -39,6 +39,9 @@ void setCollection(Change &change)
     const EasFolderItem folder =
         EasDatabase::instance()->folderItemByServerId(change.context.accountId(), change.item.collectionId());
     const QMailFolderId folderId(folder.localId().toULongLong());
+    // For the server a message is where it was until it has been told of the user's move.
+    if (folderId == change.message.previousParentFolderId())
+        return;
     if (folderId.isValid() && folderId != change.message.parentFolderId())
         change.message.setParentFolderId(folderId);
 }
@@ -207,12 +210,12 @@ void MailMessageChanges::setChangesToEmailMessage(QMailMessage &message, const E
 
     // With a MIME body the parts come from the MIME text.
     if (change.attachmentsChanged && item.body().type() != EasBodyContainer::MIMEBodyType) {
-        const int attachmentsSize = MailAttachments::updateAttachments(&message, item);
+        const qint64 attachmentsSize = MailAttachments::updateAttachments(&message, item);
         if (item.body().estimatedDataSize() > 0)
             change.size = item.body().estimatedDataSize() + attachmentsSize;
     }
     if (change.preview)
         MailBodyWriter::setPreview(message, *change.preview);
     if (change.size)
-        message.setSize(uint(qMax(0, *change.size)));
+        message.setSize(uint(qMax<qint64>(0, *change.size)));
 }

@@ -7,6 +7,7 @@
 #include "support/mailfixture.h"
 #include "support/testmain.h"
 
+#include <qmaildisconnected.h>
 #include <qmailfolderkey.h>
 
 #include <QtTest>
@@ -287,6 +288,19 @@ private Q_SLOTS:
         QVERIFY(log.contains(QtWarningMsg, { "tried to clean up non-email folder" }));
         mail.adapter.cleanUpFolder(folderItem("1", UserMail, "no local id"));
         QVERIFY(log.contains("invalid folder id"));
+    }
+
+    void anEmptiedFolderKeepsWhatWaitsForItsMove()
+    {
+        Folders mail;
+        const QMailFolderId emptied = mail.addFolder("1");
+        mail.addFolder("2");
+        mail.addMessage(mail.item("1:1", "1"));
+        const QMailMessageId moved = mail.addMessage(mail.item("2:1", "2"));
+        QMailDisconnected::moveToFolder(QMailMessageIdList { moved }, emptied);
+        mail.adapter.cleanUpFolder(EasDatabase::instance()->folderItemByServerId(mail.accountId(), "1"));
+        QCOMPARE(mail.messageCount(), 1);
+        QCOMPARE(mail.message(moved).parentFolderId(), emptied);
     }
 };
 

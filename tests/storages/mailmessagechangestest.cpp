@@ -6,6 +6,8 @@
 #include "support/mailfixture.h"
 #include "support/testmain.h"
 
+#include <qmaildisconnected.h>
+
 #include <QtTest>
 
 namespace {
@@ -137,6 +139,25 @@ private Q_SLOTS:
         change.setCollectionId("6");
         MailMessageChanges(mail.context).setChangesToEmailMessage(message, change);
         QCOMPARE(message.parentFolderId(), archive);
+    }
+
+    void aMoveOfTheUsersIsNotTakenBack()
+    {
+        MailFixture mail;
+        mail.addFolder("5");
+        const QMailFolderId archive = mail.addFolder("6");
+        const QMailFolderId third = mail.addFolder("7");
+        const QMailMessageId id = mail.addMessage(mail.item("5:1", "5"));
+        QMailDisconnected::moveToFolder(QMailMessageIdList { id }, archive);
+        QMailMessage message = mail.message(id);
+        EasEmailItem change;
+        change.appendChangedField(Wbxml::AirSync::CollectionId);
+        change.setCollectionId("5");
+        MailMessageChanges(mail.context).setChangesToEmailMessage(message, change);
+        QCOMPARE(message.parentFolderId(), archive);
+        change.setCollectionId("7");
+        MailMessageChanges(mail.context).setChangesToEmailMessage(message, change);
+        QCOMPARE(message.parentFolderId(), third);
     }
 
     void aBodyBringsSizeAndPreview()
