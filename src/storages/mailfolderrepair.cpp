@@ -23,12 +23,16 @@ MailFolderRepair MailFolderRepair::find(const MailStoreContext &context)
     const QMap<QString, QString> localToServer = database->localToServerFolderIds(context.accountId());
     if (database->lookupFailed())
         return repair;
+    const QMap<QString, QString> parents = database->serverFolderParentIds(context.accountId());
+    if (database->lookupFailed())
+        return repair;
     const QMailFolderIdList folders =
         context.store->queryFolders(QMailFolderKey::parentAccountId(context.mailAccountId));
 
     for (EasFolderItem row : rows) {
         if (row.savedInStorage())
             continue;
+        row.setServerParentId(parents.value(row.serverId()));
         if (row.localId().isEmpty()) {
             repair.added.append(row);
             continue;

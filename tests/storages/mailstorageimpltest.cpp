@@ -94,6 +94,9 @@ private Q_SLOTS:
         MailFixture mail;
         const QMailFolderId unsaved = mail.addStoreFolder("old name");
         const QMailFolderId stray = mail.addStoreFolder("stray");
+        EasEmailItem inStray = mail.item("9:1", "9");
+        inStray.setLocalCollectionId(stray.toULongLong());
+        mail.addMessage(inStray);
         const QMailFolderId saved = mail.addFolder("3");
         EasDatabase *database = EasDatabase::instance();
         QVERIFY(database->addFolderItems(
@@ -120,6 +123,24 @@ private Q_SLOTS:
         MailStorageImpl again(&mail.account);
         QVERIFY(log.contains(
             QtInfoMsg, { "Need to add", "0", ", update", "0", "and remove", "0", "email folders" }));
+    }
+
+    void aRepairedFolderStandsBelowItsParent()
+    {
+        MailFixture mail;
+        const QMailFolderId parent = mail.addFolder("1");
+        const QMailFolderId misplaced = mail.addStoreFolder("misplaced");
+        EasFolderItem missing = row("2", QString(), false);
+        EasFolderItem unsaved = row("3", text(misplaced), false);
+        for (EasFolderItem *item : { &missing, &unsaved })
+            item->setServerParentId("1");
+        EasDatabase *database = EasDatabase::instance();
+        QVERIFY(database->addFolderItems(mail.accountId(), { missing, unsaved }));
+        MailStorageImpl storage(&mail.account);
+        const QString added = database->folderItemByServerId(mail.accountId(), "2").localId();
+        QCOMPARE(mail.context.store->folder(QMailFolderId(added.toULongLong())).parentFolderId(), parent);
+        QCOMPARE(mail.context.store->folder(misplaced).parentFolderId(), parent);
+        QCOMPARE(database->serverFolderParentIds(mail.accountId()).value("3"), QStringLiteral("1"));
     }
 
     void theEnginesOwnFoldersAreNoLocalChanges()
