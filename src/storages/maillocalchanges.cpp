@@ -101,20 +101,22 @@ QStringList MailLocalChanges::deletedEmails(const QString &localFolderId) const
         mContext.store->messageRemovalRecords(mContext.mailAccountId);
     if (records.isEmpty())
         return serverIds;
-    EasDatabase *database = EasDatabase::instance();
-    const QMap<QString, QString> serverToLocalFolders =
-        database->serverToLocalFolderIds(mContext.accountId());
+    QStringList removed;
     for (const QMailMessageRemovalRecord &record : records) {
-        if (record.serverUid().isEmpty()) {
+        if (record.serverUid().isEmpty())
             qCWarning(eas()) << "serverUid is empty in Removal Record";
-            continue;
-        }
-        const QString collection =
-            database->collectionServerIdFromEmailItemId(mContext.accountId(), record.serverUid());
-        if (!collection.isEmpty() && serverToLocalFolders.value(collection) == localFolderId)
-            serverIds.append(record.serverUid());
+        else
+            removed.append(record.serverUid());
     }
-    serverIds.removeDuplicates();
+    removed.removeDuplicates();
+    EasDatabase *database = EasDatabase::instance();
+    const QMap<QString, QString> folders = database->serverToLocalFolderIds(mContext.accountId());
+    const QMap<QString, QString> collections = database->emailCollectionIds(mContext.accountId(), removed);
+    for (const QString &serverId : qAsConst(removed)) {
+        const QString collection = collections.value(serverId);
+        if (!collection.isEmpty() && folders.value(collection) == localFolderId)
+            serverIds.append(serverId);
+    }
     return serverIds;
 }
 

@@ -112,9 +112,9 @@ QString MailMessageReader::answeredServerId(const QMailMessage &message) const
 {
     if (!message.inResponseTo().isValid())
         return QString();
-    return EasDatabase::instance()
-        ->localToServerEmailIds(mContext.accountId())
-        .value(idText(message.inResponseTo()));
+    if (!mLocalToServer)
+        mLocalToServer = EasDatabase::instance()->localToServerEmailIds(mContext.accountId());
+    return mLocalToServer->value(idText(message.inResponseTo()));
 }
 
 void MailMessageReader::setMove(

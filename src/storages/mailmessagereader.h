@@ -4,13 +4,15 @@
 #include <QMap>
 #include <QString>
 
+#include <optional>
+
 struct MailStoreContext;
 class EasBodyContainer;
 class EasEmailItem;
 class QMailMessage;
 class QMailMessageId;
 
-/** Reads a stored message back as an item, for local changes and for sending. */
+/** Reads stored messages back as items, for local changes and for sending; an object of the moment. */
 class MailMessageReader
 {
 public:
@@ -32,4 +34,6 @@ private:
         const QMap<QString, QString> &localToServerFolders) const;
 
     const MailStoreContext &mContext;
+    /** Rows of all mail, read for the first of many messages that needs them. */
+    mutable std::optional<QMap<QString, QString>> mLocalToServer;
 };
