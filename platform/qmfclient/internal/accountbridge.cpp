@@ -67,6 +67,12 @@ bool AccountBridge::exists(quint64 id) const
     return isUsable() && mManager->accountList().contains(Accounts::AccountId(id));
 }
 
+bool AccountBridge::isGone(quint64 id) const
+{
+    return isUsable() && !exists(id) && !loaded(mManager.get(), id)
+        && mManager->lastError().type() == Accounts::Error::AccountNotFound;
+}
+
 AccountBridge::Record AccountBridge::record(quint64 id) const
 {
     Record record;

@@ -35,6 +35,8 @@ public:
     QList<quint64> mailAccounts() const;
     /** Whether the account is there at all, of whatever kind. */
     bool exists(quint64 id) const;
+    /** Whether the account store says that there is no such account; it does not while it cannot be read. */
+    bool isGone(quint64 id) const;
     /** As it is now; invalid if the account is none for mail. */
     Record record(quint64 id) const;
     quint64 highestId() const;

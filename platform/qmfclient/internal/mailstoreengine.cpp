@@ -64,7 +64,7 @@ void MailStoreEngine::followAccountStore()
         accounts.noteForeign(id);
     // What went while no mail store was there to see it.
     for (const quint64 id : accounts.foreign()) {
-        if (!bridge->exists(id))
+        if (bridge->isGone(id))
             onAccountRemoved(id);
     }
 }

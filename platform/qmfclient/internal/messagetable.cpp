@@ -246,12 +246,15 @@ bool MessageTable::removeOne(quint64 id, bool createRecord, MailChanges &changes
     quint64 account = 0;
     quint64 folder = 0;
     QString uid;
-    mDatabase.select(QStringLiteral("SELECT account, folder, server_uid FROM messages WHERE id = ?"), { id },
-        [&](const QSqlQuery &row) {
-            account = row.value(0).toULongLong();
-            folder = row.value(1).toULongLong();
-            uid = row.value(2).toString();
-        });
+    const bool known =
+        mDatabase.select(QStringLiteral("SELECT account, folder, server_uid FROM messages WHERE id = ?"),
+            { id }, [&](const QSqlQuery &row) {
+                account = row.value(0).toULongLong();
+                folder = row.value(1).toULongLong();
+                uid = row.value(2).toString();
+            });
+    if (!known)
+        return false;
     if (createRecord) {
         if (!mDatabase.run(
                 QStringLiteral("INSERT INTO removal_records (account, folder, server_uid) VALUES (?, ?, ?)"),
