@@ -30,6 +30,8 @@ private:
 
 int KillRandomTest::runs(CrashBed::Scenario scenario)
 {
+    if (CrashBed::isNewStart(scenario))
+        return Soak::samples(10, 1000);
     return CrashBed::isPim(scenario) ? Soak::samples(15, 1000) : Soak::samples(67, 1000);
 }
 

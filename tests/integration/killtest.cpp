@@ -23,7 +23,7 @@ private Q_SLOTS:
 
 private:
     static FaultShim shim(CrashBed::Scenario scenario);
-    static int runsByDefault(CrashBed::Scenario scenario) { return CrashBed::isPim(scenario) ? 18 : 40; }
+    static int runsByDefault(CrashBed::Scenario scenario);
 
     QScopedPointer<CrashBed> mBed;
 };
@@ -33,6 +33,13 @@ FaultShim KillTest::shim(CrashBed::Scenario scenario)
     FaultShim shim(QDir::homePath(), DaemonProcess::program());
     shim.setFiles(CrashBed::durableFiles(scenario));
     return shim;
+}
+
+int KillTest::runsByDefault(CrashBed::Scenario scenario)
+{
+    if (CrashBed::isNewStart(scenario))
+        return 14;
+    return CrashBed::isPim(scenario) ? 18 : 40;
 }
 
 void KillTest::theNextSyncMendsADeathAtAnyStep()

@@ -40,7 +40,13 @@ CrashBed::~CrashBed()
 
 bool CrashBed::isPim(Scenario scenario)
 {
-    return scenario == FirstPimSync || scenario == LaterPimSync;
+    return scenario >= FirstPimSync;
+}
+
+bool CrashBed::isNewStart(Scenario scenario)
+{
+    return scenario == RefusedCollection || scenario == RefusedKeys || scenario == ForgottenDevice
+        || scenario == ForgottenPimDevice;
 }
 
 QStringList CrashBed::durableFiles(Scenario scenario)
@@ -83,8 +89,12 @@ void CrashBed::addScenarioRows()
     QTest::newRow("first sync") << FirstSync;
     QTest::newRow("later sync") << LaterSync;
     QTest::newRow("move") << Move;
+    QTest::newRow("the key of a collection is refused") << RefusedCollection;
+    QTest::newRow("the keys of a sync are refused") << RefusedKeys;
+    QTest::newRow("the device is forgotten") << ForgottenDevice;
     QTest::newRow("first sync of events and contacts") << FirstPimSync;
     QTest::newRow("later sync of events and contacts") << LaterPimSync;
+    QTest::newRow("the device of events and contacts is forgotten") << ForgottenPimDevice;
 }
 
 void CrashBed::clearDevice()
@@ -106,6 +116,9 @@ bool CrashBed::startServer()
     mServer.reset(new Simulator::ExchangeServer);
     mServer->addUser(QStringLiteral("alice"), QStringLiteral("s3cret"));
     mServer->setVersions({ version() });
+    // So that a first sync takes more than one reply.
+    if (mHasPim)
+        mServer->setWindowSize(3);
     if (!mServer->start(Simulator::ExchangeServer::Http, mPort))
         return false;
     mPort = mServer->port();
@@ -120,29 +133,48 @@ bool CrashBed::begin(Scenario scenario)
     mPim.begin(mAccountId, mailbox(), version());
     mWanted.clear();
     mHasPim ? mPim.fillMailbox() : fillMailbox();
-    switch (scenario) {
-    case FirstSync:
-        break;
-    case LaterSync:
+    if (scenario != FirstSync && scenario != FirstPimSync) {
         if (!synchronizeOnce())
             return false;
-        changeForLaterSync();
-        break;
-    case Move:
-        if (!synchronizeOnce())
-            return false;
-        changeForMove();
-        break;
-    case FirstPimSync:
-        break;
-    case LaterPimSync:
-        if (!synchronizeOnce())
-            return false;
-        mPim.changeBothSides();
-        break;
+        change(scenario);
     }
     mWanted.sort();
     return true;
+}
+
+void CrashBed::change(Scenario scenario)
+{
+    switch (scenario) {
+    case FirstSync:
+    case FirstPimSync:
+        break;
+    case LaterSync:
+        changeForLaterSync();
+        break;
+    case Move:
+        changeForMove();
+        break;
+    case RefusedCollection:
+        changeServer();
+        mServer->overrideNext(QStringLiteral("Sync"), Simulator::Override::collectionStatus(3));
+        break;
+    case RefusedKeys:
+        changeServer();
+        mServer->overrideNext(QStringLiteral("Sync"), Simulator::Override::topStatus(3));
+        break;
+    case ForgottenDevice:
+        changeServer();
+        mServer->forgetDevices();
+        break;
+    case LaterPimSync:
+        mPim.changeBothSides();
+        break;
+    case ForgottenPimDevice:
+        mPim.changeBothSides();
+        mPim.wantServersEdits(CrashPim::Alone);
+        mServer->forgetDevices();
+        break;
+    }
 }
 
 void CrashBed::fillMailbox()
@@ -169,7 +201,7 @@ bool CrashBed::synchronizeOnce()
     return status == 0;
 }
 
-void CrashBed::changeForLaterSync()
+void CrashBed::changeServer()
 {
     Simulator::Mailbox &server = mailbox();
     deliver(server.inboxId(), QStringLiteral("eight"));
@@ -178,8 +210,14 @@ void CrashBed::changeForLaterSync()
     server.remove(serverItem(QStringLiteral("six")));
     server.renameFolder(server.folderByPath(QStringLiteral("Archive")).id, QStringLiteral("Kept"));
     server.removeFolder(server.folderByPath(QStringLiteral("Old")).id);
-    deliver(server.addFolder(QStringLiteral("New")), QStringLiteral("nine"));
+    mWanted = QStringList { "Inbox|one|read", "Inbox|three|unread", "Inbox|four|unread", "Inbox|eight|unread",
+        "Inbox/Projects|five|unread", "Kept|seven|read" };
+}
 
+void CrashBed::changeForLaterSync()
+{
+    changeServer();
+    deliver(mailbox().addFolder(QStringLiteral("New")), QStringLiteral("nine"));
     QMailStore *store = QMailStore::instance();
     const auto here = [this](const char *subject) {
         return MailListing::deviceMessage(mAccountId, QLatin1String(subject));

@@ -30,8 +30,12 @@ public:
         FirstSync, ///< a new device and a mailbox with sub-folders
         LaterSync, ///< arrivals, marks, deletions and folder changes on the server; marks and deletions here
         Move, ///< messages moved here, some of them marked or changed on the server meanwhile
+        RefusedCollection, ///< the server refuses the key of a collection: the account starts anew
+        RefusedKeys, ///< it refuses the keys of a Sync: the collections start anew
+        ForgottenDevice, ///< it knows nothing of the device any more
         FirstPimSync, ///< a new device, events and contacts
         LaterPimSync, ///< events and contacts edited on both sides
+        ForgottenPimDevice,
     };
 
     CrashBed();
@@ -47,6 +51,8 @@ public:
     };
 
     static bool isPim(Scenario scenario);
+    /** What was there is to come again. */
+    static bool isNewStart(Scenario scenario);
     /** Names of the files that a sync of the scenario writes; for FaultShim. */
     static QStringList durableFiles(Scenario scenario);
     /** Rows of test data with a column "scenario" for all of them. */
@@ -77,6 +83,8 @@ private:
     QString version() const;
     void fillMailbox();
     bool synchronizeOnce();
+    void change(Scenario scenario);
+    void changeServer();
     void changeForLaterSync();
     void changeForMove();
 

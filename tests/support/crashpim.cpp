@@ -325,7 +325,14 @@ QString CrashPim::wrongStores() const
     const QList<QContact> present = PimListing::contactsOf(*manager, mAccountId);
     for (const QContact &contact : present)
         contacts.append(contact.id().toString());
-    return wrongRows("calendar", Simulator::CalendarFolder, events)
+    QStringList everywhere;
+    const QList<QContactId> ids = manager->contactIds();
+    for (const QContactId &id : ids)
+        everywhere.append(id.toString());
+    for (QStringList *list : { &contacts, &everywhere })
+        list->sort();
+    return StoreCheck::difference("contacts of all collections", everywhere, contacts)
+        + wrongRows("calendar", Simulator::CalendarFolder, events)
         + wrongRows("contacts", Simulator::ContactsFolder, contacts) + wrongAttachments()
         + StoreCheck::difference("pictures of no contact", PimListing::orphanPictures(mAccountId), {})
         + StoreCheck::damage(calendarFile())
