@@ -312,6 +312,17 @@ private Q_SLOTS:
         QCOMPARE(parser.status(), 103U);
     }
 
+    void aStatusOfAnotherCommandInsideIsNone()
+    {
+        SyncResponseParser parser;
+        parser.parse(reply({ collection({ node(ComposeMail::Status, "3") }) }));
+        QVERIFY(parser.ready());
+        QCOMPARE(parser.status(), 0U);
+        QCOMPARE(parser.collections().size(), 1);
+        QCOMPARE(parser.collections().first().status(), 1U);
+        QVERIFY(mLog->contains(QtWarningMsg, { "Unexpected element, page: ", "21" }));
+    }
+
     void badNumbersAreLoggedAndTheRestIsRead()
     {
         SyncResponseParser parser;

@@ -42,12 +42,17 @@ void SyncResponseParser::onStartElement(uint codePage, uint token)
         if (AppDataParserBase *const parser = appDataParser()) {
             parser->onStartElement(codePage, token);
         }
-    } else if (key(codePage, token) == ComposeMail::Status) {
+    } else if (isRootStatus(codePage, token)) {
         // This is how a server answers a Sync that it cannot read.
         mParsePhase = SyncLevel;
     } else {
         qCWarning(eas()) << "Unexpected element, page: " << codePage << ", token: " << token;
     }
+}
+
+bool SyncResponseParser::isRootStatus(uint codePage, uint token) const
+{
+    return key(codePage, token) == ComposeMail::Status && mElementStack.size() == 1;
 }
 
 void SyncResponseParser::startAirSyncElement(uint token)
@@ -106,7 +111,7 @@ void SyncResponseParser::onEndElement(uint codePage, uint token)
         if (AppDataParserBase *const parser = appDataParser()) {
             parser->onEndElement(codePage, token);
         }
-    } else if (key(codePage, token) == ComposeMail::Status) {
+    } else if (isRootStatus(codePage, token)) {
         mParsePhase = Done;
     } else {
         qCWarning(eas()) << "Unhandled end element, page: " << codePage << ", token: " << token;
@@ -183,7 +188,7 @@ void SyncResponseParser::onContent(uint codePage, uint token, const QString &tex
         airSyncContent(token, text);
     } else if (mInAppData) {
         parseAppData(codePage, token, text, raw);
-    } else if (key(codePage, token) == ComposeMail::Status) {
+    } else if (isRootStatus(codePage, token)) {
         statusContent(text);
     } else {
         qCWarning(eas()) << "Unexpected page: " << codePage << ", token: " << token << ", content: " << text;

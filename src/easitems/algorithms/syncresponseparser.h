@@ -46,6 +46,8 @@ private:
         SoftDeleteKind = 5
     };
 
+    /** Whether this is the status that some replies consist of, in the form of another command. */
+    bool isRootStatus(uint codePage, uint token) const;
     void startAirSyncElement(uint token);
     void endAirSyncElement(uint token);
     void startCommand(CommandKind kind);
