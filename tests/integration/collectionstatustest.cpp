@@ -55,16 +55,7 @@ private:
 void CollectionStatusTest::answerCollection(const QString &id, SyncTestBed &bed, int times)
 {
     QFETCH(int, code);
-    QFETCH(int, end);
-    QFETCH(QString, text);
-    QFETCH(int, requests);
-    bed.server().overrideNext(QStringLiteral("Sync"), Override::collectionStatus(code, id), times);
-    {
-        const LogCollector log;
-        QCOMPARE(bed.sync(), end);
-        QVERIFY2(text.isEmpty() || log.contains(text), qPrintable(log.texts().join(QLatin1Char('\n'))));
-    }
-    QCOMPARE(count(bed, "Sync"), requests);
+    endsAsTheRowSays(bed, "Sync", Override::collectionStatus(code, id), times, [&bed] { return bed.sync(); });
     QVERIFY(nextSyncRepairs(bed));
 }
 
@@ -163,20 +154,11 @@ void CollectionStatusTest::aReadMarkIsAnsweredWith_data()
 void CollectionStatusTest::aReadMarkIsAnsweredWith()
 {
     QFETCH(int, code);
-    QFETCH(int, end);
-    QFETCH(QString, text);
-    QFETCH(int, requests);
     SyncTestBed bed;
     bed.mailbox().deliver(bed.mailbox().inboxId(), SyncTestBed::message(QStringLiteral("other")));
     QVERIFY(missesOneMessage(bed));
     QVERIFY(markRead(bed, "old"));
-    bed.server().overrideNext(QStringLiteral("Sync"), Override::itemStatus(code));
-    {
-        const LogCollector log;
-        QCOMPARE(bed.sync(), end);
-        QVERIFY2(log.contains(text), qPrintable(log.texts().join(QLatin1Char('\n'))));
-    }
-    QCOMPARE(count(bed, "Sync"), requests);
+    endsAsTheRowSays(bed, "Sync", Override::itemStatus(code), Once, [&bed] { return bed.sync(); });
     QVERIFY(bed.serverState().contains(QStringLiteral("Inbox|old|unread")));
 
     // A server repeats its answer, refusals too, until the same key comes with something else.

@@ -62,19 +62,12 @@ void FetchStatusTest::aFileIsAnsweredOnceWith()
 {
     QFETCH(int, code);
     QFETCH(int, end);
-    QFETCH(QString, text);
-    QFETCH(int, requests);
     SyncTestBed bed;
     const QByteArray file = bytesOf(1000);
     const qulonglong message = receives(bed, { file });
     QVERIFY(message != 0);
-    bed.server().overrideNext(fetchCommand(), Override::topStatus(code));
-    {
-        const LogCollector log;
-        QCOMPARE(bed.downloadPart(message, fileLocation(0)), end);
-        QVERIFY2(log.contains(text), qPrintable(log.texts().join(QLatin1Char('\n'))));
-    }
-    QCOMPARE(count(bed, "ItemOperations"), requests);
+    endsAsTheRowSays(bed, "ItemOperations", Override::topStatus(code), Once,
+        [&] { return bed.downloadPart(message, fileLocation(0)); });
     QCOMPARE(hasFile(message, 0), end == 0);
 
     // What failed can be asked for again.
@@ -114,20 +107,12 @@ void FetchStatusTest::aSecondRangeIsAnsweredOnceWith()
 void FetchStatusTest::messagesAreAnsweredOnceWith()
 {
     QFETCH(int, code);
-    QFETCH(int, end);
-    QFETCH(QString, text);
-    QFETCH(int, requests);
     SyncTestBed bed;
     const qulonglong message = receives(bed, { bytesOf(1000) });
     QVERIFY(message != 0);
-    bed.server().overrideNext(fetchCommand(), Override::topStatus(code));
     const QStringList before = bed.deviceState();
-    {
-        const LogCollector log;
-        QCOMPARE(bed.downloadMessages({ message }, false), end);
-        QVERIFY2(log.contains(text), qPrintable(log.texts().join(QLatin1Char('\n'))));
-    }
-    QCOMPARE(count(bed, "ItemOperations"), requests);
+    endsAsTheRowSays(bed, "ItemOperations", Override::topStatus(code), Once,
+        [&] { return bed.downloadMessages({ message }, false); });
     QCOMPARE(bed.deviceState(), before);
     QVERIFY(nextSyncRepairs(bed));
     QCOMPARE(bed.downloadMessages({ message }, false), 0);

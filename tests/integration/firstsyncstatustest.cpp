@@ -25,18 +25,9 @@ private:
 void FirstSyncStatusTest::answer(int times)
 {
     QFETCH(int, code);
-    QFETCH(int, end);
-    QFETCH(QString, text);
-    QFETCH(int, requests);
     SyncTestBed bed;
     bed.mailbox().deliver(bed.mailbox().inboxId(), SyncTestBed::message(QStringLiteral("one")));
-    bed.server().overrideNext(QStringLiteral("Sync"), Override::topStatus(code), times);
-    {
-        const LogCollector log;
-        QCOMPARE(bed.sync(), end);
-        QVERIFY2(log.contains(text), qPrintable(log.texts().join(QLatin1Char('\n'))));
-    }
-    QCOMPARE(count(bed, "Sync"), requests);
+    endsAsTheRowSays(bed, "Sync", Override::topStatus(code), times, [&bed] { return bed.sync(); });
     QVERIFY(nextSyncRepairs(bed));
 }
 

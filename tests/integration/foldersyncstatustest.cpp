@@ -74,18 +74,11 @@ void FolderSyncStatusTest::answer(int times, bool foldersOnly)
 {
     QFETCH(int, code);
     QFETCH(int, end);
-    QFETCH(QString, text);
-    QFETCH(int, requests);
     SyncTestBed bed;
     QVERIFY(missesOneMessage(bed));
     bed.mailbox().addFolder(QStringLiteral("Appeared"));
-    bed.server().overrideNext(QStringLiteral("FolderSync"), Override::topStatus(code), times);
-    {
-        const LogCollector log;
-        QCOMPARE(foldersOnly ? bed.foldersSync() : bed.sync(), end);
-        QVERIFY2(log.contains(text), qPrintable(log.texts().join(QLatin1Char('\n'))));
-    }
-    QCOMPARE(count(bed, "FolderSync"), requests);
+    endsAsTheRowSays(bed, "FolderSync", Override::topStatus(code), times,
+        [&] { return foldersOnly ? bed.foldersSync() : bed.sync(); });
     if (end == 0)
         QCOMPARE(bed.deviceFolders(), bed.serverFolders());
     QVERIFY(nextSyncRepairs(bed));
@@ -144,18 +137,9 @@ void FolderSyncStatusTest::aFirstSyncIsAnsweredForEverWith_data()
 void FolderSyncStatusTest::aFirstSyncIsAnsweredForEverWith()
 {
     QFETCH(int, code);
-    QFETCH(int, end);
-    QFETCH(QString, text);
-    QFETCH(int, requests);
     SyncTestBed bed;
     bed.mailbox().deliver(bed.mailbox().inboxId(), SyncTestBed::message(QStringLiteral("one")));
-    bed.server().overrideAll(QStringLiteral("FolderSync"), Override::topStatus(code));
-    {
-        const LogCollector log;
-        QCOMPARE(bed.sync(), end);
-        QVERIFY2(log.contains(text), qPrintable(log.texts().join(QLatin1Char('\n'))));
-    }
-    QCOMPARE(count(bed, "FolderSync"), requests);
+    endsAsTheRowSays(bed, "FolderSync", Override::topStatus(code), ForEver, [&bed] { return bed.sync(); });
     QVERIFY(nextSyncRepairs(bed));
 }
 

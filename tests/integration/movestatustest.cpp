@@ -54,16 +54,7 @@ private:
 
 void MoveStatusTest::answer(const Override &override, int times, SyncTestBed &bed)
 {
-    QFETCH(int, end);
-    QFETCH(QString, text);
-    QFETCH(int, requests);
-    bed.server().overrideNext(QStringLiteral("MoveItems"), override, times);
-    {
-        const LogCollector log;
-        QCOMPARE(bed.sync(), end);
-        QVERIFY2(text.isEmpty() || log.contains(text), qPrintable(log.texts().join(QLatin1Char('\n'))));
-    }
-    QCOMPARE(count(bed, "MoveItems"), requests);
+    endsAsTheRowSays(bed, "MoveItems", override, times, [&bed] { return bed.sync(); });
     QVERIFY(nextSyncRepairs(bed));
     QVERIFY(bed.deviceState().contains(QStringLiteral("Archive|two|unread")));
     QCOMPARE(bed.deviceState().size(), 2);

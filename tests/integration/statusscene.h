@@ -9,6 +9,8 @@
 #include <qmailmessagekey.h>
 #include <qmailstore.h>
 
+#include <functional>
+
 /** What tests of server statuses share: rows, and a device that missed something. */
 namespace StatusScene {
 
@@ -32,6 +34,30 @@ inline void row(const char *name, int code, int end, const char *text, int reque
     QTest::newRow(name) << code << end << QString::fromLatin1(text) << requests;
 }
 
+inline int count(SyncTestBed &bed, const char *command)
+{
+    return bed.server().requests(QString::fromLatin1(command)).size();
+}
+
+/**
+ * Has the server answer a command as an override says, so many times, and runs something that must end, log
+ * and send as the row says.
+ */
+inline void endsAsTheRowSays(SyncTestBed &bed, const char *command, const Simulator::Override &answer,
+    int times, const std::function<int()> &run)
+{
+    QFETCH(int, end);
+    QFETCH(QString, text);
+    QFETCH(int, requests);
+    bed.server().overrideNext(QString::fromLatin1(command), answer, times);
+    {
+        const LogCollector log;
+        QCOMPARE(run(), end);
+        QVERIFY2(text.isEmpty() || log.contains(text), qPrintable(log.texts().join(QLatin1Char('\n'))));
+    }
+    QCOMPARE(count(bed, command), requests);
+}
+
 /** One message is on both sides, and a second one waits on the server. */
 inline bool missesOneMessage(SyncTestBed &bed)
 {
@@ -50,11 +76,6 @@ inline bool nextSyncRepairs(SyncTestBed &bed)
     bed.server().clearScript();
     return bed.sync() == 0 && bed.deviceState() == bed.serverState()
         && bed.deviceFolders() == bed.serverFolders();
-}
-
-inline int count(SyncTestBed &bed, const char *command)
-{
-    return bed.server().requests(QString::fromLatin1(command)).size();
 }
 
 inline bool markRead(SyncTestBed &bed, const char *subject)

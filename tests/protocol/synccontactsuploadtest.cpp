@@ -1,11 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "easitems/algorithms/contactsfields.h"
 #include "easitems/algorithms/wbxmlparserbase.h"
-#include "protocol/synccommandadd.h"
-#include "protocol/synccommandchange.h"
-#include "protocol/wbxmlencoder.h"
+#include "protocol/uploadscene.h"
 #include "support/testmain.h"
-#include "support/wbxmldocument.h"
 
 #include <QtTest>
 
@@ -13,19 +10,9 @@
 
 using namespace Wbxml;
 using namespace ExchangeActiveSync;
+using namespace UploadScene;
 
 namespace {
-
-const QList<ProtocolVersion> Versions { ProtocolVersion120, ProtocolVersion121, ProtocolVersion140,
-    ProtocolVersion141, ProtocolVersion160, ProtocolVersion161 };
-
-QByteArray encoded(const SyncCommandBase &command, ProtocolVersion version)
-{
-    WbxmlEncoder encoder;
-    encoder.appendElement(AirSync::Commands, true);
-    command.encode(encoder, version);
-    return encoder.encoded();
-}
 
 /** The keys of the elements below ApplicationData, in the order of a document. */
 class FieldOrder : public WbxmlParserBase
@@ -94,7 +81,7 @@ private Q_SLOTS:
     {
         SyncCommandChange change;
         change.setContactItems({ fullContact() });
-        for (const ProtocolVersion version : Versions) {
+        for (const ProtocolVersion version : versions()) {
             FieldOrder order;
             order.parse(encoded(change, version));
             QVERIFY(order.ready());
@@ -106,7 +93,7 @@ private Q_SLOTS:
     {
         SyncCommandChange change;
         change.setContactItems({ fullContact() });
-        const QString outline = WbxmlDocument::outline(encoded(change, ProtocolVersion141));
+        const QString outline = outlined(change, ProtocolVersion141);
         for (const uint key : publishedOrder()) {
             if (key == Contacts::Categories || key == Contacts::Children || key == AirSyncBase::Body)
                 continue;
@@ -123,8 +110,8 @@ private Q_SLOTS:
     {
         SyncCommandChange change;
         change.setContactItems({ fullContact() });
-        for (const ProtocolVersion version : Versions)
-            QVERIFY(WbxmlDocument::outline(encoded(change, version))
+        for (const ProtocolVersion version : versions())
+            QVERIFY(outlined(change, version)
                         .endsWith(version >= ProtocolVersion140
                                 ? QStringLiteral("Body(Type=1,EstimatedDataSize=4,Data=note,Preview=pre))))")
                                 : QStringLiteral("Body(Type=1,EstimatedDataSize=4,Data=note))))")));
@@ -136,9 +123,9 @@ private Q_SLOTS:
         contact.setServerId(QStringLiteral("3:1"));
         SyncCommandChange change;
         change.setContactItems({ contact });
-        for (const ProtocolVersion version : Versions)
-            QCOMPARE(WbxmlDocument::outline(encoded(change, version)),
-                QStringLiteral("Commands(Change(ServerId=3:1,ApplicationData))"));
+        for (const ProtocolVersion version : versions())
+            QCOMPARE(
+                outlined(change, version), QStringLiteral("Commands(Change(ServerId=3:1,ApplicationData))"));
     }
 
     void anAdditionHasAClassFrom140On()
@@ -148,8 +135,8 @@ private Q_SLOTS:
         contact.setFileAs(QStringLiteral("file"));
         SyncCommandAdd add;
         add.setContactItems({ contact });
-        for (const ProtocolVersion version : Versions)
-            QCOMPARE(WbxmlDocument::outline(encoded(add, version)),
+        for (const ProtocolVersion version : versions())
+            QCOMPARE(outlined(add, version),
                 QStringLiteral("Commands(Add(")
                     + (version >= ProtocolVersion140 ? QStringLiteral("Class=Contacts,") : QString())
                     + QStringLiteral("ClientId=c1,ApplicationData(FileAs=file)))"));
