@@ -483,6 +483,60 @@ private Q_SLOTS:
         QCOMPARE(command.status(), 10005);
     }
 
+    void aDeletedCommandHearsNothingMore()
+    {
+        ScriptedAnswer hang;
+        hang.hang = true;
+        mServer->answer(hang);
+        auto command = std::make_unique<ProbeCommand>();
+        command->start();
+        QTRY_COMPARE(mServer->requests().size(), 1);
+        const QPointer<QNetworkReply> reply = mManager->networkManager()->findChild<QNetworkReply *>();
+        QVERIFY(reply);
+        command.reset();
+        Q_EMIT reply->downloadProgress(1, 1);
+        Q_EMIT reply->finished();
+        QTRY_VERIFY(reply.isNull());
+    }
+
+    void anAccountThatGoesTakesItsExchangeWithIt()
+    {
+        ScriptedAnswer hang;
+        hang.hang = true;
+        mServer->answer(hang);
+        ProbeCommand command;
+        QSignalSpy finished(&command, &BaseProtocolCommand::finished);
+        command.start();
+        QTRY_COMPARE(mServer->requests().size(), 1);
+        mManager->storage->remove(Account);
+        QTRY_COMPARE(finished.count(), 1);
+        QCOMPARE(finished.first().first().toBool(), false);
+        QVERIFY(command.status() > ProtocolUtils::TransportStatusBase);
+        // There is nobody left to send for.
+        command.start();
+        QCOMPARE(finished.count(), 2);
+        QCOMPARE(mServer->requests().size(), 1);
+    }
+
+    void anAccountThatGoesDuringARedirectEndsIt()
+    {
+        mServer->answer(redirectTo("http://127.0.0.2/"));
+        ProbeCommand command;
+        QSignalSpy finished(&command, &BaseProtocolCommand::finished);
+        const auto connection = QSharedPointer<MovingConnection>::create(*mAccount->connection);
+        QTimer vanish;
+        vanish.setSingleShot(true);
+        connect(&vanish, &QTimer::timeout, this, [this] { mManager->storage->remove(Account); });
+        connection->whenMoved = [&vanish] {
+            vanish.start(0);
+        };
+        mAccount->connection = connection;
+        command.start();
+        QTRY_COMPARE(finished.count(), 1);
+        QCOMPARE(finished.first().first().toBool(), false);
+        QCOMPARE(mServer->requests().size(), 1);
+    }
+
     void aRunningCommandDoesNotBeginAgain()
     {
         ProbeCommand command;
