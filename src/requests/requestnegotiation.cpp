@@ -79,6 +79,8 @@ void Request::onVersionNegotiationReady(bool success)
     }
     if (status() == ProtocolUtils::TransportStatusCancelled)
         setStatus(RequestStatusCancelled);
+    else if (successfullyFinished()) // no source could even be asked, for want of a client certificate say
+        setStatus(RequestStatusInternalError);
     reportRequestCompleted();
 }
 

@@ -264,6 +264,19 @@ private Q_SLOTS:
         QCOMPARE(request.starts, 0);
     }
 
+    void sourcesThatCannotEvenBeAskedAreNoSuccess()
+    {
+        mAccount->connection->certificatePath = QStringLiteral("/nowhere/certificate.p12");
+        ProbeRequest request(Account, Id);
+        QSignalSpy completed(&request, &Request::requestCompleted);
+        run(request);
+        QCOMPARE(request.status(), -2);
+        QVERIFY(!request.successfullyFinished());
+        QCOMPARE(completed.count(), 1);
+        QCOMPARE(request.starts, 0);
+        QVERIFY(mServer->requests().isEmpty());
+    }
+
     void aRunningNegotiatorDoesNotStartAgain()
     {
         ScriptedAnswer hang;
