@@ -141,7 +141,12 @@ bool SyncCollectionQueue::forgetItems(const EasFolderItem &folder)
 {
     EasDatabase *database = EasDatabase::instance();
     if (folder.isCalendar()) {
-        mAccount.calendarStorage()->cleanUpFolder(folder);
+        const QSharedPointer<CalendarStorage> storage = mAccount.calendarStorage();
+        if (!storage) {
+            qCWarning(eas()) << "CalendarStorage is null";
+            return false;
+        }
+        storage->cleanUpFolder(folder);
         return database->clearCalendarFolder(mAccount.id(), folder.serverId());
     }
     if (!folder.isEmail())
