@@ -50,6 +50,9 @@ constexpr Row rows[] = {
         "The server refused user name or password. Enter the password again with fennel-easctl password." },
     { TransportBase + QNetworkReply::ContentAccessDenied,
         "The server does not let this user or device in. Ask its administrator." },
+    { TransportBase + QNetworkReply::UnknownContentError,
+        "What answered does not seem to be an Exchange server. A public network may want you to log in "
+        "first." },
     { TransportBase + QNetworkReply::InternalServerError, "The server failed. Try again later." },
     { TransportBase + QNetworkReply::ServiceUnavailableError,
         "The server is busy or down. Try again later." },

@@ -14,6 +14,7 @@ private Q_SLOTS:
     void aStatusHasItsName();
     void anExplanationEndsWithNameAndNumber();
     void aRefusedPasswordSaysHowToGoOn();
+    void aForeignAnswerNamesTheLoginOfANetwork();
 };
 
 void StatusTextTest::aStatusHasItsName_data()
@@ -43,6 +44,11 @@ void StatusTextTest::aRefusedPasswordSaysHowToGoOn()
 {
     for (const int status : { -4, 10204 })
         QVERIFY(StatusText::explanation(status).contains(QStringLiteral("fennel-easctl password")));
+}
+
+void StatusTextTest::aForeignAnswerNamesTheLoginOfANetwork()
+{
+    QVERIFY(StatusText::explanation(10299).contains(QStringLiteral("log in")));
 }
 
 FENNEL_REGISTER_TEST(StatusTextTest)
