@@ -144,8 +144,13 @@ void BaseProtocolCommand::start()
 
 void BaseProtocolCommand::stop()
 {
-    if (mReply) {
-        mReply->abort();
+    if (const QPointer<QNetworkReply> stopped = mReply) {
+        stopped->abort();
+        if (!stopped || mReply != stopped)
+            return;
+        // A reply that is over already, without having said so yet, ignores that.
+        mStatus = ProtocolUtils::TransportStatusCancelled;
+        end(false);
         return;
     }
     mRedirectTimer.stop();

@@ -2,6 +2,7 @@
 #include "protocol/baseprotocolcommand.h"
 
 #include "application/deviceinformation.h"
+#include "application/networkmanager.h"
 #include "protocol/protocolutils.h"
 #include "support/logcollector.h"
 #include "support/scriptedclock.h"
@@ -107,6 +108,37 @@ public:
     }
 
     std::function<void()> whenMoved;
+};
+
+/** A reply that is over, but has not said so: it can be aborted no more. */
+class DeafReply : public QNetworkReply
+{
+    Q_OBJECT
+
+public:
+    DeafReply() { setFinished(true); }
+    void abort() override {}
+    void sayThatItIsOver() { Q_EMIT finished(); }
+
+protected:
+    qint64 readData(char *, qint64) override { return -1; }
+};
+
+class DeafNetwork : public NetworkManager
+{
+    Q_OBJECT
+
+public:
+    using NetworkManager::NetworkManager;
+
+    QNetworkReply *post(EasAccountId, const QNetworkRequest &, const QByteArray &) override
+    {
+        reply = new DeafReply;
+        reply->setParent(this);
+        return reply;
+    }
+
+    QPointer<DeafReply> reply;
 };
 
 ScriptedAnswer redirectTo(const QByteArray &location, int status = 451)
@@ -535,6 +567,24 @@ private Q_SLOTS:
         QTRY_COMPARE(finished.count(), 1);
         QCOMPARE(finished.first().first().toBool(), false);
         QCOMPARE(mServer->requests().size(), 1);
+    }
+
+    void aReplyThatIsOverButSilentIsStoppedToo()
+    {
+        DeafNetwork network(nullptr);
+        mManager->network = &network;
+        ProbeCommand command;
+        QSignalSpy finished(&command, &BaseProtocolCommand::finished);
+        command.start();
+        QVERIFY(network.reply);
+        command.stop();
+        QCOMPARE(finished.count(), 1);
+        QCOMPARE(finished.first().first().toBool(), false);
+        QCOMPARE(command.status(), 10005);
+        network.reply->sayThatItIsOver();
+        QCOMPARE(finished.count(), 1);
+        QCOMPARE(command.status(), 10005);
+        mManager->network = nullptr;
     }
 
     void aRunningCommandDoesNotBeginAgain()
