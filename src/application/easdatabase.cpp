@@ -92,26 +92,37 @@ void EasDatabase::initializeDB(const char *path, const char *name)
         qCCritical(eas()) << "invalid Eas Database connection";
         return;
     }
-    if (!upgradeDb()) {
+    prepareTables();
+}
+
+void EasDatabase::prepareTables()
+{
+    // First of all: what a step asks may ask for the instance in its turn.
+    mTablesMissing = false;
+    if (upgradeDb())
+        mTablesMissing = !createTables();
+    else
         qCCritical(eas()) << "failed to migrate existing DB to the latest DB version";
-        return;
-    }
-    createTables();
 }
 
 void EasDatabase::initializeDbConnection(const char *path, const char *name)
 {
     mDatabase = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QLatin1String(ConnectionName));
-    const QString folder = QDir::homePath() + QDir::separator() + QString::fromUtf8(path);
-    if (!QDir().mkpath(folder)) {
-        qCCritical(eas()) << "can't create path:" << folder;
-        return;
-    }
-    const QString file = QDir::toNativeSeparators(QDir(folder).filePath(QString::fromUtf8(name)));
-    qCInfo(eas()) << "EAS DB:" << file;
-    mDatabase.setDatabaseName(file);
-    if (!mDatabase.open())
+    mFolder = QDir::homePath() + QDir::separator() + QString::fromUtf8(path);
+    mFile = QDir::toNativeSeparators(QDir(mFolder).filePath(QString::fromUtf8(name)));
+    if (nameFile() && !mDatabase.open())
         qCCritical(eas()) << "can't open EAS Database. Error:" << mDatabase.lastError().text();
+}
+
+bool EasDatabase::nameFile()
+{
+    if (!QDir().mkpath(mFolder)) {
+        qCCritical(eas()) << "can't create path:" << mFolder;
+        return false;
+    }
+    qCInfo(eas()) << "EAS DB:" << mFile;
+    mDatabase.setDatabaseName(mFile);
+    return true;
 }
 
 bool EasDatabase::openDbConnection()
@@ -119,13 +130,17 @@ bool EasDatabase::openDbConnection()
     if (mDatabase.isOpen())
         return true;
     // Without a name the driver would open a temporary file of its own and lose what it is given.
-    return !mDatabase.databaseName().isEmpty() && mDatabase.open();
+    const bool isNamed = !mDatabase.databaseName().isEmpty() || nameFile();
+    return isNamed && mDatabase.open();
 }
 
 void EasDatabase::startDataBaseTimer(uint milliseconds)
 {
+    // What hindered the start, a full disk for one, may be over.
     if (!openDbConnection())
         qCCritical(eas()) << "failed to open DB connection";
+    else if (mTablesMissing)
+        prepareTables();
     mReleaseTimer.start(Clock::instance().timerInterval(int(milliseconds)));
 }
 

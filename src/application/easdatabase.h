@@ -185,7 +185,10 @@ private:
     void init(const char *path, const char *name);
     void initializeDB(const char *path, const char *name);
     void initializeDbConnection(const char *path, const char *name);
+    bool nameFile();
     bool openDbConnection();
+    /** Brings the schema up to date, and makes the tables that are not there. */
+    void prepareTables();
 
     // Schema and migrations
     bool createVersionsTable();
@@ -202,7 +205,7 @@ private:
     bool upgradeDbToVersion7();
     void stampCalendarItems();
     bool rebuildContactsTable();
-    void createTables();
+    bool createTables();
 
     // Statements
     bool readRow(DatabaseStatement &statement, const StatementFailure &failure,
@@ -228,5 +231,10 @@ private:
 
     QSqlDatabase mDatabase;
     QTimer mReleaseTimer;
+    QString mFolder;
+    QString mFile;
+    /** Tables could not be made, and the next use tries again. A file that no step can bring up to date waits
+     * for the next start. */
+    bool mTablesMissing = false;
     mutable bool mLookupFailed = false;
 };

@@ -74,15 +74,16 @@ const RebuildStep ContactsRebuild[] = {
 
 } // namespace
 
-void EasDatabase::createTables()
+bool EasDatabase::createTables()
 {
     for (const Table &table : Tables) {
         DatabaseStatement statement(mDatabase, QLatin1String(table.sql));
         if (!statement.run()) {
             qCCritical(eas()) << table.failure << table.name << "Error:" << statement.errorText();
-            return;
+            return false;
         }
     }
+    return true;
 }
 
 bool EasDatabase::createVersionsTable()
@@ -147,6 +148,7 @@ bool EasDatabase::upgradeDb()
         qCInfo(eas()) << "no tables in the DB";
     if ((isNew || !versionsKept) && !createVersionsTable()) {
         qCCritical(eas()) << "failed to create versions table";
+        mTablesMissing = true;
         return false;
     }
     if (isNew)

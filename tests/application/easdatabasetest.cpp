@@ -211,7 +211,12 @@ private Q_SLOTS:
         QVERIFY(!database->addFolderItems(Account, { folder("1") }));
         QVERIFY(!database->folderItemByServerId(Account, "1").savedInStorage());
         QVERIFY(database->lookupFailed());
+
+        QVERIFY(inTheWay.remove());
+        QVERIFY(EasDatabase::instance()->addFolderItems(Account, { folder("1") }));
+        QVERIFY(QFile::exists(QDir::homePath() + "/in-the-way/folder/a.db"));
         EasDatabase::releaseInstance();
+        QVERIFY(QDir(QDir::homePath() + "/in-the-way").removeRecursively());
     }
 
     void aFileThatIsAFolderIsLoggedAndEveryOperationFails()
@@ -255,6 +260,40 @@ private Q_SLOTS:
                                 "'sqlite_%' ORDER BY name"),
             (QStringList { "accounts", "calendar", "collections", "versions" }));
         QVERIFY(!log.contains("emails"));
+    }
+
+    void aTableThatCouldNotBeMadeIsMadeByTheNextUse()
+    {
+        mFixture->execute({ "CREATE TABLE versions (db_version INTEGER)", "INSERT INTO versions VALUES (7)",
+            "CREATE INDEX contacts ON versions (db_version)" });
+        mFixture->open();
+        EasDatabase::instance();
+        QVERIFY(!hasTable("emails"));
+        mFixture->execute({ "DROP INDEX contacts" });
+        const LogCollector log;
+        EasDatabase::instance();
+        QVERIFY(hasTable("contacts"));
+        QVERIFY(hasTable("emails"));
+        QVERIFY(hasTable("attachments"));
+        QCOMPARE(log.texts(QtCriticalMsg), QStringList());
+        // Once is enough: a table that goes later is no matter of the start.
+        mFixture->execute({ "DROP TABLE emails" });
+        EasDatabase::instance();
+        QVERIFY(!hasTable("emails"));
+    }
+
+    void aDiskThatWasFullAtTheStartIsUsedOnceThereIsRoom()
+    {
+        {
+            const FileSizeLimit limit(0);
+            const LogCollector log;
+            mFixture->open();
+            QVERIFY(log.contains(QtCriticalMsg, { "failed to create versions table" }));
+            QVERIFY(!EasDatabase::instance()->addFolderItems(Account, { folder("1") }));
+        }
+        QVERIFY(EasDatabase::instance()->addFolderItems(Account, { folder("1") }));
+        QCOMPARE(mFixture->rows("SELECT * FROM versions"), QStringList { "7" });
+        QVERIFY(hasTable("attachments"));
     }
 
     void aMailAccountTableThatCannotBeMadeIsNamed()
@@ -310,6 +349,14 @@ private Q_SLOTS:
     }
 
 private:
+    bool hasTable(const QString &name) const
+    {
+        return !mFixture
+                    ->rows(QStringLiteral("SELECT 1 FROM sqlite_master WHERE type='table' AND name='%1'")
+                               .arg(name))
+                    .isEmpty();
+    }
+
     QStringList columns(const QString &table) const
     {
         return mFixture->rows(
