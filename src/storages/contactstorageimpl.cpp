@@ -20,9 +20,7 @@ ContactStorageImpl::ContactStorageImpl(EasAccount &account, QObject *parent)
     , mLocalChanges(mContext)
 {
     mContext.accountId = account.id();
-    mContext.manager = ContactStoreManager::create(this);
-    if (mContext.manager)
-        ContactStrays(mContext).repair();
+    openStore();
     initializeObserver();
     connect(&account, &EasAccount::contactsConfigurationChanged, this,
         &ContactStorageImpl::onContactsConfigurationChanged);
@@ -59,10 +57,24 @@ bool ContactStorageImpl::cleanUpDeletedAccounts(const QList<EasAccountId> &accou
     return succeeded;
 }
 
-bool ContactStorageImpl::storeAvailable() const
+bool ContactStorageImpl::openStore()
+{
+    mContext.manager = ContactStoreManager::create(this);
+    if (!mContext.manager)
+        return false;
+    ContactStrays(mContext).repair();
+    return true;
+}
+
+bool ContactStorageImpl::storeAvailable()
 {
     if (mContext.manager)
         return true;
+    // What hindered the start may be over.
+    if (openStore()) {
+        initializeObserver();
+        return true;
+    }
     qCCritical(eas()) << "The contact manager is not initialized";
     return false;
 }

@@ -47,7 +47,9 @@ private Q_SLOTS:
 private:
     void initializeObserver();
     void releaseObserver();
-    bool storeAvailable() const;
+    bool openStore();
+    /** Opens the store if the start could not. */
+    bool storeAvailable();
 
     EasAccount &mAccount;
     ContactStoreContext mContext;

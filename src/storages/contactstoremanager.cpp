@@ -31,8 +31,14 @@ QContactManager *ContactStoreManager::create(QObject *parent)
     const QString uri = QContactManager::buildUri(QLatin1String(engineName), {});
     std::unique_ptr<QContactManager> manager(QContactManager::fromUri(uri, parent));
     // Instead of a missing engine one gets another that stores nothing.
-    if (manager && manager->managerName() == QLatin1String(engineName))
-        return manager.release();
-    qCCritical(eas()) << "There is no contact store: the engine" << engineName << "is missing";
-    return nullptr;
+    if (!manager || manager->managerName() != QLatin1String(engineName)) {
+        qCCritical(eas()) << "There is no contact store: the engine" << engineName << "is missing";
+        return nullptr;
+    }
+    // Such a manager would fail at each call for as long as it lives.
+    if (manager->error() != QContactManager::NoError) {
+        qCCritical(eas()) << "The contact store cannot be opened:" << manager->error();
+        return nullptr;
+    }
+    return manager.release();
 }

@@ -8,7 +8,8 @@ class QObject;
 /** The way to the device's contact store. */
 namespace ContactStoreManager {
 
-/** A manager with the store's engine; null, with a log line, if its plugin is missing. */
+/** A manager with the store's engine; null, with a log line, if its plugin is missing or the store cannot be
+ * opened. */
 QtContacts::QContactManager *create(QObject *parent);
 
 } // namespace ContactStoreManager

@@ -300,17 +300,21 @@ private Q_SLOTS:
         const QByteArray before = qgetenv("CONTACTS_DATA");
         qputenv("CONTACTS_DATA", QFile::encodeName(file.fileName()));
         const LogCollector log;
-        const std::unique_ptr<QContactManager> manager(ContactStoreManager::create(nullptr));
+        const bool isGiven =
+            std::unique_ptr<QContactManager>(ContactStoreManager::create(nullptr)) != nullptr;
+        QContactManager manager(QStringLiteral("org.plover.contacts.sqlite"));
         qputenv("CONTACTS_DATA", before);
-        QVERIFY(manager);
+        QVERIFY(!isGiven);
+        QCOMPARE(manager.managerName(), QStringLiteral("org.plover.contacts.sqlite"));
+        QCOMPARE(manager.error(), QContactManager::UnspecifiedError);
         QVERIFY(log.contains(QStringLiteral("cannot create the folder")));
-        QVERIFY(manager->collections().isEmpty());
-        QCOMPARE(manager->error(), QContactManager::UnspecifiedError);
+        QVERIFY(manager.collections().isEmpty());
+        QCOMPARE(manager.error(), QContactManager::UnspecifiedError);
         QContact contact = ContactFixture::named(QStringLiteral("a"));
-        QVERIFY(!manager->saveContact(&contact));
-        QCOMPARE(manager->error(), QContactManager::UnspecifiedError);
-        QVERIFY(manager->contactIds().isEmpty());
-        QCOMPARE(manager->error(), QContactManager::UnspecifiedError);
+        QVERIFY(!manager.saveContact(&contact));
+        QCOMPARE(manager.error(), QContactManager::UnspecifiedError);
+        QVERIFY(manager.contactIds().isEmpty());
+        QCOMPARE(manager.error(), QContactManager::UnspecifiedError);
     }
 };
 

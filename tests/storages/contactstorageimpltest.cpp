@@ -13,6 +13,8 @@
 #include <QtContacts/QContactPhoneNumber>
 
 #include <QSignalSpy>
+#include <QSqlDatabase>
+#include <QSqlQuery>
 #include <QtTest>
 
 QTCONTACTS_USE_NAMESPACE
@@ -24,6 +26,19 @@ class ContactStorageImplTest : public QObject
 
 private:
     static QString base64(int red) { return QString::fromLatin1(TestPictures::png(red).toBase64()); }
+
+    /** Over a connection of its own. */
+    static void executeInStore(const QString &statement)
+    {
+        const QString name = QStringLiteral("contacts-by-hand");
+        {
+            QSqlDatabase database = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
+            database.setDatabaseName(qEnvironmentVariable("CONTACTS_DATA") + QLatin1String("/contacts.db"));
+            if (!database.open() || !QSqlQuery(database).exec(statement))
+                qFatal("%s", qPrintable(statement));
+        }
+        QSqlDatabase::removeDatabase(name);
+    }
 
 private Q_SLOTS:
     void initTestCase() { QVERIFY(PrivateBus::ensure()); }
@@ -115,13 +130,54 @@ private Q_SLOTS:
         qputenv("CONTACTS_DATA", "/dev/null/contacts");
         const LogCollector log;
         account.restart();
+        const bool takesFolders = account.storage().updateFolders(added, none, {});
+        const bool takesContacts =
+            account.receive({ account.item(QStringLiteral("1"), QStringLiteral("Ada")) });
+        const bool cleansUp = account.storage().cleanUpFolder(account.folder());
+        const QString changes = account.localChanges();
         qputenv("CONTACTS_DATA", data);
-        QVERIFY(!account.storage().updateFolders(added, none, {}));
+        QVERIFY(!takesFolders);
+        QVERIFY(!takesContacts);
+        QVERIFY(!cleansUp);
+        QCOMPARE(changes, QStringLiteral("failed"));
+        QVERIFY(log.contains(QtCriticalMsg, { QStringLiteral("The contact store cannot be opened:") }));
+        QVERIFY(log.contains(QtCriticalMsg, { QStringLiteral("The contact manager is not initialized") }));
+    }
+
+    void aFolderThatTheStoreRefusesFailsTheUpdate()
+    {
+        ContactAccount account;
+        QList<EasFolderItem> none;
+        QList<EasFolderItem> added { account.folder() };
+        const LogCollector log;
+        executeInStore(QStringLiteral("CREATE TRIGGER refuse BEFORE INSERT ON collections "
+                                      "BEGIN SELECT RAISE(ABORT, 'refused'); END"));
+        const bool takesFolders = account.storage().updateFolders(added, none, {});
+        executeInStore(QStringLiteral("DROP TRIGGER refuse"));
+        QVERIFY(!takesFolders);
         QVERIFY(log.contains(QStringLiteral("Failed to save new folder as local collection: ")));
         QVERIFY(log.contains(QStringLiteral("Failed to add contacts folders")));
-        QVERIFY(!account.receive({ account.item(QStringLiteral("1"), QStringLiteral("Ada")) }));
-        QVERIFY(!account.storage().cleanUpFolder(account.folder()));
-        QCOMPARE(account.localChanges(), QStringLiteral("failed"));
+        QVERIFY(account.storage().updateFolders(added, none, {}));
+    }
+
+    void aStoreThatCouldNotBeOpenedAtTheStartIsOpenedByTheNextUse()
+    {
+        ContactAccount account;
+        const QByteArray data = qgetenv("CONTACTS_DATA");
+        qputenv("CONTACTS_DATA", "/dev/null/contacts");
+        account.restart();
+        qputenv("CONTACTS_DATA", data);
+        account.addFolder();
+        QVERIFY(account.receive({ account.item(QStringLiteral("1"), QStringLiteral("Ada")) }));
+        QCOMPARE(account.names(), QStringList(QStringLiteral("Ada")));
+        // It hears of the user's changes from then on.
+        QSignalSpy changes(&account.storage(), &ContactStorage::changesAvailable);
+        QContact contact = account.contact(QStringLiteral("1"));
+        QContactPhoneNumber number;
+        number.setNumber(QStringLiteral("1"));
+        QVERIFY(contact.saveDetail(&number));
+        QVERIFY(account.store.manager().saveContact(&contact));
+        QTRY_VERIFY(!changes.isEmpty());
     }
 
     // Contacts
