@@ -324,6 +324,7 @@ private Q_SLOTS:
         QTRY_COMPARE(mCompleted->count(), 1);
         QCOMPARE(mRequest->starts, 6);
         QCOMPARE(mRequest->status(), 111);
+        QCOMPARE(mClock->intervals, QList<int>({ 5000, 5000, 15000, 45000, 135000, 405000 }));
     }
 
     // Cancelling
