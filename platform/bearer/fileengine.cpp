@@ -104,11 +104,13 @@ void FileEngine::watchFile()
     const QFileInfo file(BearerState::fileName());
     if (file.filePath().isEmpty())
         return;
-    for (const QString &path : { file.absolutePath(), file.absoluteFilePath() }) {
-        const bool isWatched = mWatcher->files().contains(path) || mWatcher->directories().contains(path);
-        if (!isWatched && QFileInfo::exists(path))
-            mWatcher->addPath(path);
-    }
+    if (!mWatcher->directories().contains(file.absolutePath()))
+        mWatcher->addPath(file.absolutePath());
+    // The watcher still lists the name of a file that was replaced, but watches the one before.
+    if (mWatcher->files().contains(file.absoluteFilePath()))
+        mWatcher->removePath(file.absoluteFilePath());
+    if (file.exists())
+        mWatcher->addPath(file.absoluteFilePath());
 }
 
 void FileEngine::setState(QNetworkSession::State state)

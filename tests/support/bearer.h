@@ -13,4 +13,7 @@ public:
     static bool setState(QNetworkSession::State state);
     static bool connectNetwork() { return setState(QNetworkSession::Connected); }
     static bool loseNetwork() { return setState(QNetworkSession::Disconnected); }
+
+    /** As connectNetwork(), and waits until everybody knows, also of what was changed before. */
+    static bool settleConnected();
 };
