@@ -148,6 +148,6 @@ bool FolderManagementRequest::processResponse()
     changes.markSaved();
     if (!changes.updateDatabase())
         return fail(texts().databaseFailure);
-    EasDatabase::instance()->setFolderSyncKey(accountId(), command->syncKey());
-    return true;
+    return EasDatabase::instance()->setFolderSyncKey(accountId(), command->syncKey())
+        || fail(texts().databaseFailure);
 }

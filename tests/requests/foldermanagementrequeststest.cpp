@@ -497,6 +497,10 @@ private Q_SLOTS:
         QTest::addColumn<QString>("text");
         QTest::newRow("create") << int(Create) << QStringLiteral("INSERT")
                                 << QStringLiteral("failed to update created folder in EAS DB");
+        QTest::newRow("create, and the key") << int(Create) << QStringLiteral("UPDATE")
+                                             << QStringLiteral("failed to update created folder in EAS DB");
+        QTest::newRow("delete, and the key") << int(Delete) << QStringLiteral("UPDATE")
+                                             << QStringLiteral("failed to update deleted folder in EAS DB");
         QTest::newRow("delete") << int(Delete) << QStringLiteral("DELETE")
                                 << QStringLiteral("failed to update deleted folder in EAS DB");
         QTest::newRow("update") << int(Update) << QStringLiteral("UPDATE")
