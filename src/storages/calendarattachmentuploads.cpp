@@ -26,6 +26,10 @@ void CalendarAttachmentUploads::applyAttachments(
     Sent sent;
     sent.uid = event->uid();
     sent.deleted = CalendarAttachmentService::processLocallyDeletedAttachments(key, added);
+    // Without their rows, a run that is interrupted before the answer would leave the server its files.
+    EasDatabase *database = EasDatabase::instance();
+    for (const EasAttachmentContainer &row : qAsConst(sent.deleted))
+        database->addCalendarAttachment(key, row);
     CalendarAttachmentService::processLocallyAddedAttachments(key, added);
     QList<EasAttachmentContainer> changes = added;
     for (const EasAttachmentContainer &attachment : qAsConst(added))
@@ -44,9 +48,7 @@ void CalendarAttachmentUploads::applyAttachments(
 void CalendarAttachmentUploads::takeBack(const QString &eventKey)
 {
     EasDatabase *database = EasDatabase::instance();
-    const Sent sent = mSent.take(eventKey);
-    for (const EasAttachmentContainer &row : sent.deleted)
-        database->addCalendarAttachment(eventKey, row);
+    mSent.remove(eventKey);
     const QSet<QString> taken = mTaken.value(eventKey);
     const QList<EasAttachmentContainer> rows =
         database->getCalendarAttachments(eventKey).value_or(QList<EasAttachmentContainer>());
@@ -66,6 +68,8 @@ void CalendarAttachmentUploads::settle(const QStringList &uids)
         }
         for (const QString &contentId : qAsConst(sent->added))
             mTaken[sent.key()].insert(contentId);
+        for (const EasAttachmentContainer &row : qAsConst(sent->deleted))
+            EasDatabase::instance()->deleteCalendarAttachmentByContentId(sent.key(), row.contentId());
         sent = mSent.erase(sent);
     }
 }

@@ -90,7 +90,7 @@ bool CalendarEventWriter::addEvent(EasCalendarItem &item, const QString &folder)
     event->startUpdates();
     if (item.createdTimestamp() != 0)
         event->setCreated(QDateTime::fromMSecsSinceEpoch(item.createdTimestamp(), Qt::UTC));
-    CalendarOrigin::setServerId(*event, item.serverId());
+    CalendarOrigin::setServerId(*event, mContext.accountId(), item.serverId());
     CalendarFieldWriting { event, item, zone }.write(CalendarFieldWriting::AllFields);
     event->endUpdates();
     if (!mContext.calendar->addEvent(event, folder)) {

@@ -234,7 +234,8 @@ bool CalendarFolders::cleanUpFolder(const EasFolderItem &folder) const
     const KCalendarCore::Incidence::List incidences = mContext.calendar->incidences(notebook->uid());
     for (const KCalendarCore::Incidence::Ptr &incidence : incidences) {
         const Event::Ptr event = incidence.dynamicCast<Event>();
-        if (event && !event->hasRecurrenceId() && !CalendarOrigin::serverId(*event).isEmpty())
+        if (event && !event->hasRecurrenceId()
+            && !CalendarOrigin::serverId(*event, mContext.accountId()).isEmpty())
             localIds.append(event->uid());
     }
     const QSet<QString> distinct(localIds.cbegin(), localIds.cend());

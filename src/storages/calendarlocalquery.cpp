@@ -112,10 +112,7 @@ void CalendarLocalQuery::evaluateOverlooked()
         if (incidence->type() != Incidence::TypeEvent || incidence->isReadOnly()
             || mSeen.contains(instanceKey(incidence)))
             continue;
-        const uint stored = mTimestamps.storedTimestamp(incidence->uid());
-        const bool isNewer = stored != EasDatabase::TimestampInvalid
-            && CalendarTimestamps::timeToStamp(incidence->lastModified()) > stored;
-        if (isNewer || !mServerIds.contains(incidence->uid())) {
+        if (mTimestamps.isChanged(incidence->uid()) || !mServerIds.contains(incidence->uid())) {
             qCInfo(eas()) << "earlier local change is still to be uploaded:" << incidence->uid();
             takeChanged(copyOf(incidence));
         }

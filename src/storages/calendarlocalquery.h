@@ -19,8 +19,8 @@ struct CalendarStoreContext;
  *
  * The store's own lists go by time, and time is not enough: an upload that the server refused, an event that
  * was made in the second of the last search or before a clock was set back, and the deletion of an event that
- * came between a search and its end all fall out of them. So what the mapping does not know, or knows as
- * older, and whatever stands deleted, is looked at whenever it happened.
+ * came between a search and its end all fall out of them. So what the mapping does not know, or knows
+ * in another state, and whatever stands deleted, is looked at whenever it happened.
  *
  * The notebook is loaded, and the timestamps are those of it. Made for one search.
  */

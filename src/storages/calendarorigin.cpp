@@ -14,18 +14,24 @@ namespace {
 
 const QString originName = QStringLiteral("X-FENNEL-EAS-ORIGIN");
 
-} // namespace
-
-void CalendarOrigin::setServerId(Event &event, const QString &serverId)
+/** A copy has another uid; what was moved into the calendar of another account keeps its own. */
+QString ownPrefix(const Event &event, EasAccountId accountId)
 {
-    CalendarEventProperties::setText(event, originName, event.uid() + QLatin1Char(' ') + serverId);
+    return QStringLiteral("%1 %2 ").arg(event.uid()).arg(accountId);
 }
 
-QString CalendarOrigin::serverId(const Event &event)
+} // namespace
+
+void CalendarOrigin::setServerId(Event &event, EasAccountId accountId, const QString &serverId)
+{
+    CalendarEventProperties::setText(event, originName, ownPrefix(event, accountId) + serverId);
+}
+
+QString CalendarOrigin::serverId(const Event &event, EasAccountId accountId)
 {
     const QString origin = CalendarEventProperties::text(event, originName);
-    const QString ownUid = event.uid() + QLatin1Char(' ');
-    return origin.startsWith(ownUid) ? origin.mid(ownUid.size()) : QString();
+    const QString prefix = ownPrefix(event, accountId);
+    return origin.startsWith(prefix) ? origin.mid(prefix.size()) : QString();
 }
 
 bool CalendarOrigin::removeStrays(const CalendarStoreContext &context, const QString &notebookUid)
@@ -43,7 +49,8 @@ bool CalendarOrigin::removeStrays(const CalendarStoreContext &context, const QSt
     const Incidence::List incidences = context.calendar->incidences(notebookUid);
     for (const Incidence::Ptr &incidence : incidences) {
         const Event::Ptr event = incidence.dynamicCast<Event>();
-        if (!event || event->hasRecurrenceId() || known.contains(event->uid()) || serverId(*event).isEmpty())
+        if (!event || event->hasRecurrenceId() || known.contains(event->uid())
+            || serverId(*event, context.accountId()).isEmpty())
             continue;
         qCWarning(eas()) << "Removing an event that was stored and not recorded:" << event->uid();
         strays.append(event);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include "common/easaccountid.h"
+
 #include <KCalendarCore/Event>
 
 #include <QString>
@@ -15,9 +17,12 @@ struct CalendarStoreContext;
  */
 namespace CalendarOrigin {
 
-void setServerId(KCalendarCore::Event &event, const QString &serverId);
-/** Empty for an event that did not come from the server, and for a copy that the user made of one. */
-QString serverId(const KCalendarCore::Event &event);
+void setServerId(KCalendarCore::Event &event, EasAccountId accountId, const QString &serverId);
+/**
+ * Empty for an event that did not come from the account's server, be it a copy that the user made of one or
+ * an event that the user moved here from another account.
+ */
+QString serverId(const KCalendarCore::Event &event, EasAccountId accountId);
 
 /** Reads a notebook afresh and erases what an interruption left in it; the server sends that again. */
 bool removeStrays(const CalendarStoreContext &context, const QString &notebookUid);

@@ -76,6 +76,15 @@ uint CalendarTimestamps::eventTimestamp(const QString &uid) const
     return mStamps.value(uid, EasDatabase::TimestampInvalid);
 }
 
+bool CalendarTimestamps::isChanged(const QString &uid) const
+{
+    // Not only what is newer: a clock that was wrong may have been set back in between.
+    const uint stored = storedTimestamp(uid);
+    const uint current = eventTimestamp(uid);
+    return stored != EasDatabase::TimestampInvalid && current != EasDatabase::TimestampInvalid
+        && current != stored;
+}
+
 uint CalendarTimestamps::storedTimestamp(const QString &uid) const
 {
     return mStored.value(uid, EasDatabase::TimestampInvalid);

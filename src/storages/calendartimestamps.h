@@ -34,6 +34,8 @@ public:
     bool updateTimestampCache(const QString &notebookUid, const QSet<QString> &uids);
     /** Of the cache; TimestampInvalid for an event that is not there. */
     uint eventTimestamp(const QString &uid) const;
+    /** Whether the event is not as the server knows it; false for one that the server does not know. */
+    bool isChanged(const QString &uid) const;
     /** What the mapping holds; TimestampInvalid for an event that the server does not know. */
     uint storedTimestamp(const QString &uid) const;
 

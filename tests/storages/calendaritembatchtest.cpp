@@ -5,6 +5,7 @@
 #include "storages/calendarorigin.h"
 #include "storages/calendarstorageimpl.h"
 #include "support/calendarbed.h"
+#include "support/calendarscene.h"
 #include "support/logcollector.h"
 #include "support/testmain.h"
 
@@ -81,11 +82,24 @@ private Q_SLOTS:
         const Event::Ptr copy(device.calendar->event(mBed->localId())->clone());
         copy->setUid(KCalendarCore::CalFormat::createUniqueId());
         copy->setSummary(QStringLiteral("Copy"));
-        QVERIFY(CalendarOrigin::serverId(*copy).isEmpty());
+        QVERIFY(CalendarOrigin::serverId(*copy, mBed->account.id()).isEmpty());
         QVERIFY(device.calendar->addEvent(copy, mBed->notebookUid()));
         QVERIFY(device.storage->save());
         QCOMPARE(localChanges(), QStringList({ QStringLiteral("+Copy") }));
         QCOMPARE(mBed->events().size(), 2);
+    }
+
+    void anEventThatCameFromAnotherAccountIsTheUsers()
+    {
+        const EasAccountId other = mBed->account.id() + 1000;
+        const Event::Ptr event = CalendarScene::makeEvent(QStringLiteral("event-of-another-account"));
+        CalendarOrigin::setServerId(*event, other, QStringLiteral("5:1"));
+        QCOMPARE(CalendarOrigin::serverId(*event, other), QStringLiteral("5:1"));
+        CalendarStoreContext &device = mBed->device();
+        QVERIFY(device.calendar->addEvent(event, mBed->notebookUid()));
+        QVERIFY(device.storage->save());
+        QCOMPARE(localChanges(), QStringList({ QStringLiteral("+event-of-another-account") }));
+        QCOMPARE(mBed->events().size(), 1);
     }
 
     void aLostMappingRemovesNothing()

@@ -172,6 +172,46 @@ private Q_SLOTS:
         QCOMPARE(found.updated.size(), 1);
     }
 
+    void anEditAfterTheClockWasSetBack()
+    {
+        // Made and synced while the clock was a year ahead.
+        QVERIFY(mScene->saveSynced(
+            event(QStringLiteral("event-1"), mLastSync + 31536000), QStringLiteral("f1:1")));
+        const auto rename = [](const Event::Ptr &event) {
+            event->setCreated(QDateTime::fromSecsSinceEpoch(0, Qt::UTC));
+            event->setSummary(QStringLiteral("edited"));
+        };
+        QVERIFY(mScene->edit(QStringLiteral("event-1"), rename, mLastSync + 10));
+        Found found = query(mLastSync + 31536001);
+        QCOMPARE(found.updated.size(), 1);
+        QCOMPARE(found.updated.constFirst().subject(), QStringLiteral("edited"));
+        QVERIFY(acknowledge(found));
+        QVERIFY(query(mLastSync + 31536001).isEmpty());
+    }
+
+    void anEditedSeriesAfterTheClockWasSetBack()
+    {
+        setVersion(ProtocolVersion161);
+        QVERIFY(
+            mScene->saveSynced(CalendarScene::makeSeries(QStringLiteral("series-1"), mLastSync + 31536000),
+                QStringLiteral("f1:s")));
+        QVERIFY(mScene->addException(QStringLiteral("series-1"), 2, QStringLiteral("later"), mLastSync + 10));
+        QVERIFY(mScene->edit(
+            QStringLiteral("series-1"),
+            [](const Event::Ptr &event) {
+                event->setCreated(QDateTime::fromSecsSinceEpoch(0, Qt::UTC));
+                event->setLocation(QStringLiteral("elsewhere"));
+            },
+            mLastSync + 10));
+        Found found = query(mLastSync + 31536001);
+        QCOMPARE(found.updated.size(), 1);
+        QCOMPARE(found.updated.constFirst().location(), QStringLiteral("elsewhere"));
+        QCOMPARE(found.updated.constFirst().exceptions().size(), 1);
+        QVERIFY(found.updated.constFirst().exceptions().constFirst().itemChanged());
+        QVERIFY(acknowledge(found));
+        QVERIFY(query(mLastSync + 31536001).isEmpty());
+    }
+
     void aDeletionRightAfterTheSyncThatBroughtTheEvent()
     {
         // The store leaves such an event out of its list for the time of that sync.
