@@ -3,6 +3,8 @@
 
 #include "application/easdatabase.h"
 #include "application/logging.h"
+#include "protocol/protocolutils.h"
+#include "protocol/wbxmltokens.h"
 #include "storages/contactavatars.h"
 #include "storages/contactstorecontext.h"
 
@@ -231,6 +233,33 @@ bool ContactFolders::removeCollection(const QContactCollection &collection) cons
     QContactManager::Error error = QContactManager::NoError;
     if (auto *engine = mContext.engine())
         engine->clearChangeFlags(collection.id(), &error);
+    return true;
+}
+
+bool ContactFolders::repairFolders() const
+{
+    EasDatabase *database = EasDatabase::instance();
+    QList<EasFolderItem> rows =
+        database->folderItemsByFolderType(mContext.accountId, EasFolderItem::DefaultContactsFolder);
+    if (database->lookupFailed())
+        return false;
+    rows += database->folderItemsByFolderType(mContext.accountId, EasFolderItem::UserCreatedContactsFolder);
+    if (database->lookupFailed())
+        return false;
+    for (EasFolderItem &row : rows) {
+        const Lookup present = find(row.serverId());
+        if (!present.complete)
+            return false;
+        if (present.collection || row.localId().isEmpty())
+            continue;
+        // The collection comes last: without it all of this is done again.
+        row.setSyncKey(ProtocolUtils::InitialSyncKey);
+        row.appendChangedField(Wbxml::AirSync::SyncKey.key());
+        if (!database->updateFolderItems(mContext.accountId, { row })
+            || !database->clearContactsFolder(mContext.accountId, row.serverId())
+            || !recreate(row.serverId()))
+            return false;
+    }
     return true;
 }
 

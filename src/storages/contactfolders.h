@@ -22,6 +22,9 @@ public:
         QList<EasFolderItem> &added, QList<EasFolderItem> &changed, const QStringList &deleted) const;
     bool cleanUpFolder(const EasFolderItem &folder) const;
 
+    /** Makes the collections that somebody else has removed anew, and has their contacts sent again. */
+    bool repairFolders() const;
+
     /** The collection of a folder; the account's collections, for all of them. */
     struct Lookup
     {

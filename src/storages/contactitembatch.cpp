@@ -9,7 +9,7 @@
 #include <QtContacts/QContactGuid>
 #include <QtContacts/QContactManager>
 
-#include <QSet>
+#include <QHash>
 
 QTCONTACTS_USE_NAMESPACE
 
@@ -71,12 +71,16 @@ void ContactItemBatch::sortOut(QList<EasContactsItem> &added, QList<EasContactsI
 {
     QList<EasContactsItem> toAdd;
     QList<EasContactsItem> toChange;
-    QSet<QString> seen;
+    QHash<QString, int> places;
     const auto sort = [&](const EasContactsItem &item) {
-        if (seen.contains(item.serverId()))
+        QList<EasContactsItem> &list = mServerToLocal.contains(item.serverId()) ? toChange : toAdd;
+        const auto place = places.constFind(item.serverId());
+        if (place != places.constEnd()) {
+            list[*place] = item; // what a reply says last holds
             return;
-        seen.insert(item.serverId());
-        (mServerToLocal.contains(item.serverId()) ? toChange : toAdd).append(item);
+        }
+        places.insert(item.serverId(), list.size());
+        list.append(item);
     };
     for (const EasContactsItem &item : qAsConst(added))
         sort(item);

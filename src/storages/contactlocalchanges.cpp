@@ -3,6 +3,7 @@
 
 #include "application/easdatabase.h"
 #include "application/logging.h"
+#include "protocol/wbxmltokens.h"
 #include "storages/contactavatars.h"
 #include "storages/contactfolders.h"
 #include "storages/contactreader.h"
@@ -26,6 +27,18 @@ EasContactsItem ContactLocalChanges::toItem(const QContact &contact, const EasFo
     return item;
 }
 
+EasContactsItem ContactLocalChanges::toChangedItem(const QContact &contact, const EasFolderItem &folder,
+    const QString &serverId, const QMap<QString, QUrl> &knownAvatars) const
+{
+    EasContactsItem item = toItem(contact, folder);
+    item.setServerId(serverId);
+    // Without a word about it the server would keep the picture that the user has removed.
+    if (item.avatarUrl().isEmpty() && !knownAvatars.value(item.localId()).isEmpty())
+        item.appendChangedField(Wbxml::Contacts::Picture.key());
+    qCDebug(eas()) << "updated contact item local id=" << item.localId();
+    return item;
+}
+
 bool ContactLocalChanges::queryChanges(const EasFolderItem &folder, QList<EasContactsItem> *added,
     QList<EasContactsItem> *changed, QStringList *deletedServerIds)
 {
@@ -39,6 +52,9 @@ bool ContactLocalChanges::queryChanges(const EasFolderItem &folder, QList<EasCon
     EasDatabase *database = EasDatabase::instance();
     const QMap<QString, QString> localToServer =
         database->localToServerContactIds(mContext.accountId, folder.serverId());
+    if (database->lookupFailed())
+        return false;
+    const QMap<QString, QUrl> avatars = database->localContactIdsToAvatarsUrls(mContext.accountId);
     if (database->lookupFailed())
         return false;
 
@@ -57,16 +73,12 @@ bool ContactLocalChanges::queryChanges(const EasFolderItem &folder, QList<EasCon
     }
 
     // One with a row that is still marked as added is at the server already.
-    Contacts unknown;
     for (const QContact &contact : addedContacts + modified) {
         const QString serverId = localToServer.value(contact.id().toString());
-        if (serverId.isEmpty())
-            continue;
-        EasContactsItem item = toItem(contact, folder);
-        item.setServerId(serverId);
-        qCDebug(eas()) << "updated contact item local id=" << item.localId();
-        changed->append(item);
+        if (!serverId.isEmpty())
+            changed->append(toChangedItem(contact, folder, serverId, avatars));
     }
+    Contacts unknown;
     if (!appendStrays(*present.collection, &unknown))
         return false;
     for (const QContact &contact : qAsConst(unknown)) {

@@ -10,6 +10,7 @@
 #include <QMap>
 #include <QSet>
 #include <QStringList>
+#include <QUrl>
 
 struct ContactStoreContext;
 
@@ -29,6 +30,8 @@ private:
 
     bool appendStrays(const QtContacts::QContactCollection &collection, Contacts *added);
     EasContactsItem toItem(const QtContacts::QContact &contact, const EasFolderItem &folder) const;
+    EasContactsItem toChangedItem(const QtContacts::QContact &contact, const EasFolderItem &folder,
+        const QString &serverId, const QMap<QString, QUrl> &knownAvatars) const;
 
     const ContactStoreContext &mContext;
     /** Strays of the latest query, by local identifiers: what is still one at the next is none that comes. */

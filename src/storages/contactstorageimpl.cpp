@@ -130,7 +130,10 @@ void ContactStorageImpl::onLocalChangesAvailable(const QList<QString> &serverFol
 bool ContactStorageImpl::updateFolders(
     QList<EasFolderItem> &added, QList<EasFolderItem> &changed, const QStringList &deleted)
 {
-    return storeAvailable() && ContactFolders(mContext).updateFolders(added, changed, deleted);
+    if (!storeAvailable())
+        return false;
+    const ContactFolders folders(mContext);
+    return folders.repairFolders() && folders.updateFolders(added, changed, deleted);
 }
 
 bool ContactStorageImpl::updateItems(const QString &folderServerId, QList<EasContactsItem> &added,

@@ -147,8 +147,13 @@ ItemActor::Edit ContactActor::editDevice(Dice &dice, const QSet<QString> &delica
     } else if (what == 3) {
         setTags(contact, categories);
     } else if (what == 4) {
-        ++mPictures;
-        setAvatar(contact, TestPictures::png(mPictures % 250), mPictures);
+        QContactAvatar known = contact.detail<QContactAvatar>();
+        if (!known.isEmpty() && dice.oneIn(3)) {
+            contact.removeDetail(&known);
+        } else {
+            ++mPictures;
+            setAvatar(contact, TestPictures::png(mPictures % 250), mPictures);
+        }
     } else {
         QContactNote detail = contact.detail<QContactNote>();
         detail.setNote(QStringLiteral("note ") + text);

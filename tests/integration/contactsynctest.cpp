@@ -27,8 +27,11 @@ private Q_SLOTS:
     void changesOfTheDeviceArrive();
     void anUnrelatedEditLosesNothing_data() { versions(); }
     void anUnrelatedEditLosesNothing();
+    void aRemovedPictureGoesFromTheServer_data() { versions(); }
+    void aRemovedPictureGoesFromTheServer();
     void aServerThatForgetsItsKeysDoublesNothing_data() { versions(); }
     void aServerThatForgetsItsKeysDoublesNothing();
+    void aLostCollectionIsFilledAnew();
     void moreThanOneWindowArrives();
     void foldersComeAndGoWithTheirContacts();
     void aContactThatIsNoneCostsItselfAlone();
@@ -149,6 +152,40 @@ void ContactSyncTest::anUnrelatedEditLosesNothing()
     QCOMPARE(scene.bed().sync(), 0);
     contact.setNote(QString());
     QCOMPARE(ContactScene::lines(*scene.bed().serverContact(serverId)), ContactScene::lines(contact));
+}
+
+void ContactSyncTest::aRemovedPictureGoesFromTheServer()
+{
+    QFETCH(QString, version);
+    ContactScene scene(version);
+    Contact contact = ContactScene::full(1);
+    QVERIFY(!contact.picture().isEmpty());
+    const QString serverId = scene.bed().place(contact);
+    QCOMPARE(scene.bed().sync(), 0);
+    QCOMPARE(scene.pictures().size(), 1);
+
+    QContact local = scene.deviceContact(QStringLiteral("First 1"));
+    QContactAvatar avatar = local.detail<QContactAvatar>();
+    QVERIFY(local.removeDetail(&avatar));
+    QVERIFY(scene.store().manager().saveContact(&local));
+    QCOMPARE(scene.bed().sync(), 0);
+    contact.setPicture(QByteArray());
+    QCOMPARE(ContactScene::lines(*scene.bed().serverContact(serverId)), ContactScene::lines(contact));
+    QVERIFY(scene.pictures().isEmpty());
+    QVERIFY(scene.furtherSyncIsSilent());
+    QCOMPARE(scene.bed().server().failures(), QStringList());
+}
+
+void ContactSyncTest::aLostCollectionIsFilledAnew()
+{
+    ContactScene scene(QStringLiteral("16.1"));
+    scene.bed().place(ContactScene::full(1));
+    QCOMPARE(scene.bed().sync(), 0);
+    QVERIFY(scene.store().manager().removeCollection(scene.collection()));
+    QCOMPARE(scene.bed().sync(), 0);
+    QCOMPARE(scene.deviceContacts().size(), 1);
+    QCOMPARE(scene.differences(), QStringList());
+    QVERIFY(scene.furtherSyncIsSilent());
 }
 
 void ContactSyncTest::aServerThatForgetsItsKeysDoublesNothing()

@@ -128,6 +128,19 @@ private Q_SLOTS:
                 outlined(change, version), QStringLiteral("Commands(Change(ServerId=3:1,ApplicationData))"));
     }
 
+    void aRemovedPictureIsAnEmptyElement()
+    {
+        EasContactsItem contact;
+        contact.setServerId(QStringLiteral("3:1"));
+        contact.setFileAs(QStringLiteral("file"));
+        contact.appendChangedField(Contacts::Picture.key());
+        SyncCommandChange change;
+        change.setContactItems({ contact });
+        for (const ProtocolVersion version : versions())
+            QCOMPARE(outlined(change, version),
+                QStringLiteral("Commands(Change(ServerId=3:1,ApplicationData(FileAs=file,Picture)))"));
+    }
+
     void anAdditionHasAClassFrom140On()
     {
         EasContactsItem contact;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "application/easdatabase.h"
+#include "protocol/wbxmltokens.h"
 #include "support/contactaccount.h"
 #include "support/logcollector.h"
 #include "support/testmain.h"
@@ -150,6 +151,41 @@ private Q_SLOTS:
         QVERIFY(
             account.storage().uploadedLocalChanges({}, { replaced.id().toString() }, { removed.toString() }));
         QVERIFY(account.pictures().isEmpty());
+    }
+
+    void aRemovedPictureIsTold()
+    {
+        ContactAccount account;
+        account.addFolder();
+        QVERIFY(account.receive({ withPicture(account, QStringLiteral("1")),
+            account.item(QStringLiteral("2"), QStringLiteral("Bob")) }));
+        QContact contact = account.contact(QStringLiteral("1"));
+        QContactAvatar avatar = contact.detail<QContactAvatar>();
+        QVERIFY(contact.removeDetail(&avatar));
+        QVERIFY(account.store.manager().saveContact(&contact));
+        // It never had one.
+        rename(account, account.contact(QStringLiteral("2")).id(), QStringLiteral("Eve"));
+
+        QList<EasContactsItem> added;
+        QList<EasContactsItem> changed;
+        QStringList deleted;
+        QVERIFY(account.storage().queryChanges(account.folder(), &added, &changed, &deleted));
+        QCOMPARE(changed.size(), 2);
+        const QList<uint> picture { Wbxml::Contacts::Picture.key() };
+        for (const EasContactsItem &item : qAsConst(changed)) {
+            QVERIFY(item.picture().isEmpty());
+            QCOMPARE(item.changedFields(), item.serverId() == QLatin1String("1") ? picture : QList<uint>());
+        }
+        QVERIFY(account.storage().uploadedLocalChanges({}, { contact.id().toString() }, {}));
+        QVERIFY(EasDatabase::instance()->contactsItemsChanges(account.id(), {}, changed, {}));
+        QVERIFY(account.pictures().isEmpty());
+
+        // Once is enough.
+        rename(account, contact.id(), QStringLiteral("Again"));
+        changed.clear();
+        QVERIFY(account.storage().queryChanges(account.folder(), &added, &changed, &deleted));
+        for (const EasContactsItem &item : qAsConst(changed))
+            QCOMPARE(item.changedFields(), QList<uint>());
     }
 
     void rubbishIsNoIdentifier()

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "storages/contactstorageimpl.h"
 #include "application/easdatabase.h"
+#include "protocol/wbxmltokens.h"
 #include "storages/contactavatars.h"
 #include "storages/uniqueidgenerationusecase.h"
 #include "support/contactaccount.h"
@@ -215,6 +216,21 @@ private Q_SLOTS:
         QVERIFY(account.names().isEmpty());
     }
 
+    void whatAReplySaysLastHolds()
+    {
+        ContactAccount account;
+        account.addFolder();
+        const auto ada = [&account](const QString &name) {
+            return account.item(QStringLiteral("1"), name);
+        };
+        QVERIFY(account.receive(
+            { ada(QStringLiteral("Ada")), ada(QStringLiteral("Bea")) }, { ada(QStringLiteral("Cleo")) }));
+        QCOMPARE(account.names(), QStringList(QStringLiteral("Cleo")));
+        QVERIFY(account.receive({}, { ada(QStringLiteral("Dora")), ada(QStringLiteral("Eve")) }));
+        QCOMPARE(account.names(), QStringList(QStringLiteral("Eve")));
+        QCOMPARE(EasDatabase::instance()->localContactIds(account.id(), account.folderId()).size(), 1);
+    }
+
     void whatWasStoredButNotMappedIsAdopted()
     {
         ContactAccount account;
@@ -284,6 +300,35 @@ private Q_SLOTS:
         QVERIFY(account.collection() != old);
         QCOMPARE(account.names(), QStringList({ QStringLiteral("Ada"), QStringLiteral("Bob") }));
         QCOMPARE(ContactFixture::name(account.contact(QStringLiteral("1"))), QStringLiteral("Ada"));
+    }
+
+    void aLostCollectionIsMadeAgainAndFilledAnew()
+    {
+        ContactAccount account;
+        EasDatabase *database = EasDatabase::instance();
+        const QContactCollectionId kept = account.addFolder(QStringLiteral("F2"));
+        const QContactCollectionId lost = account.addFolder();
+        QVERIFY(account.receive({ account.item(QStringLiteral("1"), QStringLiteral("Ada")) }));
+        for (const QString &id : { account.folderId(), QStringLiteral("F2") }) {
+            EasFolderItem row = database->folderItemByServerId(account.id(), id);
+            row.setSyncKey(QStringLiteral("key"));
+            row.appendChangedField(Wbxml::AirSync::SyncKey.key());
+            QVERIFY(database->updateFolderItems(account.id(), { row }));
+        }
+        QVERIFY(account.store.manager().removeCollection(lost));
+        QList<EasFolderItem> none;
+        QVERIFY(account.storage().updateFolders(none, none, {}));
+        QVERIFY(account.collection() != lost);
+        QVERIFY(account.store.manager().collection(account.collection()).id() == account.collection());
+        QCOMPARE(
+            database->folderItemByServerId(account.id(), account.folderId()).syncKey(), QStringLiteral("0"));
+        QVERIFY(database->serverToLocalContactIds(account.id()).isEmpty());
+        // Another folder goes on as it was.
+        QCOMPARE(account.collection(QStringLiteral("F2")), kept);
+        QCOMPARE(database->folderItemByServerId(account.id(), QStringLiteral("F2")).syncKey(),
+            QStringLiteral("key"));
+        QVERIFY(account.receive({ account.item(QStringLiteral("1"), QStringLiteral("Ada")) }));
+        QCOMPARE(account.names(), QStringList(QStringLiteral("Ada")));
     }
 
     void aFolderThatNobodyKnowsIsAFailure()

@@ -10,6 +10,16 @@ namespace {
 constexpr char NoInt[] = "Cannot convert to int:";
 constexpr char NoBool[] = "Cannot convert to bool: ";
 
+/** A change that leaves the picture out leaves it to the server; that it was removed has to be said. */
+void givePicture(
+    const EasContactsItem &item, Token tag, WbxmlEncoder &encoder, ExchangeActiveSync::ProtocolVersion)
+{
+    if (!item.picture().isEmpty())
+        encoder.appendTextElement(tag, item.picture());
+    else if (item.changedFields().contains(tag.key()))
+        encoder.appendElement(tag);
+}
+
 } // namespace
 
 namespace ContactsFields {
@@ -82,7 +92,7 @@ const FieldTable<EasContactsItem> &itemFields()
         Kind::text<&Contact::yomiCompanyName, &Contact::setYomiCompanyName>(Contacts::YomiCompanyName),
         Kind::text<&Contact::yomiFirstName, &Contact::setYomiFirstName>(Contacts::YomiFirstName),
         Kind::text<&Contact::yomiLastName, &Contact::setYomiLastName>(Contacts::YomiLastName),
-        Kind::text<&Contact::picture, &Contact::setPicture>(Contacts::Picture),
+        Kind::text<&Contact::picture, &Contact::setPicture>(Contacts::Picture).givenBy(givePicture),
         Kind::text<&Contact::customerId, &Contact::setCustomerId>(Contacts2::CustomerId),
         Kind::text<&Contact::governmentId, &Contact::setGovernmentId>(Contacts2::GovernmentId),
         Kind::text<&Contact::imAddress, &Contact::setImAddress>(Contacts2::IMAddress),
