@@ -32,13 +32,12 @@ public:
     bool storeEvent(EasCalendarItem &item, const QString &folder, bool isNew,
         const QMap<QString, QString> &mapping, bool &skipped) const;
 
-    /** Whether the store knows the event as deleted, by this process or another. */
-    bool isDeleted(const QString &uid, const QString &folder) const;
-
     /** UTC for an item without a zone, and for one whose zone cannot be read. */
     static QTimeZone getTimeZone(const QString &text, const EasCalendarItem &item);
 
 private:
+    /** Whether the store knows the event as deleted, by this process or another. */
+    bool isDeleted(const QString &uid, const QString &folder) const;
     bool addEvent(EasCalendarItem &item, const QString &folder) const;
     bool updateEvent(EasCalendarItem &item, const QString &folder, const QMap<QString, QString> &mapping,
         bool &skipped) const;

@@ -74,14 +74,15 @@ bool CalendarItemBatch::collectFolders(
     }
     if (!deleted.isEmpty()) {
         EasDatabase *database = EasDatabase::instance();
-        mCollectionsOfDeleted = database->serverCalendarIdToCollectionIds(mContext.accountId());
+        const QMap<QString, QString> collections =
+            database->serverCalendarIdToCollectionIds(mContext.accountId());
         if (database->lookupFailed())
             return false;
-    }
-    for (const QString &serverId : deleted) {
-        const QString collectionId = mCollectionsOfDeleted.value(serverId);
-        if (!collectionId.isEmpty() && !enterFolder(collectionId))
-            return false;
+        for (const QString &serverId : deleted) {
+            const QString collectionId = collections.value(serverId);
+            if (!collectionId.isEmpty() && !enterFolder(collectionId))
+                return false;
+        }
     }
     if (mFolders.isEmpty())
         qCWarning(eas()) << "Empty collection list";
@@ -117,8 +118,8 @@ bool CalendarItemBatch::concernsStored(const QList<EasCalendarItem> &added,
             [&isKnown](const EasCalendarItem &item) { return isKnown(item.serverId()); });
 }
 
-bool CalendarItemBatch::loadFolders(const QList<EasCalendarItem> &added,
-    const QList<EasCalendarItem> &updated, const QStringList &deleted) const
+bool CalendarItemBatch::loadFolders(
+    const QList<EasCalendarItem> &added, const QList<EasCalendarItem> &updated, const QStringList &deleted)
 {
     // Loading passes over what is in memory, which may be older than the store.
     mContext.calendar->close();
@@ -126,7 +127,9 @@ bool CalendarItemBatch::loadFolders(const QList<EasCalendarItem> &added,
     if (!concernsStored(added, updated, deleted))
         return true;
     for (auto folder = mFolders.cbegin(); folder != mFolders.cend(); ++folder) {
-        if (!mContext.storage->loadNotebookIncidences(folder.value())) {
+        // An event that the user deleted would look purged, and come back.
+        if (!mContext.storage->loadNotebookIncidences(folder.value())
+            || !mContext.storage->deletedIncidences(&mDeletedBefore, QDateTime(), folder.value())) {
             qCCritical(eas()) << "Cant load notebook incidences for collection" << folder.key();
             return false;
         }
@@ -154,7 +157,10 @@ void CalendarItemBatch::sortItems(
 bool CalendarItemBatch::isPurged(const EasCalendarItem &item) const
 {
     const QString localId = mMapping.value(item.serverId());
-    return !mContext.calendar->event(localId) && !mWriter.isDeleted(localId, folderOf(item));
+    return !mContext.calendar->event(localId)
+        && std::none_of(mDeletedBefore.cbegin(), mDeletedBefore.cend(), [&](const Incidence::Ptr &incidence) {
+               return incidence->uid() == localId && !incidence->hasRecurrenceId();
+           });
 }
 
 void CalendarItemBatch::takePurged(
@@ -245,10 +251,7 @@ bool CalendarItemBatch::deleteEvent(const QString &serverId, const QString &loca
 {
     const Event::Ptr event = mContext.calendar->event(localId);
     if (!event) {
-        const QString folder = mFolders.value(mCollectionsOfDeleted.value(serverId));
-        Incidence::List deleted;
-        mContext.storage->deletedIncidences(&deleted, QDateTime(), folder);
-        for (const Incidence::Ptr &incidence : qAsConst(deleted)) {
+        for (const Incidence::Ptr &incidence : qAsConst(mDeletedBefore)) {
             if (incidence->uid() != localId)
                 continue;
             qCInfo(eas()) << "Event was already locally deleted:" << localId;

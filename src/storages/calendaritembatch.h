@@ -39,7 +39,7 @@ private:
     bool concernsStored(const QList<EasCalendarItem> &added, const QList<EasCalendarItem> &updated,
         const QStringList &deleted) const;
     bool loadFolders(const QList<EasCalendarItem> &added, const QList<EasCalendarItem> &updated,
-        const QStringList &deleted) const;
+        const QStringList &deleted);
     QString folderOf(const EasCalendarItem &item) const;
     void sortItems(QList<EasCalendarItem> &added, QList<EasCalendarItem> &updated, QStringList &replaced);
     void takeRepeated(
@@ -61,6 +61,7 @@ private:
     QMap<QString, QString> mMapping;
     /** Collections of the reply and their notebooks. */
     QMap<QString, QString> mFolders;
-    QMap<QString, QString> mCollectionsOfDeleted;
+    /** What the user has deleted, and the server does not know of yet. */
+    KCalendarCore::Incidence::List mDeletedBefore;
     KCalendarCore::Incidence::List mDeleted;
 };

@@ -284,10 +284,24 @@ private Q_SLOTS:
         QVERIFY(!mChanges->syncTime(QStringLiteral("no notebook"), time));
 
         // A notebook that somebody else removed.
-        LogCollector log;
-        const mKCal::Notebook::Ptr stranger = mKCal::Notebook::Ptr::create(*mScene->notebook);
         QVERIFY(mScene->context.storage->deleteNotebook(mScene->notebook));
         QVERIFY(!mChanges->setSyncTime(mScene->notebookUid, mLastSync));
+    }
+
+    void aSyncTimeThatCannotBeStoredIsTold()
+    {
+        const QString connection = QStringLiteral("calendar-behind-its-back");
+        {
+            QSqlDatabase database = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), connection);
+            database.setDatabaseName(mScene->databaseName());
+            QVERIFY(database.open());
+            QVERIFY(QSqlQuery(database).exec(QStringLiteral("ALTER TABLE notebooks RENAME TO hidden")));
+        }
+        QSqlDatabase::removeDatabase(connection);
+        const LogCollector log;
+        QVERIFY(!mChanges->setSyncTime(mScene->notebookUid, mLastSync));
+        QVERIFY(log.contains(QtWarningMsg,
+            { QStringLiteral(" failed to update notebook"), QStringLiteral("in setSyncTime") }));
     }
 
     void changedFoldersAreNamed()
