@@ -153,7 +153,26 @@ void CalendarLocalQuery::insertItem(const Event::Ptr &event, bool isNew)
         qCWarning(eas()) << "failed to convert new item:" << event->uid();
         return;
     }
+    // Its exceptions stay behind: to the next search, whoever makes it, each of them is a change.
+    if (isNew && !exceptionsGoInSeries() && item.hasExceptions())
+        item.setLocalTimestamp(stampBefore(event->uid()));
     (isNew ? mAdded : mUpdated).insert(event->uid(), item);
+}
+
+bool CalendarLocalQuery::exceptionsGoInSeries() const
+{
+    return !mContext.account || mContext.account->protocolVersion() < ExchangeActiveSync::ProtocolVersion160;
+}
+
+uint CalendarLocalQuery::stampBefore(const QString &uid) const
+{
+    uint oldest = mTimestamps.eventTimestamp(uid);
+    if (const Event::Ptr series = mContext.calendar->event(uid)) {
+        const Event::List parts = Event::List { series } + mContext.calendar->eventInstances(series);
+        for (const Event::Ptr &part : parts)
+            oldest = qMin(oldest, CalendarTimestamps::timeToStamp(part->lastModified()));
+    }
+    return qMax(1U, oldest) - 1;
 }
 
 bool CalendarLocalQuery::makeItem(const Event::Ptr &event, bool withExceptions, EasCalendarItem &item)
@@ -267,10 +286,8 @@ void CalendarLocalQuery::applyToSeries(const Event::Ptr &exception, bool deleted
             CalendarEventProperties::occurrenceKey(*series, exception->recurrenceId())))
         return;
     // Where exceptions travel within their series, those that are left out would be taken for removed.
-    const bool withExceptions =
-        !mContext.account || mContext.account->protocolVersion() < ExchangeActiveSync::ProtocolVersion160;
     EasCalendarItem item;
-    if (!makeItem(copyOf(series), withExceptions, item) || item.serverId().isEmpty()) {
+    if (!makeItem(copyOf(series), exceptionsGoInSeries(), item) || item.serverId().isEmpty()) {
         qCWarning(eas()) << "failed to convert item:" << uid;
         return;
     }
@@ -283,10 +300,8 @@ void CalendarLocalQuery::applyToSeries(const Event::Ptr &exception, bool deleted
 
 void CalendarLocalQuery::expectDeletions()
 {
-    const bool inSeries =
-        !mContext.account || mContext.account->protocolVersion() < ExchangeActiveSync::ProtocolVersion160;
     // From 16.0 on a new series goes up without its exceptions, and they follow in an upload of their own.
-    const QStringList uids = mUpdated.keys() + (inSeries ? mAdded.keys() : QStringList());
+    const QStringList uids = mUpdated.keys() + (exceptionsGoInSeries() ? mAdded.keys() : QStringList());
     for (const QString &uid : uids) {
         const Event::Ptr series = mContext.calendar->event(uid);
         Incidence::List exceptions;

@@ -82,6 +82,43 @@ private Q_SLOTS:
         QVERIFY(found.added.constFirst().exceptions().constFirst().itemChanged());
     }
 
+    void exceptionsOfANewSeriesFollowWhateverComesBetween_data() { aNewExceptionOfAnUnchangedSeries_data(); }
+
+    void exceptionsOfANewSeriesFollowWhateverComesBetween()
+    {
+        QFETCH(int, version);
+        setVersion(ProtocolVersion(version));
+        const bool goAlone = version >= ProtocolVersion160;
+        const Event::Ptr series = CalendarScene::makeSeries(QStringLiteral("series-1"), mLastSync + 10);
+        series->recurrence()->addExDateTime(series->dtStart().addDays(4));
+        series->setLastModified(QDateTime::fromSecsSinceEpoch(mLastSync + 10, Qt::UTC));
+        QVERIFY(mScene->save(series));
+        QVERIFY(mScene->addException(QStringLiteral("series-1"), 2, QStringLiteral("moved"), mLastSync + 20));
+        Found found = query();
+        QCOMPARE(found.added.size(), 1);
+        QVERIFY(acknowledge(found));
+
+        // The request that brought the series up has ended, or the whole daemon.
+        mChanges = std::make_unique<CalendarLocalChanges>(mScene->context);
+        found = query(mLastSync + 1000);
+        QVERIFY(found.added.isEmpty());
+        QCOMPARE(found.updated.size(), goAlone ? 1 : 0);
+        if (goAlone) {
+            QStringList changed;
+            const QList<EasCalendarItem> exceptions = found.updated.constFirst().exceptions();
+            for (const EasCalendarItem &exception : exceptions) {
+                QVERIFY(exception.itemChanged());
+                changed.append(exception.exceptionStartTime() + QLatin1Char('-')
+                    + QString::number(exception.exceptionDeleted()));
+            }
+            changed.sort();
+            QCOMPARE(changed,
+                QStringList({ QStringLiteral("20240503T080000Z-0"), QStringLiteral("20240505T080000Z-1") }));
+            QVERIFY(acknowledge(found));
+        }
+        QVERIFY(query().isEmpty());
+    }
+
     void aDeletedException_data() { aNewExceptionOfAnUnchangedSeries_data(); }
 
     void aDeletedException()
