@@ -184,8 +184,20 @@ void CalendarItemBatch::takePurged(
     updated = kept;
 }
 
+bool CalendarItemBatch::isEditedHere(const EasCalendarItem &item)
+{
+    const QString folder = folderOf(item);
+    auto timestamps = mTimestamps.find(folder);
+    if (timestamps == mTimestamps.end()) {
+        timestamps = mTimestamps.emplace(folder, CalendarTimestamps(mContext)).first;
+        if (!timestamps->second.updateTimestampCache(folder))
+            qCWarning(eas()) << "Cant load notebook incidences for collection" << item.collectionId();
+    }
+    return timestamps->second.isChanged(mMapping.value(item.serverId()));
+}
+
 void CalendarItemBatch::takeRepeated(
-    QList<EasCalendarItem> &added, QList<EasCalendarItem> &updated, QStringList &replaced) const
+    QList<EasCalendarItem> &added, QList<EasCalendarItem> &updated, QStringList &replaced)
 {
     QMap<QString, EasCalendarItem> fresh;
     QStringList order;
@@ -193,7 +205,10 @@ void CalendarItemBatch::takeRepeated(
         const QString serverId = item.serverId();
         if (mMapping.contains(serverId) && !replaced.contains(serverId)) {
             if (!isPurged(item)) {
-                updated.append(item);
+                if (isEditedHere(item))
+                    qCInfo(eas()) << "the server repeats what was changed here since:" << serverId;
+                else
+                    updated.append(item);
                 continue;
             }
             replaced.append(serverId);

@@ -2,11 +2,14 @@
 #pragma once
 
 #include "storages/calendareventwriter.h"
+#include "storages/calendartimestamps.h"
 
 #include <KCalendarCore/Incidence>
 
 #include <QMap>
 #include <QStringList>
+
+#include <map>
 
 class CalendarLocalChanges;
 
@@ -14,10 +17,11 @@ class CalendarLocalChanges;
  * Writes the items of one reply to the device's calendar and saves them.
  *
  * The store is written before the mapping database, so the server's answer can come again after an
- * interruption: an added item that is known already is taken for a change, and a changed one whose event is
- * gone is added anew. An item that cannot be understood (its start is no time, its series no rule) is left
- * out with a log line, as nobody would gain if it stopped the calendar for good; a store that fails makes the
- * batch fail, and all of it comes again. A value for one reply; main thread only.
+ * interruption: an added item that is known already is taken for a change, unless the user has changed it
+ * since, and a changed one whose event is gone is added anew. An item that cannot be understood (its start is
+ * no time, its series no rule) is left out with a log line, as nobody would gain if it stopped the calendar
+ * for good; a store that fails makes the batch fail, and all of it comes again. A value for one reply; main
+ * thread only.
  */
 class CalendarItemBatch
 {
@@ -42,11 +46,12 @@ private:
         const QStringList &deleted);
     QString folderOf(const EasCalendarItem &item) const;
     void sortItems(QList<EasCalendarItem> &added, QList<EasCalendarItem> &updated, QStringList &replaced);
-    void takeRepeated(
-        QList<EasCalendarItem> &added, QList<EasCalendarItem> &updated, QStringList &replaced) const;
+    void takeRepeated(QList<EasCalendarItem> &added, QList<EasCalendarItem> &updated, QStringList &replaced);
     void takePurged(
         QList<EasCalendarItem> &added, QList<EasCalendarItem> &updated, QStringList &replaced) const;
     bool isPurged(const EasCalendarItem &item) const;
+    /** Whether the user has changed the event since its last upload or download. */
+    bool isEditedHere(const EasCalendarItem &item);
     bool handleAddedCalendarItems(QList<EasCalendarItem> &items) const;
     bool handleUpdatedCalendarItems(QList<EasCalendarItem> &items) const;
     bool handleDeletedCalendarItems(const QStringList &serverIds);
@@ -61,6 +66,8 @@ private:
     QMap<QString, QString> mMapping;
     /** Collections of the reply and their notebooks. */
     QMap<QString, QString> mFolders;
+    /** By notebook, as the store was before the reply. */
+    std::map<QString, CalendarTimestamps> mTimestamps;
     /** What the user has deleted, and the server does not know of yet. */
     KCalendarCore::Incidence::List mDeletedBefore;
     KCalendarCore::Incidence::List mDeleted;

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
+#include "application/easdatabase.h"
+#include "protocol/wbxmltokens.h"
 #include "support/devicecalendar.h"
 #include "support/sampleevents.h"
 #include "support/synctestbed.h"
@@ -10,6 +12,12 @@
 
 using Simulator::Event;
 using Simulator::Override;
+
+namespace {
+
+constexpr int MoreThanOneWindow = 150;
+
+} // namespace
 
 /** @short What the user does to the calendar reaches the server once, whatever comes between. */
 class EventUploadTest : public QObject
@@ -59,6 +67,56 @@ private:
         event->setCreated(bed.clock().currentDateTimeUtc());
         stamp(bed, event);
         return device.storage->save();
+    }
+
+    /** Six days; the second has a subject of its own, the third is left out. */
+    static bool addSeriesOnDevice(SyncTestBed &bed)
+    {
+        if (!addOnDevice(bed, QStringLiteral("Series")))
+            return false;
+        DeviceCalendar device;
+        const KCalendarCore::Event::Ptr series = device.series(bed.accountId()).constFirst();
+        series->recurrence()->setDaily(1);
+        series->recurrence()->setDuration(6);
+        series->recurrence()->addExDateTime(series->dtStart().addDays(2));
+        const KCalendarCore::Event::Ptr exception =
+            device.occurrence(series, series->dtStart().date().addDays(1));
+        exception->setSummary(QStringLiteral("Moved"));
+        device.calendar->addEvent(exception, device.notebookOf(bed.accountId()));
+        exception->setCreated(bed.clock().currentDateTimeUtc());
+        stamp(bed, exception);
+        stamp(bed, series);
+        return device.storage->save();
+    }
+
+    static QString seriesOnDevice(SyncTestBed &bed)
+    {
+        DeviceCalendar device;
+        const KCalendarCore::Event::List all = device.series(bed.accountId());
+        if (all.size() != 1)
+            return QStringLiteral("%1 events").arg(all.size());
+        const KCalendarCore::Event::Ptr series = all.constFirst();
+        const KCalendarCore::Event::List exceptions = device.calendar->eventInstances(series);
+        QStringList parts;
+        for (const KCalendarCore::Event::Ptr &exception : exceptions)
+            parts.append(exception->summary());
+        if (!series->recursAt(series->dtStart().addDays(2)))
+            parts.append(QStringLiteral("without the third"));
+        return parts.join(QStringLiteral(", "));
+    }
+
+    static QString occurrencesOf(const Event &event)
+    {
+        QStringList parts;
+        for (const auto &exception : event.exceptions) {
+            if (!exception.isDeleted)
+                parts.append(event.detailsOf(exception).subject);
+        }
+        for (const auto &exception : event.exceptions) {
+            if (exception.isDeleted)
+                parts.append(QStringLiteral("without the third"));
+        }
+        return parts.join(QStringLiteral(", "));
     }
 
     static bool editOnDevice(SyncTestBed &bed, const QString &summary, const QString &location)
@@ -131,6 +189,51 @@ private Q_SLOTS:
         QVERIFY(nothingMoreGoesUp(bed));
         QCOMPARE(deviceSubjects(), expected);
         QCOMPARE(bed.server().failures(), QStringList());
+    }
+
+    void aNewSeriesKeepsItsOccurrences_data()
+    {
+        QTest::addColumn<QString>("version");
+        QTest::addColumn<bool>("keyIsStored");
+        for (const char *version : { "16.0", "16.1" }) {
+            QTest::addRow("%s", version) << QString::fromLatin1(version) << true;
+            QTest::addRow("%s, without the key", version) << QString::fromLatin1(version) << false;
+        }
+    }
+
+    void aNewSeriesKeepsItsOccurrences()
+    {
+        QFETCH(QString, version);
+        QFETCH(bool, keyIsStored);
+        SyncTestBed bed({ version }, SyncTestBed::everyService());
+        QVERIFY(bed.isReady());
+        QCOMPARE(bed.sync(), 0);
+        QVERIFY(addSeriesOnDevice(bed));
+        EasFolderItem before =
+            EasDatabase::instance()->folderItemByServerId(bed.accountId(), bed.calendarId());
+
+        // The series goes up, but mail that does not come keeps its occurrences from following.
+        for (int number = 0; number < MoreThanOneWindow; ++number)
+            bed.mailbox().deliver(bed.mailbox().inboxId(), SyncTestBed::message(QString::number(number)));
+        bed.server().overrideNext(QStringLiteral("Sync"), Override());
+        for (int attempt = 0; attempt < 10; ++attempt) // More often than a request is repeated.
+            bed.server().overrideNext(QStringLiteral("Sync"), Override::httpStatus(500));
+        QVERIFY(bed.sync() != 0);
+        bed.server().clearScript();
+        if (!keyIsStored) {
+            before.appendChangedField(Wbxml::AirSync::SyncKey.key());
+            QVERIFY(EasDatabase::instance()->updateFolderItems(bed.accountId(), { before }));
+        }
+        bed.restartEngine();
+        for (int round = 0; round < 3; ++round) {
+            bed.clock().advance(5000);
+            QCOMPARE(bed.sync(), 0);
+        }
+        const QVector<Event> events = bed.serverEvents();
+        QCOMPARE(events.size(), 1);
+        QCOMPARE(seriesOnDevice(bed), QStringLiteral("Moved, without the third"));
+        QCOMPARE(occurrencesOf(events.constFirst()), QStringLiteral("Moved, without the third"));
+        QVERIFY(nothingMoreGoesUp(bed));
     }
 
     void aLostAnswerDoublesNothing_data() { versions(); }

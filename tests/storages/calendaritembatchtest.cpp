@@ -46,6 +46,21 @@ private Q_SLOTS:
         QCOMPARE(rows(), 1);
     }
 
+    void aRepeatedAddLeavesWhatTheUserMadeOfIt()
+    {
+        QVERIFY(mBed->add(mBed->item()));
+        QVERIFY(mBed->add(mBed->item(QStringLiteral("5:2"))));
+        edit([](const Event::Ptr &event) { event->setSummary(QStringLiteral("Mine")); });
+        QList<EasCalendarItem> repeated { mBed->item(), mBed->item(QStringLiteral("5:2")) };
+        repeated[1].setSubject(QStringLiteral("Theirs"));
+        QList<EasCalendarItem> none;
+        QVERIFY(mBed->apply(repeated, none));
+        QCOMPARE(mBed->events().size(), 2);
+        QCOMPARE(mBed->event()->summary(), QStringLiteral("Mine"));
+        QCOMPARE(mBed->event(QStringLiteral("5:2"))->summary(), QStringLiteral("Theirs"));
+        QCOMPARE(localChanges(), QStringList({ QStringLiteral("~Mine") }));
+    }
+
     void anAddThatComesTwiceInOneReplyIsOne()
     {
         QList<EasCalendarItem> added { mBed->item(), mBed->item() };
