@@ -52,7 +52,7 @@ private:
     }
 };
 
-/** One account whose store of a class is a stub, and the handler of that class over it. */
+/** One account whose store of a class is a recording double, and the handler of that class over it. */
 template <class Handler, class Store> class Scene
 {
 public:
