@@ -39,8 +39,7 @@ public:
     /** Makes the account and starts the engine; false if it cannot. */
     bool start(const AccountOptions &options);
 
-    /** Stores another password when the engine does not fetch one, which the sign-on service would put back.
-     */
+    /** Stores another password once the engine fetches none, as what it began with would be put back. */
     bool changePassword(const QString &password);
 
     /** Starts a full sync and returns its identifier. */
