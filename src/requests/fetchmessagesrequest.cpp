@@ -11,6 +11,10 @@
 #include "requests/mailserverids.h"
 #include "storages/mailstorage.h"
 
+#include <QSet>
+
+#include <algorithm>
+
 namespace {
 
 constexpr uint AttachmentPartSize = 65536;
@@ -116,12 +120,13 @@ void FetchMessagesRequest::processCommandSuccess()
     const QSharedPointer<MailStorage> storage = mailStorage();
     if (!storage)
         return completeWith(RequestStatusInternalError);
+    const int failure = firstItemFailure();
     // A message that was asked for and not even refused is no success.
-    const bool isComplete = fetchCommand()->fetchItems().size() >= mPendingFolders.first().size();
-    const bool updated = mLocation.isEmpty() ? updateMessages(*storage) : updateBody(*storage);
+    const bool isComplete = failure != RequestStatusSuccess || answersAll(*storage);
+    const bool updated = mLocation.isEmpty() ? updateMessages(*storage) : isComplete && updateBody(*storage);
     if (!updated || !isComplete)
         return completeWith(RequestStatusInternalError);
-    setStatus(firstItemFailure());
+    setStatus(failure);
     dropCommand();
     mPendingFolders.removeFirst();
     if (!successfullyFinished())
@@ -161,14 +166,21 @@ bool FetchMessagesRequest::updateMessages(MailStorage &storage)
     return true;
 }
 
-bool FetchMessagesRequest::receivedItems(QList<EasEmailItem> &items)
+MailServerIds FetchMessagesRequest::receivedIds() const
 {
-    const QList<ItemOperationsFetchItem> fetched = fetchCommand()->fetchItems();
     QList<MailServerIds::Item> named;
+    const QList<ItemOperationsFetchItem> fetched = fetchCommand()->fetchItems();
     for (const ItemOperationsFetchItem &fetch : fetched)
         named.append({ fetch.collectionId(), fetch.serverId() });
     MailServerIds ids(accountId());
     ids.lookUp(named);
+    return ids;
+}
+
+bool FetchMessagesRequest::receivedItems(QList<EasEmailItem> &items)
+{
+    const MailServerIds ids = receivedIds();
+    const QList<ItemOperationsFetchItem> fetched = fetchCommand()->fetchItems();
     for (const ItemOperationsFetchItem &fetch : fetched) {
         if (fetch.status() > Eas::ItemOperationsStatusSuccess)
             continue;
@@ -193,6 +205,21 @@ int FetchMessagesRequest::firstItemFailure() const
         }
     }
     return RequestStatusSuccess;
+}
+
+bool FetchMessagesRequest::answersAll(MailStorage &storage) const
+{
+    const MailServerIds ids = receivedIds();
+    QSet<QString> answered;
+    const QList<ItemOperationsFetchItem> fetched = fetchCommand()->fetchItems();
+    for (const ItemOperationsFetchItem &fetch : fetched) {
+        answered.insert(fetch.longId().isEmpty()
+                ? ids.kept(fetch.collectionId(), fetch.serverId())
+                : storage.serverUidFromMessageId(fetchCommand()->getLocalIdByLongId(fetch.longId())));
+    }
+    const QList<quint64> &asked = mPendingFolders.first();
+    return std::all_of(asked.cbegin(), asked.cend(),
+        [&](quint64 messageId) { return answered.contains(storage.serverUidFromMessageId(messageId)); });
 }
 
 void FetchMessagesRequest::downloadNextAttachment()

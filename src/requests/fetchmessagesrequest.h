@@ -9,6 +9,7 @@
 #include <QStringList>
 
 class FetchPartRequest;
+class MailServerIds;
 class MailStorage;
 
 /**
@@ -44,8 +45,12 @@ private:
     QList<QList<quint64>> messagesByFolder(MailStorage &storage);
     bool updateBody(MailStorage &storage);
     bool updateMessages(MailStorage &storage);
+    /** The identifiers of the messages of the reply. */
+    MailServerIds receivedIds() const;
     bool receivedItems(QList<EasEmailItem> &items);
     int firstItemFailure() const;
+    /** Whether the reply has each message that was asked for, as it was named. */
+    bool answersAll(MailStorage &storage) const;
     void downloadNextAttachment();
     /** False, logged, if the mail store has gone. */
     bool queueAttachments();

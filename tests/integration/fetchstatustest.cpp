@@ -33,6 +33,8 @@ private Q_SLOTS:
     void aFileThatIsRefusedEndsItWithThatStatus();
     void aFileThatTheServerHasNoMoreIsNotStored();
     void aMessageThatIsRefusedEndsItWithThatStatus();
+    void anAnswerAboutAnotherMessageIsNone_data();
+    void anAnswerAboutAnotherMessageIsNone();
 
 private:
     static void kinds();
@@ -191,6 +193,34 @@ void FetchStatusTest::aMessageThatIsRefusedEndsItWithThatStatus()
     // The files of what was refused are not asked for either.
     QCOMPARE(count(bed, "ItemOperations"), 1);
     QCOMPARE(bed.deviceState(), before);
+    QVERIFY(!hasFile(message, 0));
+}
+
+void FetchStatusTest::anAnswerAboutAnotherMessageIsNone_data()
+{
+    QTest::addColumn<bool>("whole");
+    QTest::newRow("for a whole message") << true;
+    QTest::newRow("for a body") << false;
+}
+
+void FetchStatusTest::anAnswerAboutAnotherMessageIsNone()
+{
+    QFETCH(bool, whole);
+    SyncTestBed bed;
+    const QString other =
+        bed.mailbox().deliver(bed.mailbox().inboxId(), SyncTestBed::message(QStringLiteral("other")));
+    const qulonglong message = receives(bed, { bytesOf(1000) });
+    const QByteArray body = devicePart(message, bodyLocation()).body().data(QMailMessageBody::Decoded);
+    bed.server().overrideNext(fetchCommand(), Override::edited([&other](Simulator::WbxmlNode &reply) {
+        Simulator::WbxmlNode *const fetch = reply.find(QStringLiteral("Response/Fetch"));
+        fetch->find(QStringLiteral("AirSync:ServerId"))->setText(other);
+        fetch->find(QStringLiteral("Properties/AirSyncBase:Body/Data"))->setText(QStringLiteral("not yours"));
+    }));
+
+    QCOMPARE(whole ? bed.downloadMessages({ message }, true) : bed.downloadPart(message, bodyLocation()), -2);
+
+    QCOMPARE(count(bed, "ItemOperations"), 1);
+    QCOMPARE(devicePart(message, bodyLocation()).body().data(QMailMessageBody::Decoded), body);
     QVERIFY(!hasFile(message, 0));
 }
 
