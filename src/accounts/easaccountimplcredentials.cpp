@@ -122,8 +122,8 @@ void EasAccountImpl::clearSignOnIdentity()
 {
     const bool again = mRetrieveAgain;
     mRetrieveAgain = false;
-    QPointer<SignOnFlow> ended = mSignOnFlow;
-    mSignOnFlow.clear();
+    QPointer<SignOnFlow> ended;
+    ended.swap(mSignOnFlow);
     if (again)
         retrieveCredentials();
     endFlow(ended);
