@@ -15,6 +15,7 @@
 
 #include <cstdio>
 #include <iostream>
+#include <optional>
 #include <string>
 
 using namespace Simulator;
@@ -44,7 +45,8 @@ std::string count(const Mailbox &mailbox)
     int exceptions = 0;
     const QVector<ItemEntry> events = mailbox.items(mailbox.folderOfType(CalendarFolder).id);
     for (const ItemEntry &entry : events) {
-        for (const EventException &exception : mailbox.value<EventItem>(entry.serverId)->exceptions)
+        const std::optional<Event> event = mailbox.value<EventItem>(entry.serverId);
+        for (const EventException &exception : event->exceptions)
             exceptions += exception.isDeleted ? 0 : 1;
     }
     int pictures = 0;
