@@ -171,7 +171,8 @@ bool EasDatabase::clearAccount(EasAccountId accountId)
     qCInfo(eas()) << "Clearing account with ID:" << accountId;
     // The key goes first: under one that still holds, the server would never send again what has gone here.
     // Rows without a key tell the next sync that this was interrupted.
-    setFolderSyncKey(accountId, ProtocolUtils::InitialSyncKey);
+    if (!setFolderSyncKey(accountId, ProtocolUtils::InitialSyncKey))
+        return false;
     if (!StoragesFactory::cleanUpAccounts({ accountId })) {
         qCWarning(eas()) << "Failed to clean up storages for account ID:" << accountId;
         return false;
