@@ -23,6 +23,13 @@ if(CCACHE_PROGRAM)
     set(CMAKE_CXX_COMPILER_LAUNCHER "${CCACHE_PROGRAM}")
 endif()
 
+# fennel_precompile(TARGET HEADER...): headers of Qt and of the standard library that nearly every file of the
+# target reads. Nothing of the tree's own belongs here: files name what they use.
+function(fennel_precompile target)
+    list(TRANSFORM ARGN REPLACE "(.+)" "<\\1>")
+    target_precompile_headers(${target} PRIVATE ${ARGN} <functional> <memory> <vector>)
+endfunction()
+
 set(FENNEL_SANITIZE "" CACHE STRING "Sanitizers, as in -fsanitize=, for example address,undefined")
 if(FENNEL_SANITIZE)
     add_compile_options(-fsanitize=${FENNEL_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=undefined)
