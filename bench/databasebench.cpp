@@ -2,7 +2,7 @@
 // How fast the mapping is written, which commits row by row, and read.
 #include "benchrow.h"
 
-#include "application/easdatabase.h"
+#include "application/mapping/easdatabase.h"
 #include "easitems/easemailitem.h"
 
 #include <QCoreApplication>

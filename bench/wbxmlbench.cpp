@@ -3,13 +3,13 @@
 #include "benchrow.h"
 
 #include "easitems/algorithms/syncresponseparser.h"
-#include "easitems/algorithms/wbxmllogger.h"
-#include "easitems/algorithms/wbxmlparserbase.h"
-#include "protocol/wbxmlabi.h"
-#include "protocol/wbxmlencoder.h"
-#include "protocol/wbxmltable.h"
-#include "protocol/wbxmltokens.h"
-#include "protocol/wbxmlvalidator.h"
+#include "protocol/wbxml/wbxmlabi.h"
+#include "protocol/wbxml/wbxmlencoder.h"
+#include "protocol/wbxml/wbxmllogger.h"
+#include "protocol/wbxml/wbxmlparserbase.h"
+#include "protocol/wbxml/wbxmltable.h"
+#include "protocol/wbxml/wbxmltokens.h"
+#include "protocol/wbxml/wbxmlvalidator.h"
 
 #include <QLoggingCategory>
 

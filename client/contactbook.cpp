@@ -4,7 +4,7 @@
 #include "client/contactview.h"
 #include "client/output.h"
 #include "easitems/easfolderitem.h"
-#include "storages/contactstoremanager.h"
+#include "storages/contacts/contactstoremanager.h"
 
 #include <QtContacts/QContactCollectionFilter>
 

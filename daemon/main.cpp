@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "application/debugtools.h"
-#include "application/easdatabase.h"
+#include "application/base/debugtools.h"
+#include "application/mapping/easdatabase.h"
 #include "application/requestmanager.h"
 #include "quitsignals.h"
 

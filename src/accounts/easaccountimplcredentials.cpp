@@ -3,9 +3,9 @@
 #include "accounts/easaccountimpl.h"
 
 #include "accounts/signonflow.h"
-#include "application/clock.h"
-#include "application/easdatabase.h"
-#include "application/logging.h"
+#include "application/base/clock.h"
+#include "application/base/logging.h"
+#include "application/mapping/easdatabase.h"
 
 #include <Accounts/Account>
 #include <SignOn/Identity>

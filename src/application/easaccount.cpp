@@ -2,7 +2,7 @@
 #include "application/easaccount.h"
 
 #include "application/alwaysonmanager.h"
-#include "application/logging.h"
+#include "application/base/logging.h"
 #include "configurations/connectionaccountconfiguration.h"
 
 namespace {

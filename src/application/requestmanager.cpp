@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "application/requestmanager.h"
 
-#include "application/clock.h"
-#include "application/debugtools.h"
+#include "application/base/clock.h"
+#include "application/base/debugtools.h"
+#include "application/base/logging.h"
 #include "application/easaccount.h"
-#include "application/logging.h"
 #include "application/networkmanager.h"
 #include "application/storagesfactory.h"
 #include "dbus/dbusinterfacethread.h"

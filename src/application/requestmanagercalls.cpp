@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 // What a client's call makes the manager build, one handler a call.
-#include "application/logging.h"
+#include "application/base/logging.h"
 #include "application/requestmanager.h"
 #include "dbus/dbusinterfacethread.h"
 #include "easitems/easitemscommon.h"

@@ -2,9 +2,9 @@
 #include "application/storagesfactory.h"
 
 #include "storages/accountstorageimpl.h"
-#include "storages/calendarstorageimpl.h"
-#include "storages/contactstorageimpl.h"
-#include "storages/mailstorageimpl.h"
+#include "storages/calendar/calendarstorageimpl.h"
+#include "storages/contacts/contactstorageimpl.h"
+#include "storages/mail/mailstorageimpl.h"
 
 AccountStorage *StoragesFactory::createAccountStorage(QObject *parent)
 {

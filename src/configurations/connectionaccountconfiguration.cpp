@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "configurations/connectionaccountconfiguration.h"
 
-#include "application/logging.h"
+#include "application/base/logging.h"
 
 namespace {
 const QLatin1String secureScheme("https");

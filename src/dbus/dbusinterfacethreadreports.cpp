@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 // The results, which leave as signals of the bus.
-#include "application/logging.h"
+#include "application/base/logging.h"
 #include "dbus/dbusinterfaceadapter.h"
 #include "dbus/dbusinterfacethread.h"
 #include "dbus/dbuspeerinterfaceadapter.h"

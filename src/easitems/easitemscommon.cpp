@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "easitems/easitemscommon.h"
 
-#include "application/enumprinter.h"
+#include "application/base/enumprinter.h"
 
 QDebug operator<<(QDebug debug, EasItemsCommon::TBoolean value)
 {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "easitems/itemscommon.h"
 
-#include "application/enumprinter.h"
+#include "application/base/enumprinter.h"
 
 QDebug operator<<(QDebug debug, ItemsCommon::TBoolean value)
 {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "easitems/timezonesearch.h"
 
-#include "application/clock.h"
+#include "application/base/clock.h"
 
 #include <algorithm>
 

@@ -2,7 +2,7 @@
 #include "protocol/airsyncoptions.h"
 
 #include "protocol/airsyncbasepreference.h"
-#include "protocol/wbxmlencoder.h"
+#include "protocol/wbxml/wbxmlencoder.h"
 
 using namespace Wbxml;
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "protocol/asprotocolitem.h"
 
-#include "application/logging.h"
+#include "application/base/logging.h"
 
 AsProtocolItem::AsProtocolItem(QObject *parent)
     : QObject(parent)

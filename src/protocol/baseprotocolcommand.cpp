@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "protocol/baseprotocolcommand.h"
 
-#include "application/debugtools.h"
-#include "application/logging.h"
+#include "application/base/debugtools.h"
+#include "application/base/logging.h"
 #include "application/networkmanager.h"
 #include "application/requestmanager.h"
 #include "protocol/protocolutils.h"

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 // What comes back to a command: progress, an answer, an error, another server's address, a doubtful
 // certificate.
-#include "application/debugtools.h"
+#include "application/base/debugtools.h"
+#include "application/base/logging.h"
 #include "application/easaccount.h"
-#include "application/logging.h"
 #include "common/easrequeststatus.h"
 #include "configurations/connectionaccountconfiguration.h"
 #include "protocol/baseprotocolcommand.h"

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 // How a command's request is set up: the URL, the headers and the certificates.
+#include "application/base/logging.h"
 #include "application/deviceinformation.h"
 #include "application/easaccount.h"
-#include "application/logging.h"
 #include "configurations/connectionaccountconfiguration.h"
 #include "protocol/baseprotocolcommand.h"
 #include "protocol/protocolutils.h"

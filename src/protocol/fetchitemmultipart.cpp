@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 // The part of FetchItemCommand that reads replies in the multipart form: a number of parts, the place of each
 // of them, and the parts, which come in pairs of a WBXML document and the data that belongs to it.
-#include "application/logging.h"
+#include "application/base/logging.h"
 #include "easitems/algorithms/itemoperationsresponseparser.h"
 #include "protocol/eas.h"
 #include "protocol/fetchitemcommand.h"

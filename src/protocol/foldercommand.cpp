@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "protocol/foldercommand.h"
 
-#include "application/logging.h"
+#include "application/base/logging.h"
 #include "easitems/algorithms/foldercommandresponseparser.h"
-#include "protocol/wbxmlencoder.h"
+#include "protocol/wbxml/wbxmlencoder.h"
 
 bool FolderCommand::encodeBody(EasAccount &, QByteArray *body)
 {

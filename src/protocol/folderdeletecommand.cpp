@@ -3,7 +3,7 @@
 
 #include "easitems/algorithms/folderdeleteresponseparser.h"
 #include "protocol/protocolutils.h"
-#include "protocol/wbxmlencoder.h"
+#include "protocol/wbxml/wbxmlencoder.h"
 
 using namespace Wbxml;
 

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "protocol/foldersynccommand.h"
 
-#include "application/logging.h"
+#include "application/base/logging.h"
 #include "easitems/algorithms/foldersyncresponseparser.h"
 #include "protocol/protocolutils.h"
-#include "protocol/wbxmlencoder.h"
+#include "protocol/wbxml/wbxmlencoder.h"
 
 #include <QDebug>
 

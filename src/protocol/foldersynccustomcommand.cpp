@@ -3,8 +3,8 @@
 
 #include "application/easaccount.h"
 #include "protocol/protocolutils.h"
-#include "protocol/wbxmlencoder.h"
-#include "protocol/wbxmltokens.h"
+#include "protocol/wbxml/wbxmlencoder.h"
+#include "protocol/wbxml/wbxmltokens.h"
 
 #include <QNetworkRequest>
 

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "protocol/optionscommand.h"
 
-#include "application/clock.h"
+#include "application/base/clock.h"
+#include "application/base/logging.h"
 #include "application/deviceinformation.h"
 #include "application/easaccount.h"
-#include "application/logging.h"
 #include "configurations/connectionaccountconfiguration.h"
 #include "protocol/protocolutils.h"
 

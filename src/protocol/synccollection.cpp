@@ -4,7 +4,7 @@
 #include "protocol/airsyncoptions.h"
 #include "protocol/protocolutils.h"
 #include "protocol/synccommandbase.h"
-#include "protocol/wbxmlencoder.h"
+#include "protocol/wbxml/wbxmlencoder.h"
 
 using namespace Wbxml;
 

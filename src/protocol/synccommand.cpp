@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "protocol/synccommand.h"
 
+#include "application/base/logging.h"
 #include "application/easaccount.h"
-#include "application/logging.h"
 #include "easitems/algorithms/syncresponseparser.h"
 #include "protocol/protocolutils.h"
 #include "protocol/synccommandbase.h"
-#include "protocol/wbxmlencoder.h"
+#include "protocol/wbxml/wbxmlencoder.h"
 
 #include <QDebug>
 

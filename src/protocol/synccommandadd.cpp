@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "protocol/synccommandadd.h"
 
-#include "application/logging.h"
+#include "application/base/logging.h"
 #include "easitems/algorithms/calendarfields.h"
 #include "easitems/algorithms/contactsfields.h"
 #include "easitems/algorithms/emailfields.h"
 #include "protocol/protocolutils.h"
-#include "protocol/wbxmlencoder.h"
+#include "protocol/wbxml/wbxmlencoder.h"
 
 #include <QDebug>
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "protocol/synccommandbasic.h"
 
-#include "application/logging.h"
-#include "protocol/wbxmlencoder.h"
+#include "application/base/logging.h"
+#include "protocol/wbxml/wbxmlencoder.h"
 
 #include <QDebug>
 

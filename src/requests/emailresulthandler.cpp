@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "requests/emailresulthandler.h"
 
+#include "application/base/logging.h"
 #include "application/easaccount.h"
-#include "application/easdatabase.h"
-#include "application/logging.h"
+#include "application/mapping/easdatabase.h"
 #include "protocol/synccollection.h"
 #include "protocol/synccommandchange.h"
 #include "protocol/synccommanddelete.h"
-#include "protocol/wbxmltokens.h"
+#include "protocol/wbxml/wbxmltokens.h"
 #include "requests/mailserverids.h"
 #include "requests/syncstate.h"
 #include "storages/mailstorage.h"

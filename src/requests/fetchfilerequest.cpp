@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "requests/fetchfilerequest.h"
 
+#include "application/base/logging.h"
 #include "application/easaccount.h"
-#include "application/logging.h"
 #include "common/exchangeactivesync.h"
 #include "protocol/eas.h"
 #include "protocol/fetchitemcommand.h"

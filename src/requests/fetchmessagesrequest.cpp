@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "requests/fetchmessagesrequest.h"
 
+#include "application/base/logging.h"
 #include "application/easaccount.h"
-#include "application/easdatabase.h"
-#include "application/logging.h"
+#include "application/mapping/easdatabase.h"
 #include "protocol/eas.h"
 #include "protocol/fetchitemcommand.h"
-#include "protocol/wbxmltokens.h"
+#include "protocol/wbxml/wbxmltokens.h"
 #include "requests/fetchpartrequest.h"
 #include "requests/mailserverids.h"
 #include "storages/mailstorage.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "requests/fetchrequest.h"
 
-#include "application/logging.h"
+#include "application/base/logging.h"
 #include "protocol/eas.h"
 #include "protocol/fetchitemcommand.h"
 #include "protocol/protocolutils.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "requests/foldercreaterequest.h"
 
-#include "application/logging.h"
+#include "application/base/logging.h"
 #include "protocol/foldercreatecommand.h"
 #include "protocol/protocolutils.h"
 

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "requests/folderhierarchychanges.h"
 
+#include "application/base/logging.h"
 #include "application/easaccount.h"
-#include "application/easdatabase.h"
-#include "application/logging.h"
-#include "protocol/wbxmltokens.h"
+#include "application/mapping/easdatabase.h"
+#include "protocol/wbxml/wbxmltokens.h"
 #include "storages/calendarstorage.h"
 #include "storages/contactstorage.h"
 #include "storages/mailstorage.h"

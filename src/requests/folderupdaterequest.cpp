@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "requests/folderupdaterequest.h"
 
-#include "application/easdatabase.h"
+#include "application/mapping/easdatabase.h"
 #include "protocol/folderupdatecommand.h"
 #include "protocol/protocolutils.h"
-#include "protocol/wbxmltokens.h"
+#include "protocol/wbxml/wbxmltokens.h"
 
 FolderUpdateRequest::FolderUpdateRequest(EasAccountId accountId, const QString &folderLocalId,
     const QString &parentLocalId, const QString &displayName, quint64 requestId, QObject *parent)

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "requests/hierarchyrequest.h"
 
-#include "application/easdatabase.h"
-#include "application/logging.h"
+#include "application/base/logging.h"
+#include "application/mapping/easdatabase.h"
 #include "protocol/foldersynccommand.h"
 #include "protocol/protocolutils.h"
 

@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "requests/moveitemsresulthandler.h"
 
+#include "application/base/logging.h"
 #include "application/easaccount.h"
-#include "application/easdatabase.h"
-#include "application/logging.h"
+#include "application/mapping/easdatabase.h"
 #include "easitems/emailserverid.h"
 #include "protocol/eas.h"
 #include "protocol/moveitemscommand.h"
 #include "protocol/moveitemsresponse.h"
-#include "protocol/wbxmltokens.h"
+#include "protocol/wbxml/wbxmltokens.h"
 #include "requests/syncstate.h"
 #include "storages/mailstorage.h"
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "requests/request.h"
 
-#include "application/clock.h"
+#include "application/base/clock.h"
+#include "application/base/logging.h"
 #include "application/easaccount.h"
-#include "application/logging.h"
 #include "application/networkmanager.h"
 #include "application/requestmanager.h"
 #include "protocol/protocolutils.h"

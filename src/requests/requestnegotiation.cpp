@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 // How a request comes by the protocol version of its account.
+#include "application/base/logging.h"
 #include "application/easaccount.h"
-#include "application/logging.h"
 #include "protocol/protocolutils.h"
 #include "requests/request.h"
 #include "requests/versionnegotiator.h"

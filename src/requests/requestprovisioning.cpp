@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 // How a request meets a server's demand for provisioning, and goes on after it.
+#include "application/base/logging.h"
 #include "application/easaccount.h"
-#include "application/logging.h"
 #include "protocol/baseprotocolcommand.h"
 #include "protocol/eas.h"
 #include "protocol/protocolutils.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 // What the statuses of a finished command make a request do.
+#include "application/base/logging.h"
 #include "application/deviceinformation.h"
-#include "application/logging.h"
 #include "protocol/baseprotocolcommand.h"
 #include "protocol/eas.h"
 #include "protocol/protocolutils.h"

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "requests/synccollectionbuilder.h"
 
+#include "application/base/logging.h"
 #include "application/easaccount.h"
-#include "application/easdatabase.h"
-#include "application/logging.h"
+#include "application/mapping/easdatabase.h"
 #include "configurations/calendaraccountconfiguration.h"
 #include "configurations/contactsaccountconfiguration.h"
 #include "configurations/emailaccountconfiguration.h"
@@ -17,7 +17,7 @@
 #include "protocol/synccommandadd.h"
 #include "protocol/synccommandchange.h"
 #include "protocol/synccommanddelete.h"
-#include "protocol/wbxmltokens.h"
+#include "protocol/wbxml/wbxmltokens.h"
 #include "requests/syncstate.h"
 #include "storages/calendarstorage.h"
 #include "storages/contactstorage.h"

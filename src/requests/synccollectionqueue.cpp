@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "requests/synccollectionqueue.h"
 
+#include "application/base/logging.h"
 #include "application/easaccount.h"
-#include "application/easdatabase.h"
-#include "application/logging.h"
+#include "application/mapping/easdatabase.h"
 #include "protocol/protocolutils.h"
-#include "protocol/wbxmltokens.h"
+#include "protocol/wbxml/wbxmltokens.h"
 #include "requests/synccollectionbuilder.h"
 #include "requests/syncstate.h"
 #include "storages/calendarstorage.h"

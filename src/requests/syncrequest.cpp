@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "requests/syncrequest.h"
 
+#include "application/base/logging.h"
 #include "application/easaccount.h"
-#include "application/logging.h"
 #include "protocol/baseprotocolcommand.h"
 #include "protocol/eas.h"
 #include "protocol/protocolutils.h"

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "requests/syncrequest.h"
 
-#include "application/clock.h"
+#include "application/base/clock.h"
+#include "application/base/logging.h"
 #include "application/easaccount.h"
-#include "application/logging.h"
 #include "protocol/eas.h"
 #include "protocol/protocolutils.h"
 #include "protocol/synccommand.h"

@@ -2,8 +2,8 @@
 #include "storages/accountstorageimpl.h"
 
 #include "accounts/easaccountimpl.h"
-#include "application/easdatabase.h"
-#include "application/logging.h"
+#include "application/base/logging.h"
+#include "application/mapping/easdatabase.h"
 
 #include <Accounts/Account>
 #include <Accounts/Manager>

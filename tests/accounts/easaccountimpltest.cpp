@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "accounts/easaccountimpl.h"
-#include "application/clock.h"
+#include "application/base/clock.h"
 #include "application/deviceinformation.h"
 #include "configurations/connectionaccountconfiguration.h"
 #include "configurations/emailaccountconfiguration.h"

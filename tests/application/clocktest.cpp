@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "application/clock.h"
+#include "application/base/clock.h"
 #include "support/testmain.h"
 
 #include <QtTest>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "application/databasestatement.h"
+#include "application/mapping/databasestatement.h"
 #include "support/logcollector.h"
 #include "support/testmain.h"
 

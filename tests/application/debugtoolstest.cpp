@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "application/debugtools.h"
-#include "application/logging.h"
+#include "application/base/debugtools.h"
+#include "application/base/logging.h"
 #include "support/logcollector.h"
 #include "support/testmain.h"
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "application/deviceinformation.h"
 #include "easitems/containers/deviceinformationcontainer.h"
-#include "protocol/wbxmlencoder.h"
+#include "protocol/wbxml/wbxmlencoder.h"
 #include "support/logcollector.h"
 #include "support/testmain.h"
 

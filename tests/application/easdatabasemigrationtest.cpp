@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "application/databasefixture.h"
-#include "application/easdatabase.h"
 #include "application/knownaccounts.h"
+#include "application/mapping/easdatabase.h"
 #include "support/logcollector.h"
 #include "support/testmain.h"
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "application/easdatabase.h"
-#include "application/clock.h"
+#include "application/mapping/easdatabase.h"
+#include "application/base/clock.h"
 #include "application/databasefixture.h"
 #include "support/logcollector.h"
 #include "support/testmain.h"

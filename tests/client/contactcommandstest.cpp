@@ -2,7 +2,7 @@
 #include "client/commandscene.h"
 #include "client/contactview.h"
 #include "client/exitstatus.h"
-#include "storages/contactstoremanager.h"
+#include "storages/contacts/contactstoremanager.h"
 #include "support/testmain.h"
 
 #include <QtContacts/QContactEmailAddress>

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "common/exchangeactivesync.h"
 #include "support/accountfactory.h"
+#include "support/buildpaths.h"
 #include "support/privatebus.h"
 #include "support/testmain.h"
 
@@ -20,7 +21,7 @@ class DaemonTest : public QObject
 private:
     std::unique_ptr<QProcess> mDaemon;
 
-    static QString program() { return QStringLiteral(FENNEL_BINARY_DIR "/bin/fennel-eas"); }
+    static QString program() { return BuildPaths::binary(QStringLiteral("bin/fennel-eas")); }
 
     void start()
     {

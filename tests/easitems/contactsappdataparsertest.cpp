@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "easitems/algorithms/contactsappdataparser.h"
 #include "easitems/algorithms/contactsfields.h"
-#include "protocol/wbxmltokens.h"
+#include "protocol/wbxml/wbxmltokens.h"
 #include "support/logcollector.h"
 #include "support/testmain.h"
 #include "support/wbxmldocument.h"

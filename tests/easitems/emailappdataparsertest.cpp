@@ -2,7 +2,7 @@
 #include "easitems/algorithms/emailappdataparser.h"
 #include "easitems/algorithms/emailfields.h"
 #include "easitems/algorithms/sharedfields.h"
-#include "protocol/wbxmltokens.h"
+#include "protocol/wbxml/wbxmltokens.h"
 #include "support/logcollector.h"
 #include "support/testmain.h"
 

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "fuzzsupport.h"
 
-#include "easitems/algorithms/wbxmllogger.h"
-#include "easitems/algorithms/wbxmlparserbase.h"
-#include "protocol/wbxmlencoder.h"
-#include "protocol/wbxmlvalidator.h"
+#include "protocol/wbxml/wbxmlencoder.h"
+#include "protocol/wbxml/wbxmllogger.h"
+#include "protocol/wbxml/wbxmlparserbase.h"
+#include "protocol/wbxml/wbxmlvalidator.h"
 
 #include <QtGlobal>
 

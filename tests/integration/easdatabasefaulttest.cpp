@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "application/easdatabase.h"
+#include "application/mapping/easdatabase.h"
+#include "support/buildpaths.h"
 #include "support/faultshim.h"
 #include "support/logcollector.h"
 #include "support/testmain.h"
@@ -81,7 +82,7 @@ private:
         QDir(QDir::homePath() + QLatin1Char('/') + QLatin1String(Path)).removeRecursively();
         QProcess process;
         process.setProcessEnvironment(shim.environment());
-        process.start(QStringLiteral(FENNEL_BINARY_DIR "/bin/database-probe"), { Path, Name });
+        process.start(BuildPaths::binary(QStringLiteral("bin/database-probe")), { Path, Name });
         if (!process.waitForFinished())
             qFatal("the probe does not end");
         if (process.exitStatus() == QProcess::NormalExit && process.exitCode() != 0)

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "application/easdatabase.h"
+#include "application/mapping/easdatabase.h"
 #include "easitems/containers/easattachmentcontainer.h"
 #include "support/devicecalendar.h"
 #include "support/sampleevents.h"

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "application/easdatabase.h"
-#include "protocol/wbxmltokens.h"
+#include "application/mapping/easdatabase.h"
+#include "protocol/wbxml/wbxmltokens.h"
 #include "support/devicecalendar.h"
 #include "support/sampleevents.h"
 #include "support/synctestbed.h"

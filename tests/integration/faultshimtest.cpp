@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "support/faultshim.h"
+#include "support/buildpaths.h"
 #include "support/testmain.h"
 
 #include <QDir>
@@ -167,7 +168,7 @@ private:
         QProcess process;
         process.setProcessEnvironment(shim.environment(base));
         process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        process.start(QStringLiteral(FENNEL_BINARY_DIR "/bin/fault-shim-probe"),
+        process.start(BuildPaths::binary(QStringLiteral("bin/fault-shim-probe")),
             { databaseFile(), QString::number(Rows) });
         if (!process.waitForFinished())
             qFatal("the probe does not end");

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "application/easdatabase.h"
+#include "application/mapping/easdatabase.h"
 #include "interop/contactlisting.h"
 #include "interop/interopbed.h"
-#include "storages/contactreader.h"
-#include "storages/contactstorecontext.h"
+#include "storages/contacts/contactreader.h"
+#include "storages/contacts/contactstorecontext.h"
 #include "support/carddavclient.h"
 #include "support/contactfixture.h"
 #include "support/realserver.h"

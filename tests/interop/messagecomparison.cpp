@@ -2,7 +2,7 @@
 #include "messagecomparison.h"
 
 #include "easitems/containers/easattachmentcontainer.h"
-#include "storages/mailattachments.h"
+#include "storages/mail/mailattachments.h"
 #include "support/imapclient.h"
 
 #include <QCryptographicHash>

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "platform/calendarfixture.h"
+#include "support/buildpaths.h"
 #include "support/testmain.h"
 
 #include <QProcess>
@@ -22,7 +23,7 @@ private:
     void start(QProcess &process, const QString &mode, const QString &argument = QString()) const
     {
         process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        process.start(QStringLiteral(FENNEL_BINARY_DIR "/bin/test-calendarstore-process"),
+        process.start(BuildPaths::binary(QStringLiteral("bin/test-calendarstore-process")),
             { mode, path(), notebookUid, argument });
     }
 

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
+#include "support/buildpaths.h"
 #include "support/contactfixture.h"
 #include "support/privatebus.h"
 #include "support/testmain.h"
@@ -34,7 +35,7 @@ private Q_SLOTS:
         QProcess other;
         other.setProcessChannelMode(QProcess::ForwardedErrorChannel);
         other.start(
-            QStringLiteral(FENNEL_BINARY_DIR "/bin/test-contacts-process"), { collection.toString() });
+            BuildPaths::binary(QStringLiteral("bin/test-contacts-process")), { collection.toString() });
         QCOMPARE(nextLine(other), QStringLiteral("ready"));
 
         store.addContact(collection, QStringLiteral("from here"));

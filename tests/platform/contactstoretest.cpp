@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/contactstoremanager.h"
+#include "storages/contacts/contactstoremanager.h"
 #include "support/contactfixture.h"
 #include "support/logcollector.h"
 #include "support/testmain.h"

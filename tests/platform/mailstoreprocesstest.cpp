@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "platform/mailfixture.h"
+#include "support/buildpaths.h"
 #include "support/privatebus.h"
 #include "support/testmain.h"
 
@@ -24,7 +25,7 @@ private:
     void start(QProcess &process, const QString &mode) const
     {
         process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        process.start(QStringLiteral(FENNEL_BINARY_DIR "/bin/test-mailstore-process"),
+        process.start(BuildPaths::binary(QStringLiteral("bin/test-mailstore-process")),
             { mode, QString::number(mAccount.toULongLong()), QString::number(mInbox.toULongLong()) });
     }
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "protocol/fetchitemcommand.h"
-#include "application/easdatabase.h"
+#include "application/mapping/easdatabase.h"
 #include "application/requestmanager.h"
 #include "dbus/dbusinterfacethread.h"
 #include "easitems/easemailitem.h"

@@ -4,7 +4,7 @@
 #include "application/deviceinformation.h"
 #include "protocol/foldersynccustomcommand.h"
 #include "protocol/protocolutils.h"
-#include "protocol/wbxmlencoder.h"
+#include "protocol/wbxml/wbxmlencoder.h"
 #include "support/logcollector.h"
 #include "support/scriptedclock.h"
 #include "support/scriptedmanager.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "easitems/algorithms/parserbase.h"
+#include "protocol/wbxml/parserbase.h"
 #include "support/logcollector.h"
 #include "support/testmain.h"
 

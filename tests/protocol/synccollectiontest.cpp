@@ -6,7 +6,7 @@
 #include "protocol/synccommandchange.h"
 #include "protocol/synccommanddelete.h"
 #include "protocol/synccommandfetch.h"
-#include "protocol/wbxmlencoder.h"
+#include "protocol/wbxml/wbxmlencoder.h"
 #include "support/logcollector.h"
 #include "support/testmain.h"
 #include "support/wbxmldocument.h"

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "easitems/algorithms/contactsfields.h"
-#include "easitems/algorithms/wbxmlparserbase.h"
 #include "protocol/uploadscene.h"
+#include "protocol/wbxml/wbxmlparserbase.h"
 #include "support/testmain.h"
 
 #include <QtTest>
 
-#include "protocol/wbxmlabi.h"
+#include "protocol/wbxml/wbxmlabi.h"
 
 using namespace Wbxml;
 using namespace ExchangeActiveSync;

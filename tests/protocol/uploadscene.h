@@ -3,7 +3,7 @@
 
 #include "protocol/synccommandadd.h"
 #include "protocol/synccommandchange.h"
-#include "protocol/wbxmlencoder.h"
+#include "protocol/wbxml/wbxmlencoder.h"
 #include "support/wbxmldocument.h"
 
 /** What tests of items on their way to the server share. */

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "easitems/algorithms/wbxmllogger.h"
-#include "easitems/algorithms/wbxmlparserbase.h"
-#include "protocol/wbxmlencoder.h"
-#include "protocol/wbxmltokens.h"
-#include "protocol/wbxmlvalidator.h"
+#include "protocol/wbxml/wbxmlencoder.h"
+#include "protocol/wbxml/wbxmllogger.h"
+#include "protocol/wbxml/wbxmlparserbase.h"
+#include "protocol/wbxml/wbxmltokens.h"
+#include "protocol/wbxml/wbxmlvalidator.h"
+#include "support/buildpaths.h"
 #include "support/logcollector.h"
 #include "support/testmain.h"
 
@@ -41,8 +42,8 @@ QByteArray readFile(const QString &path)
 QStringList corpusFiles()
 {
     QStringList files;
-    QDirIterator folder(QStringLiteral(FENNEL_SOURCE_DIR "/tests/fuzz/corpus"), { QStringLiteral("*.wbxml") },
-        QDir::Files, QDirIterator::Subdirectories);
+    QDirIterator folder(BuildPaths::source(QStringLiteral("tests/fuzz/corpus")),
+        { QStringLiteral("*.wbxml") }, QDir::Files, QDirIterator::Subdirectories);
     while (folder.hasNext())
         files.append(folder.next());
     files.sort();

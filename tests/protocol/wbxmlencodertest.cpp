@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "protocol/wbxmlencoder.h"
-#include "easitems/algorithms/wbxmlparserbase.h"
+#include "protocol/wbxml/wbxmlencoder.h"
 #include "protocol/asprotocolitem.h"
+#include "protocol/wbxml/wbxmlparserbase.h"
 #include "support/logcollector.h"
 #include "support/testmain.h"
 #include "support/wbxmlbytes.h"

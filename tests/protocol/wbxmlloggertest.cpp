@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "easitems/algorithms/wbxmllogger.h"
-#include "application/debugtools.h"
-#include "protocol/wbxmlencoder.h"
+#include "protocol/wbxml/wbxmllogger.h"
+#include "application/base/debugtools.h"
+#include "protocol/wbxml/wbxmlencoder.h"
 #include "support/logcollector.h"
 #include "support/testmain.h"
 #include "support/wbxmlbytes.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "easitems/algorithms/wbxmlparserbase.h"
+#include "protocol/wbxml/wbxmlparserbase.h"
 #include "support/logcollector.h"
 #include "support/testmain.h"
 #include "support/wbxmlbytes.h"

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "protocol/wbxmltable.h"
-#include "protocol/wbxmlabi.h"
-#include "protocol/wbxmlencoder.h"
-#include "protocol/wbxmltokens.h"
+#include "protocol/wbxml/wbxmltable.h"
+#include "protocol/wbxml/wbxmlabi.h"
+#include "protocol/wbxml/wbxmlencoder.h"
+#include "protocol/wbxml/wbxmltokens.h"
+#include "support/buildpaths.h"
 #include "support/testmain.h"
 
 #include <QRegularExpression>
@@ -23,7 +24,7 @@ struct NamedToken
 /** The constants as the header declares them. */
 QList<NamedToken> declaredTokens()
 {
-    QFile header(QStringLiteral(FENNEL_SOURCE_DIR "/src/protocol/wbxmltokens.h"));
+    QFile header(BuildPaths::source(QStringLiteral("src/protocol/wbxml/wbxmltokens.h")));
     if (!header.open(QIODevice::ReadOnly))
         return {};
     static const QRegularExpression opening(QStringLiteral("^namespace (\\w+) \\{"));
@@ -66,7 +67,7 @@ private Q_SLOTS:
 
     void declaredTokensAreThePublishedOnes()
     {
-        QFile published(QStringLiteral(FENNEL_SOURCE_DIR "/../shared/protocol/wbxml-codepages.tsv"));
+        QFile published(BuildPaths::source(QStringLiteral("../shared/protocol/wbxml-codepages.tsv")));
         if (!published.open(QIODevice::ReadOnly))
             QSKIP("the published table is not on this machine");
         QMap<uint, QString> declared;

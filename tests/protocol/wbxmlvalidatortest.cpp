@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "protocol/wbxmlvalidator.h"
+#include "protocol/wbxml/wbxmlvalidator.h"
 #include "support/testmain.h"
 #include "support/wbxmlbytes.h"
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "application/easdatabase.h"
+#include "application/mapping/easdatabase.h"
 #include "requests/foldercreaterequest.h"
 #include "requests/folderdeleterequest.h"
 #include "requests/folderupdaterequest.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "requests/mailserverids.h"
 
-#include "application/easdatabase.h"
+#include "application/mapping/easdatabase.h"
 #include "easitems/easemailitem.h"
 #include "easitems/emailserverid.h"
 #include "support/testmain.h"

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "requests/synccollectionbuilder.h"
-#include "application/easdatabase.h"
+#include "application/mapping/easdatabase.h"
 #include "protocol/airsyncbasepreference.h"
 #include "protocol/airsyncoptions.h"
 #include "protocol/synccommandadd.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
-#include "application/easdatabase.h"
+#include "application/mapping/easdatabase.h"
 #include "protocol/synccollection.h"
 #include "protocol/synccommandadd.h"
 #include "protocol/synccommandchange.h"

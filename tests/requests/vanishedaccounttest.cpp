@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "application/easdatabase.h"
+#include "application/mapping/easdatabase.h"
 #include "requests/fetchmessagesrequest.h"
 #include "requests/syncrequest.h"
 #include "support/logcollector.h"

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include "support/buildpaths.h"
+
 #include <QDir>
 #include <QString>
 
@@ -11,7 +13,7 @@
 inline QDir protocolSchemas()
 {
     const QString wanted = qEnvironmentVariable("FENNEL_PROTOCOL_SCHEMAS");
-    return QDir(wanted.isEmpty() ? QStringLiteral(FENNEL_SOURCE_DIR "/../shared/protocol/schemas") : wanted);
+    return QDir(wanted.isEmpty() ? BuildPaths::source(QStringLiteral("../shared/protocol/schemas")) : wanted);
 }
 
 /** The token table beside the folder of the schemas. */

@@ -4,6 +4,7 @@
 #include "simulator/mailboxdirectory.h"
 #include "simulator/samplemailbox.h"
 #include "simulatorclient.h"
+#include "support/buildpaths.h"
 #include "support/testmain.h"
 
 #include <QDir>
@@ -164,7 +165,7 @@ private Q_SLOTS:
 
     void theExecutableSaysWhereItListensAndObeysItsInput()
     {
-        const QString program = QStringLiteral(FENNEL_BINARY_DIR "/bin/fennel-exchange-simulator");
+        const QString program = BuildPaths::binary(QStringLiteral("bin/fennel-exchange-simulator"));
         if (!QFileInfo::exists(program))
             QSKIP("the executable is not built: build the target fennel-exchange-simulator");
         QProcess process;

@@ -2,7 +2,7 @@
 #include "storages/accountstorageimpl.h"
 
 #include "application/easaccount.h"
-#include "application/easdatabase.h"
+#include "application/mapping/easdatabase.h"
 #include "support/accountfactory.h"
 #include "support/accountregistry.h"
 #include "support/logcollector.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "storages/accountstorageimpl.h"
 
-#include "application/easdatabase.h"
+#include "application/mapping/easdatabase.h"
 #include "support/accountregistry.h"
 #include "support/logcollector.h"
 #include "support/testmain.h"

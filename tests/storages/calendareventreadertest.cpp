@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/calendareventreader.h"
+#include "storages/calendar/calendareventreader.h"
 
 #include "common/exchangeactivesync.h"
 #include "easitems/eastimezone.h"
-#include "storages/calendarattendees.h"
-#include "storages/calendareventproperties.h"
+#include "storages/calendar/calendarattendees.h"
+#include "storages/calendar/calendareventproperties.h"
 #include "support/calendarscene.h"
 #include "support/logcollector.h"
 #include "support/testmain.h"

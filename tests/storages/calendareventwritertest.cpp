@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/calendareventwriter.h"
+#include "storages/calendar/calendareventwriter.h"
 
-#include "application/easdatabase.h"
-#include "storages/calendareventproperties.h"
+#include "application/mapping/easdatabase.h"
+#include "storages/calendar/calendareventproperties.h"
 #include "support/calendarbed.h"
 #include "support/logcollector.h"
 #include "support/testmain.h"

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/calendarexceptions.h"
+#include "storages/calendar/calendarexceptions.h"
 
 #include "common/exchangeactivesync.h"
-#include "storages/calendareventproperties.h"
+#include "storages/calendar/calendareventproperties.h"
 #include "support/calendarbed.h"
 #include "support/logcollector.h"
 #include "support/testmain.h"

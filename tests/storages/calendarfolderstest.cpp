@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/calendarfolders.h"
+#include "storages/calendar/calendarfolders.h"
 
-#include "application/easdatabase.h"
-#include "protocol/wbxmltokens.h"
-#include "storages/calendarstorageimpl.h"
+#include "application/mapping/easdatabase.h"
+#include "protocol/wbxml/wbxmltokens.h"
+#include "storages/calendar/calendarstorageimpl.h"
 #include "support/calendarbed.h"
 #include "support/logcollector.h"
 #include "support/testmain.h"

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/calendaritembatch.h"
+#include "storages/calendar/calendaritembatch.h"
 
-#include "application/easdatabase.h"
-#include "storages/calendarorigin.h"
-#include "storages/calendarstorageimpl.h"
+#include "application/mapping/easdatabase.h"
+#include "storages/calendar/calendarorigin.h"
+#include "storages/calendar/calendarstorageimpl.h"
 #include "support/calendarbed.h"
 #include "support/calendarscene.h"
 #include "support/logcollector.h"

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "common/exchangeactivesync.h"
 #include "easitems/eastimezone.h"
-#include "storages/calendareventreader.h"
-#include "storages/calendarstorageimpl.h"
+#include "storages/calendar/calendareventreader.h"
+#include "storages/calendar/calendarstorageimpl.h"
 #include "support/calendarbed.h"
 #include "support/logcollector.h"
 #include "support/testmain.h"

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "storages/localchangestestbase.h"
 
-#include "storages/calendarlocalchecks.h"
-#include "storages/calendartimestamps.h"
+#include "storages/calendar/calendarlocalchecks.h"
+#include "storages/calendar/calendartimestamps.h"
 #include "support/logcollector.h"
 #include "support/testmain.h"
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/calendarrecurrence.h"
+#include "storages/calendar/calendarrecurrence.h"
 
 #include "easitems/eascalendaritem.h"
 #include "support/logcollector.h"

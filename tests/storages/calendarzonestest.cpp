@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "easitems/eastimezone.h"
-#include "storages/calendareventreader.h"
+#include "storages/calendar/calendareventreader.h"
 #include "support/calendarbed.h"
 #include "support/fixedclock.h"
 #include "support/logcollector.h"

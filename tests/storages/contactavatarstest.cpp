@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/contactavatars.h"
+#include "storages/contacts/contactavatars.h"
 #include "support/logcollector.h"
 #include "support/testmain.h"
 #include "support/testpictures.h"

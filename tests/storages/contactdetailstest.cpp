@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "easitems/algorithms/contactsfields.h"
-#include "storages/contactreader.h"
-#include "storages/contactstorecontext.h"
-#include "storages/contactwriter.h"
+#include "storages/contacts/contactreader.h"
+#include "storages/contacts/contactstorecontext.h"
+#include "storages/contacts/contactwriter.h"
 #include "support/contactaccount.h"
 #include "support/logcollector.h"
 #include "support/testmain.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/contactphonenumbers.h"
+#include "storages/contacts/contactphonenumbers.h"
 #include "support/logcollector.h"
 #include "support/testmain.h"
 

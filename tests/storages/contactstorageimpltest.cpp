@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/contactstorageimpl.h"
-#include "application/easdatabase.h"
-#include "protocol/wbxmltokens.h"
-#include "storages/contactavatars.h"
+#include "storages/contacts/contactstorageimpl.h"
+#include "application/mapping/easdatabase.h"
+#include "protocol/wbxml/wbxmltokens.h"
+#include "storages/contacts/contactavatars.h"
 #include "storages/uniqueidgenerationusecase.h"
 #include "support/contactaccount.h"
 #include "support/logcollector.h"

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
-#include "application/easdatabase.h"
-#include "storages/calendarlocalchanges.h"
+#include "application/mapping/easdatabase.h"
+#include "storages/calendar/calendarlocalchanges.h"
 #include "support/calendarscene.h"
 
 #include <QObject>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/mailattachments.h"
-#include "storages/mailbodywriter.h"
+#include "storages/mail/mailattachments.h"
+#include "storages/mail/mailbodywriter.h"
 #include "support/logcollector.h"
 #include "support/mailfixture.h"
 #include "support/testmain.h"

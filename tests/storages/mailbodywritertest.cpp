@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/mailbodywriter.h"
+#include "storages/mail/mailbodywriter.h"
 #include "easitems/containers/easbodycontainer.h"
 #include "support/logcollector.h"
 #include "support/mailfixture.h"

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/mailfolderadapter.h"
-#include "application/easdatabase.h"
-#include "protocol/wbxmltokens.h"
-#include "storages/mailfolderchanges.h"
+#include "storages/mail/mailfolderadapter.h"
+#include "application/mapping/easdatabase.h"
+#include "protocol/wbxml/wbxmltokens.h"
+#include "storages/mail/mailfolderchanges.h"
 #include "support/logcollector.h"
 #include "support/mailfixture.h"
 #include "support/testmain.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/maillocalchanges.h"
-#include "application/easdatabase.h"
-#include "protocol/wbxmltokens.h"
+#include "storages/mail/maillocalchanges.h"
+#include "application/mapping/easdatabase.h"
+#include "protocol/wbxml/wbxmltokens.h"
 #include "support/logcollector.h"
 #include "support/mailfixture.h"
 #include "support/testmain.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/mailmessagechanges.h"
-#include "protocol/wbxmltokens.h"
-#include "storages/mailattachments.h"
+#include "storages/mail/mailmessagechanges.h"
+#include "protocol/wbxml/wbxmltokens.h"
+#include "storages/mail/mailattachments.h"
 #include "support/logcollector.h"
 #include "support/mailfixture.h"
 #include "support/testmain.h"

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/mailmessagereader.h"
-#include "protocol/wbxmltokens.h"
+#include "storages/mail/mailmessagereader.h"
+#include "protocol/wbxml/wbxmltokens.h"
 #include "support/logcollector.h"
 #include "support/mailfixture.h"
 #include "support/testmain.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/mailmessagerepair.h"
-#include "storages/mailitembatch.h"
-#include "storages/mailstorageimpl.h"
+#include "storages/mail/mailmessagerepair.h"
+#include "storages/mail/mailitembatch.h"
+#include "storages/mail/mailstorageimpl.h"
 #include "support/mailfixture.h"
 #include "support/testmain.h"
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/mailmessagewriter.h"
+#include "storages/mail/mailmessagewriter.h"
 #include "common/exchangeactivesync.h"
 #include "support/logcollector.h"
 #include "support/mailfixture.h"

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/mailstorageimpl.h"
-#include "application/easdatabase.h"
+#include "storages/mail/mailstorageimpl.h"
+#include "application/mapping/easdatabase.h"
 #include "easitems/easemailitem.h"
-#include "protocol/wbxmltokens.h"
+#include "protocol/wbxml/wbxmltokens.h"
 #include "support/logcollector.h"
 #include "support/mailfixture.h"
 #include "support/testmain.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "easitems/easemailitem.h"
 #include "easitems/easfolderitem.h"
-#include "storages/mailstorageimpl.h"
+#include "storages/mail/mailstorageimpl.h"
 #include "support/fakeaccount.h"
 #include "support/logcollector.h"
 #include "support/testmain.h"

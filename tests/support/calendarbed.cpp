@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "support/calendarbed.h"
 
-#include "application/easdatabase.h"
-#include "storages/calendarstorageimpl.h"
+#include "application/mapping/easdatabase.h"
+#include "storages/calendar/calendarstorageimpl.h"
 
 #include <QDir>
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "easitems/eascalendaritem.h"
-#include "storages/calendarstorecontext.h"
+#include "storages/calendar/calendarstorecontext.h"
 #include "support/fakeaccount.h"
 #include "support/fakeconfigurations.h"
 

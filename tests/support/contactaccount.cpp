@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "support/contactaccount.h"
 
-#include "application/easdatabase.h"
+#include "application/mapping/easdatabase.h"
 
 #include <QDir>
 

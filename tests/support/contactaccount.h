@@ -3,7 +3,7 @@
 
 #include "easitems/eascontactsitem.h"
 #include "easitems/easfolderitem.h"
-#include "storages/contactstorageimpl.h"
+#include "storages/contacts/contactstorageimpl.h"
 #include "support/contactfixture.h"
 #include "support/fakeaccount.h"
 #include "support/fakeconfigurations.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "support/contactfixture.h"
 
-#include "storages/contactstoremanager.h"
+#include "storages/contacts/contactstoremanager.h"
 
 #include <qtcontacts-extensions.h>
 

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "support/contactscene.h"
 
-#include "application/easdatabase.h"
+#include "application/mapping/easdatabase.h"
 #include "easitems/algorithms/contactsfields.h"
 #include "simulator/itemshape.h"
 #include "simulator/wbxmlcodec.h"
-#include "storages/contactreader.h"
-#include "storages/contactstorecontext.h"
+#include "storages/contacts/contactreader.h"
+#include "storages/contacts/contactstorecontext.h"
 #include "support/testpictures.h"
 
 #include <QDir>

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "support/crashpim.h"
 
-#include "application/clock.h"
+#include "application/base/clock.h"
 #include "simulator/contactitem.h"
 #include "simulator/eventitem.h"
 #include "simulator/mailbox.h"
-#include "storages/calendarattachmentservice.h"
-#include "storages/contactstoremanager.h"
+#include "storages/calendar/calendarattachmentservice.h"
+#include "storages/contacts/contactstoremanager.h"
 #include "support/contactfixture.h"
 #include "support/devicecalendar.h"
 #include "support/storecheck.h"

@@ -3,6 +3,7 @@
 
 #include "common/easdbusinterfaceproxy.h"
 #include "common/exchangeactivesync.h"
+#include "support/buildpaths.h"
 #include "support/waiting.h"
 
 #include <QDBusConnection>
@@ -54,7 +55,7 @@ bool DaemonProcess::start()
         QDBusServiceWatcher::WatchForRegistration);
     connect(&watcher, &QDBusServiceWatcher::serviceRegistered, this,
         [&](const QString &name) { serves = bus->servicePid(name).value() == mProcess->processId(); });
-    mProcess->start(QStringLiteral(FENNEL_BINARY_DIR "/bin/") + program(), QStringList());
+    mProcess->start(BuildPaths::binary(QStringLiteral("bin/")) + program(), QStringList());
     startTimer();
     const bool ended = Waiting::until([&] { return serves || hasDied(); }, Patience);
     if (!ended || !serves)

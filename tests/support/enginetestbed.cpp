@@ -2,7 +2,7 @@
 #include "support/enginetestbed.h"
 
 #include "application/easaccount.h"
-#include "application/easdatabase.h"
+#include "application/mapping/easdatabase.h"
 #include "application/requestmanager.h"
 #include "support/bearer.h"
 #include "support/maillisting.h"

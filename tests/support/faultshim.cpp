@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "support/faultshim.h"
+#include "support/buildpaths.h"
 
 #include <QFile>
 
@@ -63,7 +64,7 @@ QProcessEnvironment FaultShim::environment(const QProcessEnvironment &base) cons
 {
     QProcessEnvironment environment = base;
     environment.insert(mVariables);
-    QStringList preloaded { QStringLiteral(FENNEL_FAULT_SHIM) };
+    QStringList preloaded { BuildPaths::faultShim() };
     if (base.contains(QStringLiteral("LD_PRELOAD")))
         preloaded.append(base.value(QStringLiteral("LD_PRELOAD")));
     environment.insert(QStringLiteral("LD_PRELOAD"), preloaded.join(QLatin1Char(':')));

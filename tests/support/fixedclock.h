@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
-#include "application/clock.h"
+#include "application/base/clock.h"
 
 /** The time stands still, in a zone of the test's choice; installed while it lives. */
 class FixedClock : public Clock

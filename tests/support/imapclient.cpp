@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "support/imapclient.h"
+#include "support/buildpaths.h"
 
 #include <QDebug>
 #include <QJsonArray>
@@ -68,7 +69,7 @@ QJsonArray ImapClient::run(const QJsonArray &step)
         { QStringLiteral("steps"), QJsonArray { step } } };
     QProcess process;
     process.setProcessChannelMode(QProcess::SeparateChannels);
-    process.start(QStringLiteral("python3"), { QStringLiteral(FENNEL_SOURCE_DIR "/tests/interop/imap.py") });
+    process.start(QStringLiteral("python3"), { BuildPaths::source(QStringLiteral("tests/interop/imap.py")) });
     process.write(QJsonDocument(order).toJson(QJsonDocument::Compact));
     process.closeWriteChannel();
     if (process.waitForFinished(Timeout) && process.exitStatus() == QProcess::NormalExit

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "support/mailfixture.h"
 
-#include "application/easdatabase.h"
-#include "storages/mailmessagewriter.h"
+#include "application/mapping/easdatabase.h"
+#include "storages/mail/mailmessagewriter.h"
 
 #include <qmailaccountconfiguration.h>
 #include <qmailmessagekey.h>

@@ -4,7 +4,7 @@
 #include "easitems/easemailitem.h"
 #include "easitems/easfolderitem.h"
 #include "storages/calendarstorage.h"
-#include "storages/mailstorecontext.h"
+#include "storages/mail/mailstorecontext.h"
 #include "support/fakeaccount.h"
 
 #include <qmailmessage.h>

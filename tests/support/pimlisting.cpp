@@ -4,7 +4,7 @@
 #include "simulator/contactitem.h"
 #include "simulator/eventitem.h"
 #include "simulator/mailbox.h"
-#include "storages/contactstoremanager.h"
+#include "storages/contacts/contactstoremanager.h"
 #include "support/contactfixture.h"
 #include "support/devicecalendar.h"
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "support/realserver.h"
+#include "support/buildpaths.h"
 
 #include <QCoreApplication>
 #include <QDebug>
@@ -27,7 +28,7 @@ constexpr int StopTimeout = 30000;
 QString scripts()
 {
     const QString chosen = qEnvironmentVariable("FENNEL_REALSERVER");
-    return chosen.isEmpty() ? QDir(QStringLiteral(FENNEL_SOURCE_DIR "/../shared/realserver")).absolutePath()
+    return chosen.isEmpty() ? QDir(BuildPaths::source(QStringLiteral("../shared/realserver"))).absolutePath()
                             : chosen;
 }
 

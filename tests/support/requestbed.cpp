@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "support/requestbed.h"
 
-#include "application/easdatabase.h"
+#include "application/mapping/easdatabase.h"
 #include "requests/request.h"
 #include "support/bearer.h"
 #include "support/wbxmldocument.h"

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "support/testmain.h"
+#include "support/buildpaths.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -50,12 +51,12 @@ void isolateEnvironment(const QString &home)
     folder("QMF_DATA", QStringLiteral("mail"));
     folder("CONTACTS_DATA", QStringLiteral("contacts"));
     qputenv("SSO_DAEMON_TIMEOUT", "0");
-    const QByteArray accounts = QByteArray(FENNEL_SOURCE_DIR) + "/data/accounts/";
+    const QByteArray accounts = BuildPaths::source(QStringLiteral("data/accounts/")).toLocal8Bit();
     qputenv("AG_PROVIDERS", accounts + "providers");
     qputenv("AG_SERVICES", accounts + "services");
     qputenv("AG_SERVICE_TYPES", accounts + "service_types");
     qputenv("AG_APPLICATIONS", accounts + "applications");
-    qputenv("QT_PLUGIN_PATH", FENNEL_TEST_PLUGIN_PATH);
+    qputenv("QT_PLUGIN_PATH", BuildPaths::plugins().toLocal8Bit());
     qputenv("QT_EXCLUDE_GENERIC_BEARER", "1");
     qputenv("FENNEL_TEST_BEARER_FILE", (home + QStringLiteral("/bearer")).toLocal8Bit());
     qputenv("TZ", "UTC");

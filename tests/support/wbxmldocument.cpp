@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "support/wbxmldocument.h"
 
-#include "easitems/algorithms/wbxmlparserbase.h"
-#include "protocol/wbxmlencoder.h"
+#include "protocol/wbxml/wbxmlencoder.h"
+#include "protocol/wbxml/wbxmlparserbase.h"
 
-#include "protocol/wbxmlabi.h"
+#include "protocol/wbxml/wbxmlabi.h"
 
 namespace {
 

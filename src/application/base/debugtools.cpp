@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "application/debugtools.h"
+#include "application/base/debugtools.h"
 
-#include "application/logging.h"
-#include "easitems/algorithms/wbxmllogger.h"
+#include "application/base/logging.h"
+#include "protocol/wbxml/wbxmllogger.h"
 
 #include <QSettings>
 #include <QStringList>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "application/enumprinter.h"
+#include "application/base/enumprinter.h"
 
 QDebug EnumPrinter::print(QDebug debug, const QMetaEnum &meta, int value)
 {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "application/logging.h"
+#include "application/base/logging.h"
 
 const QLoggingCategory &eas()
 {

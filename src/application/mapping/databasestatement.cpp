@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "application/databasestatement.h"
+#include "application/mapping/databasestatement.h"
 
-#include "application/logging.h"
+#include "application/base/logging.h"
 
 #include <QSqlDatabase>
 #include <QSqlError>

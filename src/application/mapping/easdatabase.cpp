@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "application/easdatabase.h"
+#include "application/mapping/easdatabase.h"
 
-#include "application/clock.h"
-#include "application/databasestatement.h"
-#include "application/logging.h"
+#include "application/base/clock.h"
+#include "application/base/logging.h"
+#include "application/mapping/databasestatement.h"
 
 #include <QCoreApplication>
 #include <QDir>

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 // Rows of accounts, and the operations that go across all tables.
-#include "application/databasestatement.h"
+#include "application/base/logging.h"
 #include "application/easaccount.h"
-#include "application/easdatabase.h"
-#include "application/logging.h"
+#include "application/mapping/databasestatement.h"
+#include "application/mapping/easdatabase.h"
 #include "application/requestmanager.h"
 #include "application/storagesfactory.h"
 #include "protocol/protocolutils.h"

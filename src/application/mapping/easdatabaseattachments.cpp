@@ -2,10 +2,10 @@
 // Rows of the attachments of events. An attachment belongs to the event, not to an account.
 //
 // Some of the texts start with the Cyrillic capital Es; they are searched for as they are.
-#include "application/databasecolumns.h"
-#include "application/databasestatement.h"
-#include "application/easdatabase.h"
-#include "application/logging.h"
+#include "application/base/logging.h"
+#include "application/mapping/databasecolumns.h"
+#include "application/mapping/databasestatement.h"
+#include "application/mapping/easdatabase.h"
 #include "easitems/containers/attachmententity.h"
 #include "easitems/containers/easattachmentcontainer.h"
 

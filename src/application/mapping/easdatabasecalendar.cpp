@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 // Rows of events.
-#include "application/databasecolumns.h"
-#include "application/databasestatement.h"
-#include "application/easdatabase.h"
-#include "application/logging.h"
+#include "application/base/logging.h"
+#include "application/mapping/databasecolumns.h"
+#include "application/mapping/databasestatement.h"
+#include "application/mapping/easdatabase.h"
 #include "easitems/eascalendaritem.h"
 
 using DatabaseColumns::column;

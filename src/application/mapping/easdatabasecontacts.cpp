@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 // Rows of contacts.
-#include "application/databasecolumns.h"
-#include "application/databasestatement.h"
-#include "application/easdatabase.h"
+#include "application/mapping/databasecolumns.h"
+#include "application/mapping/databasestatement.h"
+#include "application/mapping/easdatabase.h"
 #include "easitems/eascontactsitem.h"
 
 using DatabaseColumns::column;

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 // Rows of folders: the collections of an account.
-#include "application/databasecolumns.h"
-#include "application/databasestatement.h"
-#include "application/easdatabase.h"
-#include "application/logging.h"
-#include "protocol/wbxmltokens.h"
+#include "application/base/logging.h"
+#include "application/mapping/databasecolumns.h"
+#include "application/mapping/databasestatement.h"
+#include "application/mapping/easdatabase.h"
+#include "protocol/wbxml/wbxmltokens.h"
 
 #include <algorithm>
 #include <iterator>

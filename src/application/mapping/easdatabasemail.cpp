@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 // Rows of messages.
-#include "application/databasecolumns.h"
-#include "application/databasestatement.h"
-#include "application/easdatabase.h"
-#include "application/logging.h"
+#include "application/base/logging.h"
+#include "application/mapping/databasecolumns.h"
+#include "application/mapping/databasestatement.h"
+#include "application/mapping/easdatabase.h"
 #include "easitems/easemailitem.h"
-#include "protocol/wbxmltokens.h"
+#include "protocol/wbxml/wbxmltokens.h"
 
 using DatabaseColumns::column;
 

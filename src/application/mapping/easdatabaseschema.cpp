@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 // The tables of the mapping database, and the steps that bring an older file up to date.
-#include "application/databasestatement.h"
+#include "application/base/logging.h"
 #include "application/easaccount.h"
-#include "application/easdatabase.h"
-#include "application/logging.h"
+#include "application/mapping/databasestatement.h"
+#include "application/mapping/easdatabase.h"
 #include "application/requestmanager.h"
 #include "configurations/calendaraccountconfiguration.h"
 #include "protocol/protocolutils.h"

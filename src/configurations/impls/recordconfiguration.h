@@ -2,7 +2,7 @@
 #pragma once
 
 #include "accounts/accountrecord.h"
-#include "application/logging.h"
+#include "application/base/logging.h"
 #include "common/easaccountid.h"
 #include "configurations/impls/settingstable.h"
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "easitems/algorithms/appdataparserbase.h"
 
-#include "application/logging.h"
-#include "easitems/algorithms/parserbase.h"
+#include "application/base/logging.h"
+#include "protocol/wbxml/parserbase.h"
 
 #include <QDebug>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "easitems/algorithms/calendarfields.h"
 
-#include "application/logging.h"
+#include "application/base/logging.h"
 #include "easitems/algorithms/sharedfields.h"
 
 #include <QFile>

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "common/exchangeactivesync.h"
-#include "protocol/wbxmlencoder.h"
-#include "protocol/wbxmltokens.h"
+#include "protocol/wbxml/wbxmlencoder.h"
+#include "protocol/wbxml/wbxmltokens.h"
 
 #include <QByteArray>
 #include <QString>

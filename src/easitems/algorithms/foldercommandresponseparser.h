@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
-#include "easitems/algorithms/wbxmlparserbase.h"
-#include "protocol/wbxmltokens.h"
+#include "protocol/wbxml/wbxmlparserbase.h"
+#include "protocol/wbxml/wbxmltokens.h"
 
 /**
  * What the replies of FolderCreate, FolderDelete and FolderUpdate share: a status and the hierarchy's new key

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
-#include "easitems/algorithms/wbxmlparserbase.h"
 #include "easitems/easfolderitem.h"
+#include "protocol/wbxml/wbxmlparserbase.h"
 
 #include <QList>
 #include <QStringList>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "easitems/algorithms/itemoperationsresponseparser.h"
 
-#include "application/logging.h"
-#include "protocol/wbxmltokens.h"
+#include "application/base/logging.h"
+#include "protocol/wbxml/wbxmltokens.h"
 
 #include <QDebug>
 

@@ -2,10 +2,10 @@
 #pragma once
 
 #include "easitems/algorithms/emailappdataparser.h"
-#include "easitems/algorithms/wbxmlparserbase.h"
 #include "easitems/itemoperationsemptyfoldercontentsitem.h"
 #include "easitems/itemoperationsfetchitem.h"
 #include "easitems/itemoperationsmoveitem.h"
+#include "protocol/wbxml/wbxmlparserbase.h"
 
 #include <QList>
 

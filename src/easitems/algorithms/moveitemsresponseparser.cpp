@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "easitems/algorithms/moveitemsresponseparser.h"
 
-#include "application/logging.h"
+#include "application/base/logging.h"
 #include "protocol/eas.h"
-#include "protocol/wbxmltokens.h"
+#include "protocol/wbxml/wbxmltokens.h"
 
 #include <QDebug>
 

@@ -2,10 +2,10 @@
 // The part of SyncResponseParser that reads the items inside ApplicationData.
 #include "easitems/algorithms/syncresponseparser.h"
 
-#include "application/easdatabase.h"
-#include "application/logging.h"
+#include "application/base/logging.h"
+#include "application/mapping/easdatabase.h"
 #include "easitems/algorithms/fieldtable.h"
-#include "protocol/wbxmltokens.h"
+#include "protocol/wbxml/wbxmltokens.h"
 
 #include <QDebug>
 

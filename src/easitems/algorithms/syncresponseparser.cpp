@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "easitems/algorithms/syncresponseparser.h"
 
-#include "application/easdatabase.h"
-#include "application/logging.h"
-#include "protocol/wbxmltokens.h"
+#include "application/base/logging.h"
+#include "application/mapping/easdatabase.h"
+#include "protocol/wbxml/wbxmltokens.h"
 
 #include <QDebug>
 

@@ -4,9 +4,9 @@
 #include "easitems/algorithms/calendarappdataparser.h"
 #include "easitems/algorithms/contactsappdataparser.h"
 #include "easitems/algorithms/emailappdataparser.h"
-#include "easitems/algorithms/wbxmlparserbase.h"
 #include "easitems/itemscommon.h"
 #include "protocol/synccollection.h"
+#include "protocol/wbxml/wbxmlparserbase.h"
 
 /**
  * Reads the reply of a Sync into collections with typed items.

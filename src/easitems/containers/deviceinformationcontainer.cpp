@@ -2,8 +2,8 @@
 #include "easitems/containers/deviceinformationcontainer.h"
 
 #include "application/deviceinformation.h"
-#include "protocol/wbxmlencoder.h"
-#include "protocol/wbxmltokens.h"
+#include "protocol/wbxml/wbxmlencoder.h"
+#include "protocol/wbxml/wbxmltokens.h"
 
 namespace {
 

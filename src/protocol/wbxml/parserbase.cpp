@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "easitems/algorithms/parserbase.h"
+#include "protocol/wbxml/parserbase.h"
 
-#include "application/logging.h"
+#include "application/base/logging.h"
 
 ParserBase::ParserBase(QObject *parent)
     : QObject(parent)

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "protocol/utf8.h"
+#include "protocol/wbxml/utf8.h"
 
 #include <QtGlobal>
 

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "protocol/wbxmlencoder.h"
+#include "protocol/wbxml/wbxmlencoder.h"
 
-#include "application/logging.h"
-#include "easitems/algorithms/wbxmlxmlwriter.h"
-#include "protocol/wbxmlabi.h"
-#include "protocol/wbxmltable.h"
+#include "application/base/logging.h"
+#include "protocol/wbxml/wbxmlabi.h"
+#include "protocol/wbxml/wbxmltable.h"
+#include "protocol/wbxml/wbxmlxmlwriter.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
-#include "protocol/wbxmltokens.h"
+#include "protocol/wbxml/wbxmltokens.h"
 
 #include <QByteArray>
 #include <QObject>

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "easitems/algorithms/wbxmllogger.h"
+#include "protocol/wbxml/wbxmllogger.h"
 
-#include "protocol/wbxmlabi.h"
-#include "protocol/wbxmlencoder.h"
-#include "protocol/wbxmltokens.h"
+#include "protocol/wbxml/wbxmlabi.h"
+#include "protocol/wbxml/wbxmlencoder.h"
+#include "protocol/wbxml/wbxmltokens.h"
 
 using namespace Wbxml;
 

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "easitems/algorithms/wbxmlparserbase.h"
+#include "protocol/wbxml/wbxmlparserbase.h"
 
-#include "application/logging.h"
-#include "protocol/wbxmlabi.h"
-#include "protocol/wbxmltable.h"
-#include "protocol/wbxmlvalidator.h"
+#include "application/base/logging.h"
+#include "protocol/wbxml/wbxmlabi.h"
+#include "protocol/wbxml/wbxmltable.h"
+#include "protocol/wbxml/wbxmlvalidator.h"
 
 #include <memory>
 

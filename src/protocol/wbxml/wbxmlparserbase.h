@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
-#include "easitems/algorithms/parserbase.h"
+#include "protocol/wbxml/parserbase.h"
 
 /**
  * Feeds a parser from WBXML bytes.

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "protocol/wbxmltable.h"
+#include "protocol/wbxml/wbxmltable.h"
 
-#include "protocol/wbxmlabi.h"
-#include "protocol/wbxmltokens.h"
+#include "protocol/wbxml/wbxmlabi.h"
+#include "protocol/wbxml/wbxmltokens.h"
 
 #include <algorithm>
 #include <array>

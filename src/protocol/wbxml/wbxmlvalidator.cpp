@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "protocol/wbxmlvalidator.h"
+#include "protocol/wbxml/wbxmlvalidator.h"
 
-#include "protocol/utf8.h"
+#include "protocol/wbxml/utf8.h"
 
 #include <algorithm>
 #include <cstring>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "easitems/algorithms/wbxmlxmlwriter.h"
+#include "protocol/wbxml/wbxmlxmlwriter.h"
 
-#include "protocol/wbxmlabi.h"
-#include "protocol/wbxmltable.h"
+#include "protocol/wbxml/wbxmlabi.h"
+#include "protocol/wbxml/wbxmltable.h"
 
 WbxmlXmlWriter::WbxmlXmlWriter(QObject *parent)
     : WbxmlParserBase(parent)

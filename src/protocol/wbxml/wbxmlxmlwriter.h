@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
-#include "easitems/algorithms/wbxmlparserbase.h"
+#include "protocol/wbxml/wbxmlparserbase.h"
 
 struct WBXMLTree;
 struct WBXMLTreeNode;

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/calendarattachmentuploads.h"
+#include "storages/calendar/calendarattachmentuploads.h"
 
 #include "application/easaccount.h"
-#include "application/easdatabase.h"
-#include "storages/calendarattachmentservice.h"
-#include "storages/calendarstorecontext.h"
+#include "application/mapping/easdatabase.h"
+#include "storages/calendar/calendarattachmentservice.h"
+#include "storages/calendar/calendarstorecontext.h"
 
 CalendarAttachmentUploads::CalendarAttachmentUploads(const CalendarStoreContext &context)
     : mContext(context)

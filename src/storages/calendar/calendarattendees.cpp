@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/calendarattendees.h"
+#include "storages/calendar/calendarattendees.h"
 
 #include "common/exchangeactivesync.h"
-#include "storages/calendareventproperties.h"
+#include "storages/calendar/calendareventproperties.h"
 
 using KCalendarCore::Attendee;
 using KCalendarCore::Event;

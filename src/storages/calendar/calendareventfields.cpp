@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/calendareventfields.h"
+#include "storages/calendar/calendareventfields.h"
 
-#include "application/logging.h"
+#include "application/base/logging.h"
 #include "common/exchangeactivesync.h"
 #include "easitems/containers/easattendeecontainer.h"
 #include "easitems/containers/easbodycontainer.h"
-#include "storages/calendarattachmentservice.h"
-#include "storages/calendarattendees.h"
-#include "storages/calendareventproperties.h"
+#include "storages/calendar/calendarattachmentservice.h"
+#include "storages/calendar/calendarattendees.h"
+#include "storages/calendar/calendareventproperties.h"
 
 #include <optional>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/calendareventproperties.h"
+#include "storages/calendar/calendareventproperties.h"
 
 #include "common/exchangeactivesync.h"
 

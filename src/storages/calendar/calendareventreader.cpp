@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/calendareventreader.h"
+#include "storages/calendar/calendareventreader.h"
 
+#include "application/base/logging.h"
 #include "application/easaccount.h"
-#include "application/easdatabase.h"
-#include "application/logging.h"
+#include "application/mapping/easdatabase.h"
 #include "common/exchangeactivesync.h"
 #include "easitems/eastimezone.h"
-#include "storages/calendarattendees.h"
-#include "storages/calendareventproperties.h"
-#include "storages/calendarrecurrence.h"
-#include "storages/calendarstorecontext.h"
+#include "storages/calendar/calendarattendees.h"
+#include "storages/calendar/calendareventproperties.h"
+#include "storages/calendar/calendarrecurrence.h"
+#include "storages/calendar/calendarstorecontext.h"
 
 using KCalendarCore::Event;
 using KCalendarCore::Incidence;

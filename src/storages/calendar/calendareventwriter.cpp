@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/calendareventwriter.h"
+#include "storages/calendar/calendareventwriter.h"
 
-#include "application/logging.h"
+#include "application/base/logging.h"
 #include "easitems/eascalendaritem.h"
 #include "easitems/eastimezone.h"
-#include "storages/calendarfieldwriting.h"
-#include "storages/calendarorigin.h"
-#include "storages/calendarstorecontext.h"
+#include "storages/calendar/calendarfieldwriting.h"
+#include "storages/calendar/calendarorigin.h"
+#include "storages/calendar/calendarstorecontext.h"
 
 #include <KCalendarCore/CalFormat>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
-#include "storages/calendarexceptions.h"
+#include "storages/calendar/calendarexceptions.h"
 
 #include <KCalendarCore/Event>
 

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/calendarexceptions.h"
+#include "storages/calendar/calendarexceptions.h"
 
-#include "application/logging.h"
+#include "application/base/logging.h"
 #include "common/exchangeactivesync.h"
 #include "easitems/eascalendaritem.h"
-#include "storages/calendareventfields.h"
-#include "storages/calendareventproperties.h"
-#include "storages/calendarstorecontext.h"
-#include "storages/calendartimes.h"
+#include "storages/calendar/calendareventfields.h"
+#include "storages/calendar/calendareventproperties.h"
+#include "storages/calendar/calendarstorecontext.h"
+#include "storages/calendar/calendartimes.h"
 
 #include <KCalendarCore/Recurrence>
 

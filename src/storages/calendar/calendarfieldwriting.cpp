@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/calendarfieldwriting.h"
+#include "storages/calendar/calendarfieldwriting.h"
 
-#include "application/clock.h"
-#include "application/logging.h"
+#include "application/base/clock.h"
+#include "application/base/logging.h"
 #include "common/exchangeactivesync.h"
 #include "easitems/eascalendaritem.h"
-#include "storages/calendareventfields.h"
-#include "storages/calendareventproperties.h"
-#include "storages/calendarrecurrence.h"
-#include "storages/calendartimes.h"
+#include "storages/calendar/calendareventfields.h"
+#include "storages/calendar/calendareventproperties.h"
+#include "storages/calendar/calendarrecurrence.h"
+#include "storages/calendar/calendartimes.h"
 
 namespace {
 

@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/calendarfolders.h"
+#include "storages/calendar/calendarfolders.h"
 
-#include "application/easdatabase.h"
-#include "application/logging.h"
+#include "application/base/logging.h"
+#include "application/mapping/easdatabase.h"
 #include "common/exchangeactivesync.h"
 #include "easitems/easfolderitem.h"
 #include "protocol/protocolutils.h"
-#include "protocol/wbxmltokens.h"
-#include "storages/calendarattachmentservice.h"
-#include "storages/calendarorigin.h"
-#include "storages/calendarstorecontext.h"
+#include "protocol/wbxml/wbxmltokens.h"
+#include "storages/calendar/calendarattachmentservice.h"
+#include "storages/calendar/calendarorigin.h"
+#include "storages/calendar/calendarstorecontext.h"
 
 #include <QSet>
 

@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/calendaritembatch.h"
+#include "storages/calendar/calendaritembatch.h"
 
+#include "application/base/logging.h"
 #include "application/easaccount.h"
-#include "application/easdatabase.h"
-#include "application/logging.h"
+#include "application/mapping/easdatabase.h"
 #include "easitems/eascalendaritem.h"
-#include "storages/calendarattachmentservice.h"
-#include "storages/calendarlocalchanges.h"
-#include "storages/calendarstorecontext.h"
-#include "storages/calendarwholeitem.h"
+#include "storages/calendar/calendarattachmentservice.h"
+#include "storages/calendar/calendarlocalchanges.h"
+#include "storages/calendar/calendarstorecontext.h"
+#include "storages/calendar/calendarwholeitem.h"
 
 #include <algorithm>
 

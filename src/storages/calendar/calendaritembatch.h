@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
-#include "storages/calendareventwriter.h"
-#include "storages/calendartimestamps.h"
+#include "storages/calendar/calendareventwriter.h"
+#include "storages/calendar/calendartimestamps.h"
 
 #include <KCalendarCore/Incidence>
 

@@ -1,16 +1,16 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/calendarlocalchanges.h"
+#include "storages/calendar/calendarlocalchanges.h"
 
-#include "application/clock.h"
+#include "application/base/clock.h"
+#include "application/base/logging.h"
 #include "application/easaccount.h"
-#include "application/easdatabase.h"
-#include "application/logging.h"
+#include "application/mapping/easdatabase.h"
 #include "configurations/calendaraccountconfiguration.h"
-#include "storages/calendarlocalchecks.h"
-#include "storages/calendarlocalquery.h"
-#include "storages/calendarorigin.h"
-#include "storages/calendarstorecontext.h"
-#include "storages/calendartimestamps.h"
+#include "storages/calendar/calendarlocalchecks.h"
+#include "storages/calendar/calendarlocalquery.h"
+#include "storages/calendar/calendarorigin.h"
+#include "storages/calendar/calendarstorecontext.h"
+#include "storages/calendar/calendartimestamps.h"
 
 using KCalendarCore::Incidence;
 

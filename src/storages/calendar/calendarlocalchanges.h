@@ -2,8 +2,8 @@
 #pragma once
 
 #include "easitems/eascalendaritem.h"
-#include "storages/calendarattachmentuploads.h"
-#include "storages/calendaroccurrencedeletions.h"
+#include "storages/calendar/calendarattachmentuploads.h"
+#include "storages/calendar/calendaroccurrencedeletions.h"
 
 #include <QList>
 #include <QPair>

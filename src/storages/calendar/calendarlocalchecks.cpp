@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/calendarlocalchecks.h"
+#include "storages/calendar/calendarlocalchecks.h"
 
-#include "application/easdatabase.h"
-#include "application/logging.h"
-#include "storages/calendartimestamps.h"
+#include "application/base/logging.h"
+#include "application/mapping/easdatabase.h"
+#include "storages/calendar/calendartimestamps.h"
 
 using KCalendarCore::Incidence;
 

@@ -1,16 +1,16 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/calendarlocalquery.h"
+#include "storages/calendar/calendarlocalquery.h"
 
+#include "application/base/logging.h"
 #include "application/easaccount.h"
-#include "application/easdatabase.h"
-#include "application/logging.h"
-#include "storages/calendarattachmentuploads.h"
-#include "storages/calendareventproperties.h"
-#include "storages/calendareventreader.h"
-#include "storages/calendarlocalchecks.h"
-#include "storages/calendaroccurrencedeletions.h"
-#include "storages/calendarstorecontext.h"
-#include "storages/calendartimestamps.h"
+#include "application/mapping/easdatabase.h"
+#include "storages/calendar/calendarattachmentuploads.h"
+#include "storages/calendar/calendareventproperties.h"
+#include "storages/calendar/calendareventreader.h"
+#include "storages/calendar/calendarlocalchecks.h"
+#include "storages/calendar/calendaroccurrencedeletions.h"
+#include "storages/calendar/calendarstorecontext.h"
+#include "storages/calendar/calendartimestamps.h"
 
 using KCalendarCore::Event;
 using KCalendarCore::Incidence;

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/calendaroccurrencedeletions.h"
+#include "storages/calendar/calendaroccurrencedeletions.h"
 
-#include "storages/calendareventproperties.h"
-#include "storages/calendarstorecontext.h"
+#include "storages/calendar/calendareventproperties.h"
+#include "storages/calendar/calendarstorecontext.h"
 
 using KCalendarCore::Event;
 using KCalendarCore::Incidence;

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/calendarorigin.h"
+#include "storages/calendar/calendarorigin.h"
 
-#include "application/easdatabase.h"
-#include "application/logging.h"
-#include "storages/calendarattachmentservice.h"
-#include "storages/calendareventproperties.h"
-#include "storages/calendarstorecontext.h"
+#include "application/base/logging.h"
+#include "application/mapping/easdatabase.h"
+#include "storages/calendar/calendarattachmentservice.h"
+#include "storages/calendar/calendareventproperties.h"
+#include "storages/calendar/calendarstorecontext.h"
 
 using KCalendarCore::Event;
 using KCalendarCore::Incidence;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/calendarrecurrence.h"
+#include "storages/calendar/calendarrecurrence.h"
 
-#include "application/logging.h"
+#include "application/base/logging.h"
 #include "common/exchangeactivesync.h"
 #include "easitems/eascalendaritem.h"
 

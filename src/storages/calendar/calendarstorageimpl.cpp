@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/calendarstorageimpl.h"
+#include "storages/calendar/calendarstorageimpl.h"
 
-#include "application/clock.h"
+#include "application/base/clock.h"
+#include "application/base/logging.h"
 #include "application/easaccount.h"
-#include "application/logging.h"
 #include "configurations/calendaraccountconfiguration.h"
 #include "easitems/eascalendaritem.h"
 #include "easitems/easfolderitem.h"
-#include "storages/calendarattachmentservice.h"
-#include "storages/calendaritembatch.h"
+#include "storages/calendar/calendarattachmentservice.h"
+#include "storages/calendar/calendaritembatch.h"
 
 #include <KCalendarCore/ICalFormat>
 

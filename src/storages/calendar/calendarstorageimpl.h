@@ -2,11 +2,11 @@
 #pragma once
 
 #include "common/easaccountid.h"
-#include "storages/calendarfolders.h"
-#include "storages/calendarlocalchanges.h"
+#include "storages/calendar/calendarfolders.h"
+#include "storages/calendar/calendarlocalchanges.h"
+#include "storages/calendar/calendarstorecontext.h"
+#include "storages/calendar/calendarstoreobserver.h"
 #include "storages/calendarstorage.h"
-#include "storages/calendarstorecontext.h"
-#include "storages/calendarstoreobserver.h"
 
 class EasAccount;
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/calendarstorecontext.h"
+#include "storages/calendar/calendarstorecontext.h"
 
 #include "application/easaccount.h"
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/calendartimes.h"
+#include "storages/calendar/calendartimes.h"
 
 #include "common/exchangeactivesync.h"
 

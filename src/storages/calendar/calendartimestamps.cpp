@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/calendartimestamps.h"
+#include "storages/calendar/calendartimestamps.h"
 
-#include "application/easdatabase.h"
-#include "application/logging.h"
-#include "storages/calendarstorecontext.h"
+#include "application/base/logging.h"
+#include "application/mapping/easdatabase.h"
+#include "storages/calendar/calendarstorecontext.h"
 
 CalendarTimestamps::CalendarTimestamps(const CalendarStoreContext &context)
     : mContext(context)

@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 // The second half of CalendarLocalChanges: what is written back to the store around an upload.
-#include "storages/calendarlocalchanges.h"
+#include "storages/calendar/calendarlocalchanges.h"
 
-#include "application/clock.h"
-#include "application/easdatabase.h"
-#include "application/logging.h"
+#include "application/base/clock.h"
+#include "application/base/logging.h"
+#include "application/mapping/easdatabase.h"
 #include "common/exchangeactivesync.h"
-#include "storages/calendarattachmentservice.h"
-#include "storages/calendareventproperties.h"
-#include "storages/calendarstorecontext.h"
-#include "storages/calendartimestamps.h"
+#include "storages/calendar/calendarattachmentservice.h"
+#include "storages/calendar/calendareventproperties.h"
+#include "storages/calendar/calendarstorecontext.h"
+#include "storages/calendar/calendartimestamps.h"
 
 using KCalendarCore::Event;
 using KCalendarCore::Incidence;

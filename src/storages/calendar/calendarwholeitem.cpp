@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/calendarwholeitem.h"
+#include "storages/calendar/calendarwholeitem.h"
 
 #include "easitems/eascalendaritem.h"
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/contactavatars.h"
+#include "storages/contacts/contactavatars.h"
 
-#include "application/logging.h"
+#include "application/base/logging.h"
 
 #include <QBuffer>
 #include <QDir>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/contactdetails.h"
+#include "storages/contacts/contactdetails.h"
 
 #include <QtContacts/QContactAddress>
 #include <QtContacts/QContactEmailAddress>

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/contactfolders.h"
+#include "storages/contacts/contactfolders.h"
 
-#include "application/easdatabase.h"
-#include "application/logging.h"
+#include "application/base/logging.h"
+#include "application/mapping/easdatabase.h"
 #include "protocol/protocolutils.h"
-#include "protocol/wbxmltokens.h"
-#include "storages/contactavatars.h"
-#include "storages/contactstorecontext.h"
+#include "protocol/wbxml/wbxmltokens.h"
+#include "storages/contacts/contactavatars.h"
+#include "storages/contacts/contactstorecontext.h"
 
 #include <QtContacts/QContactAvatar>
 #include <QtContacts/QContactCollectionFilter>

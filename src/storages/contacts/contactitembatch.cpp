@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/contactitembatch.h"
+#include "storages/contacts/contactitembatch.h"
 
-#include "application/easdatabase.h"
-#include "application/logging.h"
-#include "storages/contactstorecontext.h"
+#include "application/base/logging.h"
+#include "application/mapping/easdatabase.h"
+#include "storages/contacts/contactstorecontext.h"
 
 #include <QtContacts/QContactAvatar>
 #include <QtContacts/QContactGuid>

@@ -2,9 +2,9 @@
 #pragma once
 
 #include "easitems/eascontactsitem.h"
-#include "storages/contactfolders.h"
-#include "storages/contactstrays.h"
-#include "storages/contactwriter.h"
+#include "storages/contacts/contactfolders.h"
+#include "storages/contacts/contactstrays.h"
+#include "storages/contacts/contactwriter.h"
 
 #include <QtContacts/QContact>
 #include <QtContacts/QContactCollection>

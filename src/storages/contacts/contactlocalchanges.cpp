@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/contactlocalchanges.h"
+#include "storages/contacts/contactlocalchanges.h"
 
-#include "application/easdatabase.h"
-#include "application/logging.h"
-#include "protocol/wbxmltokens.h"
-#include "storages/contactavatars.h"
-#include "storages/contactfolders.h"
-#include "storages/contactreader.h"
-#include "storages/contactstorecontext.h"
-#include "storages/contactstrays.h"
+#include "application/base/logging.h"
+#include "application/mapping/easdatabase.h"
+#include "protocol/wbxml/wbxmltokens.h"
+#include "storages/contacts/contactavatars.h"
+#include "storages/contacts/contactfolders.h"
+#include "storages/contacts/contactreader.h"
+#include "storages/contacts/contactstorecontext.h"
+#include "storages/contacts/contactstrays.h"
 
 #include <QtContacts/QContactAvatar>
 #include <QtContacts/QContactManager>

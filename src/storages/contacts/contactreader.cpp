@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/contactreader.h"
+#include "storages/contacts/contactreader.h"
 
-#include "application/logging.h"
-#include "storages/contactavatars.h"
-#include "storages/contactdetails.h"
-#include "storages/contactphonenumbers.h"
-#include "storages/contactservertexts.h"
-#include "storages/contactstorecontext.h"
+#include "application/base/logging.h"
+#include "storages/contacts/contactavatars.h"
+#include "storages/contacts/contactdetails.h"
+#include "storages/contacts/contactphonenumbers.h"
+#include "storages/contacts/contactservertexts.h"
+#include "storages/contacts/contactstorecontext.h"
 
 #include <qcontactstatusflags.h>
 

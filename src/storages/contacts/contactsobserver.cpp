@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/contactsobserver.h"
+#include "storages/contacts/contactsobserver.h"
 
-#include "storages/contactfolders.h"
+#include "storages/contacts/contactfolders.h"
 
 #include <contactmanagerengine.h>
 #include <qtcontacts-extensions.h>

@@ -1,16 +1,16 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/contactstorageimpl.h"
+#include "storages/contacts/contactstorageimpl.h"
 
+#include "application/base/logging.h"
 #include "application/easaccount.h"
-#include "application/easdatabase.h"
-#include "application/logging.h"
+#include "application/mapping/easdatabase.h"
 #include "configurations/contactsaccountconfiguration.h"
-#include "storages/contactavatars.h"
-#include "storages/contactfolders.h"
-#include "storages/contactitembatch.h"
-#include "storages/contactsobserver.h"
-#include "storages/contactstoremanager.h"
-#include "storages/contactstrays.h"
+#include "storages/contacts/contactavatars.h"
+#include "storages/contacts/contactfolders.h"
+#include "storages/contacts/contactitembatch.h"
+#include "storages/contacts/contactsobserver.h"
+#include "storages/contacts/contactstoremanager.h"
+#include "storages/contacts/contactstrays.h"
 
 QTCONTACTS_USE_NAMESPACE
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
-#include "storages/contactlocalchanges.h"
+#include "storages/contacts/contactlocalchanges.h"
+#include "storages/contacts/contactstorecontext.h"
 #include "storages/contactstorage.h"
-#include "storages/contactstorecontext.h"
 
 #include <memory>
 

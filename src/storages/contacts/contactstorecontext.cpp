@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/contactstorecontext.h"
+#include "storages/contacts/contactstorecontext.h"
 
-#include "application/logging.h"
+#include "application/base/logging.h"
 
 #include <qtcontacts-extensions.h>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/contactstoremanager.h"
+#include "storages/contacts/contactstoremanager.h"
 
-#include "application/logging.h"
+#include "application/base/logging.h"
 
 #include <QCoreApplication>
 #include <QDir>

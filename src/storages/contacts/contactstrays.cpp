@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/contactstrays.h"
+#include "storages/contacts/contactstrays.h"
 
-#include "application/easdatabase.h"
-#include "application/logging.h"
-#include "storages/contactavatars.h"
-#include "storages/contactstorecontext.h"
+#include "application/base/logging.h"
+#include "application/mapping/easdatabase.h"
+#include "storages/contacts/contactavatars.h"
+#include "storages/contacts/contactstorecontext.h"
 
 #include <qcontactstatusflags.h>
 

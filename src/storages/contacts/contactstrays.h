@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
-#include "storages/contactfolders.h"
+#include "storages/contacts/contactfolders.h"
 
 #include <QtContacts/QContact>
 #include <QtContacts/QContactManager>

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "easitems/eascontactsitem.h"
-#include "storages/contactavatars.h"
+#include "storages/contacts/contactavatars.h"
 
 #include <QtContacts/QContact>
 

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/mailattachments.h"
+#include "storages/mail/mailattachments.h"
 
-#include "application/logging.h"
+#include "application/base/logging.h"
 #include "easitems/easemailitem.h"
-#include "storages/mailbodywriter.h"
-#include "storages/mailheadertext.h"
+#include "storages/mail/mailbodywriter.h"
+#include "storages/mail/mailheadertext.h"
 
 #include <qmailmessage.h>
 

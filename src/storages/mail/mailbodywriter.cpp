@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/mailbodywriter.h"
+#include "storages/mail/mailbodywriter.h"
 
-#include "application/logging.h"
+#include "application/base/logging.h"
 #include "easitems/containers/easbodycontainer.h"
 
 #include <qmailmessage.h>

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/mailfolderadapter.h"
+#include "storages/mail/mailfolderadapter.h"
 
-#include "application/easdatabase.h"
-#include "application/logging.h"
+#include "application/base/logging.h"
+#include "application/mapping/easdatabase.h"
 #include "easitems/easfolderitem.h"
-#include "protocol/wbxmltokens.h"
-#include "storages/mailfolderchanges.h"
-#include "storages/mailheadertext.h"
-#include "storages/mailstorecontext.h"
+#include "protocol/wbxml/wbxmltokens.h"
+#include "storages/mail/mailfolderchanges.h"
+#include "storages/mail/mailheadertext.h"
+#include "storages/mail/mailstorecontext.h"
 
 #include <qmailaccount.h>
 #include <qmailfolder.h>

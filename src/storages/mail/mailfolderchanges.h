@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
-#include "storages/mailstorecontext.h"
+#include "storages/mail/mailstorecontext.h"
 
 #include <QList>
 #include <QSet>

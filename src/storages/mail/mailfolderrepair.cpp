@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/mailfolderrepair.h"
+#include "storages/mail/mailfolderrepair.h"
 
-#include "application/easdatabase.h"
-#include "application/logging.h"
-#include "protocol/wbxmltokens.h"
-#include "storages/mailstorecontext.h"
+#include "application/base/logging.h"
+#include "application/mapping/easdatabase.h"
+#include "protocol/wbxml/wbxmltokens.h"
+#include "storages/mail/mailstorecontext.h"
 
 #include <qmailfolderkey.h>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/mailheadertext.h"
+#include "storages/mail/mailheadertext.h"
 
 namespace {
 

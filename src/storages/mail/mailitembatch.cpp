@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/mailitembatch.h"
+#include "storages/mail/mailitembatch.h"
 
-#include "application/easdatabase.h"
-#include "application/logging.h"
+#include "application/base/logging.h"
+#include "application/mapping/easdatabase.h"
 #include "easitems/easemailitem.h"
-#include "storages/mailstorecontext.h"
+#include "storages/mail/mailstorecontext.h"
 
 #include <qmailmessage.h>
 #include <qmailmessagekey.h>

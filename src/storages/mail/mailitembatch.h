@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
-#include "storages/mailmessagechanges.h"
-#include "storages/mailmessagewriter.h"
+#include "storages/mail/mailmessagechanges.h"
+#include "storages/mail/mailmessagewriter.h"
 
 #include <QHash>
 #include <QList>

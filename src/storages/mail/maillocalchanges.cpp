@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/maillocalchanges.h"
+#include "storages/mail/maillocalchanges.h"
 
+#include "application/base/logging.h"
 #include "application/easaccount.h"
-#include "application/easdatabase.h"
-#include "application/logging.h"
+#include "application/mapping/easdatabase.h"
 #include "configurations/emailaccountconfiguration.h"
 #include "easitems/easemailitem.h"
-#include "storages/mailmessagereader.h"
-#include "storages/mailstorecontext.h"
+#include "storages/mail/mailmessagereader.h"
+#include "storages/mail/mailstorecontext.h"
 
 #include <qmailmessagekey.h>
 #include <qmailmessageremovalrecord.h>

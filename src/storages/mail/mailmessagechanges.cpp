@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/mailmessagechanges.h"
+#include "storages/mail/mailmessagechanges.h"
 
-#include "application/easdatabase.h"
-#include "application/logging.h"
+#include "application/base/logging.h"
+#include "application/mapping/easdatabase.h"
 #include "easitems/easemailitem.h"
-#include "protocol/wbxmltokens.h"
-#include "storages/mailattachments.h"
-#include "storages/mailbodywriter.h"
-#include "storages/mailheadertext.h"
-#include "storages/mailstorecontext.h"
+#include "protocol/wbxml/wbxmltokens.h"
+#include "storages/mail/mailattachments.h"
+#include "storages/mail/mailbodywriter.h"
+#include "storages/mail/mailheadertext.h"
+#include "storages/mail/mailstorecontext.h"
 
 #include <qmailmessage.h>
 #include <qmailtimestamp.h>

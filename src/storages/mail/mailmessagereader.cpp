@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/mailmessagereader.h"
+#include "storages/mail/mailmessagereader.h"
 
+#include "application/base/logging.h"
 #include "application/easaccount.h"
-#include "application/easdatabase.h"
-#include "application/logging.h"
+#include "application/mapping/easdatabase.h"
 #include "easitems/easemailitem.h"
-#include "protocol/wbxmltokens.h"
-#include "storages/mailattachments.h"
-#include "storages/mailstorecontext.h"
+#include "protocol/wbxml/wbxmltokens.h"
+#include "storages/mail/mailattachments.h"
+#include "storages/mail/mailstorecontext.h"
 
 #include <qmailmessage.h>
 

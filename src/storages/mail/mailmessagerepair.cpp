@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/mailmessagerepair.h"
+#include "storages/mail/mailmessagerepair.h"
 
-#include "application/easdatabase.h"
-#include "application/logging.h"
-#include "storages/mailstorecontext.h"
+#include "application/base/logging.h"
+#include "application/mapping/easdatabase.h"
+#include "storages/mail/mailstorecontext.h"
 
 #include <qmailmessagekey.h>
 

@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/mailmessagewriter.h"
+#include "storages/mail/mailmessagewriter.h"
 
+#include "application/base/logging.h"
 #include "application/easaccount.h"
-#include "application/logging.h"
 #include "common/exchangeactivesync.h"
 #include "easitems/easemailitem.h"
 #include "storages/calendarstorage.h"
-#include "storages/mailattachments.h"
-#include "storages/mailbodywriter.h"
-#include "storages/mailheadertext.h"
-#include "storages/mailstorecontext.h"
+#include "storages/mail/mailattachments.h"
+#include "storages/mail/mailbodywriter.h"
+#include "storages/mail/mailheadertext.h"
+#include "storages/mail/mailstorecontext.h"
 
 #include <qmailmessage.h>
 #include <qmailtimestamp.h>

@@ -1,17 +1,17 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/mailstorageimpl.h"
+#include "storages/mail/mailstorageimpl.h"
 
+#include "application/base/logging.h"
 #include "application/easaccount.h"
-#include "application/easdatabase.h"
-#include "application/logging.h"
+#include "application/mapping/easdatabase.h"
 #include "easitems/easemailitem.h"
 #include "easitems/easfolderitem.h"
-#include "storages/mailattachments.h"
-#include "storages/mailbodywriter.h"
-#include "storages/mailfolderrepair.h"
-#include "storages/maillocalchanges.h"
-#include "storages/mailmessagereader.h"
-#include "storages/mailmessagerepair.h"
+#include "storages/mail/mailattachments.h"
+#include "storages/mail/mailbodywriter.h"
+#include "storages/mail/mailfolderrepair.h"
+#include "storages/mail/maillocalchanges.h"
+#include "storages/mail/mailmessagereader.h"
+#include "storages/mail/mailmessagerepair.h"
 
 #include <qmailaccount.h>
 #include <qmailfolderkey.h>

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
-#include "storages/mailfolderadapter.h"
-#include "storages/mailfolderchanges.h"
-#include "storages/mailitembatch.h"
+#include "storages/mail/mailfolderadapter.h"
+#include "storages/mail/mailfolderchanges.h"
+#include "storages/mail/mailitembatch.h"
+#include "storages/mail/mailstorecontext.h"
 #include "storages/mailstorage.h"
-#include "storages/mailstorecontext.h"
 
 #include <qmailmessage.h>
 #include <qmailstore.h>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/mailstorecontext.h"
+#include "storages/mail/mailstorecontext.h"
 
 #include "application/easaccount.h"
 

@@ -2,7 +2,7 @@
 //
 // Opens a mapping database below the home folder and writes an account's first synchronisation into it, in
 // the order of the engine: rows first, the key last. Tells which step it has come to.
-#include "application/easdatabase.h"
+#include "application/mapping/easdatabase.h"
 #include "easitems/easemailitem.h"
 
 #include <QCoreApplication>
