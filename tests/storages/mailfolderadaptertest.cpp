@@ -208,20 +208,87 @@ private Q_SLOTS:
         QCOMPARE(mail.folder("1").status(), before);
     }
 
-    void aDeletedFolderTakesItsDescendantsAlong()
+    void aFolderIsMovedBelowOneOfTheSameReplyAndSurvivesItsOldParent()
+    {
+        Folders mail;
+        QVERIFY(mail.add({ folderItem("1", UserMail, "A"), folderItem("2", UserMail, "B", "1") }));
+        mail.addMessage(mail.item("2:1", "2"));
+        EasFolderItem move = folderItem("2", UserMail, "B", "3");
+        move.appendChangedField(Wbxml::FolderHierarchy::ParentId);
+        QList<EasFolderItem> added { folderItem("3", UserMail, "C") };
+        QVERIFY(mail.adapter.updateFolders(added, { move }, { "1" }));
+        QCOMPARE(mail.folder("2").parentFolderId(), QMailFolderId(added.at(0).localId().toULongLong()));
+        QCOMPARE(mail.messageCount(), 1);
+    }
+
+    void aTreeArrivesWithTheChildrenFirst()
+    {
+        Folders mail;
+        QVERIFY(mail.add({ folderItem("3", UserMail, "C", "2"), folderItem("2", UserMail, "B", "1"),
+            folderItem("1", UserMail, "A"), folderItem("4", UserMail, "own parent", "4") }));
+        QCOMPARE(mail.folder("3").parentFolderId(), mail.folder("2").id());
+        QCOMPARE(mail.folder("2").parentFolderId(), mail.folder("1").id());
+        QCOMPARE(mail.folderCount(), 4);
+    }
+
+    void aDeletedFolderTakesAlongWhatTheServerDoesNotKnow()
     {
         LogCollector log;
         Folders mail;
         QVERIFY(mail.add({ folderItem("1", UserMail, "A"), folderItem("2", UserMail, "B", "1"),
             folderItem("3", UserMail, "C", "2"), folderItem("4", UserMail, "D"),
             folderItem("9", EasFolderItem::DefaultCalendarFolder, "Calendar") }));
+        const QMailFolderId made = mail.addStoreFolder("made here", mail.folder("1").id());
+        const QMailFolderId below = mail.addStoreFolder("below it", made);
         mail.addMessage(mail.item("3:1", "3"));
         QList<EasFolderItem> none;
         QVERIFY(mail.adapter.updateFolders(none, {}, { "1", "9", "unknown" }));
-        QCOMPARE(mail.folderCount(), 1);
+        QVERIFY(!mail.context.store->folder(made).id().isValid());
+        QVERIFY(!mail.context.store->folder(below).id().isValid());
         QVERIFY(mail.folder("4").id().isValid());
-        QCOMPARE(mail.messageCount(), 0);
         QVERIFY(mail.context.store->messageRemovalRecords(mail.mailAccountId()).isEmpty());
+    }
+
+    void aFolderThatTheServerDoesNotNameOutlivesItsParent()
+    {
+        Folders mail;
+        QVERIFY(mail.add({ folderItem("1", UserMail, "A"), folderItem("2", UserMail, "B", "1"),
+            folderItem("3", UserMail, "C", "2") }));
+        mail.addMessage(mail.item("3:1", "3"));
+        QList<EasFolderItem> none;
+        QVERIFY(mail.adapter.updateFolders(none, {}, { "1" }));
+        QVERIFY(mail.folder("2").id().isValid());
+        QVERIFY(!mail.folder("2").parentFolderId().isValid());
+        QCOMPARE(mail.folder("3").parentFolderId(), mail.folder("2").id());
+        QVERIFY(mail.adapter.updateFolders(none, {}, { "2", "3" }));
+        QCOMPARE(mail.folderCount(), 0);
+        QCOMPARE(mail.messageCount(), 0);
+    }
+
+    void whatWasMovedIntoADeletedFolderReturns()
+    {
+        Folders mail;
+        QVERIFY(mail.add({ folderItem("1", UserMail, "A"), folderItem("2", UserMail, "B") }));
+        const QMailMessageId own = mail.addMessage(mail.item("1:1", "1"));
+        const QMailMessageId moved = mail.addMessage(mail.item("2:1", "2"));
+        QMailDisconnected::moveToFolder(QMailMessageIdList { moved }, mail.folder("1").id());
+        QList<EasFolderItem> none;
+        QVERIFY(mail.adapter.updateFolders(none, {}, { "1" }));
+        QVERIFY(!mail.message(own).id().isValid());
+        QCOMPARE(mail.message(moved).parentFolderId(), mail.folder("2").id());
+        QVERIFY(!mail.message(moved).previousParentFolderId().isValid());
+        QCOMPARE(mail.message(moved).serverUid(), QStringLiteral("2:1"));
+    }
+
+    void whatWasMovedBetweenTwoDeletedFoldersGoes()
+    {
+        Folders mail;
+        QVERIFY(mail.add({ folderItem("1", UserMail, "A"), folderItem("2", UserMail, "B") }));
+        const QMailMessageId moved = mail.addMessage(mail.item("2:1", "2"));
+        QMailDisconnected::moveToFolder(QMailMessageIdList { moved }, mail.folder("1").id());
+        QList<EasFolderItem> none;
+        QVERIFY(mail.adapter.updateFolders(none, {}, { "1", "2" }));
+        QCOMPARE(mail.messageCount(), 0);
     }
 
     void afterAFailureWhatWasAddedIsTakenOut()

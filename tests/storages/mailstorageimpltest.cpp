@@ -8,6 +8,7 @@
 #include "support/testmain.h"
 
 #include <qmailaccountconfiguration.h>
+#include <qmaildisconnected.h>
 #include <qmailfolderkey.h>
 
 #include <QSignalSpy>
@@ -141,6 +142,45 @@ private Q_SLOTS:
         QCOMPARE(mail.context.store->folder(QMailFolderId(added.toULongLong())).parentFolderId(), parent);
         QCOMPARE(mail.context.store->folder(misplaced).parentFolderId(), parent);
         QCOMPARE(database->serverFolderParentIds(mail.accountId()).value("3"), QStringLiteral("1"));
+    }
+
+    void aFolderThatTheStoreHasLostComesBackEmptyAndIsSynchronisedAnew()
+    {
+        MailFixture mail;
+        const QMailFolderId parent = mail.addFolder("1");
+        mail.addFolder("2", EasFolderItem::UserCreatedMailFolder, parent);
+        EasDatabase *database = EasDatabase::instance();
+        EasFolderItem keyed = database->folderItemByServerId(mail.accountId(), "2");
+        keyed.setServerParentId("1");
+        keyed.setSyncKey("17");
+        keyed.appendChangedField(Wbxml::FolderHierarchy::ParentId);
+        keyed.appendChangedField(Wbxml::AirSync::SyncKey);
+        QVERIFY(database->updateFolderItems(mail.accountId(), { keyed }));
+        mail.addMessage(mail.item("2:1", "2"));
+        QVERIFY(mail.context.store->removeFolder(parent));
+
+        const MailStorageImpl storage(&mail.account);
+        const EasFolderItem first = database->folderItemByServerId(mail.accountId(), "1");
+        const EasFolderItem second = database->folderItemByServerId(mail.accountId(), "2");
+        const QMailFolder folder = mail.context.store->folder(QMailFolderId(second.localId().toULongLong()));
+        QVERIFY(folder.id().isValid());
+        QCOMPARE(text(folder.parentFolderId()), first.localId());
+        QVERIFY(second.savedInStorage());
+        QVERIFY(second.syncKey().isEmpty());
+        QVERIFY(database->localEmailIds(mail.accountId(), "2").isEmpty());
+    }
+
+    void whatWasMovedIntoAFolderThatTheServerNeverKnewReturns()
+    {
+        MailFixture mail;
+        const QMailFolderId inbox = mail.addFolder("1");
+        const QMailFolderId made = mail.addStoreFolder("made here");
+        const QMailMessageId moved = mail.addMessage(mail.item("1:1", "1"));
+        QMailDisconnected::moveToFolder(QMailMessageIdList { moved }, made);
+        const MailStorageImpl storage(&mail.account);
+        QVERIFY(!mail.context.store->folder(made).id().isValid());
+        QCOMPARE(mail.message(moved).parentFolderId(), inbox);
+        QVERIFY(!mail.message(moved).previousParentFolderId().isValid());
     }
 
     void theEnginesOwnFoldersAreNoLocalChanges()

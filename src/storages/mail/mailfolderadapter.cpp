@@ -6,6 +6,7 @@
 #include "easitems/easfolderitem.h"
 #include "protocol/wbxml/wbxmltokens.h"
 #include "storages/mail/mailfolderchanges.h"
+#include "storages/mail/mailfolderremoval.h"
 #include "storages/mail/mailheadertext.h"
 #include "storages/mail/mailstorecontext.h"
 
@@ -53,6 +54,24 @@ QString idText(const QMailFolderId &id)
     return QString::number(id.toULongLong());
 }
 
+/** Each folder behind its parent, as far as that is in the list; folders in a circle stay as they come. */
+QList<EasFolderItem> parentsFirst(const QList<EasFolderItem> &items)
+{
+    QHash<QString, int> unplaced;
+    for (int i = items.size() - 1; i >= 0; --i)
+        unplaced.insert(items.at(i).serverId(), i);
+    QList<EasFolderItem> ordered;
+    for (const EasFolderItem &item : items) {
+        QList<int> chain;
+        for (QString id = item.serverId(); unplaced.contains(id);
+             id = items.at(chain.last()).serverParentId())
+            chain.append(unplaced.take(id));
+        while (!chain.isEmpty())
+            ordered.append(items.at(chain.takeLast()));
+    }
+    return ordered;
+}
+
 } // namespace
 
 MailFolderAdapter::MailFolderAdapter(const MailStoreContext &context, MailFolderChanges &changes)
@@ -65,18 +84,25 @@ bool MailFolderAdapter::updateFolders(
     QList<EasFolderItem> &added, const QList<EasFolderItem> &changed, const QStringList &deleted)
 {
     EasDatabase *database = EasDatabase::instance();
-    const QMap<QString, QString> serverToLocal = database->serverToLocalFolderIds(mContext.accountId());
+    QMap<QString, QString> serverToLocal = database->serverToLocalFolderIds(mContext.accountId());
     if (database->lookupFailed())
         return false;
+    added = parentsFirst(added);
     for (EasFolderItem &item : added) {
+        // A row may outlive its folder, which the same call adds again then.
         const QString parent = serverToLocal.value(item.serverParentId());
-        if (!item.serverParentId().isEmpty() && !parent.isEmpty())
+        if (mContext.store->folder(folderId(parent)).id().isValid())
             item.setLocalParentId(parent);
     }
     if (!addFolderItems(added, serverToLocal)) {
         qCCritical(eas()) << "failed to add folder items";
         rollBackAddedFolderItems(added);
         return false;
+    }
+    // A folder may have been moved below one that is new in the same reply.
+    for (const EasFolderItem &item : qAsConst(added)) {
+        if (!item.localId().isEmpty())
+            serverToLocal.insert(item.serverId(), item.localId());
     }
     if (!updateFolderItems(changed, serverToLocal)) {
         qCCritical(eas()) << "failed to update folder items";
@@ -266,27 +292,7 @@ bool MailFolderAdapter::deleteFolderItems(
         else
             qCWarning(eas()) << "local id is not found for a server id" << serverId;
     }
-    return deleteFolderItems(ids);
-}
-
-bool MailFolderAdapter::deleteFolderItems(const QMailFolderIdList &ids)
-{
-    if (ids.isEmpty())
-        return true;
-    // The store removes what the key says and leaves children behind, without a parent.
-    QMailFolderIdList all = ids;
-    for (int i = 0; i < all.size(); ++i) {
-        const QMailFolderIdList children =
-            mContext.store->queryFolders(QMailFolderKey::parentFolderId(all.at(i)));
-        for (const QMailFolderId &child : children) {
-            if (!all.contains(child))
-                all.append(child);
-        }
-    }
-    mChanges.setOwnRemoval(all);
-    return mContext.store->removeFolders(
-        QMailFolderKey::parentAccountId(mContext.mailAccountId) & QMailFolderKey::id(all),
-        QMailStore::NoRemovalRecord);
+    return MailFolderRemoval(mContext, mChanges).remove(ids);
 }
 
 void MailFolderAdapter::rollBackAddedFolderItems(QList<EasFolderItem> &items)
@@ -301,7 +307,7 @@ void MailFolderAdapter::rollBackAddedFolderItems(QList<EasFolderItem> &items)
         item.setLocalId(QString());
         item.setSavedInStorage(false);
     }
-    if (!deleteFolderItems(ids))
+    if (!MailFolderRemoval(mContext, mChanges).remove(ids))
         qCCritical(eas()) << "failed to remove added items";
 }
 

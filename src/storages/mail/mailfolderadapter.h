@@ -32,9 +32,6 @@ public:
     bool updateFolders(
         QList<EasFolderItem> &added, const QList<EasFolderItem> &changed, const QStringList &deleted);
 
-    /** Removes folders of this account, with all their descendants. */
-    bool deleteFolderItems(const QMailFolderIdList &ids);
-
     /** Lets an account of an older kind have folders. */
     void allowFolderCreation();
 

@@ -8,6 +8,17 @@
 
 #include <qmailfolderkey.h>
 
+namespace {
+
+/** True if the store knows for sure that it has no such folder; one that cannot be read is not gone. */
+bool isGone(const MailStoreContext &context, const QString &localId)
+{
+    return !localId.isEmpty() && !context.store->folder(QMailFolderId(localId.toULongLong())).id().isValid()
+        && context.store->lastError() == QMailStore::InvalidId;
+}
+
+} // namespace
+
 bool MailFolderRepair::isEmpty() const
 {
     return added.isEmpty() && updated.isEmpty() && removed.isEmpty();
@@ -30,9 +41,17 @@ MailFolderRepair MailFolderRepair::find(const MailStoreContext &context)
         context.store->queryFolders(QMailFolderKey::parentAccountId(context.mailAccountId));
 
     for (EasFolderItem row : rows) {
-        if (row.savedInStorage())
+        const bool isLost = isGone(context, row.localId());
+        if (row.savedInStorage() && !isLost)
             continue;
         row.setServerParentId(parents.value(row.serverId()));
+        if (isLost) {
+            // What the folder held went with it, and comes only as the answer to an initial key.
+            repair.lost.append(row.serverId());
+            row.setLocalId(QString());
+            row.setSyncKey(QString());
+            row.appendChangedField(Wbxml::AirSync::SyncKey);
+        }
         if (row.localId().isEmpty()) {
             repair.added.append(row);
             continue;
@@ -53,9 +72,14 @@ MailFolderRepair MailFolderRepair::find(const MailStoreContext &context)
 
 bool MailFolderRepair::save(const MailStoreContext &context)
 {
+    EasDatabase *database = EasDatabase::instance();
+    for (const QString &serverId : qAsConst(lost)) {
+        if (!database->clearEmailFolder(context.accountId(), serverId))
+            return false;
+    }
     // The rows of both lists exist already, so those of the added folders are updated as well.
     QList<EasFolderItem> items = added + updated;
     for (EasFolderItem &item : items)
         item.setSavedInStorage(true);
-    return EasDatabase::instance()->folderItemsChanges(context.accountId(), {}, items, {});
+    return database->folderItemsChanges(context.accountId(), {}, items, {});
 }

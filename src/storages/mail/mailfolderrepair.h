@@ -4,6 +4,7 @@
 #include "easitems/easfolderitem.h"
 
 #include <QList>
+#include <QStringList>
 
 #include <qmailid.h>
 
@@ -18,6 +19,8 @@ struct MailFolderRepair
     QList<EasFolderItem> added;
     QList<EasFolderItem> updated;
     QMailFolderIdList removed;
+    /** Server identifiers of those among the added whose folder was in the store once. */
+    QStringList lost;
 
     bool isEmpty() const;
 

@@ -66,7 +66,8 @@ QList<EasEmailItem> MailLocalChanges::movedEmails() const
     const QMap<QString, QString> localToServer =
         EasDatabase::instance()->localToServerEmailIds(mContext.accountId());
     for (const EasEmailItem &item : candidates) {
-        if (item.serverId().isEmpty() || item.destinationFolderId().isEmpty())
+        if (item.serverId().isEmpty() || item.sourceFolderId().isEmpty()
+            || item.destinationFolderId().isEmpty())
             qCWarning(eas()) << "failed to create a valid item from message with id" << item.localId();
         else if (!settleMove(item, localToServer.value(item.localId())))
             moved.append(item);

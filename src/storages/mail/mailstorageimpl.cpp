@@ -8,6 +8,7 @@
 #include "easitems/easfolderitem.h"
 #include "storages/mail/mailattachments.h"
 #include "storages/mail/mailbodywriter.h"
+#include "storages/mail/mailfolderremoval.h"
 #include "storages/mail/mailfolderrepair.h"
 #include "storages/mail/maillocalchanges.h"
 #include "storages/mail/mailmessagereader.h"
@@ -100,11 +101,7 @@ void MailStorageImpl::handleUnsavedFolders()
                   << "and remove" << repair.removed.size() << "email folders";
     if (repair.isEmpty())
         return;
-    mFolderChanges.setOwnRemoval(repair.removed);
-    if (!repair.removed.isEmpty()
-        && !mContext.store->removeFolders(
-            QMailFolderKey::parentAccountId(mContext.mailAccountId) & QMailFolderKey::id(repair.removed),
-            QMailStore::NoRemovalRecord))
+    if (!MailFolderRemoval(mContext, mFolderChanges).remove(repair.removed))
         qCWarning(eas()) << "failed to remove folders";
     if (repair.added.isEmpty() && repair.updated.isEmpty())
         return;
