@@ -13,8 +13,6 @@
 #include <QNetworkReply>
 #include <QNetworkSession>
 
-#include <limits>
-
 namespace {
 
 constexpr qint64 ExpiredAfterMilliseconds = 300001;
@@ -57,12 +55,12 @@ EasAccount *Request::account() const
 
 int Request::status() const
 {
-    return mStatus;
+    return mOutcome.status();
 }
 
 void Request::setStatus(int status)
 {
-    mStatus = status;
+    mOutcome.setStatus(status);
 }
 
 bool Request::isExpired() const
@@ -77,8 +75,7 @@ bool Request::hasEnded() const
 
 bool Request::successfullyFinished() const
 {
-    // 0 and 1; as unsigned numbers, because the engine's own failures are negative.
-    return static_cast<unsigned>(status()) < 2;
+    return mOutcome.isSuccess();
 }
 
 bool Request::started() const
@@ -95,7 +92,7 @@ void Request::onNetworkOperationFinished(QNetworkReply *reply)
 void Request::onNetworkError(int error)
 {
     qCWarning(eas()) << "received network error" << error;
-    mStatus = error;
+    setStatus(error);
 }
 
 void Request::onReadyRead()
@@ -152,7 +149,7 @@ bool Request::refuseBlockedAccount()
         return false;
     qCWarning(eas()) << "Cant start request for blocked account" << mAccountId << ". Credentials need update";
     blocked->credentialsNeedUpdate();
-    mStatus = RequestStatusCancelled;
+    setStatus(RequestStatusCancelled);
     Q_EMIT requestCompleted(mAccountId, mId);
     return true;
 }
@@ -166,15 +163,15 @@ void Request::waitForNetwork()
         return;
     }
     qCWarning(eas()) << "Tried to start request, but network is not available";
-    mStatus = RequestStatusNoNetwork;
+    setStatus(RequestStatusNoNetwork);
     Q_EMIT requestCompleted(mAccountId, mId);
 }
 
 void Request::protocolVersionConfirmed(ExchangeActiveSync::ProtocolVersion version)
 {
     if (version == ExchangeActiveSync::ProtocolVersionUnknown) {
-        if (mStatus == RequestStatusSuccess)
-            mStatus = RequestStatusVersionUnknown;
+        if (status() == RequestStatusSuccess)
+            setStatus(RequestStatusVersionUnknown);
         reportRequestCompleted();
         return;
     }
@@ -197,18 +194,15 @@ bool Request::isCommandSupported()
 
 void Request::startResendTimer()
 {
-    constexpr qint64 Longest = std::numeric_limits<int>::max();
-    const auto interval =
-        static_cast<int>(qMin(qint64(mTimeoutFactor) * ProtocolUtils::CommandsRetryTimeout, Longest));
+    const int interval = mAttempts.takeDelay();
     mResendTimer.setInterval(Clock::instance().timerInterval(interval));
     qCInfo(eas()) << "timer interval:" << interval;
     mResendTimer.start();
-    mTimeoutFactor = static_cast<int>(qMin(qint64(mTimeoutFactor) * 3, Longest));
 }
 
 void Request::resetTimeoutFactor()
 {
-    mTimeoutFactor = 1;
+    mAttempts.resetDelay();
 }
 
 void Request::onResendTimer()
@@ -227,19 +221,17 @@ void Request::retrySend()
 
 bool Request::consumeRetry()
 {
-    const int attempt = mRetryCount++;
-    if (attempt >= ProtocolUtils::CommandMaxRetriesCount) {
-        qCWarning(eas()) << "no more attempts, failing request";
+    if (!mAttempts.consume()) {
         reportRequestCompleted();
         return false;
     }
-    qCInfo(eas()) << "trying to send command again. Attempt: " << mRetryCount;
+    qCInfo(eas()) << "trying to send command again. Attempt: " << mAttempts.used();
     return true;
 }
 
 void Request::clearRetries()
 {
-    mRetryCount = 0;
+    mAttempts.reset();
 }
 
 void Request::reportRequestCompleted()

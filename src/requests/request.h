@@ -4,6 +4,9 @@
 #include "common/easaccountid.h"
 #include "common/easrequeststatus.h"
 #include "common/exchangeactivesync.h"
+#include "requests/attempts.h"
+#include "requests/outcome.h"
+#include "requests/requestverb.h"
 
 #include <QObject>
 #include <QPointer>
@@ -111,8 +114,13 @@ protected:
      * the command is gone, and the request has ended, or if it is paused for provisioning: either way the
      * caller drops its command and returns. */
     bool acceptResult(BaseProtocolCommand *command, bool success);
-    /** Runs the action for a status, of the own rows or else of the common ones; false if no row names it. */
+    /** Does what the row of a status says, a row of the own table or else of the common one; false if no row
+     * names it. `subject` is what the texts of the own rows are about. */
+    bool handleStatus(int status, const RequestStatusTable &ownTable = {}, const QString &subject = {});
+    /** The same with actions in place of verbs. */
     bool handleCommonStatus(int status, const StatusRows &ownRows = {});
+    /** Takes the reply of a command that did what was asked: the verb Process. */
+    virtual void processReply();
     /** Counts an attempt. False if none was left, and the request has ended with the status as it stands. */
     bool consumeRetry();
     void clearRetries();
@@ -121,10 +129,7 @@ protected:
     void complete();
     void completeWith(int status);
     void completeCancelled();
-    void completeWithoutRetry();
     void completeUnhandled();
-    void retryLater();
-    void refreshDeviceAndRetry();
     void refreshDeviceAndRetryLater();
 
 private Q_SLOTS:
@@ -135,22 +140,20 @@ private Q_SLOTS:
 private:
     bool refuseBlockedAccount();
     void waitForNetwork();
-    void refreshDevice();
     void cancelNegotiation();
     void takeNegotiatedVersion(
         const QList<ExchangeActiveSync::ProtocolVersion> &versions, const QStringList &commands);
     void submitDefaultPolicyKey();
-    StatusRows commonRows();
+    void perform(RequestVerb verb);
 
     QTimer mResendTimer;
     bool mStarted = false;
     EasAccountId mAccountId;
     qulonglong mId;
     qint64 mStartTime = 0;
-    int mStatus = RequestStatusSuccess;
-    int mTimeoutFactor = 1;
+    Outcome mOutcome;
+    Attempts mAttempts;
     QPointer<VersionNegotiator> mVersionNegotiator;
     QPointer<ProvisionRequest> mProvisionRequest;
-    int mRetryCount = 0;
     bool mEnded = false;
 };

@@ -16,6 +16,24 @@ namespace {
 constexpr int TransportServerError = ProtocolUtils::TransportStatusBase + 500;
 constexpr int TransportRetryLater = ProtocolUtils::TransportStatusBase + 503;
 
+constexpr char ServerErrorText[] = "server error. We shouldn't retry later. Completing request";
+constexpr char DeviceText[] = "invalid Device ID or Type. Trying to update Device information";
+constexpr char RetryLaterText[] = "we should try to send command again later. Timeout (in mseconds): 5000";
+static_assert(ProtocolUtils::CommandsRetryTimeout == 5000, "the text names the delay");
+
+constexpr RequestStatusTable::Row commonRows[] = {
+    { Eas::CommonStatusInvalidIds, QtWarningMsg, ServerErrorText, RequestVerb::Complete },
+    { Eas::CommonStatusServerError, QtWarningMsg, ServerErrorText, RequestVerb::Complete },
+    { TransportServerError, QtWarningMsg, ServerErrorText, RequestVerb::Complete },
+    { Eas::CommonStatusInvalidDeviceId, QtWarningMsg, DeviceText, RequestVerb::RefreshDeviceAndRetry },
+    { Eas::CommonStatusInvalidDeviceType, QtWarningMsg, DeviceText, RequestVerb::RefreshDeviceAndRetry },
+    { Eas::CommonStatusServerErrorRetryLater, QtWarningMsg, RetryLaterText, RequestVerb::RetryLater },
+    { TransportRetryLater, QtWarningMsg, RetryLaterText, RequestVerb::RetryLater },
+    { ProtocolUtils::TransportStatusCancelled, QtWarningMsg, nullptr, RequestVerb::Cancel },
+};
+constexpr RequestStatusTable commonTable(commonRows);
+static_assert(commonTable.namesEachStatusOnce());
+
 } // namespace
 
 bool Request::acceptResult(BaseProtocolCommand *command, bool success)
@@ -35,41 +53,59 @@ bool Request::acceptResult(BaseProtocolCommand *command, bool success)
     return true;
 }
 
+bool Request::handleStatus(int status, const RequestStatusTable &ownTable, const QString &subject)
+{
+    const RequestStatusTable::Row *row = ownTable.find(status);
+    if (!row)
+        row = commonTable.find(status);
+    if (!row)
+        return false;
+    logStatusText(row->level, row->text, subject);
+    perform(row->verb);
+    return true;
+}
+
 bool Request::handleCommonStatus(int status, const StatusRows &ownRows)
 {
-    const auto names = [status](const StatusRow &row) {
-        return std::find(row.statuses.cbegin(), row.statuses.cend(), status) != row.statuses.cend();
-    };
-    StatusRows rows = ownRows;
-    const StatusRows common = commonRows();
-    rows.insert(rows.end(), common.cbegin(), common.cend());
-    const auto row = std::find_if(rows.cbegin(), rows.cend(), names);
-    if (row == rows.cend())
-        return false;
+    const auto row = std::find_if(ownRows.cbegin(), ownRows.cend(), [status](const StatusRow &candidate) {
+        return std::find(candidate.statuses.cbegin(), candidate.statuses.cend(), status)
+            != candidate.statuses.cend();
+    });
+    if (row == ownRows.cend())
+        return handleStatus(status);
     row->action();
     return true;
 }
 
-Request::StatusRows Request::commonRows()
+void Request::perform(RequestVerb verb)
 {
-    return {
-        { { Eas::CommonStatusInvalidIds, Eas::CommonStatusServerError, TransportServerError },
-            [this] {
-                completeWithoutRetry();
-            } },
-        { { Eas::CommonStatusInvalidDeviceId, Eas::CommonStatusInvalidDeviceType },
-            [this] {
-                refreshDeviceAndRetry();
-            } },
-        { { Eas::CommonStatusServerErrorRetryLater, TransportRetryLater },
-            [this] {
-                retryLater();
-            } },
-        { { ProtocolUtils::TransportStatusCancelled },
-            [this] {
-                completeCancelled();
-            } },
-    };
+    switch (verb) {
+    case RequestVerb::Process:
+        return processReply();
+    case RequestVerb::Complete:
+        return complete();
+    case RequestVerb::FailInternally:
+        return completeWith(RequestStatusInternalError);
+    case RequestVerb::Refuse:
+        return completeWith(RequestStatusBadRequest);
+    case RequestVerb::RefuseTooLarge:
+        return completeWith(RequestStatusMessageTooLarge);
+    case RequestVerb::Cancel:
+        return completeCancelled();
+    case RequestVerb::RetryLater:
+        return startResendTimer();
+    case RequestVerb::RefreshDeviceAndRetry:
+        DeviceInformation::refreshDeviceId();
+        return retrySend();
+    case RequestVerb::RefreshDeviceAndRetryLater:
+        DeviceInformation::refreshDeviceId();
+        return startResendTimer();
+    }
+}
+
+void Request::processReply()
+{
+    complete();
 }
 
 void Request::complete()
@@ -88,39 +124,14 @@ void Request::completeCancelled()
     completeWith(RequestStatusCancelled);
 }
 
-void Request::completeWithoutRetry()
-{
-    qCWarning(eas()) << "server error. We shouldn't retry later. Completing request";
-    reportRequestCompleted();
-}
-
 void Request::completeUnhandled()
 {
     qCCritical(eas()) << "Unhandled status: " << status();
     reportRequestCompleted();
 }
 
-void Request::retryLater()
-{
-    qCWarning(eas()) << "we should try to send command again later. Timeout (in mseconds):"
-                     << ProtocolUtils::CommandsRetryTimeout;
-    startResendTimer();
-}
-
-void Request::refreshDevice()
-{
-    qCWarning(eas()) << "invalid Device ID or Type. Trying to update Device information";
-    DeviceInformation::refreshDeviceId();
-}
-
-void Request::refreshDeviceAndRetry()
-{
-    refreshDevice();
-    retrySend();
-}
-
 void Request::refreshDeviceAndRetryLater()
 {
-    refreshDevice();
-    startResendTimer();
+    qCWarning(eas()) << DeviceText;
+    perform(RequestVerb::RefreshDeviceAndRetryLater);
 }
