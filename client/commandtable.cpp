@@ -61,9 +61,14 @@ const QList<Command> &CommandTable::commands()
             ContactCommands::list },
         { "contact show", "CONTACT", "a contact with everything that is known", ContactCommands::show },
         { "contact add",
-            "[--name TEXT] [--company TEXT] [--title TEXT] [--email ADDRESS ...] [--mobile NUMBER] "
-            "[--home-phone NUMBER] [--work-phone NUMBER] [--fax NUMBER] [--birthday DAY] [--note TEXT] "
-            "[--folder NAME]",
+            "[--name TEXT] [--first-name|--middle-name|--last-name|--suffix|--nickname TEXT] "
+            "[--company|--title|--department|--office|--assistant TEXT] "
+            "[--email ADDRESS ...] [--email2|--email3 ADDRESS] "
+            "[--mobile|--home-phone|--home-phone2|--work-phone|--work-phone2|--fax|--home-fax|--pager|"
+            "--car-phone NUMBER] "
+            "[--home-|--work-street|postcode|city|region|country TEXT] "
+            "[--birthday|--anniversary DAY] [--spouse TEXT] [--web URL] [--category NAME ...] "
+            "[--picture FILE] [--note TEXT] [--folder NAME]",
             "add a contact", ContactCommands::add },
         { "contact edit", "CONTACT [the options of contact add]", "change a contact; an empty text removes",
             ContactCommands::edit },

@@ -3,21 +3,28 @@
 
 #include <QtContacts/QContact>
 
-/** How the engine marks details that the server keeps in a field of their own. */
+#include <QStringList>
+
+/** How the engine marks details that the server keeps in a field of their own: by the detail's URI. */
 namespace ContactDetails {
 
-/** Holds the name of that field: the second and third address, the reading of a name, and such. */
-constexpr int SlotField = 5001;
-
-/** The detail of a kind that bears no mark; an empty one without it. */
+/** The plain detail of a kind, which has no URI; an empty one if there is none. */
 template <class Detail> Detail plain(const QtContacts::QContact &contact)
 {
     const QList<Detail> details = contact.details<Detail>();
     for (const Detail &detail : details) {
-        if (!detail.hasValue(SlotField))
+        if (detail.detailUri().isEmpty())
             return detail;
     }
     return Detail();
+}
+
+/** The URIs of the server's three mail addresses; the first has none. */
+inline const QStringList &emailUris()
+{
+    static const QStringList uris { QString(), QStringLiteral("urn:as:contact:EmailAddress2"),
+        QStringLiteral("urn:as:contact:EmailAddress3") };
+    return uris;
 }
 
 } // namespace ContactDetails

@@ -14,16 +14,21 @@ class ContactOptions
 public:
     explicit ContactOptions(QCommandLineParser &parser);
 
-    /** False, after an error was printed, if an option cannot be understood. */
+    /** False, after an error was printed, if an option cannot be understood; the contact may be changed in
+     * part then and is not to be saved. */
     bool apply(QtContacts::QContact &contact) const;
-    bool saysSomething() const { return !mParser.optionNames().isEmpty(); }
+    bool saysSomething() const;
 
 private:
     void applyName(QtContacts::QContact &contact) const;
-    void applyCompany(QtContacts::QContact &contact) const;
-    void applyEmails(QtContacts::QContact &contact) const;
+    void applyTexts(QtContacts::QContact &contact) const;
+    bool applyEmails(QtContacts::QContact &contact) const;
     void applyPhones(QtContacts::QContact &contact) const;
-    bool applyBirthday(QtContacts::QContact &contact) const;
+    bool applyDates(QtContacts::QContact &contact) const;
+    void applyCategories(QtContacts::QContact &contact) const;
+    bool applyPicture(QtContacts::QContact &contact) const;
 
     QCommandLineParser &mParser;
+    /** The options of the parser that are this class' own. */
+    QStringList mNames;
 };

@@ -86,13 +86,18 @@ QStringList addresses(const QContact &contact)
 
 } // namespace
 
+QString ContactView::fullName(const QContactName &name)
+{
+    QStringList parts { name.firstName(), name.middleName(), name.lastName(), name.suffix() };
+    parts.removeAll(QString());
+    return parts.join(QLatin1Char(' '));
+}
+
 QString ContactView::name(const QContact &contact)
 {
-    const QContactName detail = ContactDetails::plain<QContactName>(contact);
-    QStringList parts { detail.firstName(), detail.middleName(), detail.lastName(), detail.suffix() };
-    parts.removeAll(QString());
-    if (!parts.isEmpty())
-        return parts.join(QLatin1Char(' '));
+    const QString person = fullName(ContactDetails::plain<QContactName>(contact));
+    if (!person.isEmpty())
+        return person;
     const QString organization = ContactDetails::plain<QContactOrganization>(contact).name();
     return organization.isEmpty() ? emails(contact).value(0) : organization;
 }

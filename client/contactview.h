@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QtContacts/QContact>
+#include <QtContacts/QContactName>
 
 #include <QByteArray>
 #include <QJsonObject>
@@ -11,7 +12,9 @@
 /** Contacts as the command line shows them. */
 namespace ContactView {
 
-/** What a person would call the contact. */
+/** First, middle and last name and suffix, as far as they are there. */
+QString fullName(const QtContacts::QContactName &name);
+/** What a person would call the contact: the full name, else the company, else an address. */
 QString name(const QtContacts::QContact &contact);
 /** One line of a list. */
 QJsonObject describe(const QtContacts::QContact &contact);

@@ -7,6 +7,7 @@
 
 #include <QtContacts/QContactEmailAddress>
 #include <QtContacts/QContactName>
+#include <QtContacts/QContactOrganization>
 #include <QtContacts/QContactPhoneNumber>
 
 #include <QJsonArray>
@@ -38,6 +39,56 @@ private:
         ContactBook book(mScene->accountId());
         const QList<QContact> all = book.open() ? book.contacts() : QList<QContact>();
         return all.size() == 1 ? ContactView::describeWhole(all.first()) : QJsonObject();
+    }
+    /** Puts a contact into the account's folder as the engine would, with details that no option makes. */
+    bool store(QContact contact) const
+    {
+        ContactBook book(mScene->accountId());
+        if (!book.open())
+            return false;
+        const auto folder = book.collection(QString());
+        if (!folder)
+            return false;
+        contact.setCollectionId(folder->id());
+        return book.save(&contact);
+    }
+    QContact onlyContact() const
+    {
+        ContactBook book(mScene->accountId());
+        return book.open() ? book.contacts().value(0) : QContact();
+    }
+    QString onlyId() const { return ContactBook::number(onlyContact()); }
+    int edit(const QString &options) const
+    {
+        return run(QStringLiteral("contact|edit|%1|%2").arg(onlyId(), options));
+    }
+    /** An address of a contact by the field that the server has for it. */
+    static QString address(const QContact &contact, const QString &uri)
+    {
+        const QList<QContactEmailAddress> details = contact.details<QContactEmailAddress>();
+        for (const QContactEmailAddress &detail : details) {
+            if (detail.detailUri() == uri)
+                return detail.emailAddress();
+        }
+        return {};
+    }
+    static QContact person(
+        const QString &first, const QString &middle, const QString &last, const QString &suffix = QString())
+    {
+        QContactName name;
+        name.setFirstName(first);
+        name.setMiddleName(middle);
+        name.setLastName(last);
+        name.setSuffix(suffix);
+        QContact contact;
+        contact.saveDetail(&name);
+        return contact;
+    }
+    static QString parts(const QContact &contact)
+    {
+        const auto name = contact.detail<QContactName>();
+        return QStringList { name.firstName(), name.middleName(), name.lastName(), name.suffix() }.join(
+            QLatin1Char('|'));
     }
     QStringList names() const
     {
@@ -129,6 +180,112 @@ private Q_SLOTS:
             QVariantList { QStringLiteral("2 (work)") });
         QVERIFY(contact.value(QStringLiteral("emails")).toArray().isEmpty());
         QVERIFY(!contact.contains(QStringLiteral("note")));
+    }
+
+    void aNewNameTakesThePlaceOfTheWholeOldOne_data()
+    {
+        QTest::addColumn<QString>("suffix");
+        QTest::addColumn<QString>("options");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("the name as it is shown changes nothing") << QString() << "--name|Anna Maria Öl"
+                                                                 << "Anna|Maria|Öl|";
+        QTest::newRow("a suffix is no last name") << "Jr."
+                                                  << "--name|Anna Maria Öl Jr."
+                                                  << "Anna|Maria|Öl|Jr.";
+        QTest::newRow("another name keeps no middle name") << QString() << "--name|Bea Ohm"
+                                                           << "Bea||Ohm|";
+        QTest::newRow("a middle name alone") << "Jr."
+                                             << "--middle-name|Eva"
+                                             << "Anna|Eva|Öl|Jr.";
+        QTest::newRow("an empty part goes") << "Jr."
+                                            << "--suffix|"
+                                            << "Anna|Maria|Öl|";
+    }
+
+    void aNewNameTakesThePlaceOfTheWholeOldOne()
+    {
+        QFETCH(QString, suffix);
+        QFETCH(QString, options);
+        QFETCH(QString, expected);
+        QVERIFY(store(person(QStringLiteral("Anna"), QStringLiteral("Maria"), QStringLiteral("Öl"), suffix)));
+        QCOMPARE(edit(options), int(ExitSuccess));
+        QCOMPARE(parts(onlyContact()), expected);
+    }
+
+    void aCompanyThatGoesTakesNothingElseAlong_data()
+    {
+        QTest::addColumn<QString>("options");
+        QTest::newRow("the title") << "--title|";
+        QTest::newRow("the company") << "--company|";
+        QTest::newRow("both") << "--title||--company|";
+    }
+
+    void aCompanyThatGoesTakesNothingElseAlong()
+    {
+        QFETCH(QString, options);
+        QContact contact = person(QStringLiteral("Anna"), QString(), QStringLiteral("Öl"));
+        QContactOrganization organization;
+        organization.setTitle(QStringLiteral("Boss"));
+        organization.setDepartment({ QStringLiteral("Sales") });
+        organization.setAssistantName(QStringLiteral("Bob"));
+        organization.setLocation(QStringLiteral("Room 7"));
+        contact.saveDetail(&organization);
+        QVERIFY(store(contact));
+        QCOMPARE(edit(options), int(ExitSuccess));
+        const auto left = onlyContact().detail<QContactOrganization>();
+        QCOMPARE(left.department(), QStringList(QStringLiteral("Sales")));
+        QCOMPARE(left.assistantName(), QStringLiteral("Bob"));
+        QCOMPARE(left.location(), QStringLiteral("Room 7"));
+    }
+
+    void anAddressIsChangedInItsOwnField_data()
+    {
+        QTest::addColumn<QString>("options");
+        QTest::addColumn<QStringList>("expected");
+        QTest::newRow("the first alone") << "--email|n@example.com" << QStringList { "n@", "b@", "c@" };
+        QTest::newRow("the first two")
+            << "--email|m@example.com|--email|n@example.com" << QStringList { "m@", "n@", "c@" };
+        QTest::newRow("the third alone") << "--email3|n@example.com" << QStringList { "a@", "b@", "n@" };
+        QTest::newRow("the second goes") << "--email2|" << QStringList { "a@", "", "c@" };
+    }
+
+    void anAddressIsChangedInItsOwnField()
+    {
+        QFETCH(QString, options);
+        QFETCH(QStringList, expected);
+        QCOMPARE(CommandScene::run("contact|add|--name|A|--email|a@example.com|--email|b@example.com|"
+                                   "--email|c@example.com"),
+            int(ExitSuccess));
+        QCOMPARE(edit(options), int(ExitSuccess));
+        const QContact contact = onlyContact();
+        const QStringList fields { QString(), QStringLiteral("urn:as:contact:EmailAddress2"),
+            QStringLiteral("urn:as:contact:EmailAddress3") };
+        for (int i = 0; i < fields.size(); ++i) {
+            const QString wanted =
+                expected.at(i).isEmpty() ? QString() : expected.at(i) + QStringLiteral("example.com");
+            QCOMPARE(address(contact, fields.at(i)), wanted);
+        }
+    }
+
+    void aFourthAddressIsRefused()
+    {
+        QCOMPARE(CommandScene::run("contact|add|--name|A|--email|a|--email|b|--email|c|--email|d"),
+            int(ExitUsage));
+        QVERIFY(names().isEmpty());
+    }
+
+    void aNumberWithoutAKindIsALandline()
+    {
+        QContact contact = person(QStringLiteral("Anna"), QString(), QStringLiteral("Öl"));
+        QContactPhoneNumber number;
+        number.setContexts(QContactDetail::ContextHome);
+        number.setNumber(QStringLiteral("1"));
+        contact.saveDetail(&number);
+        QVERIFY(store(contact));
+        QCOMPARE(edit(QStringLiteral("--home-phone|2")), int(ExitSuccess));
+        const QList<QContactPhoneNumber> numbers = onlyContact().details<QContactPhoneNumber>();
+        QCOMPARE(numbers.size(), 1);
+        QCOMPARE(numbers.first().number(), QStringLiteral("2"));
     }
 
     void aContactIsDeleted()
