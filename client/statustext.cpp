@@ -2,7 +2,7 @@
 #include "client/statustext.h"
 
 #include "common/easrequeststatus.h"
-#include "protocol/eas.h"
+#include "protocol/base/eas.h"
 
 #include <QMetaEnum>
 #include <QNetworkReply>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "application/base/debugtools.h"
 #include "application/mapping/easdatabase.h"
 #include "application/requestmanager.h"
+#include "protocol/wbxml/debugtools.h"
 #include "quitsignals.h"
 
 #include <QCommandLineParser>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "accounts/easaccountimpl.h"
 
+#include "application/base/deviceinformation.h"
 #include "application/base/logging.h"
-#include "application/deviceinformation.h"
 #include "application/storagesfactory.h"
 #include "configurations/impls/calendaraccountconfigurationimpl.h"
 #include "configurations/impls/connectionaccountconfigurationimpl.h"

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "accounts/accountrecord.h"
-#include "application/easaccount.h"
+#include "application/account/easaccount.h"
 
 #include <QPointer>
 

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "application/networkmanager.h"
 
+#include "application/account/easaccount.h"
 #include "application/base/logging.h"
-#include "application/easaccount.h"
 #include "application/requestmanager.h"
 #include "configurations/connectionaccountconfiguration.h"
-#include "protocol/protocolutils.h"
+#include "protocol/base/protocolutils.h"
 
 #include <QAuthenticator>
 #include <QBuffer>

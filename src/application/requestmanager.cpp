@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "application/requestmanager.h"
 
+#include "application/account/easaccount.h"
 #include "application/base/clock.h"
-#include "application/base/debugtools.h"
 #include "application/base/logging.h"
-#include "application/easaccount.h"
 #include "application/networkmanager.h"
 #include "application/storagesfactory.h"
 #include "dbus/dbusinterfacethread.h"
-#include "protocol/protocolutils.h"
+#include "protocol/base/protocolutils.h"
+#include "protocol/wbxml/debugtools.h"
 #include "requests/provisionrequest.h"
 #include "requests/request.h"
 #include "storages/accountstorage.h"

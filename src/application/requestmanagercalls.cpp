@@ -4,7 +4,7 @@
 #include "application/requestmanager.h"
 #include "dbus/dbusinterfacethread.h"
 #include "easitems/easitemscommon.h"
-#include "protocol/protocolutils.h"
+#include "protocol/base/protocolutils.h"
 #include "requests/attachmentdownloadrequest.h"
 #include "requests/fetchmessagesrequest.h"
 #include "requests/fetchpartrequest.h"

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "dbus/dbusinterfacethread.h"
 
+#include "application/account/easaccount.h"
 #include "application/base/logging.h"
-#include "application/easaccount.h"
 #include "common/dbustypes.h"
 #include "common/exchangeactivesync.h"
 #include "dbus/dbusinterfaceadapter.h"

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "protocol/baseprotocolcommand.h"
 
-#include "application/base/debugtools.h"
 #include "application/base/logging.h"
 #include "application/networkmanager.h"
 #include "application/requestmanager.h"
-#include "protocol/protocolutils.h"
+#include "protocol/base/protocolutils.h"
+#include "protocol/wbxml/debugtools.h"
 #include "requests/request.h"
 
 #include <QBuffer>

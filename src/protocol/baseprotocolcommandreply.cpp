@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 // What comes back to a command: progress, an answer, an error, another server's address, a doubtful
 // certificate.
-#include "application/base/debugtools.h"
+#include "application/account/easaccount.h"
 #include "application/base/logging.h"
-#include "application/easaccount.h"
 #include "common/easrequeststatus.h"
 #include "configurations/connectionaccountconfiguration.h"
+#include "protocol/base/protocolutils.h"
 #include "protocol/baseprotocolcommand.h"
-#include "protocol/protocolutils.h"
+#include "protocol/wbxml/debugtools.h"
 
 #include <QUrl>
 

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 // How a command's request is set up: the URL, the headers and the certificates.
+#include "application/account/easaccount.h"
+#include "application/base/deviceinformation.h"
 #include "application/base/logging.h"
-#include "application/deviceinformation.h"
-#include "application/easaccount.h"
 #include "configurations/connectionaccountconfiguration.h"
+#include "protocol/base/protocolutils.h"
 #include "protocol/baseprotocolcommand.h"
-#include "protocol/protocolutils.h"
 
 #include <QFile>
 #include <QNetworkRequest>

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "protocol/fetchitemcommand.h"
 
+#include "application/account/easaccount.h"
 #include "application/base/logging.h"
-#include "application/easaccount.h"
 #include "application/mapping/easdatabase.h"
 #include "easitems/algorithms/itemoperationsresponseparser.h"
 #include "easitems/emailserverid.h"
-#include "protocol/protocolutils.h"
+#include "protocol/base/protocolutils.h"
 #include "protocol/wbxml/wbxmlencoder.h"
 #include "storages/mailstorage.h"
 

@@ -3,9 +3,9 @@
 // of them, and the parts, which come in pairs of a WBXML document and the data that belongs to it.
 #include "application/base/logging.h"
 #include "easitems/algorithms/itemoperationsresponseparser.h"
-#include "protocol/eas.h"
+#include "protocol/base/eas.h"
+#include "protocol/base/protocolutils.h"
 #include "protocol/fetchitemcommand.h"
-#include "protocol/protocolutils.h"
 
 #include <QDataStream>
 #include <QDebug>

@@ -3,7 +3,7 @@
 
 #include "application/base/logging.h"
 #include "easitems/algorithms/foldercreateresponseparser.h"
-#include "protocol/protocolutils.h"
+#include "protocol/base/protocolutils.h"
 #include "protocol/wbxml/wbxmlencoder.h"
 
 using namespace Wbxml;

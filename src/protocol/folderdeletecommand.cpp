@@ -2,7 +2,7 @@
 #include "protocol/folderdeletecommand.h"
 
 #include "easitems/algorithms/folderdeleteresponseparser.h"
-#include "protocol/protocolutils.h"
+#include "protocol/base/protocolutils.h"
 #include "protocol/wbxml/wbxmlencoder.h"
 
 using namespace Wbxml;

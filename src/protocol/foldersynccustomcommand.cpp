@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "protocol/foldersynccustomcommand.h"
 
-#include "application/easaccount.h"
-#include "protocol/protocolutils.h"
+#include "application/account/easaccount.h"
+#include "protocol/base/protocolutils.h"
 #include "protocol/wbxml/wbxmlencoder.h"
 #include "protocol/wbxml/wbxmltokens.h"
 

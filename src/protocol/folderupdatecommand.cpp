@@ -2,7 +2,7 @@
 #include "protocol/folderupdatecommand.h"
 
 #include "easitems/algorithms/folderupdateresponseparser.h"
-#include "protocol/protocolutils.h"
+#include "protocol/base/protocolutils.h"
 #include "protocol/wbxml/wbxmlencoder.h"
 
 using namespace Wbxml;

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "protocol/getattachmentcommand.h"
 
+#include "application/account/easaccount.h"
 #include "application/base/logging.h"
-#include "application/easaccount.h"
-#include "protocol/protocolutils.h"
+#include "protocol/base/protocolutils.h"
 
 #include <QDebug>
 #include <QNetworkRequest>

@@ -3,7 +3,7 @@
 
 #include "application/base/logging.h"
 #include "easitems/algorithms/moveitemsresponseparser.h"
-#include "protocol/protocolutils.h"
+#include "protocol/base/protocolutils.h"
 #include "protocol/wbxml/wbxmlencoder.h"
 
 #include <QDebug>

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "protocol/baseprotocolcommand.h"
-#include "protocol/movecontainer.h"
-#include "protocol/moveitemsresponse.h"
+#include "protocol/elements/movecontainer.h"
+#include "protocol/elements/moveitemsresponse.h"
 
 #include <QList>
 

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "protocol/optionscommand.h"
 
+#include "application/account/easaccount.h"
 #include "application/base/clock.h"
+#include "application/base/deviceinformation.h"
 #include "application/base/logging.h"
-#include "application/deviceinformation.h"
-#include "application/easaccount.h"
 #include "configurations/connectionaccountconfiguration.h"
-#include "protocol/protocolutils.h"
+#include "protocol/base/protocolutils.h"
 
 #include <QNetworkRequest>
 

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "protocol/synccommand.h"
 
+#include "application/account/easaccount.h"
 #include "application/base/logging.h"
-#include "application/easaccount.h"
 #include "easitems/algorithms/syncresponseparser.h"
-#include "protocol/protocolutils.h"
-#include "protocol/synccommandbase.h"
+#include "protocol/base/protocolutils.h"
+#include "protocol/elements/synccommandbase.h"
 #include "protocol/wbxml/wbxmlencoder.h"
 
 #include <QDebug>

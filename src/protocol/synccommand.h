@@ -2,7 +2,7 @@
 #pragma once
 
 #include "protocol/baseprotocolcommand.h"
-#include "protocol/synccollection.h"
+#include "protocol/elements/synccollection.h"
 
 #include <QList>
 

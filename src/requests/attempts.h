@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
-#include "protocol/protocolutils.h"
+#include "protocol/base/protocolutils.h"
 
 #include <QtGlobal>
 

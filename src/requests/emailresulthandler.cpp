@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "requests/emailresulthandler.h"
 
+#include "application/account/easaccount.h"
 #include "application/base/logging.h"
-#include "application/easaccount.h"
 #include "application/mapping/easdatabase.h"
-#include "protocol/synccollection.h"
-#include "protocol/synccommandchange.h"
-#include "protocol/synccommanddelete.h"
+#include "protocol/elements/synccollection.h"
+#include "protocol/elements/synccommandchange.h"
+#include "protocol/elements/synccommanddelete.h"
 #include "protocol/wbxml/wbxmltokens.h"
 #include "requests/mailserverids.h"
 #include "requests/syncstate.h"

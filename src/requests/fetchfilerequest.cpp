@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "requests/fetchfilerequest.h"
 
+#include "application/account/easaccount.h"
 #include "application/base/logging.h"
-#include "application/easaccount.h"
 #include "common/exchangeactivesync.h"
-#include "protocol/eas.h"
+#include "protocol/base/eas.h"
 #include "protocol/fetchitemcommand.h"
 
 void FetchFileRequest::startRequest()

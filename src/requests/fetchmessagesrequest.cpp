@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "requests/fetchmessagesrequest.h"
 
+#include "application/account/easaccount.h"
 #include "application/base/logging.h"
-#include "application/easaccount.h"
 #include "application/mapping/easdatabase.h"
-#include "protocol/eas.h"
+#include "protocol/base/eas.h"
 #include "protocol/fetchitemcommand.h"
 #include "protocol/wbxml/wbxmltokens.h"
 #include "requests/fetchpartrequest.h"

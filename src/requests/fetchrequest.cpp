@@ -2,9 +2,9 @@
 #include "requests/fetchrequest.h"
 
 #include "application/base/logging.h"
-#include "protocol/eas.h"
+#include "protocol/base/eas.h"
+#include "protocol/base/protocolutils.h"
 #include "protocol/fetchitemcommand.h"
-#include "protocol/protocolutils.h"
 
 QString FetchRequest::commandName() const
 {

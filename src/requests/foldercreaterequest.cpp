@@ -2,8 +2,8 @@
 #include "requests/foldercreaterequest.h"
 
 #include "application/base/logging.h"
+#include "protocol/base/protocolutils.h"
 #include "protocol/foldercreatecommand.h"
-#include "protocol/protocolutils.h"
 
 #include <algorithm>
 #include <iterator>

@@ -3,8 +3,8 @@
 
 #include "application/base/logging.h"
 #include "application/mapping/easdatabase.h"
+#include "protocol/base/protocolutils.h"
 #include "protocol/folderdeletecommand.h"
-#include "protocol/protocolutils.h"
 
 #include <QMap>
 

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "requests/foldersyncrequest.h"
 
+#include "application/account/easaccount.h"
 #include "application/base/logging.h"
-#include "application/easaccount.h"
 #include "application/mapping/easdatabase.h"
-#include "protocol/eas.h"
+#include "protocol/base/eas.h"
+#include "protocol/base/protocolutils.h"
 #include "protocol/foldersynccommand.h"
-#include "protocol/protocolutils.h"
 #include "requests/folderhierarchychanges.h"
 
 FolderSyncRequest::FolderSyncRequest(EasAccountId accountId, quint64 requestId, QObject *parent)

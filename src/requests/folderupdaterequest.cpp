@@ -2,8 +2,8 @@
 #include "requests/folderupdaterequest.h"
 
 #include "application/mapping/easdatabase.h"
+#include "protocol/base/protocolutils.h"
 #include "protocol/folderupdatecommand.h"
-#include "protocol/protocolutils.h"
 #include "protocol/wbxml/wbxmltokens.h"
 
 FolderUpdateRequest::FolderUpdateRequest(EasAccountId accountId, const QString &folderLocalId,

@@ -3,8 +3,8 @@
 
 #include "application/base/logging.h"
 #include "application/mapping/easdatabase.h"
+#include "protocol/base/protocolutils.h"
 #include "protocol/foldersynccommand.h"
-#include "protocol/protocolutils.h"
 
 void HierarchyRequest::reportRequestCompleted()
 {

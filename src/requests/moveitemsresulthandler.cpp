@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "requests/moveitemsresulthandler.h"
 
+#include "application/account/easaccount.h"
 #include "application/base/logging.h"
-#include "application/easaccount.h"
 #include "application/mapping/easdatabase.h"
 #include "easitems/emailserverid.h"
-#include "protocol/eas.h"
+#include "protocol/base/eas.h"
+#include "protocol/elements/moveitemsresponse.h"
 #include "protocol/moveitemscommand.h"
-#include "protocol/moveitemsresponse.h"
 #include "protocol/wbxml/wbxmltokens.h"
 #include "requests/syncstate.h"
 #include "storages/mailstorage.h"

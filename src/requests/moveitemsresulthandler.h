@@ -2,7 +2,7 @@
 #pragma once
 
 #include "easitems/easemailitem.h"
-#include "protocol/movecontainer.h"
+#include "protocol/elements/movecontainer.h"
 
 #include "requests/mailserverids.h"
 

@@ -2,7 +2,7 @@
 #include "requests/provisionrequest.h"
 
 #include "application/base/logging.h"
-#include "protocol/protocolutils.h"
+#include "protocol/base/protocolutils.h"
 
 ProvisionRequest::ProvisionRequest(
     EasAccountId accountId, qulonglong requestId, bool remoteWipe, QObject *parent)

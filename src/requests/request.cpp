@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "requests/request.h"
 
+#include "application/account/easaccount.h"
 #include "application/base/clock.h"
 #include "application/base/logging.h"
-#include "application/easaccount.h"
 #include "application/networkmanager.h"
 #include "application/requestmanager.h"
-#include "protocol/protocolutils.h"
+#include "protocol/base/protocolutils.h"
 #include "requests/provisionrequest.h"
 #include "requests/versionnegotiator.h"
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 // How a request comes by the protocol version of its account.
+#include "application/account/easaccount.h"
 #include "application/base/logging.h"
-#include "application/easaccount.h"
-#include "protocol/protocolutils.h"
+#include "protocol/base/protocolutils.h"
 #include "requests/request.h"
 #include "requests/versionnegotiator.h"
 

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 // How a request meets a server's demand for provisioning, and goes on after it.
+#include "application/account/easaccount.h"
 #include "application/base/logging.h"
-#include "application/easaccount.h"
+#include "protocol/base/eas.h"
+#include "protocol/base/protocolutils.h"
 #include "protocol/baseprotocolcommand.h"
-#include "protocol/eas.h"
-#include "protocol/protocolutils.h"
 #include "requests/provisionrequest.h"
 #include "requests/request.h"
 

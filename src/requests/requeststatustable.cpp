@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 // What the statuses of a finished command make a request do.
+#include "application/base/deviceinformation.h"
 #include "application/base/logging.h"
-#include "application/deviceinformation.h"
+#include "protocol/base/eas.h"
+#include "protocol/base/protocolutils.h"
 #include "protocol/baseprotocolcommand.h"
-#include "protocol/eas.h"
-#include "protocol/protocolutils.h"
 #include "requests/request.h"
 
 #include <algorithm>

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "easitems/easfolderitem.h"
-#include "protocol/synccollection.h"
+#include "protocol/elements/synccollection.h"
 
 class AirSyncOptions;
 class EasAccount;

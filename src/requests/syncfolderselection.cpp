@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "requests/syncfolderselection.h"
 
+#include "application/account/easaccount.h"
 #include "application/base/logging.h"
-#include "application/easaccount.h"
 #include "application/mapping/easdatabase.h"
 #include "configurations/calendaraccountconfiguration.h"
 #include "configurations/contactsaccountconfiguration.h"

@@ -2,7 +2,7 @@
 #include "requests/syncitemstatus.h"
 
 #include "application/base/logging.h"
-#include "protocol/eas.h"
+#include "protocol/base/eas.h"
 
 #include <algorithm>
 #include <iterator>

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "requests/syncreplyprocessor.h"
 
+#include "application/account/easaccount.h"
 #include "application/base/logging.h"
-#include "application/easaccount.h"
 #include "application/mapping/easdatabase.h"
-#include "protocol/eas.h"
-#include "protocol/protocolutils.h"
+#include "protocol/base/eas.h"
+#include "protocol/base/protocolutils.h"
 #include "protocol/synccommand.h"
 #include "requests/calendarresulthandler.h"
 #include "requests/contactsresulthandler.h"

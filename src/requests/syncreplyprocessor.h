@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
-#include "protocol/synccollection.h"
+#include "protocol/elements/synccollection.h"
 
 #include <QHash>
 #include <QList>

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "requests/syncrequest.h"
 
+#include "application/account/easaccount.h"
 #include "application/base/logging.h"
-#include "application/easaccount.h"
+#include "protocol/base/eas.h"
+#include "protocol/base/protocolutils.h"
 #include "protocol/baseprotocolcommand.h"
-#include "protocol/eas.h"
-#include "protocol/protocolutils.h"
 #include "storages/contactstorage.h"
 
 SyncRequest::SyncRequest(EasAccountId accountId, quint64 requestId, QObject *parent)

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "requests/syncrequest.h"
 
+#include "application/account/easaccount.h"
 #include "application/base/clock.h"
 #include "application/base/logging.h"
-#include "application/easaccount.h"
-#include "protocol/eas.h"
-#include "protocol/protocolutils.h"
+#include "protocol/base/eas.h"
+#include "protocol/base/protocolutils.h"
 #include "protocol/synccommand.h"
 #include "requests/synccollectionqueue.h"
 #include "requests/syncreplyprocessor.h"

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "requests/syncrequest.h"
 
+#include "application/account/easaccount.h"
 #include "application/base/logging.h"
-#include "application/easaccount.h"
 #include "application/mapping/easdatabase.h"
-#include "protocol/eas.h"
+#include "protocol/base/eas.h"
+#include "protocol/base/protocolutils.h"
 #include "protocol/foldersynccommand.h"
 #include "protocol/moveitemscommand.h"
-#include "protocol/protocolutils.h"
 #include "requests/folderhierarchychanges.h"
 #include "requests/moveitemsresulthandler.h"
 #include "requests/syncfolderselection.h"

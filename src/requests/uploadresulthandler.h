@@ -2,11 +2,11 @@
 #pragma once
 
 #include "application/base/logging.h"
-#include "protocol/eas.h"
-#include "protocol/synccollection.h"
-#include "protocol/synccommandadd.h"
-#include "protocol/synccommandchange.h"
-#include "protocol/synccommanddelete.h"
+#include "protocol/base/eas.h"
+#include "protocol/elements/synccollection.h"
+#include "protocol/elements/synccommandadd.h"
+#include "protocol/elements/synccommandchange.h"
+#include "protocol/elements/synccommanddelete.h"
 #include "requests/syncresulthandler.h"
 
 #include <QDebug>

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "requests/versionnegotiator.h"
 
+#include "application/account/easaccount.h"
 #include "application/base/logging.h"
-#include "application/easaccount.h"
 #include "application/requestmanager.h"
+#include "protocol/base/protocolutils.h"
 #include "protocol/foldersynccustomcommand.h"
 #include "protocol/optionscommand.h"
-#include "protocol/protocolutils.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "accounts/easaccountimpl.h"
 #include "application/base/clock.h"
-#include "application/deviceinformation.h"
+#include "application/base/deviceinformation.h"
 #include "configurations/connectionaccountconfiguration.h"
 #include "configurations/emailaccountconfiguration.h"
 #include "storages/contactstorage.h"

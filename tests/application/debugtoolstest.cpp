@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "application/base/debugtools.h"
+#include "protocol/wbxml/debugtools.h"
 #include "application/base/logging.h"
 #include "support/logcollector.h"
 #include "support/testmain.h"

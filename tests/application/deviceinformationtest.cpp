@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "application/deviceinformation.h"
+#include "application/base/deviceinformation.h"
 #include "easitems/containers/deviceinformationcontainer.h"
 #include "protocol/wbxml/wbxmlencoder.h"
 #include "support/logcollector.h"

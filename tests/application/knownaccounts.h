@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
-#include "application/easaccount.h"
+#include "application/account/easaccount.h"
 #include "application/requestmanager.h"
 
 #include <memory>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "application/networkmanager.h"
-#include "protocol/protocolutils.h"
+#include "protocol/base/protocolutils.h"
 #include "support/accountregistry.h"
 #include "support/bearer.h"
 #include "support/challengeserver.h"

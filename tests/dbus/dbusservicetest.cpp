@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "dbus/dbusinterfacethread.h"
 
-#include "application/easaccount.h"
+#include "application/account/easaccount.h"
 #include "common/dbustypes.h"
 #include "common/exchangeactivesync.h"
 #include "support/accountfactory.h"

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "easitems/algorithms/calendarappdataparser.h"
-#include "easitems/algorithms/calendarfields.h"
+#include "easitems/fields/calendarfields.h"
 #include "support/logcollector.h"
 #include "support/testmain.h"
 #include "support/wbxmldocument.h"

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "easitems/algorithms/contactsappdataparser.h"
-#include "easitems/algorithms/contactsfields.h"
+#include "easitems/fields/contactsfields.h"
 #include "protocol/wbxml/wbxmltokens.h"
 #include "support/logcollector.h"
 #include "support/testmain.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "easitems/algorithms/emailappdataparser.h"
-#include "easitems/algorithms/emailfields.h"
-#include "easitems/algorithms/sharedfields.h"
+#include "easitems/fields/emailfields.h"
+#include "easitems/fields/sharedfields.h"
 #include "protocol/wbxml/wbxmltokens.h"
 #include "support/logcollector.h"
 #include "support/testmain.h"

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "fuzzsupport.h"
 
+#include "protocol/base/protocolutils.h"
 #include "protocol/fetchitemcommand.h"
-#include "protocol/protocolutils.h"
 
 #include <QNetworkReply>
 

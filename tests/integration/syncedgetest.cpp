@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "application/easaccount.h"
+#include "application/account/easaccount.h"
 #include "application/requestmanager.h"
 #include "configurations/emailaccountconfiguration.h"
 #include "integration/statusscene.h"

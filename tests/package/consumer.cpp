@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "application/deviceinformation.h"
+#include "application/base/deviceinformation.h"
 #include "common/easrequeststatus.h"
-#include "protocol/protocolutils.h"
+#include "protocol/base/protocolutils.h"
 
 #include <cstdio>
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "protocol/baseprotocolcommand.h"
 
-#include "application/deviceinformation.h"
+#include "application/base/deviceinformation.h"
 #include "application/networkmanager.h"
-#include "protocol/protocolutils.h"
+#include "protocol/base/protocolutils.h"
 #include "support/logcollector.h"
 #include "support/scriptedclock.h"
 #include "support/scriptedmanager.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "protocol/eas.h"
+#include "protocol/base/eas.h"
 #include "easitems/easitemscommon.h"
 #include "support/testmain.h"
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "protocol/optionscommand.h"
 
-#include "application/deviceinformation.h"
+#include "application/base/deviceinformation.h"
+#include "protocol/base/protocolutils.h"
 #include "protocol/foldersynccustomcommand.h"
-#include "protocol/protocolutils.h"
 #include "protocol/wbxml/wbxmlencoder.h"
 #include "support/logcollector.h"
 #include "support/scriptedclock.h"

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "protocol/synccommand.h"
+#include "protocol/elements/synccommanddelete.h"
 #include "protocol/foldersynccommand.h"
 #include "protocol/moveitemscommand.h"
-#include "protocol/synccommanddelete.h"
 #include "support/fakeaccount.h"
 #include "support/logcollector.h"
 #include "support/testmain.h"

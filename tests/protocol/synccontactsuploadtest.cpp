@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "easitems/algorithms/contactsfields.h"
+#include "easitems/fields/contactsfields.h"
 #include "protocol/uploadscene.h"
 #include "protocol/wbxml/wbxmlparserbase.h"
 #include "support/testmain.h"

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
-#include "protocol/synccommandadd.h"
-#include "protocol/synccommandchange.h"
+#include "protocol/elements/synccommandadd.h"
+#include "protocol/elements/synccommandchange.h"
 #include "protocol/wbxml/wbxmlencoder.h"
 #include "support/wbxmldocument.h"
 

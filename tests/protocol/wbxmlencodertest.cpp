@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "protocol/wbxml/wbxmlencoder.h"
-#include "protocol/asprotocolitem.h"
+#include "protocol/wbxml/asprotocolitem.h"
 #include "protocol/wbxml/wbxmlparserbase.h"
 #include "support/logcollector.h"
 #include "support/testmain.h"

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "protocol/wbxml/wbxmllogger.h"
-#include "application/base/debugtools.h"
+#include "protocol/wbxml/debugtools.h"
 #include "protocol/wbxml/wbxmlencoder.h"
 #include "support/logcollector.h"
 #include "support/testmain.h"

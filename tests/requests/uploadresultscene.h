@@ -2,10 +2,10 @@
 #pragma once
 
 #include "application/mapping/easdatabase.h"
-#include "protocol/synccollection.h"
-#include "protocol/synccommandadd.h"
-#include "protocol/synccommandchange.h"
-#include "protocol/synccommanddelete.h"
+#include "protocol/elements/synccollection.h"
+#include "protocol/elements/synccommandadd.h"
+#include "protocol/elements/synccommandchange.h"
+#include "protocol/elements/synccommanddelete.h"
 #include "requests/syncstate.h"
 #include "support/fakeaccount.h"
 

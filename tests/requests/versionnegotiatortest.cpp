@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "requests/versionnegotiator.h"
 
-#include "protocol/protocolutils.h"
+#include "protocol/base/protocolutils.h"
 #include "support/bearer.h"
 #include "support/logcollector.h"
 #include "support/probes.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "storages/accountstorageimpl.h"
 
-#include "application/easaccount.h"
+#include "application/account/easaccount.h"
 #include "application/mapping/easdatabase.h"
 #include "support/accountfactory.h"
 #include "support/accountregistry.h"

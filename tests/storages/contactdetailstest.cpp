@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "easitems/algorithms/contactsfields.h"
+#include "easitems/fields/contactsfields.h"
 #include "storages/contacts/contactreader.h"
 #include "storages/contacts/contactstorecontext.h"
 #include "storages/contacts/contactwriter.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "support/accountregistry.h"
 
-#include "application/easaccount.h"
+#include "application/account/easaccount.h"
 #include "dbus/dbusinterfacethread.h"
 #include "storages/accountstorage.h"
 

@@ -3,7 +3,8 @@
 
 #include <QString>
 
-/** Where the tree that is tested stands. One source file knows, so that the others compile alike everywhere. */
+/** Where the tree that is tested stands. One source file knows, so that the others compile alike everywhere.
+ */
 namespace BuildPaths {
 
 /** A file of the source tree, by its path from the top. */

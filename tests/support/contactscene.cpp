@@ -2,7 +2,7 @@
 #include "support/contactscene.h"
 
 #include "application/mapping/easdatabase.h"
-#include "easitems/algorithms/contactsfields.h"
+#include "easitems/fields/contactsfields.h"
 #include "simulator/itemshape.h"
 #include "simulator/wbxmlcodec.h"
 #include "storages/contacts/contactreader.h"

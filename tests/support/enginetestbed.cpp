@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "support/enginetestbed.h"
 
-#include "application/easaccount.h"
+#include "application/account/easaccount.h"
 #include "application/mapping/easdatabase.h"
 #include "application/requestmanager.h"
 #include "support/bearer.h"

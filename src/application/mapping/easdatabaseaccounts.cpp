@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 // Rows of accounts, and the operations that go across all tables.
+#include "application/account/easaccount.h"
 #include "application/base/logging.h"
-#include "application/easaccount.h"
 #include "application/mapping/databasestatement.h"
 #include "application/mapping/easdatabase.h"
 #include "application/requestmanager.h"
 #include "application/storagesfactory.h"
-#include "protocol/protocolutils.h"
+#include "protocol/base/protocolutils.h"
 
 namespace {
 

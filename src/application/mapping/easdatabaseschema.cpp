@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 // The tables of the mapping database, and the steps that bring an older file up to date.
+#include "application/account/easaccount.h"
 #include "application/base/logging.h"
-#include "application/easaccount.h"
 #include "application/mapping/databasestatement.h"
 #include "application/mapping/easdatabase.h"
 #include "application/requestmanager.h"
 #include "configurations/calendaraccountconfiguration.h"
-#include "protocol/protocolutils.h"
+#include "protocol/base/protocolutils.h"
 
 namespace {
 

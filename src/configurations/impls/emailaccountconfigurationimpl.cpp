@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "configurations/impls/emailaccountconfigurationimpl.h"
 
-#include "application/easaccount.h"
+#include "application/account/easaccount.h"
 #include "application/requestmanager.h"
 
 #include <Accounts/Account>

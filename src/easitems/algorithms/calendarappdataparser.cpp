@@ -3,7 +3,7 @@
 
 #include "application/base/clock.h"
 #include "common/exchangeactivesync.h"
-#include "easitems/algorithms/calendarfields.h"
+#include "easitems/fields/calendarfields.h"
 
 using namespace Wbxml;
 

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "easitems/algorithms/appdataparserbase.h"
-#include "easitems/algorithms/fieldtable.h"
 #include "easitems/eascalendaritem.h"
+#include "easitems/fields/fieldtable.h"
 
 /**
  * Builds an event, with the exceptions of its series, from the elements inside ApplicationData.

@@ -2,7 +2,7 @@
 #include "easitems/algorithms/contactsappdataparser.h"
 
 #include "application/base/logging.h"
-#include "easitems/algorithms/contactsfields.h"
+#include "easitems/fields/contactsfields.h"
 
 #include <QDebug>
 

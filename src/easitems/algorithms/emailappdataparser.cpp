@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "easitems/algorithms/emailappdataparser.h"
 
-#include "easitems/algorithms/emailfields.h"
-#include "easitems/algorithms/sharedfields.h"
+#include "easitems/fields/emailfields.h"
+#include "easitems/fields/sharedfields.h"
 
 using namespace Wbxml;
 

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "easitems/algorithms/appdataparserbase.h"
-#include "easitems/algorithms/fieldtable.h"
 #include "easitems/easemailitem.h"
+#include "easitems/fields/fieldtable.h"
 
 /**
  * Builds a mail item from the elements inside ApplicationData or Properties.

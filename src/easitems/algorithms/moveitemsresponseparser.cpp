@@ -2,7 +2,7 @@
 #include "easitems/algorithms/moveitemsresponseparser.h"
 
 #include "application/base/logging.h"
-#include "protocol/eas.h"
+#include "protocol/base/eas.h"
 #include "protocol/wbxml/wbxmltokens.h"
 
 #include <QDebug>

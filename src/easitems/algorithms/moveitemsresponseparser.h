@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
-#include "protocol/moveitemsresponse.h"
+#include "protocol/elements/moveitemsresponse.h"
 #include "protocol/wbxml/wbxmlparserbase.h"
 
 #include <QList>

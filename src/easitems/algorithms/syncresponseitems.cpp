@@ -4,7 +4,7 @@
 
 #include "application/base/logging.h"
 #include "application/mapping/easdatabase.h"
-#include "easitems/algorithms/fieldtable.h"
+#include "easitems/fields/fieldtable.h"
 #include "protocol/wbxml/wbxmltokens.h"
 
 #include <QDebug>

@@ -5,7 +5,7 @@
 #include "easitems/algorithms/contactsappdataparser.h"
 #include "easitems/algorithms/emailappdataparser.h"
 #include "easitems/itemscommon.h"
-#include "protocol/synccollection.h"
+#include "protocol/elements/synccollection.h"
 #include "protocol/wbxml/wbxmlparserbase.h"
 
 /**

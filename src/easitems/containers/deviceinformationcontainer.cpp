@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "easitems/containers/deviceinformationcontainer.h"
 
-#include "application/deviceinformation.h"
+#include "application/base/deviceinformation.h"
 #include "protocol/wbxml/wbxmlencoder.h"
 #include "protocol/wbxml/wbxmltokens.h"
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "common/exchangeactivesync.h"
-#include "protocol/asprotocolitem.h"
+#include "protocol/wbxml/asprotocolitem.h"
 
 #include <QString>
 

@@ -5,7 +5,7 @@
 #include "application/mapping/easdatabase.h"
 #include "common/exchangeactivesync.h"
 #include "easitems/easfolderitem.h"
-#include "protocol/protocolutils.h"
+#include "protocol/base/protocolutils.h"
 #include "protocol/wbxml/wbxmltokens.h"
 #include "storages/calendar/calendarattachmentservice.h"
 #include "storages/calendar/calendarorigin.h"

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "storages/calendar/calendarlocalchanges.h"
 
+#include "application/account/easaccount.h"
 #include "application/base/clock.h"
 #include "application/base/logging.h"
-#include "application/easaccount.h"
 #include "application/mapping/easdatabase.h"
 #include "configurations/calendaraccountconfiguration.h"
 #include "storages/calendar/calendarlocalchecks.h"

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "storages/calendar/calendarstorageimpl.h"
 
+#include "application/account/easaccount.h"
 #include "application/base/clock.h"
 #include "application/base/logging.h"
-#include "application/easaccount.h"
 #include "configurations/calendaraccountconfiguration.h"
 #include "easitems/eascalendaritem.h"
 #include "easitems/easfolderitem.h"

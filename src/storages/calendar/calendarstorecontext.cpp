@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "storages/calendar/calendarstorecontext.h"
 
-#include "application/easaccount.h"
+#include "application/account/easaccount.h"
 
 EasAccountId CalendarStoreContext::accountId() const
 {

@@ -3,7 +3,7 @@
 
 #include "application/base/logging.h"
 #include "application/mapping/easdatabase.h"
-#include "protocol/protocolutils.h"
+#include "protocol/base/protocolutils.h"
 #include "protocol/wbxml/wbxmltokens.h"
 #include "storages/contacts/contactavatars.h"
 #include "storages/contacts/contactstorecontext.h"

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "storages/mail/mailmessagewriter.h"
 
+#include "application/account/easaccount.h"
 #include "application/base/logging.h"
-#include "application/easaccount.h"
 #include "common/exchangeactivesync.h"
 #include "easitems/easemailitem.h"
 #include "storages/calendarstorage.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "storages/mail/mailstorecontext.h"
 
-#include "application/easaccount.h"
+#include "application/account/easaccount.h"
 
 EasAccountId MailStoreContext::accountId() const
 {

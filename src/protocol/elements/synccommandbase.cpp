@@ -1,0 +1,7 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "protocol/elements/synccommandbase.h"
+
+SyncCommandBase::SyncCommandBase(QObject *parent)
+    : AsProtocolItem(parent)
+{
+}
