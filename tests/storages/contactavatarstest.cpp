@@ -101,6 +101,66 @@ private Q_SLOTS:
         QCOMPARE(ContactAvatars::upload(written(picture)), QString::fromLatin1(picture.toBase64()));
     }
 
+    void thePictureOfTheGreatestSizeGoesUpUnchanged_data()
+    {
+        QTest::addColumn<int>("size");
+        QTest::addColumn<bool>("unchanged");
+        // Three bytes are four characters, of which 49152 are taken.
+        QTest::newRow("the last that is taken") << 36864 << true;
+        QTest::newRow("one byte more") << 36865 << false;
+    }
+
+    void thePictureOfTheGreatestSizeGoesUpUnchanged()
+    {
+        QFETCH(int, size);
+        QFETCH(bool, unchanged);
+        // What stands behind the end of a picture is no part of it.
+        const QByteArray picture = TestPictures::noise(90).leftJustified(size, '\0');
+        QCOMPARE(picture.size(), size);
+        const QString up = ContactAvatars::upload(written(picture));
+        QVERIFY(!up.isEmpty());
+        QCOMPARE(up == QString::fromLatin1(picture.toBase64()), unchanged);
+    }
+
+    void aPictureStandsUprightWhenItIsCompressed()
+    {
+        const QByteArray up = ContactAvatars::upload(written(TestPictures::lyingPhoto(400, 300))).toLatin1();
+        QImage image;
+        QVERIFY(image.loadFromData(QByteArray::fromBase64(up)));
+        QCOMPARE(image.size(), QSize(300, 400));
+        // Turned by a quarter, what was on the left is at the top.
+        QVERIFY2(qRed(image.pixel(150, 20)) > qBlue(image.pixel(150, 20)), "red above");
+        QVERIFY2(qBlue(image.pixel(150, 380)) > qRed(image.pixel(150, 380)), "blue below");
+    }
+
+    void aCompressedPictureIsTheSameAsItsFile()
+    {
+        const QUrl large = written(TestPictures::noise(300));
+        const QByteArray up = ContactAvatars::upload(large).toLatin1();
+        QVERIFY(!ContactAvatars::holds(large, up));
+        QVERIFY(ContactAvatars::isPictureOf(large, up));
+        QVERIFY(!ContactAvatars::isPictureOf(large, TestPictures::png(1).toBase64()));
+        QVERIFY(!ContactAvatars::isPictureOf(large, QByteArray()));
+        const QUrl small = written(TestPictures::png(1));
+        QVERIFY(ContactAvatars::isPictureOf(small, TestPictures::png(1).toBase64()));
+        QVERIFY(!ContactAvatars::isPictureOf(small, TestPictures::png(2).toBase64()));
+    }
+
+    void onlyTheUserMayLookAtPictures()
+    {
+        const QString folder = QDir::homePath() + QStringLiteral("/.avatars/account-77");
+        QVERIFY(QDir().mkpath(folder));
+        // As an older version has made it.
+        QVERIFY(QFile::setPermissions(folder,
+            QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner | QFile::ReadOther | QFile::ExeOther));
+        const QUrl url = mAvatars.saveAvatar(TestPictures::png().toBase64());
+        const auto others = QFile::ReadGroup | QFile::WriteGroup | QFile::ExeGroup | QFile::ReadOther
+            | QFile::WriteOther | QFile::ExeOther;
+        QCOMPARE(QFile::permissions(url.toLocalFile()) & others, QFile::Permissions());
+        QCOMPARE(QFile::permissions(folder) & others, QFile::Permissions());
+        QVERIFY(QFile::permissions(folder) & QFile::ExeOwner);
+    }
+
     void aLargePictureIsCompressed()
     {
         const QByteArray picture = TestPictures::noise(300);

@@ -16,6 +16,7 @@
 #include <QSignalSpy>
 #include <QSqlDatabase>
 #include <QSqlQuery>
+#include <QTemporaryFile>
 #include <QtTest>
 
 QTCONTACTS_USE_NAMESPACE
@@ -397,6 +398,29 @@ private Q_SLOTS:
         QVERIFY(account.receive({}, { item }));
         QVERIFY(account.receive({}, {}, { QStringLiteral("1") }));
         QVERIFY(account.pictures().isEmpty());
+    }
+
+    void theUsersOwnPhotoStaysWithTheContact()
+    {
+        ContactAccount account;
+        account.addFolder();
+        EasContactsItem item = account.item(QStringLiteral("1"), QStringLiteral("Ada"));
+        QVERIFY(account.receive({ item }));
+        QTemporaryFile photo;
+        QVERIFY(photo.open());
+        QVERIFY(photo.write(TestPictures::noise(300)) > 0 && photo.flush());
+        const QUrl url = QUrl::fromLocalFile(photo.fileName());
+        QContact contact = account.contact(QStringLiteral("1"));
+        QContactAvatar avatar;
+        avatar.setImageUrl(url);
+        QVERIFY(contact.saveDetail(&avatar));
+        QVERIFY(account.store.manager().saveContact(&contact));
+        // It went up made smaller; the server changes something else.
+        item.setPicture(ContactAvatars::upload(url));
+        item.setLastName(QStringLiteral("Lovelace"));
+        QVERIFY(account.receive({}, { item }));
+        QCOMPARE(account.contact(QStringLiteral("1")).detail<QContactAvatar>().imageUrl(), url);
+        QCOMPARE(account.pictures(), QStringList());
     }
 
     // Accounts

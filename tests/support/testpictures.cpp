@@ -4,6 +4,7 @@
 #include <QBuffer>
 #include <QColor>
 #include <QImage>
+#include <QImageWriter>
 #include <QRandomGenerator>
 #include <QtEndian>
 
@@ -53,6 +54,26 @@ QByteArray TestPictures::noise(int side)
             image.setPixel(x, y, random.generate() | 0xFF000000);
     }
     return encoded(image);
+}
+
+QByteArray TestPictures::lyingPhoto(int width, int height)
+{
+    QRandomGenerator random(7);
+    QImage image(width, height, QImage::Format_RGB32);
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; ++x) {
+            const int grain = int(random.bounded(100));
+            image.setPixel(x, y, x < width / 2 ? qRgb(255, grain, grain) : qRgb(grain, grain, 255));
+        }
+    }
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    QImageWriter writer(&buffer, "jpg");
+    writer.setQuality(95);
+    writer.setTransformation(QImageIOHandler::TransformationRotate90);
+    writer.write(image);
+    return bytes;
 }
 
 QByteArray TestPictures::hollowPng(quint32 width, quint32 height)

@@ -34,6 +34,8 @@ QImage readWithinLimits(const QString &path)
 {
     QImageReader reader(path);
     reader.setDecideFormatFromContent(true);
+    // Cameras write a picture as it fell on the chip, and the turn beside it; the copy has no place for that.
+    reader.setAutoTransform(true);
     const QSize size = reader.size();
     if (!size.isValid() || qint64(size.width()) * size.height() > maxPixels)
         return QImage();
@@ -90,7 +92,7 @@ QUrl ContactAvatars::saveAvatar(const QByteArray &base64) const
     qCDebug(eas()) << "Picture format: " << format << ", size: " << data.size();
 
     const QString folder = avatarsDirInHome(mAccountId);
-    if (!QDir().mkpath(folder)) {
+    if (!makeFolder()) {
         qCWarning(eas()) << "Failed to created avatars directory for account " << mAccountId;
         return QUrl();
     }
@@ -106,6 +108,21 @@ QUrl ContactAvatars::saveAvatar(const QByteArray &base64) const
     file.setAutoRemove(false);
     qCDebug(eas()) << "Avatar was saved " << file.fileName();
     return QUrl::fromLocalFile(file.fileName());
+}
+
+bool ContactAvatars::makeFolder() const
+{
+    const QString folder = avatarsDirInHome(mAccountId);
+    return QDir().mkpath(folder)
+        && QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+}
+
+bool ContactAvatars::isPictureOf(const QUrl &url, const QByteArray &base64)
+{
+    if (base64.isEmpty())
+        return false;
+    return holds(url, base64)
+        || QByteArray::fromBase64(upload(url).toLatin1()) == QByteArray::fromBase64(base64);
 }
 
 bool ContactAvatars::holds(const QUrl &url, const QByteArray &base64)

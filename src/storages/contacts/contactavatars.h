@@ -9,7 +9,8 @@
 #include <QUrl>
 
 /**
- * The pictures of an account's contacts: files in a folder of the account's, which contacts name by URL.
+ * The pictures of an account's contacts: files in a folder of the account's, which contacts name by URL and
+ * the user alone can open.
  *
  * A picture that comes from outside is decoded only within limits, and its file is named here alone.
  */
@@ -21,11 +22,13 @@ public:
 
     explicit ContactAvatars(EasAccountId accountId);
 
-    /** Stores a picture that came from the server as a new file; an empty URL if it is none. */
+    /** Stores a picture that came from the server as a new file; an empty URL if the bytes are no picture. */
     QUrl saveAvatar(const QByteArray &base64) const;
 
     /** Whether the file holds this picture. */
     static bool holds(const QUrl &url, const QByteArray &base64);
+    /** Whether this picture is the file's, as it is or as it went up. */
+    static bool isPictureOf(const QUrl &url, const QByteArray &base64);
 
     /** The picture as it goes to the server: as it is if that is small enough, otherwise compressed. */
     static QString upload(const QUrl &url);
@@ -43,6 +46,7 @@ public:
 
 private:
     static QString avatarsDirInHome(EasAccountId accountId);
+    bool makeFolder() const;
 
     const EasAccountId mAccountId;
 };

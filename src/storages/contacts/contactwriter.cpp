@@ -141,7 +141,7 @@ void ContactWriter::savePicture(QContact &contact, EasContactsItem &item, const 
     const QByteArray picture = item.picture().toLatin1();
     QUrl url;
     for (const QUrl &old : oldUrls) {
-        if (url.isEmpty() && !picture.isEmpty() && ContactAvatars::holds(old, picture))
+        if (url.isEmpty() && !picture.isEmpty() && ContactAvatars::isPictureOf(old, picture))
             url = old;
     }
     if (url.isEmpty() && !picture.isEmpty()) {
