@@ -79,6 +79,14 @@ private:
 
     QContact prepared(EasContactsItem item) { return ContactWriter(mContext).prepareContact(item); }
 
+    /** As the store gives it back. */
+    QContact stored(QContact contact)
+    {
+        if (!mAccount.store.manager().saveContact(&contact))
+            return QContact();
+        return mAccount.store.manager().contact(contact.id());
+    }
+
     EasContactsItem converted(const QContact &contact)
     {
         return ContactReader(mContext).convertContact(contact);
@@ -202,7 +210,10 @@ private Q_SLOTS:
         item.setEmail3Address(text);
         const QContact contact = prepared(item);
         QCOMPARE(contact.detail<QContactEmailAddress>().emailAddress(), address);
-        QCOMPARE(converted(contact).email3Address(), address);
+        QStringList addresses;
+        for (const QContactEmailAddress &detail : contact.details<QContactEmailAddress>())
+            addresses.append(detail.emailAddress());
+        QCOMPARE(addresses.value(1), address);
     }
 
     void datesAreDays_data()
@@ -213,6 +224,8 @@ private Q_SLOTS:
                                   << "1980-05-06T00:00:00.000Z";
         QTest::newRow("noon") << "1980-05-06T11:59:00.000Z"
                               << "1980-05-06T11:59:00.000Z";
+        QTest::newRow("midnight of a zone in the east") << "1980-03-04T23:00:00.000Z"
+                                                        << "1980-03-04T23:00:00.000Z";
         QTest::newRow("before any epoch") << "1604-02-29T00:00:00.000Z"
                                           << "1604-02-29T00:00:00.000Z";
         QTest::newRow("no such day") << "1981-02-29T00:00:00.000Z"
@@ -236,6 +249,98 @@ private Q_SLOTS:
         const EasContactsItem read = converted(mAccount.store.manager().contact(contact.id()));
         QCOMPARE(read.birthday(), back);
         QCOMPARE(read.anniversary(), back);
+    }
+
+    void aDayIsThatOfTheNearestMidnight_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QDate>("day");
+        QTest::newRow("midnight") << "1980-03-05T00:00:00.000Z" << QDate(1980, 3, 5);
+        QTest::newRow("midnight of a zone in the east") << "1980-03-04T23:00:00.000Z" << QDate(1980, 3, 5);
+        QTest::newRow("midnight of a zone in the west") << "1980-03-05T08:00:00.000Z" << QDate(1980, 3, 5);
+        QTest::newRow("just before noon") << "1980-03-05T11:59:00.000Z" << QDate(1980, 3, 5);
+        QTest::newRow("noon") << "1980-03-05T12:00:00.000Z" << QDate(1980, 3, 6);
+        QTest::newRow("the last day of a leap February") << "1980-02-28T22:00:00.000Z" << QDate(1980, 2, 29);
+        QTest::newRow("a date without a time") << "1980-03-05" << QDate(1980, 3, 5);
+    }
+
+    void aDayIsThatOfTheNearestMidnight()
+    {
+        QFETCH(QString, text);
+        QFETCH(QDate, day);
+        EasContactsItem item = mAccount.item(QStringLiteral("x"), QStringLiteral("Ada"));
+        item.setBirthday(text);
+        item.setAnniversary(text);
+        const QContact contact = stored(prepared(item));
+        QCOMPARE(contact.detail<QContactBirthday>().date(), day);
+        QCOMPARE(contact.detail<QContactAnniversary>().originalDate(), day);
+        QCOMPARE(converted(contact).birthday(), text);
+        QCOMPARE(converted(contact).anniversary(), text);
+    }
+
+    void aDayThatAnOlderRunCutOffGoesUpAsItCame()
+    {
+        // The day was that of the text, whatever the time beside it.
+        QContact contact = ContactFixture::named(QStringLiteral("Ada"));
+        QContactBirthday birthday;
+        birthday.setDate(QDate(1980, 3, 4));
+        QVERIFY(contact.saveDetail(&birthday));
+        const QString text = QStringLiteral("1980-03-04T23:00:00.000Z");
+        for (const auto &[name, data] :
+            { std::pair("Birthday", text), std::pair("BirthdayOf", text.left(10)) }) {
+            QContactExtendedDetail kept;
+            kept.setName(QString::fromLatin1(name));
+            kept.setData(data);
+            QVERIFY(contact.saveDetail(&kept));
+        }
+        QCOMPARE(converted(contact).birthday(), text);
+    }
+
+    void anAddressGoesUpWithTheNameThatCameWithIt()
+    {
+        const QString text = QStringLiteral("\"Ada L.\" <ada@example.org>");
+        EasContactsItem item = mAccount.item(QStringLiteral("x"), QStringLiteral("Ada"));
+        item.setEmail1Address(text);
+        item.setEmail2Address(QStringLiteral("plain@example.org"));
+        item.setEmail3Address(text);
+        QContact contact = stored(prepared(item));
+        QCOMPARE(converted(contact).email1Address(), text);
+        QCOMPARE(converted(contact).email2Address(), QStringLiteral("plain@example.org"));
+        QCOMPARE(converted(contact).email3Address(), text);
+
+        QContactEmailAddress first = contact.detail<QContactEmailAddress>();
+        first.setEmailAddress(QStringLiteral("new@example.org"));
+        QVERIFY(contact.saveDetail(&first));
+        QCOMPARE(converted(contact).email1Address(), QStringLiteral("new@example.org"));
+        QCOMPARE(converted(contact).email3Address(), text);
+    }
+
+    void aNoteThatCameCutShortStaysWithTheServer_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::newRow("the beginning of it") << "The beginning of a lo";
+        QTest::newRow("nothing of it") << "";
+    }
+
+    void aNoteThatCameCutShortStaysWithTheServer()
+    {
+        QFETCH(QString, text);
+        EasContactsItem item = mAccount.item(QStringLiteral("x"), QStringLiteral("Ada"));
+        EasBodyContainer body;
+        body.setType(EasBodyContainer::PlainTextBodyType);
+        body.setData(text);
+        body.setTruncated(true);
+        item.setBody(body);
+        QContact contact = stored(prepared(item));
+        QCOMPARE(contact.detail<QContactNote>().note(), text);
+        QCOMPARE(converted(contact).body().type(), EasBodyContainer::UnspecifiedBodyType);
+
+        // What the user writes is the note from then on.
+        QContactNote note = contact.detail<QContactNote>();
+        note.setNote(QStringLiteral("Another one"));
+        QVERIFY(contact.saveDetail(&note));
+        QCOMPARE(converted(contact).body().type(), EasBodyContainer::PlainTextBodyType);
+        QCOMPARE(converted(contact).body().data(), QStringLiteral("Another one"));
     }
 
     void anotherDayHasNoTime()

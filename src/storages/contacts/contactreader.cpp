@@ -3,6 +3,7 @@
 
 #include "application/base/logging.h"
 #include "storages/contacts/contactavatars.h"
+#include "storages/contacts/contactdates.h"
 #include "storages/contacts/contactdetails.h"
 #include "storages/contacts/contactphonenumbers.h"
 #include "storages/contacts/contactservertexts.h"
@@ -29,14 +30,6 @@
 QTCONTACTS_USE_NAMESPACE
 
 namespace {
-
-/** A day, as the protocol has it. */
-QString dateText(const QDate &date)
-{
-    return date.isValid()
-        ? QDateTime(date, QTime(0, 0), Qt::UTC).toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss.zzzZ"))
-        : QString();
-}
 
 /** What the store and the engine add to a contact; it says nothing about the person. */
 bool isOwnOfStore(int type)
@@ -124,12 +117,12 @@ EasContactsItem ContactReader::convertContact(const QContact &contact) const
 
 void ContactReader::processDetailAnniversary(const Details &details, EasContactsItem &item) const
 {
-    item.setAnniversary(dateText(QContactAnniversary(details.first()).originalDateTime().date()));
+    item.setAnniversary(ContactDates::text(QContactAnniversary(details.first()).originalDateTime().date()));
 }
 
 void ContactReader::processDetailBirthday(const Details &details, EasContactsItem &item) const
 {
-    item.setBirthday(dateText(QContactBirthday(details.first()).date()));
+    item.setBirthday(ContactDates::text(QContactBirthday(details.first()).date()));
 }
 
 void ContactReader::processDetailName(const Details &details, EasContactsItem &item) const

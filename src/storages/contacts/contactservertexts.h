@@ -7,7 +7,8 @@
 
 /**
  * What the server says of a contact and the device has no detail for, or a coarser one: the name to sort by,
- * and dates with their time of the day. A change of something else must not take it from the server.
+ * dates with their time of the day, the name beside a mail address, a note that the server cut short. An edit
+ * of something else must not take it from the server.
  */
 namespace ContactServerTexts {
 

@@ -2,6 +2,7 @@
 #include "storages/contacts/contactwriter.h"
 
 #include "application/base/logging.h"
+#include "storages/contacts/contactdates.h"
 #include "storages/contacts/contactdetails.h"
 #include "storages/contacts/contactphonenumbers.h"
 #include "storages/contacts/contactservertexts.h"
@@ -64,7 +65,7 @@ QContact ContactWriter::prepareContact(EasContactsItem &item)
     saveDates(contact, plain);
     saveShapes(contact, plain);
     saveTags(contact, plain);
-    ContactServerTexts::save(contact, plain);
+    ContactServerTexts::save(contact, item);
     savePicture(contact, item, oldAvatars);
     ContactPhoneNumbers::easPhoneNumbersToContacts(contact, plain);
     return contact;
@@ -99,16 +100,16 @@ void ContactWriter::saveOrigin(QContact &contact, const EasContactsItem &item) c
 
 void ContactWriter::saveDates(QContact &contact, const EasContactsItem &item) const
 {
-    const QDateTime anniversary = QDateTime::fromString(item.anniversary(), Qt::ISODate);
+    const QDate anniversary = ContactDates::day(item.anniversary());
     if (anniversary.isValid()) {
         QContactAnniversary detail;
-        detail.setOriginalDateTime(anniversary);
+        detail.setOriginalDateTime(QDateTime(anniversary, QTime(0, 0)));
         detail.setSubType(QContactAnniversary::SubTypeWedding);
         save(contact, detail, "Failed to save anniversary ", item.anniversary());
     } else if (!item.anniversary().isEmpty()) {
         qCWarning(eas()) << "Failed to save anniversary " << item.anniversary();
     }
-    const QDate birthday = QDate::fromString(item.birthday(), Qt::ISODate);
+    const QDate birthday = ContactDates::day(item.birthday());
     if (birthday.isValid()) {
         QContactBirthday detail;
         detail.setDate(birthday);
