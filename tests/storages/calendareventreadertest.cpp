@@ -5,6 +5,7 @@
 #include "easitems/eastimezone.h"
 #include "storages/calendar/calendarattendees.h"
 #include "storages/calendar/calendareventproperties.h"
+#include "storages/calendar/calendareventstatus.h"
 #include "support/calendarscene.h"
 #include "support/logcollector.h"
 #include "support/testmain.h"
@@ -139,7 +140,7 @@ private Q_SLOTS:
         const Event::Ptr event = this->event();
         CalendarEventProperties::setNumber(*event, CalendarBusyStatusParamName, stored);
         event->setStatus(Incidence::Status(status));
-        QCOMPARE(int(CalendarEventReader::convertBusyStatus(event)), expected);
+        QCOMPARE(int(CalendarEventStatus::convertBusyStatus(*event)), expected);
         QCOMPARE(CalendarEventProperties::number(*event, CalendarBusyStatusParamName), kept ? stored : -1);
     }
 
@@ -168,7 +169,7 @@ private Q_SLOTS:
         const Event::Ptr event = this->event();
         CalendarEventProperties::setNumber(*event, CalendarSensitivityParamName, stored);
         event->setSecrecy(Incidence::Secrecy(secrecy));
-        QCOMPARE(int(CalendarEventReader::convertSensitivity(event)), expected);
+        QCOMPARE(int(CalendarEventStatus::convertSensitivity(*event)), expected);
         QCOMPARE(CalendarEventProperties::number(*event, CalendarSensitivityParamName), kept ? stored : -1);
     }
 
@@ -345,14 +346,51 @@ private Q_SLOTS:
         QVERIFY(mScene->saveSynced(series(), QStringLiteral("f1:2")));
         QVERIFY(mScene->addException(QStringLiteral("series-1"), 3, QStringLiteral("moved")));
         EasCalendarItem item = converted(mScene->load(QStringLiteral("series-1")));
-        const Event::Ptr exception =
-            mScene->context.calendar->eventInstances(mScene->load(QStringLiteral("series-1"))).constFirst();
-        QVERIFY(CalendarEventReader(mScene->context).applyException(exception, false, item, true));
+        const Event::Ptr stored = mScene->load(QStringLiteral("series-1"));
+        const Event::Ptr exception = mScene->context.calendar->eventInstances(stored).constFirst();
+        QVERIFY(CalendarEventReader(mScene->context).applyException(stored, exception, false, item, true));
         QCOMPARE(item.exceptions().size(), 1);
         QVERIFY(item.exceptions().constFirst().itemChanged());
         QVERIFY(log.contains(QStringLiteral("already applied to the calendar item")));
-        QVERIFY(!CalendarEventReader(mScene->context).applyException(event(), false, item, true));
+        QVERIFY(!CalendarEventReader(mScene->context).applyException(stored, event(), false, item, true));
         QVERIFY(log.contains(QStringLiteral("No recurrence ID:")));
+    }
+
+    void anExceptionIsNamedAsItsSeriesCounts_data()
+    {
+        QTest::addColumn<int>("version");
+        QTest::addColumn<bool>("seriesOfDays");
+        QTest::addColumn<QString>("name");
+        const int before = ProtocolVersion141;
+        const int after = ProtocolVersion161;
+        QTest::newRow("a day in a series of hours") << before << false << QStringLiteral("20240504T080000Z");
+        QTest::newRow("the same from 16.0 on") << after << false << QStringLiteral("20240504T080000Z");
+        QTest::newRow("an hour in a series of days") << before << true << QStringLiteral("20240503T220000Z");
+        QTest::newRow("the same from 16.0 on") << after << true << QStringLiteral("20240504T000000Z");
+    }
+
+    void anExceptionIsNamedAsItsSeriesCounts()
+    {
+        QFETCH(int, version);
+        QFETCH(bool, seriesOfDays);
+        mScene->account.setProtocolVersion(ExchangeActiveSync::ProtocolVersion(version));
+        const Event::Ptr stored = series();
+        QTime time = stored->dtStart().time();
+        if (seriesOfDays) {
+            stored->setAllDay(true);
+            stored->setDtStart(stored->dtStart().date().startOfDay(stored->dtStart().timeZone()));
+            stored->setDtEnd(stored->dtStart());
+            time = QTime(0, 0);
+        }
+        const Event::Ptr exception(stored->clone());
+        exception->clearRecurrence();
+        exception->setAllDay(!seriesOfDays);
+        exception->setRecurrenceId(QDateTime(QDate(2024, 5, 4), time, stored->dtStart().timeZone()));
+        exception->setDtStart(
+            QDateTime(QDate(2024, 5, 4), QTime(seriesOfDays ? 9 : 0, 0), stored->dtStart().timeZone()));
+        EasCalendarItem item;
+        QVERIFY(CalendarEventReader(mScene->context).applyException(stored, exception, false, item, true));
+        QTEST(item.exceptions().constFirst().exceptionStartTime(), "name");
     }
 };
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "storages/calendar/calendarattendees.h"
 
+#include "application/base/logging.h"
 #include "common/exchangeactivesync.h"
 #include "storages/calendar/calendareventproperties.h"
 
@@ -56,6 +57,37 @@ QDateTime time(const Event &event, const QString &name, const QString &email)
 }
 
 } // namespace
+
+void CalendarAttendees::set(Event &event, const QList<EasAttendeeContainer> &attendees)
+{
+    event.clearAttendees();
+    for (const EasAttendeeContainer &container : attendees) {
+        const Attendee attendee = toAttendee(event, container);
+        if (attendee.isNull())
+            qCWarning(eas()) << "Cannot add attendee:" << container.name() << container.email();
+        else
+            event.addAttendee(attendee);
+    }
+}
+
+QList<EasAttendeeContainer> CalendarAttendees::of(const Event &event)
+{
+    QList<EasAttendeeContainer> containers;
+    const Attendee::List attendees = event.attendees();
+    for (const Attendee &attendee : attendees) {
+        if (!isOrganizer(event, attendee))
+            containers.append(toContainer(event, attendee));
+    }
+    return containers;
+}
+
+void CalendarAttendees::inherit(const Event &series, Event &exception)
+{
+    exception.clearAttendees();
+    const Attendee::List attendees = series.attendees();
+    for (const Attendee &attendee : attendees)
+        exception.addAttendee(attendee);
+}
 
 Attendee CalendarAttendees::toAttendee(Event &event, const EasAttendeeContainer &container)
 {

@@ -11,10 +11,17 @@
  */
 namespace CalendarAttendees {
 
+/** Replaces those of the event; an attendee without an address is left out, logged. */
+void set(KCalendarCore::Event &event, const QList<EasAttendeeContainer> &attendees);
+/** Without the organizer, whom some stores list as well. */
+QList<EasAttendeeContainer> of(const KCalendarCore::Event &event);
+/** Gives an exception those of its series. */
+void inherit(const KCalendarCore::Event &series, KCalendarCore::Event &exception);
+
 /** Null for an attendee without an address; the event gets the properties. */
 KCalendarCore::Attendee toAttendee(KCalendarCore::Event &event, const EasAttendeeContainer &container);
 EasAttendeeContainer toContainer(const KCalendarCore::Event &event, const KCalendarCore::Attendee &attendee);
-/** Whether this is the entry that some stores make of the organizer: no attendee that anybody invited. */
+/** Whether this is the entry that some stores make of the organizer, who was not invited as an attendee. */
 bool isOrganizer(const KCalendarCore::Event &event, const KCalendarCore::Attendee &attendee);
 
 } // namespace CalendarAttendees

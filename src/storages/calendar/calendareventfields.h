@@ -1,35 +1,37 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
-#include "easitems/eascalendaritemcommon.h"
-#include "easitems/easitemscommon.h"
+#include "storages/calendar/calendareventfield.h"
 
-#include <KCalendarCore/Event>
-
-class EasAttachmentContainer;
-class EasAttendeeContainer;
-class EasBodyContainer;
+#include <QVector>
 
 /**
- * Single values of an item as a series or an exception of the device has them. Values that the device cannot
- * tell apart stand in a custom property as well, so that an upload gives back what came.
+ * The fields of an event of the device, each written down once: how it gets there, how it goes up, what an
+ * exception inherits and what a whole item clears by leaving it out. Only exceptions themselves have a class
+ * of their own. Main thread only.
  */
 namespace CalendarEventFields {
 
-/** An alarm so many minutes before the start; none below 0. */
-void applyReminder(const KCalendarCore::Event::Ptr &event, int minutes);
-void convertBody(const KCalendarCore::Event::Ptr &event, const EasBodyContainer &body);
+/** In the order of writing: whether a time is a day, what a rule starts with, what a status was before. */
+const QVector<CalendarEventField> &all();
 
-/** Unset values remove their property and leave the rest. */
-void setBusyStatus(KCalendarCore::Event &event, EasCalendarItemCommon::BusyStatus busyStatus);
-void setSensitivity(KCalendarCore::Event &event, EasCalendarItemCommon::Sensitivity sensitivity);
-/** To be set after the busy status, whose place in the event's status it takes when the meeting is off. */
-void setMeetingStatus(KCalendarCore::Event &event, EasCalendarItemCommon::MeetingStatus meetingStatus);
-void setDisallowNewTimeProposal(KCalendarCore::Event &event, EasItemsCommon::TBoolean disallow);
+/** Writes what the item brings of the fields that it can be refused for; false at the first that makes no
+ * sense. */
+bool check(const CalendarFieldWriting &writing);
+/** Writes all that the item brings. */
+bool write(const CalendarFieldWriting &writing);
+/** Writes what an exception brings; the rest is that of its series. */
+bool writeException(const CalendarFieldWriting &writing, const KCalendarCore::Event &series);
 
-void setAttendees(KCalendarCore::Event &event, const QList<EasAttendeeContainer> &attendees);
+void read(const CalendarFieldReading &reading);
+void readException(const CalendarFieldReading &reading);
 
-/** The server's files, in the event and in the mapping; an exception has its recurrence id by then. */
-void setAttachments(const KCalendarCore::Event::Ptr &event, const QList<EasAttachmentContainer> &attachments);
+/**
+ * A changed event comes whole, and a value that it has no more is simply not there: no element says that the
+ * place, the reminder or the series is gone. An item that brings its times and its stamp is such a whole one;
+ * the values that it leaves out are cleared in it, so that they are written like all others. Any other item
+ * changes only what it brings.
+ */
+void completeWholeItem(EasCalendarItem &item, ExchangeActiveSync::ProtocolVersion version);
 
 } // namespace CalendarEventFields

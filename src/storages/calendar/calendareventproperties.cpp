@@ -1,11 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "storages/calendar/calendareventproperties.h"
 
-#include "common/exchangeactivesync.h"
-
-#include <algorithm>
-#include <iterator>
-
 namespace {
 
 const char knownDeletionsName[] = "X-FENNEL-EAS-DELETED-OCCURRENCES";
@@ -43,49 +38,6 @@ QString CalendarEventProperties::attendeeName(const QString &name, const QString
     QByteArray encoded = email.toLatin1().toBase64();
     encoded.replace("+", "--1").replace("/", "--2").replace("=", "--3");
     return name + QLatin1Char('-') + QString::fromLatin1(encoded);
-}
-
-QString CalendarEventProperties::occurrenceKey(const KCalendarCore::Event &series, const QDateTime &start)
-{
-    return series.allDay() ? start.date().toString(QStringLiteral("yyyyMMdd"))
-                           : ExchangeActiveSync::dateTimeToString(start);
-}
-
-bool CalendarEventProperties::isOccurrence(const KCalendarCore::Event &series, const QDateTime &start)
-{
-    if (!series.recurs())
-        return false;
-    const bool allDay = series.allDay();
-    const auto isSame = [allDay, &start](const QDateTime &other) {
-        return allDay ? other.date() == start.date() : other == start;
-    };
-    if (isSame(series.dtStart()))
-        return true;
-    const QList<QDateTime> single = series.recurrence()->rDateTimes();
-    const KCalendarCore::RecurrenceRule::List rules = series.recurrence()->rRules();
-    return std::any_of(single.begin(), single.end(), isSame)
-        || series.recurrence()->rDates().contains(start.date())
-        || std::any_of(rules.begin(), rules.end(), [&](const KCalendarCore::RecurrenceRule *rule) {
-               return allDay ? rule->recursOn(start.date(), series.dtStart().timeZone())
-                             : rule->recursAt(start);
-           });
-}
-
-QList<QDateTime> CalendarEventProperties::deletedOccurrences(const KCalendarCore::Event &series)
-{
-    if (!series.recurs())
-        return {};
-    QList<QDateTime> excluded = series.recurrence()->exDateTimes();
-    const KCalendarCore::DateList dates = series.recurrence()->exDates();
-    for (const QDate &date : dates) {
-        QDateTime start = series.dtStart();
-        start.setDate(date);
-        excluded.append(start);
-    }
-    QList<QDateTime> result;
-    std::copy_if(excluded.begin(), excluded.end(), std::back_inserter(result),
-        [&series](const QDateTime &start) { return isOccurrence(series, start); });
-    return result;
 }
 
 QStringList CalendarEventProperties::knownDeletions(const KCalendarCore::Event &series)

@@ -3,8 +3,6 @@
 
 #include <KCalendarCore/Event>
 
-#include <QDateTime>
-#include <QList>
 #include <QString>
 #include <QStringList>
 
@@ -27,15 +25,6 @@ void setText(KCalendarCore::Event &event, const QString &name, const QString &va
 /** The name of a property for one attendee of the event, in the few characters that a name may hold. */
 QString attendeeName(const QString &name, const QString &email);
 
-/** Names an occurrence of a series, whatever zone the device is in: its day in an all-day series. */
-QString occurrenceKey(const KCalendarCore::Event &series, const QDateTime &start);
-/** Whether the rules of a series make an occurrence start then, be it excluded or not. */
-bool isOccurrence(const KCalendarCore::Event &series, const QDateTime &start);
-/**
- * The starts of the occurrences that the series' exception dates exclude. What a change of the rule has left
- * behind is none of them.
- */
-QList<QDateTime> deletedOccurrences(const KCalendarCore::Event &series);
 /**
  * Keys of the deleted occurrences that the server knows of. What the exception dates exclude beyond them has
  * been deleted on the device.

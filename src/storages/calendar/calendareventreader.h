@@ -26,31 +26,15 @@ public:
      * Adds an exception to the item of its series, or marks the one that is there. A deleted one stands for
      * an occurrence that is to vanish; changed ones go up on their own from 16.0 on.
      */
-    bool applyException(
-        const KCalendarCore::Event::Ptr &event, bool deleted, EasCalendarItem &item, bool changed) const;
-
-    /**
-     * The server's value as it was stored, unless the event has got another status on the device since; then
-     * the property is removed.
-     */
-    static EasCalendarItemCommon::BusyStatus convertBusyStatus(const KCalendarCore::Event::Ptr &event);
-    /** The same with the event's secrecy. */
-    static EasCalendarItemCommon::Sensitivity convertSensitivity(const KCalendarCore::Event::Ptr &event);
-
-    static void applyBody(const KCalendarCore::Event::Ptr &event, EasCalendarItem &item);
-
-    /** The start of an occurrence, as recurrence ids go over the wire. */
-    QString occurrenceStart(const KCalendarCore::Event &series, const QDateTime &start) const;
+    bool applyException(const KCalendarCore::Event::Ptr &series, const KCalendarCore::Event::Ptr &event,
+        bool deleted, EasCalendarItem &item, bool changed) const;
 
 private:
-    void applyTimes(const KCalendarCore::Event &event, EasCalendarItem &item) const;
     bool applySeries(
         const KCalendarCore::Event::Ptr &event, EasCalendarItem &item, bool withExceptions) const;
     /** The end of an all-day series is the start of its last day. */
     void applyLastDay(const KCalendarCore::Event &event, EasCalendarItem &item) const;
     void applyDeletions(const KCalendarCore::Event::Ptr &event, EasCalendarItem &item) const;
-    QString timeText(const KCalendarCore::Event &event, const QDateTime &time) const;
-    bool exceptionsGoAlone() const;
 
     const CalendarStoreContext &mContext;
 };

@@ -4,7 +4,7 @@
 #include "application/base/logging.h"
 #include "easitems/eascalendaritem.h"
 #include "easitems/eastimezone.h"
-#include "storages/calendar/calendarfieldwriting.h"
+#include "storages/calendar/calendareventfields.h"
 #include "storages/calendar/calendarorigin.h"
 #include "storages/calendar/calendarstorecontext.h"
 
@@ -19,9 +19,9 @@ namespace {
 bool isWritable(const Event::Ptr &event, const EasCalendarItem &item, const QTimeZone &zone)
 {
     const Event::Ptr copy(event->clone());
-    if (!CalendarFieldWriting { copy, item, zone }.write(CalendarFieldWriting::CheckedFields))
+    if (!CalendarEventFields::check({ copy, item, zone }))
         return false;
-    if (!item.hasExceptions() || CalendarExceptions::areAcceptable(item, zone, copy->allDay()))
+    if (!item.hasExceptions() || CalendarExceptions::areAcceptable(copy, item, zone))
         return true;
     qCWarning(eas()) << "Failed handling exceptions";
     return false;
@@ -91,7 +91,7 @@ bool CalendarEventWriter::addEvent(EasCalendarItem &item, const QString &folder)
     if (item.createdTimestamp() != 0)
         event->setCreated(QDateTime::fromMSecsSinceEpoch(item.createdTimestamp(), Qt::UTC));
     CalendarOrigin::setServerId(*event, mContext.accountId(), item.serverId());
-    CalendarFieldWriting { event, item, zone }.write(CalendarFieldWriting::AllFields);
+    CalendarEventFields::write({ event, item, zone });
     event->endUpdates();
     if (!mContext.calendar->addEvent(event, folder)) {
         qCWarning(eas()) << "Failed to add event" << item.serverId();
@@ -134,7 +134,7 @@ bool CalendarEventWriter::updateEvent(
     if (!isWritable(event, item, zone))
         return false;
     event->startUpdates();
-    CalendarFieldWriting { event, item, zone }.write(CalendarFieldWriting::AllFields);
+    CalendarEventFields::write({ event, item, zone });
     const bool written = writeExceptions(event, item, folder, zone);
     event->endUpdates();
     return written;

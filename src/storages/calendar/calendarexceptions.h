@@ -6,6 +6,7 @@
 #include <QSet>
 #include <QTimeZone>
 
+class CalendarOccurrence;
 struct CalendarStoreContext;
 class EasCalendarItem;
 
@@ -24,7 +25,8 @@ public:
 
     /** Whether all exceptions can be understood, and are not too many; to be asked before anything is
      * changed. */
-    static bool areAcceptable(const EasCalendarItem &item, const QTimeZone &zone, bool allDay);
+    static bool areAcceptable(
+        const KCalendarCore::Event::Ptr &event, const EasCalendarItem &item, const QTimeZone &zone);
 
     /** Forgets which occurrences were left out. */
     static void clear(const KCalendarCore::Event::Ptr &event);
@@ -37,13 +39,12 @@ public:
     bool removeExceptions(const KCalendarCore::Event::Ptr &event) const;
 
 private:
-    bool deleteException(
-        const KCalendarCore::Event::Ptr &event, const QDateTime &recurrenceId, bool allDay) const;
+    bool deleteException(const KCalendarCore::Event::Ptr &event, const CalendarOccurrence &occurrence) const;
     bool addException(const KCalendarCore::Event::Ptr &event, const EasCalendarItem &exception,
-        const QString &folder, const QDateTime &recurrenceId, const QTimeZone &zone) const;
+        const QString &folder, const CalendarOccurrence &occurrence, const QTimeZone &zone) const;
     KCalendarCore::Event::Ptr dissociated(
         const KCalendarCore::Event::Ptr &event, const QDateTime &recurrenceId, const QTimeZone &zone) const;
-    bool removeOthers(const KCalendarCore::Event::Ptr &event, const QSet<QDateTime> &named) const;
+    bool removeOthers(const KCalendarCore::Event::Ptr &event, const QSet<QString> &named) const;
     bool remove(const KCalendarCore::Event::Ptr &exception) const;
 
     const CalendarStoreContext &mContext;

@@ -6,9 +6,9 @@
 #include "application/mapping/easdatabase.h"
 #include "easitems/eascalendaritem.h"
 #include "storages/calendar/calendarattachmentservice.h"
+#include "storages/calendar/calendareventfields.h"
 #include "storages/calendar/calendarlocalchanges.h"
 #include "storages/calendar/calendarstorecontext.h"
-#include "storages/calendar/calendarwholeitem.h"
 
 #include <algorithm>
 
@@ -148,10 +148,8 @@ void CalendarItemBatch::sortItems(
 {
     takePurged(added, updated, replaced);
     takeRepeated(added, updated, replaced);
-    const bool withAttachments =
-        mContext.account && mContext.account->protocolVersion() >= ExchangeActiveSync::ProtocolVersion160;
     for (EasCalendarItem &item : updated)
-        CalendarWholeItem::complete(item, withAttachments);
+        CalendarEventFields::completeWholeItem(item, mContext.protocolVersion());
 }
 
 bool CalendarItemBatch::isPurged(const EasCalendarItem &item) const

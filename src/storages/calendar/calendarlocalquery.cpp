@@ -8,6 +8,7 @@
 #include "storages/calendar/calendareventproperties.h"
 #include "storages/calendar/calendareventreader.h"
 #include "storages/calendar/calendarlocalchecks.h"
+#include "storages/calendar/calendaroccurrence.h"
 #include "storages/calendar/calendaroccurrencedeletions.h"
 #include "storages/calendar/calendarstorecontext.h"
 #include "storages/calendar/calendartimestamps.h"
@@ -154,14 +155,9 @@ void CalendarLocalQuery::insertItem(const Event::Ptr &event, bool isNew)
         return;
     }
     // Its exceptions stay behind: to the next search, whoever makes it, each of them is a change.
-    if (isNew && !exceptionsGoInSeries() && item.hasExceptions())
+    if (isNew && !mContext.exceptionsGoInSeries() && item.hasExceptions())
         item.setLocalTimestamp(stampBefore(event->uid()));
     (isNew ? mAdded : mUpdated).insert(event->uid(), item);
-}
-
-bool CalendarLocalQuery::exceptionsGoInSeries() const
-{
-    return !mContext.account || mContext.account->protocolVersion() < ExchangeActiveSync::ProtocolVersion160;
 }
 
 uint CalendarLocalQuery::stampBefore(const QString &uid) const
@@ -237,14 +233,15 @@ void CalendarLocalQuery::processExceptionsChanges(const Incidence::List &excepti
 }
 
 bool CalendarLocalQuery::applyChangedException(
-    const Event::Ptr &exception, bool deleted, EasCalendarItem &item)
+    const Event::Ptr &series, const Event::Ptr &exception, bool deleted, EasCalendarItem &item)
 {
     const CalendarEventReader reader(mContext);
-    if (!reader.applyException(exception, deleted, item, true))
+    if (!reader.applyException(series, exception, deleted, item, true))
         return false;
     if (deleted)
         return true;
-    const QString start = reader.occurrenceStart(*exception, exception->recurrenceId());
+    const QString start =
+        CalendarOccurrence(series, exception->recurrenceId()).wire(mContext.protocolVersion());
     QList<EasCalendarItem> exceptions = item.exceptions();
     for (EasCalendarItem &candidate : exceptions) {
         if (candidate.exceptionStartTime() == start)
@@ -258,21 +255,6 @@ void CalendarLocalQuery::applyToSeries(const Event::Ptr &exception, bool deleted
 {
     const QString uid = exception->uid();
     const Event::Ptr series = mContext.calendar->event(uid);
-    if (series && !CalendarEventProperties::isOccurrence(*series, exception->recurrenceId())) {
-        qCWarning(eas()) << "exception of no occurrence stays on the device:" << uid
-                         << exception->recurrenceId();
-        return;
-    }
-    if (mAdded.contains(uid)) {
-        if (!applyChangedException(exception, deleted, mAdded[uid]))
-            qCWarning(eas()) << "failed to applyException" << uid << "to calendar item";
-        return;
-    }
-    if (mUpdated.contains(uid)) {
-        if (!applyChangedException(exception, deleted, mUpdated[uid]))
-            qCWarning(eas()) << "failed to applyException" << uid << "to updated calendar item";
-        return;
-    }
     if (mDeletedUids.contains(uid)) {
         qCDebug(eas()) << "skipping exception of the deleted event" << uid;
         return;
@@ -281,17 +263,31 @@ void CalendarLocalQuery::applyToSeries(const Event::Ptr &exception, bool deleted
         qCWarning(eas()) << "event is null for local id" << uid;
         return;
     }
-    if (deleted
-        && CalendarEventProperties::knownDeletions(*series).contains(
-            CalendarEventProperties::occurrenceKey(*series, exception->recurrenceId())))
+    const CalendarOccurrence occurrence(series, exception->recurrenceId());
+    if (!occurrence.isOfRules()) {
+        qCWarning(eas()) << "exception of no occurrence stays on the device:" << uid
+                         << exception->recurrenceId();
+        return;
+    }
+    if (mAdded.contains(uid)) {
+        if (!applyChangedException(series, exception, deleted, mAdded[uid]))
+            qCWarning(eas()) << "failed to applyException" << uid << "to calendar item";
+        return;
+    }
+    if (mUpdated.contains(uid)) {
+        if (!applyChangedException(series, exception, deleted, mUpdated[uid]))
+            qCWarning(eas()) << "failed to applyException" << uid << "to updated calendar item";
+        return;
+    }
+    if (deleted && CalendarEventProperties::knownDeletions(*series).contains(occurrence.key()))
         return;
     // Where exceptions travel within their series, those that are left out would be taken for removed.
     EasCalendarItem item;
-    if (!makeItem(copyOf(series), exceptionsGoInSeries(), item) || item.serverId().isEmpty()) {
+    if (!makeItem(copyOf(series), mContext.exceptionsGoInSeries(), item) || item.serverId().isEmpty()) {
         qCWarning(eas()) << "failed to convert item:" << uid;
         return;
     }
-    if (!applyChangedException(exception, deleted, item)) {
+    if (!applyChangedException(series, exception, deleted, item)) {
         qCWarning(eas()) << "failed to applyException" << uid << "to updated calendar item";
         return;
     }
@@ -301,7 +297,8 @@ void CalendarLocalQuery::applyToSeries(const Event::Ptr &exception, bool deleted
 void CalendarLocalQuery::expectDeletions()
 {
     // From 16.0 on a new series goes up without its exceptions, and they follow in an upload of their own.
-    const QStringList uids = mUpdated.keys() + (exceptionsGoInSeries() ? mAdded.keys() : QStringList());
+    const QStringList uids =
+        mUpdated.keys() + (mContext.exceptionsGoInSeries() ? mAdded.keys() : QStringList());
     for (const QString &uid : uids) {
         const Event::Ptr series = mContext.calendar->event(uid);
         Incidence::List exceptions;
@@ -310,6 +307,6 @@ void CalendarLocalQuery::expectDeletions()
                 exceptions.append(exception);
         }
         if (series)
-            mDeletions.expect(*series, exceptions);
+            mDeletions.expect(series, exceptions);
     }
 }

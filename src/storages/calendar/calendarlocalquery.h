@@ -50,13 +50,11 @@ private:
     bool isOlderPart(const KCalendarCore::Incidence::Ptr &incidence) const;
     void takeChanged(const KCalendarCore::Incidence::Ptr &incidence);
     void insertItem(const KCalendarCore::Event::Ptr &event, bool isNew);
-    /** Up to 14.1. From 16.0 on they go up one by one, and after a series that is new. */
-    bool exceptionsGoInSeries() const;
     /** A stamp that is older than the series and all of its exceptions. */
     uint stampBefore(const QString &uid) const;
     bool makeItem(const KCalendarCore::Event::Ptr &event, bool withExceptions, EasCalendarItem &item);
     void processExceptionsChanges(const KCalendarCore::Incidence::List &exceptions, bool deleted);
-    bool applyChangedException(
+    bool applyChangedException(const KCalendarCore::Event::Ptr &series,
         const KCalendarCore::Event::Ptr &exception, bool deleted, EasCalendarItem &item);
     void applyToSeries(const KCalendarCore::Event::Ptr &exception, bool deleted);
     void expectDeletions();

@@ -2,6 +2,7 @@
 #include "storages/calendar/calendaroccurrencedeletions.h"
 
 #include "storages/calendar/calendareventproperties.h"
+#include "storages/calendar/calendaroccurrence.h"
 #include "storages/calendar/calendarstorecontext.h"
 
 using KCalendarCore::Event;
@@ -9,23 +10,10 @@ using KCalendarCore::Incidence;
 
 namespace {
 
-QStringList keysOf(const Event &series, const QList<QDateTime> &starts)
+void exclude(const CalendarOccurrence &occurrence, const Event &series)
 {
-    QStringList keys;
-    for (const QDateTime &start : starts)
-        keys.append(CalendarEventProperties::occurrenceKey(series, start));
-    return keys;
-}
-
-void exclude(const Event::Ptr &series, const QDateTime &start)
-{
-    const QStringList excluded = keysOf(*series, CalendarEventProperties::deletedOccurrences(*series));
-    if (!series->recurs() || excluded.contains(CalendarEventProperties::occurrenceKey(*series, start)))
-        return;
-    if (series->allDay())
-        series->recurrence()->addExDate(start.date());
-    else
-        series->recurrence()->addExDateTime(start);
+    if (series.recurs() && !occurrence.isExcluded())
+        occurrence.exclude();
 }
 
 } // namespace
@@ -35,19 +23,21 @@ CalendarOccurrenceDeletions::CalendarOccurrenceDeletions(const CalendarStoreCont
 {
 }
 
-void CalendarOccurrenceDeletions::expect(const Event &series, const Incidence::List &deletedExceptions)
+void CalendarOccurrenceDeletions::expect(const Event::Ptr &series, const Incidence::List &deletedExceptions)
 {
-    QList<QDateTime> starts = CalendarEventProperties::deletedOccurrences(series);
+    QStringList keys;
+    const QList<CalendarOccurrence> excluded = CalendarOccurrence::excludedFrom(series);
+    for (const CalendarOccurrence &occurrence : excluded)
+        keys.append(occurrence.key());
     for (const Incidence::Ptr &exception : deletedExceptions)
-        starts.append(exception->recurrenceId());
-    if (starts.isEmpty()) {
-        mExpected.remove(series.uid());
+        keys.append(CalendarOccurrence(series, exception->recurrenceId()).key());
+    if (keys.isEmpty()) {
+        mExpected.remove(series->uid());
         return;
     }
-    QStringList keys = keysOf(series, starts);
     keys.removeDuplicates();
     keys.sort();
-    mExpected.insert(series.uid(), { keys, deletedExceptions });
+    mExpected.insert(series->uid(), { keys, deletedExceptions });
 }
 
 bool CalendarOccurrenceDeletions::settle(const QStringList &uids)
@@ -75,7 +65,7 @@ bool CalendarOccurrenceDeletions::settleSeries(const Event::Ptr &series, const E
     for (const Incidence::Ptr &exception : expected.exceptions) {
         // The user may have made another exception there in the meantime.
         if (!mContext.calendar->event(series->uid(), exception->recurrenceId()))
-            exclude(series, exception->recurrenceId());
+            exclude(CalendarOccurrence(series, exception->recurrenceId()), *series);
     }
     CalendarEventProperties::setKnownDeletions(*series, expected.keys);
     series->endUpdates();

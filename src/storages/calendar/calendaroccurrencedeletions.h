@@ -21,7 +21,8 @@ public:
     explicit CalendarOccurrenceDeletions(const CalendarStoreContext &context);
 
     /** What an upload of this series says; what was expected of it before is forgotten. */
-    void expect(const KCalendarCore::Event &series, const KCalendarCore::Incidence::List &deletedExceptions);
+    void expect(
+        const KCalendarCore::Event::Ptr &series, const KCalendarCore::Incidence::List &deletedExceptions);
 
     /**
      * Notes in the series, which are loaded, what the server has acknowledged. True if something is to be

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "storages/calendar/calendarrecurrence.h"
 
+#include "application/base/clock.h"
 #include "application/base/logging.h"
 #include "common/exchangeactivesync.h"
 #include "easitems/eascalendaritem.h"
+#include "storages/calendar/calendareventfield.h"
 
 #include <KCalendarCore/Recurrence>
 
@@ -236,6 +238,22 @@ void readEnd(const RecurrenceRule &rule, bool untilEndOfDay, EasRecurrenceContai
 }
 
 } // namespace
+
+bool CalendarRecurrence::write(const CalendarFieldWriting &writing)
+{
+    const Event::Ptr &event = writing.event;
+    const EasRecurrenceContainer recurrence = writing.item.recurrence();
+    if (recurrence.type() == EasRecurrenceContainer::UndefinedRecurrence) {
+        event->clearRecurrence(); // no series any more
+        return true;
+    }
+    // The last day of an all-day series is a day of the event's zone; any other end is a moment.
+    const QTimeZone zone = event->allDay() ? event->dtStart().timeZone() : Clock::instance().timeZone();
+    if (handleRecurrence(event, recurrence, zone))
+        return true;
+    qCWarning(eas()) << "Failed handling recurrence";
+    return false;
+}
 
 bool CalendarRecurrence::handleRecurrence(
     const Event::Ptr &event, const EasRecurrenceContainer &recurrence, const QTimeZone &timeZone)

@@ -4,6 +4,7 @@
 #include <KCalendarCore/Event>
 #include <KCalendarCore/RecurrenceRule>
 
+struct CalendarFieldWriting;
 class EasCalendarItem;
 class EasRecurrenceContainer;
 class QTimeZone;
@@ -17,6 +18,10 @@ class QTimeZone;
 class CalendarRecurrence
 {
 public:
+    /** The item's recurrence becomes the rule of the event, or ends its series; false, logged, if it makes no
+     * sense. */
+    static bool write(const CalendarFieldWriting &writing);
+
     /** Replaces the rules of the event by this one; false if it makes no sense, and the event is unchanged.
      */
     static bool handleRecurrence(const KCalendarCore::Event::Ptr &event,

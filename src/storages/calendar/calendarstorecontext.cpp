@@ -7,3 +7,8 @@ EasAccountId CalendarStoreContext::accountId() const
 {
     return account ? account->id() : 0;
 }
+
+ExchangeActiveSync::ProtocolVersion CalendarStoreContext::protocolVersion() const
+{
+    return account ? account->protocolVersion() : ExchangeActiveSync::ProtocolVersionUnknown;
+}

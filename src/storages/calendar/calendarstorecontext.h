@@ -2,6 +2,7 @@
 #pragma once
 
 #include "common/easaccountid.h"
+#include "common/exchangeactivesync.h"
 
 #include <extendedcalendar.h>
 #include <extendedstorage.h>
@@ -12,8 +13,8 @@ class EasAccount;
  * Where a calendar storage works: the device's calendar and its store, and the account.
  *
  * CalendarStorageImpl owns it; its collaborators look at it by reference. Calendar and storage are null until
- * the store could be opened. After each notice of a change in the store the calendar is empty and every event
- * and notebook held from before is a stranger to it, so nothing of them is kept across a turn of the event
+ * the store could be opened. After each notice of a change in the store the calendar is empty and does
+ * not know the events and notebooks held from before, so nothing of them is kept across a turn of the event
  * loop.
  */
 struct CalendarStoreContext
@@ -25,4 +26,8 @@ struct CalendarStoreContext
     /** 0 without an account. */
     EasAccountId accountId() const;
     bool isReady() const { return calendar && storage; }
+    /** Unknown without an account. */
+    ExchangeActiveSync::ProtocolVersion protocolVersion() const;
+    /** Up to 14.1 they go up within their series; later one by one, and after a series that is new. */
+    bool exceptionsGoInSeries() const { return protocolVersion() < ExchangeActiveSync::ProtocolVersion160; }
 };

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "storages/calendar/calendartimes.h"
 
-#include "common/exchangeactivesync.h"
+using namespace ExchangeActiveSync;
+using KCalendarCore::Event;
 
 namespace {
 
@@ -15,12 +16,31 @@ QDate nearestDay(const QDateTime &time)
 
 QDateTime CalendarTimes::start(const QString &text, const QTimeZone &zone, bool allDay)
 {
-    const QDateTime time = ExchangeActiveSync::dateTimeFromString(text, &zone);
+    const QDateTime time = dateTimeFromString(text, &zone);
     return time.isValid() && allDay ? nearestDay(time).startOfDay(zone) : time;
 }
 
 QDateTime CalendarTimes::end(const QString &text, const QTimeZone &zone, bool allDay)
 {
-    const QDateTime time = ExchangeActiveSync::dateTimeFromString(text, &zone);
+    const QDateTime time = dateTimeFromString(text, &zone);
     return time.isValid() && allDay ? nearestDay(time).addDays(-1).startOfDay(zone) : time;
+}
+
+QString CalendarTimes::dayText(const Event &series, const QDate &day, ProtocolVersion version)
+{
+    if (version >= ProtocolVersion160)
+        return dateTimeToString(QDateTime(day, QTime(0, 0), Qt::UTC));
+    return dateTimeToString(day.startOfDay(series.dtStart().timeZone()));
+}
+
+QString CalendarTimes::startText(const Event &event, const Event &series, ProtocolVersion version)
+{
+    return event.allDay() ? dayText(series, event.dtStart().date(), version)
+                          : dateTimeToString(event.dtStart());
+}
+
+QString CalendarTimes::endText(const Event &event, const Event &series, ProtocolVersion version)
+{
+    return event.allDay() ? dayText(series, event.dtEnd().date().addDays(1), version)
+                          : dateTimeToString(event.dtEnd());
 }

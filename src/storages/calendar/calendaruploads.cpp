@@ -5,9 +5,8 @@
 #include "application/base/clock.h"
 #include "application/base/logging.h"
 #include "application/mapping/easdatabase.h"
-#include "common/exchangeactivesync.h"
 #include "storages/calendar/calendarattachmentservice.h"
-#include "storages/calendar/calendareventproperties.h"
+#include "storages/calendar/calendaroccurrence.h"
 #include "storages/calendar/calendarstorecontext.h"
 #include "storages/calendar/calendartimestamps.h"
 
@@ -16,25 +15,21 @@ using KCalendarCore::Incidence;
 
 namespace {
 
-/** The occurrence of a series that a start means: its exception, or the series itself if it is excluded. */
-Event::Ptr occurrence(const CalendarStoreContext &context, const QString &uid, const QString &startText)
+/** The occurrence of a series that a text of the protocol names: its exception, or the series itself if it is
+ * excluded. */
+Event::Ptr occurrence(const CalendarStoreContext &context, const QString &uid, const QString &start)
 {
-    const QDateTime start = ExchangeActiveSync::dateTimeFromString(startText, nullptr);
-    const Event::Ptr exception = context.calendar->event(uid, start);
-    if (exception)
-        return exception;
     const Event::Ptr series = context.calendar->event(uid);
-    if (!series || !start.isValid())
+    if (!series)
         return Event::Ptr();
     const Event::List exceptions = context.calendar->eventInstances(series);
-    for (const Event::Ptr &candidate : exceptions) {
-        if (series->allDay() && candidate->recurrenceId().date() == start.date())
-            return candidate;
+    for (const Event::Ptr &exception : exceptions) {
+        if (CalendarOccurrence(series, exception->recurrenceId()).wire(context.protocolVersion()) == start)
+            return exception;
     }
-    const QString key = CalendarEventProperties::occurrenceKey(*series, start);
-    const QList<QDateTime> deletions = CalendarEventProperties::deletedOccurrences(*series);
-    for (const QDateTime &deletion : deletions) {
-        if (deletion == start || CalendarEventProperties::occurrenceKey(*series, deletion) == key)
+    const QList<CalendarOccurrence> excluded = CalendarOccurrence::excludedFrom(series);
+    for (const CalendarOccurrence &deletion : excluded) {
+        if (deletion.wire(context.protocolVersion()) == start)
             return series;
     }
     return Event::Ptr();
