@@ -3,6 +3,8 @@
 
 #include "portrait.h"
 
+#include <QRandomGenerator>
+
 using namespace Simulator;
 
 namespace {
@@ -40,6 +42,25 @@ void invite(Event &event)
     };
 }
 
+QByteArray bytesOfFile(int size)
+{
+    QByteArray bytes(size, Qt::Uninitialized);
+    QRandomGenerator generator(1);
+    for (char &byte : bytes)
+        byte = char(generator.bounded(256));
+    return bytes;
+}
+
+QByteArray inLines(const QByteArray &base64)
+{
+    constexpr int mimeLine = 76;
+    QByteArray lines;
+    lines.reserve(base64.size() + 2 * (base64.size() / mimeLine + 1));
+    for (int from = 0; from < base64.size(); from += mimeLine)
+        lines += base64.mid(from, mimeLine) + "\r\n";
+    return lines;
+}
+
 } // namespace
 
 QByteArray MailboxItems::message(int number)
@@ -60,6 +81,20 @@ QByteArray MailboxItems::message(int number)
     while (text.size() < messageSize)
         text += sentence.repeated(1 + lineLength / sentence.size()).left(lineLength) + "\r\n";
     return text;
+}
+
+QByteArray MailboxItems::messageWithFile(int megabytes)
+{
+    const QDateTime date = QDateTime::currentDateTimeUtc();
+    return "From: Ada Lovelace <ada@example.com>\r\nTo: Charles Babbage <charles@example.com>\r\n"
+           "Subject: The drawings\r\nDate: "
+        + date.toString(Qt::RFC2822Date).toUtf8()
+        + "\r\nMessage-ID: <drawings@example.com>\r\nMIME-Version: 1.0\r\n"
+          "Content-Type: multipart/mixed; boundary=\"next\"\r\n\r\n"
+          "--next\r\nContent-Type: text/plain; charset=utf-8\r\n\r\nAll drawings.\r\n"
+          "--next\r\nContent-Type: application/octet-stream\r\nContent-Transfer-Encoding: base64\r\n"
+          "Content-Disposition: attachment; filename=\"drawings.bin\"\r\n\r\n"
+        + inLines(bytesOfFile(megabytes * 1024 * 1024).toBase64()) + "--next--\r\n";
 }
 
 Event MailboxItems::event(int number)

@@ -10,6 +10,9 @@ namespace MailboxItems {
 /** 4 KB of text of its own; the later the number the older it is. */
 QByteArray message(int number);
 
+/** A message with one file of that many megabytes, whose bytes do not repeat. */
+QByteArray messageWithFile(int megabytes);
+
 /** Every tenth is a weekly series of which one occurrence is moved, another one deleted. */
 Simulator::Event event(int number);
 

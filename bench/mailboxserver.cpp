@@ -123,18 +123,29 @@ int main(int argc, char **argv)
         QStringLiteral("record"), QStringLiteral("Keep the answers there at the end."), file);
     const QCommandLineOption replayFrom(
         QStringLiteral("replay"), QStringLiteral("Give the answers that are kept there."), file);
-    parser.addOptions({ messages, events, contacts, recordTo, replayFrom });
+    const QCommandLineOption users(
+        QStringLiteral("users"), QStringLiteral("Users with such a mailbox."), number, QStringLiteral("1"));
+    const QCommandLineOption megabytes(
+        QStringLiteral("file"), QStringLiteral("Megabytes of a file in a message."), number, none);
+    parser.addOptions({ messages, events, contacts, users, megabytes, recordTo, replayFrom });
     parser.process(application);
 
     ExchangeServer server;
-    Mailbox &mailbox = server.addUser(
-        QStringLiteral("bench"), qEnvironmentVariable("FENNEL_BENCH_PASSWORD", QStringLiteral("secret")));
+    const QString password = qEnvironmentVariable("FENNEL_BENCH_PASSWORD", QStringLiteral("secret"));
+    Mailbox &mailbox = server.addUser(QStringLiteral("bench"), password);
     const bool isReplay = parser.isSet(replayFrom);
     if (isReplay && !replay(server, parser.value(replayFrom)))
         return fail(QStringLiteral("cannot read the recorded answers"));
-    if (!isReplay)
-        fill(mailbox, parser.value(messages).toInt(), parser.value(events).toInt(),
+    const auto fillAsAsked = [&](Mailbox &one) {
+        fill(one, parser.value(messages).toInt(), parser.value(events).toInt(),
             parser.value(contacts).toInt());
+    };
+    if (!isReplay)
+        fillAsAsked(mailbox);
+    for (int user = 2; user <= parser.value(users).toInt(); ++user)
+        fillAsAsked(server.addUser(QStringLiteral("bench%1").arg(user), password));
+    if (parser.isSet(megabytes))
+        mailbox.deliver(mailbox.inboxId(), MailboxItems::messageWithFile(parser.value(megabytes).toInt()));
     if (!server.start())
         return fail(QStringLiteral("cannot listen"));
     if (!parser.isSet(recordTo)) {
