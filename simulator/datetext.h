@@ -12,7 +12,7 @@ namespace DateText {
 QString withDashes(const QDateTime &time);
 /** "20240502T093000Z" */
 QString compact(const QDateTime &time);
-/** Either form, in UTC; invalid if it is none. A date alone is its midnight. */
+/** Either form, in UTC; invalid if the text is no date. A date alone is its midnight. */
 QDateTime parse(const QString &text);
 /** Hundreds of nanoseconds since 1601, eight bytes, the highest first. */
 QByteArray fileTime(const QDateTime &time);

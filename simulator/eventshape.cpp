@@ -29,7 +29,7 @@ QVector<WbxmlNode> ownNodes(const EventField &field, const EventDetails &details
         if (node.name() == element)
             return { node };
     }
-    // A list of attachments has none that is empty.
+    // Without attachments the list itself is left out.
     const bool canBeEmpty = element != QLatin1String("AirSyncBase:Attachments");
     return canBeEmpty ? QVector<WbxmlNode> { WbxmlNode(element) } : QVector<WbxmlNode>();
 }

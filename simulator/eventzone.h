@@ -26,7 +26,7 @@ public:
     /** Names as other servers and clients write them: translated, for display, or none. */
     EventZone withNames(const QString &standard, const QString &daylight) const;
     const QString &standardName() const { return mStandard.name; }
-    /** By the name; invalid if it is none that Windows has. */
+    /** By the name; invalid if Windows has no zone of that name. */
     QTimeZone zone() const;
 
     /** Seconds east of Greenwich, by the rules of the block. */

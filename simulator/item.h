@@ -54,7 +54,7 @@ public:
     virtual QVector<WbxmlNode> changedElements(const ItemState &known, const ItemShape &shape) const = 0;
     /** The item with the fields that a client sent; null if they do not fit. */
     virtual ItemPtr withChanges(const WbxmlNode &applicationData, const UploadShape &upload) const = 0;
-    /** The same of one occurrence of a series; null if there is none like that. */
+    /** The same of one occurrence of a series; null if the series has no such occurrence. */
     virtual ItemPtr withInstance(
         const QString &instanceId, const WbxmlNode &applicationData, const UploadShape &upload) const;
     /** The series with that occurrence deleted. */

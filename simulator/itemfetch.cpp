@@ -18,7 +18,7 @@ struct Range
     int last = -1;
 };
 
-/** The bytes that "first-last" names, as far as there are any; nothing for a range that is none. */
+/** The bytes that "first-last" names, as far as there are any; nothing for a text that is no range. */
 std::optional<Range> rangeOf(const QString &text, int size)
 {
     bool firstOk = false;

@@ -30,7 +30,7 @@ inline QString versionText(int version)
     return QStringLiteral("%1.%2").arg(version >> 8, 0, 16).arg(version & 0xFF);
 }
 
-/** 0x1201 for "12.1", 0 for what is none of protocolVersions(). */
+/** 0x1201 for "12.1", 0 for a text that is not among protocolVersions(). */
 inline int versionFromText(const QString &text)
 {
     for (const int version : protocolVersions()) {

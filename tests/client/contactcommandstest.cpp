@@ -349,12 +349,12 @@ private Q_SLOTS:
         QTest::newRow("an unknown contact") << "contact|show|99999" << int(ExitNotFound);
         QTest::newRow("an unknown contact to edit") << "contact|edit|99999|--name|A" << int(ExitNotFound);
         QTest::newRow("an unknown contact to delete") << "contact|delete|99999" << int(ExitNotFound);
-        QTest::newRow("a kind of folder that is none") << "folders|--kind|tasks" << int(ExitUsage);
-        QTest::newRow("a folder of that kind that is none")
+        QTest::newRow("an unknown kind of folder") << "folders|--kind|tasks" << int(ExitUsage);
+        QTest::newRow("an unknown folder of that kind")
             << "folder|delete|None|--kind|contacts" << int(ExitNotFound);
-        QTest::newRow("a folder to rename that is none")
+        QTest::newRow("an unknown folder to rename")
             << "folder|rename|None|New|--kind|contacts" << int(ExitNotFound);
-        QTest::newRow("a parent that is none")
+        QTest::newRow("an unknown parent")
             << "folder|create|New|--kind|contacts|--parent|None" << int(ExitNotFound);
         QTest::newRow("a folder without a name") << "folder|create" << int(ExitUsage);
     }

@@ -228,8 +228,8 @@ private Q_SLOTS:
         row("an unknown calendar", "event|add|X|--start|2024-05-02|--calendar|Foreign", ExitNotFound);
         row("an unknown event", "event|show|deadbeef", ExitNotFound);
         row("an unknown calendar in a list", "event|list|--calendar|None", ExitNotFound);
-        row("a day that is none", "event|list|--from|tomorrow", ExitUsage);
-        row("a month that is none", "event|month|2024-13", ExitUsage);
+        row("no day", "event|list|--from|tomorrow", ExitUsage);
+        row("no month", "event|month|2024-13", ExitUsage);
         row("an event to edit", "event|edit|deadbeef|--subject|X", ExitNotFound);
         row("an event to delete", "event|delete|deadbeef", ExitNotFound);
     }

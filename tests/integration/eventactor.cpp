@@ -123,7 +123,7 @@ ItemActor::Edit EventActor::editDevice(Dice &dice, const QSet<QString> &delicate
     const DeviceEvent::List events = device.series(mBed.accountId());
     if (events.isEmpty() || dice.oneIn(3))
         return createOnDevice(dice, device);
-    // The store's order is none that a seed could repeat.
+    // The store's order changes from run to run; a seed must give the same run.
     QStringList names;
     for (const DeviceEvent::Ptr &event : events)
         names.append(event->summary());

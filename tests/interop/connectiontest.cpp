@@ -7,7 +7,7 @@
 #include <QNetworkReply>
 #include <QtTest>
 
-/** @short The ways to a real server: plain, over TLS with a certificate of nobody's, and with a wrong
+/** @short The ways to a real server: plain, over TLS with a self-signed certificate, and with a wrong
  * password. */
 class ConnectionTest : public QObject
 {

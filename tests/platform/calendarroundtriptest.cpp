@@ -83,7 +83,7 @@ private Q_SLOTS:
         QCOMPARE(read->alarms().constFirst()->startOffset().asSeconds(), -900);
         QCOMPARE(read->recurrence()->exDateTimes(), event->recurrence()->exDateTimes());
         QCOMPARE(read->recurrence()->exDates(), event->recurrence()->exDates());
-        QCOMPARE(read->attendees().size(), 1); // The organizer is none.
+        QCOMPARE(read->attendees().size(), 1); // The organizer is not an attendee.
         QCOMPARE(mStore->calendar->notebook(event), notebookUid);
     }
 

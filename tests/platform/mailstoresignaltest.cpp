@@ -168,7 +168,8 @@ private Q_SLOTS:
         QVERIFY(!QMailMessage(local).previousParentFolderId().isValid());
         QVERIFY(QMailDisconnected::updatesOutstanding(mAccount));
 
-        QMailDisconnected::moveToStandardFolder({ id }, QMailFolder::JunkFolder); // There is none.
+        QMailDisconnected::moveToStandardFolder(
+            { id }, QMailFolder::JunkFolder); // The account has no such folder.
         QCOMPARE(QMailMessage(id).parentFolderId(), drafts);
 
         QMailDisconnected::moveToFolder({ id }, mInbox);

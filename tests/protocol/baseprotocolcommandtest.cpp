@@ -544,7 +544,7 @@ private Q_SLOTS:
         QTRY_COMPARE(finished.count(), 1);
         QCOMPARE(finished.first().first().toBool(), false);
         QVERIFY(command.status() > ProtocolUtils::TransportStatusBase);
-        // There is nobody left to send for.
+        // The account is gone, so nothing may be sent.
         command.start();
         QCOMPARE(finished.count(), 2);
         QCOMPARE(mServer->requests().size(), 1);

@@ -397,7 +397,7 @@ private Q_SLOTS:
             frame(4, { { 36, meta.size() }, { behind, 1 }, { 36, meta.size() }, { behind, 1 } },
                 documentOf("xxx") + "x"),
             { "The meta data at", "2", "is out of data:" });
-        row("a document that is none", frame(2, { { 20, 1 }, { 20, 1 } }, "x"),
+        row("a part that is no document", frame(2, { { 20, 1 }, { 20, 1 } }, "x"),
             { "The part was not found in multipart response" });
         row("a file that was not asked for", multipart({ { documentOf("other"), "raw" } }),
             { "The part was not found in multipart response" });

@@ -18,7 +18,7 @@ namespace {
 constexpr EasAccountId Account = 7;
 const QString passphrase = QStringLiteral("s3cret-passphrase");
 
-/** Answers over TLS under a certificate that nobody knows, and keeps what a client shows of itself. */
+/** Answers over TLS with a certificate that no one has signed, and keeps what a client shows of itself. */
 class TlsServer : public QTcpServer
 {
     Q_OBJECT

@@ -33,8 +33,8 @@ private Q_SLOTS:
         QTest::newRow("a public identifier in the string table") << hex("03 00 00 6A 03 41 42 00 05");
         QTest::newRow("no charset") << hex("03 01 00 00 05");
         QTest::newRow("US-ASCII") << hex("03 01 03 00 05");
-        QTest::newRow("a page that nobody knows") << document("00 FF 45 06 01");
-        QTest::newRow("a tag that nobody knows") << document("45 7F 03 41 00 01 01");
+        QTest::newRow("an unknown page") << document("00 FF 45 06 01");
+        QTest::newRow("an unknown tag") << document("45 7F 03 41 00 01 01");
         QTest::newRow("an unknown tag by name")
             << documentWithTable(QByteArray("new\0", 4), "45 44 00 01 01");
         QTest::newRow("an unknown empty tag by name")

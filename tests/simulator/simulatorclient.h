@@ -15,7 +15,7 @@ struct PlainReply
     int status = 0;
     QNetworkReply::NetworkError error = QNetworkReply::NoError;
     QByteArray body;
-    Simulator::WbxmlNode document; ///< null if the body is none
+    Simulator::WbxmlNode document; ///< null if the body is no document
     Simulator::HttpHeaders headers;
 
     QByteArray header(const QByteArray &name) const { return Simulator::headerValue(headers, name); }

@@ -223,7 +223,7 @@ private Q_SLOTS:
         QTest::newRow("another class") << QStringLiteral("<e:Subject>Hello</e:Subject>");
         QTest::newRow("rank") << QStringLiteral("<c:WeightedRank>1</c:WeightedRank>");
         QTest::newRow("date") << QStringLiteral("<c:Birthday>yesterday</c:Birthday>");
-        QTest::newRow("picture that is none") << QStringLiteral("<c:Picture>%%%</c:Picture>");
+        QTest::newRow("text that is no picture") << QStringLiteral("<c:Picture>%%%</c:Picture>");
         QTest::newRow("large picture")
             << QStringLiteral("<c:Picture>%1</c:Picture>")
                    .arg(QString::fromLatin1(QByteArray(48 * 1024 + 1, 'x').toBase64()));

@@ -27,7 +27,7 @@ private Q_SLOTS:
         QTest::newRow("an escaped quote does not end the name")
             << "\"Doe \\\", John\" <j@x.org>,b@x.org" << ','
             << QStringList { "\"Doe \\\", John\" <j@x.org>", "b@x.org" };
-        QTest::newRow("a lone quote hides nobody")
+        QTest::newRow("a lone quote hides no address")
             << "5\" Disk <d@x.org>, b@x.org" << ',' << QStringList { "5\" Disk <d@x.org>", "b@x.org" };
         QTest::newRow("semicolons") << "a@b.c; d@e.f" << ';' << QStringList { "a@b.c", "d@e.f" };
     }

@@ -18,7 +18,7 @@ public:
 
     QUrl url() const;
 
-    /** "user:password" that is let in; nobody is by default. */
+    /** "user:password" that is let in; by default every login is refused. */
     QByteArray accepted;
     /** Without it a refusal names no method, so that no answer is possible. */
     bool namesMethod = true;

@@ -90,7 +90,7 @@ Contact ContactSides::full(int number)
 {
     Contact contact;
     for (const QString &field : Contact::textFields()) {
-        // Servers tell these and take them from nobody.
+        // Servers send these and do not take them from clients.
         if (field != QLatin1String("Alias") && field != QLatin1String("WeightedRank"))
             contact.setText(field, QStringLiteral("%1 %2").arg(field).arg(number));
     }

@@ -10,7 +10,7 @@
 class QJsonArray;
 class QJsonObject;
 
-/** A part of a message that is none of its texts. */
+/** A part of a message other than its texts. */
 struct ImapPart
 {
     QString path;

@@ -4,7 +4,7 @@
 #include <QtContacts/QContactCollectionId>
 #include <QtContacts/QContactId>
 
-/** Identifiers as the interface has them, and the row numbers behind them; 0 is none. */
+/** Identifiers as the interface has them, and the row numbers behind them; 0 stands for no row. */
 namespace ContactIds {
 
 constexpr char managerName[] = "org.plover.contacts.sqlite";

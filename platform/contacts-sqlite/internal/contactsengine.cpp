@@ -311,7 +311,7 @@ ContactsEngine::Error ContactsEngine::remove(const QContactId &id, ContactChange
     const quint64 collection = mContacts.collectionOf(number);
     if (collection == 0)
         return QContactManager::DoesNotExistError;
-    // Nobody synchronises the device's own address book, so nobody would ever purge it.
+    // The device's own address book is not synchronised, so no engine would ever purge its rows.
     const bool purge = collection == ContactIds::localCollection;
     if (!mContacts.remove(number, purge ? ContactTable::Synchronised : ContactTable::Local))
         return QContactManager::UnspecifiedError;

@@ -37,7 +37,7 @@ public:
     bool exists(quint64 id) const;
     /** Whether the account store says that there is no such account; it does not while it cannot be read. */
     bool isGone(quint64 id) const;
-    /** As it is now; invalid if the account is none for mail. */
+    /** As it is now; invalid if the account has no mail service. */
     Record record(quint64 id) const;
     quint64 highestId() const;
 

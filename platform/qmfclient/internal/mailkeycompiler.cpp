@@ -89,7 +89,7 @@ private:
         if (key.comparison == MailKeyNode::Includes || key.comparison == MailKeyNode::Excludes)
             return inclusion(column, key);
         const QVariant value = key.values.first();
-        if (value.isNull()) // A date that is none: equal to those without a date, comparable to nothing.
+        if (value.isNull()) // An invalid date equals messages without a date, and compares with nothing else.
             return key.comparison == MailKeyNode::Equal   ? column + QLatin1String(" IS NULL")
                 : key.comparison == MailKeyNode::NotEqual ? column + QLatin1String(" IS NOT NULL")
                                                           : QStringLiteral("0");
