@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "client/accountdirectory.h"
 
+#include "accounts/base/accountstore.h"
 #include "client/output.h"
 
 #include <Accounts/Account>
@@ -46,12 +47,12 @@ AccountDirectory::AccountDirectory()
 {
     // Without a bus the library prints failures of its own and gives accounts that cannot be used.
     if (QDBusConnection::sessionBus().isConnected())
-        mManager = std::make_unique<Accounts::Manager>();
+        mManager = AccountStore::manager();
 }
 
 bool AccountDirectory::usable() const
 {
-    if (mManager && mManager->lastError().type() == Accounts::Error::NoError)
+    if (mManager)
         return true;
     Output::error(QStringLiteral("the account store cannot be reached; is there a session bus?"));
     return false;

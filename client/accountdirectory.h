@@ -67,5 +67,5 @@ private:
     static Accounts::Service mailService(const Accounts::Account &account);
     static bool store(Accounts::Account &account);
 
-    std::unique_ptr<Accounts::Manager> mManager;
+    std::shared_ptr<Accounts::Manager> mManager;
 };

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
-#include "accounts/accountrecord.h"
+#include "accounts/base/accountrecord.h"
 #include "application/account/easaccount.h"
 
 #include <QPointer>

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "dbus/dbusinterfacethread.h"
 
+#include "accounts/base/accountstore.h"
 #include "application/account/easaccount.h"
 #include "application/base/logging.h"
 #include "common/dbustypes.h"
@@ -57,12 +58,11 @@ void DBusInterfaceThread::run()
     leaveConnections();
     QDBusConnection::disconnectFromBus(SessionBusName);
     const std::unique_ptr<DBusInterfaceAdapter> adapter(mAdapter);
-    const std::unique_ptr<Accounts::Manager> accountsManager(mAccountsManager);
     mAdapter = nullptr;
     mPeerAdapter = nullptr;
     mPeerServer = nullptr;
     mPeerObject = nullptr;
-    mAccountsManager = nullptr;
+    mAccountsManager.reset();
 }
 
 void DBusInterfaceThread::createPeerServer()
@@ -122,14 +122,9 @@ void DBusInterfaceThread::leaveConnections()
 
 bool DBusInterfaceThread::ensureAccountsManager()
 {
-    if (mAccountsManager)
-        return true;
-    // The error counts right here alone: later it is that of the last account which was not found.
-    auto manager = std::make_unique<Accounts::Manager>();
-    if (manager->lastError().type() != Accounts::Error::NoError)
-        return false;
-    mAccountsManager = manager.release();
-    return true;
+    if (!mAccountsManager)
+        mAccountsManager = AccountStore::manager();
+    return mAccountsManager != nullptr;
 }
 
 std::unique_ptr<Accounts::Account> DBusInterfaceThread::storedAccount(qulonglong accountId)
@@ -139,7 +134,7 @@ std::unique_ptr<Accounts::Account> DBusInterfaceThread::storedAccount(qulonglong
     const bool canExist = accountId <= std::numeric_limits<Accounts::AccountId>::max();
     if (canExist && ensureAccountsManager())
         account.reset(Accounts::Account::fromId(
-            mAccountsManager, static_cast<Accounts::AccountId>(accountId), nullptr));
+            mAccountsManager.get(), static_cast<Accounts::AccountId>(accountId), nullptr));
     if (!account)
         qCCritical(eas()) << "Cannot allocate account object";
     return account;

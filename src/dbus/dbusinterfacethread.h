@@ -169,6 +169,6 @@ private:
     DBusPeerInterfaceAdapter *mPeerAdapter = nullptr;
     QDBusServer *mPeerServer = nullptr;
     QStringList mPeerConnections;
-    Accounts::Manager *mAccountsManager = nullptr;
+    std::shared_ptr<Accounts::Manager> mAccountsManager;
     QObject *mPeerObject = nullptr;
 };

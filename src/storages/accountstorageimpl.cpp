@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "storages/accountstorageimpl.h"
 
+#include "accounts/base/accountstore.h"
 #include "accounts/easaccountimpl.h"
 #include "application/base/logging.h"
 #include "application/mapping/easdatabase.h"
@@ -18,11 +19,10 @@ const QString providerName = QStringLiteral("fenneleas");
 
 AccountStorageImpl::AccountStorageImpl(QObject *parent)
     : AccountStorage(parent)
-    , mManager(new Accounts::Manager(this))
-    , mEmailManager(new Accounts::Manager(QStringLiteral("e-mail"), this))
+    , mManager(AccountStore::manager())
+    , mEmailManager(AccountStore::manager(QStringLiteral("e-mail")))
 {
-    mUsable = storeIsUsable(mManager) && storeIsUsable(mEmailManager);
-    if (mUsable)
+    if (isUsable())
         connectManagers();
     connectDatabase();
     QTimer::singleShot(0, this, &AccountStorageImpl::initializeAccounts);
@@ -57,13 +57,13 @@ bool AccountStorageImpl::isReady() const
 
 void AccountStorageImpl::connectManagers()
 {
-    connect(mManager, &Accounts::Manager::accountCreated, this, &AccountStorageImpl::onAccountCreated);
-    connect(mManager, &Accounts::Manager::accountRemoved, this, &AccountStorageImpl::onAccountRemoved);
-    connect(mManager, &Accounts::Manager::accountUpdated, this, &AccountStorageImpl::onAccountUpdated);
-    connect(
-        mEmailManager, &Accounts::Manager::accountUpdated, this, &AccountStorageImpl::onEmailAccountUpdated);
+    connect(mManager.get(), &Accounts::Manager::accountCreated, this, &AccountStorageImpl::onAccountCreated);
+    connect(mManager.get(), &Accounts::Manager::accountRemoved, this, &AccountStorageImpl::onAccountRemoved);
+    connect(mManager.get(), &Accounts::Manager::accountUpdated, this, &AccountStorageImpl::onAccountUpdated);
+    connect(mEmailManager.get(), &Accounts::Manager::accountUpdated, this,
+        &AccountStorageImpl::onEmailAccountUpdated);
     // Only this signal tells that an account was switched on or off.
-    connect(mEmailManager, &Accounts::Manager::enabledEvent, this, &AccountStorageImpl::onEnabledEvent);
+    connect(mEmailManager.get(), &Accounts::Manager::enabledEvent, this, &AccountStorageImpl::onEnabledEvent);
 }
 
 void AccountStorageImpl::connectDatabase()
@@ -73,16 +73,6 @@ void AccountStorageImpl::connectDatabase()
         [](EasAccountId id) { EasDatabase::instance()->onAccountAdded(id); });
     connect(this, &AccountStorage::accountDeleted, this,
         [](EasAccountId id) { EasDatabase::instance()->onAccountDeleted(id); });
-}
-
-bool AccountStorageImpl::storeIsUsable(const Accounts::Manager *manager) const
-{
-    const Accounts::Error error = manager->lastError();
-    if (error.type() == Accounts::Error::NoError)
-        return true;
-    qCCritical(eas()) << "The account store cannot be used, is there a session bus? Error:" << error.type()
-                      << error.message();
-    return false;
 }
 
 bool AccountStorageImpl::isEasAccount(EasAccountId id) const
@@ -110,7 +100,7 @@ void AccountStorageImpl::createAccount(Accounts::Account *record, EasAccountId i
 
 void AccountStorageImpl::initializeAccounts()
 {
-    if (mUsable) {
+    if (isUsable()) {
         const Accounts::AccountIdList enabled = mEmailManager->accountListEnabled();
         for (const Accounts::AccountId id : enabled) {
             if (!isEasAccount(id) || mAccounts.contains(id))
@@ -132,8 +122,12 @@ void AccountStorageImpl::cleanUpDatabase()
     // Disabled accounts are known too: what is kept of them stays. A list that could not be read must not
     // pass for an empty one.
     const Accounts::AccountIdList all = mManager->accountList();
-    if (!storeIsUsable(mManager))
+    const Accounts::Error error = mManager->lastError();
+    if (error.type() != Accounts::Error::NoError) {
+        qCWarning(eas()) << "The accounts could not be listed, nothing is cleaned up. Error:" << error.type()
+                         << error.message();
         return;
+    }
     QList<EasAccountId> known;
     for (const Accounts::AccountId id : all)
         known.append(id);

@@ -5,6 +5,8 @@
 
 #include <QHash>
 
+#include <memory>
+
 namespace Accounts {
 class Account;
 class Manager;
@@ -39,18 +41,18 @@ private Q_SLOTS:
     void onEnabledEvent(uint id);
 
 private:
+    bool isUsable() const { return mManager && mEmailManager; }
     void connectManagers();
     void connectDatabase();
-    bool storeIsUsable(const Accounts::Manager *manager) const;
     void cleanUpDatabase();
     bool isEasAccount(EasAccountId id) const;
     /** The record of an account; null, after a log line, if it cannot be had. */
     Accounts::Account *accountRecord(EasAccountId id) const;
     void createAccount(Accounts::Account *record, EasAccountId id);
 
-    Accounts::Manager *mManager;
-    Accounts::Manager *mEmailManager;
+    // Null if the account store cannot be used.
+    std::shared_ptr<Accounts::Manager> mManager;
+    std::shared_ptr<Accounts::Manager> mEmailManager;
     QHash<EasAccountId, EasAccount *> mAccounts;
-    bool mUsable = false;
     bool mReady = false;
 };

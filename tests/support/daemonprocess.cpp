@@ -121,3 +121,8 @@ bool DaemonProcess::hasDied() const
 {
     return mProcess->state() == QProcess::NotRunning;
 }
+
+qint64 DaemonProcess::processId() const
+{
+    return mProcess->processId();
+}

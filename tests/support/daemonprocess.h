@@ -43,6 +43,7 @@ public:
     /** SIGKILL so long after the start, by a thread that no event loop delays. */
     void killAfterStart(std::chrono::microseconds delay) { mLife = delay; }
     bool hasDied() const;
+    qint64 processId() const;
 
     /** What it has logged so far. */
     QByteArray log() const { return mLog; }

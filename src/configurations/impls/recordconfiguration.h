@@ -1,18 +1,26 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
-#include "accounts/accountrecord.h"
+#include "accounts/base/accountrecord.h"
 #include "application/base/logging.h"
 #include "common/easaccountid.h"
 #include "configurations/impls/settingstable.h"
 
 #include <functional>
+#include <memory>
 
 class QObject;
 
-/** Calls back whenever a key of a service of this type was written in the account's record. */
-void followServiceSettings(QObject *context, const QString &serviceType, EasAccountId accountId,
-    const std::function<void()> &changed);
+namespace Accounts {
+class Manager;
+}
+
+/**
+ * Calls back whenever a key of a service of this type was written in the account's record. The manager that
+ * reports it has to be kept as long; null, and no call, if the account store cannot be used.
+ */
+std::shared_ptr<Accounts::Manager> followServiceSettings(QObject *context, const QString &serviceType,
+    EasAccountId accountId, const std::function<void()> &changed);
 
 /**
  * What every binding of a configuration shares: the account record, the table of settings and the values read
@@ -57,7 +65,7 @@ protected:
     /** Calls back whenever the service's settings were written, also by other processes. */
     void follow(const std::function<void()> &changed)
     {
-        followServiceSettings(this, mService.serviceType, this->accountId(), changed);
+        mManager = followServiceSettings(this, mService.serviceType, this->accountId(), changed);
     }
 
     bool serviceFound() const { return mRecord.contains(mService); }
@@ -66,6 +74,7 @@ protected:
     Accounts::Account *account() const { return mRecord.account(); }
 
 private:
+    std::shared_ptr<Accounts::Manager> mManager;
     AccountRecord mRecord;
     RecordScope mService;
     const Rows &mRows;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "accounts/accountrecord.h"
+#include "accounts/base/accountrecord.h"
 
 #include <Accounts/Account>
 #include <Accounts/Service>
