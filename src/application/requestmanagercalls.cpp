@@ -65,7 +65,8 @@ void RequestManager::onFoldersSyncRequest(EasAccountId accountId, qulonglong req
 {
     qCInfo(eas()) << "Folders Sync: account: " << accountId << ", requestId: " << requestId;
     auto *const request = new FolderSyncRequest(accountId, requestId, this);
-    connect(request, &FolderSyncRequest::resyncFolders, this,
+    // The request is the context, because the wish comes after its end, when this one listens no more.
+    connect(request, &FolderSyncRequest::resyncFolders, request,
         [this](EasAccountId resyncedId, qulonglong resyncRequestId) {
             processNewSyncRequest(new SyncRequest(resyncedId, resyncRequestId, this));
         });

@@ -17,14 +17,10 @@ class CommandRequest : public Request
 public:
     using Request::Request;
 
-protected:
-    void cancelRequest() override;
-
-    virtual void onCommandFinished(bool success) = 0;
+    // For the request itself, and for the phases that it consists of
 
     /** Null before the first command and once the last one was dropped. */
     BaseProtocolCommand *currentCommand() const { return mCommand; }
-    void dropCommand();
     /** A command of this account whose end comes to onCommandFinished(); the one before is dropped. */
     template <typename Command> Command *newCommand()
     {
@@ -32,6 +28,13 @@ protected:
         takeCommand(command);
         return command;
     }
+
+protected:
+    void cancelRequest() override;
+
+    virtual void onCommandFinished(bool success) = 0;
+
+    void dropCommand();
 
 private:
     void takeCommand(BaseProtocolCommand *command);

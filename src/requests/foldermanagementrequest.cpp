@@ -6,6 +6,7 @@
 #include "application/mapping/easdatabase.h"
 #include "protocol/base/eas.h"
 #include "protocol/foldercommand.h"
+#include "requests/hierarchykey.h"
 
 bool FolderManagementRequest::refuse(const char *text)
 {
@@ -55,11 +56,11 @@ void FolderManagementRequest::startRequest()
         qCCritical(eas()) << "No account";
         return completeWith(RequestStatusInternalError);
     }
-    QString key;
-    if (!readFolderSyncKey(&key))
-        return;
+    const std::optional<QString> key = HierarchyKey(accountId()).read();
+    if (!key)
+        return completeWith(RequestStatusInternalError);
     FolderCommand *const command = createCommand();
-    command->setSyncKey(key);
+    command->setSyncKey(*key);
     command->start();
 }
 
@@ -148,6 +149,5 @@ bool FolderManagementRequest::processResponse()
     changes.markSaved();
     if (!changes.updateDatabase())
         return fail(texts().databaseFailure);
-    return EasDatabase::instance()->setFolderSyncKey(accountId(), command->syncKey())
-        || fail(texts().databaseFailure);
+    return HierarchyKey(accountId()).store(command->syncKey()) || fail(texts().databaseFailure);
 }

@@ -3,20 +3,27 @@
 
 #include "application/account/easaccount.h"
 #include "application/base/logging.h"
-#include "application/mapping/easdatabase.h"
 #include "protocol/base/eas.h"
 #include "protocol/base/protocolutils.h"
-#include "protocol/foldersynccommand.h"
-#include "requests/folderhierarchychanges.h"
+
+namespace {
+
+constexpr char DeviceText[] = "invalid Device ID or Type. Trying to update Device information";
+
+constexpr RequestStatusTable::Row rows[] = {
+    { Eas::CommonStatusInvalidDeviceId, QtWarningMsg, DeviceText, RequestVerb::RefreshDeviceAndRetryLater },
+    { Eas::CommonStatusInvalidDeviceType, QtWarningMsg, DeviceText, RequestVerb::RefreshDeviceAndRetryLater },
+};
+constexpr RequestStatusTable statuses(rows);
+static_assert(statuses.namesEachStatusOnce());
+
+} // namespace
 
 FolderSyncRequest::FolderSyncRequest(EasAccountId accountId, quint64 requestId, QObject *parent)
     : HierarchyRequest(accountId, requestId, parent)
+    , mRun { *this, outcome(), attempts() }
+    , mHierarchy(mRun, HierarchyPhase::Alone)
 {
-}
-
-const FolderSyncCommand &FolderSyncRequest::folderSync() const
-{
-    return *qobject_cast<FolderSyncCommand *>(currentCommand());
 }
 
 QString FolderSyncRequest::commandName() const
@@ -30,19 +37,9 @@ void FolderSyncRequest::startRequest()
         qCCritical(eas()) << "No account";
         return completeWith(RequestStatusInternalError);
     }
-    FolderSyncCommand *command = newFolderSyncCommand();
-    if (!command)
-        return;
-    command->start();
+    // First, because the command may end before its start returns.
     Q_EMIT syncStarted(accountId(), id());
-}
-
-void FolderSyncRequest::retrySend()
-{
-    if (mRetryCount++ >= ProtocolUtils::CommandMaxRetriesCount)
-        return complete();
-    qCInfo(eas()) << "trying to send command again. Attempt: " << mRetryCount;
-    startRequest();
+    follow(mHierarchy.start());
 }
 
 void FolderSyncRequest::onCommandFinished(bool success)
@@ -52,7 +49,6 @@ void FolderSyncRequest::onCommandFinished(bool success)
 
 void FolderSyncRequest::handleFinished(bool success)
 {
-    qCInfo(eas()) << "FolderSyncRequest finished with success: " << success;
     if (!currentCommand())
         qCCritical(eas()) << "No command object";
     if (!acceptResult(currentCommand(), success)) {
@@ -60,99 +56,31 @@ void FolderSyncRequest::handleFinished(bool success)
             qCInfo(eas()) << "Provision request required";
         return dropCommand();
     }
-    if (!success && status() < Eas::CommonStatusInvalidContent)
-        return complete();
-    const StatusRows rows = {
-        { { 0, Eas::FolderSyncStatusSuccess },
-            [this] {
-                processSuccess();
-            } },
-        { { Eas::FolderSyncStatusServerError, Eas::FolderSyncStatusUnknownError },
-            [this] {
-                processFolderSyncServerError();
-            } },
-        { { Eas::FolderSyncStatusWrongSyncKey },
-            [this] {
-                processWrongSyncKey();
-            } },
-        { { Eas::FolderSyncStatusWrongRequest },
-            [this] {
-                qCCritical(eas()) << "incorrect FolderSync request. Something wrong with the encoder";
-                complete();
-            } },
-        { { Eas::FolderSyncStatusCodeUnknown },
-            [this] {
-                qCWarning(eas()) << "Unusual back-end issue on the server.";
-                complete();
-            } },
-        { { Eas::CommonStatusInvalidDeviceId, Eas::CommonStatusInvalidDeviceType },
-            [this] {
-                refreshDeviceAndRetryLater();
-            } },
-    };
-    if (!handleCommonStatus(status(), rows))
-        completeUnhandled();
-}
-
-void FolderSyncRequest::processSuccess()
-{
-    if (folderSync().syncKey() == ProtocolUtils::InitialSyncKey) {
-        // An empty answer to the first FolderSync tells nothing; it is asked for again, and counted.
-        setStatus(RequestStatusInternalError);
-        return startResendTimer();
-    }
-    qCInfo(eas()) << "Folder sync request successfully completed for account:" << accountId();
-    resetTimeoutFactor();
-    setStatus(RequestStatusSuccess);
-    // Before the end, after which nobody listens: the sync waits in the queue behind this request.
-    if (mResyncRequested)
-        Q_EMIT resyncFolders(accountId(), id());
+    if (handleStatus(status(), statuses))
+        return;
+    const bool answered = success && successfullyFinished();
+    follow(mHierarchy.finish(success));
+    if (!answered || !hasEnded() || !mResyncRequested)
+        return;
+    // Last: the sync that this brings must not find a request that is still at work.
     mResyncRequested = false;
-    if (processResponse()) {
-        mRetryCount = 0;
+    Q_EMIT resyncFolders(accountId(), id());
+}
+
+void FolderSyncRequest::follow(SyncPhase::End end)
+{
+    switch (end) {
+    case SyncPhase::End::Sent:
+        return;
+    case SyncPhase::End::StartOver:
+        mResyncRequested = true;
+        return startRequest();
+    case SyncPhase::End::AgainLater:
+        return startResendTimer();
+    case SyncPhase::End::Done:
+        qCInfo(eas()) << "Folder sync request successfully completed for account:" << accountId();
+        return complete();
+    default:
         complete();
-    } else {
-        qCWarning(eas()) << "Couldn't process folder sync responce!";
     }
-}
-
-bool FolderSyncRequest::processResponse()
-{
-    const auto fail = [this](const char *text) {
-        qCCritical(eas()) << text;
-        completeWith(RequestStatusInternalError);
-        return false;
-    };
-    EasAccount *easAccount = account();
-    if (!easAccount)
-        return fail("No account");
-    const FolderSyncCommand &reply = folderSync();
-    FolderHierarchyChanges changes(
-        *easAccount, { reply.addedItems(), reply.updatedItems(), reply.deletedItems() });
-    const bool stored = changes.isReady()
-        && changes.updateStores(FolderHierarchyChanges::OnFailure::Stop, "can't update mail folders");
-    if (!stored) {
-        completeWith(RequestStatusInternalError);
-        return false;
-    }
-    changes.markSaved();
-    if (!changes.updateDatabase())
-        return fail("failed to update folders in EAS DB");
-    // The key is the last thing written: whatever stops us before makes the server repeat its answer.
-    return EasDatabase::instance()->setFolderSyncKey(accountId(), folderSync().syncKey())
-        || fail("failed to update folders in EAS DB");
-}
-
-void FolderSyncRequest::processWrongSyncKey()
-{
-    // A server that refuses even the initial key will not be helped by another reset.
-    if (mResyncRequested)
-        return processFolderSyncServerError();
-    qCWarning(eas()) << "wrong sync key, resyncing account";
-    if (!EasDatabase::instance()->clearAccount(accountId())) {
-        qCCritical(eas()) << "Failed to clear account";
-        return completeWith(RequestStatusInternalError);
-    }
-    mResyncRequested = true;
-    startRequest();
 }

@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include "requests/hierarchyphase.h"
 #include "requests/hierarchyrequest.h"
-
-class FolderSyncCommand;
 
 /**
  * Refreshes the folder hierarchy of an account and nothing else.
  *
- * After a wrong hierarchy key the account is cleared and starts anew; once the fresh hierarchy stands,
+ * After a wrong hierarchy key the account is cleared and starts anew; once the fresh hierarchy was applied,
  * resyncFolders() asks the RequestManager for a full sync under the same identifier. Queued and owned by the
  * RequestManager. Main thread only.
  */
@@ -19,10 +18,8 @@ class FolderSyncRequest : public HierarchyRequest
 public:
     FolderSyncRequest(EasAccountId accountId, quint64 requestId, QObject *parent = nullptr);
 
-public Q_SLOTS:
-    void retrySend() override;
-
 Q_SIGNALS:
+    /** Emitted after the end of the request. */
     void resyncFolders(EasAccountId accountId, qulonglong requestId);
 
 protected:
@@ -33,10 +30,11 @@ protected:
     virtual void handleFinished(bool success);
 
 private:
-    const FolderSyncCommand &folderSync() const;
-    void processSuccess();
-    bool processResponse();
-    void processWrongSyncKey();
+    /** Goes on as the phase wants it. */
+    void follow(SyncPhase::End end);
 
+    SyncRun mRun;
+    HierarchyPhase mHierarchy;
+    /** The account was cleared, and needs its items again once the hierarchy was answered. */
     bool mResyncRequested = false;
 };

@@ -124,6 +124,9 @@ protected:
     /** Counts an attempt. False if none was left, and the request has ended with the status as it stands. */
     bool consumeRetry();
     void clearRetries();
+    /** For the collaborators of a request that consists of several steps. */
+    Attempts &attempts() { return mAttempts; }
+    Outcome &outcome() { return mOutcome; }
 
     // What a status can make a request do.
     void complete();

@@ -5,7 +5,6 @@
 #include "application/base/logging.h"
 #include "application/mapping/easdatabase.h"
 #include "protocol/base/eas.h"
-#include "protocol/base/protocolutils.h"
 #include "protocol/synccommand.h"
 #include "requests/calendarresulthandler.h"
 #include "requests/contactsresulthandler.h"
@@ -33,32 +32,55 @@ std::unique_ptr<SyncResultHandler> handlerFor(
     return nullptr;
 }
 
+constexpr char LostStateText[] =
+    "Invalid or mismatched synchronization key or synchronization state corrupted on server";
+
 } // namespace
 
-SyncReplyProcessor::SyncReplyProcessor(EasAccount &account, SyncState &state, int &retryCount)
+const SyncReplyProcessor::Statuses SyncReplyProcessor::statuses = [] {
+    static constexpr Statuses::Row rows[] = {
+        { Eas::SyncStatusUndefined, QtInfoMsg, nullptr, Verb::TakeItems },
+        { Eas::SyncStatusSuccess, QtInfoMsg, nullptr, Verb::TakeItems },
+        { Eas::SyncStatusInvalidSyncKey, QtWarningMsg, LostStateText, Verb::LoseState },
+        { Eas::SyncStatusProtocolError, QtWarningMsg,
+            "protocol error. We should check request and send it again", Verb::Fail },
+        { Eas::SyncStatusCannotComplete, QtWarningMsg,
+            "user should free disk space on the server before retry", Verb::FailStorageFull },
+        { Eas::SyncStatusRequestNotComplete, QtWarningMsg,
+            "Sync request command is not complete for collection %1", Verb::Fail },
+        { Eas::SyncStatusInvalidWait, QtWarningMsg, "Invalid Wait or HeartbeatInterval values", Verb::Fail },
+        { Eas::SyncStatusInvalidSync, QtWarningMsg, nullptr, Verb::Narrow },
+        { Eas::SyncStatusRetry, QtInfoMsg, "we should retry our sync request for collection %1",
+            Verb::Repeat },
+    };
+    constexpr Statuses table(rows);
+    static_assert(table.namesEachStatusOnce());
+    return table;
+}();
+
+SyncReplyProcessor::SyncReplyProcessor(EasAccount &account, SyncState &state, Attempts &attempts)
     : mAccount(account)
     , mState(state)
-    , mRetryCount(retryCount)
+    , mAttempts(attempts)
 {
 }
 
-bool SyncReplyProcessor::process(const SyncCommand &command)
+SyncReplyProcessor::Reply SyncReplyProcessor::process(const SyncCommand &command)
 {
     if (!asksForRepetition(command))
-        mRetryCount = 0;
+        mAttempts.reset();
     for (const SyncCollection &collection : command.collections())
         mSentKeys.insert(collection.id(), collection.syncKey());
     const QList<SyncCollection> collections = command.responseCollections();
     for (SyncCollection collection : collections) {
-        if (collection.status() == Eas::SyncStatusInvalidSyncKey) {
-            qCWarning(eas())
-                << "Invalid or mismatched synchronization key or synchronization state corrupted "
-                   "on server";
-            return false;
-        }
-        processCollection(collection);
+        const Statuses::Row *row = statuses.find(int(collection.status()));
+        if (row)
+            logStatusText(row->level, row->text, collection.id());
+        if (row && row->verb == Verb::LoseState)
+            return Reply::StateLost;
+        apply(judge(collection, row), collection);
     }
-    return true;
+    return Reply::Taken;
 }
 
 bool SyncReplyProcessor::asksForRepetition(const SyncCommand &command) const
@@ -66,106 +88,101 @@ bool SyncReplyProcessor::asksForRepetition(const SyncCommand &command) const
     // Otherwise the success of the other collections would let one be repeated for ever.
     const QList<SyncCollection> collections = command.responseCollections();
     return std::any_of(collections.cbegin(), collections.cend(), [](const SyncCollection &collection) {
-        return collection.status() == Eas::SyncStatusRetry
-            || collection.status() == Eas::SyncStatusInvalidSync;
+        const Statuses::Row *row = statuses.find(int(collection.status()));
+        return row && (row->verb == Verb::Repeat || row->verb == Verb::Narrow);
     });
 }
 
-void SyncReplyProcessor::processCollection(SyncCollection &collection)
+SyncReplyProcessor::Result SyncReplyProcessor::judge(SyncCollection &collection, const Statuses::Row *row)
 {
-    if (!handleCollectionResults(collection))
-        return;
-    if (handleItems(collection) && bearsItems(collection)
-        && collection.syncKey() != mSentKeys.value(collection.id()))
-        mHasProgressed = true;
+    switch (row ? row->verb : Verb::Fail) {
+    case Verb::TakeItems:
+        return takeItems(collection);
+    case Verb::Narrow:
+        return narrow(collection);
+    case Verb::Repeat:
+        return repeat(collection);
+    case Verb::FailStorageFull:
+        mRecordedStatus = Request::RequestStatusServerStorageFull;
+        break;
+    case Verb::Fail:
+    case Verb::LoseState:
+        break;
+    }
+    return Result::Refused;
+}
+
+void SyncReplyProcessor::apply(Result result, const SyncCollection &collection)
+{
+    switch (result) {
+    case Result::Taken:
+        mUpdated.append(collection);
+        if (bearsItems(collection) && collection.syncKey() != mSentKeys.value(collection.id()))
+            mHasProgressed = true;
+        return closeUnlessMore(collection);
+    case Result::NotHandled:
+        return closeUnlessMore(collection);
+    case Result::NotStored:
+        addFailed(collection, mStoreStatus);
+        return closeUnlessMore(collection);
+    case Result::Refused:
+        return addFailed(collection, int(collection.status()));
+    case Result::GivenUp:
+        return mState.collectionSynced(collection.id());
+    }
+}
+
+void SyncReplyProcessor::closeUnlessMore(const SyncCollection &collection)
+{
     // A failed collection is repeated from its old key by the next sync, not by this one.
     if (collection.moreAvailable())
         mMoreAvailable = true;
     else
-        collectionSynced(mState, collection.id());
+        mState.collectionSynced(collection.id());
 }
 
-bool SyncReplyProcessor::handleCollectionResults(const SyncCollection &collection)
-{
-    switch (collection.status()) {
-    case Eas::SyncStatusUndefined:
-    case Eas::SyncStatusSuccess:
-        mState.collectionsToRetry.removeAll(collection.id());
-        return true;
-    case Eas::SyncStatusProtocolError:
-        qCWarning(eas()) << "protocol error. We should check request and send it again";
-        break;
-    case Eas::SyncStatusCannotComplete:
-        mRecordedStatus = Request::RequestStatusServerStorageFull;
-        qCWarning(eas()) << "user should free disk space on the server before retry";
-        break;
-    case Eas::SyncStatusRequestNotComplete:
-        qCWarning(eas()) << "Sync request command is not complete for collection" << collection.id();
-        break;
-    case Eas::SyncStatusInvalidWait:
-        qCWarning(eas()) << "Invalid Wait or HeartbeatInterval values";
-        break;
-    case Eas::SyncStatusInvalidSync:
-        narrow(collection);
-        break;
-    case Eas::SyncStatusRetry:
-        qCInfo(eas()) << "we should retry our sync request for collection" << collection.id();
-        if (!mayRepeat(collection))
-            return false;
-        break;
-    default:
-        break;
-    }
-    addFailed(collection, collection.status());
-    return false;
-}
-
-void SyncReplyProcessor::narrow(const SyncCollection &collection)
+SyncReplyProcessor::Result SyncReplyProcessor::narrow(const SyncCollection &collection)
 {
     // All collections of a reply can say so, which counts once.
     if (mHasNarrowed)
-        return;
-    if (mRetryCount >= ProtocolUtils::CommandMaxRetriesCount)
-        return collectionSynced(mState, collection.id());
-    mHasNarrowed = true;
-    ++mRetryCount;
-    processSyncRequestInvalidSyncError(mState);
-}
-
-bool SyncReplyProcessor::mayRepeat(const SyncCollection &collection)
-{
-    if (mRetryCount >= ProtocolUtils::CommandMaxRetriesCount) {
-        collectionSynced(mState, collection.id());
-        return false;
+        return Result::Refused;
+    if (!mAttempts.consume()) {
+        mState.collectionSynced(collection.id());
+        return Result::Refused;
     }
-    SyncState::addOnce(mState.collectionsToRetry, collection.id());
-    ++mRetryCount;
-    return true;
+    mHasNarrowed = true;
+    mState.processSyncRequestInvalidSyncError();
+    return Result::Refused;
 }
 
-bool SyncReplyProcessor::handleItems(SyncCollection &collection)
+SyncReplyProcessor::Result SyncReplyProcessor::repeat(const SyncCollection &collection)
 {
+    if (!mAttempts.consume())
+        return Result::GivenUp;
+    SyncState::addOnce(mState.collectionsToRetry, collection.id());
+    return Result::Refused;
+}
+
+SyncReplyProcessor::Result SyncReplyProcessor::takeItems(SyncCollection &collection)
+{
+    mState.collectionsToRetry.removeAll(collection.id());
     const EasFolderItem::FolderType type =
         EasDatabase::instance()->folderTypeByServerId(mAccount.id(), collection.id());
     if (EasDatabase::instance()->lookupFailed()) {
         qCCritical(eas()) << "failed to read folders from EAS DB";
-        mRecordedStatus = Request::RequestStatusInternalError;
-        addFailed(collection, mRecordedStatus);
-        return false;
+        mStoreStatus = mRecordedStatus = Request::RequestStatusInternalError;
+        return Result::NotStored;
     }
     const std::unique_ptr<SyncResultHandler> handler = handlerFor(type, mAccount, mState);
     if (!handler) {
         qCWarning(eas()) << "unhandled folder type" << type;
-        return false;
+        return Result::NotHandled;
     }
     const bool handled = handler->handle(collection);
-    if (handler->status() != 0)
-        mRecordedStatus = handler->status();
-    if (handled)
-        mUpdated.append(collection);
-    else
-        addFailed(collection, handler->status());
-    return handled;
+    mStoreStatus = handler->status();
+    if (mStoreStatus != 0)
+        mRecordedStatus = mStoreStatus;
+    return handled ? Result::Taken : Result::NotStored;
 }
 
 void SyncReplyProcessor::addFailed(const SyncCollection &collection, int status)
@@ -184,27 +201,4 @@ bool SyncReplyProcessor::bearsItems(const SyncCollection &collection)
         || !collection.changedEmails().isEmpty() || !collection.addedCalendarItems().isEmpty()
         || !collection.changedCalendarItems().isEmpty() || !collection.addedContacts().isEmpty()
         || !collection.changedContacts().isEmpty();
-}
-
-void SyncReplyProcessor::collectionSynced(SyncState &state, const QString &serverId)
-{
-    state.collectionsToRetry.removeAll(serverId);
-    state.collectionsToSync.removeAll(serverId);
-}
-
-void SyncReplyProcessor::processSyncRequestInvalidSyncError(SyncState &state)
-{
-    qCWarning(eas()) << "Too many collections in SyncRequest";
-    if (!state.collectionsToSync.isEmpty())
-        SyncState::addOnce(state.collectionsToRetry, state.collectionsToSync.first());
-}
-
-int SyncReplyProcessor::firstFailure(const SyncCommand &command)
-{
-    const QList<SyncCollection> collections = command.responseCollections();
-    for (const SyncCollection &collection : collections) {
-        if (collection.status() > Eas::SyncStatusSuccess)
-            return int(collection.status());
-    }
-    return 0;
 }

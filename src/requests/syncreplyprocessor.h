@@ -2,6 +2,8 @@
 #pragma once
 
 #include "protocol/elements/synccollection.h"
+#include "requests/attempts.h"
+#include "requests/statustable.h"
 
 #include <QHash>
 #include <QList>
@@ -21,11 +23,15 @@ struct SyncState;
 class SyncReplyProcessor
 {
 public:
-    /** retryCount is the request's own: collections that ask to be repeated count against it. */
-    SyncReplyProcessor(EasAccount &account, SyncState &state, int &retryCount);
+    enum class Reply {
+        Taken, ///< each of its collections was looked at
+        StateLost ///< the server has lost its state; nothing behind the collection that says so was handled
+    };
 
-    /** False if the sync state of a collection is corrupt on the server; nothing behind it was handled. */
-    bool process(const SyncCommand &command);
+    /** Collections that ask to be repeated count against the attempts, which are the request's own. */
+    SyncReplyProcessor(EasAccount &account, SyncState &state, Attempts &attempts);
+
+    Reply process(const SyncCommand &command);
 
     /** Collections whose items are stored and mapped, so that their keys may be written. */
     QList<SyncCollection> updated() const { return mUpdated; }
@@ -37,32 +43,39 @@ public:
     /** Whether any collection brought items, and a key that lies behind them. */
     bool hasProgressed() const { return mHasProgressed; }
 
-    /** The status of the first collection of a reply that is no success; 0 if there is none. */
-    static int firstFailure(const SyncCommand &command);
-
-    /** Takes a collection off the lists of what is still to be done. */
-    static void collectionSynced(SyncState &state, const QString &serverId);
-
-    /** Status 15: the server wants fewer collections, so the next Sync carries one. */
-    static void processSyncRequestInvalidSyncError(SyncState &state);
-
 private:
+    enum class Verb { TakeItems, LoseState, Fail, FailStorageFull, Narrow, Repeat };
+    using Statuses = StatusTable<Verb>;
+    static const Statuses statuses;
+
+    /** What became of a collection. */
+    enum class Result {
+        Taken, ///< its items are stored and mapped
+        NotHandled, ///< its folder is of a type that is not synchronised
+        NotStored, ///< its items could not be stored; it is repeated from its old key
+        Refused, ///< by its status
+        GivenUp ///< it has asked to be repeated too often, and is left for the next sync
+    };
+
     bool asksForRepetition(const SyncCommand &command) const;
-    void processCollection(SyncCollection &collection);
-    bool handleCollectionResults(const SyncCollection &collection);
-    bool handleItems(SyncCollection &collection);
-    void narrow(const SyncCollection &collection);
+    Result judge(SyncCollection &collection, const Statuses::Row *row);
+    void apply(Result result, const SyncCollection &collection);
+    Result takeItems(SyncCollection &collection);
+    Result narrow(const SyncCollection &collection);
+    Result repeat(const SyncCollection &collection);
     void addFailed(const SyncCollection &collection, int status);
-    bool mayRepeat(const SyncCollection &collection);
+    void closeUnlessMore(const SyncCollection &collection);
     static bool bearsItems(const SyncCollection &collection);
 
     EasAccount &mAccount;
     SyncState &mState;
-    int &mRetryCount;
+    Attempts &mAttempts;
     QList<SyncCollection> mUpdated;
     QStringList mFailedIds;
     int mRecordedStatus = 0;
     int mFirstFailedStatus = 0;
+    /** Of the items of the collection at hand. */
+    int mStoreStatus = 0;
     bool mMoreAvailable = false;
     bool mHasProgressed = false;
     bool mHasNarrowed = false;

@@ -2,14 +2,41 @@
 #include "requests/syncrequest.h"
 
 #include "application/account/easaccount.h"
+#include "application/base/clock.h"
 #include "application/base/logging.h"
 #include "protocol/base/eas.h"
 #include "protocol/base/protocolutils.h"
-#include "protocol/baseprotocolcommand.h"
+#include "requests/synccollectionqueue.h"
+#include "requests/syncfolderselection.h"
 #include "storages/contactstorage.h"
+
+namespace {
+
+constexpr char DeviceText[] = "invalid Device ID or Type. Trying to update Device information";
+constexpr char TooLargeText[] = "The message is too large or the mailbox is over-quota: %1";
+
+/** What a status means whatever the phase. */
+constexpr RequestStatusTable::Row rows[] = {
+    { Eas::CommonStatusInvalidDeviceId, QtWarningMsg, DeviceText, RequestVerb::RefreshDeviceAndRetryLater },
+    { Eas::CommonStatusInvalidDeviceType, QtWarningMsg, DeviceText, RequestVerb::RefreshDeviceAndRetryLater },
+    { Eas::CommonStatusSendQuotaExceeded, QtWarningMsg, TooLargeText, RequestVerb::RefuseTooLarge },
+    { Eas::CommonStatusAttachmentTooLarge, QtWarningMsg, TooLargeText, RequestVerb::RefuseTooLarge },
+};
+constexpr RequestStatusTable statuses(rows);
+static_assert(statuses.namesEachStatusOnce());
+
+/** Percent of the request, by the state whose command has finished. */
+constexpr int progress[] = { 0, 20, 20, 50, 60, 80, 40 };
+
+} // namespace
 
 SyncRequest::SyncRequest(EasAccountId accountId, quint64 requestId, QObject *parent)
     : HierarchyRequest(accountId, requestId, parent)
+    , mRun { *this, outcome(), attempts() }
+    , mHierarchy(mRun, HierarchyPhase::InSync)
+    , mMoves(mRun)
+    , mFirstKeys(mRun)
+    , mItems(mRun)
 {
 }
 
@@ -23,9 +50,14 @@ void SyncRequest::setSyncFolders(const QStringList &localFolderIds)
     mSyncFolders = localFolderIds;
 }
 
+SyncPhase::State SyncRequest::requestState() const
+{
+    return mPhase ? mPhase->state() : SyncPhase::StateIdle;
+}
+
 bool SyncRequest::started() const
 {
-    return mRequestState != StateIdle;
+    return requestState() != SyncPhase::StateIdle;
 }
 
 QString SyncRequest::commandName() const
@@ -43,15 +75,16 @@ void SyncRequest::startRequest()
     if (const QSharedPointer<ContactStorage> contacts = easAccount->contactStorage())
         connect(this, &SyncRequest::syncCompleted, contacts.data(), &ContactStorage::onSyncCompleted,
             Qt::UniqueConnection);
-    startFolderSyncCommand();
+    // First, because the command may end before its start returns.
     Q_EMIT syncStarted(accountId(), id());
+    startFolderSyncCommand();
 }
 
 void SyncRequest::reportRequestCompleted()
 {
     if (hasEnded())
         return;
-    mRequestState = StateIdle;
+    mPhase = nullptr;
     HierarchyRequest::reportRequestCompleted();
 }
 
@@ -59,35 +92,34 @@ void SyncRequest::resumeRequest(bool success)
 {
     if (!success)
         return complete();
-    if (mRequestState < StateInitialSync) {
+    switch (requestState()) {
+    case SyncPhase::StateIdle:
+    case SyncPhase::StateInitialFolderSync:
+    case SyncPhase::StateFolderSync:
         qCInfo(eas()) << "resuming from FolderSync state";
-        startFolderSyncCommand();
-    } else {
+        return startFolderSyncCommand();
+    case SyncPhase::StateMoveItems:
+        return startCollections();
+    default:
         startSyncCommand();
     }
 }
 
 void SyncRequest::retrySend()
 {
-    if (mRetryCount++ >= ProtocolUtils::CommandMaxRetriesCount) {
+    if (attempts().spent())
         qCWarning(eas()) << "no more attempts, failing request";
-        return complete();
-    }
-    qCInfo(eas()) << "trying to send command again. Attempt: " << mRetryCount;
-    switch (mRequestState) {
-    case StateIdle:
+    if (!consumeRetry())
+        return;
+    switch (requestState()) {
+    case SyncPhase::StateIdle:
         return startRequest();
-    case StateInitialFolderSync:
-    case StateFolderSync:
+    case SyncPhase::StateInitialFolderSync:
+    case SyncPhase::StateFolderSync:
         return startFolderSyncCommand();
-    case StateMoveItems:
-        // In its own state a move would not be started again.
-        mRequestState = StateIdle;
-        break;
     default:
-        break;
+        startSyncCommand();
     }
-    startSyncCommand();
 }
 
 void SyncRequest::onCommandFinished(bool success)
@@ -97,65 +129,129 @@ void SyncRequest::onCommandFinished(bool success)
             qCInfo(eas()) << "Provision request started";
         return dropCommand();
     }
-    const StatusRows rows = {
-        { { Eas::CommonStatusInvalidDeviceId, Eas::CommonStatusInvalidDeviceType },
-            [this] {
-                refreshDeviceAndRetryLater();
-            } },
-        { { Eas::CommonStatusSendQuotaExceeded, Eas::CommonStatusAttachmentTooLarge },
-            [this] {
-                qCWarning(eas()) << "The message is too large or the mailbox is over-quota:" << status();
-                completeWith(RequestStatusMessageTooLarge);
-            } },
-    };
-    if (!handleCommonStatus(status(), rows))
-        dispatch(success);
-}
-
-void SyncRequest::dispatch(bool success)
-{
-    switch (mRequestState) {
-    case StateInitialFolderSync:
-    case StateFolderSync:
-        reportProgress(20);
-        return processFolderSyncFinished(success);
-    case StateMoveItems:
-        reportProgress(40);
-        return processMoveItemsFinished(success);
-    case StateInitialSync:
-        reportProgress(50);
-        return processInitialSyncFinished(success);
-    case StateContinuingSync:
-        reportProgress(60);
-        return processSyncFinished(success);
-    case StateResync:
-        reportProgress(80);
-        return processInitialSyncFinished(success);
-    case StateIdle:
-        break;
+    if (handleStatus(status(), statuses, QString::number(status())))
+        return;
+    if (!mPhase) {
+        qCCritical(eas()) << "finished signal received for unhandled state" << requestState()
+                          << ", success=" << success;
+        return completeWith(RequestStatusInternalError);
     }
-    qCCritical(eas()) << "finished signal received for unhandled state" << mRequestState
-                      << ", success=" << success;
-    completeWith(RequestStatusInternalError);
+    Q_EMIT requestDownloadProgress(accountId(), id(), progress[requestState()], 100);
+    follow(mPhase->finish(success));
 }
 
-void SyncRequest::reportProgress(int percent)
+void SyncRequest::follow(SyncPhase::End end)
 {
-    Q_EMIT requestDownloadProgress(accountId(), id(), percent, 100);
+    switch (end) {
+    case SyncPhase::End::Sent:
+        return;
+    case SyncPhase::End::Done:
+        return startNextPhase();
+    case SyncPhase::End::More:
+        return startSyncCommand();
+    case SyncPhase::End::CollectionsAnew:
+        return startCollectionsResync();
+    case SyncPhase::End::StartOver:
+        return startFolderSyncCommand();
+    case SyncPhase::End::AgainLater:
+        return startResendTimer();
+    case SyncPhase::End::Failed:
+        return complete();
+    }
 }
 
-void SyncRequest::succeedPhase()
+void SyncRequest::startNextPhase()
 {
-    resetTimeoutFactor();
-    setStatus(RequestStatusSuccess);
-    mRetryCount = 0;
+    if (mPhase == &mHierarchy) {
+        if (!initializeSyncCollections())
+            return completeWith(RequestStatusInternalError);
+        return startSyncCommand();
+    }
+    if (mPhase == &mItems)
+        return completeSuccessfully();
+    startCollections();
 }
 
-bool SyncRequest::mayStartOver()
+void SyncRequest::startFolderSyncCommand()
 {
-    if (mRestarts++ < ProtocolUtils::CommandMaxRetriesCount)
-        return true;
-    qCWarning(eas()) << "no more attempts, failing request";
+    mPhase = &mHierarchy;
+    follow(mHierarchy.start());
+}
+
+void SyncRequest::startSyncCommand()
+{
+    if (!startMoveItemsCommand())
+        startCollections();
+}
+
+bool SyncRequest::startMoveItemsCommand()
+{
+    mPhase = &mMoves;
+    return mMoves.start();
+}
+
+void SyncRequest::startCollections()
+{
+    EasAccount *easAccount = account();
+    if (!easAccount) {
+        qCCritical(eas()) << "No account object for account:" << accountId();
+        return completeWith(RequestStatusInternalError);
+    }
+    if (!easAccount->commandIsSupported(ProtocolUtils::CommandSync)) {
+        qCWarning(eas()) << "Sync command not supported for account:" << accountId();
+        return completeWith(RequestStatusCommandNotSupported);
+    }
+    QList<SyncCollection> initial;
+    QList<SyncCollection> continuing;
+    if (!SyncCollectionQueue(*easAccount, mRun.state).queryCollectionsForSync(initial, continuing))
+        return completeWith(RequestStatusInternalError);
+    qCInfo(eas()) << "initialSync size" << initial.size() << ", sync size" << continuing.size();
+    dropCommand();
+    if (initial.isEmpty() && continuing.isEmpty()) {
+        qCInfo(eas()) << "collections lists are empty, nothing to sync";
+        return completeWith(outcome().failure());
+    }
+    if (!initial.isEmpty()) {
+        mPhase = &mFirstKeys;
+        return mFirstKeys.start(initial);
+    }
+    mPhase = &mItems;
+    mItems.start(continuing);
+}
+
+void SyncRequest::startCollectionsResync()
+{
+    mPhase = &mFirstKeys;
+    follow(mFirstKeys.startCollectionsResync());
+}
+
+bool SyncRequest::initializeSyncCollections()
+{
+    EasAccount *easAccount = account();
+    if (!easAccount) {
+        qCCritical(eas()) << "No account";
+        return false;
+    }
+    SyncFolderSelection selection(*easAccount);
+    const QStringList chosen = selection.serverIds(mSyncService, mSyncFolders);
+    for (const QString &serverId : chosen)
+        SyncState::addOnce(mRun.state.collectionsToSync, serverId);
+    // What could not be read would be left out, and the request would end well without it.
+    if (selection.lookupFailed())
+        qCCritical(eas()) << "failed to read folders from EAS DB";
+    return !selection.lookupFailed();
+}
+
+void SyncRequest::completeSuccessfully()
+{
+    if (outcome().failure() != RequestStatusSuccess)
+        return completeWith(outcome().failure());
+    qCInfo(eas()) << "Successfully finished sync request!";
+    EasAccount *easAccount = account();
+    if (successfullyFinished() && easAccount) {
+        easAccount->setLastSyncTime(EasAccount::EmailService, Clock::instance().currentDateTimeUtc());
+        easAccount->setFirstSyncCompleted(true);
+    }
+    dropCommand();
     complete();
-    return false;
 }

@@ -22,9 +22,11 @@ struct SyncState
     /** Those that have waited once: a series that the server does not take must not be tried for ever. */
     QMap<QString, QList<QPair<QString, QString>>> calendarExceptionsTouched;
 
-    static void addOnce(QStringList &list, const QString &id)
-    {
-        if (!list.contains(id))
-            list.append(id);
-    }
+    static void addOnce(QStringList &list, const QString &id);
+
+    /** Takes a collection off the lists of what is still to be done. */
+    void collectionSynced(const QString &serverId);
+
+    /** Status 15: the server wants fewer collections, so the next Sync carries one. */
+    void processSyncRequestInvalidSyncError();
 };

@@ -49,15 +49,16 @@ private:
     std::unique_ptr<OwnDatabase> mDatabase;
     std::unique_ptr<FakeAccount> mAccount;
     SyncState mState;
-    int mRetryCount = 0;
+    Attempts mAttempts;
 
     std::unique_ptr<SyncReplyProcessor> processed(const QVector<WbxmlNode> &collections)
     {
         AnsweredSync command;
         if (!command.answer(collections))
             return nullptr;
-        auto processor = std::make_unique<SyncReplyProcessor>(*mAccount, mState, mRetryCount);
-        return processor->process(command) ? std::move(processor) : nullptr;
+        auto processor = std::make_unique<SyncReplyProcessor>(*mAccount, mState, mAttempts);
+        return processor->process(command) == SyncReplyProcessor::Reply::Taken ? std::move(processor)
+                                                                               : nullptr;
     }
 
 private Q_SLOTS:
@@ -66,7 +67,7 @@ private Q_SLOTS:
         mDatabase = std::make_unique<OwnDatabase>();
         mAccount = std::make_unique<FakeAccount>(Account);
         mState = SyncState();
-        mRetryCount = 0;
+        mAttempts = Attempts();
         EasFolderItem outbox;
         outbox.setServerId(QStringLiteral("6"));
         outbox.setType(EasFolderItem::DefaultOutboxFolder);
@@ -121,7 +122,7 @@ private Q_SLOTS:
             QVERIFY(processor);
             QCOMPARE(processor->failedIds(), QStringList(QStringLiteral("6")));
             QCOMPARE(mState.collectionsToRetry, QStringList(QStringLiteral("6")));
-            QCOMPARE(mRetryCount, attempt);
+            QCOMPARE(mAttempts.used(), attempt);
         }
         const auto processor = processed({ collection("6", "16"), collection("7", "1") });
         QVERIFY(processor);
@@ -139,11 +140,11 @@ private Q_SLOTS:
 
     void tooManyCollectionsOfNoneChangeNothing()
     {
-        SyncReplyProcessor::processSyncRequestInvalidSyncError(mState);
+        mState.processSyncRequestInvalidSyncError();
         QVERIFY(mState.collectionsToRetry.isEmpty());
         mState.collectionsToSync = QStringList({ QStringLiteral("6"), QStringLiteral("7") });
-        SyncReplyProcessor::processSyncRequestInvalidSyncError(mState);
-        SyncReplyProcessor::processSyncRequestInvalidSyncError(mState);
+        mState.processSyncRequestInvalidSyncError();
+        mState.processSyncRequestInvalidSyncError();
         QCOMPARE(mState.collectionsToRetry, QStringList(QStringLiteral("6")));
     }
 };
