@@ -524,6 +524,17 @@ private Q_SLOTS:
         QCOMPARE(mBed->mail->folders.calls, 1);
     }
 
+    void theInitialKeyOfAServerIsNotStored_data() { kinds(); }
+    void theInitialKeyOfAServerIsNotStored()
+    {
+        QFETCH(int, kind);
+        answer(reply(Kind(kind), "1", "0", "20"));
+        QCOMPARE(run(make(Kind(kind))), 0);
+        // It would stand for an account that is half cleared, and the next FolderSync would clear the rest.
+        QCOMPARE(key(), QStringLiteral("7"));
+        QCOMPARE(mBed->mail->folders.calls, 1);
+    }
+
     void aCancelledRequestHasOneEnd_data() { kinds(); }
     void aCancelledRequestHasOneEnd()
     {
