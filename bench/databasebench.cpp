@@ -52,10 +52,12 @@ int main(int argc, char **argv)
     std::printf("Mapping, %d messages\n", mailboxSize);
     BenchRow::print("rows written, one by one", mailboxSize / written, "rows/s");
     BenchRow::print("rows read",
-        mailboxSize / BenchRow::seconds([database] { database->serverToLocalEmailIds(account); }), "rows/s");
+        mailboxSize / BenchRow::seconds([database] { (void)database->serverToLocalEmailIds(account); }),
+        "rows/s");
     const QStringList ids = serverIds(window(mailboxSize / 2));
     BenchRow::print("look-up of the messages of one reply",
-        1e3 * BenchRow::seconds([database, &ids] { database->emailCollectionIds(account, ids); }), "ms");
+        1e3 * BenchRow::seconds([database, &ids] { (void)database->emailCollectionIds(account, ids); }),
+        "ms");
     EasDatabase::releaseInstance();
     return 0;
 }

@@ -91,8 +91,9 @@ void CalendarResultHandler::storeSyncTime(CalendarStorage &storage, const SyncCo
     // time if the changes could not be queried.
     if (!hasUploadedAll() || collection.queryTime() == 0)
         return;
+    // Under the old time what was told to the server is asked for once more, and nothing is lost.
     const QString localFolder =
-        EasDatabase::instance()->serverToLocalFolderIds(account().id()).value(collection.id());
+        EasDatabase::instance()->serverToLocalFolderIds(account().id()).valueOr({}).value(collection.id());
     if (localFolder.isEmpty())
         qCWarning(eas()) << "failed to find local folder id for folder" << collection.id();
     else if (!storage.setSyncTime(localFolder, collection.queryTime()))

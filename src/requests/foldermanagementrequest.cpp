@@ -22,15 +22,14 @@ bool FolderManagementRequest::acceptDisplayName(const QString &name)
 
 QString FolderManagementRequest::translated(const QString &localId, const char *failure)
 {
-    const EasDatabase *const database = EasDatabase::instance();
     // Folders that are in no store share the empty identifier.
-    const QString serverId =
-        localId.isEmpty() ? QString() : database->folderItemByLocalId(accountId(), localId).serverId();
-    if (!serverId.isEmpty())
-        return serverId;
-    const bool unread = !localId.isEmpty() && database->lookupFailed();
+    const Lookup<EasFolderItem> folder = localId.isEmpty()
+        ? Lookup<EasFolderItem>(EasFolderItem())
+        : EasDatabase::instance()->folderItemByLocalId(accountId(), localId);
+    if (folder && !folder->serverId().isEmpty())
+        return folder->serverId();
     qCCritical(eas()) << failure;
-    completeWith(unread ? RequestStatusInternalError : RequestStatusBadRequest);
+    completeWith(folder ? RequestStatusBadRequest : RequestStatusInternalError);
     return QString();
 }
 

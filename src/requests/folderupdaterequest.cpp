@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "requests/folderupdaterequest.h"
 
+#include "application/base/logging.h"
 #include "application/mapping/easdatabase.h"
 #include "protocol/base/protocolutils.h"
 #include "protocol/folderupdatecommand.h"
@@ -58,9 +59,17 @@ bool FolderUpdateRequest::translate()
 
 QString FolderUpdateRequest::presentParentId()
 {
-    const QString parentId = EasDatabase::instance()->serverFolderParentIds(accountId()).value(mServerId);
+    const char *const failure = "failed to find the present parent of the folder";
+    const Lookup<QMap<QString, QString>> parents =
+        EasDatabase::instance()->serverFolderParentIds(accountId());
+    if (!parents) {
+        qCCritical(eas()) << failure;
+        completeWith(RequestStatusInternalError);
+        return QString();
+    }
+    const QString parentId = parents->value(mServerId);
     if (parentId.isEmpty())
-        refuse("failed to find the present parent of the folder");
+        refuse(failure);
     return parentId;
 }
 

@@ -201,7 +201,7 @@ void SyncCollectionBuilder::appendCalendarChanges(SyncCollection &collection, co
         return;
     }
     const QString localFolder =
-        EasDatabase::instance()->serverToLocalFolderIds(mAccount.id()).value(folder.serverId());
+        EasDatabase::instance()->serverToLocalFolderIds(mAccount.id()).valueOr({}).value(folder.serverId());
     if (localFolder.isEmpty()) {
         qCWarning(eas()) << "No local folder for serverId:" << folder.serverId();
         return;

@@ -105,9 +105,9 @@ bool SyncCollectionQueue::restart(QList<SyncCollection> &collections)
 
 bool SyncCollectionQueue::leaveOut(const QList<SyncCollection> &unanswered)
 {
-    const auto folders = EasDatabase::instance()->emailFolderItems(mAccount.id());
+    const Lookup<QList<EasFolderItem>> folders = EasDatabase::instance()->emailFolderItems(mAccount.id());
     const bool othersAnswered =
-        std::any_of(folders.cbegin(), folders.cend(), [](const EasFolderItem &folder) {
+        folders && std::any_of(folders->cbegin(), folders->cend(), [](const EasFolderItem &folder) {
             return !folder.syncKey().isEmpty() && folder.syncKey() != ProtocolUtils::InitialSyncKey;
         });
     if (!othersAnswered)

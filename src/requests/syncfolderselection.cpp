@@ -122,7 +122,8 @@ void SyncFolderSelection::appendFolders(
 void SyncFolderSelection::appendSingleFolderByType(
     QList<EasFolderItem> &folders, EasFolderItem::FolderType type)
 {
-    folders.append(EasDatabase::instance()->folderItemsByFolderType(mAccount.id(), type).value(0));
+    folders.append(
+        EasDatabase::instance()->folderItemsByFolderType(mAccount.id(), type).valueOr({}).value(0));
     noteLookup();
 }
 

@@ -55,27 +55,27 @@ private Q_SLOTS:
 
     void theMailAccountIsZeroUntilItIsSet()
     {
-        QCOMPARE(database()->emailAccountId(Account), quint64(0));
+        QCOMPARE(*database()->emailAccountId(Account), quint64(0));
         QCOMPARE(rows("accounts"), QStringList { "5|0" });
         database()->setEmailAccountId(Account, 17);
-        QCOMPARE(database()->emailAccountId(Account), quint64(17));
+        QCOMPARE(*database()->emailAccountId(Account), quint64(17));
         database()->setEmailAccountId(OtherAccount, 18);
         QCOMPARE(rows("accounts"), (QStringList { "5|17", "6|18" }));
     }
 
     void theHierarchyKeyIsInitialUntilItIsSet()
     {
-        QCOMPARE(database()->folderSyncKey(Account), QString("0"));
+        QCOMPARE(*database()->folderSyncKey(Account), QString("0"));
         database()->setFolderSyncKey(Account, "3;a'b");
-        QCOMPARE(database()->folderSyncKey(Account), QString("3;a'b"));
-        QCOMPARE(database()->folderSyncKey(OtherAccount), QString("0"));
+        QCOMPARE(*database()->folderSyncKey(Account), QString("3;a'b"));
+        QCOMPARE(*database()->folderSyncKey(OtherAccount), QString("0"));
         QCOMPARE(rows("collections").size(), 2);
     }
 
     void aHierarchyRowWithoutKeyGivesTheInitialOne()
     {
         mFixture->execute({ "INSERT INTO collections (account_id, type, synckey) VALUES (5, 0, NULL)" });
-        QCOMPARE(database()->folderSyncKey(Account), QString("0"));
+        QCOMPARE(*database()->folderSyncKey(Account), QString("0"));
     }
 
     void settingTheHierarchyKeyLeavesTheFoldersAlone()
@@ -89,8 +89,8 @@ private Q_SLOTS:
     {
         database()->onAccountAdded(Account);
         mFixture->execute({ "DELETE FROM accounts", "DELETE FROM collections" });
-        QCOMPARE(database()->emailAccountId(Account), quint64(0));
-        QCOMPARE(database()->folderSyncKey(Account), QString("0"));
+        QCOMPARE(*database()->emailAccountId(Account), quint64(0));
+        QCOMPARE(*database()->folderSyncKey(Account), QString("0"));
         QCOMPARE(rows("accounts"), QStringList { "5|0" });
         QCOMPARE(rows("collections").size(), 1);
     }
@@ -169,7 +169,7 @@ private Q_SLOTS:
         QVERIFY(!database()->clearAccount(Account));
         QVERIFY(log.contains(QtWarningMsg, { "Failed to clean up storages for account ID:", "5" }));
         // The rows stay for the next sync, which goes on with this as there is no key.
-        QCOMPARE(database()->folderSyncKey(Account), QString("0"));
+        QCOMPARE(*database()->folderSyncKey(Account), QString("0"));
         database()->setFolderSyncKey(Account, "17");
         QCOMPARE(mFixture->content(), before);
     }
@@ -216,7 +216,7 @@ private Q_SLOTS:
         const LogCollector log;
         QVERIFY(!database()->clearAccount(Account));
         QVERIFY(log.contains(QtCriticalMsg, { "Account with ID: ", "5", " does not exist!" }));
-        QCOMPARE(database()->folderSyncKey(Account), QString("0"));
+        QCOMPARE(*database()->folderSyncKey(Account), QString("0"));
     }
 
     void cleaningUpWithAllAccountsRemovesNothing()
@@ -277,7 +277,7 @@ private Q_SLOTS:
             "INSERT INTO calendar VALUES (NULL, 5, 'event', '1', '1', 1)",
             "INSERT INTO calendar VALUES (NULL, 5, 'both', '1', '1', 1)",
             "INSERT INTO contacts VALUES (5, 'contact', '1', '1', '')" });
-        QCOMPARE(int(database()->getAppDataType(serverId)), type);
+        QCOMPARE(int(*database()->getAppDataType(serverId)), type);
     }
 
 private:

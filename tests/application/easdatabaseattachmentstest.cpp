@@ -61,11 +61,11 @@ private Q_SLOTS:
 
     void anAttachmentIsFoundByEitherName()
     {
-        const auto byReference = database()->getAttachmentByFileReference("uid-1", "ref-1");
+        const auto byReference = *database()->getAttachmentByFileReference("uid-1", "ref-1");
         QVERIFY(byReference.has_value());
         QCOMPARE(byReference->contentId(), QString("cid-1"));
         QCOMPARE(byReference->fileReference(), QString("ref-1"));
-        const auto byContent = database()->getAttachmentByContentId("uid-2", "cid-1");
+        const auto byContent = *database()->getAttachmentByContentId("uid-2", "cid-1");
         QVERIFY(byContent.has_value());
         QCOMPARE(byContent->fileReference(), QString("ref-3"));
         QCOMPARE(byContent->contentId(), QString("cid-1"));
@@ -74,18 +74,16 @@ private Q_SLOTS:
     void whatIsNotThereIsEmptyAndNoError()
     {
         const LogCollector log;
-        QVERIFY(!database()->getAttachmentByFileReference("uid-2", "ref-1").has_value());
-        QVERIFY(!database()->getAttachmentByContentId("uid-9", "cid-1").has_value());
-        const auto none = database()->getCalendarAttachments("uid-9");
-        QVERIFY(none.has_value());
-        QVERIFY(none->isEmpty());
+        QVERIFY(!database()->getAttachmentByFileReference("uid-2", "ref-1")->has_value());
+        QVERIFY(!database()->getAttachmentByContentId("uid-9", "cid-1")->has_value());
+        QVERIFY(database()->getCalendarAttachments("uid-9")->isEmpty());
         QCOMPARE(log.texts(QtCriticalMsg), QStringList());
     }
 
     void theAttachmentsOfAnEventAreListed()
     {
         const auto attachments = database()->getCalendarAttachments("uid-1");
-        QVERIFY(attachments.has_value());
+        QVERIFY(attachments);
         QCOMPARE(attachments->size(), 2);
         QCOMPARE(attachments->at(0).contentId(), QString("cid-1"));
         QCOMPARE(attachments->at(0).fileReference(), QString("ref-1"));
@@ -121,10 +119,10 @@ private Q_SLOTS:
 
     void existenceGoesByEitherName()
     {
-        QVERIFY(database()->isCalendarAttachmentExists("uid-1", "cid-1"));
-        QVERIFY(database()->isCalendarAttachmentExists("uid-1", "ref-1"));
-        QVERIFY(!database()->isCalendarAttachmentExists("uid-1", "ref-3"));
-        QVERIFY(!database()->isCalendarAttachmentExists("uid-9", "cid-1"));
+        QVERIFY(*database()->isCalendarAttachmentExists("uid-1", "cid-1") == Existence::Present);
+        QVERIFY(*database()->isCalendarAttachmentExists("uid-1", "ref-1") == Existence::Present);
+        QVERIFY(*database()->isCalendarAttachmentExists("uid-1", "ref-3") == Existence::Missing);
+        QVERIFY(*database()->isCalendarAttachmentExists("uid-9", "cid-1") == Existence::Missing);
     }
 
     void anEntityTakesOverAnAttachmentAndIsEmptied()

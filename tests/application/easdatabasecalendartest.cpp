@@ -56,23 +56,23 @@ private Q_SLOTS:
 
     void identifiersAreReadPerAccount()
     {
-        QCOMPARE(database()->localCalendarIds(Account, "4"), (QStringList { "uid-1", "uid-2" }));
+        QCOMPARE(*database()->localCalendarIds(Account, "4"), (QStringList { "uid-1", "uid-2" }));
         QCOMPARE(
-            database()->serverToLocalCalendarIds(Account), (Map { { "4:1", "uid-1" }, { "4:2", "uid-2" } }));
-        QCOMPARE(database()->localToServerCalendarIds(OtherAccount), (Map { { "uid-3", "4:1" } }));
+            *database()->serverToLocalCalendarIds(Account), (Map { { "4:1", "uid-1" }, { "4:2", "uid-2" } }));
+        QCOMPARE(*database()->localToServerCalendarIds(OtherAccount), (Map { { "uid-3", "4:1" } }));
         QCOMPARE(
-            database()->serverCalendarIdToCollectionIds(Account), (Map { { "4:1", "4" }, { "4:2", "4" } }));
-        QCOMPARE(database()->serverCalendarIdToCollectionId(Account, "4:2"), QString("4"));
-        QCOMPARE(database()->serverCalendarIdToCollectionId(Account, "9:9"), QString());
-        QCOMPARE(database()->localToServerCalendarId(Account, "uid-2"), QString("4:2"));
-        QCOMPARE(database()->localToServerCalendarId(Account, "uid-3"), QString());
+            *database()->serverCalendarIdToCollectionIds(Account), (Map { { "4:1", "4" }, { "4:2", "4" } }));
+        QCOMPARE(*database()->serverCalendarIdToCollectionId(Account, "4:2"), QString("4"));
+        QCOMPARE(*database()->serverCalendarIdToCollectionId(Account, "9:9"), QString());
+        QCOMPARE(*database()->localToServerCalendarId(Account, "uid-2"), QString("4:2"));
+        QCOMPARE(*database()->localToServerCalendarId(Account, "uid-3"), QString());
     }
 
     void ofTwoFoldersOfAnEventTheLastWinsWithAWarning()
     {
         QVERIFY(database()->addCalendarItems(Account, { meeting("4:1", "8", "uid-9") }));
         const LogCollector log;
-        QCOMPARE(database()->serverCalendarIdToCollectionId(Account, "4:1"), QString("8"));
+        QCOMPARE(*database()->serverCalendarIdToCollectionId(Account, "4:1"), QString("8"));
         QVERIFY(log.contains(QtWarningMsg, { "EAS collection id not unique for server id:", "4:1" }));
     }
 
@@ -80,7 +80,7 @@ private Q_SLOTS:
     {
         QVERIFY(database()->addCalendarItems(Account, { meeting("4:9", "4", "uid-1") }));
         const LogCollector log;
-        QCOMPARE(database()->localToServerCalendarId(Account, "uid-1"), QString("4:9"));
+        QCOMPARE(*database()->localToServerCalendarId(Account, "uid-1"), QString("4:9"));
         QVERIFY(log.contains(QtWarningMsg, { "EAS server id not unique for local id:", "uid-1" }));
     }
 
@@ -89,7 +89,7 @@ private Q_SLOTS:
         mFixture->execute({ "INSERT INTO calendar VALUES (NULL, 5, '', '4', 'uid-7', 1)",
             "INSERT INTO calendar VALUES (NULL, 5, '4:7', '4', 'uid-7', 1)" });
         const LogCollector log;
-        QCOMPARE(database()->localToServerCalendarId(Account, "uid-7"), QString("4:7"));
+        QCOMPARE(*database()->localToServerCalendarId(Account, "uid-7"), QString("4:7"));
         QCOMPARE(log.texts(QtWarningMsg), QStringList());
     }
 
@@ -110,13 +110,12 @@ private Q_SLOTS:
         QFETCH(uint, expected);
         mFixture->execute(
             { QStringLiteral("INSERT INTO calendar VALUES (NULL, 5, '4:7', '4', 'uid-7', %1)").arg(stored) });
-        QCOMPARE(database()->calendarItemUpdateTime(Account, "uid-7"), expected);
+        QCOMPARE(*database()->calendarItemUpdateTime(Account, "uid-7"), expected);
     }
 
     void anUnknownEventHasTheInvalidTime()
     {
-        QCOMPARE(database()->calendarItemUpdateTime(Account, "unknown"), EasDatabase::TimestampInvalid);
-        QVERIFY(!database()->lookupFailed());
+        QCOMPARE(*database()->calendarItemUpdateTime(Account, "unknown"), EasDatabase::TimestampInvalid);
     }
 
     void anUpdateWritesEveryColumnOfThatAccountsRow()
@@ -142,7 +141,7 @@ private Q_SLOTS:
             database()->calendarItemsChanges(Account, { meeting("4:3", "4", "uid-4") }, {}, {}, { "4:1" }));
         QVERIFY(log.contains(
             QtCriticalMsg, { "can't delete calendar items for account", "5", ". Error:", "refused" }));
-        QCOMPARE(database()->localCalendarIds(Account, "4"), (QStringList { "uid-1", "uid-2", "uid-4" }));
+        QCOMPARE(*database()->localCalendarIds(Account, "4"), (QStringList { "uid-1", "uid-2", "uid-4" }));
     }
 
     void aFailureToDeleteEndsTheChangesWithFalse()

@@ -74,21 +74,21 @@ private Q_SLOTS:
 
     void identifiersAreReadPerAccountAndFolder()
     {
-        QCOMPARE(database()->localContactIds(Account, "2"), (QStringList { "c1", "c2" }));
-        QCOMPARE(database()->localContactIds(Account, QString()), (QStringList { "c1", "c2", "c3" }));
-        QCOMPARE(database()->localToServerContactIds(Account, "3"), (Map { { "c3", "3:1" } }));
-        QCOMPARE(database()->localToServerContactIds(Account, QString()),
+        QCOMPARE(*database()->localContactIds(Account, "2"), (QStringList { "c1", "c2" }));
+        QCOMPARE(*database()->localContactIds(Account, QString()), (QStringList { "c1", "c2", "c3" }));
+        QCOMPARE(*database()->localToServerContactIds(Account, "3"), (Map { { "c3", "3:1" } }));
+        QCOMPARE(*database()->localToServerContactIds(Account, QString()),
             (Map { { "c1", "2:1" }, { "c2", "2:2" }, { "c3", "3:1" } }));
-        QCOMPARE(database()->serverToLocalContactIds(OtherAccount), (Map { { "2:1", "c9" } }));
-        QCOMPARE(database()->folderServerIdByContactLocalId(Account, "3:1"), QString("3"));
-        QCOMPARE(database()->folderServerIdByContactLocalId(Account, "c3"), QString());
+        QCOMPARE(*database()->serverToLocalContactIds(OtherAccount), (Map { { "2:1", "c9" } }));
+        QCOMPARE(*database()->folderServerIdByContactLocalId(Account, "3:1"), QString("3"));
+        QCOMPARE(*database()->folderServerIdByContactLocalId(Account, "c3"), QString());
     }
 
     void picturesAreReadByLocalIdentifier()
     {
         const QUrl odd = QUrl::fromLocalFile("/home/user/50% of \"Zoë\" #1?.png");
         QVERIFY(database()->addContactsItems(Account, { contact("2:7", "2", "c7", odd) }));
-        const QMap<QString, QUrl> urls = database()->localContactIdsToAvatarsUrls(Account);
+        const QMap<QString, QUrl> urls = *database()->localContactIdsToAvatarsUrls(Account);
         QCOMPARE(urls.size(), 4);
         QCOMPARE(urls.value("c1"), QUrl("file:///home/user/.avatars/account-5/a.png"));
         QCOMPARE(urls.value("c7"), odd);

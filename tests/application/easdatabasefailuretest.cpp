@@ -10,14 +10,9 @@
 
 #include <QtTest>
 
-#include <functional>
-
 namespace {
 
 constexpr EasAccountId Account = 5;
-
-/** True if the operation told its caller that it failed. */
-using Operation = std::function<bool(EasDatabase *)>;
 
 template <typename Item> QList<Item> oneItem()
 {
@@ -52,9 +47,268 @@ QList<EasFolderItem> oneFolder()
     return { item };
 }
 
+/** An operation of a table, and what is logged when its statement fails. */
+struct Operation
+{
+    const char *name;
+    const char *table;
+    const char *whenItRuns;
+    bool (*isRefused)(EasDatabase *db);
+    /** Where it differs, the text for a statement that cannot be prepared. */
+    const char *whenItIsPrepared = nullptr;
+};
+
+const Operation Changes[] = {
+    { "addFolderItems", "collections", "can't add folder items for account",
+        [](EasDatabase *db) {
+            return !db->addFolderItems(Account, oneFolder());
+        } },
+    { "updateFolderItems", "collections", "can't update folder items for account",
+        [](EasDatabase *db) {
+            return !db->updateFolderItems(Account, oneFolder());
+        } },
+    { "deleteFolderItems", "collections", "can't delete folder items for account",
+        [](EasDatabase *db) {
+            return !db->deleteFolderItems(Account, { "1" });
+        } },
+    { "setSavedInStorage", "collections", "can't update folder items",
+        [](EasDatabase *db) {
+            return !db->setSavedInStorage(Account, "local", true);
+        } },
+    { "addEmailItems", "emails", "can't add email items for account",
+        [](EasDatabase *db) {
+            return !db->addEmailItems(Account, oneItem<EasEmailItem>());
+        } },
+    { "updateEmailItems", "emails", "can't update email items for account",
+        [](EasDatabase *db) {
+            return !db->updateEmailItems(Account, refiledEmail());
+        } },
+    { "updateMovedEmailItems", "emails", "can't update email items for account",
+        [](EasDatabase *db) { return !db->updateMovedEmailItems(Account, refiledEmail()); },
+        "can't select email items for account" },
+    { "deleteEmailItems", "emails", "can't delete email items for account",
+        [](EasDatabase *db) {
+            return !db->deleteEmailItems(Account, { "1:1" });
+        } },
+    { "clearEmailFolder", "emails", "can't delete items for account",
+        [](EasDatabase *db) {
+            return !db->clearEmailFolder(Account, "1");
+        } },
+    { "addCalendarItems", "calendar", "can't add calendar items for account",
+        [](EasDatabase *db) {
+            return !db->addCalendarItems(Account, oneItem<EasCalendarItem>());
+        } },
+    { "updateCalendarItems", "calendar", "can't update calendar items for account",
+        [](EasDatabase *db) {
+            return !db->updateCalendarItems(Account, oneItem<EasCalendarItem>());
+        } },
+    { "deleteCalendarItems", "calendar", "can't delete calendar items for account",
+        [](EasDatabase *db) {
+            return !db->deleteCalendarItems(Account, { "1:1" });
+        } },
+    { "clearCalendarFolder", "calendar", "can't delete items for account",
+        [](EasDatabase *db) {
+            return !db->clearCalendarFolder(Account, "1");
+        } },
+    { "addContactsItems", "contacts", "Can't add contacts items for account:",
+        [](EasDatabase *db) { return !db->addContactsItems(Account, oneItem<EasContactsItem>()); },
+        "Can't execute PREPARE contacts query for account:" },
+    { "updateContactsItems", "contacts", "can't update contacts items for account",
+        [](EasDatabase *db) {
+            return !db->updateContactsItems(Account, oneItem<EasContactsItem>());
+        } },
+    { "deleteContactsItems", "contacts", "can't delete contacts items for account",
+        [](EasDatabase *db) {
+            return !db->deleteContactsItems(Account, { "1:1" });
+        } },
+    { "clearContactsFolder", "contacts", "can't delete items for account",
+        [](EasDatabase *db) {
+            return !db->clearContactsFolder(Account, "1");
+        } },
+    { "addCalendarAttachment", "attachments", "Сan't EXECUTE add attachment for event:",
+        [](EasDatabase *db) { return !db->addCalendarAttachment("local", attachment()); },
+        "Сan't PREPARE add attachment for event:" },
+    { "updateCalendarAttachmentFileRefernce", "attachments",
+        "Сan't EXECUTE update attachment query for event:",
+        [](EasDatabase *db) { return !db->updateCalendarAttachmentFileRefernce("local", attachment()); },
+        "Сan't PREPARE update attachment query for event:" },
+    { "updateCalendarAttachmentContentId", "attachments", "Сan't UPDATE attachment for event:",
+        [](EasDatabase *db) {
+            return !db->updateCalendarAttachmentContentId("local", attachment());
+        } },
+    { "deleteCalendarAttachmentByContentId", "attachments", "Сan't DELETE attachment by contentId for event:",
+        [](EasDatabase *db) {
+            return !db->deleteCalendarAttachmentByContentId("local", "cid");
+        } },
+    { "deleteCalendarAttachmentByFileReference", "attachments",
+        "Сan't DELETE attachment by fileReference for event:",
+        [](EasDatabase *db) {
+            return !db->deleteCalendarAttachmentByFileReference("local", "ref");
+        } },
+    { "setFolderSyncKey", "collections", "can't update table collections Error:",
+        [](EasDatabase *db) {
+            db->setFolderSyncKey(Account, "2");
+            return true;
+        },
+        "collections table is not initialized for account" },
+    { "setEmailAccountId", "accounts", "can't update table accounts Error:",
+        [](EasDatabase *db) {
+            db->setEmailAccountId(Account, 2);
+            return true;
+        },
+        "accounts table is not initialized." },
+};
+
+const char collections[] = "can't execute collections table query. Error:";
+const char emails[] = "can't execute emails table query. Error:";
+const char calendar[] = "Calendar table query failed, error:";
+const char contacts[] = "can't execute contacts table query. Error:";
+
+const Operation Lookups[] = {
+    { "folderItemByLocalId", "collections", collections,
+        [](EasDatabase *db) {
+            return !db->folderItemByLocalId(Account, "local");
+        } },
+    { "folderItemByServerId", "collections", collections,
+        [](EasDatabase *db) {
+            return !db->folderItemByServerId(Account, "1");
+        } },
+    { "emailFolderItems", "collections", collections,
+        [](EasDatabase *db) {
+            return !db->emailFolderItems(Account);
+        } },
+    { "calendarFolderItems", "collections", "SQL request failed:",
+        [](EasDatabase *db) {
+            return !db->calendarFolderItems(Account);
+        } },
+    { "folderItemsByFolderType", "collections", collections,
+        [](EasDatabase *db) {
+            return !db->folderItemsByFolderType(Account, EasFolderItem::DefaultInboxFolder);
+        } },
+    { "folderTypeByServerId", "collections", collections,
+        [](EasDatabase *db) {
+            return !db->folderTypeByServerId(Account, "1");
+        } },
+    { "serverToLocalFolderIds", "collections", collections,
+        [](EasDatabase *db) {
+            return !db->serverToLocalFolderIds(Account);
+        } },
+    { "localToServerFolderIds", "collections", collections,
+        [](EasDatabase *db) {
+            return !db->localToServerFolderIds(Account);
+        } },
+    { "folderSyncKey", "collections", "can't get a folderSyncKey. Error:",
+        [](EasDatabase *db) {
+            return !db->folderSyncKey(Account);
+        } },
+    { "emailAccountId", "accounts", "can't execute accounts table query. Error:",
+        [](EasDatabase *db) {
+            return !db->emailAccountId(Account);
+        } },
+    { "cleanUp", "accounts", "can't execute accounts table query. Error:",
+        [](EasDatabase *db) {
+            return !db->cleanUp({});
+        } },
+    { "localEmailIds", "emails", emails,
+        [](EasDatabase *db) {
+            return !db->localEmailIds(Account, "1");
+        } },
+    { "serverToLocalEmailIds", "emails", emails,
+        [](EasDatabase *db) {
+            return !db->serverToLocalEmailIds(Account);
+        } },
+    { "localToServerEmailIds", "emails", emails,
+        [](EasDatabase *db) {
+            return !db->localToServerEmailIds(Account);
+        } },
+    { "folderServerIdByEmailServerId", "emails", emails,
+        [](EasDatabase *db) {
+            return !db->folderServerIdByEmailServerId(Account, "1:1");
+        } },
+    { "collectionServerIdFromEmailItemId", "emails", emails,
+        [](EasDatabase *db) {
+            return !db->collectionServerIdFromEmailItemId(Account, "1:1");
+        } },
+    { "localCalendarIds", "calendar", "can't execute calendar table query. Error:",
+        [](EasDatabase *db) {
+            return !db->localCalendarIds(Account, "1");
+        } },
+    { "serverToLocalCalendarIds", "calendar", calendar,
+        [](EasDatabase *db) {
+            return !db->serverToLocalCalendarIds(Account);
+        } },
+    { "localToServerCalendarIds", "calendar", "EAS DB query failed, error:",
+        [](EasDatabase *db) {
+            return !db->localToServerCalendarIds(Account);
+        } },
+    { "serverCalendarIdToCollectionIds", "calendar", calendar,
+        [](EasDatabase *db) {
+            return !db->serverCalendarIdToCollectionIds(Account);
+        } },
+    { "serverCalendarIdToCollectionId", "calendar", calendar,
+        [](EasDatabase *db) {
+            return !db->serverCalendarIdToCollectionId(Account, "1:1");
+        } },
+    { "localToServerCalendarId", "calendar", "EAS DB query failed, error:",
+        [](EasDatabase *db) {
+            return !db->localToServerCalendarId(Account, "local");
+        } },
+    { "calendarItemUpdateTime", "calendar", "SQL query failed, error:",
+        [](EasDatabase *db) {
+            return !db->calendarItemUpdateTime(Account, "local");
+        } },
+    { "localContactIds", "contacts", contacts,
+        [](EasDatabase *db) {
+            return !db->localContactIds(Account, "1");
+        } },
+    { "localToServerContactIds", "contacts", contacts,
+        [](EasDatabase *db) {
+            return !db->localToServerContactIds(Account, QString());
+        } },
+    { "serverToLocalContactIds", "contacts", contacts,
+        [](EasDatabase *db) {
+            return !db->serverToLocalContactIds(Account);
+        } },
+    { "localContactIdsToAvatarsUrls", "contacts", contacts,
+        [](EasDatabase *db) {
+            return !db->localContactIdsToAvatarsUrls(Account);
+        } },
+    { "folderServerIdByContactLocalId", "contacts", contacts,
+        [](EasDatabase *db) {
+            return !db->folderServerIdByContactLocalId(Account, "1:1");
+        } },
+    { "getAppDataType", "emails", "Can't exec getAppDataType() query for serverId:",
+        [](EasDatabase *db) { return !db->getAppDataType("1:1"); },
+        "Can't prepare getAppDataType() query for serverId:" },
+    { "getAttachmentByFileReference", "attachments", "Can't execute GET attachment query for event:",
+        [](EasDatabase *db) { return !db->getAttachmentByFileReference("local", "ref"); },
+        "Can't execute PREPARE attachment query for event:" },
+    { "getAttachmentByContentId", "attachments", "Can't execute GET attachment query for event:",
+        [](EasDatabase *db) { return !db->getAttachmentByContentId("local", "cid"); },
+        "Can't execute PREPARE attachment query for event:" },
+    { "getCalendarAttachments", "attachments", "Can't execute GET attachments query for event:",
+        [](EasDatabase *db) { return !db->getCalendarAttachments("local"); },
+        "Can't execute PREPARE attachments query for event:" },
+    { "isCalendarAttachmentExists", "attachments", "Сan't execute found attachment query for event:",
+        [](EasDatabase *db) { return !db->isCalendarAttachmentExists("local", "cid"); },
+        "Сan't prepare found attachment query for event:" },
+};
+
+template <std::size_t Count> void addRows(const Operation (&operations)[Count])
+{
+    QTest::addColumn<const Operation *>("operation");
+    for (const Operation &operation : operations)
+        QTest::newRow(operation.name) << &operation;
+}
+
+QString whenItIsPrepared(const Operation &operation)
+{
+    return operation.whenItIsPrepared ? operation.whenItIsPrepared : operation.whenItRuns;
+}
+
 } // namespace
 
-Q_DECLARE_METATYPE(Operation)
+Q_DECLARE_METATYPE(const Operation *)
 
 /** Each operation on tables that are gone, that refuse each change, or whose rows cannot be read. */
 class EasDatabaseFailureTest : public QObject
@@ -70,96 +324,13 @@ private Q_SLOTS:
 
     void cleanup() { mFixture.reset(); }
 
-    void aChangeIsRefused_data()
-    {
-        QTest::addColumn<QString>("table");
-        QTest::addColumn<Operation>("operation");
-        QTest::addColumn<QString>("whenItRuns");
-        QTest::addColumn<QString>("whenItIsPrepared");
-        const auto row = [](const char *name, const char *table, const char *text, const Operation &operation,
-                             const char *prepareText = nullptr) {
-            QTest::newRow(name) << QString(table) << operation << QString(text)
-                                << QString(prepareText ? prepareText : text);
-        };
-        row("addFolderItems", "collections", "can't add folder items for account",
-            [](EasDatabase *db) { return !db->addFolderItems(Account, oneFolder()); });
-        row("updateFolderItems", "collections", "can't update folder items for account",
-            [](EasDatabase *db) { return !db->updateFolderItems(Account, oneFolder()); });
-        row("deleteFolderItems", "collections", "can't delete folder items for account",
-            [](EasDatabase *db) { return !db->deleteFolderItems(Account, { "1" }); });
-        row("setSavedInStorage", "collections", "can't update folder items",
-            [](EasDatabase *db) { return !db->setSavedInStorage(Account, "local", true); });
-        row("addEmailItems", "emails", "can't add email items for account",
-            [](EasDatabase *db) { return !db->addEmailItems(Account, oneItem<EasEmailItem>()); });
-        row("updateEmailItems", "emails", "can't update email items for account",
-            [](EasDatabase *db) { return !db->updateEmailItems(Account, refiledEmail()); });
-        row(
-            "updateMovedEmailItems", "emails", "can't update email items for account",
-            [](EasDatabase *db) { return !db->updateMovedEmailItems(Account, refiledEmail()); },
-            "can't select email items for account");
-        row("deleteEmailItems", "emails", "can't delete email items for account",
-            [](EasDatabase *db) { return !db->deleteEmailItems(Account, { "1:1" }); });
-        row("clearEmailFolder", "emails", "can't delete items for account",
-            [](EasDatabase *db) { return !db->clearEmailFolder(Account, "1"); });
-        row("addCalendarItems", "calendar", "can't add calendar items for account",
-            [](EasDatabase *db) { return !db->addCalendarItems(Account, oneItem<EasCalendarItem>()); });
-        row("updateCalendarItems", "calendar", "can't update calendar items for account",
-            [](EasDatabase *db) { return !db->updateCalendarItems(Account, oneItem<EasCalendarItem>()); });
-        row("deleteCalendarItems", "calendar", "can't delete calendar items for account",
-            [](EasDatabase *db) { return !db->deleteCalendarItems(Account, { "1:1" }); });
-        row("clearCalendarFolder", "calendar", "can't delete items for account",
-            [](EasDatabase *db) { return !db->clearCalendarFolder(Account, "1"); });
-        row(
-            "addContactsItems", "contacts", "Can't add contacts items for account:",
-            [](EasDatabase *db) { return !db->addContactsItems(Account, oneItem<EasContactsItem>()); },
-            "Can't execute PREPARE contacts query for account:");
-        row("updateContactsItems", "contacts", "can't update contacts items for account",
-            [](EasDatabase *db) { return !db->updateContactsItems(Account, oneItem<EasContactsItem>()); });
-        row("deleteContactsItems", "contacts", "can't delete contacts items for account",
-            [](EasDatabase *db) { return !db->deleteContactsItems(Account, { "1:1" }); });
-        row("clearContactsFolder", "contacts", "can't delete items for account",
-            [](EasDatabase *db) { return !db->clearContactsFolder(Account, "1"); });
-        row(
-            "addCalendarAttachment", "attachments", "Сan't EXECUTE add attachment for event:",
-            [](EasDatabase *db) { return !db->addCalendarAttachment("local", attachment()); },
-            "Сan't PREPARE add attachment for event:");
-        row(
-            "updateCalendarAttachmentFileRefernce", "attachments",
-            "Сan't EXECUTE update attachment query for event:",
-            [](EasDatabase *db) { return !db->updateCalendarAttachmentFileRefernce("local", attachment()); },
-            "Сan't PREPARE update attachment query for event:");
-        row("updateCalendarAttachmentContentId", "attachments", "Сan't UPDATE attachment for event:",
-            [](EasDatabase *db) { return !db->updateCalendarAttachmentContentId("local", attachment()); });
-        row("deleteCalendarAttachmentByContentId", "attachments",
-            "Сan't DELETE attachment by contentId for event:", [](EasDatabase *db) {
-                return !db->deleteCalendarAttachmentByContentId("local", "cid");
-            });
-        row("deleteCalendarAttachmentByFileReference", "attachments",
-            "Сan't DELETE attachment by fileReference for event:", [](EasDatabase *db) {
-                return !db->deleteCalendarAttachmentByFileReference("local", "ref");
-            });
-        row(
-            "setFolderSyncKey", "collections", "can't update table collections Error:",
-            [](EasDatabase *db) {
-                db->setFolderSyncKey(Account, "2");
-                return true;
-            },
-            "collections table is not initialized for account");
-        row(
-            "setEmailAccountId", "accounts", "can't update table accounts Error:",
-            [](EasDatabase *db) {
-                db->setEmailAccountId(Account, 2);
-                return true;
-            },
-            "accounts table is not initialized.");
-    }
+    void aChangeIsRefused_data() { addRows(Changes); }
 
     void aChangeIsRefused()
     {
-        QFETCH(QString, table);
-        QFETCH(Operation, operation);
-        QFETCH(QString, whenItRuns);
-        QFETCH(QString, whenItIsPrepared);
+        QFETCH(const Operation *, operation);
+        const QString table = operation->table;
+        const QString whenItRuns = operation->whenItRuns;
         const QString subject = table == "attachments" ? "local" : "5";
         const bool isPlain = whenItRuns.contains("can't update table");
         fillTables();
@@ -167,7 +338,7 @@ private Q_SLOTS:
         const QStringList before = mFixture->content();
         {
             const LogCollector log;
-            QVERIFY(operation(EasDatabase::instance()));
+            QVERIFY(operation->isRefused(EasDatabase::instance()));
             QStringList pieces { whenItRuns };
             if (!isPlain)
                 pieces << subject << ". Error:";
@@ -178,134 +349,33 @@ private Q_SLOTS:
         mFixture->execute({ "DROP TABLE " + table });
         mFixture->closeConnection();
         const LogCollector log;
-        QVERIFY(operation(EasDatabase::instance()));
-        QVERIFY2(log.contains(QtCriticalMsg, { whenItIsPrepared }), qPrintable(log.texts().join('\n')));
+        QVERIFY(operation->isRefused(EasDatabase::instance()));
+        QVERIFY2(log.contains(QtCriticalMsg, { whenItIsPrepared(*operation) }),
+            qPrintable(log.texts().join('\n')));
         QVERIFY(log.contains(QtCriticalMsg, { "no such table", table }));
     }
 
-    void aLookupCannotRead_data()
-    {
-        QTest::addColumn<QString>("table");
-        QTest::addColumn<Operation>("operation");
-        QTest::addColumn<QString>("whenItRuns");
-        QTest::addColumn<QString>("whenItIsPrepared");
-        const auto row = [](const char *name, const char *table, const char *text, const Operation &operation,
-                             const char *prepareText = nullptr) {
-            QTest::newRow(name) << QString(table) << operation << QString(text)
-                                << QString(prepareText ? prepareText : text);
-        };
-        const char collections[] = "can't execute collections table query. Error:";
-        row("folderItemByLocalId", "collections", collections,
-            [](EasDatabase *db) { return db->folderItemByLocalId(Account, "local").serverId().isEmpty(); });
-        row("folderItemByServerId", "collections", collections,
-            [](EasDatabase *db) { return db->folderItemByServerId(Account, "1").localId().isEmpty(); });
-        row("emailFolderItems", "collections", collections,
-            [](EasDatabase *db) { return db->emailFolderItems(Account).isEmpty(); });
-        row("calendarFolderItems", "collections", "SQL request failed:", [](EasDatabase *db) {
-            return db->calendarFolderItems(Account).isEmpty();
-        });
-        row("folderItemsByFolderType", "collections", collections, [](EasDatabase *db) {
-            return db->folderItemsByFolderType(Account, EasFolderItem::DefaultInboxFolder).isEmpty();
-        });
-        row("folderTypeByServerId", "collections", collections, [](EasDatabase *db) {
-            return db->folderTypeByServerId(Account, "1") == EasFolderItem::UnknownFolder;
-        });
-        row("serverToLocalFolderIds", "collections", collections,
-            [](EasDatabase *db) { return db->serverToLocalFolderIds(Account).isEmpty(); });
-        row("localToServerFolderIds", "collections", collections,
-            [](EasDatabase *db) { return db->localToServerFolderIds(Account).isEmpty(); });
-        row("folderSyncKey", "collections", "can't get a folderSyncKey. Error:", [](EasDatabase *db) {
-            return db->folderSyncKey(Account) == "0";
-        });
-        row("emailAccountId", "accounts", "can't execute accounts table query. Error:", [](EasDatabase *db) {
-            return db->emailAccountId(Account) == 0;
-        });
-        row("cleanUp", "accounts",
-            "can't execute accounts table query. Error:", [](EasDatabase *db) { return !db->cleanUp({}); });
-        const char emails[] = "can't execute emails table query. Error:";
-        row("localEmailIds", "emails", emails,
-            [](EasDatabase *db) { return db->localEmailIds(Account, "1").isEmpty(); });
-        row("serverToLocalEmailIds", "emails", emails,
-            [](EasDatabase *db) { return db->serverToLocalEmailIds(Account).isEmpty(); });
-        row("localToServerEmailIds", "emails", emails,
-            [](EasDatabase *db) { return db->localToServerEmailIds(Account).isEmpty(); });
-        row("folderServerIdByEmailServerId", "emails", emails,
-            [](EasDatabase *db) { return db->folderServerIdByEmailServerId(Account, "1:1").isEmpty(); });
-        row("collectionServerIdFromEmailItemId", "emails", emails,
-            [](EasDatabase *db) { return db->collectionServerIdFromEmailItemId(Account, "1:1").isEmpty(); });
-        const char calendar[] = "Calendar table query failed, error:";
-        row("localCalendarIds", "calendar", "can't execute calendar table query. Error:",
-            [](EasDatabase *db) { return db->localCalendarIds(Account, "1").isEmpty(); });
-        row("serverToLocalCalendarIds", "calendar", calendar,
-            [](EasDatabase *db) { return db->serverToLocalCalendarIds(Account).isEmpty(); });
-        row("localToServerCalendarIds", "calendar", "EAS DB query failed, error:", [](EasDatabase *db) {
-            return db->localToServerCalendarIds(Account).isEmpty();
-        });
-        row("serverCalendarIdToCollectionIds", "calendar", calendar,
-            [](EasDatabase *db) { return db->serverCalendarIdToCollectionIds(Account).isEmpty(); });
-        row("serverCalendarIdToCollectionId", "calendar", calendar,
-            [](EasDatabase *db) { return db->serverCalendarIdToCollectionId(Account, "1:1").isEmpty(); });
-        row("localToServerCalendarId", "calendar", "EAS DB query failed, error:", [](EasDatabase *db) {
-            return db->localToServerCalendarId(Account, "local").isEmpty();
-        });
-        row("calendarItemUpdateTime", "calendar", "SQL query failed, error:", [](EasDatabase *db) {
-            return db->calendarItemUpdateTime(Account, "local") == EasDatabase::TimestampInvalid;
-        });
-        const char contacts[] = "can't execute contacts table query. Error:";
-        row("localContactIds", "contacts", contacts,
-            [](EasDatabase *db) { return db->localContactIds(Account, "1").isEmpty(); });
-        row("localToServerContactIds", "contacts", contacts,
-            [](EasDatabase *db) { return db->localToServerContactIds(Account, QString()).isEmpty(); });
-        row("serverToLocalContactIds", "contacts", contacts,
-            [](EasDatabase *db) { return db->serverToLocalContactIds(Account).isEmpty(); });
-        row("localContactIdsToAvatarsUrls", "contacts", contacts,
-            [](EasDatabase *db) { return db->localContactIdsToAvatarsUrls(Account).isEmpty(); });
-        row("folderServerIdByContactLocalId", "contacts", contacts,
-            [](EasDatabase *db) { return db->folderServerIdByContactLocalId(Account, "1:1").isEmpty(); });
-        row(
-            "getAppDataType", "emails", "Can't exec getAppDataType() query for serverId:",
-            [](EasDatabase *db) { return db->getAppDataType("1:1") == EasDatabase::AppDataNone; },
-            "Can't prepare getAppDataType() query for serverId:");
-        row(
-            "getAttachmentByFileReference", "attachments", "Can't execute GET attachment query for event:",
-            [](EasDatabase *db) { return !db->getAttachmentByFileReference("local", "ref").has_value(); },
-            "Can't execute PREPARE attachment query for event:");
-        row(
-            "getAttachmentByContentId", "attachments", "Can't execute GET attachment query for event:",
-            [](EasDatabase *db) { return !db->getAttachmentByContentId("local", "cid").has_value(); },
-            "Can't execute PREPARE attachment query for event:");
-        row(
-            "getCalendarAttachments", "attachments", "Can't execute GET attachments query for event:",
-            [](EasDatabase *db) { return !db->getCalendarAttachments("local").has_value(); },
-            "Can't execute PREPARE attachments query for event:");
-        row(
-            "isCalendarAttachmentExists", "attachments", "Сan't execute found attachment query for event:",
-            [](EasDatabase *db) { return !db->isCalendarAttachmentExists("local", "cid"); },
-            "Сan't prepare found attachment query for event:");
-    }
+    void aLookupCannotRead_data() { addRows(Lookups); }
 
     void aLookupCannotRead()
     {
-        QFETCH(QString, table);
-        QFETCH(Operation, operation);
-        QFETCH(QString, whenItRuns);
-        QFETCH(QString, whenItIsPrepared);
+        QFETCH(const Operation *, operation);
+        const QString table = operation->table;
+        const QString whenItRuns = operation->whenItRuns;
         fillTables();
         replaceByUnreadableView(table);
         mFixture->closeConnection();
         {
             const LogCollector log;
-            QVERIFY(operation(EasDatabase::instance()));
-            QVERIFY(EasDatabase::instance()->lookupFailed());
+            QVERIFY(operation->isRefused(EasDatabase::instance()));
             QVERIFY2(log.contains(QtCriticalMsg, { whenItRuns, "integer overflow" }),
                 qPrintable(log.texts().join('\n')));
         }
         mFixture->execute({ "DROP VIEW " + table });
         mFixture->closeConnection();
         const LogCollector log;
-        QVERIFY(operation(EasDatabase::instance()));
-        QVERIFY(EasDatabase::instance()->lookupFailed());
-        QVERIFY2(log.contains(QtCriticalMsg, { whenItIsPrepared, "no such table" }),
+        QVERIFY(operation->isRefused(EasDatabase::instance()));
+        QVERIFY2(log.contains(QtCriticalMsg, { whenItIsPrepared(*operation), "no such table" }),
             qPrintable(log.texts().join('\n')));
     }
 
@@ -315,20 +385,9 @@ private Q_SLOTS:
             "CREATE VIEW emails AS SELECT 5 AS account_id, 'server ' || n AS server_id, abs(n) AS local_id "
             "FROM (SELECT 1 AS n UNION ALL SELECT -9223372036854775807 - 1)" });
         const LogCollector log;
-        QVERIFY(EasDatabase::instance()->serverToLocalEmailIds(Account).isEmpty());
-        QVERIFY(EasDatabase::instance()->lookupFailed());
+        QVERIFY(!EasDatabase::instance()->serverToLocalEmailIds(Account));
         QVERIFY(
             log.contains(QtCriticalMsg, { "can't execute emails table query. Error:", "integer overflow" }));
-    }
-
-    void theNextGoodLookupClearsTheFlag()
-    {
-        mFixture->execute({ "DROP TABLE emails" });
-        const LogCollector log;
-        EasDatabase::instance()->serverToLocalEmailIds(Account);
-        QVERIFY(EasDatabase::instance()->lookupFailed());
-        EasDatabase::instance()->serverToLocalContactIds(Account);
-        QVERIFY(!EasDatabase::instance()->lookupFailed());
     }
 
     void anAccountRowThatCannotBeMadeIsLogged()
@@ -341,9 +400,9 @@ private Q_SLOTS:
         QVERIFY(log.contains(QtWarningMsg, { "failed to initialize accounts table for account", "5" }));
         QVERIFY(log.contains(QtCriticalMsg, { "can't create a folderSyncKey row. Error:", "refused" }));
         QVERIFY(log.contains(QtWarningMsg, { "failed to initialize collections table for account", "5" }));
-        QCOMPARE(EasDatabase::instance()->emailAccountId(Account), quint64(0));
+        QVERIFY(!EasDatabase::instance()->emailAccountId(Account));
         QVERIFY(log.contains(QtCriticalMsg, { "accounts table is not initialized" }));
-        QCOMPARE(EasDatabase::instance()->folderSyncKey(Account), QString("0"));
+        QVERIFY(!EasDatabase::instance()->folderSyncKey(Account));
         QVERIFY(log.contains(QtCriticalMsg, { "collections table is not initialized for account", "5" }));
     }
 

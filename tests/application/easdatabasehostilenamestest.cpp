@@ -73,8 +73,8 @@ private Q_SLOTS:
         checkAttachment(name);
 
         database()->setFolderSyncKey(Account, name);
-        QCOMPARE(database()->folderSyncKey(Account), name);
-        QCOMPARE(database()->getAppDataType(name), EasDatabase::AppDataEmail);
+        QCOMPARE(*database()->folderSyncKey(Account), name);
+        QCOMPARE(*database()->getAppDataType(name), EasDatabase::AppDataEmail);
         QCOMPARE(
             mFixture->rows("SELECT count(*) FROM sqlite_master WHERE type='table'"), QStringList { "8" });
 
@@ -106,7 +106,7 @@ private:
         folder.appendChangedField(11);
         QVERIFY(database()->updateFolderItems(Account, { folder }));
         QVERIFY(database()->setSavedInStorage(Account, name, true));
-        const QList<EasFolderItem> found = database()->calendarFolderItems(Account);
+        const QList<EasFolderItem> found = *database()->calendarFolderItems(Account);
         QCOMPARE(found.size(), 1);
         QCOMPARE(found.first().serverId(), name);
         QCOMPARE(found.first().serverParentId(), name);
@@ -114,16 +114,16 @@ private:
         QCOMPARE(found.first().displayName(), name);
         QCOMPARE(found.first().syncKey(), name);
         QVERIFY(found.first().savedInStorage());
-        QCOMPARE(database()->folderItemByServerId(Account, name).localId(), name);
-        QCOMPARE(database()->folderItemByLocalId(Account, name).serverId(), name);
+        QCOMPARE(database()->folderItemByServerId(Account, name)->localId(), name);
+        QCOMPARE(database()->folderItemByLocalId(Account, name)->serverId(), name);
     }
 
     void checkMail(const QString &name)
     {
         QVERIFY(database()->addEmailItems(Account, oneItem<EasEmailItem>(name)));
-        QCOMPARE(database()->serverToLocalEmailIds(Account), (Map { { name, name } }));
-        QCOMPARE(database()->localEmailIds(Account, name), QStringList { name });
-        QCOMPARE(database()->folderServerIdByEmailServerId(Account, name), name);
+        QCOMPARE(*database()->serverToLocalEmailIds(Account), (Map { { name, name } }));
+        QCOMPARE(*database()->localEmailIds(Account, name), QStringList { name });
+        QCOMPARE(*database()->folderServerIdByEmailServerId(Account, name), name);
         QList<EasEmailItem> moved = oneItem<EasEmailItem>(name);
         moved.first().setPreviousServerId(name);
         QVERIFY(database()->updateMovedEmailItems(Account, moved));
@@ -133,16 +133,16 @@ private:
     {
         QVERIFY(database()->addCalendarItems(Account, oneItem<EasCalendarItem>(name)));
         QVERIFY(database()->updateCalendarItems(Account, oneItem<EasCalendarItem>(name)));
-        QCOMPARE(database()->localToServerCalendarId(Account, name), name);
-        QCOMPARE(database()->serverCalendarIdToCollectionId(Account, name), name);
+        QCOMPARE(*database()->localToServerCalendarId(Account, name), name);
+        QCOMPARE(*database()->serverCalendarIdToCollectionId(Account, name), name);
     }
 
     void checkContact(const QString &name)
     {
         QVERIFY(database()->addContactsItems(Account, oneItem<EasContactsItem>(name)));
         QVERIFY(database()->updateContactsItems(Account, oneItem<EasContactsItem>(name)));
-        QCOMPARE(database()->localToServerContactIds(Account, name), (Map { { name, name } }));
-        QCOMPARE(database()->folderServerIdByContactLocalId(Account, name), name);
+        QCOMPARE(*database()->localToServerContactIds(Account, name), (Map { { name, name } }));
+        QCOMPARE(*database()->folderServerIdByContactLocalId(Account, name), name);
     }
 
     void checkAttachment(const QString &name)
@@ -151,8 +151,8 @@ private:
         attachment.setContentId(name);
         attachment.setFileReference(name);
         QVERIFY(database()->addCalendarAttachment(name, attachment));
-        QVERIFY(database()->isCalendarAttachmentExists(name, name));
-        QCOMPARE(database()->getAttachmentByFileReference(name, name)->contentId(), name);
+        QVERIFY(*database()->isCalendarAttachmentExists(name, name) == Existence::Present);
+        QCOMPARE(database()->getAttachmentByFileReference(name, name)->value().contentId(), name);
     }
 
     std::unique_ptr<DatabaseFixture> mFixture;

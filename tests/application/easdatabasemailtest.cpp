@@ -62,14 +62,14 @@ private Q_SLOTS:
 
     void identifiersAreReadPerAccountAndFolder()
     {
-        QCOMPARE(database()->localEmailIds(Account, "7"), (QStringList { "101", "102" }));
-        QCOMPARE(database()->localEmailIds(Account, "9"), QStringList());
-        QCOMPARE(database()->serverToLocalEmailIds(Account),
+        QCOMPARE(*database()->localEmailIds(Account, "7"), (QStringList { "101", "102" }));
+        QCOMPARE(*database()->localEmailIds(Account, "9"), QStringList());
+        QCOMPARE(*database()->serverToLocalEmailIds(Account),
             (Map { { "7:1", "101" }, { "7:2", "102" }, { "8:1", "103" } }));
-        QCOMPARE(database()->localToServerEmailIds(OtherAccount), (Map { { "201", "7:1" } }));
-        QCOMPARE(database()->folderServerIdByEmailServerId(Account, "8:1"), QString("8"));
-        QCOMPARE(database()->collectionServerIdFromEmailItemId(Account, "7:2"), QString("7"));
-        QCOMPARE(database()->folderServerIdByEmailServerId(Account, "9:9"), QString());
+        QCOMPARE(*database()->localToServerEmailIds(OtherAccount), (Map { { "201", "7:1" } }));
+        QCOMPARE(*database()->folderServerIdByEmailServerId(Account, "8:1"), QString("8"));
+        QCOMPARE(*database()->collectionServerIdFromEmailItemId(Account, "7:2"), QString("7"));
+        QCOMPARE(*database()->folderServerIdByEmailServerId(Account, "9:9"), QString());
     }
 
     void anUpdateWithoutTheFolderTagRunsNoStatement()
@@ -79,7 +79,7 @@ private Q_SLOTS:
         EasEmailItem item = email("7:1", "8", "999");
         item.appendChangedField(533);
         QVERIFY(database()->updateEmailItems(Account, { item }));
-        QCOMPARE(database()->folderServerIdByEmailServerId(Account, "7:1"), QString("7"));
+        QCOMPARE(*database()->folderServerIdByEmailServerId(Account, "7:1"), QString("7"));
     }
 
     void anUpdateWithTheFolderTagMovesTheMessageOfThatAccount()
@@ -104,7 +104,7 @@ private Q_SLOTS:
     {
         QVERIFY(database()->updateMovedEmailItems(
             Account, { moved("7:1", "7:2", "8"), moved("7:2", "7:1", "9") }));
-        QCOMPARE(database()->serverToLocalEmailIds(Account),
+        QCOMPARE(*database()->serverToLocalEmailIds(Account),
             (Map { { "7:2", "101" }, { "7:1", "102" }, { "8:1", "103" } }));
     }
 
@@ -167,7 +167,7 @@ private Q_SLOTS:
         QVERIFY(log.contains(
             QtCriticalMsg, { "can't update email items for account", "5", ". Error:", "refused" }));
         QCOMPARE(
-            database()->serverToLocalEmailIds(Account).keys(), (QStringList { "7:1", "7:2", "8:1", "9:1" }));
+            database()->serverToLocalEmailIds(Account)->keys(), (QStringList { "7:1", "7:2", "8:1", "9:1" }));
     }
 
     void aFolderIsCleared()
@@ -185,9 +185,9 @@ private Q_SLOTS:
             items.append(email(serverIds.last(), "12", QString::number(1000 + i)));
         }
         QVERIFY(database()->addEmailItems(Account, items));
-        QCOMPARE(database()->localEmailIds(Account, "12").size(), 1000);
+        QCOMPARE(database()->localEmailIds(Account, "12")->size(), 1000);
         QVERIFY(database()->deleteEmailItems(Account, serverIds));
-        QCOMPARE(database()->localEmailIds(Account, "12").size(), 0);
+        QCOMPARE(database()->localEmailIds(Account, "12")->size(), 0);
     }
 
 private:

@@ -133,11 +133,11 @@ private Q_SLOTS:
         mFixture->execute(fileOfVersion(1));
         mFixture->open();
         EasDatabase *database = EasDatabase::instance();
-        QCOMPARE(database->folderSyncKey(Account), QString("h7"));
-        QCOMPARE(database->folderItemByServerId(Account, "2").localId(), QString("20"));
-        QVERIFY(database->folderItemByServerId(Account, "2").savedInStorage());
-        QCOMPARE(database->calendarItemUpdateTime(Account, "uid-5"), 1700U);
-        QCOMPARE(database->calendarItemUpdateTime(UnknownAccount, "uid-7"), EasDatabase::TimestampInvalid);
+        QCOMPARE(*database->folderSyncKey(Account), QString("h7"));
+        QCOMPARE(database->folderItemByServerId(Account, "2")->localId(), QString("20"));
+        QVERIFY(database->folderItemByServerId(Account, "2")->savedInStorage());
+        QCOMPARE(*database->calendarItemUpdateTime(Account, "uid-5"), 1700U);
+        QCOMPARE(*database->calendarItemUpdateTime(UnknownAccount, "uid-7"), EasDatabase::TimestampInvalid);
         EasFolderItem folder;
         folder.setServerId("21");
         QVERIFY(database->addFolderItems(Account, { folder }));
@@ -149,8 +149,8 @@ private Q_SLOTS:
             ->setLastSyncTime(EasAccount::EmailService, QDateTime());
         mFixture->execute(fileOfVersion(2));
         mFixture->open();
-        QCOMPARE(
-            EasDatabase::instance()->calendarItemUpdateTime(Account, "uid-5"), EasDatabase::TimestampInvalid);
+        QCOMPARE(*EasDatabase::instance()->calendarItemUpdateTime(Account, "uid-5"),
+            EasDatabase::TimestampInvalid);
     }
 
     void aFileFromBeforeVersionsWereKeptIsOfTheFirst()

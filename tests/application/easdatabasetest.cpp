@@ -171,7 +171,7 @@ private Q_SLOTS:
         QTRY_VERIFY(!connectionIsOpen());
         QVERIFY(log.contains(QtInfoMsg, { "database is released" }));
 
-        QCOMPARE(EasDatabase::instance()->folderItemByServerId(Account, "1").serverId(), QString("1"));
+        QCOMPARE(EasDatabase::instance()->folderItemByServerId(Account, "1")->serverId(), QString("1"));
         QVERIFY(connectionIsOpen());
         QCOMPARE(log.texts(QtCriticalMsg), QStringList());
     }
@@ -209,8 +209,7 @@ private Q_SLOTS:
         EasDatabase *database = EasDatabase::instance();
         QVERIFY(log.contains(QtCriticalMsg, { "failed to open DB connection" }));
         QVERIFY(!database->addFolderItems(Account, { folder("1") }));
-        QVERIFY(!database->folderItemByServerId(Account, "1").savedInStorage());
-        QVERIFY(database->lookupFailed());
+        QVERIFY(!database->folderItemByServerId(Account, "1"));
 
         QVERIFY(inTheWay.remove());
         QVERIFY(EasDatabase::instance()->addFolderItems(Account, { folder("1") }));
@@ -227,8 +226,7 @@ private Q_SLOTS:
         QVERIFY(log.contains(QtCriticalMsg, { "can't open EAS Database. Error:" }));
         QVERIFY(log.contains(QtCriticalMsg, { "failed to migrate existing DB to the latest DB version" }));
         QVERIFY(!EasDatabase::instance()->addFolderItems(Account, { folder("1") }));
-        QCOMPARE(EasDatabase::instance()->folderSyncKey(Account), QString("0"));
-        QVERIFY(EasDatabase::instance()->lookupFailed());
+        QVERIFY(!EasDatabase::instance()->folderSyncKey(Account));
     }
 
     void aFileThatIsNoDatabaseIsLeftAlone()
@@ -329,7 +327,7 @@ private Q_SLOTS:
             QVERIFY(!EasDatabase::instance()->addFolderItems(Account, items));
         }
         QVERIFY(log.contains(QtCriticalMsg, { "can't add folder items for account", "5", ". Error:" }));
-        QCOMPARE(EasDatabase::instance()->folderItemByServerId(Account, "1").serverId(), QString("1"));
+        QCOMPARE(EasDatabase::instance()->folderItemByServerId(Account, "1")->serverId(), QString("1"));
         QVERIFY(EasDatabase::instance()->addFolderItems(Account, { folder("after") }));
         QCOMPARE(mFixture->rows("PRAGMA integrity_check"), QStringList { "ok" });
     }
@@ -344,7 +342,7 @@ private Q_SLOTS:
         const LogCollector log;
         mFixture->reopen();
         QCOMPARE(mFixture->content(), before);
-        QCOMPARE(EasDatabase::instance()->folderSyncKey(Account), QString("17"));
+        QCOMPARE(*EasDatabase::instance()->folderSyncKey(Account), QString("17"));
         QVERIFY(log.contains(QtInfoMsg, { "version number", "7" }));
     }
 

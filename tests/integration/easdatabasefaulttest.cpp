@@ -98,9 +98,9 @@ private:
         EasDatabase::initializeInstance(nullptr, Path, Name);
         EasDatabase *database = EasDatabase::instance();
         database->onAccountAdded(Account);
-        const QString key = database->folderItemByServerId(Account, "2").syncKey();
-        const int messages = database->serverToLocalEmailIds(Account).size();
-        const QString hierarchyKey = database->folderSyncKey(Account);
+        const QString key = database->folderItemByServerId(Account, "2")->syncKey();
+        const int messages = database->serverToLocalEmailIds(Account)->size();
+        const QString hierarchyKey = *database->folderSyncKey(Account);
         const QStringList tables = QSqlDatabase::database("fennel-eas-db").tables();
         QSqlQuery check("PRAGMA integrity_check", QSqlDatabase::database("fennel-eas-db"));
         const bool intact = check.next() && check.value(0) == "ok";

@@ -61,8 +61,9 @@ private:
     static int rows()
     {
         const auto event = DeviceCalendar().withSummary(SampleEvents::meeting().subject);
-        const auto found =
-            event ? EasDatabase::instance()->getCalendarAttachments(event->uid()) : std::nullopt;
+        if (!event)
+            return -1;
+        const auto found = EasDatabase::instance()->getCalendarAttachments(event->uid());
         return found ? found->size() : -1;
     }
 

@@ -210,7 +210,7 @@ private Q_SLOTS:
         QCOMPARE(bed.sync(), 0);
         QVERIFY(addSeriesOnDevice(bed));
         EasFolderItem before =
-            EasDatabase::instance()->folderItemByServerId(bed.accountId(), bed.calendarId());
+            *EasDatabase::instance()->folderItemByServerId(bed.accountId(), bed.calendarId());
 
         // The series goes up, but mail that does not come keeps its occurrences from following.
         for (int number = 0; number < MoreThanOneWindow; ++number)

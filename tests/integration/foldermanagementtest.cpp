@@ -89,7 +89,7 @@ private:
     QStringList device(EasFolderItem::FolderType type) const
     {
         QStringList lines;
-        const QList<EasFolderItem> items = EasDatabase::instance()->folderItemsByFolderType(account(), type);
+        const QList<EasFolderItem> items = *EasDatabase::instance()->folderItemsByFolderType(account(), type);
         for (const EasFolderItem &item : items)
             lines.append(item.displayName() + QLatin1Char('=')
                 + (item.localId().isEmpty() ? QStringLiteral("not stored") : item.serverId()));
@@ -108,7 +108,7 @@ private:
     }
     QString localId(EasFolderItem::FolderType type, const QString &name) const
     {
-        const QList<EasFolderItem> items = EasDatabase::instance()->folderItemsByFolderType(account(), type);
+        const QList<EasFolderItem> items = *EasDatabase::instance()->folderItemsByFolderType(account(), type);
         for (const EasFolderItem &item : items) {
             if (item.displayName() == name)
                 return item.localId();
@@ -119,8 +119,8 @@ private:
     bool hierarchyIsCurrent() const
     {
         mBed->server().clearRequests();
-        const auto folders = EasDatabase::instance()->serverToLocalFolderIds(account());
-        return mBed->sync() == 0 && folders == EasDatabase::instance()->serverToLocalFolderIds(account())
+        const auto folders = *EasDatabase::instance()->serverToLocalFolderIds(account());
+        return mBed->sync() == 0 && folders == *EasDatabase::instance()->serverToLocalFolderIds(account())
             && count(*mBed, "FolderSync") == 1;
     }
 };
@@ -186,7 +186,7 @@ void FolderManagementTest::aDeletedFolderTakesWhatIsInIt()
     QVERIFY(mBed->deviceState().isEmpty());
     QVERIFY(device(EasFolderItem::UserCreatedMailFolder).isEmpty());
     QVERIFY(device(EasFolderItem::UserCreatedCalendarFolder).isEmpty());
-    QVERIFY(EasDatabase::instance()->serverToLocalEmailIds(account()).isEmpty());
+    QVERIFY(EasDatabase::instance()->serverToLocalEmailIds(account())->isEmpty());
     QVERIFY(hierarchyIsCurrent());
     QCOMPARE(mBed->deviceFolders(), mBed->serverFolders());
 }

@@ -124,7 +124,7 @@ ContactsInteropTest::Listings ContactsInteropTest::onServer()
 QList<QContact> ContactsInteropTest::deviceContacts()
 {
     const auto folders =
-        EasDatabase::instance()->folderItemsByFolderType(mAccount, EasFolderItem::DefaultContactsFolder);
+        *EasDatabase::instance()->folderItemsByFolderType(mAccount, EasFolderItem::DefaultContactsFolder);
     return mStore.contacts(QContactCollectionId::fromString(folders.value(0).localId()));
 }
 

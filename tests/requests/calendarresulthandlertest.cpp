@@ -61,7 +61,7 @@ private Q_SLOTS:
         reply.appendDeletedIds(QStringLiteral("9:3"));
         QStringList rows;
         mScene->store->onCall = [&](const QString &) {
-            rows.append(database().serverToLocalCalendarIds(Account).keys().join(QLatin1Char(',')));
+            rows.append(database().serverToLocalCalendarIds(Account)->keys().join(QLatin1Char(',')));
         };
         const LogCollector log;
         QVERIFY(handle(reply));
@@ -92,9 +92,9 @@ private Q_SLOTS:
         reply.appendAddedCalendars(Event(), QStringLiteral("9:1"));
         mScene->store->replaces = QStringList(QStringLiteral("9:1"));
         QVERIFY(handle(reply));
-        QCOMPARE(database().serverToLocalCalendarIds(Account).value(QStringLiteral("9:1")),
+        QCOMPARE(database().serverToLocalCalendarIds(Account)->value(QStringLiteral("9:1")),
             QStringLiteral("local-9:1"));
-        QCOMPARE(database().localToServerCalendarIds(Account).value(QStringLiteral("e1")), QString());
+        QCOMPARE(database().localToServerCalendarIds(Account)->value(QStringLiteral("e1")), QString());
     }
 
     void onlyWhatIsAnsweredIsAcknowledged()
@@ -126,7 +126,7 @@ private Q_SLOTS:
         QVERIFY(handle(reply));
         QCOMPARE(
             mScene->store->calls, QStringList({ QStringLiteral("uploaded"), QStringLiteral("received") }));
-        QCOMPARE(database().serverToLocalCalendarIds(Account).size(), 2);
+        QCOMPARE(database().serverToLocalCalendarIds(Account)->size(), 2);
         QVERIFY(log.contains(QtWarningMsg,
             { QStringLiteral("The server has not named the item with client id"), QStringLiteral("new") }));
     }

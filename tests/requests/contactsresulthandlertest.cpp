@@ -55,7 +55,7 @@ private Q_SLOTS:
         reply.appendDeletedIds(QStringLiteral("3:3"));
         QStringList rows;
         mScene->store->onCall = [&](const QString &) {
-            rows.append(database().serverToLocalContactIds(Account).keys().join(QLatin1Char(',')));
+            rows.append(database().serverToLocalContactIds(Account)->keys().join(QLatin1Char(',')));
         };
         const LogCollector log;
         QVERIFY(handle(reply));
@@ -64,10 +64,10 @@ private Q_SLOTS:
             QStringList({ QStringLiteral("received 3 +=3/3:8 *3/3:1 -3:3"),
                 QStringLiteral("uploaded +new *c1 -c2") }));
         QCOMPARE(rows, QStringList({ QStringLiteral("3:1,3:2"), QStringLiteral("3:1,3:2,3:8") }));
-        QCOMPARE(database().serverToLocalContactIds(Account).keys(),
+        QCOMPARE(database().serverToLocalContactIds(Account)->keys(),
             QStringList({ QStringLiteral("3:1"), QStringLiteral("3:7"), QStringLiteral("3:8") }));
         QCOMPARE(
-            database().folderServerIdByContactLocalId(Account, QStringLiteral("3:7")), QStringLiteral("3"));
+            *database().folderServerIdByContactLocalId(Account, QStringLiteral("3:7")), QStringLiteral("3"));
         QVERIFY(log.contains(QtInfoMsg,
             { QStringLiteral("Contact with client id"), QStringLiteral("new"), QStringLiteral("saved"),
                 QStringLiteral("on the server with server id"), QStringLiteral("3:7") }));
@@ -111,7 +111,7 @@ private Q_SLOTS:
         QCOMPARE(mScene->store->calls,
             QStringList({ QStringLiteral("failed c1,new,c2"), QStringLiteral("received 3"),
                 QStringLiteral("uploaded + * -") }));
-        QCOMPARE(database().serverToLocalContactIds(Account).size(), 2);
+        QCOMPARE(database().serverToLocalContactIds(Account)->size(), 2);
     }
 
     void whatTheServerDoesNotHaveIsDeleted()
@@ -120,7 +120,7 @@ private Q_SLOTS:
         answerDelete(reply, "3:2", 8);
         QVERIFY(handle(reply));
         QVERIFY(mScene->store->calls.contains(QStringLiteral("uploaded + * -c2")));
-        QCOMPARE(database().serverToLocalContactIds(Account).keys(), QStringList(QStringLiteral("3:1")));
+        QCOMPARE(database().serverToLocalContactIds(Account)->keys(), QStringList(QStringLiteral("3:1")));
     }
 
     void aDatabaseThatCannotBeReadIsAFailure()

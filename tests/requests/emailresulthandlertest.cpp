@@ -58,7 +58,7 @@ private:
 
     std::unique_ptr<MailScene> mScene;
 
-    static QStringList mapped() { return EasDatabase::instance()->serverToLocalEmailIds(Account).keys(); }
+    static QStringList mapped() { return EasDatabase::instance()->serverToLocalEmailIds(Account)->keys(); }
     static SyncCollection collection(const QList<Mail> &changed = {}, const QStringList &deleted = {})
     {
         return sent("5", &SyncCommandAdd::setEmailItems, {}, changed, deleted);

@@ -60,10 +60,10 @@ private:
     std::unique_ptr<RequestBed> mBed;
 
     static EasDatabase &database() { return *EasDatabase::instance(); }
-    static QString key() { return database().folderSyncKey(Account); }
+    static QString key() { return *database().folderSyncKey(Account); }
     QStringList folders() const
     {
-        const QMap<QString, QString> known = database().serverToLocalFolderIds(Account);
+        const QMap<QString, QString> known = *database().serverToLocalFolderIds(Account);
         QStringList lines;
         for (auto it = known.cbegin(); it != known.cend(); ++it)
             lines.append(it.key() + QLatin1Char('=') + it.value());
@@ -153,7 +153,7 @@ private Q_SLOTS:
         QCOMPARE(store(type).changes, QStringList(QStringLiteral("+20 1 New %1").arg(type)));
         QCOMPARE(storeCalls(), 1);
         QVERIFY(folders().contains(QStringLiteral("20=local-20")));
-        QCOMPARE(int(database().folderTypeByServerId(Account, QStringLiteral("20"))), type);
+        QCOMPARE(int(*database().folderTypeByServerId(Account, QStringLiteral("20"))), type);
         QCOMPARE(key(), QStringLiteral("8"));
         QVERIFY(log.contains(QStringLiteral("Success:  true")));
     }
@@ -195,7 +195,8 @@ private Q_SLOTS:
         QCOMPARE(mBed->calendar->folders.changes, QStringList(QStringLiteral("-4")));
         QCOMPARE(mBed->contacts->folders.calls, 0);
         for (const char *gone : { "1", "3", "4" })
-            QVERIFY(database().folderItemByServerId(Account, QString::fromLatin1(gone)).serverId().isEmpty());
+            QVERIFY(
+                database().folderItemByServerId(Account, QString::fromLatin1(gone))->serverId().isEmpty());
         QVERIFY(folders().contains(QStringLiteral("2=102")));
         QVERIFY(folders().contains(QStringLiteral("5=people")));
         QCOMPARE(key(), QStringLiteral("8"));
@@ -218,12 +219,12 @@ private Q_SLOTS:
             QStringList(QStringLiteral("FolderUpdate(SyncKey=7,ServerId=1,ParentId=2,DisplayName=New)")));
         QCOMPARE(mBed->mail->folders.changes, QStringList(QStringLiteral("*1 2 New")));
         QCOMPARE(storeCalls(), 1);
-        const EasFolderItem row = database().folderItemByServerId(Account, QStringLiteral("1"));
+        const EasFolderItem row = *database().folderItemByServerId(Account, QStringLiteral("1"));
         QCOMPARE(row.displayName(), QStringLiteral("New"));
         QCOMPARE(row.localId(), QStringLiteral("101"));
         QCOMPARE(int(row.type()), 12);
         QVERIFY(row.savedInStorage());
-        QCOMPARE(database().serverFolderParentIds(Account).value(QStringLiteral("1")), QStringLiteral("2"));
+        QCOMPARE(database().serverFolderParentIds(Account)->value(QStringLiteral("1")), QStringLiteral("2"));
         QCOMPARE(key(), QStringLiteral("8"));
     }
 

@@ -117,7 +117,7 @@ private Q_SLOTS:
         FolderSyncRequest request(Account, Id);
         QCOMPARE(RequestBed::run(request), 0);
         QCOMPARE(key(), QStringLiteral("8"));
-        QVERIFY(EasDatabase::instance()->serverToLocalFolderIds(Account).contains(QStringLiteral("9")));
+        QVERIFY(EasDatabase::instance()->serverToLocalFolderIds(Account)->contains(QStringLiteral("9")));
     }
 
     void aStoreThatRefusesLeavesTheOldKey_data()
@@ -146,7 +146,7 @@ private Q_SLOTS:
         QCOMPARE(RequestBed::run(request), -2);
         QVERIFY2(log.contains(text), qPrintable(log.texts().join(QLatin1Char('\n'))));
         QCOMPARE(key(), QStringLiteral("7"));
-        QVERIFY(!EasDatabase::instance()->serverToLocalFolderIds(Account).contains(QStringLiteral("9")));
+        QVERIFY(!EasDatabase::instance()->serverToLocalFolderIds(Account)->contains(QStringLiteral("9")));
         // The later stores are not touched.
         QCOMPARE(mBed->contacts->folders.calls, store == QLatin1String("contacts") ? 1 : 0);
     }
@@ -182,8 +182,8 @@ private Q_SLOTS:
         QCOMPARE(RequestBed::run(request), 0);
 
         QCOMPARE(seen, QStringList({ QStringLiteral("end"), QStringLiteral("resync") }));
-        QVERIFY(!EasDatabase::instance()->serverToLocalFolderIds(Account).contains(QStringLiteral("1")));
-        QVERIFY(EasDatabase::instance()->serverToLocalFolderIds(Account).contains(QStringLiteral("9")));
+        QVERIFY(!EasDatabase::instance()->serverToLocalFolderIds(Account)->contains(QStringLiteral("1")));
+        QVERIFY(EasDatabase::instance()->serverToLocalFolderIds(Account)->contains(QStringLiteral("9")));
         QCOMPARE(key(), QStringLiteral("1"));
         // At once: no repetition was waited for.
         QVERIFY(!mBed->clock.intervals.contains(5000));

@@ -237,9 +237,9 @@ private Q_SLOTS:
             EasDatabase::instance()->setFolderSyncKey(id, QStringLiteral("key"));
         }
         openReady();
-        QCOMPARE(EasDatabase::instance()->folderSyncKey(on), QStringLiteral("key"));
-        QCOMPARE(EasDatabase::instance()->folderSyncKey(off), QStringLiteral("key"));
-        QVERIFY(EasDatabase::instance()->folderSyncKey(gone) != QStringLiteral("key"));
+        QCOMPARE(*EasDatabase::instance()->folderSyncKey(on), QStringLiteral("key"));
+        QCOMPARE(*EasDatabase::instance()->folderSyncKey(off), QStringLiteral("key"));
+        QVERIFY(*EasDatabase::instance()->folderSyncKey(gone) != QStringLiteral("key"));
     }
 
     void theDatabaseHearsOfAccountsThatComeAndGo()
@@ -247,14 +247,14 @@ private Q_SLOTS:
         openReady();
         const EasAccountId id = create();
         QTRY_VERIFY(mStorage->account(id));
-        QCOMPARE(EasDatabase::instance()->folderSyncKey(id), QStringLiteral("0"));
+        QCOMPARE(*EasDatabase::instance()->folderSyncKey(id), QStringLiteral("0"));
         EasDatabase::instance()->setFolderSyncKey(id, QStringLiteral("key"));
         // The database closes by itself; what follows has to open it again.
         EasDatabase::releaseInstance();
         QSignalSpy deleted(mStorage.get(), &AccountStorage::accountDeleted);
         QVERIFY(mFactory->remove(id));
         QTRY_COMPARE(deleted.count(), 1);
-        QVERIFY(EasDatabase::instance()->folderSyncKey(id) != QStringLiteral("key"));
+        QVERIFY(*EasDatabase::instance()->folderSyncKey(id) != QStringLiteral("key"));
     }
 
 private:

@@ -57,7 +57,7 @@ private:
         QTRY_VERIFY(storage.isReady());
         QCOMPARE(storage.enabledAccountsCount(), 0);
         QCOMPARE(storage.account(7), nullptr);
-        QCOMPARE(EasDatabase::instance()->folderSyncKey(7), QStringLiteral("key"));
+        QCOMPARE(*EasDatabase::instance()->folderSyncKey(7), QStringLiteral("key"));
     }
 };
 

@@ -66,7 +66,7 @@ private Q_SLOTS:
     {
         QVERIFY(mBed->add(mBed->item()));
         const Event::Ptr event = mBed->event();
-        QCOMPARE(qint64(EasDatabase::instance()->calendarItemUpdateTime(mBed->account.id(), event->uid())),
+        QCOMPARE(qint64(*EasDatabase::instance()->calendarItemUpdateTime(mBed->account.id(), event->uid())),
             event->lastModified().toSecsSinceEpoch());
     }
 

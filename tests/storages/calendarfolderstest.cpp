@@ -112,7 +112,7 @@ private Q_SLOTS:
         QList<EasFolderItem> none;
         QVERIFY(mBed->storage->updateFolders(none, none, {}));
         QCOMPARE(own().size(), 1);
-        row = EasDatabase::instance()->folderItemByServerId(mBed->account.id(), QStringLiteral("5"));
+        row = *EasDatabase::instance()->folderItemByServerId(mBed->account.id(), QStringLiteral("5"));
         QCOMPARE(row.localId(), own().first()->uid());
         QCOMPARE(row.syncKey(), QStringLiteral("0"));
         QVERIFY(mBed->localId().isEmpty());

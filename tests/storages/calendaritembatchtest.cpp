@@ -383,7 +383,7 @@ private:
         return done;
     }
 
-    int rows() const { return EasDatabase::instance()->localToServerCalendarIds(mBed->account.id()).size(); }
+    int rows() const { return EasDatabase::instance()->localToServerCalendarIds(mBed->account.id())->size(); }
 
     /** What would go up: "+" and "~" with the subject, "-" with the server id. */
     QStringList localChanges()

@@ -48,7 +48,7 @@ private Q_SLOTS:
         QVERIFY(query().isEmpty());
         QVERIFY(!mChanges->hasLocalUpdates(mScene->notebookUid, mLastSync));
         QCOMPARE(
-            EasDatabase::instance()->calendarItemUpdateTime(mScene->accountId(), QStringLiteral("event-1")),
+            *EasDatabase::instance()->calendarItemUpdateTime(mScene->accountId(), QStringLiteral("event-1")),
             uint(mLastSync + 10));
     }
 

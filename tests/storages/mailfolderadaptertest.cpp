@@ -43,7 +43,7 @@ struct Folders : MailFixture
     QMailFolder folder(const QString &serverId) const
     {
         return context.store->folder(QMailFolderId(
-            EasDatabase::instance()->folderItemByServerId(accountId(), serverId).localId().toULongLong()));
+            EasDatabase::instance()->folderItemByServerId(accountId(), serverId)->localId().toULongLong()));
     }
 
     int folderCount() const
@@ -348,7 +348,7 @@ private Q_SLOTS:
         mail.addFolder("2");
         mail.addMessage(mail.item("1:1", "1"));
         mail.addMessage(mail.item("2:1", "2"));
-        mail.adapter.cleanUpFolder(EasDatabase::instance()->folderItemByServerId(mail.accountId(), "1"));
+        mail.adapter.cleanUpFolder(*EasDatabase::instance()->folderItemByServerId(mail.accountId(), "1"));
         QCOMPARE(mail.messageCount(), 1);
         QVERIFY(mail.context.store->messageRemovalRecords(mail.mailAccountId()).isEmpty());
         mail.adapter.cleanUpFolder(folderItem("9", EasFolderItem::DefaultCalendarFolder, "Calendar"));
@@ -365,7 +365,7 @@ private Q_SLOTS:
         mail.addMessage(mail.item("1:1", "1"));
         const QMailMessageId moved = mail.addMessage(mail.item("2:1", "2"));
         QMailDisconnected::moveToFolder(QMailMessageIdList { moved }, emptied);
-        mail.adapter.cleanUpFolder(EasDatabase::instance()->folderItemByServerId(mail.accountId(), "1"));
+        mail.adapter.cleanUpFolder(*EasDatabase::instance()->folderItemByServerId(mail.accountId(), "1"));
         QCOMPARE(mail.messageCount(), 1);
         QCOMPARE(mail.message(moved).parentFolderId(), emptied);
     }

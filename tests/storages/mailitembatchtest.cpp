@@ -244,7 +244,7 @@ private Q_SLOTS:
         mail.map(gone, QMailMessageId(424242));
         QVERIFY(MailItemBatch(mail.context).updateEmailItems({ gone }, { { "5:9", "424242" } }));
         QVERIFY(log.contains(QtWarningMsg, { "messageId", "and longID", "long", "are invalid" }));
-        QVERIFY(!EasDatabase::instance()->serverToLocalEmailIds(mail.accountId()).contains("5:9"));
+        QVERIFY(!EasDatabase::instance()->serverToLocalEmailIds(mail.accountId())->contains("5:9"));
     }
 
     void deletionsTakeWhatIsKnown()

@@ -54,7 +54,7 @@ private Q_SLOTS:
         MailStorageImpl storage(&mail.account);
         QVERIFY(storage.initialized());
         QCOMPARE(storage.account(), &mail.account);
-        QCOMPARE(EasDatabase::instance()->emailAccountId(mail.accountId()), mail.accountId());
+        QCOMPARE(*EasDatabase::instance()->emailAccountId(mail.accountId()), mail.accountId());
         QVERIFY(QMailAccount(mail.mailAccountId()).status() & QMailAccount::CanCreateFolders);
         QVERIFY(log.contains("updated. Exchange account now able to create folders."));
         log.clear();
@@ -109,11 +109,11 @@ private Q_SLOTS:
         QCOMPARE(mail.context.store->folder(unsaved).displayName(), QStringLiteral("Name of 1"));
         QVERIFY(!mail.context.store->folder(stray).id().isValid());
         QVERIFY(mail.context.store->folder(saved).id().isValid());
-        QVERIFY(database->folderItemByServerId(mail.accountId(), "1").savedInStorage());
-        const EasFolderItem added = database->folderItemByServerId(mail.accountId(), "2");
+        QVERIFY(database->folderItemByServerId(mail.accountId(), "1")->savedInStorage());
+        const EasFolderItem added = *database->folderItemByServerId(mail.accountId(), "2");
         QVERIFY(added.savedInStorage());
         QVERIFY(mail.context.store->folder(QMailFolderId(added.localId().toULongLong())).id().isValid());
-        QCOMPARE(database->emailFolderItems(mail.accountId()).size(), 3);
+        QCOMPARE(database->emailFolderItems(mail.accountId())->size(), 3);
         QVERIFY(mail.context.store->messageRemovalRecords(mail.mailAccountId()).isEmpty());
 
         // None of this is the user's doing.
@@ -138,10 +138,10 @@ private Q_SLOTS:
         EasDatabase *database = EasDatabase::instance();
         QVERIFY(database->addFolderItems(mail.accountId(), { missing, unsaved }));
         MailStorageImpl storage(&mail.account);
-        const QString added = database->folderItemByServerId(mail.accountId(), "2").localId();
+        const QString added = database->folderItemByServerId(mail.accountId(), "2")->localId();
         QCOMPARE(mail.context.store->folder(QMailFolderId(added.toULongLong())).parentFolderId(), parent);
         QCOMPARE(mail.context.store->folder(misplaced).parentFolderId(), parent);
-        QCOMPARE(database->serverFolderParentIds(mail.accountId()).value("3"), QStringLiteral("1"));
+        QCOMPARE(database->serverFolderParentIds(mail.accountId())->value("3"), QStringLiteral("1"));
     }
 
     void aFolderThatTheStoreHasLostComesBackEmptyAndIsSynchronisedAnew()
@@ -167,7 +167,7 @@ private Q_SLOTS:
         QCOMPARE(text(folder.parentFolderId()), first.localId());
         QVERIFY(second.savedInStorage());
         QVERIFY(second.syncKey().isEmpty());
-        QVERIFY(database->localEmailIds(mail.accountId(), "2").isEmpty());
+        QVERIFY(database->localEmailIds(mail.accountId(), "2")->isEmpty());
     }
 
     void whatWasMovedIntoAFolderThatTheServerNeverKnewReturns()

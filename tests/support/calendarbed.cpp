@@ -111,7 +111,7 @@ EasFolderItem CalendarBed::folder(
 
 QString CalendarBed::localId(const QString &serverId) const
 {
-    return EasDatabase::instance()->serverToLocalCalendarIds(account.id()).value(serverId);
+    return EasDatabase::instance()->serverToLocalCalendarIds(account.id())->value(serverId);
 }
 
 CalendarStoreContext &CalendarBed::device()

@@ -59,7 +59,7 @@ QContactCollectionId ContactAccount::addFolder(const QString &serverId)
 QContactCollectionId ContactAccount::collection(const QString &serverId) const
 {
     return QContactCollectionId::fromString(
-        EasDatabase::instance()->folderItemByServerId(id(), serverId).localId());
+        EasDatabase::instance()->folderItemByServerId(id(), serverId)->localId());
 }
 
 EasContactsItem ContactAccount::item(const QString &serverId, const QString &firstName) const
@@ -81,7 +81,7 @@ bool ContactAccount::receive(
 QContact ContactAccount::contact(const QString &serverId) const
 {
     return store.manager().contact(
-        QContactId::fromString(EasDatabase::instance()->serverToLocalContactIds(id()).value(serverId)));
+        QContactId::fromString(EasDatabase::instance()->serverToLocalContactIds(id())->value(serverId)));
 }
 
 QStringList ContactAccount::names() const

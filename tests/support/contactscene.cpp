@@ -125,7 +125,8 @@ QStringList ContactSides::lines(const Contact &contact)
 QContactCollectionId ContactScene::collection(const QString &serverId)
 {
     const QString wanted = serverId.isEmpty() ? mBed.contactsId() : serverId;
-    const QString localId = EasDatabase::instance()->folderItemByServerId(mBed.accountId(), wanted).localId();
+    const QString localId =
+        EasDatabase::instance()->folderItemByServerId(mBed.accountId(), wanted)->localId();
     return QContactCollectionId::fromString(localId);
 }
 
@@ -160,7 +161,7 @@ ContactSides ContactScene::sides()
 QStringList ContactScene::differences()
 {
     return sides().differences(
-        EasDatabase::instance()->serverToLocalContactIds(mBed.accountId()), collection());
+        *EasDatabase::instance()->serverToLocalContactIds(mBed.accountId()), collection());
 }
 
 bool ContactScene::furtherSyncIsSilent()

@@ -104,7 +104,7 @@ EasEmailItem MailFixture::item(const QString &serverId, const QString &collectio
     item.setServerId(serverId);
     item.setCollectionId(collectionId);
     item.setLocalCollectionId(
-        EasDatabase::instance()->folderItemByServerId(account.id(), collectionId).localId().toULongLong());
+        EasDatabase::instance()->folderItemByServerId(account.id(), collectionId)->localId().toULongLong());
     item.setSubject(QStringLiteral("Message ") + serverId);
     item.setFromAddress(QStringLiteral("\"Doe, John\" <john@example.org>"));
     item.setRecipientsTo(QStringLiteral("alice@example.org"));

@@ -5,6 +5,7 @@
 
 #include <QSqlDatabase>
 #include <QSqlError>
+#include <QSqlRecord>
 #include <QVariant>
 
 #include <algorithm>
@@ -79,6 +80,12 @@ QVariant DatabaseStatement::value(int column) const
 QString DatabaseStatement::text(int column) const
 {
     return mQuery.value(column).toString();
+}
+
+std::optional<QVariant> DatabaseStatement::value(const char *column) const
+{
+    const int index = mQuery.record().indexOf(QLatin1String(column));
+    return index < 0 ? std::nullopt : std::make_optional(mQuery.value(index));
 }
 
 QString DatabaseStatement::errorText() const

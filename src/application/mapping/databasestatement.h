@@ -7,6 +7,8 @@
 #include <QString>
 #include <QVariantList>
 
+#include <optional>
+
 /** What is logged when a statement fails; some statements tell a refused text from a failed run. */
 struct StatementFailure
 {
@@ -52,6 +54,8 @@ public:
     bool failed() const;
     QVariant value(int column) const;
     QString text(int column) const;
+    /** By the column's name; nothing where the statement does not ask for that column. */
+    std::optional<QVariant> value(const char *column) const;
     QString errorText() const;
 
     /** Logs the failure, its subject if it has one, and the database's error. Returns false. */

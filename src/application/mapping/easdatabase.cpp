@@ -3,6 +3,7 @@
 
 #include "application/base/clock.h"
 #include "application/base/logging.h"
+#include "application/mapping/databasereading.h"
 #include "application/mapping/databasestatement.h"
 
 #include <QCoreApplication>
@@ -17,14 +18,6 @@ const char DefaultName[] = "fennel_eas.db";
 constexpr uint ReleaseTimeout = 60000;
 
 EasDatabase *easDatabaseInstance = nullptr;
-
-void logFailure(const DatabaseStatement &statement, const StatementFailure &failure, const QString &subject)
-{
-    if (subject.isNull())
-        statement.fail(failure);
-    else
-        statement.fail(failure, subject);
-}
 
 } // namespace
 
@@ -152,49 +145,7 @@ void EasDatabase::onReleaseDatabaseTimer()
 
 bool EasDatabase::lookupFailed() const
 {
-    return mLookupFailed;
-}
-
-bool EasDatabase::readRow(
-    DatabaseStatement &statement, const StatementFailure &failure, const QString &subject) const
-{
-    const bool found = statement.run() && statement.next();
-    mLookupFailed = statement.failed();
-    if (mLookupFailed)
-        logFailure(statement, failure, subject);
-    return found;
-}
-
-bool EasDatabase::readRows(DatabaseStatement &statement, const StatementFailure &failure,
-    const std::function<void(const DatabaseStatement &row)> &takeRow, const QString &subject) const
-{
-    if (!readRow(statement, failure, subject))
-        return !mLookupFailed;
-    do
-        takeRow(statement);
-    while (statement.next());
-    mLookupFailed = statement.failed();
-    if (mLookupFailed)
-        logFailure(statement, failure, subject);
-    return !mLookupFailed;
-}
-
-QStringList EasDatabase::readTexts(DatabaseStatement &statement, const StatementFailure &failure) const
-{
-    QStringList texts;
-    const bool complete =
-        readRows(statement, failure, [&texts](const DatabaseStatement &row) { texts.append(row.text(0)); });
-    return complete ? texts : QStringList();
-}
-
-QMap<QString, QString> EasDatabase::readMap(
-    DatabaseStatement &statement, int keyColumn, const StatementFailure &failure) const
-{
-    QMap<QString, QString> map;
-    const bool complete = readRows(statement, failure, [&map, keyColumn](const DatabaseStatement &row) {
-        map.insert(row.text(keyColumn), row.text(1 - keyColumn));
-    });
-    return complete ? map : QMap<QString, QString>();
+    return DatabaseReading::latestFailed();
 }
 
 bool EasDatabase::deleteItems(

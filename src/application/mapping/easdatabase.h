@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include "application/mapping/lookup.h"
 #include "common/easaccountid.h"
 #include "easitems/easfolderitem.h"
 
@@ -12,7 +13,6 @@
 #include <QTimer>
 #include <QUrl>
 
-#include <functional>
 #include <optional>
 
 class AttachmentEntity;
@@ -62,18 +62,15 @@ public:
 
     void startDataBaseTimer(uint milliseconds);
 
-    /**
-     * True if the latest reading operation could not read: its empty or default result then means "unknown",
-     * not "none".
-     */
+    /** Goes away: whether the latest reading operation could not read. Ask its own answer. */
     bool lookupFailed() const;
 
     // Accounts
-    quint64 emailAccountId(EasAccountId accountId) const;
+    Lookup<quint64> emailAccountId(EasAccountId accountId) const;
     void setEmailAccountId(EasAccountId accountId, quint64 emailAccountId);
-    QString folderSyncKey(EasAccountId accountId) const;
+    Lookup<QString> folderSyncKey(EasAccountId accountId) const;
     bool setFolderSyncKey(EasAccountId accountId, const QString &syncKey);
-    AppDataType getAppDataType(const QString &serverId);
+    Lookup<AppDataType> getAppDataType(const QString &serverId);
     void removeAccount(EasAccountId accountId);
     /** Wipes the account's stores and rows, so that its next sync starts from nothing. */
     bool clearAccount(EasAccountId accountId);
@@ -83,17 +80,17 @@ public:
     bool cleanUp(const QList<quint64> &accountIds);
 
     // Folders
-    EasFolderItem folderItemByLocalId(EasAccountId accountId, const QString &localId) const;
-    EasFolderItem folderItemByServerId(EasAccountId accountId, const QString &serverId) const;
-    QList<EasFolderItem> emailFolderItems(EasAccountId accountId) const;
-    QList<EasFolderItem> calendarFolderItems(EasAccountId accountId) const;
-    QList<EasFolderItem> folderItemsByFolderType(
+    Lookup<EasFolderItem> folderItemByLocalId(EasAccountId accountId, const QString &localId) const;
+    Lookup<EasFolderItem> folderItemByServerId(EasAccountId accountId, const QString &serverId) const;
+    Lookup<QList<EasFolderItem>> emailFolderItems(EasAccountId accountId) const;
+    Lookup<QList<EasFolderItem>> calendarFolderItems(EasAccountId accountId) const;
+    Lookup<QList<EasFolderItem>> folderItemsByFolderType(
         EasAccountId accountId, EasFolderItem::FolderType type) const;
-    EasFolderItem::FolderType folderTypeByServerId(EasAccountId accountId, const QString &serverId);
-    QMap<QString, QString> serverToLocalFolderIds(EasAccountId accountId) const;
-    QMap<QString, QString> localToServerFolderIds(EasAccountId accountId) const;
+    Lookup<EasFolderItem::FolderType> folderTypeByServerId(EasAccountId accountId, const QString &serverId);
+    Lookup<QMap<QString, QString>> serverToLocalFolderIds(EasAccountId accountId) const;
+    Lookup<QMap<QString, QString>> localToServerFolderIds(EasAccountId accountId) const;
     /** The parent of each folder, by server identifiers. */
-    QMap<QString, QString> serverFolderParentIds(EasAccountId accountId) const;
+    Lookup<QMap<QString, QString>> serverFolderParentIds(EasAccountId accountId) const;
     bool addFolderItems(EasAccountId accountId, const QList<EasFolderItem> &items);
     bool updateFolderItems(EasAccountId accountId, const QList<EasFolderItem> &items);
     bool deleteFolderItems(EasAccountId accountId, const QStringList &serverIds);
@@ -109,13 +106,14 @@ public:
     bool deleteEmailItems(EasAccountId accountId, const QStringList &serverIds);
     bool emailItemsChanges(EasAccountId accountId, const QList<EasEmailItem> &added,
         const QList<EasEmailItem> &updated, const QStringList &deletedServerIds);
-    QStringList localEmailIds(EasAccountId accountId, const QString &collectionId) const;
-    QMap<QString, QString> serverToLocalEmailIds(EasAccountId accountId) const;
-    QMap<QString, QString> localToServerEmailIds(EasAccountId accountId) const;
+    Lookup<QStringList> localEmailIds(EasAccountId accountId, const QString &collectionId) const;
+    Lookup<QMap<QString, QString>> serverToLocalEmailIds(EasAccountId accountId) const;
+    Lookup<QMap<QString, QString>> localToServerEmailIds(EasAccountId accountId) const;
     /** The folder of each of these messages that has a row, by server identifiers. */
-    QMap<QString, QString> emailCollectionIds(EasAccountId accountId, const QStringList &serverIds) const;
-    QString folderServerIdByEmailServerId(EasAccountId accountId, const QString &serverId) const;
-    QString collectionServerIdFromEmailItemId(EasAccountId accountId, const QString &serverId);
+    Lookup<QMap<QString, QString>> emailCollectionIds(
+        EasAccountId accountId, const QStringList &serverIds) const;
+    Lookup<QString> folderServerIdByEmailServerId(EasAccountId accountId, const QString &serverId) const;
+    Lookup<QString> collectionServerIdFromEmailItemId(EasAccountId accountId, const QString &serverId);
     bool clearEmailFolder(EasAccountId accountId, const QString &collectionId);
 
     // Calendar
@@ -125,15 +123,15 @@ public:
     bool calendarItemsChanges(EasAccountId accountId, const QList<EasCalendarItem> &added,
         const QList<EasCalendarItem> &updated, const QStringList &deletedServerIds,
         const QStringList &replacedServerIds);
-    QStringList localCalendarIds(EasAccountId accountId, const QString &collectionId) const;
-    QMap<QString, QString> serverToLocalCalendarIds(EasAccountId accountId) const;
-    QMap<QString, QString> localToServerCalendarIds(EasAccountId accountId) const;
-    QMap<QString, QString> serverCalendarIdToCollectionIds(EasAccountId accountId) const;
-    QString serverCalendarIdToCollectionId(EasAccountId accountId, const QString &serverId) const;
-    QString localToServerCalendarId(EasAccountId accountId, const QString &localId) const;
-    uint calendarItemUpdateTime(EasAccountId accountId, const QString &localId) const;
+    Lookup<QStringList> localCalendarIds(EasAccountId accountId, const QString &collectionId) const;
+    Lookup<QMap<QString, QString>> serverToLocalCalendarIds(EasAccountId accountId) const;
+    Lookup<QMap<QString, QString>> localToServerCalendarIds(EasAccountId accountId) const;
+    Lookup<QMap<QString, QString>> serverCalendarIdToCollectionIds(EasAccountId accountId) const;
+    Lookup<QString> serverCalendarIdToCollectionId(EasAccountId accountId, const QString &serverId) const;
+    Lookup<QString> localToServerCalendarId(EasAccountId accountId, const QString &localId) const;
+    Lookup<uint> calendarItemUpdateTime(EasAccountId accountId, const QString &localId) const;
     /** The same of all events of an account at once, without those that have no time. */
-    QMap<QString, uint> calendarItemUpdateTimes(EasAccountId accountId) const;
+    Lookup<QMap<QString, uint>> calendarItemUpdateTimes(EasAccountId accountId) const;
     bool clearCalendarFolder(EasAccountId accountId, const QString &collectionId);
 
     // Contacts
@@ -144,22 +142,23 @@ public:
     bool contactsItemsChanges(EasAccountId accountId, const QList<EasContactsItem> &added,
         const QList<EasContactsItem> &updated, const QStringList &deletedServerIds);
     /** An empty collection means all folders of the account, here and in the next one. */
-    QStringList localContactIds(EasAccountId accountId, const QString &collectionId) const;
-    QMap<QString, QString> localToServerContactIds(EasAccountId accountId, const QString &collectionId) const;
-    QMap<QString, QString> serverToLocalContactIds(EasAccountId accountId) const;
-    QMap<QString, QUrl> localContactIdsToAvatarsUrls(EasAccountId accountId) const;
+    Lookup<QStringList> localContactIds(EasAccountId accountId, const QString &collectionId) const;
+    Lookup<QMap<QString, QString>> localToServerContactIds(
+        EasAccountId accountId, const QString &collectionId) const;
+    Lookup<QMap<QString, QString>> serverToLocalContactIds(EasAccountId accountId) const;
+    Lookup<QMap<QString, QUrl>> localContactIdsToAvatarsUrls(EasAccountId accountId) const;
     /** The argument is the contact's server identifier, in spite of the name. */
-    QString folderServerIdByContactLocalId(EasAccountId accountId, const QString &serverId) const;
+    Lookup<QString> folderServerIdByContactLocalId(EasAccountId accountId, const QString &serverId) const;
     bool clearContactsFolder(EasAccountId accountId, const QString &collectionId);
 
     // Attachments of events; an event is named by its local identifier
     bool addCalendarAttachment(const QString &eventId, const EasAttachmentContainer &attachment);
     bool addCalendarAttachment(const QString &eventId, const AttachmentEntity &attachment);
-    std::optional<EasAttachmentContainer> getAttachmentByFileReference(
+    Lookup<std::optional<EasAttachmentContainer>> getAttachmentByFileReference(
         const QString &eventId, const QString &fileReference);
-    std::optional<EasAttachmentContainer> getAttachmentByContentId(
+    Lookup<std::optional<EasAttachmentContainer>> getAttachmentByContentId(
         const QString &eventId, const QString &contentId);
-    std::optional<QList<EasAttachmentContainer>> getCalendarAttachments(const QString &eventId);
+    Lookup<QList<EasAttachmentContainer>> getCalendarAttachments(const QString &eventId);
     bool updateCalendarAttachmentFileRefernce(
         const QString &eventId, const EasAttachmentContainer &attachment);
     bool updateCalendarAttachmentFileRefernce(const QString &eventId, const AttachmentEntity &attachment);
@@ -167,7 +166,7 @@ public:
     bool deleteCalendarAttachmentByContentId(const QString &eventId, const QString &contentId);
     bool deleteCalendarAttachmentByFileReference(const QString &eventId, const QString &fileReference);
     /** Whether the event has an attachment with this content identifier or file reference. */
-    bool isCalendarAttachmentExists(const QString &eventId, const QString &uniqueId);
+    Lookup<Existence> isCalendarAttachmentExists(const QString &eventId, const QString &uniqueId);
     /** Removes rows with a file reference whose event is in no account's mapping. */
     bool deleteStrayCalendarAttachments();
 
@@ -208,14 +207,6 @@ private:
     bool createTables();
 
     // Statements
-    bool readRow(DatabaseStatement &statement, const StatementFailure &failure,
-        const QString &subject = QString()) const;
-    bool readRows(DatabaseStatement &statement, const StatementFailure &failure,
-        const std::function<void(const DatabaseStatement &row)> &takeRow,
-        const QString &subject = QString()) const;
-    QStringList readTexts(DatabaseStatement &statement, const StatementFailure &failure) const;
-    QMap<QString, QString> readMap(
-        DatabaseStatement &statement, int keyColumn, const StatementFailure &failure) const;
     bool deleteItems(const char *table, EasAccountId accountId, const QStringList &serverIds,
         const StatementFailure &failure);
     bool clearFolder(EasAccountId accountId, const QString &collectionId, const char *table,
@@ -236,5 +227,4 @@ private:
     /** Tables could not be made, and the next use tries again. A file that no step can bring up to date waits
      * for the next start. */
     bool mTablesMissing = false;
-    mutable bool mLookupFailed = false;
 };

@@ -2,7 +2,7 @@
 // Rows of accounts, and the operations that go across all tables.
 #include "application/account/easaccount.h"
 #include "application/base/logging.h"
-#include "application/mapping/databasestatement.h"
+#include "application/mapping/databasereading.h"
 #include "application/mapping/easdatabase.h"
 #include "application/requestmanager.h"
 #include "application/storagesfactory.h"
@@ -13,6 +13,7 @@ namespace {
 constexpr uint ReleaseTimeout = 60000;
 constexpr int HierarchyRowType = 0;
 const char CantQueryAccounts[] = "can't execute accounts table query. Error:";
+const char CantGetFolderSyncKey[] = "can't get a folderSyncKey. Error:";
 const char CollectionsNotInitialized[] = "collections table is not initialized for account";
 
 struct AccountRows
@@ -28,6 +29,12 @@ const AccountRows RowsOfAnAccount[] = {
     { "collections", "can't delete rows from collections table. Error:" },
     { "emails", "can't delete rows from emails table. Error:" },
 };
+
+Lookup<Existence> presence(DatabaseStatement &select, const StatementFailure &failure)
+{
+    return DatabaseReading::value(
+        select, failure, Existence::Missing, [](const DatabaseStatement &) { return Existence::Present; });
+}
 
 } // namespace
 
@@ -57,10 +64,9 @@ bool EasDatabase::initializeAccountsTable(EasAccountId accountId, quint64 emailA
 {
     DatabaseStatement select(mDatabase,
         QStringLiteral("SELECT email_account_id FROM accounts WHERE account_id=%1").arg(accountId));
-    if (readRow(select, CantQueryAccounts))
-        return true;
-    if (mLookupFailed)
-        return false;
+    const Lookup<Existence> row = presence(select, CantQueryAccounts);
+    if (!row || *row == Existence::Present)
+        return bool(row);
     DatabaseStatement insert(mDatabase, QStringLiteral("INSERT INTO accounts VALUES (?, ?)"));
     insert.bind(accountId).bind(emailAccountId);
     return insert.run() || insert.fail("Can't add an account row for account", accountId);
@@ -70,10 +76,9 @@ bool EasDatabase::initializeCollectionsTable(EasAccountId accountId) const
 {
     DatabaseStatement select(mDatabase,
         QStringLiteral("SELECT synckey FROM collections WHERE account_id=%1 AND type=0").arg(accountId));
-    if (readRow(select, "can't get a folderSyncKey. Error:"))
-        return true;
-    if (mLookupFailed)
-        return false;
+    const Lookup<Existence> row = presence(select, CantGetFolderSyncKey);
+    if (!row || *row == Existence::Present)
+        return bool(row);
     const QString empty = QStringLiteral("");
     DatabaseStatement insert(
         mDatabase, QStringLiteral("INSERT INTO collections VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"));
@@ -83,15 +88,16 @@ bool EasDatabase::initializeCollectionsTable(EasAccountId accountId) const
     return insert.run() || insert.fail("can't create a folderSyncKey row. Error:");
 }
 
-quint64 EasDatabase::emailAccountId(EasAccountId accountId) const
+Lookup<quint64> EasDatabase::emailAccountId(EasAccountId accountId) const
 {
     if (!initializeAccountsTable(accountId, 0)) {
         qCCritical(eas()) << "accounts table is not initialized";
-        return 0;
+        return Lookup<quint64>::unread();
     }
     DatabaseStatement select(mDatabase,
         QStringLiteral("SELECT email_account_id FROM accounts WHERE account_id=%1").arg(accountId));
-    return readRow(select, CantQueryAccounts) ? select.value(0).toULongLong() : 0;
+    return DatabaseReading::value(select, CantQueryAccounts, quint64(0),
+        [](const DatabaseStatement &row) { return row.value(0).toULongLong(); });
 }
 
 void EasDatabase::setEmailAccountId(EasAccountId accountId, quint64 emailAccountId)
@@ -110,17 +116,19 @@ void EasDatabase::setEmailAccountId(EasAccountId accountId, quint64 emailAccount
                           << "Error:" << update.errorText();
 }
 
-QString EasDatabase::folderSyncKey(EasAccountId accountId) const
+Lookup<QString> EasDatabase::folderSyncKey(EasAccountId accountId) const
 {
     const QString initialKey = ProtocolUtils::InitialSyncKey;
     if (!initializeCollectionsTable(accountId)) {
         qCCritical(eas()) << CollectionsNotInitialized << accountId;
-        return initialKey;
+        return Lookup<QString>::unread();
     }
     DatabaseStatement select(mDatabase,
         QStringLiteral("SELECT synckey FROM collections WHERE account_id=%1 AND type=0").arg(accountId));
-    const bool found = readRow(select, "can't get a folderSyncKey. Error:");
-    return found && !select.value(0).isNull() ? select.text(0) : initialKey;
+    return DatabaseReading::value(
+        select, CantGetFolderSyncKey, initialKey, [&initialKey](const DatabaseStatement &row) {
+            return row.value(0).isNull() ? initialKey : row.text(0);
+        });
 }
 
 bool EasDatabase::setFolderSyncKey(EasAccountId accountId, const QString &syncKey)
@@ -139,7 +147,7 @@ bool EasDatabase::setFolderSyncKey(EasAccountId accountId, const QString &syncKe
     return false;
 }
 
-EasDatabase::AppDataType EasDatabase::getAppDataType(const QString &serverId)
+Lookup<EasDatabase::AppDataType> EasDatabase::getAppDataType(const QString &serverId)
 {
     DatabaseStatement select(mDatabase,
         QStringLiteral("SELECT 2 FROM contacts WHERE server_id = :server_id_value "
@@ -148,7 +156,9 @@ EasDatabase::AppDataType EasDatabase::getAppDataType(const QString &serverId)
     select.bind(QStringLiteral(":server_id_value"), serverId);
     const StatementFailure failure("Can't exec getAppDataType() query for serverId:",
         "Can't prepare getAppDataType() query for serverId:");
-    return readRow(select, failure, serverId) ? AppDataType(select.value(0).toInt()) : AppDataNone;
+    return DatabaseReading::value(
+        select, failure, AppDataNone,
+        [](const DatabaseStatement &row) { return AppDataType(row.value(0).toInt()); }, serverId);
 }
 
 void EasDatabase::removeAccount(EasAccountId accountId)
@@ -190,16 +200,15 @@ bool EasDatabase::clearAccount(EasAccountId accountId)
 
 bool EasDatabase::finishClearingAccount(EasAccountId accountId)
 {
-    if (folderSyncKey(accountId) != ProtocolUtils::InitialSyncKey)
-        return true;
-    if (mLookupFailed)
+    const Lookup<QString> key = folderSyncKey(accountId);
+    if (!key || *key != ProtocolUtils::InitialSyncKey)
+        return bool(key);
+    const Lookup<QMap<QString, QString>> folders = serverToLocalFolderIds(accountId);
+    const Lookup<QMap<QString, QString>> messages = serverToLocalEmailIds(accountId);
+    if (!folders || !messages)
         return false;
-    QMap<QString, QString> left = serverToLocalFolderIds(accountId);
-    left.remove(QString()); // the hierarchy itself
-    if (!mLookupFailed && left.isEmpty())
-        left = serverToLocalEmailIds(accountId);
-    if (mLookupFailed)
-        return false;
+    QStringList left = folders->keys() + messages->keys();
+    left.removeAll(QString()); // the hierarchy itself
     return left.isEmpty() || clearAccount(accountId);
 }
 
@@ -208,13 +217,14 @@ bool EasDatabase::cleanUp(const QList<quint64> &accountIds)
     DatabaseStatement select(mDatabase, QStringLiteral("SELECT * FROM accounts"));
     QList<EasAccountId> gone;
     QStringList names;
-    const bool complete = readRows(select, CantQueryAccounts, [&](const DatabaseStatement &row) {
-        const EasAccountId id = row.value(0).toULongLong();
-        if (!accountIds.contains(id)) {
-            gone.append(id);
-            names.append(QString::number(id));
-        }
-    });
+    const bool complete =
+        DatabaseReading::eachRow(select, CantQueryAccounts, [&](const DatabaseStatement &row) {
+            const EasAccountId id = row.value(0).toULongLong();
+            if (!accountIds.contains(id)) {
+                gone.append(id);
+                names.append(QString::number(id));
+            }
+        });
     if (!complete)
         return false;
     if (gone.isEmpty())

@@ -4,7 +4,7 @@
 // Some of the texts start with the Cyrillic capital Es; they are searched for as they are.
 #include "application/base/logging.h"
 #include "application/mapping/databasecolumns.h"
-#include "application/mapping/databasestatement.h"
+#include "application/mapping/databasereading.h"
 #include "application/mapping/easdatabase.h"
 #include "easitems/containers/attachmententity.h"
 #include "easitems/containers/easattachmentcontainer.h"
@@ -22,6 +22,14 @@ EasAttachmentContainer attachmentOf(const QString &contentId, const QString &fil
     attachment.setContentId(contentId);
     attachment.setFileReference(fileReference);
     return attachment;
+}
+
+template <typename AttachmentOfRow>
+Lookup<std::optional<EasAttachmentContainer>> attachmentRow(
+    DatabaseStatement &select, const QString &eventId, AttachmentOfRow attachmentOfRow)
+{
+    return DatabaseReading::value(
+        select, CantGetAttachment, std::optional<EasAttachmentContainer>(), attachmentOfRow, eventId);
 }
 
 } // namespace
@@ -47,39 +55,35 @@ bool EasDatabase::addCalendarAttachment(const QString &eventId, const Attachment
     return addCalendarAttachment(eventId, static_cast<const EasAttachmentContainer &>(attachment));
 }
 
-std::optional<EasAttachmentContainer> EasDatabase::getAttachmentByFileReference(
+Lookup<std::optional<EasAttachmentContainer>> EasDatabase::getAttachmentByFileReference(
     const QString &eventId, const QString &fileReference)
 {
     DatabaseStatement select(mDatabase,
         QStringLiteral("SELECT content_id FROM attachments WHERE file_reference=? AND local_id=? LIMIT 1"));
-    if (!readRow(select.bind(fileReference).bind(eventId), CantGetAttachment, eventId))
-        return std::nullopt;
-    return attachmentOf(select.text(0), fileReference);
+    select.bind(fileReference).bind(eventId);
+    return attachmentRow(select, eventId,
+        [&fileReference](const DatabaseStatement &row) { return attachmentOf(row.text(0), fileReference); });
 }
 
-std::optional<EasAttachmentContainer> EasDatabase::getAttachmentByContentId(
+Lookup<std::optional<EasAttachmentContainer>> EasDatabase::getAttachmentByContentId(
     const QString &eventId, const QString &contentId)
 {
     DatabaseStatement select(mDatabase,
         QStringLiteral("SELECT file_reference FROM attachments WHERE content_id=? AND local_id=? LIMIT 1"));
-    if (!readRow(select.bind(contentId).bind(eventId), CantGetAttachment, eventId))
-        return std::nullopt;
-    return attachmentOf(contentId, select.text(0));
+    select.bind(contentId).bind(eventId);
+    return attachmentRow(select, eventId,
+        [&contentId](const DatabaseStatement &row) { return attachmentOf(contentId, row.text(0)); });
 }
 
-std::optional<QList<EasAttachmentContainer>> EasDatabase::getCalendarAttachments(const QString &eventId)
+Lookup<QList<EasAttachmentContainer>> EasDatabase::getCalendarAttachments(const QString &eventId)
 {
     DatabaseStatement select(
         mDatabase, QStringLiteral("SELECT content_id, file_reference FROM attachments WHERE local_id=?"));
     const StatementFailure failure("Can't execute GET attachments query for event:",
         "Can't execute PREPARE attachments query for event:");
-    QList<EasAttachmentContainer> attachments;
-    const bool complete = readRows(
+    return DatabaseReading::items(
         select.bind(eventId), failure,
-        [&attachments](
-            const DatabaseStatement &row) { attachments.append(attachmentOf(row.text(0), row.text(1))); },
-        eventId);
-    return complete ? std::make_optional(attachments) : std::nullopt;
+        [](const DatabaseStatement &row) { return attachmentOf(row.text(0), row.text(1)); }, eventId);
 }
 
 bool EasDatabase::updateCalendarAttachmentFileRefernce(
@@ -132,7 +136,7 @@ bool EasDatabase::deleteCalendarAttachmentByFileReference(
         || statement.fail("Сan't DELETE attachment by fileReference for event:", eventId);
 }
 
-bool EasDatabase::isCalendarAttachmentExists(const QString &eventId, const QString &uniqueId)
+Lookup<Existence> EasDatabase::isCalendarAttachmentExists(const QString &eventId, const QString &uniqueId)
 {
     DatabaseStatement select(mDatabase,
         QStringLiteral("SELECT EXISTS(SELECT 1 FROM attachments WHERE local_id = :localId AND "
@@ -140,10 +144,17 @@ bool EasDatabase::isCalendarAttachmentExists(const QString &eventId, const QStri
     select.bind(QStringLiteral(":localId"), eventId).bind(QStringLiteral(":uniqueId"), uniqueId);
     const StatementFailure failure(
         "Сan't execute found attachment query for event:", "Сan't prepare found attachment query for event:");
-    if (readRow(select, failure, eventId))
-        return select.value(0).toBool();
+    const auto presence = [](const DatabaseStatement &row) {
+        return std::make_optional(row.value(0).toBool() ? Existence::Present : Existence::Missing);
+    };
+    const auto answer =
+        DatabaseReading::value(select, failure, std::optional<Existence>(), presence, eventId);
+    if (answer && *answer)
+        return **answer;
     // The query has one row whatever the table holds.
-    return mLookupFailed ? false : select.fail("can't retrieve first record from query for event:", eventId);
+    if (answer)
+        select.fail("can't retrieve first record from query for event:", eventId);
+    return Lookup<Existence>::unread();
 }
 
 bool EasDatabase::deleteStrayCalendarAttachments()

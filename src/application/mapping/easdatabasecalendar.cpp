@@ -2,7 +2,7 @@
 // Rows of events.
 #include "application/base/logging.h"
 #include "application/mapping/databasecolumns.h"
-#include "application/mapping/databasestatement.h"
+#include "application/mapping/databasereading.h"
 #include "application/mapping/easdatabase.h"
 #include "easitems/eascalendaritem.h"
 
@@ -11,7 +11,16 @@ using DatabaseColumns::column;
 namespace {
 
 const char CantQueryCalendar[] = "Calendar table query failed, error:";
+const char CantQueryTimestamp[] = "SQL query failed, error:";
 const char CantQuery[] = "EAS DB query failed, error:";
+
+/** NULL would convert to 0 and pass for the beginning of time. */
+uint stampOf(const DatabaseStatement &row)
+{
+    bool isNumber = false;
+    const uint stamp = row.value(0).isNull() ? 0 : row.value(0).toUInt(&isNumber);
+    return isNumber ? stamp : EasDatabase::TimestampInvalid;
+}
 
 /** The rows should hold one value. The last one wins; a second one that is not empty is worth a warning. */
 class OnlyValue
@@ -85,72 +94,70 @@ bool EasDatabase::calendarItemsChanges(EasAccountId accountId, const QList<EasCa
         && deleteCalendarItems(accountId, deletedServerIds);
 }
 
-QStringList EasDatabase::localCalendarIds(EasAccountId accountId, const QString &collectionId) const
+Lookup<QStringList> EasDatabase::localCalendarIds(EasAccountId accountId, const QString &collectionId) const
 {
     DatabaseStatement select(mDatabase,
         QStringLiteral("SELECT local_id FROM calendar WHERE account_id=%1 AND collection_id=?")
             .arg(accountId));
-    return readTexts(select.bind(collectionId), "can't execute calendar table query. Error:");
+    return DatabaseReading::texts(select.bind(collectionId), "can't execute calendar table query. Error:");
 }
 
-QMap<QString, QString> EasDatabase::serverToLocalCalendarIds(EasAccountId accountId) const
+Lookup<QMap<QString, QString>> EasDatabase::serverToLocalCalendarIds(EasAccountId accountId) const
 {
     DatabaseStatement select(mDatabase,
         QStringLiteral("SELECT server_id, local_id FROM calendar WHERE account_id=%1").arg(accountId));
-    return readMap(select, 0, CantQueryCalendar);
+    return DatabaseReading::map(select, 0, CantQueryCalendar);
 }
 
-QMap<QString, QString> EasDatabase::localToServerCalendarIds(EasAccountId accountId) const
+Lookup<QMap<QString, QString>> EasDatabase::localToServerCalendarIds(EasAccountId accountId) const
 {
     DatabaseStatement select(mDatabase,
         QStringLiteral("SELECT server_id, local_id FROM calendar WHERE account_id=%1").arg(accountId));
-    return readMap(select, 1, CantQuery);
+    return DatabaseReading::map(select, 1, CantQuery);
 }
 
-QMap<QString, QString> EasDatabase::serverCalendarIdToCollectionIds(EasAccountId accountId) const
+Lookup<QMap<QString, QString>> EasDatabase::serverCalendarIdToCollectionIds(EasAccountId accountId) const
 {
     DatabaseStatement select(mDatabase,
         QStringLiteral("SELECT server_id, collection_id FROM calendar WHERE account_id=%1").arg(accountId));
-    return readMap(select, 0, CantQueryCalendar);
+    return DatabaseReading::map(select, 0, CantQueryCalendar);
 }
 
-QString EasDatabase::serverCalendarIdToCollectionId(EasAccountId accountId, const QString &serverId) const
+Lookup<QString> EasDatabase::serverCalendarIdToCollectionId(
+    EasAccountId accountId, const QString &serverId) const
 {
     DatabaseStatement select(mDatabase,
         QStringLiteral("SELECT collection_id FROM calendar WHERE account_id=%1 AND server_id=?")
             .arg(accountId));
     OnlyValue collectionId("EAS collection id not unique for server id:", serverId);
-    const bool complete = readRows(select.bind(serverId), CantQueryCalendar, std::ref(collectionId));
-    return complete ? collectionId.value() : QString();
+    const bool complete =
+        DatabaseReading::eachRow(select.bind(serverId), CantQueryCalendar, std::ref(collectionId));
+    return complete ? Lookup<QString>(collectionId.value()) : Lookup<QString>::unread();
 }
 
-QString EasDatabase::localToServerCalendarId(EasAccountId accountId, const QString &localId) const
+Lookup<QString> EasDatabase::localToServerCalendarId(EasAccountId accountId, const QString &localId) const
 {
     DatabaseStatement select(mDatabase,
         QStringLiteral("SELECT server_id FROM calendar WHERE account_id=%1 AND local_id=?").arg(accountId));
     OnlyValue serverId("EAS server id not unique for local id:", localId);
-    const bool complete = readRows(select.bind(localId), CantQuery, std::ref(serverId));
-    return complete ? serverId.value() : QString();
+    const bool complete = DatabaseReading::eachRow(select.bind(localId), CantQuery, std::ref(serverId));
+    return complete ? Lookup<QString>(serverId.value()) : Lookup<QString>::unread();
 }
 
-uint EasDatabase::calendarItemUpdateTime(EasAccountId accountId, const QString &localId) const
+Lookup<uint> EasDatabase::calendarItemUpdateTime(EasAccountId accountId, const QString &localId) const
 {
     DatabaseStatement select(mDatabase,
         QStringLiteral("SELECT timestamp FROM calendar WHERE account_id=%1 AND local_id=?").arg(accountId));
-    bool isNumber = false;
-    uint timestamp = TimestampInvalid;
-    // NULL would convert to 0 and pass for the beginning of time.
-    if (readRow(select.bind(localId), "SQL query failed, error:") && !select.value(0).isNull())
-        timestamp = select.value(0).toUInt(&isNumber);
-    if (!isNumber) {
+    const Lookup<uint> timestamp =
+        DatabaseReading::value(select.bind(localId), CantQueryTimestamp, uint(TimestampInvalid), stampOf);
+    if (!timestamp || *timestamp == TimestampInvalid)
         qCDebug(eas()) << "No timestamp for:" << localId << ", account:" << accountId;
-        return TimestampInvalid;
-    }
-    qCDebug(eas()) << "Timestamp for:" << localId << ", account:" << accountId << "is:" << timestamp;
+    else
+        qCDebug(eas()) << "Timestamp for:" << localId << ", account:" << accountId << "is:" << *timestamp;
     return timestamp;
 }
 
-QMap<QString, uint> EasDatabase::calendarItemUpdateTimes(EasAccountId accountId) const
+Lookup<QMap<QString, uint>> EasDatabase::calendarItemUpdateTimes(EasAccountId accountId) const
 {
     DatabaseStatement select(mDatabase,
         QStringLiteral("SELECT local_id, timestamp FROM calendar WHERE account_id=%1"
@@ -158,13 +165,13 @@ QMap<QString, uint> EasDatabase::calendarItemUpdateTimes(EasAccountId accountId)
             .arg(accountId));
     QMap<QString, uint> times;
     const bool complete =
-        readRows(select, "SQL query failed, error:", [&times](const DatabaseStatement &row) {
+        DatabaseReading::eachRow(select, CantQueryTimestamp, [&times](const DatabaseStatement &row) {
             bool isNumber = false;
             const uint time = row.value(1).toUInt(&isNumber);
             if (isNumber)
                 times.insert(row.text(0), time);
         });
-    return complete ? times : QMap<QString, uint>();
+    return complete ? Lookup<QMap<QString, uint>>(times) : Lookup<QMap<QString, uint>>::unread();
 }
 
 bool EasDatabase::clearCalendarFolder(EasAccountId accountId, const QString &collectionId)

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 // Rows of contacts.
 #include "application/mapping/databasecolumns.h"
-#include "application/mapping/databasestatement.h"
+#include "application/mapping/databasereading.h"
 #include "application/mapping/easdatabase.h"
 #include "easitems/eascontactsitem.h"
 
@@ -69,7 +69,7 @@ bool EasDatabase::contactsItemsChanges(EasAccountId accountId, const QList<EasCo
         && deleteContactsItems(accountId, deletedServerIds);
 }
 
-QStringList EasDatabase::localContactIds(EasAccountId accountId, const QString &collectionId) const
+Lookup<QStringList> EasDatabase::localContactIds(EasAccountId accountId, const QString &collectionId) const
 {
     DatabaseStatement select(mDatabase,
         QStringLiteral("SELECT local_id FROM contacts WHERE account_id=%1%2")
@@ -77,10 +77,10 @@ QStringList EasDatabase::localContactIds(EasAccountId accountId, const QString &
             .arg(collectionFilter(collectionId)));
     if (!collectionId.isEmpty())
         select.bind(collectionId);
-    return readTexts(select, CantQueryContacts);
+    return DatabaseReading::texts(select, CantQueryContacts);
 }
 
-QMap<QString, QString> EasDatabase::localToServerContactIds(
+Lookup<QMap<QString, QString>> EasDatabase::localToServerContactIds(
     EasAccountId accountId, const QString &collectionId) const
 {
     DatabaseStatement select(mDatabase,
@@ -89,32 +89,33 @@ QMap<QString, QString> EasDatabase::localToServerContactIds(
             .arg(collectionFilter(collectionId)));
     if (!collectionId.isEmpty())
         select.bind(collectionId);
-    return readMap(select, 1, CantQueryContacts);
+    return DatabaseReading::map(select, 1, CantQueryContacts);
 }
 
-QMap<QString, QString> EasDatabase::serverToLocalContactIds(EasAccountId accountId) const
+Lookup<QMap<QString, QString>> EasDatabase::serverToLocalContactIds(EasAccountId accountId) const
 {
     DatabaseStatement select(mDatabase,
         QStringLiteral("SELECT server_id, local_id FROM contacts WHERE account_id=%1").arg(accountId));
-    return readMap(select, 0, CantQueryContacts);
+    return DatabaseReading::map(select, 0, CantQueryContacts);
 }
 
-QMap<QString, QUrl> EasDatabase::localContactIdsToAvatarsUrls(EasAccountId accountId) const
+Lookup<QMap<QString, QUrl>> EasDatabase::localContactIdsToAvatarsUrls(EasAccountId accountId) const
 {
     DatabaseStatement select(mDatabase,
         QStringLiteral("SELECT local_id, avatar_url FROM contacts WHERE account_id=%1").arg(accountId));
     QMap<QString, QUrl> urls;
-    const bool complete = readRows(select, CantQueryContacts,
+    const bool complete = DatabaseReading::eachRow(select, CantQueryContacts,
         [&urls](const DatabaseStatement &row) { urls.insert(row.text(0), QUrl(row.text(1))); });
-    return complete ? urls : QMap<QString, QUrl>();
+    return complete ? Lookup<QMap<QString, QUrl>>(urls) : Lookup<QMap<QString, QUrl>>::unread();
 }
 
-QString EasDatabase::folderServerIdByContactLocalId(EasAccountId accountId, const QString &serverId) const
+Lookup<QString> EasDatabase::folderServerIdByContactLocalId(
+    EasAccountId accountId, const QString &serverId) const
 {
     DatabaseStatement select(mDatabase,
         QStringLiteral("SELECT collection_id FROM contacts WHERE account_id=%1 AND server_id=?")
             .arg(accountId));
-    return readRow(select.bind(serverId), CantQueryContacts) ? select.text(0) : QString();
+    return DatabaseReading::text(select.bind(serverId), CantQueryContacts);
 }
 
 bool EasDatabase::clearContactsFolder(EasAccountId accountId, const QString &collectionId)

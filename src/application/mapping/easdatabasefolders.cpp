@@ -2,7 +2,7 @@
 // Rows of folders: the collections of an account.
 #include "application/base/logging.h"
 #include "application/mapping/databasecolumns.h"
-#include "application/mapping/databasestatement.h"
+#include "application/mapping/databasereading.h"
 #include "application/mapping/easdatabase.h"
 #include "protocol/wbxml/wbxmltokens.h"
 
@@ -31,143 +31,150 @@ const FolderField FolderFields[] = {
     { Wbxml::AirSync::SyncKey, "synckey", &EasFolderItem::syncKey },
 };
 
-EasFolderItem::FolderType folderType(const QVariant &value)
+struct FolderColumn
 {
-    return EasFolderItem::FolderType(value.toInt());
+    const char *name;
+    void (*read)(EasFolderItem &folder, const QVariant &value);
+};
+
+const FolderColumn FolderColumns[] = {
+    { "server_id",
+        [](EasFolderItem &folder, const QVariant &value) {
+            folder.setServerId(value.toString());
+        } },
+    { "server_parent_id",
+        [](EasFolderItem &folder, const QVariant &value) {
+            folder.setServerParentId(value.toString());
+        } },
+    { "local_id",
+        [](EasFolderItem &folder, const QVariant &value) {
+            folder.setLocalId(value.toString());
+        } },
+    { "local_parent_id",
+        [](EasFolderItem &folder, const QVariant &value) {
+            folder.setLocalParentId(value.toString());
+        } },
+    { "synckey",
+        [](EasFolderItem &folder, const QVariant &value) {
+            folder.setSyncKey(value.toString());
+        } },
+    { "type",
+        [](EasFolderItem &folder, const QVariant &value) {
+            folder.setType(EasFolderItem::FolderType(value.toInt()));
+        } },
+    { "display_name",
+        [](EasFolderItem &folder, const QVariant &value) {
+            folder.setDisplayName(value.toString());
+        } },
+    { "saved_in_storage",
+        [](EasFolderItem &folder, const QVariant &value) {
+            folder.setSavedInStorage(value.toBool());
+        } },
+};
+
+/** The folder of a row, as far as the statement asks for its columns. */
+EasFolderItem folderOf(const DatabaseStatement &row)
+{
+    EasFolderItem folder;
+    for (const FolderColumn &column : FolderColumns) {
+        const std::optional<QVariant> value = row.value(column.name);
+        if (value)
+            column.read(folder, *value);
+    }
+    return folder;
 }
 
 } // namespace
 
-EasFolderItem EasDatabase::folderItemByLocalId(EasAccountId accountId, const QString &localId) const
+Lookup<EasFolderItem> EasDatabase::folderItemByLocalId(EasAccountId accountId, const QString &localId) const
 {
     DatabaseStatement select(mDatabase,
         QStringLiteral("SELECT server_id, synckey, type, display_name, saved_in_storage FROM collections "
                        "WHERE account_id=%1 AND local_id=?")
             .arg(accountId));
     EasFolderItem item;
-    if (readRow(select.bind(localId), CantQueryCollections)) {
-        item.setServerId(select.text(0));
-        item.setSyncKey(select.text(1));
-        item.setType(folderType(select.value(2)));
-        item.setDisplayName(select.text(3));
-        item.setSavedInStorage(select.value(4).toBool());
-    }
     item.setLocalId(localId);
-    return item;
+    return DatabaseReading::value(
+        select.bind(localId), CantQueryCollections, item, [&localId](const DatabaseStatement &row) {
+            EasFolderItem found = folderOf(row);
+            found.setLocalId(localId);
+            return found;
+        });
 }
 
-EasFolderItem EasDatabase::folderItemByServerId(EasAccountId accountId, const QString &serverId) const
+Lookup<EasFolderItem> EasDatabase::folderItemByServerId(EasAccountId accountId, const QString &serverId) const
 {
     DatabaseStatement select(mDatabase,
         QStringLiteral("SELECT local_id, synckey, type, display_name, saved_in_storage FROM collections "
                        "WHERE account_id=%1 AND server_id=?")
             .arg(accountId));
-    EasFolderItem item;
-    if (readRow(select.bind(serverId), CantQueryCollections)) {
-        item.setServerId(serverId);
-        item.setLocalId(select.text(0));
-        item.setSyncKey(select.text(1));
-        item.setType(folderType(select.value(2)));
-        item.setDisplayName(select.text(3));
-        item.setSavedInStorage(select.value(4).toBool());
-    }
-    return item;
+    return DatabaseReading::value(select.bind(serverId), CantQueryCollections, EasFolderItem(),
+        [&serverId](const DatabaseStatement &row) {
+            EasFolderItem found = folderOf(row);
+            found.setServerId(serverId);
+            return found;
+        });
 }
 
-QList<EasFolderItem> EasDatabase::emailFolderItems(EasAccountId accountId) const
+Lookup<QList<EasFolderItem>> EasDatabase::emailFolderItems(EasAccountId accountId) const
 {
     DatabaseStatement select(mDatabase,
         QStringLiteral("SELECT local_id, type, server_id, synckey, display_name, saved_in_storage "
                        "FROM collections WHERE account_id=%1 AND type IN (1, 2, 3, 4, 5, 6, 12, 1)")
             .arg(accountId));
-    QList<EasFolderItem> items;
-    const bool complete = readRows(select, CantQueryCollections, [&items](const DatabaseStatement &row) {
-        EasFolderItem item;
-        item.setLocalId(row.text(0));
-        item.setType(folderType(row.value(1)));
-        item.setServerId(row.text(2));
-        item.setSyncKey(row.text(3));
-        item.setDisplayName(row.text(4));
-        item.setSavedInStorage(row.value(5).toBool());
-        items.append(item);
-    });
-    return complete ? items : QList<EasFolderItem>();
+    return DatabaseReading::items(select, CantQueryCollections, folderOf);
 }
 
-QList<EasFolderItem> EasDatabase::calendarFolderItems(EasAccountId accountId) const
+Lookup<QList<EasFolderItem>> EasDatabase::calendarFolderItems(EasAccountId accountId) const
 {
     DatabaseStatement select(mDatabase,
         QStringLiteral("SELECT server_id, server_parent_id, synckey, local_id, local_parent_id, "
                        "display_name, saved_in_storage, type FROM collections "
                        "WHERE account_id=%1 AND type IN (8, 13)")
             .arg(accountId));
-    QList<EasFolderItem> items;
-    const bool complete = readRows(select, "SQL request failed:", [&items](const DatabaseStatement &row) {
-        EasFolderItem item;
-        item.setServerId(row.text(0));
-        item.setServerParentId(row.text(1));
-        item.setSyncKey(row.text(2));
-        item.setLocalId(row.text(3));
-        item.setLocalParentId(row.text(4));
-        item.setDisplayName(row.text(5));
-        item.setSavedInStorage(row.value(6).toBool());
-        item.setType(folderType(row.value(7)));
-        items.append(item);
-    });
-    return complete ? items : QList<EasFolderItem>();
+    return DatabaseReading::items(select, "SQL request failed:", folderOf);
 }
 
-QList<EasFolderItem> EasDatabase::folderItemsByFolderType(
+Lookup<QList<EasFolderItem>> EasDatabase::folderItemsByFolderType(
     EasAccountId accountId, EasFolderItem::FolderType type) const
 {
     DatabaseStatement select(mDatabase,
-        QStringLiteral("SELECT local_id, server_id, synckey, display_name, saved_in_storage "
+        QStringLiteral("SELECT local_id, server_id, synckey, display_name, saved_in_storage, type "
                        "FROM collections WHERE account_id=%1 AND type=%2")
             .arg(accountId)
             .arg(int(type)));
-    QList<EasFolderItem> items;
-    const bool complete =
-        readRows(select, CantQueryCollections, [&items, type](const DatabaseStatement &row) {
-            EasFolderItem item;
-            item.setLocalId(row.text(0));
-            item.setServerId(row.text(1));
-            item.setSyncKey(row.text(2));
-            item.setDisplayName(row.text(3));
-            item.setSavedInStorage(row.value(4).toBool());
-            item.setType(type);
-            items.append(item);
-        });
-    return complete ? items : QList<EasFolderItem>();
+    return DatabaseReading::items(select, CantQueryCollections, folderOf);
 }
 
-EasFolderItem::FolderType EasDatabase::folderTypeByServerId(EasAccountId accountId, const QString &serverId)
+Lookup<EasFolderItem::FolderType> EasDatabase::folderTypeByServerId(
+    EasAccountId accountId, const QString &serverId)
 {
     DatabaseStatement select(mDatabase,
         QStringLiteral("SELECT type FROM collections WHERE account_id=%1 AND server_id=?").arg(accountId));
-    return readRow(select.bind(serverId), CantQueryCollections) ? folderType(select.value(0))
-                                                                : EasFolderItem::UnknownFolder;
+    return DatabaseReading::value(select.bind(serverId), CantQueryCollections, EasFolderItem::UnknownFolder,
+        [](const DatabaseStatement &row) { return folderOf(row).type(); });
 }
 
-QMap<QString, QString> EasDatabase::serverToLocalFolderIds(EasAccountId accountId) const
+Lookup<QMap<QString, QString>> EasDatabase::serverToLocalFolderIds(EasAccountId accountId) const
 {
     DatabaseStatement select(mDatabase,
         QStringLiteral("SELECT server_id, local_id FROM collections WHERE account_id=%1").arg(accountId));
-    return readMap(select, 0, CantQueryCollections);
+    return DatabaseReading::map(select, 0, CantQueryCollections);
 }
 
-QMap<QString, QString> EasDatabase::localToServerFolderIds(EasAccountId accountId) const
+Lookup<QMap<QString, QString>> EasDatabase::localToServerFolderIds(EasAccountId accountId) const
 {
     DatabaseStatement select(mDatabase,
         QStringLiteral("SELECT server_id, local_id FROM collections WHERE account_id=%1").arg(accountId));
-    return readMap(select, 1, CantQueryCollections);
+    return DatabaseReading::map(select, 1, CantQueryCollections);
 }
 
-QMap<QString, QString> EasDatabase::serverFolderParentIds(EasAccountId accountId) const
+Lookup<QMap<QString, QString>> EasDatabase::serverFolderParentIds(EasAccountId accountId) const
 {
     DatabaseStatement select(mDatabase,
         QStringLiteral("SELECT server_id, server_parent_id FROM collections WHERE account_id=%1")
             .arg(accountId));
-    return readMap(select, 0, CantQueryCollections);
+    return DatabaseReading::map(select, 0, CantQueryCollections);
 }
 
 bool EasDatabase::addFolderItems(EasAccountId accountId, const QList<EasFolderItem> &items)

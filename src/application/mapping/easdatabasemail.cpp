@@ -2,7 +2,7 @@
 // Rows of messages.
 #include "application/base/logging.h"
 #include "application/mapping/databasecolumns.h"
-#include "application/mapping/databasestatement.h"
+#include "application/mapping/databasereading.h"
 #include "application/mapping/easdatabase.h"
 #include "easitems/easemailitem.h"
 #include "protocol/wbxml/wbxmltokens.h"
@@ -103,28 +103,28 @@ bool EasDatabase::emailItemsChanges(EasAccountId accountId, const QList<EasEmail
         && deleteEmailItems(accountId, deletedServerIds);
 }
 
-QStringList EasDatabase::localEmailIds(EasAccountId accountId, const QString &collectionId) const
+Lookup<QStringList> EasDatabase::localEmailIds(EasAccountId accountId, const QString &collectionId) const
 {
     DatabaseStatement select(mDatabase,
         QStringLiteral("SELECT local_id FROM emails WHERE account_id=%1 AND collection_id=?").arg(accountId));
-    return readTexts(select.bind(collectionId), CantQueryEmails);
+    return DatabaseReading::texts(select.bind(collectionId), CantQueryEmails);
 }
 
-QMap<QString, QString> EasDatabase::serverToLocalEmailIds(EasAccountId accountId) const
+Lookup<QMap<QString, QString>> EasDatabase::serverToLocalEmailIds(EasAccountId accountId) const
 {
     DatabaseStatement select(mDatabase,
         QStringLiteral("SELECT server_id, local_id FROM emails WHERE account_id=%1").arg(accountId));
-    return readMap(select, 0, CantQueryEmails);
+    return DatabaseReading::map(select, 0, CantQueryEmails);
 }
 
-QMap<QString, QString> EasDatabase::localToServerEmailIds(EasAccountId accountId) const
+Lookup<QMap<QString, QString>> EasDatabase::localToServerEmailIds(EasAccountId accountId) const
 {
     DatabaseStatement select(mDatabase,
         QStringLiteral("SELECT server_id, local_id FROM emails WHERE account_id=%1").arg(accountId));
-    return readMap(select, 1, CantQueryEmails);
+    return DatabaseReading::map(select, 1, CantQueryEmails);
 }
 
-QMap<QString, QString> EasDatabase::emailCollectionIds(
+Lookup<QMap<QString, QString>> EasDatabase::emailCollectionIds(
     EasAccountId accountId, const QStringList &serverIds) const
 {
     // The table has no index, so that each statement walks all rows: as few as possible.
@@ -138,23 +138,25 @@ QMap<QString, QString> EasDatabase::emailCollectionIds(
                 .arg(QString::number(accountId), places.chopped(1)));
         for (const QString &name : names)
             select.bind(name);
-        const bool complete = readRows(select, CantQueryEmails,
+        const bool complete = DatabaseReading::eachRow(select, CantQueryEmails,
             [&](const DatabaseStatement &row) { collections.insert(row.text(0), row.text(1)); });
         if (!complete)
-            return {};
+            return Lookup<QMap<QString, QString>>::unread();
     }
     return collections;
 }
 
-QString EasDatabase::folderServerIdByEmailServerId(EasAccountId accountId, const QString &serverId) const
+Lookup<QString> EasDatabase::folderServerIdByEmailServerId(
+    EasAccountId accountId, const QString &serverId) const
 {
     DatabaseStatement select(mDatabase,
         QStringLiteral("SELECT collection_id FROM emails WHERE account_id=%1 AND server_id=?")
             .arg(accountId));
-    return readRow(select.bind(serverId), CantQueryEmails) ? select.text(0) : QString();
+    return DatabaseReading::text(select.bind(serverId), CantQueryEmails);
 }
 
-QString EasDatabase::collectionServerIdFromEmailItemId(EasAccountId accountId, const QString &serverId)
+Lookup<QString> EasDatabase::collectionServerIdFromEmailItemId(
+    EasAccountId accountId, const QString &serverId)
 {
     return folderServerIdByEmailServerId(accountId, serverId);
 }

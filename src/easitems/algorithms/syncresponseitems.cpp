@@ -68,16 +68,22 @@ bool SyncResponseParser::setAppDataType(uint page)
     } else if (page == Calendar::Subject.page) {
         mAppDataType = ItemsCommon::Calendar;
     } else if (page == AirSyncBase::Body.page || page == ComposeMail::Status.page) {
-        EasDatabase *const database = mTypeLookedUp ? nullptr : EasDatabase::instance();
-        if (database) {
-            mAppDataType = ItemsCommon::ItemDataType(database->getAppDataType(itemServerId()));
-            mLookupFailed = mLookupFailed || database->lookupFailed();
-        }
-        mTypeLookedUp = true;
+        if (!mTypeLookedUp)
+            lookUpType();
     } else {
         return false;
     }
     return true;
+}
+
+void SyncResponseParser::lookUpType()
+{
+    mTypeLookedUp = true;
+    const Lookup<EasDatabase::AppDataType> type = EasDatabase::instance()->getAppDataType(itemServerId());
+    if (type)
+        mAppDataType = ItemsCommon::ItemDataType(*type);
+    else
+        mTypeUnread = true;
 }
 
 AppDataParserBase *SyncResponseParser::appDataParser()

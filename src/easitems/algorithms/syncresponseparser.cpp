@@ -17,7 +17,7 @@ SyncResponseParser::SyncResponseParser(QObject *parent)
 bool SyncResponseParser::ready() const
 {
     // An item whose class could not be looked up has been passed over, and must not count as read.
-    return WbxmlParserBase::ready() && mParsePhase == Done && !mLookupFailed;
+    return WbxmlParserBase::ready() && mParsePhase == Done && !mTypeUnread;
 }
 
 void SyncResponseParser::parse(const QByteArray &data)
@@ -25,7 +25,7 @@ void SyncResponseParser::parse(const QByteArray &data)
     mStatus = 0;
     mLimit = 0;
     mCollections.clear();
-    mLookupFailed = false;
+    mTypeUnread = false;
     mParsePhase = data.isEmpty() ? Done : BeforeRoot;
     WbxmlParserBase::parse(data);
 }

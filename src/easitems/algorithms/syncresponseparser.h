@@ -61,6 +61,7 @@ private:
     void parseAppData(uint page, uint token, const QString &text, const QByteArray &raw);
     void parseBodyFields(uint page, uint token, const QString &text);
     bool setAppDataType(uint page);
+    void lookUpType();
     AppDataParserBase *appDataParser();
     QString itemServerId() const;
     void appendCurrentCmdToContainer();
@@ -73,7 +74,8 @@ private:
     CommandKind mCommandKind = NoKind;
     ItemsCommon::ItemDataType mAppDataType = ItemsCommon::None;
     bool mTypeLookedUp = false;
-    bool mLookupFailed = false;
+    /** The class of an item could not be looked up, so that its data was left out. */
+    bool mTypeUnread = false;
     uint mStatus = 0;
     int mLimit = 0;
     bool mInAppData = false;

@@ -184,11 +184,13 @@ void CalendarAttachmentService::handleRemoteAttachments(
         const Attachment attachment = toAttachment(*event, entity);
         event->addAttachment(attachment);
         own.handOver(entity, attachment);
-        if (database->isCalendarAttachmentExists(key, entity.contentId())) {
+        // Each leaves the rows alone that the other is for; a row that cannot be looked up gets both.
+        const Lookup<Existence> row = database->isCalendarAttachmentExists(key, entity.contentId());
+        if (!row || *row == Existence::Missing)
+            database->addCalendarAttachment(key, entity);
+        if (!row || *row == Existence::Present) {
             qCDebug(eas()) << "Updating old attachment with file reference" << entity.fileReference();
             database->updateCalendarAttachmentFileRefernce(key, entity);
-        } else {
-            database->addCalendarAttachment(key, entity);
         }
     }
     // What the server has not told yet is still on its way there.
@@ -212,10 +214,13 @@ bool CalendarAttachmentService::completeRows(
             present.append(referenceOf(attachment));
     }
     for (const EasAttachmentContainer &container : received) {
-        if (!present.contains(container.fileReference())
-            || database->isCalendarAttachmentExists(key, container.fileReference()))
+        if (!present.contains(container.fileReference()))
             continue;
-        if (!database->addCalendarAttachment(key, identified(AttachmentEntity(container))))
+        const Lookup<Existence> row = database->isCalendarAttachmentExists(key, container.fileReference());
+        if (!row)
+            return false;
+        if (*row == Existence::Missing
+            && !database->addCalendarAttachment(key, identified(AttachmentEntity(container))))
             return false;
     }
     return true;
@@ -244,8 +249,10 @@ std::optional<QList<EasAttachmentContainer>> CalendarAttachmentService::handleLo
             if (!container.fileReference().isEmpty()) {
                 const auto row =
                     EasDatabase::instance()->getAttachmentByFileReference(key, container.fileReference());
-                if (row)
-                    container.setContentId(row->contentId());
+                if (!row)
+                    return std::nullopt;
+                if (*row)
+                    container.setContentId((*row)->contentId());
             } else if (isFile(attachment)) {
                 container.setContentId(contentHash(container.contentLocation(), event->uid()));
                 container.setClientId(container.contentId());
@@ -281,7 +288,8 @@ void CalendarAttachmentService::processLocallyAddedAttachments(
                 << QStringLiteral("Failed to process one calendar attachment, for event with ID: %1 cause "
                                   "it's contentID is empty!")
                        .arg(eventKey);
-        } else if (database->isCalendarAttachmentExists(eventKey, contentId)) {
+        } else if (database->isCalendarAttachmentExists(eventKey, contentId).valueOr(Existence::Missing)
+            == Existence::Present) {
             qCDebug(eas()) << "Attachment for event:" << eventKey << "and attachemnt, content ID" << contentId
                            << "already exists. Skipping it.";
         } else {
@@ -302,8 +310,7 @@ QList<EasAttachmentContainer> CalendarAttachmentService::processLocallyDeletedAt
     for (const EasAttachmentContainer &attachment : attachments)
         references.append(attachment.fileReference());
     QList<EasAttachmentContainer> deleted;
-    const QList<EasAttachmentContainer> rows =
-        database->getCalendarAttachments(eventKey).value_or(QList<EasAttachmentContainer>());
+    const QList<EasAttachmentContainer> rows = database->getCalendarAttachments(eventKey).valueOr({});
     for (const EasAttachmentContainer &row : rows) {
         if (row.fileReference().isEmpty()) {
             qCDebug(eas()) << "Failed find if attachment should be deleted, cause fileReference is empty for "
@@ -391,8 +398,7 @@ void CalendarAttachmentService::forgetEvent(const Event &event)
 {
     EasDatabase *database = EasDatabase::instance();
     const QString key = eventKey(event);
-    const QList<EasAttachmentContainer> rows =
-        database->getCalendarAttachments(key).value_or(QList<EasAttachmentContainer>());
+    const QList<EasAttachmentContainer> rows = database->getCalendarAttachments(key).valueOr({});
     for (const EasAttachmentContainer &row : rows)
         database->deleteCalendarAttachmentByContentId(key, row.contentId());
     const Attachment::List attachments = event.attachments();

@@ -50,8 +50,7 @@ void CalendarAttachmentUploads::takeBack(const QString &eventKey)
     EasDatabase *database = EasDatabase::instance();
     mSent.remove(eventKey);
     const QSet<QString> taken = mTaken.value(eventKey);
-    const QList<EasAttachmentContainer> rows =
-        database->getCalendarAttachments(eventKey).value_or(QList<EasAttachmentContainer>());
+    const QList<EasAttachmentContainer> rows = database->getCalendarAttachments(eventKey).valueOr({});
     for (const EasAttachmentContainer &row : rows) {
         // Also what was sent before a restart: without a reference nothing says that it has arrived.
         if (row.fileReference().isEmpty() && !taken.contains(row.contentId()))

@@ -93,10 +93,11 @@ bool CalendarItemBatch::enterFolder(const QString &collectionId)
 {
     if (mFolders.contains(collectionId))
         return true;
-    EasDatabase *database = EasDatabase::instance();
-    const QString folder = database->serverToLocalFolderIds(mContext.accountId()).value(collectionId);
-    if (database->lookupFailed())
+    const Lookup<QMap<QString, QString>> folders =
+        EasDatabase::instance()->serverToLocalFolderIds(mContext.accountId());
+    if (!folders)
         return false;
+    const QString folder = folders->value(collectionId);
     // The store would leave its events out, and say that all is well.
     if (folder.isEmpty() || !mContext.storage->notebook(folder)) {
         qCCritical(eas()) << "No notebook for collection" << collectionId;

@@ -121,10 +121,14 @@ QStringList CalendarLocalChanges::handleLocalUpdates()
         return {};
     }
     const EasDatabase *database = EasDatabase::instance();
-    const QList<EasFolderItem> folders =
-        database->folderItemsByFolderType(mContext.accountId(), EasFolderItem::DefaultCalendarFolder)
-        + database->folderItemsByFolderType(mContext.accountId(), EasFolderItem::UserCreatedCalendarFolder);
+    const auto own =
+        database->folderItemsByFolderType(mContext.accountId(), EasFolderItem::DefaultCalendarFolder);
+    const auto others =
+        database->folderItemsByFolderType(mContext.accountId(), EasFolderItem::UserCreatedCalendarFolder);
+    if (!own || !others)
+        return {};
     QStringList changed;
+    const QList<EasFolderItem> folders = *own + *others;
     for (const EasFolderItem &folder : folders) {
         qint64 time = 0;
         if (folder.localId().isEmpty()) {

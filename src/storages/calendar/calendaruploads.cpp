@@ -78,8 +78,11 @@ bool CalendarLocalChanges::touchItems(
         qCCritical(eas()) << "No storage";
         return false;
     }
-    const QString notebookUid =
-        EasDatabase::instance()->serverToLocalFolderIds(mContext.accountId()).value(serverFolderId);
+    const Lookup<QMap<QString, QString>> notebooks =
+        EasDatabase::instance()->serverToLocalFolderIds(mContext.accountId());
+    if (!notebooks)
+        return false;
+    const QString notebookUid = notebooks->value(serverFolderId);
     if (notebookUid.isEmpty()) {
         qCWarning(eas()) << "No notebook ID:" << serverFolderId;
         return false;

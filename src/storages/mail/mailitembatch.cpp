@@ -122,6 +122,7 @@ bool MailItemBatch::isMapped(const QString &serverUid) const
 {
     return !EasDatabase::instance()
                 ->collectionServerIdFromEmailItemId(mContext.accountId(), serverUid)
+                .valueOr({})
                 .isEmpty();
 }
 
