@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include "application/base/network.h"
 #include "common/easaccountid.h"
 
 #include <QMap>
@@ -24,7 +25,7 @@ class QNetworkRequest;
  * reply in flight dies with its access manager, without finished(), when the account's session goes down.
  * Owned by the RequestManager, main thread only.
  */
-class NetworkManager : public QObject
+class NetworkManager : public QObject, public Network
 {
     Q_OBJECT
 
@@ -32,16 +33,13 @@ public:
     explicit NetworkManager(QObject *parent);
     ~NetworkManager() override;
 
-    /** Null while the device is offline. The caller owns the reply and has to give it its account with
-     * ProtocolUtils::setAccountId(), which the answers to challenges need. */
-    virtual QNetworkReply *post(
-        EasAccountId accountId, const QNetworkRequest &request, const QByteArray &data);
-    /** As post(), with any verb; the body, which may be null, has to outlive the reply. */
-    virtual QNetworkReply *sendCustomRequest(
-        EasAccountId accountId, const QNetworkRequest &request, const QByteArray &verb, QBuffer *body);
-    /** Never null; its state tells whether requests can run. Do not keep the pointer. */
-    virtual QNetworkSession *networkSession(EasAccountId accountId);
-    virtual bool isOnline() const;
+    QNetworkReply *post(
+        EasAccountId accountId, const QNetworkRequest &request, const QByteArray &data) override;
+    QNetworkReply *sendCustomRequest(EasAccountId accountId, const QNetworkRequest &request,
+        const QByteArray &verb, QBuffer *body) override;
+    /** Never null. */
+    QNetworkSession *networkSession(EasAccountId accountId) override;
+    bool isOnline() const override;
 
 Q_SIGNALS:
     void networkStateChanged(EasAccountId accountId, bool enabled);

@@ -2,6 +2,7 @@
 #include "application/requestmanager.h"
 
 #include "application/account/easaccount.h"
+#include "application/accountqueue.h"
 #include "application/base/clock.h"
 #include "application/base/logging.h"
 #include "application/networkmanager.h"
@@ -16,8 +17,6 @@
 #include <QCoreApplication>
 #include <QPointer>
 #include <QTimer>
-
-#include <algorithm>
 
 namespace {
 
@@ -156,68 +155,16 @@ void RequestManager::processNewRequest(Request *request)
     }
     const EasAccountId accountId = request->accountId();
     addRequestInQueue(request);
-    cancelHungHead(accountId);
+    if (AccountQueue *const queue = mRequestQueues.value(accountId))
+        queue->cancelHungHead();
 }
 
 void RequestManager::addRequestInQueue(Request *request)
 {
-    const EasAccountId accountId = request->accountId();
-    const bool busy = mRequestQueues.contains(accountId);
-    mRequestQueues[accountId].append(request);
-    if (busy) {
-        qCWarning(eas()) << "Account" << accountId << "is busy, request" << request->id() << "added to queue";
-        return;
-    }
-    startHead(accountId);
-}
-
-void RequestManager::startHead(EasAccountId accountId)
-{
-    // A request may end while it starts, on a blocked account every one does. The loop that started it then
-    // goes on with the next, so that a long queue does not nest.
-    if (mStartingHeads.contains(accountId))
-        return;
-    mStartingHeads.insert(accountId);
-    const QPointer<RequestManager> alive(this);
-    const Request *startedHead = nullptr;
-    while (Request *const head = mRequestQueues.value(accountId).value(0)) {
-        if (head == startedHead || waitsForCredentials(accountId))
-            break;
-        startedHead = head;
-        head->start();
-        if (!alive)
-            return;
-    }
-    mStartingHeads.remove(accountId);
-}
-
-bool RequestManager::waitsForCredentials(EasAccountId accountId)
-{
-    // The server would refuse a request without a password, and that blocks the account.
-    const EasAccount *const owner = account(accountId);
-    if (!owner || owner->isReady())
-        return false;
-    mWaitingForCredentials.insert(accountId);
-    connect(
-        owner, &EasAccount::readyChanged, this, &RequestManager::onAccountReadyChanged, Qt::UniqueConnection);
-    return true;
-}
-
-void RequestManager::onAccountReadyChanged()
-{
-    const auto *const owner = qobject_cast<EasAccount *>(sender());
-    if (owner && owner->isReady() && mWaitingForCredentials.remove(owner->id()))
-        startHead(owner->id());
-}
-
-void RequestManager::cancelHungHead(EasAccountId accountId)
-{
-    Request *const head = mRequestQueues.value(accountId).value(0);
-    if (!head || !head->isExpired())
-        return;
-    qCWarning(eas()) << "The first request in a queue" << head->id()
-                     << "is still active. Trying to force request cancellation";
-    head->cancel();
+    AccountQueue *&queue = mRequestQueues[request->accountId()];
+    if (!queue)
+        queue = new AccountQueue(request->accountId(), this);
+    queue->enter(request);
 }
 
 void RequestManager::onRequestCompleted(EasAccountId accountId, qulonglong requestId)
@@ -248,43 +195,40 @@ void RequestManager::onRequestDownloadProgress(
 
 bool RequestManager::endRequest(Request *request, EasAccountId accountId)
 {
-    const auto queue = mRequestQueues.find(accountId);
-    if (queue == mRequestQueues.end()) {
+    AccountQueue *const queue = mRequestQueues.value(accountId);
+    if (!queue) {
         qCWarning(eas()) << "Request queue does not exist for account" << accountId;
         return false;
     }
-    if (!queue->contains(request)) {
-        qCCritical(eas()) << "Queue not contains request:" << request->id();
+    const bool wasHead = queue->head() == request;
+    if (!queue->remove(request))
         return false;
-    }
-    if (queue->first() != request)
-        qCInfo(eas()) << "The first request in a queue" << queue->first()->id()
-                      << "does not match completed requests" << request->id();
-    queue->removeAll(request);
     // Whatever it still says until it is deleted, its end has been reported.
     request->disconnect(this);
     request->deleteLater();
-    if (queue->isEmpty())
-        mRequestQueues.erase(queue);
-    else
-        startHead(accountId);
+    if (queue->isEmpty()) {
+        mRequestQueues.remove(accountId);
+        // It may be starting a head further up the stack.
+        queue->deleteLater();
+    } else if (wasHead) {
+        queue->startHead();
+    }
     return true;
 }
 
 void RequestManager::onCancelRequest(EasAccountId accountId, qulonglong requestId)
 {
     dropPendingRequests(accountId, [requestId](const Request &request) { return request.id() == requestId; });
-    if (!mRequestQueues.contains(accountId)) {
+    const AccountQueue *const queue = mRequestQueues.value(accountId);
+    if (!queue) {
         qCWarning(eas()) << "Request queue does not exist for account" << accountId;
         return;
     }
-    const QList<Request *> queue = mRequestQueues.value(accountId);
-    const auto request = std::find_if(queue.cbegin(), queue.cend(),
-        [requestId](const Request *queued) { return queued->id() == requestId; });
-    if (request == queue.cend())
+    Request *const request = queue->find(requestId);
+    if (!request)
         return;
     qCInfo(eas()) << "Cancel request" << requestId << "for account:" << accountId;
-    (*request)->cancel();
+    request->cancel();
 }
 
 void RequestManager::dropPendingRequests(
@@ -319,11 +263,10 @@ void RequestManager::onAccountUpdated(EasAccountId accountId)
 void RequestManager::onAccountDeleted(EasAccountId accountId)
 {
     dropPendingRequests(accountId, [](const Request &) { return true; });
-    const QList<Request *> queue = mRequestQueues.value(accountId);
-    if (queue.isEmpty())
+    if (AccountQueue *const queue = mRequestQueues.value(accountId))
+        queue->cancelAll();
+    else
         qCInfo(eas()) << "Request queue does not exist for account" << accountId;
-    // From the tail, so that none of them starts.
-    std::for_each(queue.crbegin(), queue.crend(), [](Request *request) { request->cancel(); });
     checkAccountsCount();
     Q_EMIT accountDeleted(accountId);
 }

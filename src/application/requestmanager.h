@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include "application/base/engine.h"
+#include "application/networkmanager.h"
 #include "common/easaccountid.h"
 #include "common/failedpolicymap.h"
 #include "common/galitem.h"
@@ -11,17 +13,16 @@
 #include <QMap>
 #include <QObject>
 #include <QPointer>
-#include <QSet>
 #include <QStringList>
 
 #include <functional>
 #include <memory>
 
+class AccountQueue;
 class AccountStorage;
 class DBusInterfaceThread;
 class EasAccount;
 class FolderSyncRequest;
-class NetworkManager;
 class QNetworkSession;
 class Request;
 class SyncRequest;
@@ -38,9 +39,10 @@ class SyncRequest;
  * networkManager() and init() are virtual for it, and the protected constructor builds a manager without a
  * service thread.
  */
-class RequestManager : public QObject
+class RequestManager : public QObject, public Engine
 {
     Q_OBJECT
+    Q_INTERFACES(Engine)
 
 public:
     explicit RequestManager(QObject *parent);
@@ -54,10 +56,9 @@ public:
     static void initializeInstance(RequestManager *manager);
     static void releaseInstance();
 
-    virtual NetworkManager *networkManager();
+    NetworkManager *networkManager() override;
     virtual QList<EasAccountId> accounts() const;
-    /** Null for an unknown identifier. */
-    virtual EasAccount *account(EasAccountId accountId) const;
+    EasAccount *account(EasAccountId accountId) const override;
     virtual void init();
     virtual bool isReady() const;
     QNetworkSession *networkSession(EasAccountId accountId);
@@ -149,7 +150,6 @@ private Q_SLOTS:
     void onRequestDownloadProgress(
         EasAccountId accountId, qulonglong requestId, qlonglong bytesReceived, qlonglong bytesTotal);
     void onCheckAccountsCount();
-    void onAccountReadyChanged();
 
 private:
     /** Which signal tells a client about the end of a request that is not built. */
@@ -165,10 +165,6 @@ private:
     void checkAccountsCount();
     void quitApplication();
     void addRequestInQueue(Request *request);
-    void startHead(EasAccountId accountId);
-    /** Whether the account's password is on its way; its head starts when that has come. */
-    bool waitsForCredentials(EasAccountId accountId);
-    void cancelHungHead(EasAccountId accountId);
     bool endRequest(Request *request, EasAccountId accountId);
     void dropPendingRequests(EasAccountId accountId, const std::function<bool(const Request &)> &matches);
     /** The one place for calls whose request does not exist yet. */
@@ -181,9 +177,5 @@ private:
     std::unique_ptr<DBusInterfaceThread> mDBusThread;
     QPointer<NetworkManager> mNetworkManager;
     QList<Request *> mPendingRequests;
-    QMap<EasAccountId, QList<Request *>> mRequestQueues;
-    /** Accounts whose head is being started further up the stack. */
-    QSet<EasAccountId> mStartingHeads;
-    /** Accounts whose head starts with their credentials. */
-    QSet<EasAccountId> mWaitingForCredentials;
+    QMap<EasAccountId, AccountQueue *> mRequestQueues;
 };

@@ -3,15 +3,15 @@
 
 #include "application/account/easaccount.h"
 #include "application/base/clock.h"
+#include "application/base/engine.h"
 #include "application/base/logging.h"
-#include "application/networkmanager.h"
-#include "application/requestmanager.h"
 #include "protocol/base/protocolutils.h"
+#include "protocol/baseprotocolcommand.h"
+#include "requests/networkgate.h"
 #include "requests/provisionrequest.h"
 #include "requests/versionnegotiator.h"
 
 #include <QNetworkReply>
-#include <QNetworkSession>
 
 namespace {
 
@@ -32,45 +32,25 @@ Request::Request(EasAccountId accountId, qulonglong requestId, QObject *parent)
     mResendTimer.setSingleShot(true);
     mResendTimer.setInterval(Clock::instance().timerInterval(ProtocolUtils::CommandsRetryTimeout));
     connect(&mResendTimer, &QTimer::timeout, this, &Request::onResendTimer);
-    // However a subclass ends, the end is noted here.
-    connect(this, &Request::requestCompleted, this, [this] { mEnded = true; });
+    mDemandTimer.setSingleShot(true);
+    connect(&mDemandTimer, &QTimer::timeout, this, &Request::meetDemand);
 }
 
 Request::~Request() = default;
 
-EasAccountId Request::accountId() const
-{
-    return mAccountId;
-}
-
-qulonglong Request::id() const
-{
-    return mId;
-}
-
 EasAccount *Request::account() const
 {
-    return RequestManager::instance()->account(mAccountId);
-}
-
-int Request::status() const
-{
-    return mOutcome.status();
-}
-
-void Request::setStatus(int status)
-{
-    mOutcome.setStatus(status);
+    return Engine::accountOf(this, mAccountId);
 }
 
 bool Request::isExpired() const
 {
-    return mStarted && now() - mStartTime >= ExpiredAfterMilliseconds;
+    return isUnderWay() && now() - mStartTime >= ExpiredAfterMilliseconds;
 }
 
-bool Request::hasEnded() const
+bool Request::isUnderWay() const
 {
-    return mEnded;
+    return mState != State::Idle && mState != State::WaitingForNetwork && mState != State::Ended;
 }
 
 bool Request::successfullyFinished() const
@@ -80,7 +60,7 @@ bool Request::successfullyFinished() const
 
 bool Request::started() const
 {
-    return mStarted;
+    return isUnderWay();
 }
 
 void Request::onNetworkOperationFinished(QNetworkReply *reply)
@@ -114,32 +94,33 @@ QString Request::commandName() const
     return {};
 }
 
+// The gates
+
 void Request::start()
 {
+    if (hasEnded())
+        mState = State::Idle;
     if (refuseBlockedAccount())
         return;
-    if (started()) {
+    if (isUnderWay()) {
         qCWarning(eas()) << "tried to start already started request";
         resetTimeoutFactor();
         return;
     }
-    mEnded = false;
+    mResendTimer.stop();
     mStartTime = now();
     qCInfo(eas()) << "Start request:" << mId << "for account" << mAccountId << "at" << mStartTime;
-    const QNetworkSession *const session =
-        RequestManager::instance()->networkManager()->networkSession(mAccountId);
-    if (session && session->state() == QNetworkSession::Connected) {
-        mStarted = true;
+    switch (NetworkGate::of(Engine::of(this), mAccountId)) {
+    case NetworkGate::Open:
+        mState = State::Running;
         checkProtocolVersion();
-        resetTimeoutFactor();
-        return;
+        return resetTimeoutFactor();
+    case NetworkGate::OpensLater:
+        mState = State::WaitingForNetwork;
+        return startResendTimer();
+    case NetworkGate::Closed:
+        return finishWith(RequestStatusNoNetwork);
     }
-    if (session)
-        qCWarning(eas()) << "Tried to start request, but network is not available. State:" << session->state()
-                         << "error:" << session->error() << "error message:" << session->errorString();
-    else
-        qCWarning(eas()) << "Tried to start request, but session was nullptr.";
-    waitForNetwork();
 }
 
 bool Request::refuseBlockedAccount()
@@ -149,22 +130,47 @@ bool Request::refuseBlockedAccount()
         return false;
     qCWarning(eas()) << "Cant start request for blocked account" << mAccountId << ". Credentials need update";
     blocked->credentialsNeedUpdate();
-    setStatus(RequestStatusCancelled);
-    Q_EMIT requestCompleted(mAccountId, mId);
+    finishWith(RequestStatusCancelled);
     return true;
 }
 
-void Request::waitForNetwork()
+void Request::checkProtocolVersion()
 {
-    if (RequestManager::instance()->networkManager()->isOnline()) {
-        qCWarning(eas()) << "Network is not available yet, but device is in Online state. Trying to execute "
-                            "request later.";
-        startResendTimer();
+    const EasAccount *const versioned = account();
+    if (!versioned) {
+        qCCritical(eas()) << "No account object for account:" << mAccountId;
+        setStatus(RequestStatusInternalError);
+        protocolVersionConfirmed(ExchangeActiveSync::ProtocolVersionUnknown);
         return;
     }
-    qCWarning(eas()) << "Tried to start request, but network is not available";
-    setStatus(RequestStatusNoNetwork);
-    Q_EMIT requestCompleted(mAccountId, mId);
+    if (versioned->protocolVersion() != ExchangeActiveSync::ProtocolVersionUnknown) {
+        protocolVersionConfirmed(versioned->protocolVersion());
+        return;
+    }
+    if (mVersionNegotiator)
+        return;
+    mState = State::Negotiating;
+    mVersionNegotiator = new VersionNegotiator(mAccountId, this);
+    connect(mVersionNegotiator, &VersionNegotiator::finished, this, &Request::onVersionNegotiationReady);
+    mVersionNegotiator->start();
+}
+
+void Request::onVersionNegotiationReady(bool success)
+{
+    EasAccount *const versioned = account();
+    if (!versioned || !mVersionNegotiator)
+        return completeWith(RequestStatusInternalError);
+    VersionNegotiator &negotiator = *mVersionNegotiator;
+    mVersionNegotiator.clear();
+    negotiator.deleteLater();
+    setStatus(negotiator.status());
+    if (success)
+        return protocolVersionConfirmed(negotiator.settle(*versioned));
+    if (status() == ProtocolUtils::TransportStatusCancelled)
+        setStatus(RequestStatusCancelled);
+    else if (successfullyFinished()) // no source could even be asked, for want of a client certificate say
+        setStatus(RequestStatusInternalError);
+    reportRequestCompleted();
 }
 
 void Request::protocolVersionConfirmed(ExchangeActiveSync::ProtocolVersion version)
@@ -176,7 +182,7 @@ void Request::protocolVersionConfirmed(ExchangeActiveSync::ProtocolVersion versi
         return;
     }
     if (isCommandSupported())
-        startRequest();
+        run();
 }
 
 bool Request::isCommandSupported()
@@ -192,8 +198,19 @@ bool Request::isCommandSupported()
     return false;
 }
 
+void Request::run()
+{
+    mState = State::Running;
+    startRequest();
+}
+
+// Attempts
+
 void Request::startResendTimer()
 {
+    if (hasEnded())
+        return;
+    mState = isUnderWay() ? State::WaitingToRetry : State::WaitingForNetwork;
     const int interval = mAttempts.takeDelay();
     mResendTimer.setInterval(Clock::instance().timerInterval(interval));
     qCInfo(eas()) << "timer interval:" << interval;
@@ -207,16 +224,18 @@ void Request::resetTimeoutFactor()
 
 void Request::onResendTimer()
 {
-    if (mStarted)
-        retrySend();
-    else
-        start();
+    if (mState == State::WaitingForNetwork)
+        return start();
+    if (mState != State::WaitingToRetry)
+        return;
+    mState = State::Running;
+    retrySend();
 }
 
 void Request::retrySend()
 {
     if (consumeRetry())
-        startRequest();
+        run();
 }
 
 bool Request::consumeRetry()
@@ -234,44 +253,148 @@ void Request::clearRetries()
     mAttempts.reset();
 }
 
+// Provisioning
+
+bool Request::checkProvisionStatus(BaseProtocolCommand *command)
+{
+    if (!command) {
+        qCCritical(eas()) << "Command is null!";
+        return false;
+    }
+    const EasAccount *const provisioned = account();
+    const bool hasPolicyKey = provisioned && !provisioned->policyKey().isEmpty();
+    mDemand = provisionDemand(command->status(), mAccountId, hasPolicyKey);
+    if (mDemand == ProvisionDemand::None)
+        return false;
+    mState = State::Paused;
+    mDemandTimer.start(0);
+    return true;
+}
+
+void Request::meetDemand()
+{
+    if (mDemand != ProvisionDemand::DefaultKey)
+        return startProvisionRequest(mDemand == ProvisionDemand::Wipe);
+    if (!consumeRetry())
+        return;
+    if (EasAccount *const provisioned = account())
+        provisioned->setPolicyKey(ProtocolUtils::DefaultPolicyKey);
+    resume(true);
+}
+
+void Request::startProvisionRequest(bool remoteWipe)
+{
+    if (mProvisionRequest) {
+        mProvisionRequest->disconnect(this);
+        mProvisionRequest->cancel();
+        mProvisionRequest->deleteLater();
+    }
+    mState = State::Paused;
+    mProvisionRequest = createProvisionRequest(remoteWipe);
+    connect(mProvisionRequest, &Request::requestCompleted, this, &Request::onProvisionRequestCompleted);
+    mProvisionRequest->start();
+}
+
+ProvisionRequest *Request::createProvisionRequest(bool remoteWipe)
+{
+    return new ProvisionRequest(mAccountId, mId, remoteWipe, this);
+}
+
+void Request::onProvisionRequestCompleted(EasAccountId accountId, qulonglong requestId)
+{
+    if (!mProvisionRequest || accountId != mAccountId || requestId != mId) {
+        qCWarning(eas()) << "received requestCompleted for unknown request" << requestId;
+        return;
+    }
+    // Let go first: the step that resumes may meet another demand.
+    ProvisionRequest *const provisionRequest = mProvisionRequest;
+    mProvisionRequest.clear();
+    provisionRequest->deleteLater();
+    setStatus(provisionRequest->status());
+    resume(provisionRequest->successfullyFinished());
+}
+
+void Request::resume(bool success)
+{
+    mState = State::Running;
+    resumeRequest(success);
+}
+
+void Request::resumeRequest(bool success)
+{
+    qCInfo(eas()) << "Resume request. Provision request successfully finished:"
+                  << (success ? "true" : "false");
+    if (success)
+        run();
+    else
+        finish();
+}
+
+// The end
+
+void Request::complete()
+{
+    reportRequestCompleted();
+}
+
+void Request::completeWith(int status)
+{
+    setStatus(status);
+    reportRequestCompleted();
+}
+
+void Request::completeCancelled()
+{
+    completeWith(RequestStatusCancelled);
+}
+
 void Request::reportRequestCompleted()
 {
-    mStarted = false;
-    if (!mEnded)
-        Q_EMIT requestCompleted(mAccountId, mId);
+    finish();
+}
+
+void Request::finishWith(int status)
+{
+    setStatus(status);
+    finish();
+}
+
+void Request::finish()
+{
+    if (hasEnded())
+        return;
+    mState = State::Ended;
+    mResendTimer.stop();
+    mDemandTimer.stop();
+    Q_EMIT requestCompleted(mAccountId, mId);
 }
 
 void Request::cancel()
 {
     qCInfo(eas()) << "Cancel request" << mId;
-    if (mEnded)
+    switch (mState) {
+    case State::Ended:
         return;
+    case State::Idle:
+    case State::WaitingForNetwork:
+        return finishWith(RequestStatusCancelled);
+    case State::Negotiating:
+        mVersionNegotiator->disconnect(this);
+        mVersionNegotiator->stop();
+        mVersionNegotiator->deleteLater();
+        mVersionNegotiator.clear();
+        return completeCancelled();
+    case State::Paused:
+        return mProvisionRequest ? mProvisionRequest->cancel() : completeCancelled();
+    case State::Running:
+    case State::WaitingToRetry:
+        break;
+    }
     mResendTimer.stop();
-    if (mVersionNegotiator) {
-        cancelNegotiation();
-        return;
-    }
-    if (mProvisionRequest) {
-        mProvisionRequest->cancel();
-        return;
-    }
     setStatus(RequestStatusCancelled);
-    if (!started()) {
-        Q_EMIT requestCompleted(mAccountId, mId);
-        return;
-    }
     // A command that is stopped reports back and ends the request. One that waits for its retry, or none at
     // all, has nothing to report, and the end comes from here.
     cancelRequest();
-    if (!mEnded)
+    if (!hasEnded())
         completeCancelled();
-}
-
-void Request::cancelNegotiation()
-{
-    mVersionNegotiator->disconnect(this);
-    mVersionNegotiator->stop();
-    mVersionNegotiator->deleteLater();
-    mVersionNegotiator.clear();
-    completeCancelled();
 }

@@ -6,14 +6,11 @@
 #include "common/exchangeactivesync.h"
 #include "requests/attempts.h"
 #include "requests/outcome.h"
-#include "requests/requestverb.h"
+#include "requests/provisiondemand.h"
 
 #include <QObject>
 #include <QPointer>
 #include <QTimer>
-
-#include <functional>
-#include <vector>
 
 class BaseProtocolCommand;
 class EasAccount;
@@ -26,23 +23,14 @@ class VersionNegotiator;
  *
  * The base owns the life: the gates (account not blocked, network up, protocol version known, command
  * offered), the resend timer, provisioning demands, cancelling, and the one requestCompleted(). A subclass
- * gives startRequest(), which runs its first command, cancelRequest(), which stops the command that runs,
- * commandName(), and a slot onCommandFinished(bool) that reads:
- *
- *     if (!acceptResult(mCommand, success)) // gone, or paused for provisioning
- *         return dropCommand();
- *     if (!handleCommonStatus(status(), { { { 1 }, [this] { processReply(); } }, ... }))
- *         completeUnhandled();
- *
- * A row names statuses and an action; the request's own rows come before the common ones, so that a request
- * replaces a common row by naming its status. The actions are the verbs below.
+ * gives startRequest(), which begins its work, cancelRequest(), which stops what runs, and commandName().
  *
  * A failed attempt is repeated through startResendTimer(), which ends in retrySend(); the delay triples with
  * each use until resetTimeoutFactor(). consumeRetry() counts the attempts.
  *
- * A request belongs to the RequestManager, which starts it when it is the head of its account's queue and
- * deletes it later once it completed; a nested one belongs to its outer request. Needs the RequestManager
- * to be ready. Main thread only.
+ * A request belongs to the engine, which starts it when it is the head of its account's queue and deletes it
+ * later once it completed; a nested one belongs to its outer request. It finds the engine above itself, which
+ * has to be ready. Main thread only.
  */
 class Request : public QObject, public EasRequestStatus
 {
@@ -52,12 +40,12 @@ public:
     Request(EasAccountId accountId, qulonglong requestId, QObject *parent = nullptr);
     ~Request() override;
 
-    EasAccountId accountId() const;
-    qulonglong id() const;
+    EasAccountId accountId() const { return mAccountId; }
+    qulonglong id() const { return mId; }
     /** Asked for anew each time; may be null. */
     EasAccount *account() const;
-    int status() const;
-    void setStatus(int status);
+    int status() const { return mOutcome.status(); }
+    void setStatus(int status) { mOutcome.setStatus(status); }
     /** Whether it has been running for more than five minutes since its last start(). */
     bool isExpired() const;
 
@@ -84,14 +72,6 @@ Q_SIGNALS:
         EasAccountId accountId, qulonglong requestId, qlonglong bytesReceived, qlonglong bytesTotal);
 
 protected:
-    using StatusAction = std::function<void()>;
-    struct StatusRow
-    {
-        std::vector<int> statuses;
-        StatusAction action;
-    };
-    using StatusRows = std::vector<StatusRow>;
-
     virtual void startRequest() = 0;
     virtual void cancelRequest() = 0;
     virtual QString commandName() const;
@@ -99,28 +79,21 @@ protected:
     virtual void protocolVersionConfirmed(ExchangeActiveSync::ProtocolVersion version);
     virtual void startResendTimer();
     /** Ends the request with its present status; a request that has ended already does not end again. An
-     * override calls this, and does its own part only while hasEnded() is false. */
+     * override calls this, and does its own part only while hasEnded() is false. A request that never began
+     * its work (account blocked, no network, cancelled in the queue) and one whose provisioning failed end
+     * without this. */
     virtual void reportRequestCompleted();
     /** The nested request that meets a demand for provisioning. */
     virtual ProvisionRequest *createProvisionRequest(bool remoteWipe);
 
     /** True from requestCompleted() to the next start(). */
-    bool hasEnded() const;
+    bool hasEnded() const { return mState == State::Ended; }
     void checkProtocolVersion();
+    /** Whether a finished command's status demands provisioning; if so, the request pauses, and meets the
+     * demand once the finished command has unwound. */
     bool checkProvisionStatus(BaseProtocolCommand *command);
     void startProvisionRequest(bool remoteWipe);
 
-    /** Takes over the status of a finished command; one that failed without a status counts as -2. False if
-     * the command is gone, and the request has ended, or if it is paused for provisioning: either way the
-     * caller drops its command and returns. */
-    bool acceptResult(BaseProtocolCommand *command, bool success);
-    /** Does what the row of a status says, a row of the own table or else of the common one; false if no row
-     * names it. `subject` is what the texts of the own rows are about. */
-    bool handleStatus(int status, const RequestStatusTable &ownTable = {}, const QString &subject = {});
-    /** The same with actions in place of verbs. */
-    bool handleCommonStatus(int status, const StatusRows &ownRows = {});
-    /** Takes the reply of a command that did what was asked: the verb Process. */
-    virtual void processReply();
     /** Counts an attempt. False if none was left, and the request has ended with the status as it stands. */
     bool consumeRetry();
     void clearRetries();
@@ -128,12 +101,10 @@ protected:
     Attempts &attempts() { return mAttempts; }
     Outcome &outcome() { return mOutcome; }
 
-    // What a status can make a request do.
+    /** Ends the request with the status as it stands, or with another one. */
     void complete();
     void completeWith(int status);
     void completeCancelled();
-    void completeUnhandled();
-    void refreshDeviceAndRetryLater();
 
 private Q_SLOTS:
     void onProvisionRequestCompleted(EasAccountId accountId, qulonglong requestId);
@@ -141,22 +112,34 @@ private Q_SLOTS:
     void onVersionNegotiationReady(bool success);
 
 private:
-    bool refuseBlockedAccount();
-    void waitForNetwork();
-    void cancelNegotiation();
-    void takeNegotiatedVersion(
-        const QList<ExchangeActiveSync::ProtocolVersion> &versions, const QStringList &commands);
-    void submitDefaultPolicyKey();
-    void perform(RequestVerb verb);
+    enum class State {
+        Idle, ///< in its queue
+        WaitingForNetwork, ///< the resend timer starts it again
+        Negotiating, ///< a protocol version is being found out
+        Running, ///< a step of its own is under way
+        WaitingToRetry, ///< the resend timer repeats the step
+        Paused, ///< until the server's demand for provisioning is met
+        Ended ///< requestCompleted() was emitted
+    };
 
-    QTimer mResendTimer;
-    bool mStarted = false;
+    bool isUnderWay() const;
+    bool refuseBlockedAccount();
+    void finish();
+    void finishWith(int status);
+    void run();
+    void meetDemand();
+    void resume(bool success);
+
     EasAccountId mAccountId;
     qulonglong mId;
+    State mState = State::Idle;
     qint64 mStartTime = 0;
     Outcome mOutcome;
     Attempts mAttempts;
+    QTimer mResendTimer;
+    /** Runs out as soon as the command that brought the demand has unwound. */
+    QTimer mDemandTimer;
+    ProvisionDemand mDemand = ProvisionDemand::None;
     QPointer<VersionNegotiator> mVersionNegotiator;
     QPointer<ProvisionRequest> mProvisionRequest;
-    bool mEnded = false;
 };

@@ -2,13 +2,45 @@
 #include "requests/versionnegotiator.h"
 
 #include "application/account/easaccount.h"
+#include "application/base/engine.h"
 #include "application/base/logging.h"
-#include "application/requestmanager.h"
 #include "protocol/base/protocolutils.h"
 #include "protocol/foldersynccustomcommand.h"
 #include "protocol/optionscommand.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace {
+
+using ExchangeActiveSync::ProtocolVersion;
+
+/** Whatever the order of the server's list. */
+constexpr ProtocolVersion BestVersionsFirst[] = {
+    ExchangeActiveSync::ProtocolVersion161,
+    ExchangeActiveSync::ProtocolVersion160,
+    ExchangeActiveSync::ProtocolVersion141,
+    ExchangeActiveSync::ProtocolVersion140,
+    ExchangeActiveSync::ProtocolVersion121,
+    ExchangeActiveSync::ProtocolVersion120,
+};
+
+ProtocolVersion chooseVersion(const QList<ProtocolVersion> &offered, ProtocolVersion preferred)
+{
+    if (preferred != ExchangeActiveSync::ProtocolVersionUnknown && offered.contains(preferred))
+        return preferred;
+    const auto best = std::find_if(std::begin(BestVersionsFirst), std::end(BestVersionsFirst),
+        [&offered](ProtocolVersion version) { return offered.contains(version); });
+    return best != std::end(BestVersionsFirst) ? *best : ExchangeActiveSync::ProtocolVersionUnknown;
+}
+
+QString joinVersions(const QList<ProtocolVersion> &versions)
+{
+    QStringList texts;
+    for (const ProtocolVersion version : versions)
+        texts.append(QString::fromLatin1(EasAccount::encodedProtocolVersion(version)));
+    return texts.join(QStringLiteral(", "));
+}
 
 const char *text(bool value)
 {
@@ -64,7 +96,21 @@ QStringList VersionNegotiator::supportedCommands() const
 
 EasAccount *VersionNegotiator::account() const
 {
-    return RequestManager::instance()->account(mAccountId);
+    return Engine::accountOf(this, mAccountId);
+}
+
+ProtocolVersion VersionNegotiator::settle(EasAccount &account) const
+{
+    const ProtocolVersion preferred = account.preferredProtocolVersion();
+    qCInfo(eas()) << "Versions:" << joinVersions(mVersions)
+                  << "Preferred protocol version:" << EasAccount::encodedProtocolVersion(preferred)
+                  << "Supported commands:" << mSupportedCommands;
+    const ProtocolVersion choice = chooseVersion(mVersions, preferred);
+    if (choice != ExchangeActiveSync::ProtocolVersionUnknown)
+        account.setProtocolVersion(choice);
+    if (!mSupportedCommands.isEmpty())
+        account.setSupportedCommands(mSupportedCommands);
+    return choice;
 }
 
 void VersionNegotiator::start()

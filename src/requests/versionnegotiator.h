@@ -38,6 +38,9 @@ public:
     QList<ExchangeActiveSync::ProtocolVersion> versions() const;
     /** As the server told them, or guessed. */
     QStringList supportedCommands() const;
+    /** Gives the account its protocol version and commands out of what was found: the version that the user
+     * prefers, or else the best one. Returns it; unknown if the server offers none that the engine speaks. */
+    ExchangeActiveSync::ProtocolVersion settle(EasAccount &account) const;
 
 Q_SIGNALS:
     void finished(bool success);

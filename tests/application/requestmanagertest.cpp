@@ -272,6 +272,50 @@ private Q_SLOTS:
         QCOMPARE(deleted.count(), 1);
     }
 
+    void deletingAnAccountStartsNoneOfItsRequests_data()
+    {
+        QTest::addColumn<int>("gate");
+        QTest::newRow("the head waits for its password") << 0;
+        QTest::newRow("the head waits for the network") << 1;
+        QTest::newRow("the head asks for the protocol version") << 2;
+    }
+
+    void deletingAnAccountStartsNoneOfItsRequests()
+    {
+        QFETCH(int, gate);
+        if (gate == 0)
+            mAccount->setReady(false);
+        if (gate == 1)
+            mManager->network = new SessionlessNetwork(mManager);
+        if (gate == 2)
+            mAccount->setProtocolVersion(ExchangeActiveSync::ProtocolVersionUnknown);
+        QList<ProbeRequest *> requests { enter(1), enter(2), enter(3) };
+        QCOMPARE(mFinished->count(), 0);
+        mManager->storage->remove(Account);
+        QCOMPARE(finishedIds(), QList<qulonglong>({ 3, 2, 1 }));
+        for (int i = 0; i < 3; ++i) {
+            QCOMPARE(finishedStatus(i), -4);
+            QCOMPARE(requests.at(i)->starts, 0);
+        }
+    }
+
+    void aHeadThatWaitsForTheNetworkStartsOnce()
+    {
+        mClock->heldFrom = 100000000;
+        mManager->network = new SessionlessNetwork(mManager);
+        ProbeRequest *const head = enter(1);
+        enter(2);
+        mManager->network = nullptr;
+        mManager->onCancelRequest(Account, 2);
+        QTRY_COMPARE(head->starts, 1);
+        // Runs out behind every timer that the head may have left.
+        bool passed = false;
+        QTimer::singleShot(2, this, [&passed] { passed = true; });
+        QTRY_VERIFY(passed);
+        QCOMPARE(head->starts, 1);
+        QCOMPARE(finishedIds(), QList<qulonglong>({ 2 }));
+    }
+
     void deletingAnIdleAccountIsOnlyTold()
     {
         LogCollector log;

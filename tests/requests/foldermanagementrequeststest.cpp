@@ -543,6 +543,7 @@ private Q_SLOTS:
         mBed->answerNever();
         const std::unique_ptr<Request> request = make(Kind(kind));
         QSignalSpy completed(request.get(), &Request::requestCompleted);
+        request->setParent(mBed->manager);
         request->start();
         QTRY_COMPARE(mBed->server.requests().size(), 1);
         request->cancel();

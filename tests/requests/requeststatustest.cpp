@@ -2,6 +2,7 @@
 #include "application/base/deviceinformation.h"
 
 #include "protocol/base/protocolutils.h"
+#include "requests/commandrequest.h"
 #include "support/bearer.h"
 #include "support/logcollector.h"
 #include "support/probes.h"
@@ -20,6 +21,37 @@ enum Reaction { Completes, Retries, RetriesLater };
 } // namespace
 
 Q_DECLARE_METATYPE(Reaction)
+
+/** A request of one command, which a test ends; the demand for provisioning is met at once. */
+class CommandProbe : public CommandRequest
+{
+    Q_OBJECT
+
+public:
+    using CommandRequest::CommandRequest;
+    using CommandRequest::currentCommand;
+
+    int commands = 0;
+
+    void finish(int status) { static_cast<FinishedCommand *>(currentCommand())->finish(status); }
+
+protected:
+    void startRequest() override
+    {
+        ++commands;
+        newCommand<FinishedCommand>();
+    }
+    QString commandName() const override { return QStringLiteral("Sync"); }
+    void onCommandFinished(bool success) override
+    {
+        if (!acceptResult(currentCommand(), success))
+            dropCommand();
+    }
+    ProvisionRequest *createProvisionRequest(bool remoteWipe) override
+    {
+        return new ProbeProvision(accountId(), id(), remoteWipe, this);
+    }
+};
 
 /** What the status of a finished command makes a request do, row by row. */
 class RequestStatusTest : public QObject
@@ -41,7 +73,7 @@ private Q_SLOTS:
         ScriptedManager *const manager = ScriptedManager::install();
         mAccount = manager->addAccount(Account);
         mAccount->negotiated({ QStringLiteral("Sync"), QStringLiteral("Provision") });
-        mRequest = std::make_unique<ProbeRequest>(Account, Id);
+        mRequest = std::make_unique<ProbeRequest>(Account, Id, manager);
         mCompleted = std::make_unique<QSignalSpy>(mRequest.get(), &Request::requestCompleted);
         QTRY_COMPARE(manager->networkSession(Account)->state(), QNetworkSession::Connected);
         mRequest->start();
@@ -87,7 +119,7 @@ private Q_SLOTS:
         LogCollector log;
         FinishedCommand command(Account, status);
         QVERIFY(mRequest->acceptResult(&command, false));
-        QVERIFY(mRequest->handleCommonStatus(mRequest->status()));
+        QVERIFY(mRequest->handleStatus(mRequest->status()));
         QCOMPARE(mRequest->status(), result);
         QCOMPARE(mCompleted->count(), reaction == Completes ? 1 : 0);
         QCOMPARE(mRequest->starts, reaction == Retries ? 2 : 1);
@@ -113,7 +145,7 @@ private Q_SLOTS:
     {
         QFETCH(int, status);
         mRequest->setStatus(status);
-        QVERIFY(!mRequest->handleCommonStatus(status));
+        QVERIFY(!mRequest->handleStatus(status));
         LogCollector log;
         mRequest->completeUnhandled();
         QVERIFY(
@@ -124,23 +156,19 @@ private Q_SLOTS:
 
     void theRequestsOwnRowsComeFirst()
     {
-        QList<int> seen;
-        const ProbeRequest::StatusRows rows {
-            { { 108, 109 },
-                [this] {
-                    mRequest->refreshDeviceAndRetryLater();
-                } },
-            { { 3, 4 },
-                [&seen] {
-                    seen.append(3);
-                } },
+        static constexpr RequestStatusTable::Row rows[] = {
+            { 4, QtWarningMsg, "no room for %1", RequestVerb::Refuse },
+            { 109, QtWarningMsg, nullptr, RequestVerb::RefreshDeviceAndRetryLater },
         };
-        QVERIFY(mRequest->handleCommonStatus(4, rows));
-        QCOMPARE(seen, QList<int>({ 3 }));
-        QVERIFY(mRequest->handleCommonStatus(109, rows));
+        const RequestStatusTable table(rows);
+        LogCollector log;
+        QVERIFY(!mRequest->handleStatus(5, table));
+        QVERIFY(mRequest->handleStatus(109, table));
         QCOMPARE(mRequest->starts, 1);
         QCOMPARE(mClock->intervals, QList<int>({ 5000 }));
-        QVERIFY(!mRequest->handleCommonStatus(5, rows));
+        QVERIFY(mRequest->handleStatus(4, table, QStringLiteral("the folder")));
+        QCOMPARE(mRequest->status(), -3);
+        QVERIFY(log.contains(QtWarningMsg, { QStringLiteral("no room for the folder") }));
     }
 
     void aCommandThatIsGoneIsAnInternalError()
@@ -190,7 +218,7 @@ private Q_SLOTS:
         LogCollector log;
         FinishedCommand command(Account, status);
         QVERIFY(!mRequest->acceptResult(&command, true));
-        QCOMPARE(mRequest->provisionRuns, QList<bool>({ wipe }));
+        QTRY_COMPARE(mRequest->provisionRuns, QList<bool>({ wipe }));
         QVERIFY2(log.contains(text), qPrintable(log.texts().join(QLatin1Char('\n'))));
         QCOMPARE(mRequest->starts, 2);
         QCOMPARE(mCompleted->count(), 0);
@@ -220,7 +248,7 @@ private Q_SLOTS:
         FinishedCommand command(Account, status);
         QVERIFY(mRequest->acceptResult(&command, true));
         QCOMPARE(mRequest->provisionRuns.size(), 0);
-        QVERIFY(!mRequest->handleCommonStatus(status));
+        QVERIFY(!mRequest->handleStatus(status));
         if (!text.isEmpty())
             QVERIFY(log.contains(QtCriticalMsg, { text }));
     }
@@ -246,10 +274,34 @@ private Q_SLOTS:
         LogCollector log;
         FinishedCommand command(Account, 141);
         QVERIFY(!mRequest->acceptResult(&command, true));
-        QCOMPARE(mAccount->policy, QStringLiteral("0"));
         QCOMPARE(mRequest->starts, 1);
         QTRY_COMPARE(mRequest->starts, 2);
+        QCOMPARE(mAccount->policy, QStringLiteral("0"));
         QVERIFY(log.contains(QStringLiteral("server requires policy key to be submitted for 7")));
+    }
+
+    void aServerThatAsksForTheDefaultKeyForEverIsGivenUp()
+    {
+        mRequest->onStart = [this] {
+            FinishedCommand command(Account, 141);
+            mRequest->acceptResult(&command, true);
+        };
+        mRequest->retrySend();
+        mRequest->clearRetries();
+        QTRY_COMPARE(mCompleted->count(), 1);
+        QCOMPARE(mRequest->status(), 141);
+        // The start of init(), the repetition above, and five more.
+        QCOMPARE(mRequest->starts, 7);
+    }
+
+    void aStepThatIsResumedAtOnceKeepsItsNewCommand()
+    {
+        CommandProbe request(Account, Id, RequestManager::instance());
+        request.start();
+        QCOMPARE(request.commands, 1);
+        request.finish(142);
+        QTRY_COMPARE(request.commands, 2);
+        QVERIFY(request.currentCommand());
     }
 
     void aCancelBeforeTheResumeAfter141Holds()
@@ -269,8 +321,8 @@ private Q_SLOTS:
         FinishedCommand command(Account, 142);
         LogCollector log;
         QVERIFY(!mRequest->acceptResult(&command, true));
+        QTRY_COMPARE(mCompleted->count(), 1);
         QCOMPARE(mRequest->starts, 1);
-        QCOMPARE(mCompleted->count(), 1);
         QCOMPARE(mRequest->status(), -5);
         QVERIFY(
             log.contains(QStringLiteral("Resume request. Provision request successfully finished: false")));
@@ -281,6 +333,7 @@ private Q_SLOTS:
         mRequest->provisionWaits = true;
         FinishedCommand command(Account, 142);
         QVERIFY(!mRequest->acceptResult(&command, true));
+        QTRY_COMPARE(mRequest->provisionRuns.size(), 1);
         mRequest->cancel();
         QCOMPARE(mCompleted->count(), 1);
         QCOMPARE(mRequest->status(), -4);
@@ -302,7 +355,7 @@ private Q_SLOTS:
     void thisDeviceRefusesPolicies()
     {
         LogCollector log;
-        ProvisionRequest request(Account, Id, false);
+        ProvisionRequest request(Account, Id, false, RequestManager::instance());
         QSignalSpy completed(&request, &Request::requestCompleted);
         request.start();
         QCOMPARE(completed.count(), 1);

@@ -50,7 +50,7 @@ private Q_SLOTS:
         mManager = ScriptedManager::install();
         mAccount = mManager->addAccount(Account);
         mAccount->negotiated({ QStringLiteral("Sync") });
-        mRequest = std::make_unique<ProbeRequest>(Account, Id);
+        mRequest = std::make_unique<ProbeRequest>(Account, Id, mManager);
         mCompleted = std::make_unique<QSignalSpy>(mRequest.get(), &Request::requestCompleted);
         QTRY_COMPARE(mManager->networkSession(Account)->state(), QNetworkSession::Connected);
     }
@@ -164,7 +164,7 @@ private Q_SLOTS:
 
     void anUnknownAccountIsAnInternalError()
     {
-        ProbeRequest request(99, Id);
+        ProbeRequest request(99, Id, mManager);
         QSignalSpy completed(&request, &Request::requestCompleted);
         LogCollector log;
         request.start();
@@ -188,7 +188,7 @@ private Q_SLOTS:
 
     void supportOfACommandNeedsAnAccount()
     {
-        ProbeRequest request(99, Id);
+        ProbeRequest request(99, Id, mManager);
         LogCollector log;
         QVERIFY(!request.isCommandSupported());
         QCOMPARE(request.status(), -8);
@@ -199,7 +199,7 @@ private Q_SLOTS:
     {
         mRequest->protocolVersionConfirmed(ExchangeActiveSync::ProtocolVersionUnknown);
         QCOMPARE(mRequest->status(), -1);
-        ProbeRequest other(Account, Id);
+        ProbeRequest other(Account, Id, mManager);
         other.setStatus(10204);
         other.protocolVersionConfirmed(ExchangeActiveSync::ProtocolVersionUnknown);
         QCOMPARE(other.status(), 10204);
@@ -344,7 +344,7 @@ private Q_SLOTS:
         mRequest->onCancel = [this] {
             // What a stopped command does to its request.
             mRequest->setStatus(10005);
-            QVERIFY(mRequest->handleCommonStatus(10005));
+            QVERIFY(mRequest->handleStatus(10005));
         };
         mRequest->start();
         mRequest->cancel();
@@ -373,7 +373,7 @@ private Q_SLOTS:
         QFETCH(bool, commandAnswers);
         mRequest->onCancel = [this, commandAnswers] {
             if (commandAnswers)
-                mRequest->handleCommonStatus(10005);
+                mRequest->handleStatus(10005);
         };
         mRequest->start();
         mRequest->startResendTimer();

@@ -92,7 +92,7 @@ private Q_SLOTS:
     void knownVersionsAreTakenInTheServersOrder()
     {
         mServer->answer(offer("14.1,2.5,,16.0", "Sync,FolderSync"));
-        ProbeRequest request(Account, Id);
+        ProbeRequest request(Account, Id, mManager);
         run(request);
         QCOMPARE(request.starts, 1);
         QCOMPARE(mAccount->protocolVersion(), ExchangeActiveSync::ProtocolVersion160);
@@ -104,7 +104,7 @@ private Q_SLOTS:
     void theNegotiatorListsWhatItKnows()
     {
         mServer->answer(offer("14.1,2.5,,16.0", "Sync"));
-        VersionNegotiator negotiator(Account);
+        VersionNegotiator negotiator(Account, mManager);
         LogCollector log;
         QVERIFY(negotiate(negotiator));
         const QList<ExchangeActiveSync::ProtocolVersion> wanted { ExchangeActiveSync::ProtocolVersion141,
@@ -136,7 +136,7 @@ private Q_SLOTS:
         mAccount->preferred = static_cast<ExchangeActiveSync::ProtocolVersion>(preferred);
         mServer->answer(offer(offered, "Sync"));
         LogCollector log;
-        ProbeRequest request(Account, Id);
+        ProbeRequest request(Account, Id, mManager);
         run(request);
         QCOMPARE(int(mAccount->protocolVersion()), choice);
         QVERIFY(log.contains(QStringLiteral("Versions:")));
@@ -155,7 +155,7 @@ private Q_SLOTS:
     {
         QFETCH(QByteArray, offered);
         mServer->answer(offer(offered, "Sync"));
-        ProbeRequest request(Account, Id);
+        ProbeRequest request(Account, Id, mManager);
         run(request);
         QCOMPARE(request.starts, 0);
         QCOMPARE(request.status(), -1);
@@ -166,7 +166,7 @@ private Q_SLOTS:
         mAccount->setSupportedCommands(texts("Sync"));
         mAccount->knownCommands = texts("Sync");
         mServer->answer(offer("14.1", QByteArray()));
-        ProbeRequest request(Account, Id);
+        ProbeRequest request(Account, Id, mManager);
         run(request);
         QCOMPARE(request.starts, 1);
         QCOMPARE(mAccount->supportedCommands(), texts("Sync"));
@@ -179,7 +179,7 @@ private Q_SLOTS:
         mAccount->knownVersions = texts("16.0,12.1,14.1");
         mAccount->knownCommands = texts("Sync,Ping");
         mServer->answer(refusal(500));
-        VersionNegotiator negotiator(Account);
+        VersionNegotiator negotiator(Account, mManager);
         LogCollector log;
         QVERIFY(negotiate(negotiator));
         const QList<ExchangeActiveSync::ProtocolVersion> wanted { ExchangeActiveSync::ProtocolVersion160,
@@ -196,7 +196,7 @@ private Q_SLOTS:
     {
         mAccount->knownVersions = texts("14.1");
         mServer->answer(refusal(500));
-        VersionNegotiator negotiator(Account);
+        VersionNegotiator negotiator(Account, mManager);
         LogCollector log;
         QVERIFY(negotiate(negotiator));
         QCOMPARE(negotiator.supportedCommands(),
@@ -214,7 +214,7 @@ private Q_SLOTS:
         ScriptedAnswer hang;
         hang.hang = true;
         mServer->answer(hang);
-        VersionNegotiator negotiator(Account);
+        VersionNegotiator negotiator(Account, mManager);
         QVERIFY(negotiate(negotiator));
         QCOMPARE(negotiator.status(), 10004);
         QVERIFY(mClock->intervals.contains(20000));
@@ -224,7 +224,7 @@ private Q_SLOTS:
     {
         mServer->answer(refusal(500));
         mServer->answer(offer("12.1,14.1", "Sync,Find"));
-        ProbeRequest request(Account, Id);
+        ProbeRequest request(Account, Id, mManager);
         LogCollector log;
         run(request);
         QCOMPARE(request.starts, 1);
@@ -242,7 +242,7 @@ private Q_SLOTS:
     {
         mServer->answer(refusal(500));
         mServer->answer(offer("14.1", QByteArray()));
-        VersionNegotiator negotiator(Account);
+        VersionNegotiator negotiator(Account, mManager);
         LogCollector log;
         QVERIFY(negotiate(negotiator));
         QCOMPARE(negotiator.supportedCommands().size(), 15);
@@ -256,7 +256,7 @@ private Q_SLOTS:
     {
         mServer->answer(refusal(500));
         mServer->answer(refusal(403));
-        ProbeRequest request(Account, Id);
+        ProbeRequest request(Account, Id, mManager);
         QSignalSpy completed(&request, &Request::requestCompleted);
         run(request);
         QCOMPARE(request.status(), 10201);
@@ -267,7 +267,7 @@ private Q_SLOTS:
     void sourcesThatCannotEvenBeAskedAreNoSuccess()
     {
         mAccount->connection->certificatePath = QStringLiteral("/nowhere/certificate.p12");
-        ProbeRequest request(Account, Id);
+        ProbeRequest request(Account, Id, mManager);
         QSignalSpy completed(&request, &Request::requestCompleted);
         run(request);
         QCOMPARE(request.status(), -2);
@@ -282,7 +282,7 @@ private Q_SLOTS:
         ScriptedAnswer hang;
         hang.hang = true;
         mServer->answer(hang);
-        VersionNegotiator negotiator(Account);
+        VersionNegotiator negotiator(Account, mManager);
         negotiator.start();
         LogCollector log;
         negotiator.start();
@@ -305,7 +305,7 @@ private Q_SLOTS:
         if (inFolderSync)
             mServer->answer(refusal(500));
         mServer->answer(hang);
-        VersionNegotiator negotiator(Account);
+        VersionNegotiator negotiator(Account, mManager);
         QSignalSpy finished(&negotiator, &VersionNegotiator::finished);
         negotiator.start();
         QTRY_COMPARE(mServer->requests().size(), inFolderSync ? 2 : 1);
@@ -319,9 +319,9 @@ private Q_SLOTS:
     void aVersionOnceKnownIsNotNegotiatedAgain()
     {
         mServer->answer(offer("14.1", "Sync"));
-        ProbeRequest first(Account, Id);
+        ProbeRequest first(Account, Id, mManager);
         run(first);
-        ProbeRequest second(Account, Id + 1);
+        ProbeRequest second(Account, Id + 1, mManager);
         run(second);
         QCOMPARE(second.starts, 1);
         QCOMPARE(mServer->requests().size(), 1);

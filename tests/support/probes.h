@@ -2,6 +2,7 @@
 #pragma once
 
 #include "protocol/baseprotocolcommand.h"
+#include "requests/commandrequest.h"
 #include "requests/provisionrequest.h"
 
 /** A command that has finished with a status, and was never sent. */
@@ -10,10 +11,20 @@ class FinishedCommand : public BaseProtocolCommand
     Q_OBJECT
 
 public:
-    FinishedCommand(EasAccountId accountId, int status)
-        : BaseProtocolCommand(accountId)
+    FinishedCommand(EasAccountId accountId, int status, QObject *parent = nullptr)
+        : BaseProtocolCommand(accountId, parent)
     {
         setStatus(status);
+    }
+    FinishedCommand(EasAccountId accountId, QObject *parent)
+        : FinishedCommand(accountId, 0, parent)
+    {
+    }
+
+    void finish(int status)
+    {
+        setStatus(status);
+        Q_EMIT finished(true);
     }
 };
 
@@ -39,24 +50,22 @@ protected:
 };
 
 /** A request whose steps a test gives, and which shows its protected side. */
-class ProbeRequest : public Request
+class ProbeRequest : public CommandRequest
 {
     Q_OBJECT
 
 public:
-    using Request::Request;
-    using Request::StatusRows;
+    using CommandRequest::CommandRequest;
 
-    using Request::acceptResult;
+    using CommandRequest::acceptResult;
+    using CommandRequest::completeUnhandled;
+    using CommandRequest::handleStatus;
     using Request::checkProvisionStatus;
     using Request::clearRetries;
-    using Request::completeUnhandled;
     using Request::completeWith;
-    using Request::handleCommonStatus;
     using Request::hasEnded;
     using Request::isCommandSupported;
     using Request::protocolVersionConfirmed;
-    using Request::refreshDeviceAndRetryLater;
     using Request::reportRequestCompleted;
     using Request::startProvisionRequest;
     using Request::startResendTimer;
@@ -84,6 +93,7 @@ protected:
         if (onCancel)
             onCancel();
     }
+    void onCommandFinished(bool) override {}
     QString commandName() const override { return name; }
     ProvisionRequest *createProvisionRequest(bool remoteWipe) override
     {

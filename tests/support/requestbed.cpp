@@ -65,6 +65,8 @@ QStringList RequestBed::sent() const
 
 int RequestBed::run(Request &request)
 {
+    if (!request.parent())
+        request.setParent(RequestManager::instance());
     QSignalSpy completed(&request, &Request::requestCompleted);
     request.start();
     if (completed.isEmpty() && !completed.wait(60000))

@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "requests/provisiondemand.h"
+
+#include "protocol/base/eas.h"
+#include "protocol/base/protocolutils.h"
+#include "requests/statustable.h"
+
+namespace {
+
+// 10000 plus a network error, named after HTTP statuses; the first one is what a 503 arrives as.
+constexpr int TransportForbidden = ProtocolUtils::TransportStatusBase + 403;
+constexpr int TransportRetryWith = ProtocolUtils::TransportStatusBase + 449;
+
+using DemandTable = StatusTable<ProvisionDemand>;
+
+constexpr DemandTable::Row rows[] = {
+    { Eas::CommonStatusDeviceNotFullyProvisionable, QtCriticalMsg,
+        "Device is not fully Provisionable for account %1", ProvisionDemand::None },
+    { Eas::CommonStatusRemoteWipeRequested, QtCriticalMsg, "remote wipe is requested for account %1",
+        ProvisionDemand::Wipe },
+    { Eas::CommonStatusLegacyDeviceOnStrictPolicy, QtWarningMsg,
+        "server requires policy key to be submitted for %1", ProvisionDemand::DefaultKey },
+    { Eas::CommonStatusDeviceNotProvisioned, QtInfoMsg, "Provision Policy is in place for account %1",
+        ProvisionDemand::Policies },
+    { Eas::CommonStatusPolicyRefresh, QtInfoMsg, "Policy refresh requested for account %1",
+        ProvisionDemand::Policies },
+    { Eas::CommonStatusInvalidPolicyKey, QtWarningMsg, "Invalid policy key for account %1",
+        ProvisionDemand::Policies },
+    { Eas::CommonStatusExtManagedDevicesNotAllowed, QtWarningMsg,
+        "Exterally managed devices are not allowed for account %1", ProvisionDemand::Policies },
+    { TransportForbidden, QtCriticalMsg, "remote wipe is requested for account %1 by http status 403",
+        ProvisionDemand::Wipe },
+    { TransportRetryWith, QtWarningMsg, "provisioning error for %1 by http status 449",
+        ProvisionDemand::Policies },
+};
+constexpr DemandTable demands(rows);
+static_assert(demands.namesEachStatusOnce());
+
+} // namespace
+
+ProvisionDemand provisionDemand(int status, EasAccountId accountId, bool hasPolicyKey)
+{
+    const DemandTable::Row *const row = demands.find(status);
+    if (!row || (status == TransportForbidden && hasPolicyKey))
+        return ProvisionDemand::None;
+    logStatusText(row->level, row->text, QString::number(accountId));
+    return row->verb;
+}
