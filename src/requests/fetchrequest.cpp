@@ -6,6 +6,17 @@
 #include "protocol/base/protocolutils.h"
 #include "protocol/fetchitemcommand.h"
 
+namespace {
+
+constexpr RequestStatusTable::Row rows[] = {
+    { Eas::ItemOperationsStatusUndefined, QtInfoMsg, nullptr, RequestVerb::Process },
+    { Eas::ItemOperationsStatusSuccess, QtInfoMsg, nullptr, RequestVerb::Process },
+};
+constexpr RequestStatusTable statuses(rows);
+static_assert(statuses.namesEachStatusOnce());
+
+} // namespace
+
 QString FetchRequest::commandName() const
 {
     return ProtocolUtils::CommandItemOperations;
@@ -25,19 +36,19 @@ FetchItemCommand *FetchRequest::fetchCommand() const
 
 void FetchRequest::handleFetchStatus(bool success)
 {
-    const StatusRows rows = {
-        { { Eas::ItemOperationsStatusUndefined, Eas::ItemOperationsStatusSuccess },
-            [this, success] {
-                if (success)
-                    return processCommandSuccess();
-                qCWarning(eas()) << "Success: "
-                                 << "false"
-                                 << ", status:" << status();
-                completeWith(RequestStatusInternalError);
-            } },
-    };
-    if (!handleCommonStatus(status(), rows)) {
+    if (!success && successfullyFinished()) {
+        qCWarning(eas()) << "Success: "
+                         << "false"
+                         << ", status:" << status();
+        return completeWith(RequestStatusInternalError);
+    }
+    if (!handleStatus(status(), statuses)) {
         qCWarning(eas()) << "unhandled status" << status();
         complete();
     }
+}
+
+void FetchRequest::processReply()
+{
+    processCommandSuccess();
 }

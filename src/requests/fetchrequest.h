@@ -22,4 +22,7 @@ protected:
     /** Takes the reply of a fetch that succeeded as a whole. */
     virtual void processCommandSuccess() = 0;
     void handleFetchStatus(bool success);
+
+private:
+    void processReply() override;
 };

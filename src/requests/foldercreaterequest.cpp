@@ -2,6 +2,7 @@
 #include "requests/foldercreaterequest.h"
 
 #include "application/base/logging.h"
+#include "protocol/base/eas.h"
 #include "protocol/base/protocolutils.h"
 #include "protocol/foldercreatecommand.h"
 
@@ -22,6 +23,28 @@ constexpr KindOfFolder KindsOfFolders[] = {
     { 2, EasFolderItem::UserCreatedContactsFolder },
 };
 
+// Statuses of this command alone
+constexpr int NameExists = 2;
+constexpr int RecipientFolder = 3;
+constexpr int NoParent = 5;
+
+constexpr RequestStatusTable::Row refusalRows[] = {
+    { Eas::FolderSyncStatusUndefined, QtWarningMsg, "Undefined FolderCreate status. Something went wrong.",
+        RequestVerb::Refuse },
+    { NameExists, QtWarningMsg,
+        "Folder with a name \"%1\" already exists on a server, need to request a new name",
+        RequestVerb::Refuse },
+    { RecipientFolder, QtWarningMsg, "Parent folder is a recipient information folder", RequestVerb::Refuse },
+    { NoParent, QtWarningMsg, "Invalid parent folder id.", RequestVerb::Refuse },
+    { Eas::FolderSyncStatusWrongSyncKey, QtWarningMsg, "wrong sync key, need to resync account",
+        RequestVerb::Refuse },
+    { Eas::FolderSyncStatusWrongRequest, QtWarningMsg,
+        "Sent a bad request. Tried to create a default folder?", RequestVerb::Refuse },
+    { Eas::FolderSyncStatusCodeUnknown, QtWarningMsg, "Unusual back-end issue on the server.",
+        RequestVerb::Refuse },
+};
+static_assert(RequestStatusTable(refusalRows).namesEachStatusOnce());
+
 } // namespace
 
 FolderCreateRequest::FolderCreateRequest(EasAccountId accountId, const QString &parentLocalId,
@@ -41,9 +64,6 @@ QString FolderCreateRequest::commandName() const
 const FolderManagementRequest::Texts &FolderCreateRequest::texts() const
 {
     static const Texts texts {
-        "Undefined FolderCreate status. Something went wrong.",
-        "Sent a bad request. Tried to create a default folder?",
-        "wrong sync key, need to resync account",
         "FolderCreate command is null",
         { "Failed to create calendar folder", "Failed to create contact folder",
             "Failed to create mail folder" },
@@ -52,15 +72,14 @@ const FolderManagementRequest::Texts &FolderCreateRequest::texts() const
     return texts;
 }
 
-Request::StatusRows FolderCreateRequest::refusals()
+RequestStatusTable FolderCreateRequest::refusals() const
 {
-    return {
-        refusal(
-            2, "Folder with a name", mDisplayName, "already exists on a server, need to request a new name"),
-        refusal(3, "Parent folder is a recipient information folder"),
-        refusal(5, "Invalid parent folder id."),
-        refusal(12, "Unusual back-end issue on the server."),
-    };
+    return RequestStatusTable(refusalRows);
+}
+
+QString FolderCreateRequest::refusedSubject(int) const
+{
+    return mDisplayName;
 }
 
 bool FolderCreateRequest::translate()

@@ -17,7 +17,8 @@ public:
 protected:
     QString commandName() const override;
     const Texts &texts() const override;
-    StatusRows refusals() override;
+    RequestStatusTable refusals() const override;
+    QString refusedSubject(int status) const override;
     bool translate() override;
     FolderCommand *createCommand() override;
     std::optional<FolderChanges> agreedChanges() override;

@@ -3,10 +3,34 @@
 
 #include "application/base/logging.h"
 #include "application/mapping/easdatabase.h"
+#include "protocol/base/eas.h"
 #include "protocol/base/protocolutils.h"
 #include "protocol/folderdeletecommand.h"
 
 #include <QMap>
+
+namespace {
+
+// Statuses of this command alone
+constexpr int SystemFolder = 2;
+/** What servers really answer. */
+constexpr int SystemFolderToo = 3;
+constexpr int NoFolder = 4;
+
+constexpr RequestStatusTable::Row refusalRows[] = {
+    { Eas::FolderSyncStatusUndefined, QtWarningMsg, "Undefined FolderDelete status. Something went wrong.",
+        RequestVerb::Refuse },
+    { SystemFolder, QtWarningMsg, "Folder id is a special folder.", RequestVerb::Refuse },
+    { SystemFolderToo, QtWarningMsg, "Folder id is a special folder.", RequestVerb::Refuse },
+    { NoFolder, QtWarningMsg, "Folder does not exist: \"%1\"", RequestVerb::Refuse },
+    { Eas::FolderSyncStatusWrongSyncKey, QtWarningMsg, "wrong sync key, need to resync account",
+        RequestVerb::Refuse },
+    { Eas::FolderSyncStatusWrongRequest, QtWarningMsg,
+        "Sent a bad request. Tried to delete a default folder?", RequestVerb::Refuse },
+};
+static_assert(RequestStatusTable(refusalRows).namesEachStatusOnce());
+
+} // namespace
 
 FolderDeleteRequest::FolderDeleteRequest(
     EasAccountId accountId, const QString &folderLocalId, quint64 requestId, QObject *parent)
@@ -23,9 +47,6 @@ QString FolderDeleteRequest::commandName() const
 const FolderManagementRequest::Texts &FolderDeleteRequest::texts() const
 {
     static const Texts texts {
-        "Undefined FolderDelete status. Something went wrong.",
-        "Sent a bad request. Tried to delete a default folder?",
-        "wrong sync key, need to resync account",
         "FolderDelete command is null",
         { "Failed to delete calendar folder", "Failed to delete contacts folder",
             "Failed to delete mail folder" },
@@ -34,13 +55,14 @@ const FolderManagementRequest::Texts &FolderDeleteRequest::texts() const
     return texts;
 }
 
-Request::StatusRows FolderDeleteRequest::refusals()
+RequestStatusTable FolderDeleteRequest::refusals() const
 {
-    return {
-        refusal(2, "Folder id is a special folder."),
-        refusal(3, "Folder id is a special folder."), // what servers really answer
-        refusal(4, "Folder does not exist:", mServerId),
-    };
+    return RequestStatusTable(refusalRows);
+}
+
+QString FolderDeleteRequest::refusedSubject(int) const
+{
+    return mServerId;
 }
 
 bool FolderDeleteRequest::translate()

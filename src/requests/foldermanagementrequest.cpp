@@ -8,6 +8,23 @@
 #include "protocol/foldercommand.h"
 #include "requests/hierarchykey.h"
 
+namespace {
+
+constexpr char DeviceText[] = "invalid Device ID or Type. Trying to update Device information";
+
+constexpr RequestStatusTable::Row sharedRows[] = {
+    { Eas::FolderSyncStatusSuccess, QtInfoMsg, nullptr, RequestVerb::Process },
+    { Eas::FolderSyncStatusServerError, QtWarningMsg,
+        "Server error. Try again later or run sync request first", RequestVerb::Refuse },
+    { Eas::FolderSyncStatusUnknownError, QtWarningMsg, "Unknown error on the server.", RequestVerb::Refuse },
+    { Eas::CommonStatusInvalidDeviceId, QtWarningMsg, DeviceText, RequestVerb::RefreshDeviceAndRetryLater },
+    { Eas::CommonStatusInvalidDeviceType, QtWarningMsg, DeviceText, RequestVerb::RefreshDeviceAndRetryLater },
+};
+constexpr RequestStatusTable sharedStatuses(sharedRows);
+static_assert(sharedStatuses.namesEachStatusOnce());
+
+} // namespace
+
 bool FolderManagementRequest::refuse(const char *text)
 {
     qCCritical(eas()) << text;
@@ -78,48 +95,12 @@ void FolderManagementRequest::handleFinished(bool success)
             qCInfo(eas()) << "Provision request required";
         return dropCommand();
     }
-    StatusRows rows = refusals();
-    const StatusRows common = commonRefusals();
-    rows.insert(rows.end(), common.cbegin(), common.cend());
-    rows.push_back({ { Eas::FolderSyncStatusSuccess }, [this] {
-                        processSuccess();
-                    } });
-    rows.push_back({ { Eas::CommonStatusInvalidDeviceId, Eas::CommonStatusInvalidDeviceType }, [this] {
-                        refreshDeviceAndRetryLater();
-                    } });
-    if (!handleCommonStatus(status(), rows))
+    const RequestStatusTable own = refusals();
+    if (!handleStatus(status(), own.find(status()) ? own : sharedStatuses, refusedSubject(status())))
         completeUnhandled();
 }
 
-Request::StatusRow FolderManagementRequest::refusal(int status, const char *text)
-{
-    return { { status }, [this, text] {
-                qCWarning(eas()) << text;
-                completeWith(RequestStatusBadRequest);
-            } };
-}
-
-Request::StatusRow FolderManagementRequest::refusal(
-    int status, const char *text, const QString &subject, const char *rest)
-{
-    return { { status }, [this, text, subject, rest] {
-                qCWarning(eas()) << text << subject << rest;
-                completeWith(RequestStatusBadRequest);
-            } };
-}
-
-Request::StatusRows FolderManagementRequest::commonRefusals()
-{
-    return {
-        refusal(Eas::FolderSyncStatusUndefined, texts().undefinedStatus),
-        refusal(Eas::FolderSyncStatusServerError, "Server error. Try again later or run sync request first"),
-        refusal(Eas::FolderSyncStatusWrongSyncKey, texts().wrongSyncKey),
-        refusal(Eas::FolderSyncStatusWrongRequest, texts().badRequest),
-        refusal(Eas::FolderSyncStatusUnknownError, "Unknown error on the server."),
-    };
-}
-
-void FolderManagementRequest::processSuccess()
+void FolderManagementRequest::processReply()
 {
     resetTimeoutFactor();
     setStatus(processResponse() ? RequestStatusSuccess : RequestStatusInternalError);

@@ -29,9 +29,6 @@ protected:
     /** The lines that name the kind of request in the log. */
     struct Texts
     {
-        const char *undefinedStatus;
-        const char *badRequest;
-        const char *wrongSyncKey;
         const char *commandMissing;
         FolderHierarchyChanges::StoreFailures stores;
         const char *databaseFailure;
@@ -41,8 +38,10 @@ protected:
     virtual void handleFinished(bool success);
 
     virtual const Texts &texts() const = 0;
-    /** The rows of statuses that only this kind of request knows. */
-    virtual StatusRows refusals() = 0;
+    /** The statuses that mean no to this kind of request. */
+    virtual RequestStatusTable refusals() const = 0;
+    /** The name or identifier that the text of a refusal is about. */
+    virtual QString refusedSubject(int status) const = 0;
     /** Translates the arguments; false, and the request has ended, if one of them is not valid. */
     virtual bool translate() = 0;
     virtual FolderCommand *createCommand() = 0;
@@ -54,15 +53,11 @@ protected:
     QString serverFolderId(const QString &localId);
     /** The same for the parent of a folder; "0" is the root on both sides. */
     QString serverParentId(const QString &localId);
-    /** A status that means no: what the log says of it, with the name or identifier that it is about. */
-    StatusRow refusal(int status, const char *text);
-    StatusRow refusal(int status, const char *text, const QString &subject, const char *rest = "");
     /** Ends the request because of its arguments; false, for a return. */
     bool refuse(const char *text);
 
 private:
     QString translated(const QString &localId, const char *failure);
-    StatusRows commonRefusals();
-    void processSuccess();
+    void processReply() override;
     bool processResponse();
 };

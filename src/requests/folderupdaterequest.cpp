@@ -3,9 +3,36 @@
 
 #include "application/base/logging.h"
 #include "application/mapping/easdatabase.h"
+#include "protocol/base/eas.h"
 #include "protocol/base/protocolutils.h"
 #include "protocol/folderupdatecommand.h"
 #include "protocol/wbxml/wbxmltokens.h"
+
+namespace {
+
+// Statuses of this command alone
+constexpr int NameExists = 2;
+constexpr int SystemFolder = 3;
+constexpr int NoFolder = 4;
+constexpr int NoParent = 5;
+
+constexpr RequestStatusTable::Row refusalRows[] = {
+    { Eas::FolderSyncStatusUndefined, QtWarningMsg, "Undefined FolderUpdate status. Something went wrong.",
+        RequestVerb::Refuse },
+    { NameExists, QtWarningMsg,
+        "Folder with a name \"%1\" already exists on a server, need to request a new name",
+        RequestVerb::Refuse },
+    { SystemFolder, QtWarningMsg, "Folder id is a special folder.", RequestVerb::Refuse },
+    { NoFolder, QtWarningMsg, "Folder does not exist: \"%1\"", RequestVerb::Refuse },
+    { NoParent, QtWarningMsg, "Parent folder does not exist: \"%1\"", RequestVerb::Refuse },
+    { Eas::FolderSyncStatusWrongSyncKey, QtWarningMsg, "Wrong sync key, need to resync account",
+        RequestVerb::Refuse },
+    { Eas::FolderSyncStatusWrongRequest, QtWarningMsg,
+        "Sent a bad request. Tried to update a default folder?", RequestVerb::Refuse },
+};
+static_assert(RequestStatusTable(refusalRows).namesEachStatusOnce());
+
+} // namespace
 
 FolderUpdateRequest::FolderUpdateRequest(EasAccountId accountId, const QString &folderLocalId,
     const QString &parentLocalId, const QString &displayName, quint64 requestId, QObject *parent)
@@ -24,9 +51,6 @@ QString FolderUpdateRequest::commandName() const
 const FolderManagementRequest::Texts &FolderUpdateRequest::texts() const
 {
     static const Texts texts {
-        "Undefined FolderUpdate status. Something went wrong.",
-        "Sent a bad request. Tried to update a default folder?",
-        "Wrong sync key, need to resync account",
         "FolderUpdate command is null",
         { "Failed to update calendar folder", "Failed to update contacts folder",
             "Failed to update mail folder" },
@@ -35,15 +59,16 @@ const FolderManagementRequest::Texts &FolderUpdateRequest::texts() const
     return texts;
 }
 
-Request::StatusRows FolderUpdateRequest::refusals()
+RequestStatusTable FolderUpdateRequest::refusals() const
 {
-    return {
-        refusal(
-            2, "Folder with a name", mDisplayName, "already exists on a server, need to request a new name"),
-        refusal(3, "Folder id is a special folder."),
-        refusal(4, "Folder does not exist:", mServerId),
-        refusal(5, "Parent folder does not exist:", mServerParentId),
-    };
+    return RequestStatusTable(refusalRows);
+}
+
+QString FolderUpdateRequest::refusedSubject(int status) const
+{
+    if (status == NameExists)
+        return mDisplayName;
+    return status == NoParent ? mServerParentId : mServerId;
 }
 
 bool FolderUpdateRequest::translate()
