@@ -241,6 +241,7 @@ void Request::retrySend()
 bool Request::consumeRetry()
 {
     if (!mAttempts.consume()) {
+        qCWarning(eas()) << "no more attempts, failing request";
         reportRequestCompleted();
         return false;
     }
