@@ -65,9 +65,10 @@ const QString CalendarMeetingConfLinkParamName = QStringLiteral("X-FENNEL-EAS-ME
 
 QDateTime ExchangeActiveSync::dateTimeFromString(const QString &text, const QTimeZone *zone)
 {
-    static const QRegularExpression form(QStringLiteral(
-        "\\A([0-9]{4})-?([0-9]{2})-?([0-9]{2})"
-        "(?:T([0-9]{2}):?([0-9]{2}):?([0-9]{2})(?:[.,]([0-9]{1,9}))?(Z|[+-][0-9]{2}:?[0-9]{2})?)?\\z"));
+    static const QRegularExpression form(
+        QStringLiteral("\\A([0-9]{4})-?([0-9]{2})-?([0-9]{2})"
+                       "(?:T([0-9]{2}):?([0-9]{2}):?([0-9]{2})(?:[.,]([0-9]{1,9})|([0-9]{3}))?(Z|[+-][0-9]{2}"
+                       ":?[0-9]{2})?)?\\z"));
     const QRegularExpressionMatch match = form.match(text);
     if (!match.hasMatch())
         return {};
@@ -75,11 +76,12 @@ QDateTime ExchangeActiveSync::dateTimeFromString(const QString &text, const QTim
         return match.capturedRef(group).toInt();
     };
     const QDate date(number(1), number(2), number(3));
-    const int milliseconds = match.captured(7).leftJustified(3, QLatin1Char('0'), true).toInt();
+    const int milliseconds =
+        (match.captured(7) + match.captured(8)).leftJustified(3, QLatin1Char('0'), true).toInt();
     const QTime time(number(4), number(5), number(6), milliseconds);
     if (!date.isValid() || !time.isValid())
         return {};
-    const QDateTime utc = QDateTime(date, time, Qt::UTC).addSecs(-offsetSeconds(match.captured(8)));
+    const QDateTime utc = QDateTime(date, time, Qt::UTC).addSecs(-offsetSeconds(match.captured(9)));
     return zone != nullptr && zone->isValid() ? utc.toTimeZone(*zone) : utc;
 }
 

@@ -32,6 +32,8 @@ private Q_SLOTS:
         QTest::newRow("microseconds")
             << QStringLiteral("2024-05-01T10:00:07.250999Z") << morning.addMSecs(250);
         QTest::newRow("compact") << QStringLiteral("20240501T100007Z") << morning;
+        QTest::newRow("compact with milliseconds")
+            << QStringLiteral("20240501T100007250Z") << morning.addMSecs(250);
         QTest::newRow("without an offset") << QStringLiteral("20240501T100007") << morning;
         QTest::newRow("east") << QStringLiteral("2024-05-01T12:30:07+02:30") << morning;
         QTest::newRow("west") << QStringLiteral("20240501T053007-0430") << morning;
@@ -57,7 +59,7 @@ private Q_SLOTS:
     {
         for (const char *text : { "", "x", "2024-13-01T10:00:00Z", "2023-02-29T10:00:00Z",
                  "2024-05-01T25:00:00Z", "2024-05-01T10:00:00ZZ", " 2024-05-01T10:00:00Z",
-                 "2024-05-01T10:00:00Z\n", "2024-05-01T10Z", "00000000T000000Z" })
+                 "2024-05-01T10:00:00Z\n", "2024-05-01T10Z", "20240501T1000072Z", "00000000T000000Z" })
             QVERIFY2(!dateTimeFromString(QString::fromLatin1(text), nullptr).isValid(), text);
     }
 
