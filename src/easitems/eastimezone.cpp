@@ -238,11 +238,12 @@ QTimeZone EasTimeZone::searchedZone(const QDateTime &from, const QDateTime &to) 
         const qint64 offset = -60 * qint64(mInformation.bias);
         return qAbs(offset) <= LargestOffset ? QTimeZone(int(offset)) : QTimeZone::utc();
     }
+    const QByteArray choice = search.choice(found);
     if (found.size() > 1) {
         qCInfo(eas()) << "Multiple matches for time zone" << mInformation.stdName << ", using first match"
-                      << found.first();
+                      << choice;
     }
-    return QTimeZone(found.first());
+    return QTimeZone(choice);
 }
 
 QByteArray EasTimeZone::encode(const KCalendarCore::Event &event)

@@ -29,9 +29,10 @@ public:
      * The zone that fits best, for an item between these two times (texts as the protocol writes them).
      *
      * By name where the name is one of Windows'. Otherwise the first zone of the system, in the system's
-     * order, that has the block's offset now and changes by the block's biases within the item's time; since
-     * the time of most items holds no change at all, next the first whose clocks change when the block says,
-     * over a year from the start. The last resort is the plain offset.
+     * order, that has the block's offset now and changes by the block's biases within the item's time (for a
+     * block without changes one whose clocks stay as they are is preferred); since the time of most items
+     * holds no change at all, next the first whose clocks change when the block says, over a year from the
+     * start. The last resort is the plain offset.
      */
     QTimeZone timeZone(const QString &startTime, const QString &endTime) const;
 

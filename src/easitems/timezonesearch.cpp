@@ -67,10 +67,10 @@ QByteArrayList TimeZoneSearch::zonesByBias() const
 
 bool TimeZoneSearch::changesByBias(const QTimeZone &zone) const
 {
+    if (!hasChanges())
+        return true;
     const bool wantsStandard = mInformation.stdDate.month != 0;
     const bool wantsDaylight = mInformation.dltDate.month != 0;
-    if (!wantsStandard && !wantsDaylight)
-        return true;
     bool stdMatch = false;
     bool dltMatch = false;
     const QTimeZone::OffsetDataList transitions = zone.transitions(mFrom, mTo);
@@ -83,6 +83,23 @@ bool TimeZoneSearch::changesByBias(const QTimeZone &zone) const
         }
     }
     return (!wantsStandard || stdMatch) && (!wantsDaylight || dltMatch);
+}
+
+bool TimeZoneSearch::hasChanges() const
+{
+    return mInformation.stdDate.month != 0 || mInformation.dltDate.month != 0;
+}
+
+QByteArray TimeZoneSearch::choice(const QByteArrayList &zones) const
+{
+    if (!hasChanges()) {
+        const QDateTime now = Clock::instance().currentDateTimeUtc();
+        for (const QByteArray &id : zones) {
+            if (QTimeZone(id).transitions(now, now.addYears(1)).isEmpty())
+                return id;
+        }
+    }
+    return zones.first();
 }
 
 QByteArrayList TimeZoneSearch::zonesByRule() const

@@ -21,6 +21,10 @@ public:
     /** Zones that have the block's offset at this moment, and change by its biases within the period. */
     QByteArrayList zonesByBias() const;
 
+    /** Of these zones the one to take: the first, but for a block without changes the first whose clocks do
+     * not change in the coming year, if there is one. */
+    QByteArray choice(const QByteArrayList &zones) const;
+
     /** Zones whose clocks change to the minute as the block says, over a year from the start. */
     QByteArrayList zonesByRule() const;
 
@@ -31,6 +35,7 @@ private:
         qint64 offset;
     };
 
+    bool hasChanges() const;
     bool changesByBias(const QTimeZone &zone) const;
     bool changesByRule(const QTimeZone &zone, const QList<Change> &expected) const;
     QList<Change> changesOfRule() const;

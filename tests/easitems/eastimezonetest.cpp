@@ -176,6 +176,41 @@ private Q_SLOTS:
                 QStringLiteral(", using first match"), QString::fromLatin1(first) }));
     }
 
+    void withoutChangesAZoneThatKeepsItsClocksIsTaken_data()
+    {
+        QTest::addColumn<QDateTime>("now");
+        QTest::addColumn<int>("minutes");
+        QTest::newRow("Hawaii in winter") << utc(2026, 1, 15) << -600;
+        QTest::newRow("Arizona in winter") << utc(2026, 1, 15) << -420;
+        QTest::newRow("Tonga in winter") << utc(2026, 1, 15) << 780;
+        QTest::newRow("Darwin in the southern winter") << utc(2026, 7, 15) << 570;
+        QTest::newRow("Fiji in the southern winter") << utc(2026, 7, 15) << 720;
+    }
+
+    void withoutChangesAZoneThatKeepsItsClocksIsTaken()
+    {
+        QFETCH(QDateTime, now);
+        QFETCH(int, minutes);
+        const FixedClock clock(now);
+        MSTimeZoneInformation information;
+        information.bias = -minutes;
+        const QTimeZone zone = resolved(information);
+        QCOMPARE(zone.offsetFromUtc(now), minutes * 60);
+        QVERIFY2(zone.transitions(now, now.addYears(1)).isEmpty(), zone.id().constData());
+    }
+
+    void theStandardBiasIsTakenOffTheBias()
+    {
+        const FixedClock clock(utc(2026, 1, 15));
+        MSTimeZoneInformation information = centralEurope(QStringLiteral("Halb und halb"));
+        information.bias = -30;
+        information.stdBias = -30;
+        information.dltBias = -90;
+        const QTimeZone zone = resolved(information);
+        QCOMPARE(zone.offsetFromUtc(utc(2026, 1, 15)), 3600);
+        QCOMPARE(zone.offsetFromUtc(utc(2026, 7, 15)), 7200);
+    }
+
     void withinALongItemTheBiasesDecide()
     {
         const FixedClock clock(utc(2026, 1, 15));
