@@ -4,6 +4,7 @@
 #include "client/eventtime.h"
 #include "client/output.h"
 #include "common/exchangeactivesync.h"
+#include "common/privilegedfolder.h"
 
 #include <KCalendarCore/ICalFormat>
 #include <KCalendarCore/OccurrenceIterator>
@@ -14,10 +15,20 @@
 
 using KCalendarCore::Event;
 
+namespace {
+
+mKCal::ExtendedStorage::Ptr storageOf(const mKCal::ExtendedCalendar::Ptr &calendar)
+{
+    PrivilegedFolder::make();
+    return mKCal::ExtendedCalendar::defaultStorage(calendar);
+}
+
+} // namespace
+
 EventStore::EventStore(EasAccountId accountId)
     : mAccountId(accountId)
     , mCalendar(new mKCal::ExtendedCalendar(QTimeZone::systemTimeZone()))
-    , mStorage(mKCal::ExtendedCalendar::defaultStorage(mCalendar))
+    , mStorage(storageOf(mCalendar))
 {
 }
 

@@ -40,11 +40,11 @@ private Q_SLOTS:
         QCOMPARE(used(), QStringLiteral("privileged/Calendar/mkcal/db"));
     }
 
-    void itStaysWhereItWasBegun()
+    void eachOpeningLooksForTheFolderAnew()
     {
         QCOMPARE(used(), QStringLiteral("Calendar/mkcal/db"));
         makePrivileged();
-        QCOMPARE(used(), QStringLiteral("Calendar/mkcal/db"));
+        QCOMPARE(used(), QStringLiteral("privileged/Calendar/mkcal/db"));
     }
 
     void theVariableGoesFirst()

@@ -12,11 +12,9 @@ QString StoreLocation::databaseName()
         return named;
     const QString system = QDir::homePath() + QLatin1String("/.local/share/system");
     const QFileInfo privileged(system + QLatin1String("/privileged"));
-    const QString file = QStringLiteral("/Calendar/mkcal/db");
-    // A calendar that was begun before there was a privileged folder stays where it is.
-    const bool usePrivileged = privileged.isDir() && privileged.isWritable()
-        && (QFileInfo::exists(privileged.filePath() + file) || !QFileInfo::exists(system + file));
-    const QString path = (usePrivileged ? privileged.filePath() : system) + file;
+    const bool usePrivileged = privileged.isDir() && privileged.isWritable();
+    const QString path =
+        (usePrivileged ? privileged.filePath() : system) + QLatin1String("/Calendar/mkcal/db");
     QDir().mkpath(QFileInfo(path).path());
     return path;
 }

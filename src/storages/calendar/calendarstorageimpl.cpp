@@ -4,6 +4,7 @@
 #include "application/account/easaccount.h"
 #include "application/base/clock.h"
 #include "application/base/logging.h"
+#include "common/privilegedfolder.h"
 #include "configurations/calendaraccountconfiguration.h"
 #include "easitems/eascalendaritem.h"
 #include "easitems/easfolderitem.h"
@@ -22,6 +23,8 @@ bool open(CalendarStoreContext &context)
         qCCritical(eas()) << "Cannot create calendar object";
         return false;
     }
+    // Without it the calendar can do; programs that open it later would find another.
+    PrivilegedFolder::make();
     context.storage = mKCal::ExtendedCalendar::defaultStorage(context.calendar);
     if (!context.storage) {
         qCCritical(eas()) << "Cannot create storage object";
