@@ -35,6 +35,15 @@ QString person(const QString &name, const QString &email)
     return name.isEmpty() ? email : QStringLiteral("%1 <%2>").arg(name, email);
 }
 
+/** The calendar store gives the organizer back among the attendees, as one who was never invited. */
+bool isOrganizerEntry(const Event &event, const Attendee &attendee)
+{
+    const bool isInvited = attendee.RSVP() || attendee.role() != Attendee::ReqParticipant
+        || (attendee.status() != Attendee::None && attendee.status() != Attendee::NeedsAction);
+    return !isInvited && !attendee.email().isEmpty()
+        && attendee.email().compare(event.organizer().email(), Qt::CaseInsensitive) == 0;
+}
+
 struct Period
 {
     ushort type;
@@ -121,14 +130,21 @@ QJsonObject EventView::describeWhole(const EventOccurrence &occurrence, const Ev
     object[QStringLiteral("reminders")] = reminders;
     if (!event->organizer().isEmpty())
         object[QStringLiteral("organizer")] = person(event->organizer().name(), event->organizer().email());
-    QJsonArray attendees;
-    const Attendee::List people = event->attendees();
-    for (const Attendee &attendee : people)
-        attendees.append(QStringLiteral("%1 (%2)").arg(
-            person(attendee.name(), attendee.email()), status(attendee.status())));
-    object[QStringLiteral("attendees")] = attendees;
+    object[QStringLiteral("attendees")] = QJsonArray::fromStringList(attendees(*event));
     object[QStringLiteral("text")] = event->description();
     return object;
+}
+
+QStringList EventView::attendees(const Event &event)
+{
+    QStringList names;
+    const Attendee::List people = event.attendees();
+    for (const Attendee &attendee : people) {
+        if (!isOrganizerEntry(event, attendee))
+            names.append(QStringLiteral("%1 (%2)").arg(
+                person(attendee.name(), attendee.email()), status(attendee.status())));
+    }
+    return names;
 }
 
 QString EventView::repetition(const Event &event)

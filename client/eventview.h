@@ -14,6 +14,9 @@ QJsonObject describe(const EventOccurrence &occurrence, const EventStore &store)
 /** With people, rule, reminders and the text. */
 QJsonObject describeWhole(const EventOccurrence &occurrence, const EventStore &store);
 
+/** Each with the answer; the organizer only if invited as well. */
+QStringList attendees(const KCalendarCore::Event &event);
+
 /** "every 2 weeks on Mon, Wed until 2024-12-31"; empty for an event that does not repeat. */
 QString repetition(const KCalendarCore::Event &event);
 

@@ -52,6 +52,22 @@ class EventViewTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void theOrganizerIsListedOnlyIfInvited()
+    {
+        using KCalendarCore::Attendee;
+        Event event;
+        event.setOrganizer(KCalendarCore::Person(QStringLiteral("Olga"), QStringLiteral("olga@example.com")));
+        event.addAttendee(Attendee(QString(), QStringLiteral("bob@example.com"), true, Attendee::Accepted));
+        event.addAttendee(Attendee(QStringLiteral("Olga"), QStringLiteral("Olga@example.com"), false,
+            Attendee::None, Attendee::ReqParticipant));
+        QCOMPARE(EventView::attendees(event), QStringList({ QStringLiteral("bob@example.com (accepted)") }));
+        event.clearAttendees();
+        event.addAttendee(
+            Attendee(QStringLiteral("Olga"), QStringLiteral("olga@example.com"), true, Attendee::Declined));
+        QCOMPARE(EventView::attendees(event),
+            QStringList({ QStringLiteral("Olga <olga@example.com> (declined)") }));
+    }
+
     void aMonthHasAColumnForEachDayOfTheWeek()
     {
         const QStringList lines = EventView::month(QDate(2024, 5, 17), {}, 80);
