@@ -20,12 +20,16 @@ namespace {
 
 const QString berlin = QStringLiteral("Europe/Berlin");
 
-/** A series that goes by a day of the month; the server does not tell by which one. */
+/** A series that goes by another day of the month than that of its start; the server does not tell by which.
+ */
 bool isUntold(const QString &iCalendar)
 {
-    static const QRegularExpression rule(QStringLiteral("RRULE:[^\r\n]*FREQ=MONTHLY[^\r\n]*"));
-    const auto match = rule.match(iCalendar);
-    return match.hasMatch() && !match.captured().contains(QStringLiteral("BYDAY"));
+    static const QRegularExpression rule(
+        QStringLiteral("RRULE:[^\r\n]*FREQ=MONTHLY[^\r\n]*BYMONTHDAY=(-?\\d+)"));
+    static const QRegularExpression start(QStringLiteral("BEGIN:VEVENT.*?DTSTART[^:]*:\\d{6}(\\d{2})"),
+        QRegularExpression::DotMatchesEverythingOption);
+    const auto day = rule.match(iCalendar);
+    return day.hasMatch() && day.captured(1).toInt() != start.match(iCalendar).captured(1).toInt();
 }
 
 /** The server keeps who is invited and what they said, but not whether they have to come. */

@@ -3,6 +3,7 @@
 
 #include "common/exchangeactivesync.h"
 #include "storages/calendar/calendareventproperties.h"
+#include "storages/calendar/calendareventreader.h"
 #include "support/calendarbed.h"
 #include "support/logcollector.h"
 #include "support/testmain.h"
@@ -300,6 +301,59 @@ private Q_SLOTS:
         QVERIFY(log.contains(QtWarningMsg, { QStringLiteral("Failed to add exception:") }));
         QVERIFY(mBed->event()->recurs());
         QCOMPARE(mBed->exceptions().size(), 1);
+    }
+
+    void whatCannotBePlacedGoesUpAsItCame_data()
+    {
+        QTest::addColumn<int>("version");
+        QTest::addColumn<bool>("otherRule");
+        QTest::addColumn<QStringList>("starts");
+        const QString moved = QStringLiteral("moved 20260330T100000Z");
+        const QString deleted = QStringLiteral("deleted 20260331T100000Z");
+        const QString bad = QStringLiteral("bad 20260401T070000Z");
+        const int before = ProtocolVersion141;
+        QTest::newRow("within its series") << before << false << QStringList { bad, deleted, moved };
+        QTest::newRow("after another rule") << before << true << QStringList();
+        // The server keeps what does not go up.
+        QTest::newRow("where exceptions go up alone") << int(ProtocolVersion161) << false << QStringList();
+    }
+
+    void whatCannotBePlacedGoesUpAsItCame()
+    {
+        QFETCH(int, version);
+        QFETCH(bool, otherRule);
+        mBed->account.setProtocolVersion(ExchangeActiveSync::ProtocolVersion(version));
+        EasCalendarItem moved = exceptionAt(berlin(3, 30, 12));
+        moved.setSubject(QStringLiteral("moved"));
+        moved.setStartTime(text(berlin(3, 30, 14)));
+        moved.setReminder(7);
+        moved.setCategories({ QStringLiteral("A, b"), QStringLiteral("c") });
+        EasCalendarItem bad = exceptionAt(berlin(4, 1));
+        bad.setSubject(QStringLiteral("bad"));
+        bad.setStartTime(QStringLiteral("now"));
+        EasCalendarItem item = series();
+        item.setExceptions({ moved, deletionAt(berlin(3, 31, 12)), bad });
+        QVERIFY(mBed->add(item));
+        const Event::Ptr event = mBed->event();
+        event->setLocation(QStringLiteral("An edit that has nothing to do with times"));
+        if (otherRule)
+            event->recurrence()->defaultRRule()->setFrequency(2);
+        EasCalendarItem upload;
+        QVERIFY(CalendarEventReader(mBed->device()).convert(event, upload, true));
+        QStringList starts;
+        const QList<EasCalendarItem> exceptions = upload.exceptions();
+        for (const EasCalendarItem &exception : exceptions) {
+            starts.append((exception.exceptionDeleted() ? QStringLiteral("deleted") : exception.subject())
+                + QLatin1Char(' ') + exception.exceptionStartTime());
+            QCOMPARE(exception.localId(), upload.localId());
+            if (exception.subject() != moved.subject())
+                continue;
+            QCOMPARE(exception.startTime(), moved.startTime());
+            QCOMPARE(exception.reminder(), 7);
+            QCOMPARE(exception.categories(), moved.categories());
+        }
+        starts.sort();
+        QTEST(starts, "starts");
     }
 
     void badExceptionsCostTheItem_data()

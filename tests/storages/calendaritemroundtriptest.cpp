@@ -153,6 +153,11 @@ private:
         EasRecurrenceContainer recurrence;
         recurrence.setType(EasRecurrenceContainer::DailyRecurrence);
         recurrence.setInterval(upTo(1, 3));
+        recurrence.setFirstDayOfWeek(EasRecurrenceContainer::FirstDayOfWeek(upTo(-1, 6)));
+        recurrence.setCalendarType(
+            oneOf<EasRecurrenceContainer::CalendarType>({ EasRecurrenceContainer::DefaultCalendar,
+                EasRecurrenceContainer::GregorianCalendar, EasRecurrenceContainer::HebrewLunarCalendar }));
+        recurrence.setLeapMonth(upTo(0, 1));
         if (chance(2))
             recurrence.setOccurrences(40);
         else
@@ -226,6 +231,10 @@ QStringList describe(const EasCalendarItem &item)
         << QStringLiteral("reply time ") + item.appointmentReplyTime()
         << QStringLiteral("links %1 %2").arg(item.onlineMeetingConfLink(), item.onlineMeetingExternalLink());
     const EasRecurrenceContainer r = item.recurrence();
+    lines << QStringLiteral("week from %1, calendar %2, leap month %3")
+                 .arg(r.firstDayOfWeek())
+                 .arg(r.calendarType())
+                 .arg(r.leapMonth());
     lines << QStringLiteral("recurrence %1 %2 %3 %4 %5")
                  .arg(r.type())
                  .arg(r.interval())

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "storages/calendar/calendarrecurrence.h"
 
+#include "storages/calendar/calendareventfield.h"
+
 #include "easitems/eascalendaritem.h"
 #include "support/logcollector.h"
 #include "support/testmain.h"
@@ -14,6 +16,7 @@ using KCalendarCore::RecurrenceRule;
 using Recurrence = EasRecurrenceContainer;
 using WDayPos = RecurrenceRule::WDayPos;
 
+Q_DECLARE_METATYPE(std::function<void(RecurrenceRule &)>)
 Q_DECLARE_METATYPE(EasRecurrenceContainer)
 
 namespace {
@@ -434,6 +437,58 @@ private Q_SLOTS:
         QCOMPARE(value, 64);
         CalendarRecurrence::convertDateToDayOfMonth(QDate(2026, 3, 7), value);
         QCOMPARE(value, 7);
+    }
+
+    void aMonthlySeriesWithoutADayIsThatOfItsStart()
+    {
+        EasCalendarItem item;
+        item.setRecurrence(recurrence(Recurrence::MonthlyRecurrence));
+        const Event::Ptr event = eventAt(Start);
+        const QTimeZone zone = Start.timeZone();
+        const LogCollector log;
+        QVERIFY(CalendarRecurrence::write({ event, item, zone }));
+        QCOMPARE(ruleOf(event).byMonthDays(), QList<int>({ 4 }));
+        QVERIFY(log.contains(QtInfoMsg, { QStringLiteral("fixed dayOfMonth"), QStringLiteral("4") }));
+        QCOMPARE(read(event).dayOfMonth(), 4);
+    }
+
+    void whatTheRuleCannotExpressGoesBackWithIt_data()
+    {
+        QTest::addColumn<std::function<void(RecurrenceRule &)>>("edit");
+        QTest::addColumn<bool>("isKept");
+        using Edit = std::function<void(RecurrenceRule &)>;
+        QTest::newRow("untouched") << Edit([](RecurrenceRule &) {}) << true;
+        QTest::newRow("ended") << Edit([](RecurrenceRule &rule) { rule.setDuration(7); }) << true;
+        QTest::newRow("another interval")
+            << Edit([](RecurrenceRule &rule) { rule.setFrequency(3); }) << false;
+        QTest::newRow("other days") << Edit([](RecurrenceRule &rule) { rule.setByDays({ WDayPos(0, 5) }); })
+                                    << false;
+    }
+
+    void whatTheRuleCannotExpressGoesBackWithIt()
+    {
+        QFETCH(std::function<void(RecurrenceRule &)>, edit);
+        QFETCH(bool, isKept);
+        Recurrence sent = recurrence(Recurrence::WeeklyRecurrence, Sunday | Wednesday);
+        sent.setInterval(2);
+        sent.setFirstDayOfWeek(Recurrence::SundayFirstDay);
+        sent.setCalendarType(Recurrence::HebrewLunarCalendar);
+        sent.setLeapMonth(1);
+        EasCalendarItem item;
+        item.setRecurrence(sent);
+        const Event::Ptr event = eventAt(Start);
+        const QTimeZone zone = Start.timeZone();
+        QVERIFY(CalendarRecurrence::write({ event, item, zone }));
+        edit(*event->recurrence()->defaultRRule());
+        const Recurrence back = read(event);
+        QCOMPARE(back.firstDayOfWeek(), isKept ? Recurrence::SundayFirstDay : Recurrence::UndefinedFirstDay);
+        QCOMPARE(back.calendarType(), isKept ? Recurrence::HebrewLunarCalendar : Recurrence::DefaultCalendar);
+        QCOMPARE(int(back.leapMonth()), isKept ? 1 : 0);
+
+        // Another rule of the server replaces what came with the one before.
+        item.setRecurrence(recurrence(Recurrence::DailyRecurrence));
+        QVERIFY(CalendarRecurrence::write({ event, item, zone }));
+        QCOMPARE(read(event).firstDayOfWeek(), Recurrence::UndefinedFirstDay);
     }
 
     void hostileNumbersEndInTime_data()

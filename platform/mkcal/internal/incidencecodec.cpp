@@ -3,6 +3,7 @@
 
 #include "internal/incidencefields.h"
 
+#include <KCalendarCore/Event>
 #include <KCalendarCore/ICalFormat>
 
 #include <QDebug>
@@ -34,6 +35,28 @@ Incidence::Ptr fromText(const QByteArray &text)
 {
     KCalendarCore::ICalFormat format;
     return format.fromString(QString::fromUtf8(text));
+}
+
+/** The store keeps the days of an all-day incidence, and no zone with them. */
+void setClockTime(const Incidence::Ptr &incidence)
+{
+    incidence->setDtStart(incidence->dtStart().date().startOfDay(Qt::LocalTime));
+    if (incidence->type() != Incidence::TypeEvent)
+        return;
+    const auto event = incidence.staticCast<KCalendarCore::Event>();
+    if (event->hasEndDate())
+        event->setDtEnd(event->dtEnd().date().startOfDay(Qt::LocalTime));
+}
+
+/** The store keeps the organizer among the attendees. */
+void addOrganizer(const Incidence::Ptr &incidence)
+{
+    const KCalendarCore::Person organizer = incidence->organizer();
+    if (organizer.email().isEmpty() || !incidence->attendeeByMail(organizer.email()).isNull())
+        return;
+    incidence->addAttendee(KCalendarCore::Attendee(organizer.name(), organizer.email(), false,
+                               KCalendarCore::Attendee::None, KCalendarCore::Attendee::ReqParticipant),
+        false);
 }
 
 void restore(const Incidence::Ptr &incidence, const QJsonObject &rest)
@@ -72,6 +95,10 @@ Incidence::Ptr IncidenceCodec::decode(const EncodedIncidence &encoded)
     const Incidence::Ptr incidence = fromText(encoded.text);
     if (incidence && !encoded.rest.isEmpty())
         restore(incidence, QJsonDocument::fromJson(encoded.rest).object());
+    if (incidence && incidence->allDay())
+        setClockTime(incidence);
+    if (incidence)
+        addOrganizer(incidence);
     return incidence;
 }
 

@@ -7,7 +7,9 @@
 #include "easitems/eastimezone.h"
 #include "storages/calendar/calendareventfields.h"
 #include "storages/calendar/calendareventproperties.h"
+#include "storages/calendar/calendarmidnight.h"
 #include "storages/calendar/calendaroccurrence.h"
+#include "storages/calendar/calendarreceivedrule.h"
 #include "storages/calendar/calendarrecurrence.h"
 #include "storages/calendar/calendarstorecontext.h"
 #include "storages/calendar/calendartimes.h"
@@ -39,7 +41,8 @@ bool CalendarEventReader::convert(const Event::Ptr &event, EasCalendarItem &item
     item.setLocalId(event->uid());
     item.setLocalStorageAccountId(mContext.accountId());
     CalendarEventFields::read({ *event, *event, mContext.protocolVersion(), item });
-    item.setTimezone(EasTimeZone::encode(*event));
+    const auto midnight = CalendarMidnight::of(*event);
+    item.setTimezone(midnight ? midnight->block().toLatin1() : EasTimeZone::encode(*event));
     return !event->recurs() || applySeries(event, item, withExceptions);
 }
 
@@ -71,7 +74,24 @@ bool CalendarEventReader::applySeries(
         }
     }
     applyDeletions(event, item);
+    if (mContext.exceptionsGoInSeries())
+        applyReceived(event, item);
     return true;
+}
+
+void CalendarEventReader::applyReceived(const Event::Ptr &event, EasCalendarItem &item) const
+{
+    QSet<QString> known;
+    const QList<EasCalendarItem> exceptions = item.exceptions();
+    for (const EasCalendarItem &exception : exceptions)
+        known.insert(exception.exceptionStartTime());
+    const QList<EasCalendarItem> received = CalendarReceivedRule(event).exceptions();
+    for (EasCalendarItem exception : received) {
+        exception.setServerId(item.serverId());
+        exception.setLocalId(item.localId());
+        if (!known.contains(exception.exceptionStartTime()))
+            item.appendException(exception);
+    }
 }
 
 void CalendarEventReader::applyLastDay(const Event &event, EasCalendarItem &item) const

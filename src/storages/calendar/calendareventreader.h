@@ -34,6 +34,8 @@ private:
         const KCalendarCore::Event::Ptr &event, EasCalendarItem &item, bool withExceptions) const;
     /** The end of an all-day series is the start of its last day. */
     void applyLastDay(const KCalendarCore::Event &event, EasCalendarItem &item) const;
+    /** Exceptions that the device has no place for: an upload that left them out would remove them. */
+    void applyReceived(const KCalendarCore::Event::Ptr &event, EasCalendarItem &item) const;
     void applyDeletions(const KCalendarCore::Event::Ptr &event, EasCalendarItem &item) const;
 
     const CalendarStoreContext &mContext;

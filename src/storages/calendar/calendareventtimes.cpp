@@ -3,6 +3,7 @@
 
 #include "application/base/logging.h"
 #include "storages/calendar/calendareventproperties.h"
+#include "storages/calendar/calendarmidnight.h"
 #include "storages/calendar/calendartimes.h"
 
 #include <limits>
@@ -34,6 +35,10 @@ bool writeStart(Writing w)
         return false;
     }
     w.event->setDtStart(start);
+    if (w.event->allDay())
+        CalendarMidnight(dateTimeFromString(w.item.startTime(), &w.zone), w.item.timezone()).keep(*w.event);
+    else
+        CalendarMidnight::clear(*w.event);
     return true;
 }
 

@@ -7,6 +7,7 @@
 #include "storages/calendar/calendareventfields.h"
 #include "storages/calendar/calendarorigin.h"
 #include "storages/calendar/calendarstorecontext.h"
+#include "storages/calendar/calendartimes.h"
 
 #include <KCalendarCore/CalFormat>
 
@@ -33,7 +34,7 @@ QTimeZone zoneForUpdate(const Event &event, const EasCalendarItem &item)
     const bool bringsZone =
         !item.timezone().isEmpty() || item.parameterHasBeenChanged(EasCalendarItem::StartTimeParameter);
     return bringsZone || !event.dtStart().isValid() ? CalendarEventWriter::getTimeZone(item.timezone(), item)
-                                                    : event.dtStart().timeZone();
+                                                    : CalendarTimes::zone(event);
 }
 
 } // namespace

@@ -6,6 +6,7 @@
 #include "storages/calendar/calendareventfields.h"
 #include "storages/calendar/calendareventproperties.h"
 #include "storages/calendar/calendaroccurrence.h"
+#include "storages/calendar/calendarreceivedrule.h"
 #include "storages/calendar/calendarstorecontext.h"
 
 #include <KCalendarCore/Recurrence>
@@ -66,8 +67,9 @@ bool CalendarExceptions::handleExceptions(
 {
     if (!areAcceptable(event, item, zone))
         return false;
-    QSet<QString> named;
+    QSet<QDateTime> named;
     QStringList deletedKeys;
+    QList<EasCalendarItem> unplaced;
     const QList<EasCalendarItem> exceptions = item.exceptions();
     for (const EasCalendarItem &exception : exceptions) {
         const auto occurrence = CalendarOccurrence::fromWire(event, exception.exceptionStartTime(), zone);
@@ -77,12 +79,16 @@ bool CalendarExceptions::handleExceptions(
                 return false;
             }
             deletedKeys.append(occurrence.key());
+            if (!occurrence.isOfRules())
+                unplaced.append(exception);
         } else if (addException(event, exception, folder, occurrence, zone)) {
-            named.insert(occurrence.key());
+            named.insert(occurrence.recurrenceId().toUTC());
         } else {
             qCWarning(eas()) << "Failed to add exception:" << exception.exceptionStartTime();
+            unplaced.append(exception);
         }
     }
+    CalendarReceivedRule(event).keepExceptions(unplaced);
     CalendarEventProperties::setKnownDeletions(*event, deletedKeys);
     return removeOthers(event, named);
 }
@@ -104,12 +110,6 @@ bool CalendarExceptions::deleteException(const Event::Ptr &event, const Calendar
     return !exception || remove(exception);
 }
 
-Event::Ptr CalendarExceptions::dissociated(
-    const Event::Ptr &event, const QDateTime &recurrenceId, const QTimeZone &zone) const
-{
-    return mContext.calendar->dissociateSingleOccurrence(event, recurrenceId, zone).dynamicCast<Event>();
-}
-
 bool CalendarExceptions::addException(const Event::Ptr &event, const EasCalendarItem &exception,
     const QString &folder, const CalendarOccurrence &occurrence, const QTimeZone &zone) const
 {
@@ -117,7 +117,7 @@ bool CalendarExceptions::addException(const Event::Ptr &event, const EasCalendar
     Event::Ptr target = mContext.calendar->event(event->uid(), recurrenceId);
     const bool isNew = !target;
     if (isNew)
-        target = dissociated(event, recurrenceId, event->dtStart().timeZone());
+        target = mContext.calendar->dissociateSingleOccurrence(event, recurrenceId).dynamicCast<Event>();
     else
         qCDebug(eas()) << "Exception found, reusing it";
     if (!target) {
@@ -131,11 +131,11 @@ bool CalendarExceptions::addException(const Event::Ptr &event, const EasCalendar
     return written && (!isNew || mContext.calendar->addEvent(target, folder));
 }
 
-bool CalendarExceptions::removeOthers(const Event::Ptr &event, const QSet<QString> &named) const
+bool CalendarExceptions::removeOthers(const Event::Ptr &event, const QSet<QDateTime> &named) const
 {
     const Event::List stored = mContext.calendar->eventInstances(event);
     for (const Event::Ptr &exception : stored) {
-        if (!named.contains(CalendarOccurrence(event, exception->recurrenceId()).key()) && !remove(exception))
+        if (!named.contains(exception->recurrenceId().toUTC()) && !remove(exception))
             return false;
     }
     return true;

@@ -14,7 +14,8 @@ class EasCalendarItem;
  * The exceptions of a series: occurrences that are left out, and occurrences that are events of their own.
  *
  * The item's list is the whole list; an exception of the store that it does not name goes. An exception whose
- * moment is no occurrence of the series is left out with a log line: it must not cost the user the series.
+ * moment is no occurrence of the series, or that cannot be understood, is left out with a log line, as it must
+ * not cost the user the series, and stands with the series as it came (CalendarReceivedRule).
  * Nothing is saved here. Main thread only.
  */
 class CalendarExceptions
@@ -42,9 +43,7 @@ private:
     bool deleteException(const KCalendarCore::Event::Ptr &event, const CalendarOccurrence &occurrence) const;
     bool addException(const KCalendarCore::Event::Ptr &event, const EasCalendarItem &exception,
         const QString &folder, const CalendarOccurrence &occurrence, const QTimeZone &zone) const;
-    KCalendarCore::Event::Ptr dissociated(
-        const KCalendarCore::Event::Ptr &event, const QDateTime &recurrenceId, const QTimeZone &zone) const;
-    bool removeOthers(const KCalendarCore::Event::Ptr &event, const QSet<QString> &named) const;
+    bool removeOthers(const KCalendarCore::Event::Ptr &event, const QSet<QDateTime> &named) const;
     bool remove(const KCalendarCore::Event::Ptr &exception) const;
 
     const CalendarStoreContext &mContext;

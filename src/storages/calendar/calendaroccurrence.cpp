@@ -12,7 +12,7 @@ using KCalendarCore::RecurrenceRule;
 
 CalendarOccurrence::CalendarOccurrence(const Event::Ptr &series, const QDateTime &moment)
     : mSeries(series)
-    , mMoment(moment)
+    , mMoment(series->allDay() && moment.isValid() ? CalendarTimes::clockTime(moment.date()) : moment)
 {
 }
 

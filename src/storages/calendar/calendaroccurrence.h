@@ -30,7 +30,8 @@ public:
     static QList<CalendarOccurrence> excludedFrom(const KCalendarCore::Event::Ptr &series);
 
     bool isValid() const { return mMoment.isValid(); }
-    /** As an exception of the series bears it. */
+    /** As an exception of the series bears it: that of a day is in clock time, since the store gives all-day
+     * series back in it, and no calendar would show an exception elsewhere. */
     QDateTime recurrenceId() const { return mMoment; }
     /** The same text for the same occurrence, whatever zone the device is in. */
     QString key() const;

@@ -6,6 +6,8 @@
 #include "common/exchangeactivesync.h"
 #include "easitems/eascalendaritem.h"
 #include "storages/calendar/calendareventfield.h"
+#include "storages/calendar/calendarreceivedrule.h"
+#include "storages/calendar/calendartimes.h"
 
 #include <KCalendarCore/Recurrence>
 
@@ -25,6 +27,16 @@ constexpr int LastWeek = 5;
 constexpr int LargestCount = 9999;
 
 // From the server's recurrence to a rule.
+
+/** Some servers leave out the day of a monthly series; it is that of its first occurrence. */
+EasRecurrenceContainer completed(EasRecurrenceContainer recurrence, const QDate &start)
+{
+    if (recurrence.type() == EasRecurrenceContainer::MonthlyRecurrence && recurrence.dayOfMonth() == 0) {
+        recurrence.setDayOfMonth(start.day());
+        qCInfo(eas()) << "fixed dayOfMonth" << recurrence.dayOfMonth();
+    }
+    return recurrence;
+}
 
 RecurrenceRule::PeriodType period(EasRecurrenceContainer::RecurrenceType type)
 {
@@ -93,7 +105,8 @@ bool setDays(RecurrenceRule &rule, const EasRecurrenceContainer &recurrence)
     }
 }
 
-bool setEnd(RecurrenceRule &rule, const EasRecurrenceContainer &recurrence, const QTimeZone &timeZone)
+bool setEnd(RecurrenceRule &rule, const EasRecurrenceContainer &recurrence, const QTimeZone &timeZone,
+    bool allDay)
 {
     if (recurrence.occurrences() > LargestCount)
         qCWarning(eas()) << "Too many occurrences to count, taken for endless:" << recurrence.occurrences();
@@ -101,7 +114,7 @@ bool setEnd(RecurrenceRule &rule, const EasRecurrenceContainer &recurrence, cons
         rule.setDuration(recurrence.occurrences());
     if (recurrence.until().isEmpty())
         return true;
-    const QDateTime until = ExchangeActiveSync::dateTimeFromString(recurrence.until(), &timeZone);
+    const QDateTime until = CalendarTimes::start(recurrence.until(), timeZone, allDay);
     if (!until.isValid()) {
         qCWarning(eas()) << "Wrong until time:" << recurrence.until();
         return false;
@@ -245,14 +258,17 @@ bool CalendarRecurrence::write(const CalendarFieldWriting &writing)
     const EasRecurrenceContainer recurrence = writing.item.recurrence();
     if (recurrence.type() == EasRecurrenceContainer::UndefinedRecurrence) {
         event->clearRecurrence(); // no series any more
+        CalendarReceivedRule(event).keep(recurrence);
         return true;
     }
-    // The last day of an all-day series is a day of the event's zone; any other end is a moment.
-    const QTimeZone zone = event->allDay() ? event->dtStart().timeZone() : Clock::instance().timeZone();
-    if (handleRecurrence(event, recurrence, zone))
-        return true;
-    qCWarning(eas()) << "Failed handling recurrence";
-    return false;
+    // The last day of an all-day series is a day of the item's zone; any other end is a moment.
+    const QTimeZone zone = event->allDay() ? writing.zone : Clock::instance().timeZone();
+    if (!handleRecurrence(event, completed(recurrence, event->dtStart().date()), zone)) {
+        qCWarning(eas()) << "Failed handling recurrence";
+        return false;
+    }
+    CalendarReceivedRule(event).keep(recurrence);
+    return true;
 }
 
 bool CalendarRecurrence::handleRecurrence(
@@ -268,7 +284,7 @@ bool CalendarRecurrence::handleRecurrence(
     auto rule = std::make_unique<RecurrenceRule>();
     rule->setRecurrenceType(type);
     rule->setStartDt(event->dtStart());
-    if (!setEnd(*rule, recurrence, timeZone))
+    if (!setEnd(*rule, recurrence, timeZone, event->allDay()))
         return false;
     rule->setFrequency(qMax(1, recurrence.interval()));
     if (!setDays(*rule, recurrence))
@@ -299,6 +315,7 @@ bool CalendarRecurrence::applyRecurrence(const Event::Ptr &event, EasCalendarIte
         recurrence.setInterval(int(rule->frequency()));
     if (!readPeriod(*rule, event->dtStart().date(), recurrence))
         return false;
+    CalendarReceivedRule(event).complete(recurrence);
     item.setRecurrence(recurrence);
     return true;
 }

@@ -1,36 +1,40 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "storages/calendar/calendartimes.h"
 
+#include "storages/calendar/calendarmidnight.h"
+
 using namespace ExchangeActiveSync;
 using KCalendarCore::Event;
 
-namespace {
-
-QDate nearestDay(const QDateTime &time)
+QDateTime CalendarTimes::clockTime(const QDate &day)
 {
-    constexpr int noon = 12;
-    return time.time().hour() < noon ? time.date() : time.date().addDays(1);
+    return day.startOfDay(Qt::LocalTime);
 }
-
-} // namespace
 
 QDateTime CalendarTimes::start(const QString &text, const QTimeZone &zone, bool allDay)
 {
     const QDateTime time = dateTimeFromString(text, &zone);
-    return time.isValid() && allDay ? nearestDay(time).startOfDay(zone) : time;
+    return time.isValid() && allDay ? clockTime(CalendarMidnight::day(time)) : time;
 }
 
 QDateTime CalendarTimes::end(const QString &text, const QTimeZone &zone, bool allDay)
 {
     const QDateTime time = dateTimeFromString(text, &zone);
-    return time.isValid() && allDay ? nearestDay(time).addDays(-1).startOfDay(zone) : time;
+    return time.isValid() && allDay ? clockTime(CalendarMidnight::day(time).addDays(-1)) : time;
+}
+
+QTimeZone CalendarTimes::zone(const Event &event)
+{
+    const auto midnight = CalendarMidnight::of(event);
+    return midnight ? midnight->zone() : event.dtStart().timeZone();
 }
 
 QString CalendarTimes::dayText(const Event &series, const QDate &day, ProtocolVersion version)
 {
     if (version >= ProtocolVersion160)
         return dateTimeToString(QDateTime(day, QTime(0, 0), Qt::UTC));
-    return dateTimeToString(day.startOfDay(series.dtStart().timeZone()));
+    const auto midnight = CalendarMidnight::of(series);
+    return dateTimeToString(midnight ? midnight->begin(day) : day.startOfDay(series.dtStart().timeZone()));
 }
 
 QString CalendarTimes::startText(const Event &event, const Event &series, ProtocolVersion version)

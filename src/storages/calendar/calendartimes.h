@@ -12,18 +12,24 @@
 /**
  * Between the times of an item and those of an event.
  *
- * An all-day event lasts from midnight to midnight of its zone, and its last day counts. Where the zone of a
- * server could only be guessed its midnight can be an hour or two from ours; the nearest midnight keeps the
- * day.
+ * An all-day event of the device has days and no zone: clock time, from the beginning of its first day to the
+ * beginning of its last. On the wire days are midnights of some zone, which can be an hour or two from where
+ * they should be, as the zone of a server can only be guessed; the nearest midnight keeps the day.
  */
 namespace CalendarTimes {
+
+/** The beginning of a day in the form in which the device has all-day events and names their occurrences. */
+QDateTime clockTime(const QDate &day);
 
 /** Invalid if the text is no time. */
 QDateTime start(const QString &text, const QTimeZone &zone, bool allDay);
 QDateTime end(const QString &text, const QTimeZone &zone, bool allDay);
 
+/** The zone of the item that the event was made of. */
+QTimeZone zone(const KCalendarCore::Event &event);
+
 /** A day of a series, or of one of its exceptions, as the protocol writes it: from 16.0 on a day belongs to
- * no zone, before it begins at the midnight of the series. */
+ * no zone, before it begins when the server says that it does, or at midnight of the zone of the series. */
 QString dayText(
     const KCalendarCore::Event &series, const QDate &day, ExchangeActiveSync::ProtocolVersion version);
 /** The start of an event; series is the event itself or, for an exception, its series. */
