@@ -158,18 +158,21 @@ bool addContacts(ContactBook &book, int count)
     return collection.has_value();
 }
 
-/** Prints how many events and exceptions, contacts and pictures there are. */
-void count(const EventBook &calendar, const ContactBook &book)
+/** Prints how many events and exceptions, contacts and pictures there are; false if they cannot be read. */
+bool count(const EventBook &calendar, const ContactBook &book)
 {
     int exceptions = 0;
     const Event::List events = calendar.events();
     for (const Event::Ptr &event : events)
         exceptions += event->hasRecurrenceId() ? 1 : 0;
     int pictures = 0;
-    const QList<QContact> contacts = book.contacts();
+    QList<QContact> contacts;
+    if (!book.contacts({}, &contacts))
+        return false;
     for (const QContact &contact : contacts)
         pictures += QFile::exists(contact.detail<QContactAvatar>().imageUrl().toLocalFile()) ? 1 : 0;
     std::printf("%d %d %d %d\n", events.size() - exceptions, exceptions, contacts.size(), pictures);
+    return true;
 }
 
 } // namespace
@@ -191,6 +194,5 @@ int main(int argc, char **argv)
     if (!calendar.open() || !book.open() || !calendar.add(parser.value(events).toInt())
         || !addContacts(book, parser.value(contacts).toInt()))
         return 1;
-    count(calendar, book);
-    return 0;
+    return count(calendar, book) ? 0 : 1;
 }

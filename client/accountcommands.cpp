@@ -2,165 +2,144 @@
 #include "client/accountcommands.h"
 
 #include "client/accountdirectory.h"
+#include "client/accountoptions.h"
 #include "client/commandcontext.h"
 #include "client/credentials.h"
-#include "client/exitstatus.h"
 #include "client/passwordinput.h"
 
 #include <QCommandLineParser>
-#include <QMap>
-#include <QUrl>
 
 namespace {
 
 const QCommandLineOption PasswordDescriptor(QStringLiteral("password-fd"),
     QStringLiteral("Read the password from this descriptor."), QStringLiteral("n"));
 
-const QMap<QString, QString> &folderPolicies()
+const Columns &columnsOfOne()
 {
-    static const QMap<QString, QString> policies {
-        { QStringLiteral("all"), QStringLiteral("ignore-flags") },
-        { QStringLiteral("inbox"), QStringLiteral("inbox-only") },
-        { QStringLiteral("marked"), QStringLiteral("follow-flags") },
-    };
-    return policies;
+    static const Columns columns { { "id", "number" }, { "name", "name" }, { "address", "address" },
+        { "server", "server" }, { "port", "port" }, { "secure", "encrypted" },
+        { "acceptAll", "any certificate" }, { "user", "user" }, { "domain", "domain" },
+        { "services", "services" }, { "folders", "mail folders" }, { "pastTime", "past time" },
+        { "protocolVersion", "prefers version" }, { "versions", "server's versions" },
+        { "enabled", "enabled" }, { "blocked", "blocked" } };
+    return columns;
 }
 
-bool readPassword(const QCommandLineParser &parser, const QString &userName, QString *password)
+/** The password of the option or from the terminal; another status than success tells of an error. */
+int readPassword(const QCommandLineParser &parser, const QString &userName, QString *password)
 {
     QString error;
-    bool isNumber = true;
-    const bool read = parser.isSet(PasswordDescriptor)
-        ? PasswordInput::fromDescriptor(parser.value(PasswordDescriptor).toInt(&isNumber), password, &error)
-        : PasswordInput::fromTerminal(QStringLiteral("Password for %1: ").arg(userName), password, &error);
-    if (!read || !isNumber)
-        Output::error(isNumber ? error : QStringLiteral("--password-fd needs a number"));
-    return read && isNumber;
-}
-
-/** Takes the address apart; the path is always the protocol's own. */
-bool readServer(const QString &text, NewAccount *account)
-{
-    const QUrl url(text.contains(QLatin1String("://")) ? text : QStringLiteral("https://") + text);
-    const bool http = url.scheme() == QLatin1String("http");
-    if (!url.isValid() || url.host().isEmpty() || (!http && url.scheme() != QLatin1String("https"))) {
-        Output::error(QStringLiteral("\"%1\" is no server address; give HOST, HOST:PORT or a URL").arg(text));
-        return false;
+    PasswordInput::Outcome outcome = PasswordInput::Outcome::Failed;
+    if (parser.isSet(PasswordDescriptor)) {
+        const std::optional<int> descriptor =
+            CommandContext::number(parser, PasswordDescriptor.names().first(), 0, 0, INT_MAX);
+        if (!descriptor)
+            return ExitUsage;
+        outcome = PasswordInput::fromDescriptor(*descriptor, password, &error);
+    } else {
+        outcome =
+            PasswordInput::fromTerminal(QStringLiteral("Password for %1: ").arg(userName), password, &error);
     }
-    account->server = url.host();
-    account->secure = !http;
-    account->port = url.port(http ? 80 : 443);
-    return true;
-}
-
-/** What is left of all services; false, after an error, if one is unknown or none is left. */
-bool readServices(const QStringList &without, NewAccount *account)
-{
-    account->services = AccountDirectory::serviceNames();
-    for (const QString &name : without) {
-        if (!AccountDirectory::serviceNames().contains(name)) {
-            Output::error(QStringLiteral("--without is one of %1")
-                              .arg(AccountDirectory::serviceNames().join(QStringLiteral(", "))));
-            return false;
-        }
-        account->services.removeAll(name);
+    switch (outcome) {
+    case PasswordInput::Outcome::Read:
+        return ExitSuccess;
+    case PasswordInput::Outcome::Interrupted:
+        Output::error(QStringLiteral("cancelled"));
+        return ExitCancelled;
+    case PasswordInput::Outcome::Failed:
+        break;
     }
-    if (account->services.isEmpty())
-        Output::error(QStringLiteral("an account without any service does nothing"));
-    return !account->services.isEmpty();
+    Output::error(error);
+    return ExitFailure;
 }
 
-/** The account that the command names behind its name, or the one that is meant without. */
-EasAccountId namedAccount(
-    const CommandContext &context, const QCommandLineParser &parser, const AccountDirectory &directory)
+/** Parses, and finds the account that the command names behind its name, or the one that is meant without. */
+int selectNamed(CommandContext &context, QCommandLineParser &parser, int fewest, EasAccountId *id)
 {
+    if (!context.parse(parser, fewest, 1))
+        return context.exitStatus();
     const QString named = parser.positionalArguments().value(0);
-    return named.isEmpty() ? context.accountId() : directory.find(named);
+    return named.isEmpty() ? context.selectAccount(id) : context.accounts().find(named, id);
 }
 
-int switchAccount(const CommandContext &context, bool enabled)
+QJsonObject factsOf(EasAccountId id)
+{
+    return { { QStringLiteral("id"), QString::number(id) } };
+}
+
+int switchAccount(CommandContext &context, bool enabled)
 {
     QCommandLineParser parser;
-    if (!context.parse(parser, 0, 1))
-        return ExitUsage;
-    AccountDirectory directory;
-    const EasAccountId id = namedAccount(context, parser, directory);
-    if (id == 0)
-        return ExitNotFound;
-    if (!directory.setEnabled(id, enabled))
+    EasAccountId id = 0;
+    const int selected = selectNamed(context, parser, 0, &id);
+    if (selected != ExitSuccess)
+        return selected;
+    if (!context.accounts().setEnabled(id, enabled))
         return ExitFailure;
-    context.output().message(QStringLiteral("account %1 %2")
-                                 .arg(id)
-                                 .arg(enabled ? QStringLiteral("enabled") : QStringLiteral("disabled")));
+    context.output().done(QStringLiteral("account %1 %2")
+                              .arg(id)
+                              .arg(enabled ? QStringLiteral("enabled") : QStringLiteral("disabled")),
+        factsOf(id));
     return ExitSuccess;
 }
 
 } // namespace
 
-int AccountCommands::add(const CommandContext &context)
+int AccountCommands::add(CommandContext &context)
 {
     QCommandLineParser parser;
-    const QCommandLineOption server(QStringLiteral("server"), QString(), QStringLiteral("address"));
-    const QCommandLineOption user(QStringLiteral("user"), QString(), QStringLiteral("name"));
-    const QCommandLineOption domain(QStringLiteral("domain"), QString(), QStringLiteral("name"));
-    const QCommandLineOption name(QStringLiteral("name"), QString(), QStringLiteral("text"));
-    const QCommandLineOption folders(
-        QStringLiteral("folders"), QString(), QStringLiteral("which"), QStringLiteral("all"));
-    const QCommandLineOption version(
-        QStringLiteral("protocol-version"), QString(), QStringLiteral("version"));
-    const QCommandLineOption past(
-        QStringLiteral("past-time"), QString(), QStringLiteral("0-8"), QStringLiteral("0"));
-    const QCommandLineOption acceptAll(QStringLiteral("accept-all-certificates"));
-    const QCommandLineOption without(QStringLiteral("without"), QString(), QStringLiteral("service"));
-    parser.addOptions(
-        { server, user, domain, name, folders, version, past, acceptAll, without, PasswordDescriptor });
+    const AccountOptions options(parser);
+    parser.addOption(PasswordDescriptor);
     if (!context.parse(parser, 1, 1))
+        return context.exitStatus();
+    AccountSettings settings;
+    if (!options.read(&settings) || !options.complete(parser.positionalArguments().first(), &settings))
         return ExitUsage;
-
-    NewAccount account;
-    account.emailAddress = parser.positionalArguments().first();
-    account.name = parser.isSet(name) ? parser.value(name) : account.emailAddress;
-    account.userName = parser.isSet(user) ? parser.value(user) : account.emailAddress;
-    account.domain = parser.value(domain);
-    account.protocolVersion = parser.value(version);
-    account.pastTime = parser.value(past).toInt();
-    account.acceptAllCertificates = parser.isSet(acceptAll);
-    account.folderPolicy = folderPolicies().value(parser.value(folders));
-    if (account.folderPolicy.isEmpty()) {
-        Output::error(QStringLiteral("--folders is one of all, inbox, marked"));
-        return ExitUsage;
-    }
-    if (!readServices(parser.values(without), &account))
-        return ExitUsage;
-    const QString address =
-        parser.isSet(server) ? parser.value(server) : account.emailAddress.section(QLatin1Char('@'), 1);
-    if (!readServer(address, &account))
-        return ExitUsage;
-
-    AccountDirectory directory;
+    AccountDirectory &directory = context.accounts();
     if (!directory.usable())
         return ExitUnavailable;
+    if (!directory.canAdd(settings))
+        return ExitFailure;
     QString password;
-    if (!readPassword(parser, account.userName, &password))
-        return ExitFailure;
-    account.credentialsId = Credentials::store(0, account.name, account.userName, password);
-    if (account.credentialsId == 0)
+    const int read = readPassword(parser, *settings.userName, &password);
+    if (read != ExitSuccess)
+        return read;
+    const quint32 credentials = Credentials::store(0, *settings.name, *settings.userName, password);
+    if (credentials == 0)
         return ExitUnavailable;
-    const EasAccountId id = directory.add(account);
-    if (id == 0)
+    const EasAccountId id = directory.add(settings, credentials);
+    if (id == 0) {
+        // A password without an account would stay for ever.
+        Credentials::remove(credentials);
         return ExitFailure;
-    if (context.output().isJson())
-        context.output().object(directory.describe(id));
-    context.output().message(QStringLiteral("account %1 added").arg(id));
+    }
+    context.output().done(QStringLiteral("account %1 added").arg(id), directory.describe(id));
     return ExitSuccess;
 }
 
-int AccountCommands::list(const CommandContext &context)
+int AccountCommands::edit(CommandContext &context)
+{
+    QCommandLineParser parser;
+    const AccountOptions options(parser);
+    EasAccountId id = 0;
+    const int selected = selectNamed(context, parser, 0, &id);
+    if (selected != ExitSuccess)
+        return selected;
+    AccountSettings settings;
+    if (!options.read(&settings))
+        return ExitUsage;
+    if (!context.accounts().edit(id, settings))
+        return ExitFailure;
+    context.output().done(QStringLiteral("account %1 changed").arg(id), context.accounts().describe(id));
+    return ExitSuccess;
+}
+
+int AccountCommands::list(CommandContext &context)
 {
     QCommandLineParser parser;
     if (!context.parse(parser, 0, 0))
-        return ExitUsage;
-    AccountDirectory directory;
+        return context.exitStatus();
+    const AccountDirectory &directory = context.accounts();
     if (!directory.usable())
         return ExitUnavailable;
     QJsonArray rows;
@@ -168,73 +147,71 @@ int AccountCommands::list(const CommandContext &context)
     for (const EasAccountId id : ids)
         rows.append(directory.describe(id));
     context.output().rows(
-        { { QStringLiteral("id"), QStringLiteral("ID") }, { QStringLiteral("name"), QStringLiteral("NAME") },
-            { QStringLiteral("server"), QStringLiteral("SERVER") },
-            { QStringLiteral("services"), QStringLiteral("SERVICES") },
-            { QStringLiteral("enabled"), QStringLiteral("ENABLED") },
-            { QStringLiteral("blocked"), QStringLiteral("BLOCKED") } },
+        { { "id", "ID" }, { "name", "NAME" }, { "server", "SERVER" }, { "services", "SERVICES" },
+            { "enabled", "ENABLED" }, { "blocked", "BLOCKED" } },
         rows);
     return ExitSuccess;
 }
 
-int AccountCommands::show(const CommandContext &context)
+int AccountCommands::show(CommandContext &context)
 {
     QCommandLineParser parser;
-    if (!context.parse(parser, 0, 1))
-        return ExitUsage;
-    AccountDirectory directory;
-    const EasAccountId id = namedAccount(context, parser, directory);
-    if (id == 0)
-        return ExitNotFound;
-    context.output().object(directory.describe(id));
-    return ExitSuccess;
+    EasAccountId id = 0;
+    const int selected = selectNamed(context, parser, 0, &id);
+    if (selected == ExitSuccess)
+        context.output().object(columnsOfOne(), context.accounts().describe(id));
+    return selected;
 }
 
-int AccountCommands::enable(const CommandContext &context)
+int AccountCommands::enable(CommandContext &context)
 {
     return switchAccount(context, true);
 }
 
-int AccountCommands::disable(const CommandContext &context)
+int AccountCommands::disable(CommandContext &context)
 {
     return switchAccount(context, false);
 }
 
-int AccountCommands::remove(const CommandContext &context)
+int AccountCommands::remove(CommandContext &context)
 {
     QCommandLineParser parser;
-    if (!context.parse(parser, 1, 1))
-        return ExitUsage;
-    AccountDirectory directory;
-    const EasAccountId id = directory.find(parser.positionalArguments().first());
-    if (id == 0)
-        return ExitNotFound;
-    const quint32 credentials = directory.credentialsId(id);
-    if (!directory.remove(id))
+    EasAccountId id = 0;
+    const int selected = selectNamed(context, parser, 1, &id);
+    if (selected != ExitSuccess)
+        return selected;
+    const quint32 credentials = context.accounts().credentialsId(id);
+    if (!context.accounts().remove(id))
         return ExitFailure;
-    context.output().message(QStringLiteral("account %1 removed").arg(id));
-    return Credentials::remove(credentials) ? ExitSuccess : ExitFailure;
+    if (!Credentials::remove(credentials)) {
+        Output::error(
+            QStringLiteral("account %1 is removed, but its password is still in the sign-on service")
+                .arg(id));
+        return ExitFailure;
+    }
+    context.output().done(QStringLiteral("account %1 removed").arg(id), factsOf(id));
+    return ExitSuccess;
 }
 
-int AccountCommands::password(const CommandContext &context)
+int AccountCommands::password(CommandContext &context)
 {
     QCommandLineParser parser;
     parser.addOption(PasswordDescriptor);
-    if (!context.parse(parser, 0, 1))
-        return ExitUsage;
-    AccountDirectory directory;
-    const EasAccountId id = namedAccount(context, parser, directory);
-    if (id == 0)
-        return ExitNotFound;
+    EasAccountId id = 0;
+    const int selected = selectNamed(context, parser, 0, &id);
+    if (selected != ExitSuccess)
+        return selected;
+    AccountDirectory &directory = context.accounts();
     QString password;
-    if (!readPassword(parser, directory.userName(id), &password))
-        return ExitFailure;
+    const int read = readPassword(parser, directory.userName(id), &password);
+    if (read != ExitSuccess)
+        return read;
     const quint32 credentials = Credentials::store(
         directory.credentialsId(id), QStringLiteral("Exchange"), directory.userName(id), password);
     if (credentials == 0)
         return ExitUnavailable;
     if (!directory.credentialsChanged(id, credentials))
         return ExitFailure;
-    context.output().message(QStringLiteral("password of account %1 stored").arg(id));
+    context.output().done(QStringLiteral("password of account %1 stored").arg(id), factsOf(id));
     return ExitSuccess;
 }

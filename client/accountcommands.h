@@ -6,12 +6,13 @@ class CommandContext;
 /** The commands "account ..." and "password"; each returns an exit status. */
 namespace AccountCommands {
 
-int add(const CommandContext &context);
-int list(const CommandContext &context);
-int show(const CommandContext &context);
-int enable(const CommandContext &context);
-int disable(const CommandContext &context);
-int remove(const CommandContext &context);
-int password(const CommandContext &context);
+int add(CommandContext &context);
+int edit(CommandContext &context);
+int list(CommandContext &context);
+int show(CommandContext &context);
+int enable(CommandContext &context);
+int disable(CommandContext &context);
+int remove(CommandContext &context);
+int password(CommandContext &context);
 
 } // namespace AccountCommands

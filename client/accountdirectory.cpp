@@ -2,6 +2,7 @@
 #include "client/accountdirectory.h"
 
 #include "accounts/base/accountstore.h"
+#include "client/exitstatus.h"
 #include "client/output.h"
 
 #include <Accounts/Account>
@@ -12,7 +13,14 @@ namespace {
 const auto Provider = QStringLiteral("fenneleas");
 const auto MailServiceType = QStringLiteral("e-mail");
 
-const auto ServerAddress = QStringLiteral("connection/server_address");
+const auto Host = QStringLiteral("connection/server_address");
+const auto GlobalHost = QStringLiteral("network/server_address");
+const auto UserName = QStringLiteral("default_credentials_username");
+const auto EmailAddress = QStringLiteral("connection/emailaddress");
+const auto PreferredVersion = QStringLiteral("connection/preferred_protocol_version");
+const auto FolderPolicy = QStringLiteral("folderSyncPolicy");
+const auto PastTime = QStringLiteral("sync_past_time");
+const auto CredentialsId = QStringLiteral("CredentialsId");
 const auto Port = QStringLiteral("connection/port");
 const auto Secure = QStringLiteral("connection/secure_connection");
 const auto AcceptAll = QStringLiteral("connection/accept_all_certificates");
@@ -33,7 +41,46 @@ constexpr ServiceName Services[] = {
     { "contacts", "fenneleas-contacts" },
 };
 
+struct FolderChoice
+{
+    const char *word;
+    const char *policy;
+};
+
+constexpr FolderChoice FolderChoices[] = {
+    { "all", "ignore-flags" },
+    { "inbox", "inbox-only" },
+    { "marked", "follow-flags" },
+};
+
+/** The word for a policy; the policy itself if it is another program's. */
+QString folderWord(const QString &policy)
+{
+    for (const FolderChoice &choice : FolderChoices) {
+        if (policy == QLatin1String(choice.policy))
+            return QLatin1String(choice.word);
+    }
+    return policy;
+}
+
+QString folderPolicy(const QString &word)
+{
+    for (const FolderChoice &choice : FolderChoices) {
+        if (word == QLatin1String(choice.word))
+            return QLatin1String(choice.policy);
+    }
+    return word;
+}
+
 } // namespace
+
+QStringList AccountDirectory::folderChoices()
+{
+    QStringList words;
+    for (const FolderChoice &choice : FolderChoices)
+        words.append(QLatin1String(choice.word));
+    return words;
+}
 
 QStringList AccountDirectory::serviceNames()
 {
@@ -72,25 +119,54 @@ QList<EasAccountId> AccountDirectory::accounts() const
     return ids;
 }
 
-EasAccountId AccountDirectory::find(const QString &account) const
+QStringList AccountDirectory::namesOf(EasAccountId id) const
+{
+    const auto account = load(id);
+    if (!account)
+        return {};
+    account->selectService();
+    return { account->displayName(), account->valueAsString(EmailAddress) };
+}
+
+int AccountDirectory::find(const QString &wanted, EasAccountId *id) const
 {
     if (!usable())
-        return 0;
-    const QList<EasAccountId> ids = accounts();
-    if (account.isEmpty()) {
-        if (ids.size() == 1)
-            return ids.first();
-        Output::error(ids.isEmpty()
-                ? QStringLiteral("there is no account; add one with fennel-easctl account add")
-                : QStringLiteral("there are several accounts; name one with --account"));
-        return 0;
+        return ExitUnavailable;
+    const QList<EasAccountId> all = accounts();
+    QList<EasAccountId> exact;
+    QList<EasAccountId> near;
+    for (const EasAccountId candidate : all) {
+        const QStringList names = namesOf(candidate);
+        if (wanted.isEmpty() || QString::number(candidate) == wanted)
+            exact.append(candidate);
+        else if (names.contains(wanted, Qt::CaseInsensitive))
+            near.append(candidate);
     }
-    for (const EasAccountId id : ids) {
-        if (QString::number(id) == account || load(id)->displayName() == account)
-            return id;
+    if (exact.isEmpty() && near.isEmpty()) {
+        for (const EasAccountId candidate : all) {
+            for (const QString &name : namesOf(candidate)) {
+                const bool isMeant =
+                    name.section(QLatin1Char('@'), 0, 0).compare(wanted, Qt::CaseInsensitive) == 0;
+                if (isMeant && !near.contains(candidate))
+                    near.append(candidate);
+            }
+        }
     }
-    Output::error(QStringLiteral("there is no account \"%1\"").arg(account));
-    return 0;
+    const QList<EasAccountId> &found = exact.isEmpty() ? near : exact;
+    if (found.size() == 1) {
+        *id = found.first();
+        return ExitSuccess;
+    }
+    if (found.size() > 1) {
+        Output::error(wanted.isEmpty()
+                ? QStringLiteral("there are several accounts; name one with --account")
+                : QStringLiteral("several accounts are called \"%1\"; give the number of one").arg(wanted));
+        return ExitUsage;
+    }
+    Output::error(wanted.isEmpty()
+            ? QStringLiteral("there is no account; add one with fennel-easctl account add")
+            : QStringLiteral("there is no account \"%1\"").arg(wanted));
+    return ExitNotFound;
 }
 
 QJsonObject AccountDirectory::describe(EasAccountId id) const
@@ -100,24 +176,60 @@ QJsonObject AccountDirectory::describe(EasAccountId id) const
     if (!account)
         return object;
     account->selectService();
-    object[QStringLiteral("id")] = double(id);
+    object[QStringLiteral("id")] = QString::number(id);
     object[QStringLiteral("name")] = account->displayName();
-    object[QStringLiteral("user")] = account->valueAsString(QStringLiteral("default_credentials_username"));
-    object[QStringLiteral("address")] = account->valueAsString(QStringLiteral("connection/emailaddress"));
+    object[QStringLiteral("user")] = account->valueAsString(UserName);
+    object[QStringLiteral("address")] = account->valueAsString(EmailAddress);
     object[QStringLiteral("versions")] = account->valueAsString(QStringLiteral("last_known_versions"));
-    object[QStringLiteral("folders")] = account->valueAsString(QStringLiteral("folderSyncPolicy"));
+    object[QStringLiteral("protocolVersion")] = account->valueAsString(PreferredVersion);
+    object[QStringLiteral("folders")] = folderWord(account->valueAsString(FolderPolicy));
     object[QStringLiteral("enabled")] = account->enabled();
     object[QStringLiteral("services")] = QJsonArray::fromStringList(enabledServices(*account));
     account->selectService(mailService(*account));
-    object[QStringLiteral("server")] = account->valueAsString(ServerAddress);
+    object[QStringLiteral("server")] = account->valueAsString(Host);
     object[QStringLiteral("port")] = account->valueAsInt(Port);
     object[QStringLiteral("secure")] = account->valueAsBool(Secure);
+    object[QStringLiteral("domain")] = account->valueAsString(Domain);
     object[QStringLiteral("acceptAll")] = account->valueAsBool(AcceptAll);
+    object[QStringLiteral("pastTime")] = account->valueAsInt(PastTime);
     object[QStringLiteral("blocked")] = account->valueAsBool(NeedUpdate);
     return object;
 }
 
-EasAccountId AccountDirectory::add(const NewAccount &settings)
+bool AccountDirectory::isEnabled(EasAccountId id) const
+{
+    return describe(id).value(QStringLiteral("enabled")).toBool();
+}
+
+bool AccountDirectory::isBlocked(EasAccountId id) const
+{
+    return describe(id).value(QStringLiteral("blocked")).toBool();
+}
+
+bool AccountDirectory::canAdd(const AccountSettings &settings) const
+{
+    if (!usable())
+        return false;
+    if (!mManager->service(QLatin1String(Services[0].service)).isValid()) {
+        Output::error(QStringLiteral("the account provider's description is not installed"));
+        return false;
+    }
+    const QList<EasAccountId> all = accounts();
+    for (const EasAccountId id : all) {
+        const QJsonObject known = describe(id);
+        const bool isSame = known.value(QStringLiteral("address")).toString() == settings.emailAddress
+            && known.value(QStringLiteral("user")).toString() == settings.userName
+            && known.value(QStringLiteral("server")).toString() == settings.server->host;
+        if (isSame) {
+            Output::error(
+                QStringLiteral("account %1 is this one already; change it with account edit").arg(id));
+            return false;
+        }
+    }
+    return true;
+}
+
+EasAccountId AccountDirectory::add(const AccountSettings &settings, quint32 credentialsId)
 {
     if (!usable())
         return 0;
@@ -125,37 +237,59 @@ EasAccountId AccountDirectory::add(const NewAccount &settings)
     if (!account)
         return 0;
     account->selectService();
-    account->setDisplayName(settings.name);
     account->setEnabled(true);
-    account->setValue(QStringLiteral("default_credentials_username"), settings.userName);
-    account->setValue(QStringLiteral("CredentialsId"), settings.credentialsId);
+    account->setValue(CredentialsId, credentialsId);
     account->setValue(QStringLiteral("auth/method"), QStringLiteral("password"));
     account->setValue(QStringLiteral("auth/mechanism"), QStringLiteral("password"));
-    account->setValue(QStringLiteral("network/server_address"), settings.server);
-    account->setValue(QStringLiteral("connection/emailaddress"), settings.emailAddress);
-    account->setValue(QStringLiteral("connection/preferred_protocol_version"), settings.protocolVersion);
-    account->setValue(QStringLiteral("folderSyncPolicy"), settings.folderPolicy);
     account->setValue(QStringLiteral("conflict_policy"), 1);
-
-    const Accounts::Service service = mailService(*account);
-    if (!service.isValid()) {
-        Output::error(QStringLiteral("the account provider's description is not installed"));
-        return 0;
-    }
-    for (const ServiceName &known : Services) {
-        account->selectService(mManager->service(QLatin1String(known.service)));
-        account->setEnabled(settings.services.contains(QLatin1String(known.name)));
-    }
     account->selectService(mManager->service(QStringLiteral("fenneleas-contacts")));
     account->setValue(SyncLocal, true);
-    account->selectService(service);
-    account->setValue(ServerAddress, settings.server);
-    account->setValue(Port, settings.port);
-    account->setValue(Secure, settings.secure);
-    account->setValue(AcceptAll, settings.acceptAllCertificates);
-    account->setValue(Domain, settings.domain);
-    account->setValue(QStringLiteral("sync_past_time"), settings.pastTime);
+    apply(*account, settings);
     return store(*account) ? account->id() : 0;
+}
+
+bool AccountDirectory::edit(EasAccountId id, const AccountSettings &settings)
+{
+    const auto account = load(id);
+    if (!account)
+        return false;
+    apply(*account, settings);
+    return store(*account);
+}
+
+void AccountDirectory::apply(Accounts::Account &account, const AccountSettings &settings)
+{
+    const auto put = [&account](const QString &key, const auto &value) {
+        if (value)
+            account.setValue(key, *value);
+    };
+    account.selectService();
+    if (settings.name)
+        account.setDisplayName(*settings.name);
+    put(UserName, settings.userName);
+    put(EmailAddress, settings.emailAddress);
+    put(PreferredVersion, settings.protocolVersion);
+    if (settings.folders)
+        account.setValue(FolderPolicy, folderPolicy(*settings.folders));
+    if (settings.server)
+        account.setValue(GlobalHost, settings.server->host);
+
+    account.selectService(mailService(account));
+    if (settings.server) {
+        account.setValue(Host, settings.server->host);
+        account.setValue(Port, settings.server->port);
+        account.setValue(Secure, settings.server->isSecure);
+    }
+    put(AcceptAll, settings.acceptAllCertificates);
+    put(Domain, settings.domain);
+    put(PastTime, settings.pastTime);
+
+    for (const ServiceName &known : Services) {
+        if (!settings.services)
+            continue;
+        account.selectService(mManager->service(QLatin1String(known.service)));
+        account.setEnabled(settings.services->contains(QLatin1String(known.name)));
+    }
 }
 
 bool AccountDirectory::setEnabled(EasAccountId id, bool enabled)
@@ -180,13 +314,13 @@ bool AccountDirectory::remove(EasAccountId id)
 quint32 AccountDirectory::credentialsId(EasAccountId id) const
 {
     const auto account = load(id);
-    return account ? account->value(QStringLiteral("CredentialsId")).toUInt() : 0;
+    return account ? account->value(CredentialsId).toUInt() : 0;
 }
 
 QString AccountDirectory::userName(EasAccountId id) const
 {
     const auto account = load(id);
-    return account ? account->valueAsString(QStringLiteral("default_credentials_username")) : QString();
+    return account ? account->valueAsString(UserName) : QString();
 }
 
 QString AccountDirectory::emailAddress(EasAccountId id) const
@@ -195,7 +329,7 @@ QString AccountDirectory::emailAddress(EasAccountId id) const
     if (!account)
         return {};
     account->selectService();
-    return account->valueAsString(QStringLiteral("connection/emailaddress"));
+    return account->valueAsString(EmailAddress);
 }
 
 bool AccountDirectory::credentialsChanged(EasAccountId id, quint32 credentialsId)
@@ -204,7 +338,7 @@ bool AccountDirectory::credentialsChanged(EasAccountId id, quint32 credentialsId
     if (!account)
         return false;
     account->selectService();
-    account->setValue(QStringLiteral("CredentialsId"), credentialsId);
+    account->setValue(CredentialsId, credentialsId);
     account->selectService(mailService(*account));
     account->setValue(NeedUpdate, false);
     account->setValue(UpdateCounter, account->valueAsInt(UpdateCounter) + 1);

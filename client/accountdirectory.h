@@ -9,24 +9,31 @@
 #include <QStringList>
 
 #include <memory>
+#include <optional>
 
-/** What the user tells about a new account. */
-struct NewAccount
+/** Where a server is. */
+struct ServerAddress
 {
-    QString name;
-    QString emailAddress;
-    QString userName;
-    QString domain;
-    QString server;
+    QString host;
     int port = 0;
-    bool secure = true;
-    bool acceptAllCertificates = false;
-    QString protocolVersion;
-    QString folderPolicy;
-    int pastTime = 0;
-    quint32 credentialsId = 0;
+    bool isSecure = true;
+};
+
+/** What the user tells of an account; what is not told stays as it is. */
+struct AccountSettings
+{
+    std::optional<QString> name;
+    std::optional<QString> emailAddress;
+    std::optional<QString> userName;
+    std::optional<QString> domain;
+    std::optional<ServerAddress> server;
+    std::optional<bool> acceptAllCertificates;
+    std::optional<QString> protocolVersion;
+    /** "all", "inbox" or "marked". */
+    std::optional<QString> folders;
+    std::optional<int> pastTime;
     /** Of "mail", "calendar" and "contacts". */
-    QStringList services;
+    std::optional<QStringList> services;
 };
 
 /**
@@ -44,14 +51,25 @@ public:
     /** What an account can synchronise, by the names that the command line uses. */
     static QStringList serviceNames();
 
-    QList<EasAccountId> accounts() const;
-    /** By number or display name; an empty text means the only account. 0, after an error, if none is meant.
-     */
-    EasAccountId find(const QString &account) const;
-    QJsonObject describe(EasAccountId id) const;
+    /** Which of an account's mail folders can be synchronised, by the words of the command line. */
+    static QStringList folderChoices();
 
+    QList<EasAccountId> accounts() const;
+    /**
+     * By number, name or mail address, or by what stands before the @ of one; an empty text means the only
+     * account. Another exit status than success tells of an error.
+     */
+    int find(const QString &account, EasAccountId *id) const;
+    QJsonObject describe(EasAccountId id) const;
+    bool isEnabled(EasAccountId id) const;
+    /** Whether the engine does nothing for it until its password is entered anew. */
+    bool isBlocked(EasAccountId id) const;
+
+    /** False, after an error was printed, if no account can be added or there is such a one already. */
+    bool canAdd(const AccountSettings &settings) const;
     /** The new account's identifier, or 0 after an error was printed. */
-    EasAccountId add(const NewAccount &account);
+    EasAccountId add(const AccountSettings &settings, quint32 credentialsId);
+    bool edit(EasAccountId id, const AccountSettings &settings);
     bool setEnabled(EasAccountId id, bool enabled);
     bool remove(EasAccountId id);
 
@@ -63,7 +81,9 @@ public:
 
 private:
     std::unique_ptr<Accounts::Account> load(EasAccountId id) const;
+    QStringList namesOf(EasAccountId id) const;
     QStringList enabledServices(Accounts::Account &account) const;
+    void apply(Accounts::Account &account, const AccountSettings &settings);
     static Accounts::Service mailService(const Accounts::Account &account);
     static bool store(Accounts::Account &account);
 

@@ -2,36 +2,102 @@
 #include "client/commandcontext.h"
 
 #include "client/accountdirectory.h"
+#include "client/commandtable.h"
 
 #include <QCommandLineParser>
 
 #include <unistd.h>
 
-CommandContext::CommandContext(const QString &name, const QStringList &arguments, const Options &options)
-    : mName(name)
+namespace {
+
+const auto Json = QStringLiteral("json");
+const auto Progress = QStringLiteral("progress");
+const auto Account = QStringLiteral("account");
+const auto Help = QStringLiteral("help");
+
+} // namespace
+
+CommandContext::CommandContext(const Command &command, const QStringList &arguments, const Options &options)
+    : mCommand(command)
     , mArguments(arguments)
-    , mOutput(options.json)
-    , mAccount(options.account)
-    , mShowsProgress(!options.json && (options.progress || isatty(STDERR_FILENO)))
+    , mOptions(options)
 {
+    mOutput.setJson(options.json);
 }
 
-bool CommandContext::parse(QCommandLineParser &parser, int minimum, int maximum) const
+CommandContext::~CommandContext() = default;
+
+bool CommandContext::showsProgress() const
 {
-    if (!parser.parse(QStringList { mName } + mArguments)) {
-        Output::error(QStringLiteral("%1: %2").arg(mName, parser.errorText()));
-        return false;
+    return !mOutput.isJson() && (mOptions.progress || isatty(STDERR_FILENO));
+}
+
+bool CommandContext::stop(int exitStatus)
+{
+    mExitStatus = exitStatus;
+    return false;
+}
+
+bool CommandContext::refuse(const QString &error)
+{
+    Output::error(QStringLiteral("%1: %2").arg(QLatin1String(mCommand.name), error));
+    return stop(ExitUsage);
+}
+
+bool CommandContext::parse(QCommandLineParser &parser, int fewest, int most)
+{
+    parser.addOptions({ QCommandLineOption(Json), QCommandLineOption(Progress),
+        QCommandLineOption(Account, QString(), Account),
+        QCommandLineOption(QStringList { QStringLiteral("h"), Help }) });
+    const bool isParsed = parser.parse(QStringList { QLatin1String(mCommand.name) } + mArguments);
+    if (parser.isSet(Json))
+        mOutput.setJson(true);
+    mOptions.progress = mOptions.progress || parser.isSet(Progress);
+    if (parser.isSet(Account))
+        mOptions.account = parser.value(Account);
+    if (!isParsed)
+        return refuse(parser.errorText());
+    if (parser.isSet(Help)) {
+        mOutput.done(CommandTable::usage(mCommand));
+        return stop(ExitSuccess);
     }
     const int count = parser.positionalArguments().size();
-    if (count < minimum || (maximum >= 0 && count > maximum)) {
-        Output::error(QStringLiteral("%1: wrong number of arguments; see fennel-easctl help").arg(mName));
-        return false;
-    }
+    if (count < fewest || (most >= 0 && count > most))
+        return refuse(QStringLiteral("wrong number of arguments\n") + CommandTable::usage(mCommand));
     return true;
 }
 
-EasAccountId CommandContext::accountId() const
+std::optional<int> CommandContext::number(
+    const QCommandLineParser &parser, const QString &option, int fallback, int least, int most)
 {
-    AccountDirectory directory;
-    return directory.find(mAccount);
+    if (!parser.isSet(option))
+        return fallback;
+    bool isNumber = false;
+    const int value = parser.value(option).toInt(&isNumber);
+    if (isNumber && value >= least && value <= most)
+        return value;
+    Output::error(most == INT_MAX
+            ? QStringLiteral("--%1 needs a number of at least %2").arg(option).arg(least)
+            : QStringLiteral("--%1 needs a number from %2 to %3").arg(option).arg(least).arg(most));
+    return std::nullopt;
+}
+
+bool CommandContext::isOneOf(const QString &text, const QStringList &words, const QString &what)
+{
+    if (words.contains(text))
+        return true;
+    Output::error(QStringLiteral("%1 is one of %2").arg(what, words.join(QStringLiteral(", "))));
+    return false;
+}
+
+AccountDirectory &CommandContext::accounts()
+{
+    if (!mAccounts)
+        mAccounts = std::make_unique<AccountDirectory>();
+    return *mAccounts;
+}
+
+int CommandContext::selectAccount(EasAccountId *id)
+{
+    return accounts().find(mOptions.account, id);
 }

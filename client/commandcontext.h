@@ -1,17 +1,22 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include "client/exitstatus.h"
 #include "client/output.h"
 #include "common/easaccountid.h"
 
 #include <QStringList>
 
-class QCommandLineOption;
+#include <memory>
+#include <optional>
+
+class AccountDirectory;
 class QCommandLineParser;
+struct Command;
 
 /**
- * What every command of the command line gets: its arguments, the output and the account that is meant.
- * A value on the stack of main().
+ * What every command of the command line gets: its arguments, the output and the accounts. Owned by the
+ * command line, for one command.
  */
 class CommandContext
 {
@@ -20,28 +25,49 @@ public:
     {
         bool json = false;
         bool progress = false;
+        /** As it was named; null for no name. */
         QString account;
     };
 
-    CommandContext(const QString &name, const QStringList &arguments, const Options &options);
+    CommandContext(const Command &command, const QStringList &arguments, const Options &options);
+    ~CommandContext();
+    Q_DISABLE_COPY(CommandContext)
 
-    const Output &output() const { return mOutput; }
+    Output &output() { return mOutput; }
     /** On a terminal, or where it was asked for; never with JSON. */
-    bool showsProgress() const { return mShowsProgress; }
+    bool showsProgress() const;
 
     /**
-     * Parses the arguments; wrong ones are explained on standard error and give false. The parser's own
-     * options must be there already; positional arguments are counted against the two limits (-1: any).
+     * Parses the arguments; the parser has the command's own options already. The positional arguments are
+     * counted against the two limits (-1: any). False, with exitStatus() set, if the command is not to go on:
+     * wrong arguments were explained, or help was asked for.
      */
-    bool parse(QCommandLineParser &parser, int minimum, int maximum) const;
+    bool parse(QCommandLineParser &parser, int fewest, int most);
+    int exitStatus() const { return mExitStatus; }
 
-    /** The account named by --account (number or name), or the only one. 0, after an error, if none. */
-    EasAccountId accountId() const;
+    /**
+     * The number that an option was given, or the fallback without it. Nothing, after an error, if it is no
+     * number between the two.
+     */
+    static std::optional<int> number(
+        const QCommandLineParser &parser, const QString &option, int fallback, int least, int most);
+    /** Whether the text is one of the words, of which an error tells. */
+    static bool isOneOf(const QString &text, const QStringList &words, const QString &what);
+
+    AccountDirectory &accounts();
+    /** Whether --account names one. */
+    bool namesAccount() const { return !mOptions.account.isNull(); }
+    /** The account named by --account, or the only one. Another status than success tells of an error. */
+    int selectAccount(EasAccountId *id);
 
 private:
-    QString mName;
+    bool stop(int exitStatus);
+    bool refuse(const QString &error);
+
+    const Command &mCommand;
     QStringList mArguments;
+    Options mOptions;
     Output mOutput;
-    QString mAccount;
-    bool mShowsProgress;
+    std::unique_ptr<AccountDirectory> mAccounts;
+    int mExitStatus = ExitSuccess;
 };

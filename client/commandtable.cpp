@@ -2,11 +2,61 @@
 #include "client/commandtable.h"
 
 #include "client/accountcommands.h"
+#include "client/attachmentcommands.h"
 #include "client/contactcommands.h"
 #include "client/eventcommands.h"
 #include "client/foldercommands.h"
 #include "client/mailcommands.h"
 #include "client/synccommands.h"
+
+#include <QJsonObject>
+#include <QVector>
+
+#include <algorithm>
+#include <numeric>
+
+namespace {
+
+QStringList wordsOf(const Command &command)
+{
+    return QString::fromLatin1(command.name).split(QLatin1Char(' '));
+}
+
+/** How many letters have to be put in, taken out or changed to make one word of the other. */
+int distance(const QString &one, const QString &other)
+{
+    QVector<int> row(other.size() + 1);
+    std::iota(row.begin(), row.end(), 0);
+    for (int i = 1; i <= one.size(); ++i) {
+        int diagonal = row.at(0);
+        row[0] = i;
+        for (int j = 1; j <= other.size(); ++j) {
+            const int change = diagonal + (one.at(i - 1) == other.at(j - 1) ? 0 : 1);
+            diagonal = row.at(j);
+            row[j] = std::min({ change, row.at(j) + 1, row.at(j - 1) + 1 });
+        }
+    }
+    return row.last();
+}
+
+/** The first word of a command that differs by two letters at most; empty if there is none. */
+QString nearest(const QString &word)
+{
+    constexpr int Farthest = 2;
+    QString best;
+    int least = Farthest + 1;
+    for (const Command &command : CommandTable::commands()) {
+        const QString known = wordsOf(command).first();
+        const int letters = distance(word, known);
+        if (letters < least) {
+            least = letters;
+            best = known;
+        }
+    }
+    return best;
+}
+
+} // namespace
 
 const QList<Command> &CommandTable::commands()
 {
@@ -16,6 +66,8 @@ const QList<Command> &CommandTable::commands()
             "[--folders all|inbox|marked] [--protocol-version V] [--past-time 0-8] "
             "[--without mail|calendar|contacts ...] [--accept-all-certificates] [--password-fd N]",
             "add an account; the password is asked for", AccountCommands::add },
+        { "account edit", "[ACCOUNT] [the options of account add] [--without nothing] [--check-certificates]",
+            "change the settings of an account", AccountCommands::edit },
         { "account list", "", "the accounts", AccountCommands::list },
         { "account show", "[ACCOUNT]", "the settings of an account", AccountCommands::show },
         { "account enable", "[ACCOUNT]", "let the engine work for an account", AccountCommands::enable },
@@ -23,20 +75,25 @@ const QList<Command> &CommandTable::commands()
         { "account remove", "ACCOUNT", "remove an account and its mail from the device",
             AccountCommands::remove },
         { "password", "[ACCOUNT] [--password-fd N]", "store a new password", AccountCommands::password },
-        { "sync", "[--folder FOLDER ...] [--service mail|calendar|contacts] [--folders-only]",
-            "bring device and server in step", SyncCommands::sync },
-        { "folders", "[--kind mail|calendar|contacts]", "the folders of one kind", MailCommands::folders },
+        { "sync",
+            "[--folder FOLDER ... [--kind mail|calendar|contacts]] [--service mail|calendar|contacts] "
+            "[--folders-only]",
+            "bring device and server in step, all enabled accounts unless one is named", SyncCommands::sync },
+        { "folders", "[--kind mail|calendar|contacts]", "the folders of one kind", FolderCommands::list },
         { "folder create", "NAME [--kind mail|calendar|contacts] [--parent FOLDER]",
             "create a folder on the server", FolderCommands::create },
         { "folder rename", "FOLDER NAME [--kind mail|calendar|contacts] [--parent FOLDER|--to-root]",
             "rename a folder, or move it", FolderCommands::rename },
-        { "folder delete", "FOLDER [--kind mail|calendar|contacts]", "delete a folder with everything in it",
-            FolderCommands::remove },
-        { "mail list", "[FOLDER] [--limit N]", "the messages, newest first", MailCommands::list },
+        { "folder delete", "FOLDER [--kind mail|calendar|contacts] [--yes]",
+            "delete a folder with everything in it", FolderCommands::remove },
+        { "mail list", "[FOLDER] [--unread] [--from TEXT] [--subject TEXT] [--since DAY] [--limit N|all]",
+            "the messages, newest first", MailCommands::list },
         { "mail show", "MESSAGE", "a message with its text and parts", MailCommands::show },
         { "mail get", "MESSAGE ... [--attachments]", "download whole messages", MailCommands::get },
-        { "attachment save", "MESSAGE PART [FILE|FOLDER] [--force]", "download and save an attachment",
-            MailCommands::saveAttachment },
+        { "mail export", "MESSAGE [FILE] [--force]", "write a message as it is on the device",
+            MailCommands::exportMessage },
+        { "attachment save", "MESSAGE PART|--all [FILE|FOLDER|-] [--force]",
+            "download and save an attachment, or all of them", AttachmentCommands::save },
         { "mark read", "MESSAGE ...", "mark messages as read", MailCommands::markRead },
         { "mark unread", "MESSAGE ...", "mark messages as unread", MailCommands::markUnread },
         { "move", "MESSAGE ... FOLDER", "move messages", MailCommands::move },
@@ -72,7 +129,7 @@ const QList<Command> &CommandTable::commands()
             "add a contact", ContactCommands::add },
         { "contact edit", "CONTACT [the options of contact add]", "change a contact; an empty text removes",
             ContactCommands::edit },
-        { "contact delete", "CONTACT", "delete a contact", ContactCommands::remove },
+        { "contact delete", "CONTACT ...", "delete contacts", ContactCommands::remove },
         { "contact export", "[FILE] [--folder NAME] [--force]", "write contacts as vCard",
             ContactCommands::exportCards },
         { "watch", "", "print every signal of the daemon as it comes", SyncCommands::watch },
@@ -86,7 +143,7 @@ const QList<Command> &CommandTable::commands()
 const Command *CommandTable::take(QStringList &arguments)
 {
     for (const Command &command : commands()) {
-        const QStringList words = QString::fromLatin1(command.name).split(QLatin1Char(' '));
+        const QStringList words = wordsOf(command);
         if (arguments.mid(0, words.size()) == words) {
             arguments = arguments.mid(words.size());
             return &command;
@@ -95,15 +152,67 @@ const Command *CommandTable::take(QStringList &arguments)
     return nullptr;
 }
 
-QString CommandTable::help()
+QList<Command> CommandTable::beginningWith(const QStringList &words)
 {
-    QString text =
-        QStringLiteral("usage: fennel-easctl [--json] [--progress] [--account ACCOUNT] COMMAND\n\n");
-    for (const Command &command : commands())
+    QList<Command> found;
+    for (const Command &command : commands()) {
+        if (wordsOf(command).mid(0, words.size()) == words)
+            found.append(command);
+    }
+    return found;
+}
+
+QString CommandTable::usage(const Command &command)
+{
+    return QStringLiteral("usage: fennel-easctl %1 %2")
+        .arg(QLatin1String(command.name), QLatin1String(command.arguments))
+        .trimmed();
+}
+
+QString CommandTable::help(const QList<Command> &commands, bool isWhole)
+{
+    QString text;
+    if (isWhole)
+        text = QStringLiteral("usage: fennel-easctl [--json] [--progress] [--account ACCOUNT] COMMAND\n\n");
+    for (const Command &command : commands)
         text += QStringLiteral("  %1 %2\n        %3\n")
                     .arg(QLatin1String(command.name), QLatin1String(command.arguments),
                         QLatin1String(command.purpose));
-    return text
-        + QStringLiteral("\nExit status: 0 done, 1 failed, 2 wrong usage, 3 not found, 4 a service cannot be "
-                         "reached, 5 cancelled.\n");
+    if (isWhole)
+        text +=
+            QStringLiteral("\nExit status: 0 done, 1 failed, 2 wrong usage, 3 not found, 4 a service cannot "
+                           "be reached, 5 cancelled.\n");
+    return text.chopped(1);
+}
+
+QJsonArray CommandTable::describe(const QList<Command> &commands)
+{
+    QJsonArray rows;
+    for (const Command &command : commands)
+        rows.append(QJsonObject { { QStringLiteral("command"), QLatin1String(command.name) },
+            { QStringLiteral("arguments"), QLatin1String(command.arguments) },
+            { QStringLiteral("purpose"), QLatin1String(command.purpose) } });
+    return rows;
+}
+
+QString CommandTable::unknown(const QStringList &arguments)
+{
+    const auto seeHelp = QStringLiteral("; see fennel-easctl help");
+    if (arguments.isEmpty())
+        return QStringLiteral("which command?") + seeHelp.mid(1);
+    const QList<Command> group = beginningWith(arguments.mid(0, 1));
+    if (!group.isEmpty()) {
+        QStringList words;
+        for (const Command &command : group)
+            words.append(wordsOf(command).value(1));
+        return arguments.size() == 1
+            ? QStringLiteral("\"%1\" needs one of: %2")
+                  .arg(arguments.first(), words.join(QStringLiteral(", ")))
+            : QStringLiteral("there is no command \"%1 %2\"; \"%1\" needs one of: %3")
+                  .arg(arguments.first(), arguments.at(1), words.join(QStringLiteral(", ")));
+    }
+    const QString near = nearest(arguments.first());
+    return QStringLiteral("there is no command \"%1\"%2")
+        .arg(
+            arguments.first(), near.isEmpty() ? seeHelp : QStringLiteral("; did you mean \"%1\"?").arg(near));
 }

@@ -32,33 +32,29 @@ ContactBook::~ContactBook() = default;
 bool ContactBook::open()
 {
     mManager.reset(ContactStoreManager::create(nullptr));
-    if (!mManager)
+    const QList<QContactCollection> all = mManager ? mManager->collections() : QList<QContactCollection>();
+    if (!mManager || mManager->error() != QContactManager::NoError) {
         Output::error(QStringLiteral("the contact store cannot be opened"));
-    return mManager != nullptr;
-}
-
-QList<QContactCollection> ContactBook::collections() const
-{
-    QList<QContactCollection> own;
-    const QList<QContactCollection> all = mManager->collections();
+        return false;
+    }
     for (const QContactCollection &collection : all) {
         // The store cuts the number of an account.
         const bool isOwn = collection.extendedMetaData(QStringLiteral("AccountId")).toInt() == int(mAccountId)
             && collection.extendedMetaData(QStringLiteral("ApplicationName")).toString()
                 == QLatin1String("fennel-eas");
         if (isOwn)
-            own.append(collection);
+            mCollections.append(collection);
     }
-    return own;
+    return true;
 }
 
 std::optional<QContactCollection> ContactBook::collection(const QString &wanted) const
 {
-    const QList<QContactCollection> own = collections();
+    const QList<QContactCollection> &own = mCollections;
     for (const QContactCollection &collection : own) {
-        const bool isMeant = wanted.isEmpty()
-            ? own.size() == 1 || isDefault(collection)
-            : collection.id().toString() == wanted || name(collection) == wanted;
+        const bool isMeant = wanted.isEmpty() ? own.size() == 1 || isDefault(collection)
+                                              : collection.id().toString() == wanted
+                || name(collection).compare(wanted, Qt::CaseInsensitive) == 0;
         if (isMeant)
             return collection;
     }
@@ -76,39 +72,34 @@ QString ContactBook::name(const QContactCollection &collection)
     return collection.metaData(QContactCollection::KeyName).toString();
 }
 
-QList<QContact> ContactBook::contacts(const std::optional<QContactCollection> &collection) const
+bool ContactBook::contacts(
+    const std::optional<QContactCollection> &collection, QList<QContact> *contacts) const
 {
     const QList<QContactCollection> wanted =
-        collection ? QList<QContactCollection> { *collection } : collections();
+        collection ? QList<QContactCollection> { *collection } : mCollections;
     QSet<QContactCollectionId> ids;
     for (const QContactCollection &one : wanted)
         ids.insert(one.id());
+    contacts->clear();
     if (ids.isEmpty())
-        return {};
+        return true;
     QContactCollectionFilter filter;
     filter.setCollectionIds(ids);
-    QList<QContact> found = mManager->contacts(filter);
-    std::sort(found.begin(), found.end(), [](const QContact &left, const QContact &right) {
+    *contacts = mManager->contacts(filter);
+    if (mManager->error() != QContactManager::NoError) {
+        Output::error(QStringLiteral("the contacts cannot be read from their store"));
+        return false;
+    }
+    std::sort(contacts->begin(), contacts->end(), [](const QContact &left, const QContact &right) {
         return QString::localeAwareCompare(ContactView::name(left), ContactView::name(right)) < 0;
     });
-    return found;
+    return true;
 }
 
 QString ContactBook::number(const QContact &contact)
 {
     const QString localId = QString::fromUtf8(contact.id().localId());
     return localId.mid(localId.indexOf(QLatin1Char('-')) + 1);
-}
-
-QContact ContactBook::find(const QString &wanted) const
-{
-    const QList<QContact> all = contacts();
-    for (const QContact &contact : all) {
-        if (number(contact) == wanted)
-            return contact;
-    }
-    Output::error(QStringLiteral("there is no contact %1").arg(wanted));
-    return {};
 }
 
 bool ContactBook::save(QContact *contact)

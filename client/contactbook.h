@@ -26,21 +26,19 @@ public:
     explicit ContactBook(EasAccountId accountId);
     ~ContactBook();
 
-    /** False after an error was printed. */
+    /** Opens the store and loads the account's collections; false after an error was printed. */
     bool open();
 
-    QList<QtContacts::QContactCollection> collections() const;
+    const QList<QtContacts::QContactCollection> &collections() const { return mCollections; }
     /** By name or identifier; the account's default one, or the only one, for an empty name. Nothing, after
      * an error, if none is meant. */
     std::optional<QtContacts::QContactCollection> collection(const QString &name) const;
     static QString name(const QtContacts::QContactCollection &collection);
 
-    /** By their names; of one collection, or of all without one. */
-    QList<QtContacts::QContact> contacts(
-        const std::optional<QtContacts::QContactCollection> &collection = {}) const;
+    /** By their names; of one collection, or of all without one. False after an error was printed. */
+    bool contacts(const std::optional<QtContacts::QContactCollection> &collection,
+        QList<QtContacts::QContact> *contacts) const;
     static QString number(const QtContacts::QContact &contact);
-    /** An empty contact, after an error, if there is none of this number. */
-    QtContacts::QContact find(const QString &number) const;
 
     /** Each is false after an error was printed. */
     bool save(QtContacts::QContact *contact);
@@ -49,4 +47,5 @@ public:
 private:
     EasAccountId mAccountId;
     std::unique_ptr<QtContacts::QContactManager> mManager;
+    QList<QtContacts::QContactCollection> mCollections;
 };

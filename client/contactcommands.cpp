@@ -1,19 +1,12 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "client/contactcommands.h"
 
-#include "client/commandcontext.h"
 #include "client/contactbook.h"
+#include "client/contactcards.h"
 #include "client/contactoptions.h"
 #include "client/contactview.h"
-#include "client/exitstatus.h"
 #include "client/outputfile.h"
-
-#include <QtContacts/QContactName>
-#include <QtContacts/QContactOrganization>
-
-#include <QCommandLineParser>
-
-#include <memory>
+#include "client/selection.h"
 
 QTCONTACTS_USE_NAMESPACE
 
@@ -23,106 +16,86 @@ const auto NextSync = QStringLiteral("; the next sync tells the server");
 
 const QCommandLineOption FolderOption(QStringLiteral("folder"), QString(), QStringLiteral("name"));
 
-/** What every command on contacts starts with: arguments, an account, its collections. */
-class ContactSelection
+/** A command's account, its contacts, and those that it names. */
+class ContactSelection : public Selection<ContactBook>
 {
 public:
-    explicit ContactSelection(const CommandContext &context)
-        : mContext(context)
-    {
-    }
+    using Selection::Selection;
 
-    QCommandLineParser &parser() { return mParser; }
-    QString argument() const { return mParser.positionalArguments().value(0); }
-    ContactBook &book() { return *mBook; }
-    int exitStatus() const { return mExitStatus; }
-
-    /** False, with exitStatus() set and an error printed, if there is nothing to work on. */
-    bool open(int fewestArguments, int mostArguments);
+    /** The folder that the option names; nothing without it, which means all. */
     bool selectFolder(std::optional<QContactCollection> *folder);
-    bool selectContact(QContact *contact);
-
-private:
-    bool fail(int exitStatus)
-    {
-        mExitStatus = exitStatus;
-        return false;
-    }
-
-    const CommandContext &mContext;
-    QCommandLineParser mParser;
-    std::unique_ptr<ContactBook> mBook;
-    int mExitStatus = ExitSuccess;
+    bool selectContact(const QString &number, QContact *contact);
+    /** All of one folder, or of all folders. */
+    bool load(const std::optional<QContactCollection> &folder, QList<QContact> *contacts);
 };
-
-bool ContactSelection::open(int fewestArguments, int mostArguments)
-{
-    if (!mContext.parse(mParser, fewestArguments, mostArguments))
-        return fail(ExitUsage);
-    const EasAccountId account = mContext.accountId();
-    if (account == 0)
-        return fail(ExitNotFound);
-    mBook = std::make_unique<ContactBook>(account);
-    return mBook->open() || fail(ExitUnavailable);
-}
 
 bool ContactSelection::selectFolder(std::optional<QContactCollection> *folder)
 {
-    if (!mParser.isSet(FolderOption))
+    if (!parser().isSet(FolderOption))
         return true;
-    *folder = mBook->collection(mParser.value(FolderOption));
+    *folder = store().collection(parser().value(FolderOption));
     return *folder || fail(ExitNotFound);
 }
 
-bool ContactSelection::selectContact(QContact *contact)
+bool ContactSelection::selectContact(const QString &number, QContact *contact)
 {
-    *contact = mBook->find(argument());
-    return !contact->id().isNull() || fail(ExitNotFound);
+    QList<QContact> all;
+    if (!load({}, &all))
+        return false;
+    for (const QContact &candidate : qAsConst(all)) {
+        if (ContactBook::number(candidate) == number) {
+            *contact = candidate;
+            return true;
+        }
+    }
+    return fail(ExitNotFound, QStringLiteral("there is no contact %1").arg(number));
+}
+
+bool ContactSelection::load(const std::optional<QContactCollection> &folder, QList<QContact> *contacts)
+{
+    return store().contacts(folder, contacts) || fail(ExitUnavailable);
 }
 
 } // namespace
 
-int ContactCommands::list(const CommandContext &context)
+int ContactCommands::list(CommandContext &context)
 {
-    ContactSelection contacts(context);
-    contacts.parser().addOption(FolderOption);
+    ContactSelection selection(context);
+    selection.parser().addOption(FolderOption);
     std::optional<QContactCollection> folder;
-    if (!contacts.open(0, 1) || !contacts.selectFolder(&folder))
-        return contacts.exitStatus();
+    QList<QContact> contacts;
+    if (!selection.open(0, 1) || !selection.selectFolder(&folder) || !selection.load(folder, &contacts))
+        return selection.exitStatus();
     QJsonArray rows;
-    const QList<QContact> all = contacts.book().contacts(folder);
-    for (const QContact &contact : all) {
-        if (ContactView::matches(contact, contacts.argument()))
+    for (const QContact &contact : qAsConst(contacts)) {
+        if (ContactView::matches(contact, selection.argument()))
             rows.append(ContactView::describe(contact));
     }
-    context.output().rows(
-        { { QStringLiteral("id"), QStringLiteral("ID") }, { QStringLiteral("name"), QStringLiteral("NAME") },
-            { QStringLiteral("company"), QStringLiteral("COMPANY") },
-            { QStringLiteral("emails"), QStringLiteral("EMAIL") },
-            { QStringLiteral("phones"), QStringLiteral("PHONE") } },
+    context.output().rows({ { "id", "ID" }, { "name", "NAME" }, { "company", "COMPANY" },
+                              { "emails", "EMAIL" }, { "phones", "PHONE" } },
         rows);
     return ExitSuccess;
 }
 
-int ContactCommands::show(const CommandContext &context)
+int ContactCommands::show(CommandContext &context)
 {
-    ContactSelection contacts(context);
+    ContactSelection selection(context);
     QContact contact;
-    if (!contacts.open(1, 1) || !contacts.selectContact(&contact))
-        return contacts.exitStatus();
-    context.output().object(ContactView::describeWhole(contact));
+    if (!selection.open(1, 1) || !selection.selectContact(selection.argument(), &contact))
+        return selection.exitStatus();
+    context.output().object(ContactView::columns(), ContactView::describeWhole(contact));
     return ExitSuccess;
 }
 
-int ContactCommands::add(const CommandContext &context)
+int ContactCommands::add(CommandContext &context)
 {
-    ContactSelection contacts(context);
-    const ContactOptions options(contacts.parser());
-    contacts.parser().addOption(FolderOption);
-    if (!contacts.open(0, 0))
-        return contacts.exitStatus();
+    ContactSelection selection(context);
+    const ContactOptions options(selection.parser());
+    selection.parser().addOption(FolderOption);
+    if (!selection.open(0, 0))
+        return selection.exitStatus();
     const std::optional<QContactCollection> folder =
-        contacts.book().collection(contacts.parser().value(FolderOption));
+        selection.store().collection(selection.parser().value(FolderOption));
     if (!folder)
         return ExitNotFound;
     QContact contact;
@@ -133,56 +106,69 @@ int ContactCommands::add(const CommandContext &context)
         Output::error(QStringLiteral("a contact needs a --name, a --company or an --email"));
         return ExitUsage;
     }
-    if (!contacts.book().save(&contact))
+    if (!selection.store().save(&contact))
         return ExitFailure;
-    if (context.output().isJson())
-        context.output().object(ContactView::describeWhole(contact));
-    context.output().message(
+    context.output().done(
         QStringLiteral("contact %1 added to %2").arg(ContactBook::number(contact), ContactBook::name(*folder))
-        + NextSync);
+            + NextSync,
+        ContactView::describeWhole(contact));
     return ExitSuccess;
 }
 
-int ContactCommands::edit(const CommandContext &context)
+int ContactCommands::edit(CommandContext &context)
 {
-    ContactSelection contacts(context);
-    const ContactOptions options(contacts.parser());
+    ContactSelection selection(context);
+    const ContactOptions options(selection.parser());
     QContact contact;
-    if (!contacts.open(1, 1) || !contacts.selectContact(&contact))
-        return contacts.exitStatus();
+    if (!selection.open(1, 1) || !selection.selectContact(selection.argument(), &contact))
+        return selection.exitStatus();
     if (!options.saysSomething()) {
-        Output::error(QStringLiteral("nothing to change; see fennel-easctl help"));
+        Output::error(QStringLiteral("nothing to change; see fennel-easctl help contact edit"));
         return ExitUsage;
     }
     if (!options.apply(contact))
         return ExitUsage;
-    if (!contacts.book().save(&contact))
+    if (!selection.store().save(&contact))
         return ExitFailure;
-    context.output().message(QStringLiteral("contact %1 changed").arg(contacts.argument()) + NextSync);
+    context.output().done(QStringLiteral("contact %1 changed").arg(selection.argument()) + NextSync,
+        ContactView::describeWhole(contact));
     return ExitSuccess;
 }
 
-int ContactCommands::remove(const CommandContext &context)
+int ContactCommands::remove(CommandContext &context)
 {
-    ContactSelection contacts(context);
-    QContact contact;
-    if (!contacts.open(1, 1) || !contacts.selectContact(&contact))
-        return contacts.exitStatus();
-    if (!contacts.book().remove(contact))
-        return ExitFailure;
-    context.output().message(QStringLiteral("contact %1 deleted").arg(contacts.argument()) + NextSync);
+    ContactSelection selection(context);
+    if (!selection.open(1, -1))
+        return selection.exitStatus();
+    QList<QContact> contacts;
+    const QStringList numbers = selection.arguments();
+    for (const QString &number : numbers) {
+        QContact contact;
+        if (!selection.selectContact(number, &contact))
+            return selection.exitStatus();
+        contacts.append(contact);
+    }
+    for (const QContact &contact : qAsConst(contacts)) {
+        if (!selection.store().remove(contact))
+            return ExitFailure;
+    }
+    context.output().done(QStringLiteral("%1 contact(s) deleted").arg(contacts.size()) + NextSync,
+        { { QStringLiteral("contacts"), QJsonArray::fromStringList(numbers) } });
     return ExitSuccess;
 }
 
-int ContactCommands::exportCards(const CommandContext &context)
+int ContactCommands::exportCards(CommandContext &context)
 {
-    ContactSelection contacts(context);
+    ContactSelection selection(context);
     const QCommandLineOption force(QStringLiteral("force"));
-    contacts.parser().addOptions({ FolderOption, force });
+    selection.parser().addOptions({ FolderOption, force });
     std::optional<QContactCollection> folder;
-    if (!contacts.open(0, 1) || !contacts.selectFolder(&folder))
-        return contacts.exitStatus();
-    const QByteArray cards = ContactView::toVCard(contacts.book().contacts(folder));
-    return OutputFile::writeOrPrint(contacts.argument(), cards, contacts.parser().isSet(force)) ? ExitSuccess
-                                                                                                : ExitFailure;
+    QList<QContact> contacts;
+    if (!selection.open(0, 1) || !selection.selectFolder(&folder) || !selection.load(folder, &contacts))
+        return selection.exitStatus();
+    QByteArray cards;
+    const bool isWhole = ContactCards::write(contacts, &cards);
+    const int written = OutputFile(context.output(), selection.parser().isSet(force))
+                            .write(selection.argument(), cards, "text/vcard");
+    return written == ExitSuccess && !isWhole ? int(ExitFailure) : written;
 }

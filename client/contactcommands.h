@@ -6,11 +6,11 @@ class CommandContext;
 /** The commands that show and change the device's contacts; each returns an exit status. */
 namespace ContactCommands {
 
-int list(const CommandContext &context);
-int show(const CommandContext &context);
-int add(const CommandContext &context);
-int edit(const CommandContext &context);
-int remove(const CommandContext &context);
-int exportCards(const CommandContext &context);
+int list(CommandContext &context);
+int show(CommandContext &context);
+int add(CommandContext &context);
+int edit(CommandContext &context);
+int remove(CommandContext &context);
+int exportCards(CommandContext &context);
 
 } // namespace ContactCommands

@@ -5,24 +5,24 @@
 #include "client/contactdetails.h"
 
 #include <QtContacts/QContactAddress>
+#include <QtContacts/QContactAnniversary>
 #include <QtContacts/QContactAvatar>
 #include <QtContacts/QContactBirthday>
 #include <QtContacts/QContactEmailAddress>
+#include <QtContacts/QContactExtendedDetail>
+#include <QtContacts/QContactFamily>
 #include <QtContacts/QContactName>
 #include <QtContacts/QContactNickname>
 #include <QtContacts/QContactNote>
+#include <QtContacts/QContactOnlineAccount>
 #include <QtContacts/QContactOrganization>
 #include <QtContacts/QContactPhoneNumber>
 #include <QtContacts/QContactTag>
 #include <QtContacts/QContactUrl>
-#include <QtVersit/QVersitContactExporter>
-#include <QtVersit/QVersitWriter>
 
-#include <QBuffer>
 #include <QJsonArray>
 
 QTCONTACTS_USE_NAMESPACE
-QTVERSIT_USE_NAMESPACE
 
 namespace {
 
@@ -30,8 +30,22 @@ QString placeOf(const QContactDetail &detail)
 {
     if (detail.contexts().contains(QContactDetail::ContextWork))
         return QStringLiteral("work");
+    if (detail.contexts().contains(QContactDetail::ContextOther))
+        return QStringLiteral("other");
     return detail.contexts().contains(QContactDetail::ContextHome) ? QStringLiteral("home") : QString();
 }
+
+struct PhoneWord
+{
+    int type;
+    const char *word;
+};
+
+/** The last two are the engine's own, which no platform has a number for. */
+constexpr PhoneWord PhoneWords[] = { { QContactPhoneNumber::SubTypeMobile, "mobile" },
+    { QContactPhoneNumber::SubTypeFax, "fax" }, { QContactPhoneNumber::SubTypePager, "pager" },
+    { QContactPhoneNumber::SubTypeVideo, "messages" }, { QContactPhoneNumber::SubTypeCar, "car" },
+    { QContactPhoneNumber::SubTypeAssistant, "assistant" }, { 1000, "company" }, { 1001, "radio" } };
 
 QString kindOf(const QContactPhoneNumber &number)
 {
@@ -39,12 +53,10 @@ QString kindOf(const QContactPhoneNumber &number)
     QStringList words;
     if (!placeOf(number).isEmpty())
         words.append(placeOf(number));
-    if (kinds.contains(QContactPhoneNumber::SubTypeMobile))
-        words.append(QStringLiteral("mobile"));
-    if (kinds.contains(QContactPhoneNumber::SubTypeFax))
-        words.append(QStringLiteral("fax"));
-    if (kinds.contains(QContactPhoneNumber::SubTypePager))
-        words.append(QStringLiteral("pager"));
+    for (const PhoneWord &known : PhoneWords) {
+        if (kinds.contains(known.type))
+            words.append(QLatin1String(known.word));
+    }
     return words.join(QLatin1Char(' '));
 }
 
@@ -53,13 +65,41 @@ QString labelled(const QString &text, const QString &label)
     return label.isEmpty() ? text : QStringLiteral("%1 (%2)").arg(text, label);
 }
 
+/** One text of each detail of a kind. */
+template <class Detail> QStringList texts(const QContact &contact, QString (Detail::*text)() const)
+{
+    QStringList found;
+    const QList<Detail> details = contact.details<Detail>();
+    for (const Detail &detail : details)
+        found.append((detail.*text)());
+    return found;
+}
+
+/** The detail of a kind that the server keeps in a field of its own beside the plain one. */
+template <class Detail> Detail marked(const QContact &contact)
+{
+    const QList<Detail> details = contact.details<Detail>();
+    for (const Detail &detail : details) {
+        if (!detail.detailUri().isEmpty())
+            return detail;
+    }
+    return Detail();
+}
+
+/** A text that the engine keeps under a name of its own. */
+QString extended(const QContact &contact, const char *name)
+{
+    const QList<QContactExtendedDetail> details = contact.details<QContactExtendedDetail>();
+    for (const QContactExtendedDetail &detail : details) {
+        if (detail.name() == QLatin1String(name))
+            return detail.data().toString();
+    }
+    return {};
+}
+
 QStringList emails(const QContact &contact)
 {
-    QStringList texts;
-    const QList<QContactEmailAddress> details = contact.details<QContactEmailAddress>();
-    for (const QContactEmailAddress &detail : details)
-        texts.append(detail.emailAddress());
-    return texts;
+    return texts<QContactEmailAddress>(contact, &QContactEmailAddress::emailAddress);
 }
 
 QStringList phones(const QContact &contact, bool withKinds)
@@ -116,27 +156,59 @@ QJsonObject ContactView::describe(const QContact &contact)
 QJsonObject ContactView::describeWhole(const QContact &contact)
 {
     QJsonObject object = describe(contact);
-    const QContactOrganization organization = ContactDetails::plain<QContactOrganization>(contact);
-    const QList<QPair<const char *, QString>> texts {
+    const auto name = ContactDetails::plain<QContactName>(contact);
+    const auto organization = ContactDetails::plain<QContactOrganization>(contact);
+    const QList<QPair<const char *, QString>> values {
+        { "firstName", name.firstName() },
+        { "middleName", name.middleName() },
+        { "lastName", name.lastName() },
+        { "suffix", name.suffix() },
+        { "reading", fullName(marked<QContactName>(contact)) },
+        { "honorific", extended(contact, "Title") },
+        { "nickname", ContactDetails::plain<QContactNickname>(contact).nickname() },
+        { "alias", marked<QContactNickname>(contact).nickname() },
         { "title", organization.title() },
         { "department", organization.department().join(QStringLiteral(", ")) },
-        { "nickname", ContactDetails::plain<QContactNickname>(contact).nickname() },
+        { "office", organization.location() },
+        { "assistant", organization.assistantName() },
+        { "companyReading", marked<QContactOrganization>(contact).name() },
+        { "manager", extended(contact, "ManagerName") },
+        { "customerId", extended(contact, "CustomerId") },
+        { "governmentId", extended(contact, "GovernmentId") },
+        { "accountName", extended(contact, "AccountName") },
         { "birthday", contact.detail<QContactBirthday>().date().toString(Qt::ISODate) },
-        { "web", contact.detail<QContactUrl>().url() },
+        { "anniversary", contact.detail<QContactAnniversary>().originalDate().toString(Qt::ISODate) },
+        { "spouse", contact.detail<QContactFamily>().spouse() },
         { "picture", contact.detail<QContactAvatar>().imageUrl().toLocalFile() },
-        { "note", contact.detail<QContactNote>().note() },
     };
-    for (const auto &text : texts) {
-        if (!text.second.isEmpty())
-            object[QLatin1String(text.first)] = text.second;
-    }
-    object[QStringLiteral("addresses")] = QJsonArray::fromStringList(addresses(contact));
-    QStringList categories;
-    const QList<QContactTag> tags = contact.details<QContactTag>();
-    for (const QContactTag &tag : tags)
-        categories.append(tag.tag());
-    object[QStringLiteral("categories")] = QJsonArray::fromStringList(categories);
+    for (const auto &value : values)
+        object[QLatin1String(value.first)] = value.second;
+    const QList<QPair<const char *, QStringList>> lists {
+        { "children", contact.detail<QContactFamily>().children() },
+        { "addresses", addresses(contact) },
+        { "messengers", texts<QContactOnlineAccount>(contact, &QContactOnlineAccount::accountUri) },
+        { "web", texts<QContactUrl>(contact, &QContactUrl::url) },
+        { "categories", texts<QContactTag>(contact, &QContactTag::tag) },
+        { "notes", texts<QContactNote>(contact, &QContactNote::note) },
+    };
+    for (const auto &list : lists)
+        object[QLatin1String(list.first)] = QJsonArray::fromStringList(list.second);
     return object;
+}
+
+const Columns &ContactView::columns()
+{
+    static const Columns columns { { "id", "number" }, { "name", "name" }, { "reading", "reading" },
+        { "honorific", "honorific" }, { "nickname", "nickname" }, { "alias", "alias" },
+        { "company", "company" }, { "companyReading", "company's reading" }, { "title", "title" },
+        { "department", "department" }, { "office", "office" }, { "manager", "manager" },
+        { "assistant", "assistant" }, { "emails", "email" }, { "phones", "phone" },
+        { "addresses", "address" }, { "messengers", "messenger" }, { "web", "web" },
+        { "birthday", "birthday" }, { "anniversary", "anniversary" }, { "spouse", "spouse" },
+        { "children", "children" }, { "categories", "categories" }, { "customerId", "customer" },
+        { "governmentId", "government id" }, { "accountName", "account" }, { "picture", "picture" },
+        { "notes", "note" } };
+    return columns;
 }
 
 bool ContactView::matches(const QContact &contact, const QString &text)
@@ -150,18 +222,4 @@ bool ContactView::matches(const QContact &contact, const QString &text)
             return true;
     }
     return false;
-}
-
-QByteArray ContactView::toVCard(const QList<QContact> &contacts)
-{
-    QVersitContactExporter exporter;
-    // What cannot be written, a contact without any name, is left out and the rest goes on.
-    exporter.exportContacts(contacts, QVersitDocument::VCard30Type);
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    QVersitWriter writer(&buffer);
-    if (!exporter.documents().isEmpty() && writer.startWriting(exporter.documents()))
-        writer.waitForFinished();
-    return bytes;
 }

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include "client/table.h"
+
 #include <QtContacts/QContact>
 #include <QtContacts/QContactName>
 
-#include <QByteArray>
 #include <QJsonObject>
 #include <QList>
 #include <QString>
@@ -18,11 +19,12 @@ QString fullName(const QtContacts::QContactName &name);
 QString name(const QtContacts::QContact &contact);
 /** One line of a list. */
 QJsonObject describe(const QtContacts::QContact &contact);
-/** With everything that the device knows. */
+/** With everything that the device knows; what is not there is an empty text or list. */
 QJsonObject describeWhole(const QtContacts::QContact &contact);
 /** Whether a name, an address or a number holds the text. */
 bool matches(const QtContacts::QContact &contact, const QString &text);
 
-QByteArray toVCard(const QList<QtContacts::QContact> &contacts);
+/** What describeWhole() tells, in the order that people read it. */
+const Columns &columns();
 
 } // namespace ContactView

@@ -2,115 +2,145 @@
 #include "client/daemonrequest.h"
 
 #include "client/exitstatus.h"
-#include "client/output.h"
 #include "client/statustext.h"
 #include "common/easdbusinterfaceproxy.h"
 #include "common/easrequeststatus.h"
 #include "common/exchangeactivesync.h"
 
-#include <QCoreApplication>
 #include <QDBusConnection>
+#include <QDBusPendingCallWatcher>
 #include <QDBusServiceWatcher>
-#include <QSocketNotifier>
-
-#include <csignal>
-#include <cstdio>
-#include <sys/signalfd.h>
-#include <unistd.h>
 
 namespace {
 
-int interruptDescriptor()
-{
-    sigset_t signals;
-    sigemptyset(&signals);
-    sigaddset(&signals, SIGINT);
-    sigprocmask(SIG_BLOCK, &signals, nullptr);
-    return signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK);
-}
+/** How long the daemon may take to start and to give an identifier. */
+constexpr int CallTimeoutMs = 30000;
 
 } // namespace
 
-DaemonRequest::DaemonRequest(EasAccountId accountId, bool showProgress)
+DaemonRequest::DaemonRequest(EasAccountId accountId)
     : mAccountId(accountId)
-    , mShowProgress(showProgress)
     , mProxy(new EasDBusInterfaceProxy(ExchangeActiveSync::EAS_DBUS_SERVICE_NAME,
           ExchangeActiveSync::EAS_DBUS_PATH_NAME, QDBusConnection::sessionBus()))
 {
-    mProxy->setTimeout(30000);
+    mProxy->setTimeout(CallTimeoutMs);
     connect(mProxy.data(), &EasDBusInterfaceProxy::requestFinished, this, &DaemonRequest::onFinished);
     connect(mProxy.data(), &EasDBusInterfaceProxy::requestProgress, this, &DaemonRequest::onProgress);
-    mInterrupts.reset(new QSocketNotifier(interruptDescriptor(), QSocketNotifier::Read));
-    connect(mInterrupts.data(), &QSocketNotifier::activated, this, [this] { onInterrupt(); });
+    connect(mProxy.data(), &EasDBusInterfaceProxy::syncStarted, this, &DaemonRequest::onSyncStarted);
 }
 
 DaemonRequest::~DaemonRequest() = default;
 
-int DaemonRequest::run(const Call &call)
+void DaemonRequest::start(const Call &call)
 {
-    // Signals that arrive while the identifier is on its way wait in the event loop until it is known.
-    QDBusPendingReply<qulonglong> reply = call(*mProxy);
-    reply.waitForFinished();
-    if (reply.isError()) {
-        Output::error(QStringLiteral("the daemon cannot be reached: %1").arg(reply.error().message()));
-        return ExitUnavailable;
-    }
-    mRequestId = reply.value();
-    QDBusServiceWatcher watcher(ExchangeActiveSync::EAS_DBUS_SERVICE_NAME, QDBusConnection::sessionBus(),
-        QDBusServiceWatcher::WatchForUnregistration);
-    connect(&watcher, &QDBusServiceWatcher::serviceUnregistered, this, &DaemonRequest::onDaemonGone);
-    return QCoreApplication::exec();
+    // Before the call, so that a daemon that dies over it is noticed.
+    watchDaemon();
+    auto *const watcher = new QDBusPendingCallWatcher(call(*mProxy), this);
+    connect(watcher, &QDBusPendingCallWatcher::finished, this, &DaemonRequest::onIdentifier);
 }
 
-void DaemonRequest::onFinished(qulonglong accountId, qulonglong requestId, int status)
+void DaemonRequest::follow(qulonglong requestId)
 {
-    if (accountId != mAccountId || requestId != mRequestId)
+    watchDaemon();
+    mRequestId = requestId;
+}
+
+void DaemonRequest::watchDaemon()
+{
+    auto *const service = new QDBusServiceWatcher(ExchangeActiveSync::EAS_DBUS_SERVICE_NAME,
+        QDBusConnection::sessionBus(), QDBusServiceWatcher::WatchForUnregistration, this);
+    connect(service, &QDBusServiceWatcher::serviceUnregistered, this, &DaemonRequest::onDaemonGone);
+}
+
+void DaemonRequest::onIdentifier(QDBusPendingCallWatcher *watcher)
+{
+    watcher->deleteLater();
+    const QDBusPendingReply<qulonglong> reply = *watcher;
+    if (reply.isError())
+        return end(
+            ExitUnavailable, QStringLiteral("the daemon cannot be reached: %1").arg(reply.error().message()));
+    mRequestId = reply.value();
+    if (mEarly.contains(mRequestId))
+        finish(mEarly.value(mRequestId));
+    else if (mIsToBeCancelled)
+        cancel();
+}
+
+void DaemonRequest::cancel()
+{
+    mIsToBeCancelled = true;
+    if (mRequestId != 0)
+        mProxy->cancelRequest(mAccountId, mRequestId);
+}
+
+void DaemonRequest::abandon(const QString &reason)
+{
+    end(ExitCancelled, reason);
+}
+
+bool DaemonRequest::isMine(qulonglong accountId, qulonglong requestId) const
+{
+    return accountId == mAccountId && requestId == mRequestId && mRequestId != 0;
+}
+
+void DaemonRequest::onSyncStarted(qulonglong accountId, qulonglong requestId)
+{
+    if (!isMine(accountId, requestId) || mIsAtWork)
         return;
-    mStatus = status;
-    clearProgress();
-    if (status == EasRequestStatus::RequestStatusSuccess)
-        return finish(ExitSuccess);
-    Output::error(StatusText::explanation(status));
-    finish(status == EasRequestStatus::RequestStatusCancelled ? ExitCancelled : ExitFailure);
+    mIsAtWork = true;
+    Q_EMIT atWork();
 }
 
 void DaemonRequest::onProgress(
     qulonglong accountId, qulonglong requestId, qlonglong maximum, qlonglong current)
 {
-    if (!mShowProgress || accountId != mAccountId || requestId != mRequestId || maximum <= 0)
-        return;
-    constexpr int width = 40;
-    const int filled = int(qBound<qlonglong>(0, current * width / maximum, width));
-    const char *begin = isatty(STDERR_FILENO) ? "\r" : "";
-    const char *end = isatty(STDERR_FILENO) ? "" : "\n";
-    std::fprintf(stderr, "%s[%s%s] %3lld %%%s", begin, QByteArray(filled, '#').constData(),
-        QByteArray(width - filled, '.').constData(), static_cast<long long>(current * 100 / maximum), end);
-    std::fflush(stderr);
-    mProgressShown = isatty(STDERR_FILENO);
+    if (isMine(accountId, requestId) && maximum > 0)
+        Q_EMIT progressed(maximum, current);
 }
 
-void DaemonRequest::clearProgress()
+void DaemonRequest::onFinished(qulonglong accountId, qulonglong requestId, int status)
 {
-    if (mProgressShown)
-        std::fprintf(stderr, "\r%*s\r", 50, "");
-    mProgressShown = false;
+    if (isMine(accountId, requestId))
+        finish(status);
+    else if (accountId == mAccountId && mRequestId == 0)
+        mEarly.insert(requestId, status);
+}
+
+void DaemonRequest::finish(int status)
+{
+    mStatus = status;
+    mHasStatus = true;
+    if (status == EasRequestStatus::RequestStatusSuccess)
+        return end(ExitSuccess, QString());
+    if (status != EasRequestStatus::RequestStatusCancelled)
+        return end(ExitFailure, StatusText::explanation(status));
+    end(ExitCancelled, mIsToBeCancelled ? QStringLiteral("cancelled") : StatusText::explanation(status));
 }
 
 void DaemonRequest::onDaemonGone()
 {
-    clearProgress();
-    Output::error(QStringLiteral("the daemon ended before the request did; call again to start it anew"));
-    finish(ExitUnavailable);
+    end(ExitUnavailable,
+        QStringLiteral("the daemon ended before the request did; call again to start it anew"));
 }
 
-void DaemonRequest::onInterrupt()
+void DaemonRequest::end(int exitStatus, const QString &error)
 {
-    signalfd_siginfo info;
-    while (::read(int(mInterrupts->socket()), &info, sizeof info) > 0) {}
-    mProxy->cancelRequest(mAccountId, mRequestId);
+    if (mHasEnded)
+        return;
+    mHasEnded = true;
+    mExitStatus = exitStatus;
+    mError = error;
+    Q_EMIT ended();
 }
 
-void DaemonRequest::finish(int exitStatus)
+QJsonObject DaemonRequest::describe() const
 {
-    QCoreApplication::exit(exitStatus);
+    QJsonObject object;
+    if (mRequestId != 0)
+        object[QStringLiteral("request")] = QString::number(mRequestId);
+    if (mHasStatus) {
+        object[QStringLiteral("status")] = mStatus;
+        object[QStringLiteral("statusName")] = StatusText::name(mStatus);
+    }
+    return object;
 }

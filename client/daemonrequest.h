@@ -4,18 +4,19 @@
 #include "common/easaccountid.h"
 
 #include <QDBusPendingReply>
+#include <QJsonObject>
+#include <QMap>
 #include <QObject>
 #include <QScopedPointer>
 
 #include <functional>
 
 class EasDBusInterfaceProxy;
-class QSocketNotifier;
+class QDBusPendingCallWatcher;
 
 /**
- * One request of the daemon from the call to its result: the identifier comes back at once, progress and the
- * end come as signals. An interrupt (Ctrl-C) cancels the request and waits for its end. Used once, on the
- * stack of a command; runs the application's event loop while it waits.
+ * One request of the daemon from the call to its result: the identifier comes back first, progress and the
+ * end come as signals. Used once; owned by the command, which runs the event loop (see RequestRun).
  */
 class DaemonRequest : public QObject
 {
@@ -24,30 +25,58 @@ class DaemonRequest : public QObject
 public:
     using Call = std::function<QDBusPendingReply<qulonglong>(EasDBusInterfaceProxy &)>;
 
-    DaemonRequest(EasAccountId accountId, bool showProgress);
+    explicit DaemonRequest(EasAccountId accountId);
     ~DaemonRequest() override;
 
-    /** Returns the exit status; statusOf the request stands in status() then. */
-    int run(const Call &call);
+    /** Emits ended() once, whatever becomes of the daemon. */
+    void start(const Call &call);
+    /** In place of start(): a request that the daemon has begun for another client. */
+    void follow(qulonglong requestId);
+    /** Has the daemon cancel the request, as soon as its identifier is known; ended() still follows. */
+    void cancel();
+    /** Ends without waiting for the daemon any longer. */
+    void abandon(const QString &reason);
 
+    EasAccountId accountId() const { return mAccountId; }
+    bool hasEnded() const { return mHasEnded; }
+    bool isAtWork() const { return mIsAtWork; }
+    /** How it ended: the status of the command line, and a sentence where it failed. */
+    int exitStatus() const { return mExitStatus; }
+    QString error() const { return mError; }
+    /** As the daemon told it; 0 before. */
     int status() const { return mStatus; }
-    qulonglong id() const { return mRequestId; }
+    /** "request", "status" and "statusName", as far as the daemon has told them. */
+    QJsonObject describe() const;
+
+Q_SIGNALS:
+    /** The daemon works on this request, no longer on one before it. */
+    void atWork();
+    void progressed(qlonglong maximum, qlonglong current);
+    void ended();
 
 private Q_SLOTS:
     void onFinished(qulonglong accountId, qulonglong requestId, int status);
     void onProgress(qulonglong accountId, qulonglong requestId, qlonglong maximum, qlonglong current);
-    void onDaemonGone();
-    void onInterrupt();
+    void onSyncStarted(qulonglong accountId, qulonglong requestId);
 
 private:
-    void finish(int exitStatus);
-    void clearProgress();
+    void onIdentifier(QDBusPendingCallWatcher *watcher);
+    void watchDaemon();
+    void onDaemonGone();
+    void finish(int status);
+    void end(int exitStatus, const QString &error);
+    bool isMine(qulonglong accountId, qulonglong requestId) const;
 
     EasAccountId mAccountId;
-    bool mShowProgress;
-    bool mProgressShown = false;
-    qulonglong mRequestId = 0;
-    int mStatus = 0;
     QScopedPointer<EasDBusInterfaceProxy> mProxy;
-    QScopedPointer<QSocketNotifier> mInterrupts;
+    qulonglong mRequestId = 0;
+    /** Ends of requests that were told before the identifier of this one. */
+    QMap<qulonglong, int> mEarly;
+    bool mIsToBeCancelled = false;
+    bool mIsAtWork = false;
+    bool mHasStatus = false;
+    bool mHasEnded = false;
+    int mStatus = 0;
+    int mExitStatus = 0;
+    QString mError;
 };

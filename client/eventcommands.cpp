@@ -2,20 +2,12 @@
 #include "client/eventcommands.h"
 
 #include "client/accountdirectory.h"
-#include "client/commandcontext.h"
 #include "client/eventoptions.h"
 #include "client/eventstore.h"
 #include "client/eventtime.h"
 #include "client/eventview.h"
-#include "client/exitstatus.h"
 #include "client/outputfile.h"
-
-#include <QCommandLineParser>
-
-#include <memory>
-
-#include <sys/ioctl.h>
-#include <unistd.h>
+#include "client/selection.h"
 
 namespace {
 
@@ -26,90 +18,35 @@ const auto NextSync = QStringLiteral("; the next sync tells the server");
 const QCommandLineOption CalendarOption(QStringLiteral("calendar"), QString(), QStringLiteral("name"));
 const QCommandLineOption OccurrenceOption(QStringLiteral("occurrence"), QString(), QStringLiteral("start"));
 
-/** What every command on events starts with: arguments, an account, its calendars. */
-class EventSelection
+/** A command's account, its calendars, and the event that it names. */
+class EventSelection : public Selection<EventStore>
 {
 public:
-    explicit EventSelection(const CommandContext &context)
-        : mContext(context)
-    {
-    }
+    using Selection::Selection;
 
-    QCommandLineParser &parser() { return mParser; }
-    QString argument() const { return mParser.positionalArguments().value(0); }
-    EasAccountId account() const { return mAccount; }
-    EventStore &store() { return *mStore; }
-    int exitStatus() const { return mExitStatus; }
-
-    /** False, with exitStatus() set and an error printed, if there is nothing to work on. */
-    bool open(int fewestArguments, int mostArguments);
     /** The calendar that is named; null for none, which means all. */
     bool selectCalendar(const QString &name, mKCal::Notebook::Ptr *calendar);
     /** The event that the argument names, and one time at which it takes place. */
     bool selectEvent(const QString &occurrenceStart, EventOccurrence *occurrence);
-
-private:
-    bool fail(int exitStatus)
-    {
-        mExitStatus = exitStatus;
-        return false;
-    }
-
-    const CommandContext &mContext;
-    QCommandLineParser mParser;
-    EasAccountId mAccount = 0;
-    std::unique_ptr<EventStore> mStore;
-    int mExitStatus = ExitSuccess;
 };
-
-bool EventSelection::open(int fewestArguments, int mostArguments)
-{
-    if (!mContext.parse(mParser, fewestArguments, mostArguments))
-        return fail(ExitUsage);
-    mAccount = mContext.accountId();
-    if (mAccount == 0)
-        return fail(ExitNotFound);
-    mStore = std::make_unique<EventStore>(mAccount);
-    return mStore->open() || fail(ExitUnavailable);
-}
 
 bool EventSelection::selectCalendar(const QString &name, mKCal::Notebook::Ptr *calendar)
 {
     if (name.isEmpty())
         return true;
-    *calendar = mStore->calendar(name);
+    *calendar = store().calendar(name);
     return *calendar || fail(ExitNotFound);
 }
 
 bool EventSelection::selectEvent(const QString &occurrenceStart, EventOccurrence *occurrence)
 {
-    const Event::Ptr event = mStore->find(argument());
+    const Event::Ptr event = store().find(argument());
     if (!event)
         return fail(ExitNotFound);
     *occurrence = occurrenceStart.isEmpty()
         ? EventOccurrence { event, event->dtStart(), event->dtEnd(), QDateTime() }
-        : mStore->occurrence(event, occurrenceStart);
+        : store().occurrence(event, occurrenceStart);
     return occurrence->event || fail(ExitNotFound);
-}
-
-bool readDay(const QCommandLineParser &parser, const QString &option, QDate *day)
-{
-    if (!parser.isSet(option))
-        return true;
-    *day = EventTime::read(parser.value(option)).date();
-    if (!day->isValid())
-        Output::error(QStringLiteral("--%1 needs a day, such as 2024-05-01").arg(option));
-    return day->isValid();
-}
-
-int terminalWidth()
-{
-    constexpr int Usual = 80;
-    winsize size {};
-    if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0)
-        return size.ws_col;
-    const int columns = qEnvironmentVariableIntValue("COLUMNS");
-    return columns > 0 ? columns : Usual;
 }
 
 QJsonArray rowsOf(const QList<EventOccurrence> &occurrences, const EventStore &store)
@@ -122,7 +59,7 @@ QJsonArray rowsOf(const QList<EventOccurrence> &occurrences, const EventStore &s
 
 } // namespace
 
-int EventCommands::list(const CommandContext &context)
+int EventCommands::list(CommandContext &context)
 {
     constexpr int DaysAhead = 30;
     EventSelection events(context);
@@ -133,26 +70,26 @@ int EventCommands::list(const CommandContext &context)
     if (!events.open(0, 0))
         return events.exitStatus();
     QDate first = QDate::currentDate();
-    if (!readDay(events.parser(), from, &first))
+    if (events.parser().isSet(from) && !EventTime::readDay(events.parser().value(from), from, &first))
         return ExitUsage;
     QDate last = first.addDays(DaysAhead);
-    if (!readDay(events.parser(), to, &last))
+    if (events.parser().isSet(to) && !EventTime::readDay(events.parser().value(to), to, &last))
         return ExitUsage;
+    if (last < first) {
+        Output::error(QStringLiteral("--to is before --from"));
+        return ExitUsage;
+    }
     mKCal::Notebook::Ptr calendar;
     if (!events.selectCalendar(events.parser().value(CalendarOption), &calendar))
         return events.exitStatus();
-    context.output().rows({ { QStringLiteral("id"), QStringLiteral("ID") },
-                              { QStringLiteral("start"), QStringLiteral("START") },
-                              { QStringLiteral("end"), QStringLiteral("END") },
-                              { QStringLiteral("repeats"), QStringLiteral("REPEATS") },
-                              { QStringLiteral("subject"), QStringLiteral("SUBJECT") },
-                              { QStringLiteral("location"), QStringLiteral("LOCATION") },
-                              { QStringLiteral("calendar"), QStringLiteral("CALENDAR") } },
+    context.output().rows(
+        { { "id", "ID" }, { "start", "START" }, { "end", "END" }, { "repeats", "REPEATS" },
+            { "subject", "SUBJECT" }, { "location", "LOCATION" }, { "calendar", "CALENDAR" } },
         rowsOf(events.store().occurrences(first, last, calendar), events.store()));
     return ExitSuccess;
 }
 
-int EventCommands::month(const CommandContext &context)
+int EventCommands::month(CommandContext &context)
 {
     EventSelection events(context);
     events.parser().addOption(CalendarOption);
@@ -175,24 +112,26 @@ int EventCommands::month(const CommandContext &context)
         context.output().rows({}, rowsOf(occurrences, events.store()));
         return ExitSuccess;
     }
-    const QStringList lines = EventView::month(first, occurrences, terminalWidth());
+    constexpr int UsualWidth = 80;
+    const int width = Output::terminalWidth();
+    const QStringList lines = EventView::month(first, occurrences, width > 0 ? width : UsualWidth);
     for (const QString &line : lines)
         context.output().message(line);
     return ExitSuccess;
 }
 
-int EventCommands::show(const CommandContext &context)
+int EventCommands::show(CommandContext &context)
 {
     EventSelection events(context);
     events.parser().addOption(OccurrenceOption);
     EventOccurrence occurrence;
     if (!events.open(1, 1) || !events.selectEvent(events.parser().value(OccurrenceOption), &occurrence))
         return events.exitStatus();
-    context.output().object(EventView::describeWhole(occurrence, events.store()));
+    context.output().object(EventView::columns(), EventView::describeWhole(occurrence, events.store()));
     return ExitSuccess;
 }
 
-int EventCommands::add(const CommandContext &context)
+int EventCommands::add(CommandContext &context)
 {
     EventSelection events(context);
     const EventOptions options(events.parser(), EventOptions::Adding);
@@ -203,19 +142,17 @@ int EventCommands::add(const CommandContext &context)
         return ExitNotFound;
     const Event::Ptr event(new Event);
     event->setSummary(events.argument());
-    if (!options.apply(*event, AccountDirectory().emailAddress(events.account())))
+    if (!options.apply(*event, context.accounts().emailAddress(events.account())))
         return ExitUsage;
     if (!events.store().add(event, calendar) || !events.store().save())
         return ExitFailure;
-    if (context.output().isJson())
-        context.output().object(EventView::describeWhole(
-            { event, event->dtStart(), event->dtEnd(), QDateTime() }, events.store()));
-    context.output().message(
-        QStringLiteral("event %1 added to %2").arg(EventStore::shortId(event), calendar->name()) + NextSync);
+    context.output().done(
+        QStringLiteral("event %1 added to %2").arg(EventStore::shortId(event), calendar->name()) + NextSync,
+        EventView::describeWhole({ event, event->dtStart(), event->dtEnd(), QDateTime() }, events.store()));
     return ExitSuccess;
 }
 
-int EventCommands::edit(const CommandContext &context)
+int EventCommands::edit(CommandContext &context)
 {
     EventSelection events(context);
     const EventOptions options(events.parser(), EventOptions::Editing);
@@ -223,22 +160,23 @@ int EventCommands::edit(const CommandContext &context)
     if (!events.open(1, 1) || !events.selectEvent(options.occurrence(), &occurrence))
         return events.exitStatus();
     if (!options.saysSomething()) {
-        Output::error(QStringLiteral("nothing to change; see fennel-easctl help"));
+        Output::error(QStringLiteral("nothing to change; see fennel-easctl help event edit"));
         return ExitUsage;
     }
     const Event::Ptr event =
         options.occurrence().isEmpty() ? occurrence.event : events.store().exceptionFor(occurrence);
     if (!event)
         return ExitFailure;
-    if (!options.apply(*event, AccountDirectory().emailAddress(events.account())))
+    if (!options.apply(*event, context.accounts().emailAddress(events.account())))
         return ExitUsage;
     if (!events.store().save())
         return ExitFailure;
-    context.output().message(QStringLiteral("event %1 changed").arg(events.argument()) + NextSync);
+    context.output().done(QStringLiteral("event %1 changed").arg(events.argument()) + NextSync,
+        EventView::describeWhole({ event, event->dtStart(), event->dtEnd(), QDateTime() }, events.store()));
     return ExitSuccess;
 }
 
-int EventCommands::remove(const CommandContext &context)
+int EventCommands::remove(CommandContext &context)
 {
     EventSelection events(context);
     events.parser().addOption(OccurrenceOption);
@@ -254,15 +192,16 @@ int EventCommands::remove(const CommandContext &context)
         Output::error(QStringLiteral("the event cannot be deleted"));
     if (!removed || !events.store().save())
         return ExitFailure;
-    context.output().message(
+    context.output().done(
         (start().isEmpty()
                 ? QStringLiteral("event %1 deleted").arg(events.argument())
                 : QStringLiteral("the occurrence of event %1 at %2 deleted").arg(events.argument(), start()))
-        + NextSync);
+            + NextSync,
+        { { QStringLiteral("id"), events.argument() } });
     return ExitSuccess;
 }
 
-int EventCommands::exportCalendar(const CommandContext &context)
+int EventCommands::exportCalendar(CommandContext &context)
 {
     EventSelection events(context);
     const QCommandLineOption force(QStringLiteral("force"));
@@ -273,6 +212,6 @@ int EventCommands::exportCalendar(const CommandContext &context)
     if (!events.selectCalendar(events.parser().value(CalendarOption), &calendar))
         return events.exitStatus();
     const QByteArray document = events.store().toICalendar(calendar).toUtf8();
-    return OutputFile::writeOrPrint(events.argument(), document, events.parser().isSet(force)) ? ExitSuccess
-                                                                                               : ExitFailure;
+    return OutputFile(context.output(), events.parser().isSet(force))
+        .write(events.argument(), document, "text/calendar");
 }

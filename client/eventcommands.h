@@ -6,12 +6,12 @@ class CommandContext;
 /** The commands that show and change the device's events; each returns an exit status. */
 namespace EventCommands {
 
-int list(const CommandContext &context);
-int month(const CommandContext &context);
-int show(const CommandContext &context);
-int add(const CommandContext &context);
-int edit(const CommandContext &context);
-int remove(const CommandContext &context);
-int exportCalendar(const CommandContext &context);
+int list(CommandContext &context);
+int month(CommandContext &context);
+int show(CommandContext &context);
+int add(CommandContext &context);
+int edit(CommandContext &context);
+int remove(CommandContext &context);
+int exportCalendar(CommandContext &context);
 
 } // namespace EventCommands

@@ -65,7 +65,7 @@ mKCal::Notebook::Ptr EventStore::calendar(const QString &name) const
     if (name.isEmpty() && own.size() == 1)
         return own.first();
     for (const mKCal::Notebook::Ptr &notebook : own) {
-        if (notebook->uid() == name || notebook->name() == name)
+        if (notebook->uid() == name || notebook->name().compare(name, Qt::CaseInsensitive) == 0)
             return notebook;
     }
     if (own.isEmpty())
@@ -74,6 +74,14 @@ mKCal::Notebook::Ptr EventStore::calendar(const QString &name) const
         Output::error(name.isEmpty() ? QStringLiteral("there are several calendars; name one with --calendar")
                                      : QStringLiteral("there is no calendar \"%1\"").arg(name));
     return {};
+}
+
+int EventStore::count(const mKCal::Notebook::Ptr &calendar) const
+{
+    const Event::List events = mCalendar->rawEvents();
+    return int(std::count_if(events.cbegin(), events.cend(), [&](const Event::Ptr &event) {
+        return !event->hasRecurrenceId() && mCalendar->notebook(event) == calendar->uid();
+    }));
 }
 
 QString EventStore::calendarName(const Event::Ptr &event) const

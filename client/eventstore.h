@@ -40,8 +40,12 @@ public:
     mKCal::Notebook::List calendars() const;
     /** By name or identifier; the only one for an empty name. Null, after an error, if none is meant. */
     mKCal::Notebook::Ptr calendar(const QString &name) const;
+    /** Events and series of a calendar, a series with its exceptions as one. */
+    int count(const mKCal::Notebook::Ptr &calendar) const;
     QString calendarName(const KCalendarCore::Event::Ptr &event) const;
 
+    /** Series and their exceptions each by themselves. */
+    KCalendarCore::Event::List events() const { return mCalendar->rawEvents(); }
     static QString shortId(const KCalendarCore::Event::Ptr &event);
     /** The event or series by its number or identifier. Null, after an error, if there is none. */
     KCalendarCore::Event::Ptr find(const QString &id) const;

@@ -3,6 +3,7 @@
 
 #include "client/eventtime.h"
 #include "client/output.h"
+#include "client/textwidth.h"
 
 #include <KCalendarCore/Recurrence>
 
@@ -74,8 +75,7 @@ QString weekDays(const Recurrence &rule)
 
 QString fitted(const QString &text, int width)
 {
-    const QString shown = Output::printable(text.simplified());
-    return shown.size() <= width ? shown.leftJustified(width) : shown.left(width - 1) + QChar(0x2026);
+    return TextWidth::padded(TextWidth::cut(Output::printable(text.simplified()), width), width);
 }
 
 /** What stands on one day of a month. */
@@ -119,8 +119,8 @@ QJsonObject EventView::describeWhole(const EventOccurrence &occurrence, const Ev
     const Event::Ptr &event = occurrence.event;
     QJsonObject object = describe(occurrence, store);
     object[QStringLiteral("uid")] = event->uid();
-    if (!event->allDay())
-        object[QStringLiteral("zone")] = QString::fromLatin1(event->dtStart().timeZone().id());
+    object[QStringLiteral("zone")] =
+        event->allDay() ? QString() : QString::fromLatin1(event->dtStart().timeZone().id());
     object[QStringLiteral("repetition")] = repetition(*event);
     object[QStringLiteral("categories")] = QJsonArray::fromStringList(event->categories());
     QJsonArray reminders;
@@ -128,8 +128,7 @@ QJsonObject EventView::describeWhole(const EventOccurrence &occurrence, const Ev
     for (const KCalendarCore::Alarm::Ptr &alarm : alarms)
         reminders.append(-alarm->startOffset().asSeconds() / 60);
     object[QStringLiteral("reminders")] = reminders;
-    if (!event->organizer().isEmpty())
-        object[QStringLiteral("organizer")] = person(event->organizer().name(), event->organizer().email());
+    object[QStringLiteral("organizer")] = person(event->organizer().name(), event->organizer().email());
     object[QStringLiteral("attendees")] = QJsonArray::fromStringList(attendees(*event));
     object[QStringLiteral("text")] = event->description();
     return object;
@@ -145,6 +144,16 @@ QStringList EventView::attendees(const Event &event)
                 person(attendee.name(), attendee.email()), status(attendee.status())));
     }
     return names;
+}
+
+const Columns &EventView::columns()
+{
+    static const Columns columns { { "id", "number" }, { "subject", "subject" }, { "start", "start" },
+        { "end", "end" }, { "zone", "time zone" }, { "allDay", "all day" }, { "repetition", "repeats" },
+        { "changed", "changed" }, { "location", "location" }, { "calendar", "calendar" },
+        { "categories", "categories" }, { "reminders", "minutes before" }, { "organizer", "organizer" },
+        { "attendees", "attendees" }, { "uid", "identifier" }, { "text", "text" } };
+    return columns;
 }
 
 QString EventView::repetition(const Event &event)

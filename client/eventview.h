@@ -2,6 +2,7 @@
 #pragma once
 
 #include "client/eventstore.h"
+#include "client/table.h"
 
 #include <QJsonObject>
 #include <QStringList>
@@ -11,11 +12,14 @@ namespace EventView {
 
 /** One line of a list. */
 QJsonObject describe(const EventOccurrence &occurrence, const EventStore &store);
-/** With people, rule, reminders and the text. */
+/** With people, rule, reminders and the text; what is not there is an empty text or list. */
 QJsonObject describeWhole(const EventOccurrence &occurrence, const EventStore &store);
 
 /** Each with the answer; the organizer only if invited as well. */
 QStringList attendees(const KCalendarCore::Event &event);
+
+/** What describeWhole() tells, in the order that people read it. */
+const Columns &columns();
 
 /** "every 2 weeks on Mon, Wed until 2024-12-31"; empty for an event that does not repeat. */
 QString repetition(const KCalendarCore::Event &event);

@@ -3,11 +3,12 @@
 
 class CommandContext;
 
-/** The commands that create, rename and delete folders on the server; each returns an exit status. */
+/** The commands "folders" and "folder ..."; each returns an exit status. */
 namespace FolderCommands {
 
-int create(const CommandContext &context);
-int rename(const CommandContext &context);
-int remove(const CommandContext &context);
+int list(CommandContext &context);
+int create(CommandContext &context);
+int rename(CommandContext &context);
+int remove(CommandContext &context);
 
 } // namespace FolderCommands

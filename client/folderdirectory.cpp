@@ -1,23 +1,26 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "client/folderdirectory.h"
 
+#include "client/commandcontext.h"
 #include "client/contactbook.h"
 #include "client/eventstore.h"
-#include "client/mailview.h"
-#include "client/output.h"
+#include "client/mailbox.h"
 
-#include <qmailstore.h>
+#include <QJsonObject>
 
-bool FolderDirectory::kindOf(const QString &word, Kind *kind)
+const QStringList &FolderDirectory::kinds()
 {
     static const QStringList words { QStringLiteral("mail"), QStringLiteral("calendar"),
         QStringLiteral("contacts") };
-    const int index = words.indexOf(word);
-    if (index < 0)
-        Output::error(QStringLiteral("--kind is one of %1").arg(words.join(QStringLiteral(", "))));
-    else
-        *kind = Kind(index);
-    return index >= 0;
+    return words;
+}
+
+bool FolderDirectory::kindOf(const QString &word, Kind *kind)
+{
+    if (!CommandContext::isOneOf(word, kinds(), QStringLiteral("--kind")))
+        return false;
+    *kind = Kind(kinds().indexOf(word));
+    return true;
 }
 
 FolderDirectory::FolderDirectory(EasAccountId accountId, Kind kind)
@@ -41,13 +44,13 @@ bool FolderDirectory::open()
 
 bool FolderDirectory::openMail()
 {
-    if (!QMailStore::instance() || QMailStore::initializationState() != QMailStore::Initialized) {
-        Output::error(QStringLiteral("the mail store cannot be opened"));
+    MailBox box(mAccountId);
+    if (!box.open())
         return false;
-    }
-    const QMailFolderIdList ids = MailView::folders(mAccountId);
+    const QMailFolderIdList ids = box.folders();
     for (const QMailFolderId &id : ids)
-        mFolders.append({ QString::number(id.toULongLong()), MailView::folderPath(id) });
+        mFolders.append({ QString::number(id.toULongLong()), QMailFolder(id).displayName(), MailBox::path(id),
+            MailBox::depth(id), MailBox::count(id, false), MailBox::count(id, true) });
     return true;
 }
 
@@ -58,7 +61,7 @@ bool FolderDirectory::openCalendars()
         return false;
     const mKCal::Notebook::List calendars = store.calendars();
     for (const mKCal::Notebook::Ptr &calendar : calendars)
-        mFolders.append({ calendar->uid(), calendar->name() });
+        mFolders.append({ calendar->uid(), calendar->name(), calendar->name(), 0, store.count(calendar), 0 });
     return true;
 }
 
@@ -67,18 +70,41 @@ bool FolderDirectory::openContacts()
     ContactBook book(mAccountId);
     if (!book.open())
         return false;
-    const QList<QtContacts::QContactCollection> collections = book.collections();
-    for (const QtContacts::QContactCollection &collection : collections)
-        mFolders.append({ collection.id().toString(), ContactBook::name(collection) });
+    const QList<QtContacts::QContactCollection> &collections = book.collections();
+    for (const QtContacts::QContactCollection &collection : collections) {
+        QList<QtContacts::QContact> contacts;
+        if (!book.contacts(collection, &contacts))
+            return false;
+        const QString name = ContactBook::name(collection);
+        mFolders.append({ collection.id().toString(), name, name, 0, contacts.size(), 0 });
+    }
     return true;
 }
 
-QString FolderDirectory::find(const QString &wanted) const
+QJsonArray FolderDirectory::describe() const
 {
+    QJsonArray rows;
+    for (const LocalFolder &folder : mFolders)
+        rows.append(QJsonObject { { QStringLiteral("id"), folder.id },
+            { QStringLiteral("kind"), kinds().at(mKind) }, { QStringLiteral("name"), folder.name },
+            { QStringLiteral("path"), folder.path }, { QStringLiteral("depth"), folder.depth },
+            { QStringLiteral("items"), folder.items }, { QStringLiteral("unread"), folder.unread } });
+    return rows;
+}
+
+const LocalFolder *FolderDirectory::find(const QString &wanted) const
+{
+    QList<const LocalFolder *> found;
     for (const LocalFolder &folder : mFolders) {
-        if (folder.id == wanted || folder.name.compare(wanted, Qt::CaseInsensitive) == 0)
-            return folder.id;
+        if (folder.id == wanted)
+            return &folder;
+        if (folder.path.compare(wanted, Qt::CaseInsensitive) == 0)
+            found.append(&folder);
     }
-    Output::error(QStringLiteral("there is no folder \"%1\"").arg(wanted));
-    return {};
+    if (found.size() == 1)
+        return found.first();
+    Output::error(found.isEmpty()
+            ? QStringLiteral("there is no folder \"%1\"").arg(wanted)
+            : QStringLiteral("several folders are called \"%1\"; give the identifier of one").arg(wanted));
+    return nullptr;
 }

@@ -1,220 +1,128 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "client/mailcommands.h"
 
-#include "client/commandcontext.h"
-#include "client/daemonrequest.h"
-#include "client/exitstatus.h"
-#include "client/folderdirectory.h"
+#include "client/eventtime.h"
+#include "client/mailselection.h"
 #include "client/mailview.h"
 #include "client/outputfile.h"
+#include "client/requestrun.h"
 #include "common/easdbusinterfaceproxy.h"
-
-#include <QCommandLineParser>
-#include <QDir>
-#include <QFileInfo>
-#include <QRegularExpression>
-#include <qmaildisconnected.h>
-#include <qmailmessagekey.h>
-#include <qmailstore.h>
 
 namespace {
 
-using Columns = QList<QPair<QString, QString>>;
+const auto NextSync = QStringLiteral("; the next sync tells the server");
 
-/** What nearly every command on mail starts with: arguments, an account, a mail store, messages. */
-class MailSelection
-{
-public:
-    explicit MailSelection(const CommandContext &context)
-        : mContext(context)
-    {
-    }
-
-    QCommandLineParser &parser() { return mParser; }
-    QStringList arguments() const { return mParser.positionalArguments(); }
-    EasAccountId account() const { return mAccount; }
-    const QMailMessageIdList &messages() const { return mMessages; }
-    int exitStatus() const { return mExitStatus; }
-
-    /** False, with exitStatus() set and an error printed, if there is nothing to work on. */
-    bool open(int fewestArguments, int mostArguments);
-    bool select(const QStringList &numbers);
-
-private:
-    bool fail(int exitStatus, const QString &error = QString());
-
-    const CommandContext &mContext;
-    QCommandLineParser mParser;
-    EasAccountId mAccount = 0;
-    QMailMessageIdList mMessages;
-    int mExitStatus = ExitSuccess;
-};
-
-bool MailSelection::fail(int exitStatus, const QString &error)
-{
-    if (!error.isEmpty())
-        Output::error(error);
-    mExitStatus = exitStatus;
-    return false;
-}
-
-bool MailSelection::open(int fewestArguments, int mostArguments)
-{
-    if (!mContext.parse(mParser, fewestArguments, mostArguments))
-        return fail(ExitUsage);
-    mAccount = mContext.accountId();
-    if (mAccount == 0)
-        return fail(ExitNotFound);
-    if (!QMailStore::instance() || QMailStore::initializationState() != QMailStore::Initialized)
-        return fail(ExitUnavailable, QStringLiteral("the mail store cannot be opened"));
-    return true;
-}
-
-bool MailSelection::select(const QStringList &numbers)
-{
-    for (const QString &number : numbers) {
-        const QMailMessageId id = MailView::findMessage(mAccount, number);
-        if (!id.isValid())
-            return fail(ExitNotFound, QStringLiteral("there is no message %1").arg(number));
-        mMessages.append(id);
-    }
-    return true;
-}
-
-/** Changes the messages that the arguments name; what the server has to know, the next sync tells it. */
-template <typename Change> int changeMessages(const CommandContext &context, const char *done, Change change)
+/** Changes the messages that the arguments name. */
+template <class Change> int changeMessages(CommandContext &context, const QString &what, Change change)
 {
     MailSelection mail(context);
     if (!mail.open(1, -1) || !mail.select(mail.arguments()))
         return mail.exitStatus();
-    if (!change(mail.messages())) {
-        Output::error(QStringLiteral("the mail store refused the change"));
+    if (!change(mail.store(), mail.messages()))
         return ExitFailure;
+    context.output().done(QStringLiteral("%1 message(s) %2").arg(mail.messages().size()).arg(what) + NextSync,
+        { { QStringLiteral("messages"), mail.numbers() } });
+    return ExitSuccess;
+}
+
+/** The options that choose messages for a list. */
+class FilterOptions
+{
+public:
+    explicit FilterOptions(QCommandLineParser &parser)
+        : mParser(parser)
+    {
+        for (const QString &name : { From, Subject, Since, Limit })
+            parser.addOption(QCommandLineOption(name, QString(), QStringLiteral("value")));
+        parser.addOption(QCommandLineOption(Unread));
     }
-    QMailStore::instance()->flushIpcNotifications();
-    context.output().message(QStringLiteral("%1 message(s) %2; the next sync tells the server")
-                                 .arg(mail.messages().size())
-                                 .arg(QLatin1String(done)));
-    return ExitSuccess;
-}
 
-/** The store leaves malformed locations undefined, so they are kept from it. */
-bool hasPart(const QMailMessageId &id, const QString &location)
-{
-    static const QRegularExpression wellFormed(QStringLiteral("^[1-9][0-9]*(\\.[1-9][0-9]*)*$"));
-    return wellFormed.match(location).hasMatch()
-        && QMailMessage(id).contains(QMailMessagePart::Location(location));
-}
+    /** False, after an error was printed, if one cannot be understood. */
+    bool read(MailFilter *filter, int *limit) const
+    {
+        constexpr int UsualLimit = 50;
+        filter->isUnreadOnly = mParser.isSet(Unread);
+        filter->from = mParser.value(From);
+        filter->subject = mParser.value(Subject);
+        if (mParser.isSet(Since) && !EventTime::readDay(mParser.value(Since), Since, &filter->since))
+            return false;
+        if (mParser.value(Limit) == QLatin1String("all")) {
+            *limit = INT_MAX;
+            return true;
+        }
+        const std::optional<int> number = CommandContext::number(mParser, Limit, UsualLimit, 1, INT_MAX);
+        *limit = number.value_or(0);
+        return number.has_value();
+    }
 
-/** The folders of events or contacts, which have no messages to be counted. */
-int listOtherFolders(const CommandContext &context, FolderDirectory directory)
+private:
+    const QString From = QStringLiteral("from");
+    const QString Subject = QStringLiteral("subject");
+    const QString Since = QStringLiteral("since");
+    const QString Limit = QStringLiteral("limit");
+    const QString Unread = QStringLiteral("unread");
+
+    QCommandLineParser &mParser;
+};
+
+void printForPeople(Output &output, const QJsonObject &message)
 {
-    if (!directory.open())
-        return ExitUnavailable;
-    QJsonArray rows;
-    for (const LocalFolder &folder : directory.folders())
-        rows.append(
-            QJsonObject { { QStringLiteral("id"), folder.id }, { QStringLiteral("name"), folder.name } });
-    context.output().rows({ { QStringLiteral("name"), QStringLiteral("FOLDER") },
-                              { QStringLiteral("id"), QStringLiteral("ID") } },
-        rows);
-    return ExitSuccess;
+    static const Columns heads { { "from", "from" }, { "to", "to" }, { "cc", "cc" }, { "date", "date" },
+        { "subject", "subject" }, { "folder", "folder" } };
+    output.object(heads, message);
+    const QString text = message.value(QStringLiteral("text")).toString();
+    output.message(QLatin1Char('\n')
+        + (text.isEmpty() ? QStringLiteral("(the text is not on the device; fetch it with mail get)")
+                          : text));
+    const QJsonArray parts = message.value(QStringLiteral("parts")).toArray();
+    if (parts.isEmpty())
+        return;
+    output.message(QString());
+    output.rows(MailView::partColumns(), parts);
 }
 
 } // namespace
 
-int MailCommands::folders(const CommandContext &context)
+int MailCommands::list(CommandContext &context)
 {
     MailSelection mail(context);
-    const QCommandLineOption kind(
-        QStringLiteral("kind"), QString(), QStringLiteral("which"), QStringLiteral("mail"));
-    mail.parser().addOption(kind);
-    if (!mail.open(0, 0))
+    const FilterOptions options(mail.parser());
+    MailFilter filter;
+    int limit = 0;
+    if (!mail.parse(0, 1))
         return mail.exitStatus();
-    FolderDirectory::Kind wanted = FolderDirectory::Mail;
-    if (!FolderDirectory::kindOf(mail.parser().value(kind), &wanted))
+    if (!options.read(&filter, &limit))
         return ExitUsage;
-    if (wanted != FolderDirectory::Mail)
-        return listOtherFolders(context, FolderDirectory(mail.account(), wanted));
-    QJsonArray rows;
-    const QMailFolderIdList ids = MailView::folders(mail.account());
-    for (const QMailFolderId &id : ids) {
-        QJsonObject row = MailView::describeFolder(id);
-        row[QStringLiteral("tree")] = QString(2 * row[QStringLiteral("depth")].toInt(), QChar(0x00B7))
-            + row[QStringLiteral("name")].toString();
-        rows.append(row);
-    }
-    const Columns columns { { QStringLiteral("id"), QStringLiteral("ID") },
-        { QStringLiteral("messages"), QStringLiteral("MESSAGES") },
-        { QStringLiteral("unread"), QStringLiteral("UNREAD") },
-        { QStringLiteral("tree"), QStringLiteral("FOLDER") } };
-    context.output().rows(columns, rows);
-    return ExitSuccess;
-}
-
-int MailCommands::list(const CommandContext &context)
-{
-    MailSelection mail(context);
-    const QCommandLineOption limit(
-        QStringLiteral("limit"), QString(), QStringLiteral("n"), QStringLiteral("50"));
-    mail.parser().addOption(limit);
-    if (!mail.open(0, 1))
+    if (!mail.openStore()
+        || (!mail.argument().isEmpty() && !mail.findFolder(mail.argument(), &filter.folder)))
         return mail.exitStatus();
-    QMailFolderId folder;
-    if (!mail.arguments().isEmpty()) {
-        folder = MailView::findFolder(mail.account(), mail.arguments().first());
-        if (!folder.isValid()) {
-            Output::error(QStringLiteral("there is no folder \"%1\"").arg(mail.arguments().first()));
-            return ExitNotFound;
-        }
-    }
+    const QMailMessageIdList found = mail.store().messages(filter);
     QJsonArray rows;
-    const QMailMessageIdList ids =
-        MailView::messages(mail.account(), folder).mid(0, mail.parser().value(limit).toInt());
-    for (const QMailMessageId &id : ids)
+    const QMailMessageIdList shown = found.mid(0, limit);
+    for (const QMailMessageId &id : shown)
         rows.append(MailView::describeMessage(QMailMessageMetaData(id)));
-    const Columns columns { { QStringLiteral("id"), QStringLiteral("ID") },
-        { QStringLiteral("date"), QStringLiteral("DATE") },
-        { QStringLiteral("read"), QStringLiteral("READ") },
-        { QStringLiteral("from"), QStringLiteral("FROM") },
-        { QStringLiteral("subject"), QStringLiteral("SUBJECT") },
-        { QStringLiteral("folder"), QStringLiteral("FOLDER") } };
-    context.output().rows(columns, rows);
+    context.output().rows(MailView::messageColumns(), rows);
+    if (shown.size() < found.size())
+        Output::note(QStringLiteral("%1 of %2 messages; --limit all shows the others")
+                         .arg(shown.size())
+                         .arg(found.size()));
     return ExitSuccess;
 }
 
-int MailCommands::show(const CommandContext &context)
+int MailCommands::show(CommandContext &context)
 {
     MailSelection mail(context);
     if (!mail.open(1, 1) || !mail.select(mail.arguments()))
         return mail.exitStatus();
-    const QJsonObject message = MailView::describeWhole(QMailMessage(mail.messages().first()));
-    if (context.output().isJson()) {
-        context.output().object(message);
-        return ExitSuccess;
-    }
-    for (const char *key : { "from", "to", "cc", "date", "subject", "folder" }) {
-        const QString value = message.value(QLatin1String(key)).toString();
-        if (!value.isEmpty())
-            context.output().message(QStringLiteral("%1: %2").arg(QLatin1String(key), value.simplified()));
-    }
-    const QString text = message.value(QStringLiteral("text")).toString();
-    context.output().message(QLatin1Char('\n')
-        + (text.isEmpty() ? QStringLiteral("(the text is not on the device; fetch it with mail get)")
-                          : text));
-    const QJsonArray parts = message.value(QStringLiteral("parts")).toArray();
-    if (!parts.isEmpty()) {
-        const Columns columns { { QStringLiteral("location"), QStringLiteral("PART") },
-            { QStringLiteral("name"), QStringLiteral("NAME") },
-            { QStringLiteral("size"), QStringLiteral("SIZE") },
-            { QStringLiteral("downloaded"), QStringLiteral("DOWNLOADED") } };
-        context.output().message(QString());
-        context.output().rows(columns, parts);
-    }
+    const QJsonObject message = MailView::describeWhole(QMailMessage(mail.message()));
+    if (context.output().isJson())
+        context.output().object({}, message);
+    else
+        printForPeople(context.output(), message);
     return ExitSuccess;
 }
 
-int MailCommands::get(const CommandContext &context)
+int MailCommands::get(CommandContext &context)
 {
     MailSelection mail(context);
     const QCommandLineOption attachments(QStringLiteral("attachments"));
@@ -224,92 +132,68 @@ int MailCommands::get(const CommandContext &context)
     QList<qulonglong> numbers;
     for (const QMailMessageId &id : mail.messages())
         numbers.append(id.toULongLong());
-    DaemonRequest request(mail.account(), context.showsProgress());
-    const int result = request.run([&](EasDBusInterfaceProxy &daemon) {
+    RequestRun run(context);
+    run.add(mail.account(), [&](EasDBusInterfaceProxy &daemon) {
         return daemon.downloadMessages(mail.account(), numbers, mail.parser().isSet(attachments));
     });
+    const int result = run.exec();
+    context.output().addFacts(run.first().describe());
     if (result == ExitSuccess)
-        context.output().message(QStringLiteral("%1 message(s) downloaded").arg(numbers.size()));
+        context.output().done(QStringLiteral("%1 message(s) downloaded").arg(numbers.size()),
+            { { QStringLiteral("messages"), mail.numbers() } });
     return result;
 }
 
-int MailCommands::saveAttachment(const CommandContext &context)
+int MailCommands::exportMessage(CommandContext &context)
 {
     MailSelection mail(context);
     const QCommandLineOption force(QStringLiteral("force"));
     mail.parser().addOption(force);
-    if (!mail.open(2, 3) || !mail.select(mail.arguments().mid(0, 1)))
+    if (!mail.open(1, 2) || !mail.select({ mail.argument() }))
         return mail.exitStatus();
-    const QString part = mail.arguments().at(1);
-    const QMailMessageId id = mail.messages().first();
-    if (!hasPart(id, part)) {
-        Output::error(QStringLiteral("message %1 has no part %2").arg(mail.arguments().at(0), part));
-        return ExitNotFound;
-    }
-    const QMailMessagePart::Location location(part);
-    if (!QMailMessage(id).partAt(location).hasBody()) {
-        DaemonRequest request(mail.account(), context.showsProgress());
-        const int result = request.run([&](EasDBusInterfaceProxy &daemon) {
-            return daemon.downloadMessagePart(mail.account(), id.toULongLong(), part);
+    const QMailMessage message(mail.message());
+    if (!message.contentAvailable())
+        Output::note(QStringLiteral(
+            "parts of the message are not on the device; mail get --attachments fetches them"));
+    return OutputFile(context.output(), mail.parser().isSet(force))
+        .write(mail.argument(1), message.toRfc2822(), "message/rfc822");
+}
+
+int MailCommands::markRead(CommandContext &context)
+{
+    return changeMessages(
+        context, QStringLiteral("marked as read"), [](MailBox &box, const QMailMessageIdList &ids) {
+            return box.setStatus(ids, QMailMessage::Read, true);
         });
-        if (result != ExitSuccess)
-            return result;
-    }
-    const QMailMessage message(id);
-    const QMailMessagePart &attachment = message.partAt(location);
-    QString path = mail.arguments().value(2, QStringLiteral("."));
-    if (QFileInfo(path).isDir())
-        path = QDir(path).filePath(MailView::safeFileName(attachment));
-    const QByteArray data =
-        attachment.hasBody() ? attachment.body().data(QMailMessageBody::Decoded) : QByteArray();
-    if (!OutputFile::write(path, data, mail.parser().isSet(force)))
-        return ExitFailure;
-    context.output().message(QStringLiteral("%1 bytes written to %2").arg(data.size()).arg(path));
-    return ExitSuccess;
 }
 
-int MailCommands::markRead(const CommandContext &context)
+int MailCommands::markUnread(CommandContext &context)
 {
-    return changeMessages(context, "marked as read", [](const QMailMessageIdList &ids) {
-        return QMailStore::instance()->updateMessagesMetaData(
-            QMailMessageKey::id(ids), QMailMessage::Read, true);
-    });
+    return changeMessages(
+        context, QStringLiteral("marked as unread"), [](MailBox &box, const QMailMessageIdList &ids) {
+            return box.setStatus(ids, QMailMessage::Read, false);
+        });
 }
 
-int MailCommands::markUnread(const CommandContext &context)
-{
-    return changeMessages(context, "marked as unread", [](const QMailMessageIdList &ids) {
-        return QMailStore::instance()->updateMessagesMetaData(
-            QMailMessageKey::id(ids), QMailMessage::Read, false);
-    });
-}
-
-int MailCommands::move(const CommandContext &context)
+int MailCommands::move(CommandContext &context)
 {
     MailSelection mail(context);
-    if (!mail.open(2, -1))
+    QMailFolderId folder;
+    if (!mail.open(2, -1) || !mail.findFolder(mail.arguments().constLast(), &folder)
+        || !mail.select(mail.arguments().mid(0, mail.arguments().size() - 1)))
         return mail.exitStatus();
-    QStringList numbers = mail.arguments();
-    const QString destination = numbers.takeLast();
-    const QMailFolderId folder = MailView::findFolder(mail.account(), destination);
-    if (!folder.isValid()) {
-        Output::error(QStringLiteral("there is no folder \"%1\"").arg(destination));
-        return ExitNotFound;
-    }
-    if (!mail.select(numbers))
-        return mail.exitStatus();
-    QMailDisconnected::moveToFolder(mail.messages(), folder);
-    QMailStore::instance()->flushIpcNotifications();
-    context.output().message(QStringLiteral("%1 message(s) moved to %2; the next sync tells the server")
-                                 .arg(mail.messages().size())
-                                 .arg(MailView::folderPath(folder)));
+    if (!mail.store().move(mail.messages(), folder))
+        return ExitFailure;
+    context.output().done(
+        QStringLiteral("%1 message(s) moved to %2").arg(mail.messages().size()).arg(MailBox::path(folder))
+            + NextSync,
+        { { QStringLiteral("messages"), mail.numbers() },
+            { QStringLiteral("folder"), MailBox::path(folder) } });
     return ExitSuccess;
 }
 
-int MailCommands::remove(const CommandContext &context)
+int MailCommands::remove(CommandContext &context)
 {
-    return changeMessages(context, "deleted", [](const QMailMessageIdList &ids) {
-        return QMailStore::instance()->removeMessages(
-            QMailMessageKey::id(ids), QMailStore::CreateRemovalRecord);
-    });
+    return changeMessages(context, QStringLiteral("deleted"),
+        [](MailBox &box, const QMailMessageIdList &ids) { return box.remove(ids); });
 }

@@ -1,22 +1,55 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "client/mailview.h"
 
-#include <QJsonArray>
-#include <QRegularExpression>
-#include <qmailfolderkey.h>
-#include <qmailmessagekey.h>
-#include <qmailstore.h>
+#include "client/htmltext.h"
+#include "client/mailbox.h"
+#include "client/timetext.h"
 
-#include <algorithm>
+#include <QJsonArray>
 
 namespace {
 
-QString addresses(const QList<QMailAddress> &list)
+QJsonArray addresses(const QList<QMailAddress> &list)
 {
-    return QMailAddress::toStringList(list).join(QStringLiteral(", "));
+    return QJsonArray::fromStringList(QMailAddress::toStringList(list));
 }
 
-QJsonArray attachments(const QMailMessage &message)
+} // namespace
+
+QJsonObject MailView::describeMessage(const QMailMessageMetaData &message)
+{
+    return {
+        { QStringLiteral("id"), QString::number(message.id().toULongLong()) },
+        { QStringLiteral("date"), TimeText::forPrograms(message.date().toUTC()) },
+        { QStringLiteral("from"), message.from().toString() },
+        { QStringLiteral("subject"), message.subject() },
+        { QStringLiteral("read"), bool(message.status() & QMailMessage::Read) },
+        { QStringLiteral("attachments"), bool(message.status() & QMailMessage::HasAttachments) },
+        { QStringLiteral("folder"), MailBox::path(message.parentFolderId()) },
+        { QStringLiteral("size"), double(message.size()) },
+    };
+}
+
+const Columns &MailView::messageColumns()
+{
+    static const Columns columns { { "id", "ID" }, { "date", "DATE" }, { "from", "FROM" },
+        { "subject", "SUBJECT" }, { "read", "READ" }, { "attachments", "FILES" }, { "folder", "FOLDER" } };
+    return columns;
+}
+
+QJsonObject MailView::describeWhole(const QMailMessage &message)
+{
+    QJsonObject object = describeMessage(message);
+    object[QStringLiteral("to")] = addresses(message.to());
+    object[QStringLiteral("cc")] = addresses(message.cc());
+    object[QStringLiteral("text")] = text(message);
+    object[QStringLiteral("parts")] = parts(message);
+    object[QStringLiteral("serverId")] = message.serverUid();
+    object[QStringLiteral("complete")] = message.contentAvailable();
+    return object;
+}
+
+QJsonArray MailView::parts(const QMailMessage &message)
 {
     QJsonArray array;
     const auto locations = message.findAttachmentLocations() + message.findInlineImageLocations();
@@ -26,7 +59,9 @@ QJsonArray attachments(const QMailMessage &message)
         array.append(QJsonObject {
             { QStringLiteral("location"), location.toString(false) },
             { QStringLiteral("name"), part.displayName() },
-            { QStringLiteral("type"), QString::fromLatin1(type.type() + '/' + type.subType()) },
+            // The engine puts a mark in its place until the part is on the device.
+            { QStringLiteral("type"),
+                part.hasBody() ? QString::fromLatin1(type.type() + '/' + type.subType()) : QString() },
             { QStringLiteral("size"), part.contentDisposition().size() },
             { QStringLiteral("downloaded"), part.hasBody() },
         });
@@ -34,122 +69,11 @@ QJsonArray attachments(const QMailMessage &message)
     return array;
 }
 
-QString textOfHtml(QString html)
+const Columns &MailView::partColumns()
 {
-    static const QRegularExpression hidden(QStringLiteral("<(style|script|head)\\b.*?</\\1>"),
-        QRegularExpression::CaseInsensitiveOption | QRegularExpression::DotMatchesEverythingOption);
-    static const QRegularExpression breaks(
-        QStringLiteral("<(br|/p|/div|/tr|/h[1-6]|/li)\\b[^>]*>"), QRegularExpression::CaseInsensitiveOption);
-    static const QRegularExpression tags(QStringLiteral("<[^>]*>"));
-    html.remove(hidden).replace(breaks, QStringLiteral("\n")).remove(tags);
-    return html.replace(QLatin1String("&nbsp;"), QLatin1String(" "))
-        .replace(QLatin1String("&lt;"), QLatin1String("<"))
-        .replace(QLatin1String("&gt;"), QLatin1String(">"))
-        .replace(QLatin1String("&quot;"), QLatin1String("\""))
-        .replace(QLatin1String("&amp;"), QLatin1String("&"))
-        .trimmed();
-}
-
-} // namespace
-
-QMailFolderIdList MailView::folders(EasAccountId accountId)
-{
-    QMailFolderIdList ids =
-        QMailStore::instance()->queryFolders(QMailFolderKey::parentAccountId(QMailAccountId(accountId)));
-    std::sort(ids.begin(), ids.end(), [](const QMailFolderId &left, const QMailFolderId &right) {
-        return QString::localeAwareCompare(folderPath(left), folderPath(right)) < 0;
-    });
-    return ids;
-}
-
-QMailFolderId MailView::findFolder(EasAccountId accountId, const QString &folder)
-{
-    const QMailFolderIdList ids = folders(accountId);
-    for (const QMailFolderId &id : ids) {
-        if (QString::number(id.toULongLong()) == folder
-            || folderPath(id).compare(folder, Qt::CaseInsensitive) == 0)
-            return id;
-    }
-    return {};
-}
-
-QString MailView::folderPath(const QMailFolderId &id)
-{
-    QStringList names;
-    QMailFolderId current = id;
-    // A damaged store could hold a circle of parents.
-    for (int depth = 0; current.isValid() && depth < 100; ++depth) {
-        const QMailFolder folder(current);
-        names.prepend(folder.displayName());
-        current = folder.parentFolderId();
-    }
-    return names.join(QLatin1Char('/'));
-}
-
-QJsonObject MailView::describeFolder(const QMailFolderId &id)
-{
-    const QMailFolder folder(id);
-    const QMailMessageKey inFolder = QMailMessageKey::parentFolderId(id);
-    const QMailMessageKey unread =
-        inFolder & QMailMessageKey::status(QMailMessage::Read, QMailDataComparator::Excludes);
-    return {
-        { QStringLiteral("id"), double(id.toULongLong()) },
-        { QStringLiteral("name"), folder.displayName() },
-        { QStringLiteral("path"), folderPath(id) },
-        { QStringLiteral("depth"), folderPath(id).count(QLatin1Char('/')) },
-        { QStringLiteral("messages"), QMailStore::instance()->countMessages(inFolder) },
-        { QStringLiteral("unread"), QMailStore::instance()->countMessages(unread) },
-    };
-}
-
-QMailMessageIdList MailView::messages(EasAccountId accountId, const QMailFolderId &folder)
-{
-    QMailMessageKey key = QMailMessageKey::parentAccountId(QMailAccountId(accountId));
-    if (folder.isValid())
-        key &= QMailMessageKey::parentFolderId(folder);
-    QMailMessageIdList ids = QMailStore::instance()->queryMessages(key);
-    QList<QPair<QDateTime, QMailMessageId>> dated;
-    for (const QMailMessageId &id : qAsConst(ids))
-        dated.append({ QMailMessageMetaData(id).date().toUTC(), id });
-    std::sort(dated.begin(), dated.end(), [](const auto &left, const auto &right) {
-        return left.first != right.first ? left.first > right.first : right.second < left.second;
-    });
-    ids.clear();
-    for (const auto &entry : qAsConst(dated))
-        ids.append(entry.second);
-    return ids;
-}
-
-QMailMessageId MailView::findMessage(EasAccountId accountId, const QString &number)
-{
-    const QMailMessageMetaData message { QMailMessageId(number.toULongLong()) };
-    return message.parentAccountId() == QMailAccountId(accountId) ? message.id() : QMailMessageId();
-}
-
-QJsonObject MailView::describeMessage(const QMailMessageMetaData &message)
-{
-    return {
-        { QStringLiteral("id"), double(message.id().toULongLong()) },
-        { QStringLiteral("date"), message.date().toUTC().toString(Qt::ISODate) },
-        { QStringLiteral("from"), message.from().toString() },
-        { QStringLiteral("subject"), message.subject() },
-        { QStringLiteral("read"), bool(message.status() & QMailMessage::Read) },
-        { QStringLiteral("attachments"), bool(message.status() & QMailMessage::HasAttachments) },
-        { QStringLiteral("folder"), folderPath(message.parentFolderId()) },
-        { QStringLiteral("size"), double(message.size()) },
-    };
-}
-
-QJsonObject MailView::describeWhole(const QMailMessage &message)
-{
-    QJsonObject object = describeMessage(message);
-    object[QStringLiteral("to")] = addresses(message.to());
-    object[QStringLiteral("cc")] = addresses(message.cc());
-    object[QStringLiteral("text")] = text(message);
-    object[QStringLiteral("parts")] = attachments(message);
-    object[QStringLiteral("serverId")] = message.serverUid();
-    object[QStringLiteral("complete")] = message.contentAvailable();
-    return object;
+    static const Columns columns { { "location", "PART" }, { "name", "NAME" }, { "size", "SIZE" },
+        { "downloaded", "DOWNLOADED" } };
+    return columns;
 }
 
 QString MailView::text(const QMailMessage &message)
@@ -157,7 +81,7 @@ QString MailView::text(const QMailMessage &message)
     if (const QMailMessagePartContainer *plain = message.findPlainTextContainer())
         return plain->body().data();
     if (const QMailMessagePartContainer *html = message.findHtmlContainer())
-        return textOfHtml(html->body().data());
+        return HtmlText::toPlain(html->body().data());
     return {};
 }
 

@@ -1,33 +1,38 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "client/outputfile.h"
 
+#include "client/exitstatus.h"
 #include "client/output.h"
 
 #include <QFileInfo>
 #include <QSaveFile>
 
-#include <cstdio>
-
-bool OutputFile::write(const QString &path, const QByteArray &data, bool overwrite)
+OutputFile::OutputFile(Output &output, bool mayReplace)
+    : mOutput(output)
+    , mMayReplace(mayReplace)
 {
-    if (QFileInfo::exists(path) && !overwrite) {
-        Output::error(QStringLiteral("%1 exists; use --force to replace it").arg(path));
-        return false;
-    }
-    QSaveFile file(path);
-    if (file.open(QIODevice::WriteOnly) && file.write(data) == data.size() && file.commit())
-        return true;
-    Output::error(QStringLiteral("cannot write %1: %2").arg(path, file.errorString()));
-    return false;
 }
 
-bool OutputFile::writeOrPrint(const QString &path, const QByteArray &data, bool overwrite)
+int OutputFile::write(const QString &path, const QByteArray &document, const char *contentType)
 {
-    if (!path.isEmpty() && path != QLatin1String("-"))
-        return write(path, data, overwrite);
-    const auto size = static_cast<std::size_t>(data.size());
-    if (std::fwrite(data.constData(), 1, size, stdout) == size && std::fflush(stdout) == 0)
-        return true;
-    Output::error(QStringLiteral("cannot write to standard output"));
-    return false;
+    if (path.isEmpty() || path == QLatin1String("-")) {
+        mOutput.document(document, contentType);
+        return ExitSuccess;
+    }
+    if (QFileInfo::exists(path) && !mMayReplace) {
+        Output::error(QStringLiteral("%1 exists; use --force to replace it").arg(path));
+        return ExitFailure;
+    }
+    QSaveFile file(path);
+    const bool isWritten =
+        file.open(QIODevice::WriteOnly) && file.write(document) == document.size() && file.commit();
+    if (!isWritten) {
+        Output::error(QStringLiteral("cannot write %1: %2").arg(path, file.errorString()));
+        return ExitFailure;
+    }
+    mFiles.append(QJsonObject { { QStringLiteral("path"), QFileInfo(path).absoluteFilePath() },
+        { QStringLiteral("size"), document.size() } });
+    mOutput.done(QStringLiteral("%1 bytes written to %2").arg(document.size()).arg(path),
+        { { QStringLiteral("files"), mFiles } });
+    return ExitSuccess;
 }

@@ -2,15 +2,26 @@
 #pragma once
 
 #include <QByteArray>
+#include <QJsonArray>
 #include <QString>
 
-/** Where a command writes what it saves or exports. */
-namespace OutputFile {
+class Output;
 
-/** Writes a file whole or not at all; one that is there only if told so. False after an error was printed. */
-bool write(const QString &path, const QByteArray &data, bool overwrite);
+/**
+ * Writes what a command saves or exports, and says so. Several documents may be written one after another. On
+ * the stack of a command.
+ */
+class OutputFile
+{
+public:
+    /** Replaces a file that is there only if told so. */
+    OutputFile(Output &output, bool mayReplace);
 
-/** To a file, or to standard output for "-" or no name. */
-bool writeOrPrint(const QString &path, const QByteArray &data, bool overwrite);
+    /** To a file, whole or not at all, or to standard output for "-" or no name. The exit status. */
+    int write(const QString &path, const QByteArray &document, const char *contentType);
 
-} // namespace OutputFile
+private:
+    Output &mOutput;
+    bool mMayReplace;
+    QJsonArray mFiles;
+};

@@ -3,13 +3,19 @@
 
 #include <QString>
 
-/** Reads a password where nobody looks on: from a descriptor, or from the terminal without echo. */
+/**
+ * Reads a password where nobody looks on: from a descriptor, or from the terminal without echo. An interrupt
+ * on a terminal leaves it as it was.
+ */
 namespace PasswordInput {
 
-/** Reads up to the first line end; false, with a reason, if the descriptor cannot be read. */
-bool fromDescriptor(int descriptor, QString *password, QString *error);
+enum class Outcome { Read, Failed, Interrupted };
 
-/** Asks on the terminal; false, with a reason, if there is none. */
-bool fromTerminal(const QString &prompt, QString *password, QString *error);
+/** Reads up to the first line end; fails, with a reason, if the descriptor cannot be read or gives nothing.
+ */
+Outcome fromDescriptor(int descriptor, QString *password, QString *error);
+
+/** Asks on the terminal; fails, with a reason, if there is none. */
+Outcome fromTerminal(const QString &prompt, QString *password, QString *error);
 
 } // namespace PasswordInput

@@ -2,6 +2,7 @@
 #include "client/signalprinter.h"
 
 #include "client/statustext.h"
+#include "client/timetext.h"
 #include "common/easdbusinterfaceproxy.h"
 #include "common/exchangeactivesync.h"
 
@@ -23,7 +24,7 @@ int statusPosition(const QString &signal)
 
 } // namespace
 
-SignalPrinter::SignalPrinter(const Output &output)
+SignalPrinter::SignalPrinter(Output &output)
     : mOutput(output)
 {
 }
@@ -41,7 +42,7 @@ bool SignalPrinter::start()
 
 void SignalPrinter::onSignal(const QDBusMessage &message)
 {
-    const QString time = QDateTime::currentDateTime().toString(Qt::ISODateWithMs);
+    const QString time = TimeText::forPrograms(QDateTime::currentDateTime());
     QJsonArray arguments;
     QStringList texts;
     const QVariantList values = message.arguments();
@@ -55,8 +56,8 @@ void SignalPrinter::onSignal(const QDBusMessage &message)
             { QStringLiteral("signal"), message.member() }, { QStringLiteral("arguments"), arguments } };
         std::printf("%s\n", QJsonDocument(line).toJson(QJsonDocument::Compact).constData());
     } else {
-        mOutput.message(
-            QStringLiteral("%1  %2 %3").arg(time, message.member(), texts.join(QLatin1Char(' '))));
+        mOutput.message(QStringLiteral("%1  %2 %3")
+                            .arg(TimeText::readable(time), message.member(), texts.join(QLatin1Char(' '))));
     }
     std::fflush(stdout);
 }

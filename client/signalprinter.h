@@ -12,7 +12,7 @@ class SignalPrinter : public QObject
     Q_OBJECT
 
 public:
-    explicit SignalPrinter(const Output &output);
+    explicit SignalPrinter(Output &output);
 
     /** False, after an error, if the bus cannot be listened to. */
     bool start();
@@ -21,5 +21,5 @@ private Q_SLOTS:
     void onSignal(const QDBusMessage &message);
 
 private:
-    Output mOutput;
+    Output &mOutput;
 };

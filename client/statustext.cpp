@@ -27,8 +27,7 @@ constexpr Row rows[] = {
     { EasRequestStatus::RequestStatusBadRequest,
         "The request made no sense to the server. Check its arguments." },
     { EasRequestStatus::RequestStatusCancelled,
-        "Cancelled, or the account is blocked because its password was refused. Enter it again with "
-        "fennel-easctl password." },
+        "Cancelled: another program did so, or the account was removed or disabled." },
     { EasRequestStatus::RequestStatusPolicyRefused,
         "The server asks for a security policy that this device does not apply." },
     { EasRequestStatus::RequestStatusServerStorageFull,
@@ -45,14 +44,14 @@ constexpr Row rows[] = {
     { TransportBase + QNetworkReply::TimeoutError, "The server did not answer in time. Try again later." },
     { TransportBase + QNetworkReply::SslHandshakeFailedError,
         "The server's certificate is not trusted. If it is your own server, allow it with "
-        "--accept-all-certificates when adding the account." },
+        "fennel-easctl account edit --accept-all-certificates." },
     { TransportBase + QNetworkReply::AuthenticationRequiredError,
         "The server refused user name or password. Enter the password again with fennel-easctl password." },
     { TransportBase + QNetworkReply::ContentAccessDenied,
         "The server does not let this user or device in. Ask its administrator." },
     { TransportBase + QNetworkReply::UnknownContentError,
-        "What answered does not seem to be an Exchange server. A public network may want you to log in "
-        "first." },
+        "What answered does not do so as an Exchange server does. It may be another server, or a public "
+        "network that wants you to log in first." },
     { TransportBase + QNetworkReply::InternalServerError, "The server failed. Try again later." },
     { TransportBase + QNetworkReply::ServiceUnavailableError,
         "The server is busy or down. Try again later." },
@@ -79,12 +78,22 @@ QString StatusText::name(int status)
     return key ? QString::fromLatin1(key) : QStringLiteral("status %1").arg(status);
 }
 
+QString StatusText::blocked()
+{
+    return QStringLiteral("The account is blocked because its password was refused. Enter it again with "
+                          "fennel-easctl password.");
+}
+
+QString StatusText::withName(const QString &sentence, int status)
+{
+    return QStringLiteral("%1 [%2, %3]").arg(sentence, name(status)).arg(status);
+}
+
 QString StatusText::explanation(int status)
 {
-    QString text = QStringLiteral("The server answered with an error.");
     for (const Row &row : rows) {
         if (row.status == status)
-            text = QString::fromLatin1(row.text);
+            return withName(QString::fromLatin1(row.text), status);
     }
-    return QStringLiteral("%1 [%2, %3]").arg(text, name(status)).arg(status);
+    return withName(QStringLiteral("The server answered with an error."), status);
 }

@@ -9,6 +9,12 @@ namespace StatusText {
 /** "RequestStatusNoNetwork", "CommonStatusServerError", "AuthenticationRequiredError", or the number. */
 QString name(int status);
 
+/** Why nothing is done for an account whose password was refused. */
+QString blocked();
+
+/** A sentence with the name and number of its status in brackets. */
+QString withName(const QString &sentence, int status);
+
 /** One or two sentences for a person; ends with the name in brackets. */
 QString explanation(int status);
 

@@ -1,34 +1,41 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "client/synccommands.h"
 
+#include "client/accountdirectory.h"
+#include "client/cancellation.h"
 #include "client/commandcontext.h"
-#include "client/daemonrequest.h"
-#include "client/exitstatus.h"
-#include "client/mailview.h"
+#include "client/folderdirectory.h"
+#include "client/requestrun.h"
 #include "client/signalprinter.h"
-#include "client/statustext.h"
+#include "client/syncsummary.h"
 #include "common/easdbusinterfaceproxy.h"
 #include "common/exchangeactivesync.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
-#include <QElapsedTimer>
-#include <QMap>
 #include <QSettings>
 
-#include <memory>
+#include <algorithm>
+#include <iterator>
 
 namespace {
 
-std::unique_ptr<EasDBusInterfaceProxy> daemonProxy()
-{
-    return std::make_unique<EasDBusInterfaceProxy>(ExchangeActiveSync::EAS_DBUS_SERVICE_NAME,
-        ExchangeActiveSync::EAS_DBUS_PATH_NAME, QDBusConnection::sessionBus());
-}
+/** How long the daemon may take to start and to answer. */
+constexpr int CallTimeoutMs = 30000;
 
-int finished(const QDBusPendingReply<> &call)
+const QCommandLineOption FolderOption(QStringLiteral("folder"), QString(), QStringLiteral("folder"));
+const QCommandLineOption KindOption(
+    QStringLiteral("kind"), QString(), QStringLiteral("kind"), QStringLiteral("mail"));
+const QCommandLineOption ServiceOption(QStringLiteral("service"), QString(), QStringLiteral("name"));
+const QCommandLineOption HierarchyOption(QStringLiteral("folders-only"));
+
+/** A call without a result; the exit status. */
+template <class Call> int tell(Call call)
 {
-    QDBusPendingReply<> reply = call;
+    EasDBusInterfaceProxy daemon(ExchangeActiveSync::EAS_DBUS_SERVICE_NAME,
+        ExchangeActiveSync::EAS_DBUS_PATH_NAME, QDBusConnection::sessionBus());
+    daemon.setTimeout(CallTimeoutMs);
+    QDBusPendingReply<> reply = call(daemon);
     reply.waitForFinished();
     if (!reply.isError())
         return ExitSuccess;
@@ -36,105 +43,172 @@ int finished(const QDBusPendingReply<> &call)
     return ExitUnavailable;
 }
 
-const QMap<QString, int> &services()
+/** The accounts that are meant: the one that was named, else all that are enabled. */
+int selectAccounts(CommandContext &context, QList<EasAccountId> *ids)
 {
-    static const QMap<QString, int> bits { { QStringLiteral("mail"), 1 }, { QStringLiteral("calendar"), 2 },
-        { QStringLiteral("contacts"), 4 } };
-    return bits;
+    AccountDirectory &directory = context.accounts();
+    const QList<EasAccountId> all = directory.usable() ? directory.accounts() : QList<EasAccountId>();
+    if (!context.namesAccount() && all.size() > 1) {
+        std::copy_if(all.cbegin(), all.cend(), std::back_inserter(*ids),
+            [&directory](EasAccountId id) { return directory.isEnabled(id); });
+        if (!ids->isEmpty())
+            return ExitSuccess;
+        Output::error(QStringLiteral("all accounts are disabled; see fennel-easctl account enable"));
+        return ExitFailure;
+    }
+    EasAccountId id = 0;
+    const int selected = context.selectAccount(&id);
+    if (selected != ExitSuccess)
+        return selected;
+    if (!directory.isEnabled(id)) {
+        Output::error(
+            QStringLiteral("account %1 is disabled; enable it with fennel-easctl account enable %1").arg(id));
+        return ExitFailure;
+    }
+    ids->append(id);
+    return ExitSuccess;
 }
 
-/** The folders by local identifier; false, after an error, if one is unknown. */
-bool findFolders(EasAccountId accountId, const QStringList &names, QStringList *localIds)
+/** What is to be brought in step, by the options of the command. */
+class SyncScope
 {
-    for (const QString &name : names) {
-        const QMailFolderId id = MailView::findFolder(accountId, name);
-        if (!id.isValid()) {
-            Output::error(QStringLiteral("there is no folder \"%1\"").arg(name));
+public:
+    explicit SyncScope(QCommandLineParser &parser)
+        : mParser(parser)
+    {
+        parser.addOptions({ FolderOption, KindOption, ServiceOption, HierarchyOption });
+    }
+
+    /** False, after an error was printed, if the options make no sense. */
+    bool read()
+    {
+        const int given = int(mParser.isSet(FolderOption)) + int(mParser.isSet(ServiceOption))
+            + int(mParser.isSet(HierarchyOption));
+        if (given > 1) {
+            Output::error(QStringLiteral("give one of --folder, --service and --folders-only"));
             return false;
         }
-        localIds->append(QString::number(id.toULongLong()));
+        if (mParser.isSet(ServiceOption)) {
+            const QString service = mParser.value(ServiceOption);
+            if (!CommandContext::isOneOf(service, FolderDirectory::kinds(), QStringLiteral("--service")))
+                return false;
+            mServices = 1 << FolderDirectory::kinds().indexOf(service);
+        }
+        return FolderDirectory::kindOf(mParser.value(KindOption), &mKind);
     }
-    return true;
-}
+
+    /** The folders of the account by the names that were given; the exit status. */
+    int findFolders(EasAccountId account)
+    {
+        if (!mParser.isSet(FolderOption))
+            return ExitSuccess;
+        FolderDirectory directory(account, mKind);
+        if (!directory.open())
+            return ExitUnavailable;
+        const QStringList names = mParser.values(FolderOption);
+        for (const QString &name : names) {
+            const LocalFolder *const folder = directory.find(name);
+            if (!folder)
+                return ExitNotFound;
+            mFolders.append(folder->id);
+        }
+        return ExitSuccess;
+    }
+    bool namesFolders() const { return mParser.isSet(FolderOption); }
+
+    QDBusPendingReply<qulonglong> call(EasDBusInterfaceProxy &daemon, EasAccountId account) const
+    {
+        if (mParser.isSet(HierarchyOption))
+            return daemon.foldersSync(account);
+        if (!mFolders.isEmpty())
+            return daemon.syncFolders(account, mFolders);
+        return mServices != 0 ? daemon.syncService(account, mServices) : daemon.sync(account);
+    }
+
+private:
+    QCommandLineParser &mParser;
+    FolderDirectory::Kind mKind = FolderDirectory::Mail;
+    QStringList mFolders;
+    int mServices = 0;
+};
 
 } // namespace
 
-int SyncCommands::sync(const CommandContext &context)
+int SyncCommands::sync(CommandContext &context)
 {
     QCommandLineParser parser;
-    const QCommandLineOption folder(QStringLiteral("folder"), QString(), QStringLiteral("folder"));
-    const QCommandLineOption service(QStringLiteral("service"), QString(), QStringLiteral("name"));
-    const QCommandLineOption hierarchy(QStringLiteral("folders-only"));
-    parser.addOptions({ folder, service, hierarchy });
+    SyncScope scope(parser);
     if (!context.parse(parser, 0, 0))
+        return context.exitStatus();
+    if (!scope.read())
         return ExitUsage;
-    const int bit = services().value(parser.value(service));
-    if (parser.isSet(service) && bit == 0) {
-        Output::error(QStringLiteral("--service is one of mail, calendar, contacts"));
+    QList<EasAccountId> accounts;
+    const int selected = selectAccounts(context, &accounts);
+    if (selected != ExitSuccess)
+        return selected;
+    if (scope.namesFolders() && accounts.size() > 1) {
+        Output::error(QStringLiteral("--folder needs --account, as there are several accounts"));
         return ExitUsage;
     }
-    const EasAccountId id = context.accountId();
-    QStringList folders;
-    if (id == 0 || !findFolders(id, parser.values(folder), &folders))
-        return ExitNotFound;
+    const int found = scope.findFolders(accounts.first());
+    if (found != ExitSuccess)
+        return found;
 
-    QElapsedTimer timer;
-    timer.start();
-    DaemonRequest request(id, context.showsProgress());
-    const int result = request.run([&](EasDBusInterfaceProxy &daemon) {
-        if (parser.isSet(hierarchy))
-            return daemon.foldersSync(id);
-        if (!folders.isEmpty())
-            return daemon.syncFolders(id, folders);
-        return bit != 0 ? daemon.syncService(id, bit) : daemon.sync(id);
-    });
-    if (context.output().isJson()) {
-        context.output().object({ { QStringLiteral("status"), request.status() },
-            { QStringLiteral("name"), StatusText::name(request.status()) },
-            { QStringLiteral("milliseconds"), double(timer.elapsed()) } });
-    } else if (result == ExitSuccess) {
-        context.output().message(
-            QStringLiteral("account %1 is in step (%2 s)").arg(id).arg(timer.elapsed() / 1000.0, 0, 'f', 1));
+    SyncSummary summary(context);
+    RequestRun run(context);
+    for (const EasAccountId account : qAsConst(accounts)) {
+        summary.begin(account);
+        run.add(account,
+            [&scope, account](EasDBusInterfaceProxy &daemon) { return scope.call(daemon, account); });
     }
+    const int result = run.exec();
+    for (const DaemonRequest *request : run.requests())
+        summary.end(*request);
+    summary.print();
     return result;
 }
 
-int SyncCommands::cancel(const CommandContext &context)
+int SyncCommands::cancel(CommandContext &context)
 {
     QCommandLineParser parser;
     if (!context.parse(parser, 1, 1))
-        return ExitUsage;
+        return context.exitStatus();
     bool isNumber = false;
     const qulonglong request = parser.positionalArguments().first().toULongLong(&isNumber);
-    if (!isNumber) {
+    if (!isNumber || request == 0) {
         Output::error(QStringLiteral("cancel needs the number of a request"));
         return ExitUsage;
     }
-    const EasAccountId id = context.accountId();
-    return id == 0 ? int(ExitNotFound) : finished(daemonProxy()->cancelRequest(id, request));
+    EasAccountId account = 0;
+    const int selected = context.selectAccount(&account);
+    if (selected != ExitSuccess)
+        return selected;
+    const int result = Cancellation(account, request).exec();
+    if (result == ExitSuccess)
+        context.output().done(QStringLiteral("request %1 cancelled").arg(request),
+            { { QStringLiteral("request"), QString::number(request) } });
+    return result;
 }
 
-int SyncCommands::watch(const CommandContext &context)
+int SyncCommands::watch(CommandContext &context)
 {
     QCommandLineParser parser;
     if (!context.parse(parser, 0, 0))
-        return ExitUsage;
+        return context.exitStatus();
     SignalPrinter printer(context.output());
     return printer.start() ? QCoreApplication::exec() : int(ExitUnavailable);
 }
 
-int SyncCommands::log(const CommandContext &context)
+int SyncCommands::log(CommandContext &context)
 {
     static const QStringList levels { QStringLiteral("debug"), QStringLiteral("info"),
         QStringLiteral("warning"), QStringLiteral("critical") };
     QCommandLineParser parser;
     if (!context.parse(parser, 1, 1))
-        return ExitUsage;
+        return context.exitStatus();
     const QString level = parser.positionalArguments().first();
-    if (!levels.contains(level)) {
-        Output::error(QStringLiteral("the level is one of %1").arg(levels.join(QStringLiteral(", "))));
+    if (!CommandContext::isOneOf(level, levels, QStringLiteral("the level")))
         return ExitUsage;
-    }
     QSettings settings(QSettings::UserScope, QStringLiteral("eas-fennel"), QStringLiteral("eas-fennel"));
     settings.beginGroup(QStringLiteral("logging"));
     for (const char *category : { "Fennel.eas", "Fennel.easwbxml", "Fennel.easnetwork" })
@@ -145,16 +219,20 @@ int SyncCommands::log(const CommandContext &context)
         Output::error(QStringLiteral("cannot write %1").arg(settings.fileName()));
         return ExitFailure;
     }
-    const int result = finished(daemonProxy()->reconfig());
+    const int result = tell([](EasDBusInterfaceProxy &daemon) { return daemon.reconfig(); });
     if (result == ExitSuccess)
-        context.output().message(QStringLiteral("the daemon logs %1 and above").arg(level));
+        context.output().done(QStringLiteral("the daemon logs %1 and above").arg(level),
+            { { QStringLiteral("level"), level } });
     return result;
 }
 
-int SyncCommands::quit(const CommandContext &context)
+int SyncCommands::quit(CommandContext &context)
 {
     QCommandLineParser parser;
     if (!context.parse(parser, 0, 0))
-        return ExitUsage;
-    return finished(daemonProxy()->quit());
+        return context.exitStatus();
+    const int result = tell([](EasDBusInterfaceProxy &daemon) { return daemon.quit(); });
+    if (result == ExitSuccess)
+        context.output().done(QStringLiteral("the daemon ends; it starts again with the next call"));
+    return result;
 }

@@ -6,10 +6,10 @@ class CommandContext;
 /** The commands that talk to the daemon about itself and its requests; each returns an exit status. */
 namespace SyncCommands {
 
-int sync(const CommandContext &context);
-int cancel(const CommandContext &context);
-int watch(const CommandContext &context);
-int log(const CommandContext &context);
-int quit(const CommandContext &context);
+int sync(CommandContext &context);
+int cancel(CommandContext &context);
+int watch(CommandContext &context);
+int log(CommandContext &context);
+int quit(CommandContext &context);
 
 } // namespace SyncCommands

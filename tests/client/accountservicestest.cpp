@@ -57,8 +57,8 @@ private Q_SLOTS:
         QFETCH(QStringList, services);
         QCOMPARE(add(without), int(ExitSuccess));
         AccountDirectory directory;
-        const EasAccountId id = directory.find(QStringLiteral("new@example.com"));
-        QVERIFY(id != 0);
+        EasAccountId id = 0;
+        QCOMPARE(directory.find(QStringLiteral("new@example.com"), &id), int(ExitSuccess));
         const QJsonObject account = directory.describe(id);
         QCOMPARE(AccountServicesTest::services(account), services);
         QVERIFY(account.value(QStringLiteral("enabled")).toBool());

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
-#include "client/commandcontext.h"
-#include "client/commandtable.h"
+#include "client/commandrunner.h"
 #include "client/contactbook.h"
 #include "client/eventstore.h"
 #include "common/exchangeactivesync.h"
+#include "storages/contacts/contactstoremanager.h"
 #include "support/accountfactory.h"
 #include "support/privatebus.h"
 
@@ -34,12 +34,8 @@ public:
     EasAccountId accountId() const { return mAccountId; }
     QString path(const QString &name) const { return mFolder.filePath(name); }
 
-    /** Runs a command as the command line would; its exit status. */
-    static int run(QStringList arguments)
-    {
-        const Command *const command = CommandTable::take(arguments);
-        return command ? command->run(CommandContext(QString::fromLatin1(command->name), arguments, {})) : -1;
-    }
+    /** Runs a command in this process; its exit status. */
+    static int run(const QStringList &arguments) { return CommandRunner::run(arguments); }
     static int run(const char *line) { return run(QString::fromUtf8(line).split(QLatin1Char('|'))); }
 
     /** A calendar as the engine makes it. */
@@ -51,6 +47,17 @@ public:
         notebook->setAccount(QString::number(owner != 0 ? owner : mAccountId));
         notebook->setPluginName(ExchangeActiveSync::ExchangeCalendarPluginName);
         return storage->open() && storage->addNotebook(notebook);
+    }
+
+    /** A folder of contacts as the engine makes it. */
+    bool addContactFolder(const QString &name, EasAccountId owner = 0) const
+    {
+        const std::unique_ptr<QtContacts::QContactManager> manager(ContactStoreManager::create(nullptr));
+        QtContacts::QContactCollection collection;
+        collection.setMetaData(QtContacts::QContactCollection::KeyName, name);
+        collection.setExtendedMetaData(QStringLiteral("AccountId"), int(owner != 0 ? owner : mAccountId));
+        collection.setExtendedMetaData(QStringLiteral("ApplicationName"), QStringLiteral("fennel-eas"));
+        return manager && manager->saveCollection(&collection);
     }
 
     /** "start subject" of all that takes place in May 2024, as another process would find it. */

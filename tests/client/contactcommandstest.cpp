@@ -24,20 +24,15 @@ private:
 
     static int run(const QString &line) { return CommandScene::run(line.split(QLatin1Char('|'))); }
 
-    /** A folder of contacts as the engine makes it. */
-    static bool addFolder(const QString &name, EasAccountId owner)
+    QList<QContact> contacts() const
     {
-        const std::unique_ptr<QContactManager> manager(ContactStoreManager::create(nullptr));
-        QContactCollection collection;
-        collection.setMetaData(QContactCollection::KeyName, name);
-        collection.setExtendedMetaData(QStringLiteral("AccountId"), int(owner));
-        collection.setExtendedMetaData(QStringLiteral("ApplicationName"), QStringLiteral("fennel-eas"));
-        return manager && manager->saveCollection(&collection);
+        ContactBook book(mScene->accountId());
+        QList<QContact> all;
+        return book.open() && book.contacts({}, &all) ? all : QList<QContact>();
     }
     QJsonObject only() const
     {
-        ContactBook book(mScene->accountId());
-        const QList<QContact> all = book.open() ? book.contacts() : QList<QContact>();
+        const QList<QContact> all = contacts();
         return all.size() == 1 ? ContactView::describeWhole(all.first()) : QJsonObject();
     }
     /** Puts a contact into the account's folder as the engine would, with details that no option makes. */
@@ -52,11 +47,7 @@ private:
         contact.setCollectionId(folder->id());
         return book.save(&contact);
     }
-    QContact onlyContact() const
-    {
-        ContactBook book(mScene->accountId());
-        return book.open() ? book.contacts().value(0) : QContact();
-    }
+    QContact onlyContact() const { return contacts().value(0); }
     QString onlyId() const { return ContactBook::number(onlyContact()); }
     int edit(const QString &options) const
     {
@@ -92,11 +83,9 @@ private:
     }
     QStringList names() const
     {
-        ContactBook book(mScene->accountId());
         QStringList names;
-        if (!book.open())
-            return names;
-        for (const QContact &contact : book.contacts())
+        const QList<QContact> all = contacts();
+        for (const QContact &contact : all)
             names.append(ContactView::name(contact));
         return names;
     }
@@ -106,9 +95,9 @@ private Q_SLOTS:
     {
         mScene = std::make_unique<CommandScene>();
         QVERIFY(mScene->isReady());
-        QVERIFY(addFolder(QStringLiteral("Contacts"), mScene->accountId()));
+        QVERIFY(mScene->addContactFolder(QStringLiteral("Contacts")));
         // Of another account, and so not to be seen.
-        QVERIFY(addFolder(QStringLiteral("Foreign"), 4711));
+        QVERIFY(mScene->addContactFolder(QStringLiteral("Foreign"), 4711));
     }
 
     void cleanup()
@@ -142,22 +131,17 @@ private Q_SLOTS:
             QStringList({ QStringLiteral("+49 1 (home mobile)"), QStringLiteral("22 (work)"),
                 QStringLiteral("33 (work fax)") }));
         QCOMPARE(contact.value(QStringLiteral("birthday")).toString(), QStringLiteral("1980-05-01"));
-        QCOMPARE(contact.value(QStringLiteral("note")).toString(), QStringLiteral("likes tea"));
+        QCOMPARE(
+            contact.value(QStringLiteral("notes")).toArray(), QJsonArray { QStringLiteral("likes tea") });
     }
 
     void theSecondAddressHasTheServersSecondField()
     {
         QCOMPARE(CommandScene::run("contact|add|--name|A|--email|a@example.com|--email|b@example.com"),
             int(ExitSuccess));
-        ContactBook book(mScene->accountId());
-        QVERIFY(book.open());
-        QMap<QString, QString> places;
-        const QList<QContactEmailAddress> details = book.contacts().first().details<QContactEmailAddress>();
-        for (const QContactEmailAddress &detail : details)
-            places.insert(detail.emailAddress(), detail.value(5001).toString());
-        QCOMPARE(places.value(QStringLiteral("a@example.com")), QString());
-        QCOMPARE(
-            places.value(QStringLiteral("b@example.com")), QStringLiteral("urn:as:contact:EmailAddress2"));
+        QCOMPARE(address(onlyContact(), QString()), QStringLiteral("a@example.com"));
+        QCOMPARE(address(onlyContact(), QStringLiteral("urn:as:contact:EmailAddress2")),
+            QStringLiteral("b@example.com"));
     }
 
     void anEditLeavesAloneWhatItDoesNotName()
@@ -179,7 +163,7 @@ private Q_SLOTS:
         QCOMPARE(contact.value(QStringLiteral("phones")).toArray().toVariantList(),
             QVariantList { QStringLiteral("2 (work)") });
         QVERIFY(contact.value(QStringLiteral("emails")).toArray().isEmpty());
-        QVERIFY(!contact.contains(QStringLiteral("note")));
+        QVERIFY(contact.value(QStringLiteral("notes")).toArray().isEmpty());
     }
 
     void aNewNameTakesThePlaceOfTheWholeOldOne_data()
@@ -312,9 +296,7 @@ private Q_SLOTS:
         QCOMPARE(CommandScene::run(
                      "contact|add|--name|Anna Öl|--company|Mill|--email|a@example.com|--mobile|+49 123"),
             int(ExitSuccess));
-        ContactBook book(mScene->accountId());
-        QVERIFY(book.open());
-        const QContact contact = book.contacts().first();
+        const QContact contact = onlyContact();
         for (const char *text : { "", "öl", "MILL", "example.com", "49 12" })
             QVERIFY2(ContactView::matches(contact, QString::fromUtf8(text)), text);
         QVERIFY(!ContactView::matches(contact, QStringLiteral("bob")));

@@ -228,7 +228,8 @@ private Q_SLOTS:
         row("an unknown calendar", "event|add|X|--start|2024-05-02|--calendar|Foreign", ExitNotFound);
         row("an unknown event", "event|show|deadbeef", ExitNotFound);
         row("an unknown calendar in a list", "event|list|--calendar|None", ExitNotFound);
-        row("no day", "event|list|--from|tomorrow", ExitUsage);
+        row("no day", "event|list|--from|soon", ExitUsage);
+        row("the end before the start", "event|list|--from|2024-05-02|--to|2024-05-01", ExitUsage);
         row("no month", "event|month|2024-13", ExitUsage);
         row("an event to edit", "event|edit|deadbeef|--subject|X", ExitNotFound);
         row("an event to delete", "event|delete|deadbeef", ExitNotFound);
@@ -289,11 +290,8 @@ private Q_SLOTS:
     void withoutACalendarNothingCanBeAdded()
     {
         CommandScene empty;
-        const CommandContext::Options options { false, false, QString::number(empty.accountId()) };
-        QStringList arguments { QStringLiteral("event"), QStringLiteral("add"), QStringLiteral("X"),
-            QStringLiteral("--start"), QStringLiteral("2024-05-02") };
-        const Command *const command = CommandTable::take(arguments);
-        QCOMPARE(command->run(CommandContext(QString::fromLatin1(command->name), arguments, options)),
+        QCOMPARE(CommandScene::run({ "--account", QString::number(empty.accountId()), "event", "add", "X",
+                     "--start", "2024-05-02" }),
             int(ExitNotFound));
     }
 };

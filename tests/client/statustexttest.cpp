@@ -42,8 +42,8 @@ void StatusTextTest::anExplanationEndsWithNameAndNumber()
 
 void StatusTextTest::aRefusedPasswordSaysHowToGoOn()
 {
-    for (const int status : { -4, 10204 })
-        QVERIFY(StatusText::explanation(status).contains(QStringLiteral("fennel-easctl password")));
+    for (const QString &text : { StatusText::blocked(), StatusText::explanation(10204) })
+        QVERIFY(text.contains(QStringLiteral("fennel-easctl password")));
 }
 
 void StatusTextTest::aForeignAnswerNamesTheLoginOfANetwork()

@@ -111,7 +111,7 @@ QStringList AccountStoreTest::folders(const QString &address)
 
 quint32 AccountStoreTest::identityOf(const QString &address)
 {
-    const int id = described(address).value(QStringLiteral("id")).toInt();
+    const int id = described(address).value(QStringLiteral("id")).toString().toInt();
     return AccountFactory()
         .value(static_cast<EasAccountId>(id), QString(), QStringLiteral("CredentialsId"))
         .toUInt();
@@ -205,7 +205,7 @@ void AccountStoreTest::anAccountAddedInPlaceOfARemovedOneIsWhole()
 void AccountStoreTest::whatAForeignProgramWritesIsThere()
 {
     const QString keeper = QStringLiteral("keeper@example.com");
-    const auto id = static_cast<EasAccountId>(described(keeper).value(QStringLiteral("id")).toInt());
+    const auto id = static_cast<EasAccountId>(described(keeper).value(QStringLiteral("id")).toString().toInt());
     {
         AccountFactory foreign;
         for (int number = 0; number < 100; ++number) {

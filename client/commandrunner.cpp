@@ -1,0 +1,95 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "client/commandrunner.h"
+
+#include "client/commandcontext.h"
+#include "client/commandtable.h"
+
+#include <QCoreApplication>
+
+namespace {
+
+bool isHelp(const QString &word)
+{
+    return word == QLatin1String("help") || word == QLatin1String("--help") || word == QLatin1String("-h");
+}
+
+/** The options before the command, taken off the arguments; what is wrong with them, if anything. */
+QString takeOptions(QStringList &arguments, CommandContext::Options *options)
+{
+    const auto account = QStringLiteral("--account");
+    while (!arguments.isEmpty() && arguments.first().startsWith(QLatin1Char('-'))) {
+        const QString word = arguments.first();
+        if (isHelp(word) || word == QLatin1String("--version"))
+            break;
+        arguments.removeFirst();
+        if (word == QLatin1String("--json"))
+            options->json = true;
+        else if (word == QLatin1String("--progress"))
+            options->progress = true;
+        else if (word == account && !arguments.isEmpty())
+            options->account = arguments.takeFirst();
+        else if (word.startsWith(account + QLatin1Char('=')))
+            options->account = word.mid(account.size() + 1);
+        else if (word == account)
+            return QStringLiteral("--account needs the number or name of an account");
+        else
+            return QStringLiteral("there is no option \"%1\"").arg(word);
+    }
+    return {};
+}
+
+int withoutCommand(const CommandContext::Options &options, int (*print)(Output &, const QStringList &),
+    const QStringList &arguments)
+{
+    Output output;
+    output.setJson(options.json);
+    return output.finish(print(output, arguments));
+}
+
+int printHelp(Output &output, const QStringList &arguments)
+{
+    const QList<Command> meant = CommandTable::beginningWith(arguments);
+    if (meant.isEmpty()) {
+        Output::error(CommandTable::unknown(arguments));
+        return ExitUsage;
+    }
+    if (output.isJson())
+        output.rows({}, CommandTable::describe(meant));
+    else
+        output.message(CommandTable::help(meant, arguments.isEmpty()));
+    return ExitSuccess;
+}
+
+int printVersion(Output &output, const QStringList & /* arguments */)
+{
+    const QString version = QCoreApplication::applicationVersion();
+    output.addFacts({ { QStringLiteral("version"), version } });
+    output.message(QStringLiteral("fennel-easctl ") + version);
+    return ExitSuccess;
+}
+
+int printError(Output & /* output */, const QStringList &error)
+{
+    Output::error(error.join(QLatin1Char(' ')));
+    return ExitUsage;
+}
+
+} // namespace
+
+int CommandRunner::run(QStringList arguments)
+{
+    CommandContext::Options options;
+    const QString wrong = takeOptions(arguments, &options);
+    if (!wrong.isEmpty())
+        return withoutCommand(options, &printError, { wrong });
+    const QString first = arguments.value(0);
+    if (isHelp(first))
+        return withoutCommand(options, &printHelp, arguments.mid(1));
+    if (first == QLatin1String("--version"))
+        return withoutCommand(options, &printVersion, {});
+    const Command *const command = CommandTable::take(arguments);
+    if (!command)
+        return withoutCommand(options, &printError, { CommandTable::unknown(arguments) });
+    CommandContext context(*command, arguments, options);
+    return context.output().finish(command->run(context));
+}

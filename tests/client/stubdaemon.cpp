@@ -1,0 +1,131 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "client/stubdaemon.h"
+
+#include "common/exchangeactivesync.h"
+
+#include <QDBusConnection>
+#include <QDBusMetaType>
+
+StubDaemon::StubDaemon()
+{
+    qDBusRegisterMetaType<QList<qulonglong>>();
+    QDBusConnection bus = QDBusConnection::sessionBus();
+    mIsServing = bus.registerObject(ExchangeActiveSync::EAS_DBUS_PATH_NAME, this,
+                     QDBusConnection::ExportScriptableSlots | QDBusConnection::ExportScriptableSignals)
+        && bus.registerService(ExchangeActiveSync::EAS_DBUS_SERVICE_NAME);
+}
+
+StubDaemon::~StubDaemon()
+{
+    QDBusConnection bus = QDBusConnection::sessionBus();
+    bus.unregisterService(ExchangeActiveSync::EAS_DBUS_SERVICE_NAME);
+    bus.unregisterObject(ExchangeActiveSync::EAS_DBUS_PATH_NAME);
+}
+
+void StubDaemon::note(const QString &call)
+{
+    mCalls.append(call);
+    Q_EMIT called();
+}
+
+qulonglong StubDaemon::begin(const QString &call, qulonglong accountId)
+{
+    note(call);
+    if (mStatus == Silent) {
+        setDelayedReply(true);
+        return 0;
+    }
+    const qulonglong request = ++mLast;
+    // Behind the reply, as the daemon has it.
+    QMetaObject::invokeMethod(
+        this,
+        [this, accountId, request] {
+            Q_EMIT syncStarted(accountId, request);
+            if (mStatus < Open)
+                Q_EMIT requestFinished(accountId, request, mStatus);
+        },
+        Qt::QueuedConnection);
+    return request;
+}
+
+void StubDaemon::end(qulonglong accountId, qulonglong requestId, int status)
+{
+    Q_EMIT requestFinished(accountId, requestId, status);
+}
+
+qulonglong StubDaemon::sync(qulonglong accountId)
+{
+    return begin(QStringLiteral("sync %1").arg(accountId), accountId);
+}
+
+qulonglong StubDaemon::foldersSync(qulonglong accountId)
+{
+    return begin(QStringLiteral("foldersSync %1").arg(accountId), accountId);
+}
+
+qulonglong StubDaemon::syncFolders(qulonglong accountId, const QStringList &folderIds)
+{
+    return begin(
+        QStringLiteral("syncFolders %1 %2").arg(accountId).arg(folderIds.join(QLatin1Char(','))), accountId);
+}
+
+qulonglong StubDaemon::syncService(qulonglong accountId, int service)
+{
+    return begin(QStringLiteral("syncService %1 %2").arg(accountId).arg(service), accountId);
+}
+
+qulonglong StubDaemon::createFolder(
+    qulonglong accountId, const QString &name, const QString &parentFolderId, uint folderType)
+{
+    return begin(QStringLiteral("createFolder %1 %2 %3 %4")
+                     .arg(QString::number(accountId), name, parentFolderId, QString::number(folderType)),
+        accountId);
+}
+
+qulonglong StubDaemon::updateFolder(
+    qulonglong accountId, const QString &folderId, const QString &parentFolderId, const QString &name)
+{
+    return begin(QStringLiteral("updateFolder %1 %2 %3 %4")
+                     .arg(QString::number(accountId), folderId, parentFolderId, name),
+        accountId);
+}
+
+qulonglong StubDaemon::deleteFolder(qulonglong accountId, const QString &folderId)
+{
+    return begin(QStringLiteral("deleteFolder %1 %2").arg(QString::number(accountId), folderId), accountId);
+}
+
+qulonglong StubDaemon::downloadMessagePart(
+    qulonglong accountId, qulonglong messageId, const QString &location)
+{
+    return begin(QStringLiteral("downloadMessagePart %1 %2 %3")
+                     .arg(QString::number(accountId), QString::number(messageId), location),
+        accountId);
+}
+
+qulonglong StubDaemon::downloadMessages(
+    qulonglong accountId, const QList<qulonglong> &messageIds, bool fullContentDownload)
+{
+    return begin(QStringLiteral("downloadMessages %1 %2 %3")
+                     .arg(accountId)
+                     .arg(messageIds.size())
+                     .arg(int(fullContentDownload)),
+        accountId);
+}
+
+void StubDaemon::cancelRequest(qulonglong accountId, qulonglong requestId)
+{
+    note(QStringLiteral("cancelRequest %1 %2").arg(accountId).arg(requestId));
+    if (mStatus == Open && requestId <= mLast)
+        end(accountId, requestId, -4);
+}
+
+void StubDaemon::reconfig()
+{
+    note(QStringLiteral("reconfig"));
+}
+
+void StubDaemon::quit()
+{
+    note(QStringLiteral("quit"));
+}

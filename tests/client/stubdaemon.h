@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <QDBusContext>
+#include <QList>
+#include <QObject>
+#include <QPair>
+#include <QStringList>
+
+/**
+ * The daemon as clients see it on the bus, in the test process: notes what it is asked for and ends each
+ * request with the status that the test wants, or leaves it open until it is cancelled. Owned by the test.
+ */
+class StubDaemon : public QObject, protected QDBusContext
+{
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.fennelos.easdaemon")
+
+public:
+    /** In place of a status: the request stays open. */
+    static constexpr int Open = 1000000;
+    /** In place of a status: not even the call is answered. */
+    static constexpr int Silent = 1000001;
+    /** In place of a status: the request stays open, and cannot be cancelled. */
+    static constexpr int Deaf = 1000002;
+
+    StubDaemon();
+    ~StubDaemon() override;
+
+    bool isServing() const { return mIsServing; }
+    void setStatus(int status) { mStatus = status; }
+    /** The calls so far: "sync 1", "cancelRequest 1 7". */
+    QStringList calls() const { return mCalls; }
+    /** Ends a request that stays open. */
+    void end(qulonglong accountId, qulonglong requestId, int status);
+
+public Q_SLOTS:
+    Q_SCRIPTABLE qulonglong sync(qulonglong accountId);
+    Q_SCRIPTABLE qulonglong foldersSync(qulonglong accountId);
+    Q_SCRIPTABLE qulonglong syncFolders(qulonglong accountId, const QStringList &folderIds);
+    Q_SCRIPTABLE qulonglong syncService(qulonglong accountId, int service);
+    Q_SCRIPTABLE qulonglong createFolder(
+        qulonglong accountId, const QString &name, const QString &parentFolderId, uint folderType);
+    Q_SCRIPTABLE qulonglong updateFolder(
+        qulonglong accountId, const QString &folderId, const QString &parentFolderId, const QString &name);
+    Q_SCRIPTABLE qulonglong deleteFolder(qulonglong accountId, const QString &folderId);
+    Q_SCRIPTABLE qulonglong downloadMessagePart(
+        qulonglong accountId, qulonglong messageId, const QString &location);
+    Q_SCRIPTABLE qulonglong downloadMessages(
+        qulonglong accountId, const QList<qulonglong> &messageIds, bool fullContentDownload);
+    Q_SCRIPTABLE void cancelRequest(qulonglong accountId, qulonglong requestId);
+    Q_SCRIPTABLE void reconfig();
+    Q_SCRIPTABLE void quit();
+
+Q_SIGNALS:
+    Q_SCRIPTABLE void requestFinished(qulonglong accountId, qulonglong requestId, int status);
+    Q_SCRIPTABLE void syncStarted(qulonglong accountId, qulonglong requestId);
+    /** For the test, not for the bus. */
+    void called();
+
+private:
+    qulonglong begin(const QString &call, qulonglong accountId);
+    void note(const QString &call);
+
+    bool mIsServing = false;
+    int mStatus = 0;
+    qulonglong mLast = 0;
+    QStringList mCalls;
+};
