@@ -121,13 +121,14 @@ bool MoveItemsResultHandler::recordMoved()
         qCCritical(eas()) << "Failed to read emails from EAS DB";
         return false;
     }
-    const QSharedPointer<MailStorage> storage = mAccount.mailStorage();
-    if (!storage->updateMovedEmails(mMoved)) {
-        qCCritical(eas()) << "items are not updated in MailStorage";
-        return false;
-    }
+    // The mapping first: in between, a deletion under the old name finds no message, and the store finishes
+    // the move by what the mapping says.
     if (!EasDatabase::instance()->updateMovedEmailItems(mAccount.id(), mMoved)) {
         qCCritical(eas()) << "items are not updated in Eas DB";
+        return false;
+    }
+    if (!mAccount.mailStorage()->updateMovedEmails(mMoved)) {
+        qCCritical(eas()) << "items are not updated in MailStorage";
         return false;
     }
     for (const EasEmailItem &item : qAsConst(mMoved))

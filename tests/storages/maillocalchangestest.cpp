@@ -26,6 +26,16 @@ QStringList serverIds(const QList<EasEmailItem> &items)
     return ids;
 }
 
+/** What a run leaves that dies between mapping and store, after the server has moved 5:1 to folder 6. */
+void moveInTheMapping(const MailFixture &mail)
+{
+    EasEmailItem moved;
+    moved.setPreviousServerId("5:1");
+    moved.setServerId("6:7");
+    moved.setCollectionId("6");
+    QVERIFY(EasDatabase::instance()->updateMovedEmailItems(mail.accountId(), { moved }));
+}
+
 } // namespace
 
 class MailLocalChangesTest : public QObject
@@ -112,17 +122,38 @@ private Q_SLOTS:
         mail.addFolder("5");
         const QMailFolderId archive = mail.addFolder("6");
         const QMailMessageId id = mail.addMessage(mail.item("5:1", "5"));
+        mail.setStatus(id, QMailMessage::Read, true);
+        mail.setStatus(id, QMailMessage::ReadElsewhere, false);
         QMailDisconnected::moveToFolder(QMailMessageIdList { id }, archive);
-        EasEmailItem moved;
-        moved.setPreviousServerId("5:1");
-        moved.setServerId("6:7");
-        moved.setCollectionId("6");
-        QVERIFY(EasDatabase::instance()->updateMovedEmailItems(mail.accountId(), { moved }));
+        moveInTheMapping(mail);
 
-        QVERIFY(MailLocalChanges(mail.context).movedEmails().isEmpty());
+        const MailLocalChanges changes(mail.context);
+        QVERIFY(changes.movedEmails().isEmpty());
         QCOMPARE(mail.message(id).serverUid(), QStringLiteral("6:7"));
         QVERIFY(!mail.message(id).previousParentFolderId().isValid());
         QCOMPARE(mail.message(id).parentFolderId(), archive);
+        // The read mark that has not gone up yet goes up under the new name.
+        QCOMPARE(serverIds(changes.updatedEmails(text(archive))), QStringList { "6:7" });
+    }
+
+    void aMessageThatWasMovedOnAfterAnInterruptedMoveGoesOnFromThere()
+    {
+        MailFixture mail;
+        mail.addFolder("5");
+        const QMailFolderId archive = mail.addFolder("6");
+        const QMailFolderId drawer = mail.addFolder("7");
+        const QMailMessageId id = mail.addMessage(mail.item("5:1", "5"));
+        QMailDisconnected::moveToFolder(QMailMessageIdList { id }, archive);
+        moveInTheMapping(mail);
+        QMailDisconnected::moveToFolder(QMailMessageIdList { id }, drawer);
+
+        const QList<EasEmailItem> items = MailLocalChanges(mail.context).movedEmails();
+        QCOMPARE(items.size(), 1);
+        QCOMPARE(items.at(0).serverId(), QStringLiteral("6:7"));
+        QCOMPARE(items.at(0).sourceFolderId(), QStringLiteral("6"));
+        QCOMPARE(items.at(0).destinationFolderId(), QStringLiteral("7"));
+        QCOMPARE(mail.message(id).serverUid(), QStringLiteral("6:7"));
+        QCOMPARE(mail.message(id).previousParentFolderId(), archive);
     }
 
     void deletionsAreThoseOfTheFolderByTheMapping()

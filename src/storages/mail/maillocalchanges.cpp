@@ -65,7 +65,7 @@ QList<EasEmailItem> MailLocalChanges::movedEmails() const
         return moved;
     const QMap<QString, QString> localToServer =
         EasDatabase::instance()->localToServerEmailIds(mContext.accountId());
-    for (const EasEmailItem &item : candidates) {
+    for (EasEmailItem item : candidates) {
         if (item.serverId().isEmpty() || item.sourceFolderId().isEmpty()
             || item.destinationFolderId().isEmpty())
             qCWarning(eas()) << "failed to create a valid item from message with id" << item.localId();
@@ -75,23 +75,35 @@ QList<EasEmailItem> MailLocalChanges::movedEmails() const
     return moved;
 }
 
-bool MailLocalChanges::settleMove(const EasEmailItem &item, const QString &mappedServerId) const
+bool MailLocalChanges::settleMove(EasEmailItem &item, const QString &mappedServerId) const
 {
     if (mappedServerId.isEmpty() || mappedServerId == item.serverId())
         return false;
-    const QString mappedCollection =
-        EasDatabase::instance()->collectionServerIdFromEmailItemId(mContext.accountId(), mappedServerId);
-    if (mappedCollection != item.destinationFolderId())
+    EasDatabase *database = EasDatabase::instance();
+    const Lookup<QString> reached =
+        database->collectionServerIdFromEmailItemId(mContext.accountId(), mappedServerId);
+    if (reached && (reached->isEmpty() || *reached == item.sourceFolderId()))
         return false;
+    const Lookup<EasFolderItem> folder = reached
+        ? database->folderItemByServerId(mContext.accountId(), *reached)
+        : Lookup<EasFolderItem>::unread();
+    if (!folder) {
+        qCWarning(eas()) << "the interrupted move waits, its folder could not be read:" << item.localId();
+        return true;
+    }
+    const bool isThere = *reached == item.destinationFolderId();
     QMailMessage message = mContext.store->message(QMailMessageId(item.localId().toULongLong()));
     message.setServerUid(mappedServerId);
-    message.setPreviousParentFolderId(QMailFolderId());
+    // The user may have moved it on since; the way from there is still to be told.
+    message.setPreviousParentFolderId(isThere ? QMailFolderId() : folderIdFromText(folder->localId()));
     if (!mContext.store->updateMessage(&message)) {
         qCWarning(eas()) << "failed to update message with server id" << mappedServerId;
         return false;
     }
     qCInfo(eas()) << "finished the interrupted move of message" << item.localId();
-    return true;
+    item.setServerId(mappedServerId);
+    item.setSourceFolderId(*reached);
+    return isThere;
 }
 
 QStringList MailLocalChanges::deletedEmails(const QString &localFolderId) const

@@ -31,7 +31,8 @@ public:
 
 private:
     QList<EasEmailItem> items(const QMailMessageKey &key, bool markRead) const;
-    bool settleMove(const EasEmailItem &item, const QString &mappedServerId) const;
+    /** Finishes a move that the mapping knows; true if the server need not be told of the message's place. */
+    bool settleMove(EasEmailItem &item, const QString &mappedServerId) const;
 
     const MailStoreContext &mContext;
 };
