@@ -2,6 +2,7 @@
 #pragma once
 
 #include "easitems/easgeneralitem.h"
+#include "protocol/base/eas.h"
 #include "requests/syncitemstatus.h"
 
 #include <QList>
@@ -48,6 +49,9 @@ protected:
     /**
      * The sent entries (items, or server identifiers) that the reply acknowledges: all of them if it holds no
      * responses, otherwise those whose response says so.
+     *
+     * Some servers answer without saying which item they mean. Where no response of the kind says so, and all
+     * are successes, everything that was sent has arrived; otherwise such a response acknowledges nothing.
      */
     template <typename Sent, typename Response>
     bool acknowledged(SyncItemStatus::Operation operation, const QString &collectionId,
@@ -61,6 +65,8 @@ protected:
         // One item can go up as several changes, and has arrived if all of them have.
         QSet<QString> taken;
         QSet<QString> refused;
+        bool isNamed = false;
+        bool isFailure = false;
         mCollectionId = collectionId;
         for (const Response &response : responses) {
             bool isTaken = false;
@@ -68,6 +74,12 @@ protected:
             if (!judge(operation, response.status(), serverId, localIds.value(serverId), isTaken))
                 return false;
             (isTaken ? taken : refused).insert(serverId);
+            isNamed = isNamed || !serverId.isEmpty();
+            isFailure = isFailure || response.status() > Eas::SyncStatusSuccess;
+        }
+        if (!isNamed && !isFailure) {
+            result = sent;
+            return true;
         }
         for (const Sent &entry : sent) {
             const QString serverId = serverIdOf(entry);

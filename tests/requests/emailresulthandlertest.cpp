@@ -158,6 +158,47 @@ private Q_SLOTS:
         QCOMPARE(calls(), QStringList(QStringLiteral("received")));
     }
 
+    void answersThatNameNoItemAcknowledge_data()
+    {
+        QTest::addColumn<QList<uint>>("unnamed");
+        QTest::addColumn<bool>("named");
+        QTest::addColumn<QString>("updated");
+        QTest::newRow("everything where all are successes")
+            << QList<uint> { 1, 1 } << false << "updated */5:1 */5:2";
+        QTest::newRow("everything though there are fewer of them")
+            << QList<uint> { 1 } << false << "updated */5:1 */5:2";
+        QTest::newRow("nothing where one is a failure") << QList<uint> { 1, 6 } << false << "";
+        QTest::newRow("nothing beside one that names its item")
+            << QList<uint> { 1 } << true << "updated */5:1";
+    }
+
+    void answersThatNameNoItemAcknowledge()
+    {
+        QFETCH(QList<uint>, unnamed);
+        QFETCH(bool, named);
+        QFETCH(QString, updated);
+        SyncCollection reply = collection({ item<Mail>("1", "5:1"), item<Mail>("2", "5:2") });
+        for (const uint status : unnamed)
+            answerChange(reply, "", status);
+        if (named)
+            answerChange(reply, "5:1");
+        QVERIFY(handle(reply));
+        QCOMPARE(calls().filter(QStringLiteral("updated")).join(QLatin1Char(' ')), updated);
+    }
+
+    void deletionsAnsweredWithoutAnItemAreDone()
+    {
+        SyncCollection reply = collection({}, { QStringLiteral("5:2"), QStringLiteral("5:3") });
+        answerDelete(reply, "");
+        QVERIFY(handle(reply));
+        QCOMPARE(calls().first(), QStringLiteral("purged -5:2 -5:3"));
+        // One that was not found is no success, and it is not known which one it is.
+        SyncCollection other = collection({}, { QStringLiteral("5:1") });
+        answerDelete(other, "", 8);
+        QVERIFY(handle(other));
+        QVERIFY(!calls().contains(QStringLiteral("purged -5:1")));
+    }
+
     void answersToAdditionsAreOddButNoFailure()
     {
         SyncCollection reply = collection();
