@@ -3,95 +3,123 @@
 
 #include "application/base/logging.h"
 #include "protocol/base/eas.h"
-
-#include <algorithm>
-#include <iterator>
+#include "requests/statustable.h"
 
 namespace SyncItemStatus {
 namespace {
 
-enum class Family { Mail, Calendar, Contact };
+using Statuses = StatusTable<Outcome>;
 
-struct OperationName
+constexpr char ProtocolErrorText[] = "protocol error for item %1";
+constexpr char ConversionErrorText[] = "server-client conversation error for item: %1";
+constexpr char ConflictText[] = "client-server conflict. Server wins for item: %1";
+constexpr char ContactConflictText[] = "client-server conflict. Server wins";
+constexpr char NotFoundText[] = "object not found error for item: %1";
+constexpr char CannotCompleteText[] = "sync command can't be completed for item: %1";
+constexpr char NotCompleteText[] = "Sync command request is not complete for item: %1";
+
+constexpr Statuses::Row mailChangeRows[] = {
+    { Eas::SyncStatusProtocolError, QtWarningMsg, ProtocolErrorText, Outcome::Unacknowledged },
+    { Eas::SyncStatusClientServerError, QtWarningMsg, ConversionErrorText, Outcome::Unacknowledged },
+    { Eas::SyncStatusClientServerMatching, QtWarningMsg, ConflictText, Outcome::Unacknowledged },
+    { Eas::SyncStatusObjectNotFound, QtWarningMsg, NotFoundText, Outcome::Unacknowledged },
+    { Eas::SyncStatusCannotComplete, QtWarningMsg, CannotCompleteText, Outcome::StorageFull },
+    { Eas::SyncStatusRequestNotComplete, QtWarningMsg, NotCompleteText, Outcome::RetryCollection },
+};
+
+constexpr Statuses::Row mailDeleteRows[] = {
+    { Eas::SyncStatusProtocolError, QtWarningMsg, ProtocolErrorText, Outcome::Unacknowledged },
+    { Eas::SyncStatusClientServerError, QtWarningMsg, ConversionErrorText, Outcome::Acknowledged },
+    { Eas::SyncStatusClientServerMatching, QtWarningMsg, ConflictText, Outcome::Unacknowledged },
+    { Eas::SyncStatusObjectNotFound, QtWarningMsg, NotFoundText, Outcome::Acknowledged },
+    { Eas::SyncStatusCannotComplete, QtWarningMsg, CannotCompleteText, Outcome::StorageFull },
+    { Eas::SyncStatusRequestNotComplete, QtWarningMsg, NotCompleteText, Outcome::RetryCollection },
+};
+
+// Of events and contacts; what a failure is called in the log goes by the operation.
+
+constexpr Statuses::Row changeRows[] = {
+    { Eas::SyncStatusProtocolError, QtWarningMsg, nullptr, Outcome::Failed },
+    { Eas::SyncStatusClientServerError, QtWarningMsg, nullptr, Outcome::Failed },
+    { Eas::SyncStatusClientServerMatching, QtWarningMsg, nullptr, Outcome::Failed },
+    { Eas::SyncStatusObjectNotFound, QtWarningMsg, nullptr, Outcome::Failed },
+    { Eas::SyncStatusCannotComplete, QtWarningMsg, CannotCompleteText, Outcome::StorageFull },
+    { Eas::SyncStatusRequestNotComplete, QtWarningMsg, nullptr, Outcome::Failed },
+};
+
+constexpr Statuses::Row deleteRows[] = {
+    { Eas::SyncStatusProtocolError, QtWarningMsg, nullptr, Outcome::Failed },
+    { Eas::SyncStatusClientServerError, QtWarningMsg, nullptr, Outcome::Failed },
+    { Eas::SyncStatusClientServerMatching, QtWarningMsg, nullptr, Outcome::Failed },
+    { Eas::SyncStatusObjectNotFound, QtWarningMsg, nullptr, Outcome::Gone },
+    { Eas::SyncStatusCannotComplete, QtWarningMsg, CannotCompleteText, Outcome::StorageFull },
+    { Eas::SyncStatusRequestNotComplete, QtWarningMsg, nullptr, Outcome::Failed },
+};
+
+constexpr Statuses::Row contactAddRows[] = {
+    { Eas::SyncStatusProtocolError, QtWarningMsg, nullptr, Outcome::Failed },
+    { Eas::SyncStatusClientServerError, QtWarningMsg, nullptr, Outcome::Failed },
+    { Eas::SyncStatusObjectNotFound, QtWarningMsg, nullptr, Outcome::Failed },
+    { Eas::SyncStatusCannotComplete, QtWarningMsg, CannotCompleteText, Outcome::StorageFull },
+    { Eas::SyncStatusRequestNotComplete, QtWarningMsg, nullptr, Outcome::Failed },
+};
+
+constexpr Statuses::Row contactChangeRows[] = {
+    { Eas::SyncStatusProtocolError, QtWarningMsg, nullptr, Outcome::Failed },
+    { Eas::SyncStatusClientServerError, QtWarningMsg, nullptr, Outcome::Failed },
+    { Eas::SyncStatusClientServerMatching, QtWarningMsg, ContactConflictText, Outcome::Acknowledged },
+    { Eas::SyncStatusObjectNotFound, QtWarningMsg, nullptr, Outcome::Failed },
+    { Eas::SyncStatusCannotComplete, QtWarningMsg, CannotCompleteText, Outcome::StorageFull },
+    { Eas::SyncStatusRequestNotComplete, QtWarningMsg, nullptr, Outcome::Failed },
+};
+
+struct OperationRow
 {
     Operation operation;
-    Family family;
+    Statuses statuses;
+    /** Null for mail, whose statuses have texts of their own. */
     const char *failure;
+    const char *unhandled;
 };
 
-constexpr OperationName operationNames[] = {
-    { Operation::MailChange, Family::Mail, nullptr },
-    { Operation::MailDelete, Family::Mail, nullptr },
-    { Operation::CalendarAdd, Family::Calendar, "Adding calendar item failed, status:" },
-    { Operation::CalendarChange, Family::Calendar, "Updating calendar item failed, status:" },
-    { Operation::CalendarDelete, Family::Calendar, "Deleting calendar item failed, status:" },
-    { Operation::ContactAdd, Family::Contact, "Adding contact item failed, status:" },
-    { Operation::ContactChange, Family::Contact, "Updating contact item failed, status:" },
-    { Operation::ContactDelete, Family::Contact, "Deleting contact item failed, status:" },
+constexpr char UnhandledMailText[] = "unhandled item status";
+constexpr char UnhandledText[] = "Unhandled item status";
+
+constexpr OperationRow operations[] = {
+    { Operation::MailChange, Statuses(mailChangeRows), nullptr, UnhandledMailText },
+    { Operation::MailDelete, Statuses(mailDeleteRows), nullptr, UnhandledMailText },
+    { Operation::CalendarAdd, Statuses(changeRows), "Adding calendar item failed, status:", UnhandledText },
+    { Operation::CalendarChange, Statuses(changeRows),
+        "Updating calendar item failed, status:", UnhandledText },
+    { Operation::CalendarDelete, Statuses(deleteRows),
+        "Deleting calendar item failed, status:", UnhandledText },
+    { Operation::ContactAdd, Statuses(contactAddRows), "Adding contact item failed, status:", UnhandledText },
+    { Operation::ContactChange, Statuses(contactChangeRows),
+        "Updating contact item failed, status:", UnhandledText },
+    { Operation::ContactDelete, Statuses(deleteRows),
+        "Deleting contact item failed, status:", UnhandledText },
 };
 
-constexpr char ProtocolErrorText[] = "protocol error for item";
-constexpr char ConversionErrorText[] = "server-client conversation error for item:";
-constexpr char ConflictText[] = "client-server conflict. Server wins for item:";
-constexpr char ContactConflictText[] = "client-server conflict. Server wins";
-constexpr char NotFoundText[] = "object not found error for item:";
-constexpr char CannotCompleteText[] = "sync command can't be completed for item:";
-constexpr char NotCompleteText[] = "Sync command request is not complete for item:";
-
-struct MailRow
+constexpr bool namesEachStatusOnce()
 {
-    uint status;
-    const char *text;
-    Outcome change;
-    Outcome remove;
-};
-
-constexpr MailRow mailRows[] = {
-    { Eas::SyncStatusProtocolError, ProtocolErrorText, Outcome::Unacknowledged, Outcome::Unacknowledged },
-    { Eas::SyncStatusClientServerError, ConversionErrorText, Outcome::Unacknowledged, Outcome::Acknowledged },
-    { Eas::SyncStatusClientServerMatching, ConflictText, Outcome::Unacknowledged, Outcome::Unacknowledged },
-    { Eas::SyncStatusObjectNotFound, NotFoundText, Outcome::Unacknowledged, Outcome::Acknowledged },
-    { Eas::SyncStatusCannotComplete, CannotCompleteText, Outcome::StorageFull, Outcome::StorageFull },
-    { Eas::SyncStatusRequestNotComplete, NotCompleteText, Outcome::RetryCollection,
-        Outcome::RetryCollection },
-};
-
-constexpr uint failingStatuses[] = { Eas::SyncStatusProtocolError, Eas::SyncStatusClientServerError,
-    Eas::SyncStatusClientServerMatching, Eas::SyncStatusObjectNotFound, Eas::SyncStatusRequestNotComplete };
-
-Outcome mailOutcome(Operation operation, uint status, const QString &serverId)
-{
-    for (const MailRow &row : mailRows) {
-        if (row.status == status) {
-            qCWarning(eas()) << row.text << serverId;
-            return operation == Operation::MailChange ? row.change : row.remove;
-        }
+    for (const OperationRow &row : operations) {
+        if (!row.statuses.namesEachStatusOnce())
+            return false;
     }
-    qCWarning(eas()) << "unhandled item status" << status;
-    return Outcome::Unacknowledged;
+    return true;
 }
+static_assert(namesEachStatusOnce());
 
-Outcome itemOutcome(const OperationName &name, uint status, const QString &serverId, const QString &localId)
+constexpr bool standInTheirOrder()
 {
-    const bool conflict = status == Eas::SyncStatusClientServerMatching;
-    if (conflict && name.operation == Operation::ContactChange) {
-        qCWarning(eas()) << ContactConflictText;
-        return Outcome::Acknowledged;
+    int number = 0;
+    for (const OperationRow &row : operations) {
+        if (int(row.operation) != number++)
+            return false;
     }
-    if (status == Eas::SyncStatusCannotComplete) {
-        qCWarning(eas()) << CannotCompleteText << serverId;
-        return Outcome::StorageFull;
-    }
-    const bool unhandledConflict = conflict && name.operation == Operation::ContactAdd;
-    const bool fails = std::find(std::begin(failingStatuses), std::end(failingStatuses), status)
-        != std::end(failingStatuses);
-    if (fails && !unhandledConflict) {
-        qCWarning(eas()) << name.failure << status << ", server ID:" << serverId << ", local ID:" << localId;
-        return Outcome::Failed;
-    }
-    qCWarning(eas()) << "Unhandled item status" << status << "for item" << serverId;
-    return Outcome::Unacknowledged;
+    return true;
 }
+static_assert(standInTheirOrder(), "an operation is found by its number");
 
 } // namespace
 
@@ -99,10 +127,16 @@ Outcome outcome(Operation operation, uint status, const QString &serverId, const
 {
     if (status == Eas::SyncStatusUndefined || status == Eas::SyncStatusSuccess)
         return Outcome::Acknowledged;
-    const auto name = std::find_if(std::begin(operationNames), std::end(operationNames),
-        [operation](const OperationName &row) { return row.operation == operation; });
-    return name->family == Family::Mail ? mailOutcome(operation, status, serverId)
-                                        : itemOutcome(*name, status, serverId, localId);
+    const OperationRow &kind = operations[int(operation)];
+    const Statuses::Row *row = kind.statuses.find(int(status));
+    if (!row) {
+        qCWarning(eas()) << kind.unhandled << status << "for item" << serverId;
+        return Outcome::Unacknowledged;
+    }
+    logStatusText(row->level, row->text, serverId);
+    if (row->verb == Outcome::Failed || row->verb == Outcome::Gone)
+        qCWarning(eas()) << kind.failure << status << ", server ID:" << serverId << ", local ID:" << localId;
+    return row->verb;
 }
 
 } // namespace SyncItemStatus

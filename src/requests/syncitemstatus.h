@@ -3,7 +3,7 @@
 
 #include <QString>
 
-/** What the status of one uploaded item means; the whole decision is one table in the source file. */
+/** What the status of one uploaded item means: one table of statuses for each operation that differs. */
 namespace SyncItemStatus {
 
 enum class Operation {
@@ -21,6 +21,7 @@ enum class Outcome {
     Acknowledged, ///< the server has the change
     Unacknowledged, ///< it goes out again
     Failed, ///< refused; reported by its local identifier
+    Gone, ///< there is nothing to delete any more: reported as refused, and as good as done
     RetryCollection, ///< the collection must be sent once more
     StorageFull ///< the mailbox is full, nothing more can be done
 };

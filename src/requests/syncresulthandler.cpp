@@ -32,6 +32,10 @@ bool SyncResultHandler::judge(SyncItemStatus::Operation operation, uint status, 
     case SyncItemStatus::Outcome::Failed:
         mFailedLocalIds.append(localId);
         break;
+    case SyncItemStatus::Outcome::Gone:
+        mFailedLocalIds.append(localId);
+        acknowledged = true;
+        break;
     case SyncItemStatus::Outcome::RetryCollection:
         SyncState::addOnce(mState.collectionsToRetry, mCollectionId);
         break;

@@ -108,7 +108,6 @@ protected:
         if (!acknowledged(kind().remove, collection.id(), mSentDeleted, collection.getDeleteCmdResponses(),
                 localIds, mUploadedDeleted))
             return false;
-        takeGone(collection.getDeleteCmdResponses());
         for (const QString &serverId : qAsConst(mUploadedDeleted))
             qCInfo(eas()) << kind().removed << serverId << "was deleted";
         return true;
@@ -129,20 +128,6 @@ protected:
     QList<QString> mUploadedDeleted;
 
 private:
-    /**
-     * What the server does not have is as good as deleted: an answer that was lost, or another device, has
-     * been there first. It would never say anything else, and the deletion would go up with each sync.
-     */
-    void takeGone(const QList<AirSyncResponseDeleteItem> &responses)
-    {
-        for (const AirSyncResponseDeleteItem &response : responses) {
-            const QString serverId = response.serverId();
-            if (response.status() == Eas::SyncStatusObjectNotFound && mSentDeleted.contains(serverId)
-                && !mUploadedDeleted.contains(serverId))
-                mUploadedDeleted.append(serverId);
-        }
-    }
-
     template <class Command>
     QList<Item> itemsOf(
         const QSharedPointer<Command> &command, const char *text, const SyncCommandBase &original) const
