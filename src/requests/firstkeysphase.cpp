@@ -4,6 +4,7 @@
 #include "application/account/easaccount.h"
 #include "application/base/logging.h"
 #include "protocol/base/eas.h"
+#include "protocol/base/protocolutils.h"
 #include "protocol/synccommand.h"
 #include "requests/synccollectionqueue.h"
 #include "storages/calendarstorage.h"
@@ -44,26 +45,17 @@ constexpr CollectionsPhase::Texts texts {
     "unhandled Sync status",
 };
 
-/** The collections of a reply that were asked for: a key for another one would be no step ahead. */
-QList<SyncCollection> answeredCollections(const SyncCommand &command)
+/** The collections of a reply that were asked for and have got a key; another one would be no step ahead. */
+QList<SyncCollection> keyedCollections(const SyncCommand &command)
 {
     const QList<SyncCollection> sent = command.collections();
-    QList<SyncCollection> answered;
+    QList<SyncCollection> keyed;
     for (const SyncCollection &collection : command.responseCollections()) {
-        if (sent.contains(collection))
-            answered.append(collection);
+        if (sent.contains(collection) && collection.status() <= Eas::SyncStatusSuccess
+            && !collection.syncKey().isEmpty() && collection.syncKey() != ProtocolUtils::InitialSyncKey)
+            keyed.append(collection);
     }
-    return answered;
-}
-
-/** The status of the first collection of a reply that is no success; 0 if there is none. */
-int firstFailure(const SyncCommand &command)
-{
-    for (const SyncCollection &collection : command.responseCollections()) {
-        if (collection.status() > Eas::SyncStatusSuccess)
-            return int(collection.status());
-    }
-    return 0;
+    return keyed;
 }
 
 } // namespace
@@ -110,25 +102,56 @@ SyncPhase::End FirstKeysPhase::takeReply(const SyncCommand &command)
         qCCritical(eas()) << "No account";
         return failInternally();
     }
-    SyncCollectionQueue queue(*easAccount, run().state);
-    const QList<SyncCollection> answered = answeredCollections(command);
-    int changed = 0;
+    if (command.responseCollections().isEmpty())
+        return takeSilence(command);
+    const QList<SyncCollection> keyed = keyedCollections(command);
     run().outcome.setStatus(EasRequestStatus::RequestStatusSuccess);
-    if (!queue.updateFolderSyncKeys(answered, &changed)) {
+    if (!SyncCollectionQueue(*easAccount, run().state).updateFolderSyncKeys(keyed)) {
         qCCritical(eas()) << "Initial Sync command failed to update folder sync keys";
         return failInternally();
     }
-    if (command.responseCollections().isEmpty() && queue.leaveOut(command.collections()))
+    setAside(command, keyed);
+    if (keyed.isEmpty())
         return End::More;
-    if (changed == 0) {
-        // No collection got a key, so the same request would follow at once, without an end.
-        const int failure = firstFailure(command);
-        run().outcome.setStatus(failure != 0 ? failure : EasRequestStatus::RequestStatusInternalError);
-        return End::AgainLater;
-    }
     succeed();
-    for (const SyncCollection &collection : answered)
+    for (const SyncCollection &collection : keyed) {
         run().state.collectionsToResync.removeAll(collection.id());
+        run().state.collectionsToAskAlone.removeAll(collection.id());
+        run().state.collectionsSetAside.remove(collection.id());
+    }
     qCInfo(eas()) << "Initial Sync command succeeded, starting next sync command.";
+    return End::More;
+}
+
+void FirstKeysPhase::setAside(const SyncCommand &command, const QList<SyncCollection> &keyed)
+{
+    const QList<SyncCollection> answered = command.responseCollections();
+    for (const SyncCollection &collection : command.collections()) {
+        if (keyed.contains(collection))
+            continue;
+        const int index = answered.indexOf(collection);
+        // What the server has passed over is asked for again at once, as long as others get their keys.
+        if (index < 0 && !keyed.isEmpty())
+            continue;
+        const int status = index < 0 ? 0 : int(answered.at(index).status());
+        run().state.setAside(collection.id(),
+            status > Eas::SyncStatusSuccess ? status : EasRequestStatus::RequestStatusInternalError);
+    }
+}
+
+SyncPhase::End FirstKeysPhase::takeSilence(const SyncCommand &command)
+{
+    SyncState &state = run().state;
+    SyncCollectionQueue queue(*account(), state);
+    for (const SyncCollection &collection : command.collections()) {
+        const QString id = collection.id();
+        if (!state.collectionsAskedAlone.contains(id)) {
+            state.collectionsAskedAlone.append(id);
+            state.collectionsToAskAlone.append(id);
+        } else if (!queue.leaveOut(collection)) {
+            // As long as no collection has a key at all, the silence may concern all of them.
+            state.setAside(id, EasRequestStatus::RequestStatusInternalError);
+        }
+    }
     return End::More;
 }

@@ -6,6 +6,10 @@
 /**
  * Gets the first key of collections that have none, or whose key the server has lost, with a Sync that
  * carries nothing else.
+ *
+ * A collection that gets none does not hold up the others: it is set aside, and tried again after them. To an
+ * empty reply each collection is asked for once more, alone; some servers answer so for ever about a folder
+ * that only holds other folders, and such a one is left out.
  */
 class FirstKeysPhase : public CollectionsPhase
 {
@@ -21,5 +25,9 @@ protected:
     End takeReply(const SyncCommand &command) override;
 
 private:
+    /** A reply without any collection. */
+    End takeSilence(const SyncCommand &command);
+    void setAside(const SyncCommand &command, const QList<SyncCollection> &keyed);
+
     bool mIsResync = false;
 };

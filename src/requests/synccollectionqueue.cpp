@@ -30,8 +30,8 @@ bool SyncCollectionQueue::readFolder(const QString &serverId, EasFolderItem &fol
 
 bool SyncCollectionQueue::readFolders(QHash<QString, EasFolderItem> *known)
 {
-    for (QStringList *serverIds :
-        { &mState.collectionsToResync, &mState.collectionsToRetry, &mState.collectionsToSync }) {
+    for (QStringList *serverIds : { &mState.collectionsToResync, &mState.collectionsToRetry,
+             &mState.collectionsToSync, &mState.collectionsToAskAlone }) {
         QStringList kept;
         for (const QString &serverId : qAsConst(*serverIds)) {
             EasFolderItem folder;
@@ -75,19 +75,32 @@ bool SyncCollectionQueue::queryCollectionsForSync(
     else
         mark(mState.collectionsToRetry, "Marking collection for sync due to retry:", false);
 
+    const QList<EasFolderItem> withoutKey = foldersWithoutKey(folders);
     SyncCollectionBuilder builder(mAccount, mState);
-    for (const EasFolderItem &folder : qAsConst(folders)) {
+    for (const EasFolderItem &folder : withoutKey.isEmpty() ? folders : withoutKey) {
         if (known.value(folder.serverId()).syncKey() == ProtocolUtils::InitialSyncKey
             && !forgetCollection(folder))
             return false;
         const SyncCollection collection = builder.setupSyncCollection(folder);
-        const bool isInitial = collection.syncKey() == ProtocolUtils::InitialSyncKey;
         qCDebug(eas()) << "Have collection:" << collection.id() << "=" << collection.localId()
                        << "with syncKey:" << collection.syncKey()
-                       << (isInitial ? "- requires initial sync." : "- requires normal sync.");
-        (isInitial ? initial : continuing).append(collection);
+                       << (withoutKey.isEmpty() ? "- requires normal sync." : "- requires initial sync.");
+        (withoutKey.isEmpty() ? continuing : initial).append(collection);
     }
     return true;
+}
+
+QList<EasFolderItem> SyncCollectionQueue::foldersWithoutKey(const QList<EasFolderItem> &folders) const
+{
+    QList<EasFolderItem> withoutKey;
+    for (const EasFolderItem &folder : folders) {
+        if (!folder.syncKey().isEmpty() && folder.syncKey() != ProtocolUtils::InitialSyncKey)
+            continue;
+        if (mState.collectionsToAskAlone.contains(folder.serverId()))
+            return { folder };
+        withoutKey.append(folder);
+    }
+    return withoutKey;
 }
 
 bool SyncCollectionQueue::restart(QList<SyncCollection> &collections)
@@ -103,22 +116,26 @@ bool SyncCollectionQueue::restart(QList<SyncCollection> &collections)
     return true;
 }
 
-bool SyncCollectionQueue::leaveOut(const QList<SyncCollection> &unanswered)
+bool SyncCollectionQueue::leaveOut(const SyncCollection &silent)
 {
-    const Lookup<QList<EasFolderItem>> folders = EasDatabase::instance()->emailFolderItems(mAccount.id());
-    const bool othersAnswered =
-        folders && std::any_of(folders->cbegin(), folders->cend(), [](const EasFolderItem &folder) {
-            return !folder.syncKey().isEmpty() && folder.syncKey() != ProtocolUtils::InitialSyncKey;
-        });
-    if (!othersAnswered)
+    EasFolderItem folder;
+    if (!readFolder(silent.id(), folder) || !anyHasKey())
         return false;
-    for (const SyncCollection &collection : unanswered) {
-        qCWarning(eas()) << "no answer about collection, leaving it out:" << collection.id();
-        mState.collectionsToSync.removeAll(collection.id());
-        mState.collectionsToResync.removeAll(collection.id());
-        mState.collectionsToRetry.removeAll(collection.id());
-    }
+    qCWarning(eas()) << "no answer about collection, leaving it out:" << silent.id() << folder.displayName();
+    mState.leaveOut(silent.id());
     return true;
+}
+
+bool SyncCollectionQueue::anyHasKey() const
+{
+    const Lookup<QMap<QString, QString>> known =
+        EasDatabase::instance()->serverToLocalFolderIds(mAccount.id());
+    const QStringList serverIds = known ? known->keys() : QStringList();
+    return std::any_of(serverIds.cbegin(), serverIds.cend(), [this](const QString &serverId) {
+        EasFolderItem folder;
+        return !serverId.isEmpty() && readFolder(serverId, folder) && !folder.syncKey().isEmpty()
+            && folder.syncKey() != ProtocolUtils::InitialSyncKey;
+    });
 }
 
 bool SyncCollectionQueue::forgetCollection(const EasFolderItem &folder)
@@ -159,7 +176,7 @@ bool SyncCollectionQueue::forgetItems(const EasFolderItem &folder)
     return true;
 }
 
-bool SyncCollectionQueue::updateFolderSyncKeys(const QList<SyncCollection> &collections, int *changed)
+bool SyncCollectionQueue::updateFolderSyncKeys(const QList<SyncCollection> &collections)
 {
     QList<EasFolderItem> items;
     for (const SyncCollection &collection : collections) {
@@ -180,8 +197,6 @@ bool SyncCollectionQueue::updateFolderSyncKeys(const QList<SyncCollection> &coll
         folder.appendChangedField(Wbxml::AirSync::SyncKey.key());
         items.append(folder);
     }
-    if (changed)
-        *changed = items.size();
     if (EasDatabase::instance()->updateFolderItems(mAccount.id(), items))
         return true;
     qCCritical(eas()) << "failed to update folders in EAS DB";

@@ -21,9 +21,9 @@ public:
     SyncCollectionQueue(EasAccount &account, SyncState &state);
 
     /**
-     * Collections without a key go first, alone; those that have to be repeated go before all others. What
-     * the hierarchy has lost in the meantime is dropped: nobody would answer for it, and the others would
-     * wait. False, logged, if the database could not be read.
+     * Collections without a key go first, and the others wait for the next call; those that have to be
+     * repeated go before all others. What the hierarchy has lost in the meantime is dropped: nobody would
+     * answer for it, and the others would wait. False, logged, if the database could not be read.
      */
     bool queryCollectionsForSync(QList<SyncCollection> &initial, QList<SyncCollection> &continuing);
 
@@ -31,19 +31,19 @@ public:
     bool restart(QList<SyncCollection> &collections);
 
     /**
-     * Gives up, for this sync, collections without a key that the server passed over in silence.
-     *
-     * To an empty reply nothing has changed; some servers answer so for ever about a folder that only holds
-     * other folders, and the rest of the mailbox must not wait for it. It is asked for again by the next
-     * sync. False if no other collection has a key yet: then the silence may concern all of them.
+     * Gives up, for this sync, a collection without a key that the server passes over in silence; it is asked
+     * for again by the next one. False, and nothing is given up, if no collection of the account has a key.
      */
-    bool leaveOut(const QList<SyncCollection> &unanswered);
+    bool leaveOut(const SyncCollection &silent);
 
     /** The one place where a collection's key is committed; false, logged, if the database refused. */
-    bool updateFolderSyncKeys(const QList<SyncCollection> &collections, int *changed = nullptr);
+    bool updateFolderSyncKeys(const QList<SyncCollection> &collections);
 
 private:
     bool readFolder(const QString &serverId, EasFolderItem &folder) const;
+    bool anyHasKey() const;
+    /** Those that go into the next Sync: all, or one that has to be asked for alone. */
+    QList<EasFolderItem> foldersWithoutKey(const QList<EasFolderItem> &folders) const;
     bool readFolders(QHash<QString, EasFolderItem> *known);
     bool forgetCollection(const EasFolderItem &folder);
     bool forgetItems(const EasFolderItem &folder);

@@ -208,6 +208,8 @@ void SyncRequest::startCollections()
     qCInfo(eas()) << "initialSync size" << initial.size() << ", sync size" << continuing.size();
     dropCommand();
     if (initial.isEmpty() && continuing.isEmpty()) {
+        if (retrySetAside())
+            return;
         qCInfo(eas()) << "collections lists are empty, nothing to sync";
         return completeWith(outcome().failure());
     }
@@ -242,8 +244,20 @@ bool SyncRequest::initializeSyncCollections()
     return !selection.lookupFailed();
 }
 
+bool SyncRequest::retrySetAside()
+{
+    const int status = mRun.state.takeSetAside();
+    if (status == RequestStatusSuccess)
+        return false;
+    setStatus(status);
+    startResendTimer();
+    return true;
+}
+
 void SyncRequest::completeSuccessfully()
 {
+    if (retrySetAside())
+        return;
     if (outcome().failure() != RequestStatusSuccess)
         return completeWith(outcome().failure());
     qCInfo(eas()) << "Successfully finished sync request!";

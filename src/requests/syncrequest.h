@@ -57,6 +57,8 @@ private:
     void startCollectionsResync();
     /** False, logged, if the database could not be read. */
     bool initializeSyncCollections();
+    /** Tries again later what got no key while the others went on; false if there is nothing of the kind. */
+    bool retrySetAside();
     void completeSuccessfully();
 
     int mSyncService = 0;

@@ -15,6 +15,29 @@ void SyncState::collectionSynced(const QString &serverId)
     collectionsToSync.removeAll(serverId);
 }
 
+void SyncState::leaveOut(const QString &serverId)
+{
+    collectionSynced(serverId);
+    collectionsToResync.removeAll(serverId);
+    collectionsToAskAlone.removeAll(serverId);
+    collectionsSetAside.remove(serverId);
+}
+
+void SyncState::setAside(const QString &serverId, int status)
+{
+    leaveOut(serverId);
+    collectionsSetAside.insert(serverId, status);
+}
+
+int SyncState::takeSetAside()
+{
+    const QMap<QString, int> waiting = collectionsSetAside;
+    collectionsSetAside.clear();
+    for (auto it = waiting.cbegin(); it != waiting.cend(); ++it)
+        addOnce(collectionsToSync, it.key());
+    return waiting.isEmpty() ? 0 : waiting.first();
+}
+
 void SyncState::processSyncRequestInvalidSyncError()
 {
     qCWarning(eas()) << "Too many collections in SyncRequest";

@@ -17,6 +17,12 @@ struct SyncState
     QStringList collectionsToResync;
     /** Collections that must go in the next Sync, alone. */
     QStringList collectionsToRetry;
+    /** Collections without a key that the server passed over in silence: they are asked for one by one. */
+    QStringList collectionsToAskAlone;
+    /** Those that were asked for alone, so that it is not done twice. */
+    QStringList collectionsAskedAlone;
+    /** Collections that got no key, with the status: the others go on, and then they are tried again. */
+    QMap<QString, int> collectionsSetAside;
     /** Per collection the occurrences that wait until their series exists on the server. */
     QMap<QString, QList<QPair<QString, QString>>> calendarExceptionsForLater;
     /** Those that have waited once: a series that the server does not take must not be tried for ever. */
@@ -26,6 +32,12 @@ struct SyncState
 
     /** Takes a collection off the lists of what is still to be done. */
     void collectionSynced(const QString &serverId);
+
+    /** Takes a collection off all lists. */
+    void leaveOut(const QString &serverId);
+    void setAside(const QString &serverId, int status);
+    /** Puts what was set aside back to be synchronised; the status of one of them, 0 if there are none. */
+    int takeSetAside();
 
     /** Status 15: the server wants fewer collections, so the next Sync carries one. */
     void processSyncRequestInvalidSyncError();

@@ -8,6 +8,11 @@ using namespace StatusScene;
 
 namespace {
 
+int collectionsOf(const Simulator::RecordedRequest &sync)
+{
+    return sync.document.all(QStringLiteral("Collections/Collection")).size();
+}
+
 /** Makes a collection of a reply say that there is more; with a serial number under a key of its own. */
 void announceMore(WbxmlNode &collection, int serial)
 {
@@ -44,6 +49,9 @@ private Q_SLOTS:
     void aServerThatOnlySaysMoreIsLeft_data();
     void aServerThatOnlySaysMoreIsLeft();
     void anEmptyReplyToTheFirstSyncIsCounted();
+    void anEmptyReplyToTheFirstSyncIsAskedAgain();
+    void aFolderThatIsNeverAnsweredIsLeftOut();
+    void aCollectionWithoutAKeyDoesNotHoldUpTheOthers();
     void anEmptyReplyToALaterSyncMeansNoChange();
     void keysForACollectionNobodyAskedForAreCounted();
     void aCollectionThatGoesWhileItIsRepeatedDoesNotStopTheOthers();
@@ -298,7 +306,69 @@ void CollectionStatusTest::anEmptyReplyToTheFirstSyncIsCounted()
     bed.mailbox().deliver(bed.mailbox().inboxId(), SyncTestBed::message(QStringLiteral("one")));
     bed.server().overrideAll(QStringLiteral("Sync"), Override::empty());
     QCOMPARE(bed.sync(), -2);
-    QCOMPARE(count(bed, "Sync"), 6);
+    // Each collection is asked for alone, once.
+    const int collections = collectionsOf(bed.server().requests(QStringLiteral("Sync")).first());
+    QVERIFY(collections > 1);
+    QCOMPARE(count(bed, "Sync"), 6 + collections);
+    QVERIFY(nextSyncRepairs(bed));
+}
+
+void CollectionStatusTest::anEmptyReplyToTheFirstSyncIsAskedAgain()
+{
+    SyncTestBed bed;
+    bed.mailbox().deliver(bed.mailbox().inboxId(), SyncTestBed::message(QStringLiteral("one")));
+    bed.server().overrideNext(QStringLiteral("Sync"), Override::empty());
+    QCOMPARE(bed.sync(), 0);
+    QCOMPARE(bed.deviceState(), bed.serverState());
+    QCOMPARE(bed.deviceState().size(), 1);
+}
+
+void CollectionStatusTest::aFolderThatIsNeverAnsweredIsLeftOut()
+{
+    SyncTestBed bed;
+    QVERIFY(missesOneMessage(bed));
+    const QString silent = bed.mailbox().addFolder(QStringLiteral("Silent"));
+    const QString other = bed.mailbox().addFolder(QStringLiteral("Other"));
+    bed.mailbox().deliver(other, SyncTestBed::message(QStringLiteral("there")));
+    bed.server().overrideAll(QStringLiteral("Sync"), Override::edited([silent](WbxmlNode &reply) {
+        WbxmlNode *collections = reply.find(QStringLiteral("Collections"));
+        if (!collections)
+            return;
+        for (const WbxmlNode &collection : collections->children()) {
+            if (collection.text(QStringLiteral("CollectionId")) == silent) {
+                collections->children().clear();
+                return;
+            }
+        }
+    }));
+    {
+        const LogCollector log;
+        QCOMPARE(bed.sync(), 0);
+        QVERIFY2(log.contains(QtWarningMsg,
+                     { QStringLiteral("no answer about collection, leaving it out:"), silent,
+                         QStringLiteral("Silent") }),
+            qPrintable(log.texts().join(QLatin1Char('\n'))));
+        QCOMPARE(log.count(QStringLiteral("leaving it out:")), 1);
+    }
+    QVERIFY(bed.deviceState().contains(QStringLiteral("Other|there|unread")));
+    QVERIFY(bed.deviceState().contains(QStringLiteral("Inbox|new|unread")));
+    QVERIFY(nextSyncRepairs(bed));
+}
+
+void CollectionStatusTest::aCollectionWithoutAKeyDoesNotHoldUpTheOthers()
+{
+    SyncTestBed bed;
+    QVERIFY(missesOneMessage(bed));
+    const QString broken = bed.mailbox().addFolder(QStringLiteral("Broken"));
+    bed.server().overrideAll(QStringLiteral("Sync"), Override::collectionStatus(5, broken));
+    {
+        const LogCollector log;
+        QCOMPARE(bed.sync(), 5);
+        QVERIFY(log.contains(QStringLiteral("no more attempts, failing request")));
+    }
+    // Once before the other collections, and five times after them.
+    QCOMPARE(count(bed, "Sync"), 1 + 1 + 5);
+    QVERIFY(bed.deviceState().contains(QStringLiteral("Inbox|new|unread")));
     QVERIFY(nextSyncRepairs(bed));
 }
 
