@@ -112,7 +112,13 @@ bool SyncCommand::parseReply(QNetworkReply *, const QByteArray &body)
     qCDebug(eas()) << "Successfully parsed sync command response!";
     setStatus(int(parser.status()));
     qCDebug(eas()) << "status:" << parser.status() << "limit:" << parser.limit();
-    mResponseCollections = parser.collections();
+    const QList<SyncCollection> collections = parser.collections();
+    if (collections.size() > mCollections.size()) {
+        qCCritical(eas()) << "Refused a reply with more collections than were asked for:"
+                          << collections.size();
+        return false;
+    }
+    mResponseCollections = collections;
     joinSentCollections();
     return true;
 }

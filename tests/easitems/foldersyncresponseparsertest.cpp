@@ -117,7 +117,7 @@ private Q_SLOTS:
             { node(AirSync::Status, "9"), node(FolderHierarchy::Status, "many"),
                 node(FolderHierarchy::Folder, "x"), node(FolderHierarchy::SyncKey, "k") })));
         QVERIFY(parser.ready());
-        QCOMPARE(parser.status(), 0);
+        QCOMPARE(parser.status(), -2);
         QCOMPARE(parser.syncKey(), QStringLiteral("k"));
         QVERIFY(log.contains(QtWarningMsg, { "Unexpected element, page: ", "0", ", token: ", "14" }));
         QVERIFY(
@@ -126,6 +126,41 @@ private Q_SLOTS:
         QVERIFY(log.contains(QtWarningMsg, { "Cannot convert to int: ", "many" }));
         QVERIFY(log.contains(
             QtWarningMsg, { "Unexpected content: ", "x", ", codePage: ", "7", ", token: ", "6" }));
+    }
+
+    void aReplyHoldsNoMoreFoldersThanAMailbox_data()
+    {
+        QTest::addColumn<int>("folders");
+        QTest::addColumn<bool>("ready");
+        QTest::newRow("as many as there may be") << 10000 << true;
+        QTest::newRow("one more") << 10001 << false;
+    }
+
+    void aReplyHoldsNoMoreFoldersThanAMailbox()
+    {
+        QFETCH(int, folders);
+        QFETCH(bool, ready);
+        QVector<WbxmlNode> changes { node(
+            FolderHierarchy::Update, { node(FolderHierarchy::ServerId, "0") }) };
+        for (int i = 1; i < folders; ++i)
+            changes.append(
+                node(FolderHierarchy::Delete, { node(FolderHierarchy::ServerId, QString::number(i)) }));
+        FolderSyncResponseParser parser;
+        parser.parse(reply(changes));
+        QCOMPARE(parser.ready(), ready);
+        parser.parse(reply({}));
+        QVERIFY(parser.ready());
+    }
+
+    void foreignElementsAreNamedOnceEach()
+    {
+        const LogCollector log;
+        QVector<WbxmlNode> children(1000, node(AirSync::Status, "9"));
+        children.append(QVector<WbxmlNode>(1000, node(FolderHierarchy::Folder, "x")));
+        FolderSyncResponseParser parser;
+        parser.parse(document(node(FolderHierarchy::FolderSync, children)));
+        QVERIFY(parser.ready());
+        QCOMPARE(log.lines().size(), 4);
     }
 
     void aReplyOfAnotherCommandIsNotReady()

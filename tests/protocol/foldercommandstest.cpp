@@ -233,7 +233,7 @@ private Q_SLOTS:
             { node(FolderHierarchy::Status, "one"), node(AirSync::Status, "4"),
                 node(FolderHierarchy::SyncKey, "8") })));
         QVERIFY(parser.ready());
-        QCOMPARE(parser.status(), 0);
+        QCOMPARE(parser.status(), -2);
         QCOMPARE(parser.syncKey(), QStringLiteral("8"));
         QVERIFY(log.contains(QStringLiteral("Cannot convert to int: ")));
         QVERIFY(log.contains(QtWarningMsg,

@@ -167,6 +167,28 @@ private Q_SLOTS:
         QVERIFY(!ParserBase::stringToUint(QStringLiteral("4294967296"), unsignedNumber, 10));
         QCOMPARE(unsignedNumber, 255U);
     }
+
+    void aStatusIsOneOfTheProtocol_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<int>("status");
+        QTest::newRow("the lowest") << "0" << 0;
+        QTest::newRow("success") << "1" << 1;
+        QTest::newRow("the highest") << "999" << 999;
+        QTest::newRow("beyond the protocol") << "1000" << -2;
+        QTest::newRow("a cancelled exchange of the transport") << "10005" << -2;
+        QTest::newRow("an unavailable server of the transport") << "10403" << -2;
+        QTest::newRow("an outcome of the engine") << "-7" << -2;
+        QTest::newRow("the same as an unsigned number") << "4294967292" << -2;
+        QTest::newRow("a word") << "fine" << -2;
+        QTest::newRow("nothing") << "" << -2;
+    }
+
+    void aStatusIsOneOfTheProtocol()
+    {
+        QFETCH(QString, text);
+        QTEST(ParserBase::toStatus(text), "status");
+    }
 };
 
 FENNEL_REGISTER_TEST(ParserBaseTest)

@@ -112,6 +112,18 @@ private Q_SLOTS:
         QCOMPARE(results.last().queryTime(), qint64(0));
     }
 
+    void aReplyWithMoreCollectionsThanWereAskedForIsRefused()
+    {
+        Opened<SyncCommand> command;
+        command.addCollections({ collection("5") });
+        const WbxmlNode answered = node(AirSync::Collection,
+            { node(AirSync::SyncKey, "8"), node(AirSync::CollectionId, "5"), node(AirSync::Status, "1") });
+        QVERIFY(command.read(document(node(AirSync::Sync, { node(AirSync::Collections, { answered }) }))));
+        QVERIFY(!command.read(
+            document(node(AirSync::Sync, { node(AirSync::Collections, { answered, answered }) }))));
+        QVERIFY(command.responseCollections().isEmpty());
+    }
+
     void anEmptyReplyIsASuccessWithoutCollections()
     {
         Opened<SyncCommand> command;

@@ -108,6 +108,17 @@ private Q_SLOTS:
         QVERIFY(log.contains(QtCriticalMsg, { QStringLiteral("Unsupported name type, literal: ") }));
     }
 
+    void manyUnknownTagsAreOneLineOfTheLog()
+    {
+        LogCollector log;
+        Recorder parser;
+        parser.parse(document("45") + QByteArray(1000, '\x3F') + QByteArray(1, '\x01'));
+        QVERIFY(parser.ready());
+        QCOMPARE(log.lines().size(), 1);
+        parser.parse(document("45 3F 01"));
+        QCOMPARE(log.lines().size(), 2);
+    }
+
     void tagsThatTheLibraryLacksArriveAsNumbers()
     {
         LogCollector log;

@@ -24,6 +24,11 @@ public:
 
     bool answer(const QVector<WbxmlNode> &collections)
     {
+        // One that was asked for is as good as another: only their number counts.
+        QList<SyncCollection> sent;
+        for (int i = 0; i < collections.size(); ++i)
+            sent.append(SyncCollection());
+        addCollections(sent);
         return parseReply(
             nullptr, document(node(AirSync::Sync, { node(AirSync::Collections, collections) })));
     }

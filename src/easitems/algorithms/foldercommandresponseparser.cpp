@@ -33,7 +33,8 @@ void FolderCommandResponseParser::onStartElement(uint codePage, uint token)
     if (key(codePage, token) == mRoot.key())
         mPosition = Position::InRoot;
     else if (mPosition != Position::InRoot || codePage != mRoot.page)
-        qCWarning(eas()) << "Unexpected element, page: " << codePage << ", token: " << token;
+        if (isFirst("element", codePage, token))
+            qCWarning(eas()) << "Unexpected element, page: " << codePage << ", token: " << token;
 }
 
 void FolderCommandResponseParser::onEndElement(uint codePage, uint token)
@@ -48,8 +49,7 @@ void FolderCommandResponseParser::onContent(
 {
     switch (key(codePage, token)) {
     case FolderHierarchy::Status:
-        if (!stringToInt(text, mStatus))
-            qCWarning(eas()) << "Cannot convert to int: " << text;
+        mStatus = toStatus(text);
         break;
     case FolderHierarchy::SyncKey:
         mSyncKey = text;
@@ -58,7 +58,8 @@ void FolderCommandResponseParser::onContent(
         mServerId = text;
         break;
     default:
-        qCWarning(eas()) << "Unexpected content: " << text << ", codePage: " << codePage
-                         << ", token: " << token;
+        if (isFirst("content", codePage, token))
+            qCWarning(eas()) << "Unexpected content: " << text << ", codePage: " << codePage
+                             << ", token: " << token;
     }
 }

@@ -21,6 +21,7 @@ bool FolderSyncResponseParser::ready() const
 void FolderSyncResponseParser::parse(const QByteArray &data)
 {
     mStatus = 0;
+    mItems = 0;
     mSyncKey.clear();
     mItem.clear();
     mAddedItems.clear();
@@ -34,7 +35,8 @@ void FolderSyncResponseParser::onStartElement(uint codePage, uint token)
 {
     WbxmlParserBase::onStartElement(codePage, token);
     if (codePage != FolderHierarchy::FolderSync.page) {
-        qCWarning(eas()) << "Unexpected element, page: " << codePage << ", token: " << token;
+        if (isFirst("element", codePage, token))
+            qCWarning(eas()) << "Unexpected element, page: " << codePage << ", token: " << token;
         return;
     }
     start(key(codePage, token));
@@ -73,7 +75,8 @@ void FolderSyncResponseParser::onEndElement(uint codePage, uint token)
 {
     WbxmlParserBase::onEndElement(codePage, token);
     if (codePage != FolderHierarchy::FolderSync.page) {
-        qCWarning(eas()) << "Unhandled end element, page: " << codePage << ", token: " << token;
+        if (isFirst("end", codePage, token))
+            qCWarning(eas()) << "Unhandled end element, page: " << codePage << ", token: " << token;
         return;
     }
     end(key(codePage, token));
@@ -107,6 +110,8 @@ void FolderSyncResponseParser::end(uint tag)
 
 void FolderSyncResponseParser::endItem()
 {
+    if (++mItems > MaxItems)
+        refuse("more changes of folders than a mailbox has");
     mItem.clear();
     mPosition = InChanges;
 }
@@ -114,7 +119,9 @@ void FolderSyncResponseParser::endItem()
 void FolderSyncResponseParser::onContent(uint codePage, uint token, const QString &text, const QByteArray &)
 {
     if (codePage != FolderHierarchy::FolderSync.page) {
-        qCWarning(eas()) << "Unexpected page: " << codePage << ", token: " << token << ", content: " << text;
+        if (isFirst("page", codePage, token))
+            qCWarning(eas()) << "Unexpected page: " << codePage << ", token: " << token
+                             << ", content: " << text;
         return;
     }
     switch (const uint tag = key(codePage, token)) {
@@ -134,9 +141,7 @@ void FolderSyncResponseParser::onContent(uint codePage, uint token, const QStrin
         typeContent(text);
         break;
     case FolderHierarchy::Status:
-        if (!stringToInt(text, mStatus)) {
-            qCWarning(eas()) << "Cannot convert to int: " << text;
-        }
+        mStatus = toStatus(text);
         break;
     case FolderHierarchy::SyncKey:
         mSyncKey = text;
@@ -144,8 +149,9 @@ void FolderSyncResponseParser::onContent(uint codePage, uint token, const QStrin
     case FolderHierarchy::Count:
         break;
     default:
-        qCWarning(eas()) << "Unexpected content: " << text << ", codePage: " << codePage
-                         << ", token: " << token;
+        if (isFirst("content", codePage, token))
+            qCWarning(eas()) << "Unexpected content: " << text << ", codePage: " << codePage
+                             << ", token: " << token;
     }
 }
 

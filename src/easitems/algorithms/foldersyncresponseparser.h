@@ -13,6 +13,9 @@ class FolderSyncResponseParser : public WbxmlParserBase
     Q_OBJECT
 
 public:
+    /** Changes of folders in one reply; no mailbox has more. */
+    static constexpr int MaxItems = 10000;
+
     explicit FolderSyncResponseParser(QObject *parent = nullptr);
 
     bool ready() const override;
@@ -43,6 +46,7 @@ private:
 
     Position mPosition = BeforeRoot;
     int mStatus = 0;
+    int mItems = 0;
     QString mSyncKey;
     EasFolderItem mItem;
     QList<EasFolderItem> mAddedItems;

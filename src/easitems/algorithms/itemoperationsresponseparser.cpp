@@ -213,18 +213,15 @@ void ItemOperationsResponseParser::fetchContent(uint tag, const QString &text)
         mFetchItem.setLinkId(text);
         break;
     default:
-        qCWarning(eas()) << "Unexpected content: " << text << ", codePage: " << tag / 256
-                         << ", token: " << tag % 256;
+        if (isFirst("content", tag / 256, tag % 256))
+            qCWarning(eas()) << "Unexpected content: " << text << ", codePage: " << tag / 256
+                             << ", token: " << tag % 256;
     }
 }
 
 void ItemOperationsResponseParser::setStatus(const QString &text)
 {
-    int status = 0;
-    if (!stringToInt(text, status)) {
-        qCWarning(eas()) << "Cannot convert to int: " << text;
-        return;
-    }
+    const int status = toStatus(text);
     switch (mOperation) {
     case InFetch:
         mFetchItem.setStatus(status);

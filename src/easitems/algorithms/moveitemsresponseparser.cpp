@@ -98,8 +98,9 @@ void MoveItemsResponseParser::onContent(uint codePage, uint token, const QString
         statusContent(text);
         break;
     default:
-        qCWarning(eas()) << "Unexpected content: " << text << ", codePage: " << codePage
-                         << ", token: " << token;
+        if (isFirst("content", codePage, token))
+            qCWarning(eas()) << "Unexpected content: " << text << ", codePage: " << codePage
+                             << ", token: " << token;
     }
 }
 
@@ -113,12 +114,9 @@ bool MoveItemsResponseParser::inResponse() const
 
 void MoveItemsResponseParser::statusContent(const QString &text)
 {
-    int status = 0;
-    if (!stringToInt(text, status)) {
-        qCWarning(eas()) << "No conversion to int: " << text;
-    } else if (mState == InResponse) {
+    const int status = toStatus(text, "No conversion to int: ");
+    if (mState == InResponse)
         mResponse.setStatus(status);
-    } else {
+    else
         mStatus = status;
-    }
 }

@@ -46,7 +46,8 @@ void SyncResponseParser::onStartElement(uint codePage, uint token)
         // This is how a server answers a Sync that it cannot read.
         mParsePhase = SyncLevel;
     } else {
-        qCWarning(eas()) << "Unexpected element, page: " << codePage << ", token: " << token;
+        if (isFirst("element", codePage, token))
+            qCWarning(eas()) << "Unexpected element, page: " << codePage << ", token: " << token;
     }
 }
 
@@ -114,7 +115,8 @@ void SyncResponseParser::onEndElement(uint codePage, uint token)
     } else if (isRootStatus(codePage, token)) {
         mParsePhase = Done;
     } else {
-        qCWarning(eas()) << "Unhandled end element, page: " << codePage << ", token: " << token;
+        if (isFirst("end", codePage, token))
+            qCWarning(eas()) << "Unhandled end element, page: " << codePage << ", token: " << token;
     }
     WbxmlParserBase::onEndElement(codePage, token);
 }
@@ -191,7 +193,9 @@ void SyncResponseParser::onContent(uint codePage, uint token, const QString &tex
     } else if (isRootStatus(codePage, token)) {
         statusContent(text);
     } else {
-        qCWarning(eas()) << "Unexpected page: " << codePage << ", token: " << token << ", content: " << text;
+        if (isFirst("page", codePage, token))
+            qCWarning(eas()) << "Unexpected page: " << codePage << ", token: " << token
+                             << ", content: " << text;
     }
 }
 
@@ -227,8 +231,9 @@ void SyncResponseParser::airSyncContent(uint token, const QString &text)
         limitContent(text);
         break;
     default:
-        qCWarning(eas()) << "Unexpected content: " << text << ", codePage: " << AirSync::Sync.page
-                         << ", token: " << token;
+        if (isFirst("content", AirSync::Sync.page, token))
+            qCWarning(eas()) << "Unexpected content: " << text << ", codePage: " << AirSync::Sync.page
+                             << ", token: " << token;
     }
 }
 
@@ -247,11 +252,7 @@ void SyncResponseParser::serverIdContent(const QString &serverId)
 
 void SyncResponseParser::statusContent(const QString &text)
 {
-    uint status = 0;
-    if (!stringToUint(text, status)) {
-        qCWarning(eas()) << "Cannot convert to uint: " << text;
-        return;
-    }
+    const auto status = static_cast<uint>(toStatus(text, "Cannot convert to uint: "));
     if (mParsePhase == InCollection) {
         mCurrentCollection.setStatus(status);
     } else if (mParsePhase == SyncLevel) {

@@ -2,6 +2,7 @@
 #include "protocol/wbxml/parserbase.h"
 
 #include "application/base/logging.h"
+#include "common/easrequeststatus.h"
 
 ParserBase::ParserBase(QObject *parent)
     : QObject(parent)
@@ -12,12 +13,14 @@ ParserBase::~ParserBase() = default;
 
 bool ParserBase::ready() const
 {
-    return mState == Finished;
+    return mState == Finished && !mRefused;
 }
 
 void ParserBase::parse(const QByteArray &data)
 {
     mElementStack.clear();
+    mMentioned.clear();
+    mRefused = false;
     mState = NotStarted; // a parser that is used again must not show its last result
     if (!data.isEmpty())
         return;
@@ -111,4 +114,31 @@ bool ParserBase::stringToUint(const QString &text, uint &value, int base)
     if (converted)
         value = number;
     return converted;
+}
+
+int ParserBase::toStatus(const QString &text, const char *failure)
+{
+    constexpr int Highest = 999;
+    int status = 0;
+    if (stringToInt(text, status) && status >= 0 && status <= Highest)
+        return status;
+    qCWarning(eas()) << failure << text;
+    return EasRequestStatus::RequestStatusInternalError;
+}
+
+bool ParserBase::isFirst(const char *what, uint codePage, uint token)
+{
+    constexpr uint TokensOfAPage = 256;
+    const auto subject = qMakePair(what, codePage * TokensOfAPage + token);
+    if (mMentioned.contains(subject))
+        return false;
+    mMentioned.insert(subject);
+    return true;
+}
+
+void ParserBase::refuse(const char *reason)
+{
+    if (!mRefused)
+        qCCritical(eas()) << "Refused a reply:" << reason;
+    mRefused = true;
 }

@@ -3,6 +3,8 @@
 
 #include <QByteArray>
 #include <QObject>
+#include <QPair>
+#include <QSet>
 #include <QString>
 #include <QVector>
 
@@ -45,12 +47,25 @@ public:
     /** Both write the value only if the text is a number. */
     static bool stringToInt(const QString &text, int &value, int base = 10);
     static bool stringToUint(const QString &text, uint &value, int base = 10);
+    /** A status of a body: 0 to 999 as the server sent it. Anything else, logged, is an internal error: the
+     * numbers beyond are the engine's own and those of the transport. */
+    static int toStatus(const QString &text, const char *failure = "Cannot convert to int: ");
 
 protected:
+    /** Whether this is the first time in the document that something (a literal) is to be said of a tag; a
+     * large reply of foreign elements must not fill the log. */
+    bool isFirst(const char *what, uint codePage, uint token);
+    /** Stops a document that passes the bounds of its kind: ready() stays false. */
+    void refuse(const char *reason);
+
     enum State : qint32 { NotStarted = 0, TopLevel = 1, InElement = 2, Failed = 3, Finished = 4 };
 
     State mState = NotStarted;
     QVector<TokenId> mElementStack;
+
+private:
+    QSet<QPair<const char *, uint>> mMentioned;
+    bool mRefused = false;
 };
 
 Q_DECLARE_TYPEINFO(ParserBase::TokenId, Q_PRIMITIVE_TYPE);

@@ -23,14 +23,14 @@ struct WbxmlParserCallbacks
     static void startElement(void *context, WBXMLTag *tag, WBXMLAttribute **)
     {
         parser(context)->flushCharacters();
-        if (isToken(tag))
+        if (isToken(context, tag))
             parser(context)->onStartElement(tag->u.token->wbxmlCodePage, tag->u.token->wbxmlToken);
     }
 
     static void endElement(void *context, WBXMLTag *tag)
     {
         parser(context)->flushCharacters();
-        if (isToken(tag))
+        if (isToken(context, tag))
             parser(context)->onEndElement(tag->u.token->wbxmlCodePage, tag->u.token->wbxmlToken);
     }
 
@@ -46,11 +46,12 @@ struct WbxmlParserCallbacks
             QString::fromUtf8(reinterpret_cast<const char *>(data)));
     }
 
-    static bool isToken(const WBXMLTag *tag)
+    static bool isToken(void *context, const WBXMLTag *tag)
     {
         if (tag->type == WBXML_VALUE_TOKEN)
             return true;
-        qCCritical(eas()) << "Unsupported name type, literal: " << static_cast<int>(tag->type);
+        if (parser(context)->isFirst("literal", 0, 0))
+            qCCritical(eas()) << "Unsupported name type, literal: " << static_cast<int>(tag->type);
         return false;
     }
 };

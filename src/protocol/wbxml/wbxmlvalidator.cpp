@@ -102,6 +102,8 @@ bool WbxmlValidator::checkStringTable(quint32 length)
 {
     if (length > static_cast<quint32>(mData.size() - mPosition))
         return refuse("string table longer than the document", mPosition);
+    if (length > MaxTableLength)
+        return refuse("string table too long", mPosition);
     mTableOffset = mPosition;
     mTableLength = static_cast<int>(length);
     mPosition += mTableLength;

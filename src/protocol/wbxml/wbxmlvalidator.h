@@ -12,13 +12,15 @@
  * not allow. One pass, linear in the size of the document, refuses all that: other versions and charsets,
  * open or surplus elements, deep nesting, lengths and table references out of bounds, entities, attributes,
  * processing instructions, extension tokens and text that is not UTF-8. Tags that nobody knows pass. A string
- * table may not blow a small document up.
+ * table is short, and may not blow a small document up.
  */
 class WbxmlValidator
 {
 public:
     static constexpr int MaxDepth = 64;
     static constexpr int MaxElements = 512 * 1024;
+    /** Bytes; the servers of the protocol send none, so that a large one is no reply of theirs. */
+    static constexpr int MaxTableLength = 4096;
     /** How often the text taken from the string table may exceed the size of the document. */
     static constexpr int MaxExpansion = 8;
 
