@@ -1,17 +1,40 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "protocol/baseprotocolcommand.h"
 
+#include "application/account/easaccount.h"
+#include "application/base/engine.h"
 #include "application/base/logging.h"
-#include "application/networkmanager.h"
-#include "application/requestmanager.h"
+#include "application/base/network.h"
+#include "common/easrequeststatus.h"
+#include "configurations/connectionaccountconfiguration.h"
 #include "protocol/base/protocolutils.h"
+#include "protocol/exchangelog.h"
+#include "protocol/replyheaders.h"
+#include "protocol/requestheaders.h"
+#include "protocol/serverlocation.h"
+#include "protocol/tlssettings.h"
 #include "protocol/wbxml/debugtools.h"
 #include "requests/request.h"
 
 #include <QBuffer>
 #include <QNetworkRequest>
+#include <QUrl>
+#include <QUrlQuery>
 
 #include <memory>
+
+namespace {
+
+/** Not in QNetworkReply's enumeration; some versions of Qt pass the HTTP status on. */
+constexpr int RedirectError = 451;
+
+void addItem(QUrlQuery &query, const QString &name, const QString &value)
+{
+    // QUrlQuery leaves "+" and "%" as they are, which a server reads as something else.
+    query.addQueryItem(name, QString::fromLatin1(QUrl::toPercentEncoding(value)));
+}
+
+} // namespace
 
 BaseProtocolCommand::BaseProtocolCommand(EasAccountId accountId, QObject *parent)
     : QObject(parent)
@@ -26,34 +49,9 @@ BaseProtocolCommand::~BaseProtocolCommand()
     dropReply();
 }
 
-EasAccountId BaseProtocolCommand::accountId() const
-{
-    return mAccountId;
-}
-
 EasAccount *BaseProtocolCommand::account() const
 {
-    return RequestManager::instance()->account(mAccountId);
-}
-
-int BaseProtocolCommand::status() const
-{
-    return mStatus;
-}
-
-void BaseProtocolCommand::setStatus(int status)
-{
-    mStatus = status;
-}
-
-qint64 BaseProtocolCommand::bytesReceived() const
-{
-    return mBytesReceived;
-}
-
-qint64 BaseProtocolCommand::bytesTotal() const
-{
-    return mBytesTotal;
+    return Engine::accountOf(this, mAccountId);
 }
 
 Request *BaseProtocolCommand::parentRequest() const
@@ -61,26 +59,9 @@ Request *BaseProtocolCommand::parentRequest() const
     return qobject_cast<Request *>(parent());
 }
 
-QString BaseProtocolCommand::commandName() const
-{
-    return {};
-}
-
 BaseProtocolCommand::ExchangeTexts BaseProtocolCommand::texts() const
 {
     return { "Sending command via POST:", "Received command reply:", nullptr };
-}
-
-bool BaseProtocolCommand::encodeBody(EasAccount &, QByteArray *)
-{
-    return true;
-}
-
-void BaseProtocolCommand::prepareRequest(QNetworkRequest &) {}
-
-bool BaseProtocolCommand::parseReply(QNetworkReply *, const QByteArray &)
-{
-    return true;
 }
 
 void BaseProtocolCommand::logBody(const QByteArray &body) const
@@ -91,7 +72,65 @@ void BaseProtocolCommand::logBody(const QByteArray &body) const
             body);
 }
 
-void BaseProtocolCommand::configureCommandSpecificQueryValues(QUrlQuery &) {}
+// The request
+
+bool BaseProtocolCommand::configureNetworkRequest(QNetworkRequest &request, const QString &command)
+{
+    const EasAccount *const commandAccount = account();
+    if (!commandAccount) {
+        qCCritical(eas()) << "No account";
+        return false;
+    }
+    const auto configuration = commandAccount->connectionConfiguration();
+    if (!configuration) {
+        qCCritical(eas()) << "No connection config";
+        return false;
+    }
+    if (command.isEmpty()) {
+        qCCritical(eas()) << "command is empty";
+        return false;
+    }
+    QUrlQuery query;
+    queryAddCommand(query, command);
+    queryAddUser(query, commandAccount->userName());
+    queryAddDeviceId(query, commandAccount->deviceId());
+    queryAddDeviceType(query, commandAccount->deviceType());
+    configureCommandSpecificQueryValues(query);
+
+    QUrl url = RequestHeaders::serverUrl(*configuration);
+    url.setQuery(query);
+    qCDebug(eas()) << "AS Command URL: " << url;
+    if (!TlsSettings::apply(request, *commandAccount))
+        return false;
+    request.setUrl(url);
+    return RequestHeaders::setCommon(request, *commandAccount, *configuration);
+}
+
+void BaseProtocolCommand::queryAddCommand(QUrlQuery &query, const QString &command) const
+{
+    addItem(query, QStringLiteral("Cmd"), command);
+}
+
+void BaseProtocolCommand::queryAddUser(QUrlQuery &query, const QString &userName) const
+{
+    addItem(query, QStringLiteral("User"), userName);
+}
+
+void BaseProtocolCommand::queryAddDeviceId(QUrlQuery &query, const QString &deviceId) const
+{
+    addItem(query, QStringLiteral("DeviceId"), deviceId);
+}
+
+void BaseProtocolCommand::queryAddDeviceType(QUrlQuery &query, const QString &deviceType) const
+{
+    addItem(query, QStringLiteral("DeviceType"), deviceType);
+}
+
+bool BaseProtocolCommand::getSslCredentials(
+    const QString &path, const QString &password, QSslCertificate *certificate, QSslKey *key) const
+{
+    return TlsSettings::readCredentials(path, password, certificate, key);
+}
 
 bool BaseProtocolCommand::begin()
 {
@@ -177,13 +216,20 @@ void BaseProtocolCommand::dropReply()
     mReply.clear();
 }
 
+Network *BaseProtocolCommand::network() const
+{
+    Engine *const engine = Engine::of(this);
+    return engine ? engine->networkManager() : nullptr;
+}
+
 bool BaseProtocolCommand::post(const QNetworkRequest &request, const QByteArray &body)
 {
     if (mReply) {
         qCWarning(eas()) << "Already active";
         return false;
     }
-    return takeReply(RequestManager::instance()->networkManager()->post(mAccountId, request, body));
+    Network *const access = network();
+    return takeReply(access ? access->post(mAccountId, request, body) : nullptr);
 }
 
 bool BaseProtocolCommand::sendCustomRequest(
@@ -196,8 +242,8 @@ bool BaseProtocolCommand::sendCustomRequest(
     auto buffer = std::make_unique<QBuffer>();
     buffer->setData(body);
     buffer->open(QIODevice::ReadOnly);
-    NetworkManager *const network = RequestManager::instance()->networkManager();
-    if (!takeReply(network->sendCustomRequest(mAccountId, request, verb, buffer.get())))
+    Network *const access = network();
+    if (!takeReply(access ? access->sendCustomRequest(mAccountId, request, verb, buffer.get()) : nullptr))
         return false;
     buffer.release()->setParent(mReply);
     return true;
@@ -226,4 +272,134 @@ bool BaseProtocolCommand::connectReply() const
     connect(mReply, &QNetworkReply::sslErrors, this, &BaseProtocolCommand::onSslErrors);
     connect(mReply, &QObject::destroyed, this, &BaseProtocolCommand::onReplyDestroyed);
     return true;
+}
+
+// The reply
+
+void BaseProtocolCommand::onReplyDownloadProgress(qint64 bytesReceived, qint64 bytesTotal)
+{
+    mBytesReceived = bytesReceived;
+    mBytesTotal = bytesTotal;
+    if (bytesReceived > maximumReplySize()) {
+        // A body without an end would otherwise fill the memory before anything noticed.
+        qCCritical(easNetwork()) << "Reply is too large, giving it up after" << bytesReceived << "bytes";
+        mStatus = EasRequestStatus::RequestStatusInternalError;
+        return end(false);
+    }
+    handleDownloadProgress(bytesReceived, bytesTotal);
+}
+
+void BaseProtocolCommand::handleDownloadProgress(qint64 bytesReceived, qint64 bytesTotal)
+{
+    qCDebug(eas()) << "progress" << bytesReceived << "/" << bytesTotal;
+}
+
+void BaseProtocolCommand::onReplyFinished()
+{
+    if (!mReply) {
+        qCCritical(eas()) << "No reply";
+        return;
+    }
+    if (mReply->error() != QNetworkReply::NoError)
+        mStatus = ProtocolUtils::TransportStatusBase + mReply->error();
+    else if (!ReplyHeaders::isAnswer(*mReply))
+        return handleError(QNetworkReply::UnknownContentError);
+    handleFinished(mReply);
+}
+
+void BaseProtocolCommand::handleFinished(QNetworkReply *reply)
+{
+    qCDebug(eas()) << "accountId:" << ProtocolUtils::accountId(reply);
+    const QByteArray body = reply->readAll();
+    qCDebug(easNetwork()) << "=========================";
+    qCDebug(easNetwork()) << texts().received;
+    qCDebug(easNetwork()) << "Network error: " << reply->error();
+    ExchangeLog::headers(*reply, account());
+    qCDebug(easNetwork()) << "Length: " << body.size();
+    if (reply->error() != QNetworkReply::NoError) {
+        if (texts().replyError)
+            qCWarning(eas()) << texts().replyError;
+        mStatus = ProtocolUtils::TransportStatusBase + reply->error();
+        end(false);
+        return;
+    }
+    logBody(body);
+    qCDebug(easNetwork()) << "=========================";
+    const bool parsed = parseReply(reply, body);
+    if (!parsed)
+        mStatus = EasRequestStatus::RequestStatusInternalError;
+    end(parsed);
+}
+
+void BaseProtocolCommand::onReplyError(QNetworkReply::NetworkError networkError)
+{
+    qCDebug(eas()) << "networkError" << networkError;
+    if (mReply && mReply->isOpen()) {
+        ExchangeLog::headers(*mReply, account());
+        qCDebug(easNetwork()) << "Body: " << ExchangeLog::withoutCredentials(mReply->readAll(), account());
+    }
+    const bool redirected =
+        networkError == QNetworkReply::UnknownContentError || static_cast<int>(networkError) == RedirectError;
+    if (!redirected || !redirect())
+        handleError(networkError);
+}
+
+bool BaseProtocolCommand::redirect()
+{
+    qCDebug(eas()) << "We should redirect our requests to a different URL";
+    const QByteArray location =
+        mReply ? ReplyHeaders::value(*mReply, ProtocolUtils::HeaderXMSLocation) : QByteArray();
+    if (location.isEmpty())
+        return false;
+    EasAccount *const redirectedAccount = account();
+    if (!redirectedAccount) {
+        qCCritical(eas()) << "No account";
+        return false;
+    }
+    const auto configuration = redirectedAccount->connectionConfiguration();
+    if (!configuration) {
+        qCCritical(eas()) << "No connection config";
+        return false;
+    }
+    qCDebug(eas()) << "we have a correct header" << ExchangeLog::withoutCredentials(location, account());
+    if (!ServerLocation(location).apply(*configuration))
+        return false;
+    dropReply();
+    mRedirectTimer.start(0);
+    return true;
+}
+
+void BaseProtocolCommand::onReplyDestroyed()
+{
+    // A lost network takes its connections with it, and their replies without a word.
+    handleError(QNetworkReply::NetworkSessionFailedError);
+}
+
+void BaseProtocolCommand::handleError(QNetworkReply::NetworkError networkError)
+{
+    qCWarning(eas()) << "handleError: Network error:" << networkError;
+    mStatus = ProtocolUtils::TransportStatusBase + networkError;
+    end(false);
+}
+
+void BaseProtocolCommand::onSslErrors(const QList<QSslError> &errors)
+{
+    qCDebug(eas()) << "Received SSL errors:" << TlsSettings::errorTexts(errors);
+    handleSslErrors(errors);
+}
+
+void BaseProtocolCommand::handleSslErrors(const QList<QSslError> &errors)
+{
+    const EasAccount *const sslAccount = account();
+    const auto configuration = sslAccount ? sslAccount->connectionConfiguration() : nullptr;
+    if (!sslAccount)
+        qCCritical(eas()) << "No account";
+    else if (!configuration)
+        qCCritical(eas()) << "No connection config";
+    else if (!configuration->acceptAllCertificates())
+        qCWarning(eas()) << "SSL errors:" << TlsSettings::errorTexts(errors);
+    else if (!mReply)
+        qCWarning(eas()) << "Reply is null";
+    else
+        mReply->ignoreSslErrors(errors);
 }

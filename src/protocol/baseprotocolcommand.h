@@ -8,10 +8,9 @@
 #include <QPointer>
 #include <QSslError>
 #include <QTimer>
-#include <QUrl>
 
-class ConnectionAccountConfiguration;
 class EasAccount;
+class Network;
 class QNetworkRequest;
 class QSslCertificate;
 class QSslKey;
@@ -57,14 +56,14 @@ public:
     virtual void stop();
     /** Drops the reply and calls start() again. */
     virtual void retryCommand();
-    virtual EasAccountId accountId() const;
+    virtual EasAccountId accountId() const { return mAccountId; }
     /** May be null: accounts vanish while commands run. */
     virtual EasAccount *account() const;
 
-    int status() const;
+    int status() const { return mStatus; }
     /** -1 while unknown, both. */
-    qint64 bytesReceived() const;
-    qint64 bytesTotal() const;
+    qint64 bytesReceived() const { return mBytesReceived; }
+    qint64 bytesTotal() const { return mBytesTotal; }
     /** The parent, if it is a request. */
     Request *parentRequest() const;
 
@@ -73,11 +72,6 @@ Q_SIGNALS:
     void finished(bool success);
 
 protected:
-    /** No reply of a mailbox is larger; bytes. */
-    static constexpr qint64 MaximumReplySize = 256 * 1024 * 1024;
-    /** What is read from headers goes into account records. */
-    static constexpr int MaximumHeaderSize = 4096;
-
     /** The lines that name a command in the log. */
     struct ExchangeTexts
     {
@@ -89,16 +83,19 @@ protected:
         const char *replyError;
     };
 
-    virtual QString commandName() const;
+    virtual QString commandName() const { return {}; }
     virtual ExchangeTexts texts() const;
     /** Appends to an empty body; false, after it logged the reason, if there is nothing to send. */
-    virtual bool encodeBody(EasAccount &account, QByteArray *body);
-    virtual void prepareRequest(QNetworkRequest &request);
-    virtual bool parseReply(QNetworkReply *reply, const QByteArray &body);
+    virtual bool encodeBody(EasAccount &, QByteArray *) { return true; }
+    virtual void prepareRequest(QNetworkRequest &) {}
+    virtual bool parseReply(QNetworkReply *, const QByteArray &) { return true; }
     /** Dumps a body, as WBXML here, in the wire category. Called for sent and received bodies. */
     virtual void logBody(const QByteArray &body) const;
 
-    virtual void configureCommandSpecificQueryValues(QUrlQuery &query);
+    /** A reply that grows larger is given up, because it may be without an end; bytes. */
+    virtual qint64 maximumReplySize() const { return 64 * 1024 * 1024; }
+
+    virtual void configureCommandSpecificQueryValues(QUrlQuery &) {}
     virtual bool post(const QNetworkRequest &request, const QByteArray &body);
     virtual bool sendCustomRequest(
         const QNetworkRequest &request, const QByteArray &verb, const QByteArray &body);
@@ -111,30 +108,11 @@ protected:
     bool begin();
     /** Lets the reply go and emits finished(), once a run. */
     void end(bool success);
-    void setStatus(int status);
+    void setStatus(int status) { mStatus = status; }
     bool configureNetworkRequest(QNetworkRequest &request, const QString &command);
-    /** Certificate checks off and client certificate on, as the account's settings say. */
-    bool configureSsl(QNetworkRequest &request, const EasAccount &account) const;
     bool getSslCredentials(
         const QString &path, const QString &password, QSslCertificate *certificate, QSslKey *key) const;
     bool connectReply() const;
-    /** Scheme, host, port and path, without a query. */
-    static QUrl serverUrl(const ConnectionAccountConfiguration &configuration);
-    /** Sets a header, unless its value could break out of its line. */
-    static bool setHeader(QNetworkRequest &request, const char *name, const QByteArray &value);
-    /** The cookie of the basic authentication, if there is one. */
-    static void setAuthorization(QNetworkRequest &request, const EasAccount &account);
-    /** A header's value; empty if there is none, or one that is longer than any that is meant. */
-    static QByteArray headerOf(const QNetworkReply &reply, const char *name);
-    /** The protocol versions that a server says it knows, as they came. */
-    static QString versionsOf(const QNetworkReply &reply);
-    /** The commands that a server says it supports. */
-    static QStringList supportedCommandsOf(const QNetworkReply &reply);
-    /** "Headers: " and the header pairs of a reply, cookies without their values. */
-    void logHeaders(const QNetworkReply &reply) const;
-    /** For the log: what a server sent, without the credentials that it may have repeated. */
-    QByteArray withoutCredentials(const QByteArray &text) const;
-
     void queryAddUser(QUrlQuery &query, const QString &userName) const;
     void queryAddCommand(QUrlQuery &query, const QString &command) const;
     void queryAddDeviceId(QUrlQuery &query, const QString &deviceId) const;
@@ -148,8 +126,7 @@ private Q_SLOTS:
     void onSslErrors(const QList<QSslError> &errors);
 
 private:
-    static bool setCommonHeaders(QNetworkRequest &request, const EasAccount &account,
-        const ConnectionAccountConfiguration &configuration);
+    Network *network() const;
     bool redirect();
     void dropReply();
     bool takeReply(QNetworkReply *reply);

@@ -60,6 +60,8 @@ protected:
     bool encodeBody(EasAccount &account, QByteArray *body) override;
     void logBody(const QByteArray &body) const override;
     bool parseReply(QNetworkReply *reply, const QByteArray &body) override;
+    /** The files of a mailbox are larger than what else a server says. */
+    qint64 maximumReplySize() const override { return 256 * 1024 * 1024; }
     void handleDownloadProgress(qint64 bytesReceived, qint64 bytesTotal) override;
 
     bool processSingleResponse(const QByteArray &data);

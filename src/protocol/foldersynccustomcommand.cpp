@@ -3,6 +3,7 @@
 
 #include "application/account/easaccount.h"
 #include "protocol/base/protocolutils.h"
+#include "protocol/replyheaders.h"
 #include "protocol/wbxml/wbxmlencoder.h"
 #include "protocol/wbxml/wbxmltokens.h"
 
@@ -44,8 +45,8 @@ void FolderSyncCustomCommand::prepareRequest(QNetworkRequest &request)
 
 bool FolderSyncCustomCommand::parseReply(QNetworkReply *reply, const QByteArray &)
 {
-    mSupportedCommands = supportedCommandsOf(*reply);
-    mVersions = versionsOf(*reply);
+    mSupportedCommands = ReplyHeaders::supportedCommands(*reply);
+    mVersions = ReplyHeaders::versions(*reply);
     return true;
 }
 

@@ -22,6 +22,8 @@ protected:
     void prepareRequest(QNetworkRequest &request) override;
     bool encodeBody(EasAccount &account, QByteArray *body) override;
     bool parseReply(QNetworkReply *reply, const QByteArray &body) override;
+    /** The files of a mailbox are larger than what else a server says. */
+    qint64 maximumReplySize() const override { return 256 * 1024 * 1024; }
     void handleDownloadProgress(qint64 bytesReceived, qint64 bytesTotal) override;
 
 private:

@@ -7,8 +7,13 @@
 #include "application/base/logging.h"
 #include "configurations/connectionaccountconfiguration.h"
 #include "protocol/base/protocolutils.h"
+#include "protocol/exchangelog.h"
+#include "protocol/replyheaders.h"
+#include "protocol/requestheaders.h"
+#include "protocol/tlssettings.h"
 
 #include <QNetworkRequest>
+#include <QUrl>
 
 OptionsCommand::OptionsCommand(EasAccountId accountId, QObject *parent)
     : BaseProtocolCommand(accountId, parent)
@@ -61,15 +66,15 @@ bool OptionsCommand::setUpRequest(QNetworkRequest &request) const
         qCCritical(eas()) << "No connection config";
         return false;
     }
-    const QUrl url = serverUrl(*configuration);
+    const QUrl url = RequestHeaders::serverUrl(*configuration);
     qCDebug(eas()) << "AS OPTIONS URL: " << url;
-    if (!configureSsl(request, *asked))
+    if (!TlsSettings::apply(request, *asked))
         return false;
     request.setUrl(url);
     request.setRawHeader(ProtocolUtils::HeaderConnection, ProtocolUtils::KeepAlive);
-    if (!setHeader(request, ProtocolUtils::HeaderHostName, configuration->serverAddress().toUtf8()))
+    if (!RequestHeaders::set(request, ProtocolUtils::HeaderHostName, configuration->serverAddress().toUtf8()))
         return false;
-    setAuthorization(request, *asked);
+    RequestHeaders::setAuthorization(request, *asked);
     request.setHeader(QNetworkRequest::UserAgentHeader, DeviceInformation::userAgent());
     return true;
 }
@@ -105,8 +110,8 @@ void OptionsCommand::handleFinished(QNetworkReply *reply)
         end(false);
         return;
     }
-    logHeaders(*reply);
-    mVersions = versionsOf(*reply);
-    mSupportedCommands = supportedCommandsOf(*reply);
+    ExchangeLog::headers(*reply, account());
+    mVersions = ReplyHeaders::versions(*reply);
+    mSupportedCommands = ReplyHeaders::supportedCommands(*reply);
     end(true);
 }

@@ -4,6 +4,7 @@
 #include "application/base/deviceinformation.h"
 #include "application/networkmanager.h"
 #include "protocol/base/protocolutils.h"
+#include "protocol/serverlocation.h"
 #include "support/logcollector.h"
 #include "support/scriptedclock.h"
 #include "support/scriptedmanager.h"
@@ -30,7 +31,7 @@ class ProbeCommand : public BaseProtocolCommand
 {
 public:
     explicit ProbeCommand(EasAccountId accountId = Account)
-        : BaseProtocolCommand(accountId)
+        : BaseProtocolCommand(accountId, RequestManager::instance())
     {
     }
 
@@ -374,6 +375,21 @@ private Q_SLOTS:
         QVERIFY(command.status() > ProtocolUtils::TransportStatusBase);
     }
 
+    void whileTheDeviceIsOfflineACommandEndsWithoutAReply()
+    {
+        auto *const offline = new SessionlessNetwork(mManager);
+        offline->online = false;
+        mManager->network = offline;
+        ProbeCommand command;
+        QSignalSpy finished(&command, &BaseProtocolCommand::finished);
+        LogCollector log;
+        command.start();
+        QCOMPARE(finished.count(), 1);
+        QCOMPARE(finished.first().first().toBool(), false);
+        QVERIFY(log.contains(QtCriticalMsg, { QStringLiteral("Sending failed, there is no reply") }));
+        QCOMPARE(mServer->requests().size(), 0);
+    }
+
     void aRedirectToAnotherHostKeepsThePort_data()
     {
         QTest::addColumn<int>("http");
@@ -415,6 +431,46 @@ private Q_SLOTS:
         QCOMPARE(command.status(), 10299);
         QCOMPARE(mAccount->connection->address, QStringLiteral("127.0.0.1"));
         QCOMPARE(mServer->requests().size(), 1);
+    }
+
+    void aRedirectThatIsNotTakenIsAnError_data()
+    {
+        QTest::addColumn<bool>("secure");
+        QTest::addColumn<QByteArray>("location");
+        QTest::newRow("files of the device") << false << QByteArray("file://127.0.0.2/etc");
+        QTest::newRow("a scheme that is no web") << false << QByteArray("ftp://127.0.0.2/");
+        QTest::newRow("a misspelt scheme") << false << QByteArray("htps://127.0.0.2/");
+        QTest::newRow("a path alone") << false << QByteArray("/elsewhere");
+        QTest::newRow("a host without a scheme, read as a path") << false << QByteArray("127.0.0.2");
+        QTest::newRow("a port beyond all") << false << QByteArray("http://127.0.0.2:65536/");
+        QTest::newRow("from encrypted to open") << true << QByteArray("http://127.0.0.2/");
+    }
+
+    void aRedirectThatIsNotTakenIsAnError()
+    {
+        QFETCH(bool, secure);
+        QFETCH(QByteArray, location);
+        mAccount->connection->secure = secure;
+        QVERIFY(!ServerLocation(location).apply(*mAccount->connection));
+        QCOMPARE(mAccount->connection->address, QStringLiteral("127.0.0.1"));
+        QCOMPARE(mAccount->connection->port, int(mServer->port()));
+        QCOMPARE(mAccount->connection->secure, secure);
+        if (secure)
+            return;
+        mServer->answer(redirectTo(location));
+        ProbeCommand command;
+        QVERIFY(!run(command));
+        QCOMPARE(command.status(), 10299);
+        QCOMPARE(mServer->requests().size(), 1);
+    }
+
+    void aRedirectMayTurnEncryptionOn()
+    {
+        mAccount->connection->secure = false;
+        QVERIFY(ServerLocation("https://127.0.0.2:8443/").apply(*mAccount->connection));
+        QVERIFY(mAccount->connection->secure);
+        QCOMPARE(mAccount->connection->address, QStringLiteral("127.0.0.2"));
+        QCOMPARE(mAccount->connection->port, 8443);
     }
 
     void aRedirectTakesPortAndScheme()

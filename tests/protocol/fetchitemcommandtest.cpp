@@ -61,7 +61,7 @@ class OpenedFetch : public FetchItemCommand
 {
 public:
     OpenedFetch()
-        : FetchItemCommand(Account)
+        : FetchItemCommand(Account, RequestManager::instance())
     {
         setStore(ProtocolUtils::StorageMailbox);
     }
@@ -91,7 +91,7 @@ class OpenedGetAttachment : public GetAttachmentCommand
 {
 public:
     explicit OpenedGetAttachment(const QString &name)
-        : GetAttachmentCommand(Account, name)
+        : GetAttachmentCommand(Account, name, RequestManager::instance())
     {
     }
 

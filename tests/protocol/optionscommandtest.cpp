@@ -69,7 +69,7 @@ private Q_SLOTS:
         mServer->answer(offer("14.1,2.5,,16.0", "Sync,,FolderSync"));
         mAccount->policy = QStringLiteral("4711");
         mAccount->refreshAuthenticationCache();
-        OptionsCommand command(Account);
+        OptionsCommand command(Account, mManager);
         QVERIFY(run(command));
         const ReceivedRequest request = mServer->requests().last();
         QCOMPARE(request.verb, QByteArray("OPTIONS"));
@@ -90,7 +90,7 @@ private Q_SLOTS:
     void aReplyWithoutTheHeadersIsASuccess()
     {
         mServer->answer(ScriptedAnswer());
-        OptionsCommand command(Account);
+        OptionsCommand command(Account, mManager);
         QVERIFY(run(command));
         QVERIFY(command.versions().isEmpty());
         QVERIFY(command.supportedCommands().isEmpty());
@@ -99,7 +99,7 @@ private Q_SLOTS:
     void headersThatAreTooLongCountAsMissing()
     {
         mServer->answer(offer(QByteArray("14.1,").repeated(1000), QByteArray("Sync,").repeated(1000)));
-        OptionsCommand command(Account);
+        OptionsCommand command(Account, mManager);
         LogCollector log;
         QVERIFY(run(command));
         QVERIFY(command.versions().isEmpty());
@@ -113,7 +113,7 @@ private Q_SLOTS:
         elsewhere.status = 302;
         elsewhere.headers << qMakePair(QByteArray("Location"), QByteArray("http://127.0.0.1/"));
         mServer->answer(elsewhere);
-        OptionsCommand command(Account);
+        OptionsCommand command(Account, mManager);
         QVERIFY(!run(command));
         QCOMPARE(command.status(), 10299);
     }
@@ -124,7 +124,7 @@ private Q_SLOTS:
         ScriptedAnswer hang;
         hang.hang = true;
         mServer->answer(hang);
-        OptionsCommand command(Account);
+        OptionsCommand command(Account, mManager);
         LogCollector log;
         QVERIFY(!run(command));
         QCOMPARE(command.status(), 10004);
@@ -137,7 +137,7 @@ private Q_SLOTS:
         ScriptedAnswer refused;
         refused.status = 403;
         mServer->answer(refused);
-        OptionsCommand command(Account);
+        OptionsCommand command(Account, mManager);
         LogCollector log;
         QVERIFY(!run(command));
         QCOMPARE(command.status(), 10201);
@@ -159,7 +159,7 @@ private Q_SLOTS:
     {
         QFETCH(QString, missing);
         QFETCH(QString, text);
-        OptionsCommand command(missing == QLatin1String("account") ? 99 : Account);
+        OptionsCommand command(missing == QLatin1String("account") ? 99 : Account, mManager);
         if (missing == QLatin1String("connection"))
             mAccount->connection.clear();
         if (missing == QLatin1String("certificate"))
@@ -173,7 +173,7 @@ private Q_SLOTS:
     void theLastResortIsAFolderSyncWithKeyZeroAs120()
     {
         mServer->answer(offer("12.1", "Sync"));
-        FolderSyncCustomCommand command(Account, ExchangeActiveSync::ProtocolVersion120);
+        FolderSyncCustomCommand command(Account, ExchangeActiveSync::ProtocolVersion120, mManager);
         QVERIFY(run(command));
         const ReceivedRequest request = mServer->requests().last();
         QCOMPARE(request.verb, QByteArray("POST"));
@@ -191,7 +191,7 @@ private Q_SLOTS:
         ScriptedAnswer answer = offer("12.1", QByteArray());
         answer.body = "no wbxml at all";
         mServer->answer(answer);
-        FolderSyncCustomCommand command(Account, ExchangeActiveSync::ProtocolVersion120);
+        FolderSyncCustomCommand command(Account, ExchangeActiveSync::ProtocolVersion120, mManager);
         QVERIFY(run(command));
         QCOMPARE(command.status(), 0);
         QVERIFY(command.supportedCommands().isEmpty());

@@ -70,7 +70,7 @@ class ReadingCommand : public BaseProtocolCommand
 {
 public:
     ReadingCommand()
-        : BaseProtocolCommand(Account)
+        : BaseProtocolCommand(Account, RequestManager::instance())
     {
     }
 

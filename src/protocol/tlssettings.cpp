@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "protocol/tlssettings.h"
+
+#include "application/account/easaccount.h"
+#include "application/base/logging.h"
+#include "configurations/connectionaccountconfiguration.h"
+
+#include <QFile>
+#include <QNetworkRequest>
+#include <QSslCertificate>
+#include <QSslConfiguration>
+#include <QSslError>
+#include <QSslKey>
+
+bool TlsSettings::apply(QNetworkRequest &request, const EasAccount &account)
+{
+    const auto configuration = account.connectionConfiguration();
+    if (configuration->acceptAllCertificates()) {
+        QSslConfiguration ssl = QSslConfiguration::defaultConfiguration();
+        ssl.setPeerVerifyMode(QSslSocket::VerifyNone);
+        request.setSslConfiguration(ssl);
+    }
+    if (configuration->userCertificatePath().isEmpty())
+        return true;
+    QSslCertificate certificate;
+    QSslKey key;
+    if (!readCredentials(
+            configuration->userCertificatePath(), account.sslCertificatePassword(), &certificate, &key)) {
+        qCCritical(eas()) << "Problem loading certificate/key";
+        return false;
+    }
+    QSslConfiguration ssl = request.sslConfiguration();
+    ssl.setLocalCertificate(certificate);
+    ssl.setPrivateKey(key);
+    request.setSslConfiguration(ssl);
+    return true;
+}
+
+bool TlsSettings::readCredentials(
+    const QString &path, const QString &password, QSslCertificate *certificate, QSslKey *key)
+{
+    if (path.isEmpty()) {
+        qCCritical(eas()) << "Empty certificate path!";
+        return false;
+    }
+    QFile file(path);
+    if (!file.exists()) {
+        qCCritical(eas()) << "Certificate file not found";
+        return false;
+    }
+    if (!file.open(QIODevice::ReadOnly)) {
+        qCCritical(eas()) << "Can't open certificate file";
+        return false;
+    }
+    return QSslCertificate::importPkcs12(&file, key, certificate, nullptr, password.toUtf8());
+}
+
+QString TlsSettings::errorTexts(const QList<QSslError> &errors)
+{
+    QStringList texts;
+    for (const QSslError &error : errors)
+        texts.append(error.errorString());
+    return texts.join(QStringLiteral(", "));
+}

@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <QList>
+
+class EasAccount;
+class QNetworkRequest;
+class QSslCertificate;
+class QSslError;
+class QSslKey;
+class QString;
+
+/** What an account's settings say about the encryption of its connections. */
+namespace TlsSettings {
+
+/** Certificate checks off and client certificate on, as the account has it. False, logged, for a client
+ * certificate that cannot be used. Needs the connection configuration of the account. */
+bool apply(QNetworkRequest &request, const EasAccount &account);
+
+/** Reads a PKCS#12 file; false, logged, if it cannot be read. */
+bool readCredentials(
+    const QString &path, const QString &password, QSslCertificate *certificate, QSslKey *key);
+/** For the log, in one line. */
+QString errorTexts(const QList<QSslError> &errors);
+
+} // namespace TlsSettings
