@@ -6,9 +6,9 @@
 #include "application/base/clock.h"
 #include "application/base/logging.h"
 #include "application/networkmanager.h"
+#include "application/serviceconnections.h"
 #include "application/storagesfactory.h"
 #include "dbus/dbusinterfacethread.h"
-#include "protocol/base/protocolutils.h"
 #include "protocol/wbxml/debugtools.h"
 #include "requests/provisionrequest.h"
 #include "requests/request.h"
@@ -59,7 +59,7 @@ RequestManager::RequestManager(QObject *parent)
 }
 
 RequestManager::RequestManager(std::unique_ptr<DBusInterfaceThread> thread, QObject *parent)
-    : QObject(parent)
+    : ClientCalls(parent)
     , mDBusThread(std::move(thread))
 {
     qRegisterMetaType<EasAccountId>("EasAccountId");
@@ -69,8 +69,7 @@ RequestManager::RequestManager(std::unique_ptr<DBusInterfaceThread> thread, QObj
     setObjectName(QStringLiteral("RequestManager"));
     if (mDBusThread) {
         mDBusThread->moveToThread(mDBusThread.get());
-        connectCalls();
-        connectReports();
+        ServiceConnections::make(*this, *mDBusThread);
         mDBusThread->start(QThread::InheritPriority);
     }
     checkAccountsCount();

@@ -7,6 +7,7 @@
 #include "support/probes.h"
 #include "support/scriptedclock.h"
 #include "support/scriptedmanager.h"
+#include "support/scriptedserver.h"
 #include "support/testmain.h"
 
 #include <QLoggingCategory>
@@ -189,6 +190,20 @@ private Q_SLOTS:
     }
 
     // Hung requests
+
+    void aHungHeadIsCancelledAfterTheNextRequestHasEntered()
+    {
+        ProbeRequest *const head = enter(1);
+        mClock->millisecondsAhead = 300001;
+        QString order;
+        LogCollector log;
+        head->onCancel = [&] {
+            order = log.texts().join(QLatin1Char('\n'));
+        };
+        enter(2);
+        QCOMPARE(head->cancels, 1);
+        QVERIFY(order.contains(QStringLiteral("is busy, request 2 added to queue")));
+    }
 
     void aHungHeadIsCancelledByTheNextRequest()
     {
@@ -440,6 +455,17 @@ private Q_SLOTS:
         QVERIFY(log.contains(QStringLiteral("closing application")));
     }
 
+    void withoutAnAccountTheManagerEndsFiveSecondsAfterItsStart()
+    {
+        ScriptedManager::uninstall();
+        mClock->heldFrom = 5001;
+        mClock->intervals.clear();
+        mManager = ScriptedManager::install();
+        QVERIFY(mClock->intervals.contains(5000));
+        QVERIFY(mManager);
+        QTRY_VERIFY(!mManager);
+    }
+
     void deletingTheLastAccountEndsTheManager()
     {
         mManager->storage->remove(OtherAccount);
@@ -458,6 +484,21 @@ private Q_SLOTS:
         QVERIFY(!request);
         QCOMPARE(mFinished->count(), 0);
         QVERIFY(log.contains(QtInfoMsg, { QStringLiteral("Quit request") }));
+    }
+
+    void aQuitTellsNobodyAboutACommandThatRuns()
+    {
+        ScriptedServer server;
+        ScriptedAnswer hang;
+        hang.hang = true;
+        server.answer(hang);
+        mAccount->connection->port = server.port();
+        mAccount->setProtocolVersion(ExchangeActiveSync::ProtocolVersionUnknown);
+        enter(1);
+        QTRY_COMPARE(server.requests().size(), 1);
+        mManager->onQuitRequest();
+        QVERIFY(!mManager);
+        QCOMPARE(mFinished->count(), 0);
     }
 
     // Other calls

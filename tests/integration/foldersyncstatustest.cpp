@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "integration/statusscene.h"
+#include "support/logcollector.h"
 #include "support/testmain.h"
 
 using Simulator::Override;
@@ -23,6 +24,7 @@ private Q_SLOTS:
     void aFirstSyncIsAnsweredForEverWith();
     void theVeryFirstFolderSyncSendsTheInitialKey();
     void aRequestForFoldersWithALostKeyBringsAFullSync();
+    void aRequestForFoldersThatTookLongDoesNotCancelItself();
     void anEmptyReplyToTheFirstFolderSyncIsCounted_data();
     void anEmptyReplyToTheFirstFolderSyncIsCounted();
     void anEmptyReplyToALaterFolderSyncKeepsTheKey_data();
@@ -164,6 +166,20 @@ void FolderSyncStatusTest::aRequestForFoldersWithALostKeyBringsAFullSync()
     QTRY_COMPARE_WITH_TIMEOUT(bed.finishedCount(id), 2, 20000);
     QCOMPARE(bed.deviceState(), bed.serverState());
     QCOMPARE(bed.deviceState().size(), 2);
+}
+
+void FolderSyncStatusTest::aRequestForFoldersThatTookLongDoesNotCancelItself()
+{
+    SyncTestBed bed;
+    QVERIFY(missesOneMessage(bed));
+    bed.server().overrideNext(QStringLiteral("FolderSync"), Override::topStatus(9));
+    const LogCollector log;
+    const qulonglong id = bed.startFoldersSync();
+    bed.clock().advance(300002);
+    QCOMPARE(bed.waitFor(id), 0);
+    QTRY_COMPARE_WITH_TIMEOUT(bed.finishedCount(id), 2, 20000);
+    QVERIFY(!log.contains(QStringLiteral("is still active. Trying to force request cancellation")));
+    QCOMPARE(bed.deviceState(), bed.serverState());
 }
 
 void FolderSyncStatusTest::anEmptyReplyToTheFirstFolderSyncIsCounted_data()

@@ -264,10 +264,11 @@ private Q_SLOTS:
     void aRequestExpiresAfterFiveMinutes()
     {
         QVERIFY(!mRequest->isExpired());
+        mClock->freeze();
         mRequest->start();
-        mClock->millisecondsAhead = 299000;
+        mClock->millisecondsAhead = 300000;
         QVERIFY(!mRequest->isExpired());
-        mClock->millisecondsAhead = 300002;
+        mClock->millisecondsAhead = 300001;
         QVERIFY(mRequest->isExpired());
         mRequest->completeWith(0);
         QVERIFY(!mRequest->isExpired());

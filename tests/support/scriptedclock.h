@@ -14,8 +14,11 @@ public:
 
     QDateTime currentDateTimeUtc() const override
     {
-        return Clock::currentDateTimeUtc().addMSecs(millisecondsAhead);
+        return (mFrozen.isValid() ? mFrozen : Clock::currentDateTimeUtc()).addMSecs(millisecondsAhead);
     }
+    /** Only millisecondsAhead moves the time on from here. */
+    void freeze() { mFrozen = Clock::currentDateTimeUtc(); }
+
     int timerInterval(int milliseconds) const override
     {
         intervals.append(milliseconds);
@@ -27,4 +30,7 @@ public:
     int heldFrom = 100000000;
     /** The nominal lengths that were asked for. */
     mutable QList<int> intervals;
+
+private:
+    QDateTime mFrozen;
 };

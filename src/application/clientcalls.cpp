@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-// What a client's call makes the manager build, one handler a call.
+#include "application/clientcalls.h"
+
 #include "application/base/logging.h"
-#include "application/requestmanager.h"
-#include "dbus/dbusinterfacethread.h"
 #include "easitems/easitemscommon.h"
 #include "protocol/base/protocolutils.h"
 #include "requests/attachmentdownloadrequest.h"
@@ -22,27 +21,34 @@ constexpr int DownloadPartSize = 65536;
 
 } // namespace
 
-void RequestManager::processNewSyncRequest(SyncRequest *request)
+ClientCalls::ClientCalls(QObject *parent)
+    : QObject(parent)
 {
-    connect(request, &SyncRequest::syncStarted, this, &RequestManager::syncStarted);
-    connect(request, &SyncRequest::syncCompleted, this, &RequestManager::syncCompleted);
+}
+
+ClientCalls::~ClientCalls() = default;
+
+void ClientCalls::processNewSyncRequest(SyncRequest *request)
+{
+    connect(request, &SyncRequest::syncStarted, this, &ClientCalls::syncStarted);
+    connect(request, &SyncRequest::syncCompleted, this, &ClientCalls::syncCompleted);
     processNewRequest(request);
 }
 
-void RequestManager::processNewFolderSyncRequest(FolderSyncRequest *request)
+void ClientCalls::processNewFolderSyncRequest(FolderSyncRequest *request)
 {
-    connect(request, &FolderSyncRequest::syncStarted, this, &RequestManager::syncStarted);
-    connect(request, &FolderSyncRequest::syncCompleted, this, &RequestManager::syncCompleted);
+    connect(request, &FolderSyncRequest::syncStarted, this, &ClientCalls::syncStarted);
+    connect(request, &FolderSyncRequest::syncCompleted, this, &ClientCalls::syncCompleted);
     processNewRequest(request);
 }
 
-void RequestManager::onFullSyncRequest(EasAccountId accountId, qulonglong requestId)
+void ClientCalls::onFullSyncRequest(EasAccountId accountId, qulonglong requestId)
 {
     qCInfo(eas()) << "Full Sync: account: " << accountId << ", requestId: " << requestId;
     processNewSyncRequest(new SyncRequest(accountId, requestId, this));
 }
 
-void RequestManager::onSyncFoldersRequest(
+void ClientCalls::onSyncFoldersRequest(
     EasAccountId accountId, const QStringList &folderIds, qulonglong requestId)
 {
     qCInfo(eas()) << "Sync Folders: account: " << accountId << ", folders: " << folderIds
@@ -52,7 +58,7 @@ void RequestManager::onSyncFoldersRequest(
     processNewSyncRequest(request);
 }
 
-void RequestManager::onSyncServiceRequest(EasAccountId accountId, int service, qulonglong requestId)
+void ClientCalls::onSyncServiceRequest(EasAccountId accountId, int service, qulonglong requestId)
 {
     qCInfo(eas()) << "Sync Service: account: " << accountId << ", service: " << service
                   << ", requestId: " << requestId;
@@ -61,7 +67,7 @@ void RequestManager::onSyncServiceRequest(EasAccountId accountId, int service, q
     processNewSyncRequest(request);
 }
 
-void RequestManager::onFoldersSyncRequest(EasAccountId accountId, qulonglong requestId)
+void ClientCalls::onFoldersSyncRequest(EasAccountId accountId, qulonglong requestId)
 {
     qCInfo(eas()) << "Folders Sync: account: " << accountId << ", requestId: " << requestId;
     auto *const request = new FolderSyncRequest(accountId, requestId, this);
@@ -73,7 +79,7 @@ void RequestManager::onFoldersSyncRequest(EasAccountId accountId, qulonglong req
     processNewFolderSyncRequest(request);
 }
 
-void RequestManager::onDownloadMessagePartRequest(
+void ClientCalls::onDownloadMessagePartRequest(
     EasAccountId accountId, qulonglong messageId, const QString &location, qulonglong requestId)
 {
     qCInfo(eas()) << "Download Message Part: account: " << accountId << ", messageId: " << messageId
@@ -83,7 +89,7 @@ void RequestManager::onDownloadMessagePartRequest(
     processNewRequest(request);
 }
 
-void RequestManager::onDownloadMessagesRequest(EasAccountId accountId, const QList<qulonglong> &messageIds,
+void ClientCalls::onDownloadMessagesRequest(EasAccountId accountId, const QList<qulonglong> &messageIds,
     bool fullContentDownload, qulonglong requestId)
 {
     qCInfo(eas()) << "Download Messages: account: " << accountId << ", messages: " << messageIds
@@ -91,13 +97,13 @@ void RequestManager::onDownloadMessagesRequest(EasAccountId accountId, const QLi
     processNewRequest(new FetchMessagesRequest(accountId, requestId, messageIds, fullContentDownload, this));
 }
 
-void RequestManager::onProvisionPolicyRequest(EasAccountId accountId, qulonglong requestId)
+void ClientCalls::onProvisionPolicyRequest(EasAccountId accountId, qulonglong requestId)
 {
     qCInfo(eas()) << "Provision Policy: account: " << accountId << ", requestId: " << requestId;
     processNewRequest(new ProvisionRequest(accountId, requestId, false, this));
 }
 
-void RequestManager::onMeetingResponseRequest(EasAccountId accountId, qulonglong requestId,
+void ClientCalls::onMeetingResponseRequest(EasAccountId accountId, qulonglong requestId,
     qulonglong requestMessageId, qlonglong instanceId, int userResponse, qulonglong replyMessageId,
     const QString &newStartTime, const QString &newEndTime, const QString &)
 {
@@ -111,7 +117,7 @@ void RequestManager::onMeetingResponseRequest(EasAccountId accountId, qulonglong
     reportNotSupported(accountId, requestId, ProtocolUtils::CommandMeetingResponse);
 }
 
-void RequestManager::onMeetingResponseCalendarRequest(EasAccountId accountId, qulonglong requestId,
+void ClientCalls::onMeetingResponseCalendarRequest(EasAccountId accountId, qulonglong requestId,
     const QString &requestEventId, qlonglong instanceId, int userResponse, qulonglong replyMessageId,
     const QString &newStartTime, const QString &newEndTime, const QString &)
 {
@@ -125,7 +131,7 @@ void RequestManager::onMeetingResponseCalendarRequest(EasAccountId accountId, qu
     reportNotSupported(accountId, requestId, ProtocolUtils::CommandMeetingResponse);
 }
 
-bool RequestManager::acceptMeetingResponse(
+bool ClientCalls::acceptMeetingResponse(
     EasAccountId accountId, qulonglong requestId, int userResponse, const QString &respondedId)
 {
     const bool known =
@@ -137,14 +143,14 @@ bool RequestManager::acceptMeetingResponse(
     return false;
 }
 
-void RequestManager::onSendMailRequest(EasAccountId accountId, qulonglong messageId, qulonglong requestId)
+void ClientCalls::onSendMailRequest(EasAccountId accountId, qulonglong messageId, qulonglong requestId)
 {
     qCInfo(eas()) << "Send Mail: account: " << accountId << ", messageId: " << messageId
                   << ", requestId: " << requestId;
     reportNotSupported(accountId, requestId, ProtocolUtils::CommandSendMail);
 }
 
-void RequestManager::onCreateFolderRequest(EasAccountId accountId, const QString &name,
+void ClientCalls::onCreateFolderRequest(EasAccountId accountId, const QString &name,
     const QString &parentFolderId, uint folderType, qulonglong requestId)
 {
     qCInfo(eas()) << "Create Folder: account: " << accountId << ", name: " << name
@@ -153,15 +159,14 @@ void RequestManager::onCreateFolderRequest(EasAccountId accountId, const QString
     processNewRequest(new FolderCreateRequest(accountId, parentFolderId, name, folderType, requestId, this));
 }
 
-void RequestManager::onDeleteFolderRequest(
-    EasAccountId accountId, const QString &folderId, qulonglong requestId)
+void ClientCalls::onDeleteFolderRequest(EasAccountId accountId, const QString &folderId, qulonglong requestId)
 {
     qCInfo(eas()) << "Delete Folder: account: " << accountId << ", folderId: " << folderId
                   << ", requestId: " << requestId;
     processNewRequest(new FolderDeleteRequest(accountId, folderId, requestId, this));
 }
 
-void RequestManager::onUpdateFolderRequest(EasAccountId accountId, const QString &folderId,
+void ClientCalls::onUpdateFolderRequest(EasAccountId accountId, const QString &folderId,
     const QString &parentFolderId, const QString &name, qulonglong requestId)
 {
     qCInfo(eas()) << "Update Folder: account: " << accountId << ", folderId: " << folderId
@@ -170,13 +175,13 @@ void RequestManager::onUpdateFolderRequest(EasAccountId accountId, const QString
     processNewRequest(new FolderUpdateRequest(accountId, folderId, parentFolderId, name, requestId, this));
 }
 
-void RequestManager::onGetOofRequest(EasAccountId accountId, qulonglong requestId)
+void ClientCalls::onGetOofRequest(EasAccountId accountId, qulonglong requestId)
 {
     qCInfo(eas()) << "Get Oof: account: " << accountId << ", requestId: " << requestId;
     reportNotSupported(accountId, requestId, ProtocolUtils::CommandSettings);
 }
 
-void RequestManager::onSetOofStateRequest(
+void ClientCalls::onSetOofStateRequest(
     EasAccountId accountId, qulonglong requestId, const EasOofContainer &state)
 {
     qCInfo(eas()) << "Set Oof State: account: " << accountId << ", enabled: " << state.oofEnabled()
@@ -184,7 +189,7 @@ void RequestManager::onSetOofStateRequest(
     reportNotSupported(accountId, requestId, ProtocolUtils::CommandSettings);
 }
 
-void RequestManager::onCalendarAttachmentDownloadRequest(
+void ClientCalls::onCalendarAttachmentDownloadRequest(
     EasAccountId accountId, qulonglong requestId, const QString &uri)
 {
     qCInfo(eas()) << "Download Calendar Attachment: account: " << accountId << ", uri: " << uri
@@ -192,7 +197,7 @@ void RequestManager::onCalendarAttachmentDownloadRequest(
     processNewRequest(new AttachmentDownloadRequest(accountId, requestId, uri, this));
 }
 
-void RequestManager::onSearchMessagesRequest(EasAccountId accountId, const QString &folderId,
+void ClientCalls::onSearchMessagesRequest(EasAccountId accountId, const QString &folderId,
     const QString &dateFrom, const QString &dateTo, const QString &bodyText, qulonglong limit,
     qulonglong requestId)
 {
@@ -203,7 +208,7 @@ void RequestManager::onSearchMessagesRequest(EasAccountId accountId, const QStri
         accountId, requestId, ProtocolUtils::CommandSearch, ResultSignal::SearchMessagesFinished);
 }
 
-void RequestManager::onSearchGALRequest(EasAccountId accountId, const QString &queryString, int rangeMin,
+void ClientCalls::onSearchGALRequest(EasAccountId accountId, const QString &queryString, int rangeMin,
     int rangeMax, bool rebuildResults, bool deepTraversal, qulonglong requestId)
 {
     qCInfo(eas()) << "Search GAL: account: " << accountId << ", query: " << queryString
@@ -213,8 +218,8 @@ void RequestManager::onSearchGALRequest(EasAccountId accountId, const QString &q
     reportNotSupported(accountId, requestId, ProtocolUtils::CommandSearch, ResultSignal::SearchGALFinished);
 }
 
-void RequestManager::onFindRequest(EasAccountId accountId, const QString &folderId,
-    const QString &searchQuery, int searchType, qulonglong limit, qulonglong requestId)
+void ClientCalls::onFindRequest(EasAccountId accountId, const QString &folderId, const QString &searchQuery,
+    int searchType, qulonglong limit, qulonglong requestId)
 {
     qCInfo(eas()) << "Find: account: " << accountId << ", folderId: " << folderId
                   << ", query: " << searchQuery << ", searchType: " << searchType << ", limit: " << limit
@@ -222,7 +227,7 @@ void RequestManager::onFindRequest(EasAccountId accountId, const QString &folder
     reportNotSupported(accountId, requestId, ProtocolUtils::CommandFind, ResultSignal::FindMessagesFinished);
 }
 
-void RequestManager::onAttendeesAvailableRequest(EasAccountId accountId, qulonglong requestId,
+void ClientCalls::onAttendeesAvailableRequest(EasAccountId accountId, qulonglong requestId,
     const QString &emailAddresses, const QString &startTime, const QString &endTime)
 {
     qCInfo(eas()) << "Attendees Available: account: " << accountId << ", addresses: " << emailAddresses
@@ -230,7 +235,7 @@ void RequestManager::onAttendeesAvailableRequest(EasAccountId accountId, qulongl
     reportNotSupported(accountId, requestId, ProtocolUtils::CommandAttendeesAvailable);
 }
 
-void RequestManager::reportNotSupported(
+void ClientCalls::reportNotSupported(
     EasAccountId accountId, qulonglong requestId, QLatin1String command, ResultSignal result)
 {
     constexpr int Status = EasRequestStatus::RequestStatusCommandNotSupported;

@@ -1,0 +1,96 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include "common/easaccountid.h"
+#include "easitems/containers/easoofcontainer.h"
+
+#include <QLatin1String>
+#include <QList>
+#include <QObject>
+#include <QStringList>
+
+class FolderSyncRequest;
+class Request;
+class SyncRequest;
+
+/**
+ * What the calls of clients build: one handler a call, which makes its request and hands it over. The
+ * identifier of a request was given to it by the service thread. A call whose request does not exist yet is
+ * answered at once, with RequestStatusCommandNotSupported.
+ *
+ * The RequestManager is the one that takes the requests over, as their parent. Main thread only.
+ */
+class ClientCalls : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit ClientCalls(QObject *parent);
+    ~ClientCalls() override;
+
+    /** Takes a request over, whose end will be told to the clients. */
+    virtual void processNewRequest(Request *request) = 0;
+    void processNewSyncRequest(SyncRequest *request);
+    void processNewFolderSyncRequest(FolderSyncRequest *request);
+
+public Q_SLOTS:
+    void onFullSyncRequest(EasAccountId accountId, qulonglong requestId);
+    void onSyncFoldersRequest(EasAccountId accountId, const QStringList &folderIds, qulonglong requestId);
+    void onSyncServiceRequest(EasAccountId accountId, int service, qulonglong requestId);
+    void onFoldersSyncRequest(EasAccountId accountId, qulonglong requestId);
+    void onSendMailRequest(EasAccountId accountId, qulonglong messageId, qulonglong requestId);
+    void onCreateFolderRequest(EasAccountId accountId, const QString &name, const QString &parentFolderId,
+        uint folderType, qulonglong requestId);
+    void onDeleteFolderRequest(EasAccountId accountId, const QString &folderId, qulonglong requestId);
+    void onUpdateFolderRequest(EasAccountId accountId, const QString &folderId, const QString &parentFolderId,
+        const QString &name, qulonglong requestId);
+    void onDownloadMessagePartRequest(
+        EasAccountId accountId, qulonglong messageId, const QString &location, qulonglong requestId);
+    void onDownloadMessagesRequest(EasAccountId accountId, const QList<qulonglong> &messageIds,
+        bool fullContentDownload, qulonglong requestId);
+    void onMeetingResponseRequest(EasAccountId accountId, qulonglong requestId, qulonglong requestMessageId,
+        qlonglong instanceId, int userResponse, qulonglong replyMessageId, const QString &newStartTime,
+        const QString &newEndTime, const QString &newTimeComment);
+    void onMeetingResponseCalendarRequest(EasAccountId accountId, qulonglong requestId,
+        const QString &requestEventId, qlonglong instanceId, int userResponse, qulonglong replyMessageId,
+        const QString &newStartTime, const QString &newEndTime, const QString &newTimeComment);
+    void onProvisionPolicyRequest(EasAccountId accountId, qulonglong requestId);
+    void onGetOofRequest(EasAccountId accountId, qulonglong requestId);
+    void onSetOofStateRequest(EasAccountId accountId, qulonglong requestId, const EasOofContainer &state);
+    void onCalendarAttachmentDownloadRequest(
+        EasAccountId accountId, qulonglong requestId, const QString &uri);
+    void onSearchMessagesRequest(EasAccountId accountId, const QString &folderId, const QString &dateFrom,
+        const QString &dateTo, const QString &bodyText, qulonglong limit, qulonglong requestId);
+    void onSearchGALRequest(EasAccountId accountId, const QString &queryString, int rangeMin, int rangeMax,
+        bool rebuildResults, bool deepTraversal, qulonglong requestId);
+    void onFindRequest(EasAccountId accountId, const QString &folderId, const QString &searchQuery,
+        int searchType, qulonglong limit, qulonglong requestId);
+    void onAttendeesAvailableRequest(EasAccountId accountId, qulonglong requestId,
+        const QString &emailAddresses, const QString &startTime, const QString &endTime);
+
+Q_SIGNALS:
+    void requestFinished(EasAccountId accountId, qulonglong requestId, int status);
+    void searchMessagesFinished(EasAccountId accountId, qulonglong requestId, int status, uint remainingCount,
+        const QList<qulonglong> &matchingIds);
+    void searchGALFinished(EasAccountId accountId, qulonglong requestId, int status, uint totalItemCount,
+        const QList<qulonglong> &matchingIds);
+    void findMessagesFinished(EasAccountId accountId, qulonglong requestId, int status, uint remainingCount,
+        const QList<qulonglong> &matchingIds);
+    void syncStarted(EasAccountId accountId, qulonglong requestId);
+    void syncCompleted(EasAccountId accountId, qulonglong requestId, int status);
+
+private:
+    /** Which signal tells a client about the end of a request that is not built. */
+    enum class ResultSignal {
+        RequestFinished,
+        SearchMessagesFinished,
+        SearchGALFinished,
+        FindMessagesFinished
+    };
+
+    /** The one place for calls whose request does not exist yet. */
+    void reportNotSupported(EasAccountId accountId, qulonglong requestId, QLatin1String command,
+        ResultSignal result = ResultSignal::RequestFinished);
+    bool acceptMeetingResponse(
+        EasAccountId accountId, qulonglong requestId, int userResponse, const QString &respondedId);
+};
