@@ -3,6 +3,7 @@
 
 #include "application/mapping/easdatabase.h"
 #include "storages/calendar/calendareventproperties.h"
+#include "storages/calendar/calendareventreader.h"
 #include "support/calendarbed.h"
 #include "support/logcollector.h"
 #include "support/testmain.h"
@@ -430,6 +431,43 @@ private Q_SLOTS:
         change.setAttendees({ required });
         QVERIFY(mBed->change(change));
         QCOMPARE(mBed->event()->attendees().size(), 1);
+    }
+
+    void anAttendeeWithoutAnAddressGoesUpAgain()
+    {
+        EasAttendeeContainer nameOnly;
+        nameOnly.setName(QStringLiteral("Room \"1\", Bob"));
+        nameOnly.setAttendeeType(EasAttendeeContainer::ResourceAttendeeType);
+        nameOnly.setAttendeeStatus(EasAttendeeContainer::AcceptAttendeeStatus);
+        EasAttendeeContainer bob;
+        bob.setEmail(QStringLiteral("bob@example.com"));
+        EasCalendarItem item = mBed->item();
+        item.setAttendees({ nameOnly, bob });
+        QVERIFY(mBed->add(item));
+        QCOMPARE(mBed->event()->attendees().size(), 1);
+        EasCalendarItem upload;
+        QVERIFY(CalendarEventReader(mBed->device()).convert(mBed->event(), upload, true));
+        QCOMPARE(upload.attendees().size(), 2);
+        const EasAttendeeContainer last = upload.attendees().constLast();
+        QCOMPARE(last.name(), nameOnly.name());
+        QCOMPARE(last.attendeeType(), nameOnly.attendeeType());
+        QCOMPARE(last.attendeeStatus(), nameOnly.attendeeStatus());
+    }
+
+    void whatIsKeptOfAnAttendeeGoesWithTheAttendee()
+    {
+        EasAttendeeContainer bob;
+        bob.setEmail(QStringLiteral("bob@example.com"));
+        bob.setAttendeeStatus(EasAttendeeContainer::NotRespondedAttendeeStatus);
+        bob.setProposedStartTime(QDateTime(QDate(2026, 3, 5), QTime(8, 0), Qt::UTC));
+        EasCalendarItem item = mBed->item();
+        item.setAttendees({ bob });
+        QVERIFY(mBed->add(item));
+        const int kept = mBed->event()->customProperties().size();
+        EasCalendarItem change = mBed->blank();
+        change.setAttendees({});
+        QVERIFY(mBed->change(change));
+        QCOMPARE(mBed->event()->customProperties().size(), kept - 2);
     }
 
     void refusalsAreTold()

@@ -186,6 +186,24 @@ private Q_SLOTS:
         QCOMPARE(mBed->exception(berlin(3, 30))->dtEnd(), berlin(3, 30, 21));
     }
 
+    void aReusedExceptionTakesOverWhatTheSeriesKeepsOfItsAttendees()
+    {
+        EasCalendarItem item = series();
+        item.setExceptions({ exceptionAt(berlin(3, 30)) });
+        QVERIFY(mBed->add(item));
+        EasAttendeeContainer bob;
+        bob.setEmail(QStringLiteral("bob@example.com"));
+        bob.setAttendeeStatus(EasAttendeeContainer::NotRespondedAttendeeStatus);
+        item.setAttendees({ bob });
+        QVERIFY(mBed->change(item));
+        EasCalendarItem upload;
+        QVERIFY(CalendarEventReader(mBed->device()).convert(mBed->event(), upload, true));
+        QCOMPARE(upload.exceptions().size(), 1);
+        QCOMPARE(upload.exceptions().constFirst().attendees().size(), 1);
+        QCOMPARE(upload.exceptions().constFirst().attendees().constFirst().attendeeStatus(),
+            EasAttendeeContainer::NotRespondedAttendeeStatus);
+    }
+
     void theListOfTheServerIsTheWholeList()
     {
         EasCalendarItem item = series();

@@ -5,6 +5,9 @@
 #include "common/exchangeactivesync.h"
 #include "storages/calendar/calendareventproperties.h"
 
+#include <QJsonArray>
+#include <QJsonDocument>
+
 using KCalendarCore::Attendee;
 using KCalendarCore::Event;
 
@@ -23,6 +26,27 @@ const StatusPair statuses[] = {
 };
 
 const QString statusName = QStringLiteral("X-FENNEL-EAS-ATTENDEE-STATUS");
+
+/** Attendees whom the server names without an address: the device cannot hold them, and they go up again. */
+const QString withoutAddressName = QStringLiteral("X-FENNEL-EAS-ATTENDEES-WITHOUT-ADDRESS");
+
+template <typename Function> void forEachProperty(const QString &email, const Function &function)
+{
+    for (const QString &name : { statusName, ExchangeActiveSync::CalendarProposedStartTimeParamName,
+             ExchangeActiveSync::CalendarProposedEndTimeParamName })
+        function(CalendarEventProperties::attendeeName(name, email));
+}
+
+/** The attendees with their properties, which would stay behind. */
+void clear(Event &event)
+{
+    const Attendee::List attendees = event.attendees();
+    for (const Attendee &attendee : attendees) {
+        forEachProperty(attendee.email(),
+            [&event](const QString &name) { CalendarEventProperties::setText(event, name, QString()); });
+    }
+    event.clearAttendees();
+}
 
 Attendee::PartStat partStatOf(EasAttendeeContainer::AttendeeStatus status)
 {
@@ -60,14 +84,23 @@ QDateTime time(const Event &event, const QString &name, const QString &email)
 
 void CalendarAttendees::set(Event &event, const QList<EasAttendeeContainer> &attendees)
 {
-    event.clearAttendees();
+    clear(event);
+    QJsonArray withoutAddress;
     for (const EasAttendeeContainer &container : attendees) {
         const Attendee attendee = toAttendee(event, container);
-        if (attendee.isNull())
-            qCWarning(eas()) << "Cannot add attendee:" << container.name() << container.email();
-        else
+        if (!attendee.isNull()) {
             event.addAttendee(attendee);
+            continue;
+        }
+        qCWarning(eas()) << "Cannot add attendee:" << container.name() << container.email();
+        if (!container.name().isEmpty())
+            withoutAddress.append(QJsonArray {
+                container.name(), int(container.attendeeStatus()), int(container.attendeeType()) });
     }
+    CalendarEventProperties::setText(event, withoutAddressName,
+        withoutAddress.isEmpty()
+            ? QString()
+            : QString::fromUtf8(QJsonDocument(withoutAddress).toJson(QJsonDocument::Compact)));
 }
 
 QList<EasAttendeeContainer> CalendarAttendees::of(const Event &event)
@@ -78,15 +111,30 @@ QList<EasAttendeeContainer> CalendarAttendees::of(const Event &event)
         if (!isOrganizer(event, attendee))
             containers.append(toContainer(event, attendee));
     }
+    const QString kept = CalendarEventProperties::text(event, withoutAddressName);
+    const QJsonArray withoutAddress = QJsonDocument::fromJson(kept.toUtf8()).array();
+    for (const QJsonValue &value : withoutAddress) {
+        EasAttendeeContainer container;
+        container.setName(value.toArray().at(0).toString());
+        container.setAttendeeStatus(EasAttendeeContainer::AttendeeStatus(value.toArray().at(1).toInt()));
+        container.setAttendeeType(EasAttendeeContainer::AttendeeType(value.toArray().at(2).toInt()));
+        containers.append(container);
+    }
     return containers;
 }
 
 void CalendarAttendees::inherit(const Event &series, Event &exception)
 {
-    exception.clearAttendees();
+    clear(exception);
+    const auto takeOver = [&series, &exception](const QString &name) {
+        CalendarEventProperties::setText(exception, name, CalendarEventProperties::text(series, name));
+    };
     const Attendee::List attendees = series.attendees();
-    for (const Attendee &attendee : attendees)
+    for (const Attendee &attendee : attendees) {
         exception.addAttendee(attendee);
+        forEachProperty(attendee.email(), takeOver);
+    }
+    takeOver(withoutAddressName);
 }
 
 Attendee CalendarAttendees::toAttendee(Event &event, const EasAttendeeContainer &container)

@@ -11,7 +11,7 @@
  */
 namespace CalendarAttendees {
 
-/** Replaces those of the event; an attendee without an address is left out, logged. */
+/** Replaces those of the event; one without an address stands in a property alone, logged. */
 void set(KCalendarCore::Event &event, const QList<EasAttendeeContainer> &attendees);
 /** Without the organizer, whom some stores list as well. */
 QList<EasAttendeeContainer> of(const KCalendarCore::Event &event);
