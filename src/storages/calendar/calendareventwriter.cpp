@@ -8,6 +8,7 @@
 #include "storages/calendar/calendarorigin.h"
 #include "storages/calendar/calendarstorecontext.h"
 #include "storages/calendar/calendartimes.h"
+#include "storages/calendar/calendartimestamps.h"
 
 #include <KCalendarCore/CalFormat>
 
@@ -102,6 +103,7 @@ bool CalendarEventWriter::addEvent(EasCalendarItem &item, const QString &folder)
     event->startUpdates();
     const bool written = writeExceptions(event, item, folder, zone);
     event->endUpdates();
+    CalendarTimestamps::markAsOwnWrite(*event);
     if (written)
         return true;
     mContext.calendar->deleteEventInstances(event);
@@ -138,6 +140,7 @@ bool CalendarEventWriter::updateEvent(
     CalendarEventFields::write({ event, item, zone });
     const bool written = writeExceptions(event, item, folder, zone);
     event->endUpdates();
+    CalendarTimestamps::markAsOwnWrite(*event);
     return written;
 }
 

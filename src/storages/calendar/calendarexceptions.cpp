@@ -8,6 +8,7 @@
 #include "storages/calendar/calendaroccurrence.h"
 #include "storages/calendar/calendarreceivedrule.h"
 #include "storages/calendar/calendarstorecontext.h"
+#include "storages/calendar/calendartimestamps.h"
 
 #include <KCalendarCore/Recurrence>
 
@@ -128,7 +129,10 @@ bool CalendarExceptions::addException(const Event::Ptr &event, const EasCalendar
     target->setSchedulingID(event->schedulingID(), event->uid());
     const bool written = CalendarEventFields::writeException({ target, exception, zone }, *event);
     target->endUpdates();
-    return written && (!isNew || mContext.calendar->addEvent(target, folder));
+    if (!written || (isNew && !mContext.calendar->addEvent(target, folder)))
+        return false;
+    CalendarTimestamps::markAsOwnWrite(*target);
+    return true;
 }
 
 bool CalendarExceptions::removeOthers(const Event::Ptr &event, const QSet<QDateTime> &named) const

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "storages/calendar/calendartimestamps.h"
 
+#include "application/base/clock.h"
 #include "application/base/logging.h"
 #include "application/mapping/easdatabase.h"
 #include "storages/calendar/calendarstorecontext.h"
@@ -8,6 +9,11 @@
 CalendarTimestamps::CalendarTimestamps(const CalendarStoreContext &context)
     : mContext(context)
 {
+}
+
+void CalendarTimestamps::markAsOwnWrite(KCalendarCore::Incidence &incidence)
+{
+    incidence.setLastModified(Clock::instance().currentDateTimeUtc().addSecs(-1));
 }
 
 uint CalendarTimestamps::timeToStamp(const QDateTime &time)

@@ -22,6 +22,12 @@ class CalendarTimestamps
 public:
     explicit CalendarTimestamps(const CalendarStoreContext &context);
 
+    /**
+     * To be called last of all, before the save. Stamps are seconds: what the engine writes counts as changed
+     * a second ago, so that an edit of the user's in the very second has another stamp.
+     */
+    static void markAsOwnWrite(KCalendarCore::Incidence &incidence);
+
     /** TimestampInvalid for an invalid time. */
     static uint timeToStamp(const QDateTime &time);
 
