@@ -41,7 +41,28 @@ bool CalendarResultHandler::collectUploaded(const SyncCollection &collection)
         || !collectUploadedDeletions(collection, localIds))
         return false;
     keepRefusedOccurrences(collection);
+    returnDeletedOccurrences(collection);
     return true;
+}
+
+void CalendarResultHandler::returnDeletedOccurrences(const SyncCollection &collection)
+{
+    // They went up in a command of their own, and the store has to learn of them with their series.
+    for (const QSharedPointer<SyncCommandBase> &command : collection.commands()) {
+        const auto deletion = command.objectCast<SyncCommandDelete>();
+        const QList<QPair<QString, QString>> sent =
+            deletion ? deletion->instanceIds() : QList<QPair<QString, QString>>();
+        for (const QPair<QString, QString> &occurrence : sent) {
+            for (EasCalendarItem &item : mUploadedChanged) {
+                if (item.serverId() != occurrence.first)
+                    continue;
+                EasCalendarItem exception;
+                exception.setExceptionStartTime(occurrence.second);
+                exception.setExceptionDeleted(1);
+                item.appendException(exception);
+            }
+        }
+    }
 }
 
 void CalendarResultHandler::keepRefusedOccurrences(const SyncCollection &collection)

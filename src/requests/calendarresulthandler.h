@@ -19,6 +19,7 @@ protected:
 
 private:
     bool collectUploaded(const SyncCollection &collection);
+    void returnDeletedOccurrences(const SyncCollection &collection);
     void keepRefusedOccurrences(const SyncCollection &collection);
     bool storeUploaded(CalendarStorage &storage);
     bool storeReceived(CalendarStorage &storage, const SyncCollection &collection);

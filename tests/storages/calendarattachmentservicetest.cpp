@@ -347,6 +347,10 @@ private Q_SLOTS:
         found = query(restarted);
         QCOMPARE(found.updated.size(), 1);
         QVERIFY(found.updated.constFirst().attachments().isEmpty());
+        CalendarLocalChanges restartedAgain(mScene->context);
+        found = query(restartedAgain);
+        QCOMPARE(found.updated.size(), 1);
+        QVERIFY(found.updated.constFirst().attachments().isEmpty());
 
         // It comes back with a reference, and its bytes are here already.
         const Event::Ptr event = mScene->load(mUid);
@@ -360,6 +364,20 @@ private Q_SLOTS:
         QCOMPARE(AttachmentInfo(remote).fileSize(), qint64(8));
         QVERIFY(!AttachmentInfo(remote).contentLocation().isEmpty());
         QCOMPARE(rows(mUid), QStringList { md5("going up") + QStringLiteral("=r1") });
+    }
+
+    void theKeyOfAnExceptionOutlivesAnEditOfItsLength()
+    {
+        const Event::Ptr exception = event();
+        exception->setRecurrenceId(exception->dtStart());
+        const QString key = Service::eventKey(*exception);
+        exception->setAllDay(true);
+        QCOMPARE(Service::eventKey(*exception), key);
+        exception->setRecurrenceId(QDateTime(QDate(2024, 5, 1), QTime(0, 0), Qt::LocalTime));
+        const QString keyOfDay = Service::eventKey(*exception);
+        QVERIFY(keyOfDay.endsWith(QStringLiteral("|2024-05-01 00:00:00")));
+        exception->setAllDay(false);
+        QCOMPARE(Service::eventKey(*exception), keyOfDay);
     }
 
     void aFileThatTheServerDoesNotKnowYetStays()

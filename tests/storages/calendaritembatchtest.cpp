@@ -6,6 +6,7 @@
 #include "storages/calendar/calendarstorageimpl.h"
 #include "support/calendarbed.h"
 #include "support/calendarscene.h"
+#include "support/fixedclock.h"
 #include "support/logcollector.h"
 #include "support/testmain.h"
 
@@ -14,6 +15,9 @@
 #include <QDir>
 #include <QSqlDatabase>
 #include <QSqlQuery>
+#include <attachmentinfo.h>
+
+#include <QUrl>
 #include <QtTest>
 
 using KCalendarCore::Event;
@@ -198,6 +202,78 @@ private Q_SLOTS:
         QCOMPARE(mBed->events().size(), 1);
         QVERIFY(mBed->localId() != uid);
         QCOMPARE(rows(), 1);
+    }
+
+    void whatTheUserMovedToAnotherCalendarIsLeftAlone()
+    {
+        QVERIFY(mBed->add(mBed->item()));
+        const QString localId = mBed->localId();
+        const QString other = QStringLiteral("another calendar");
+        CalendarStoreContext &device = mBed->device();
+        QVERIFY(device.storage->addNotebook(mKCal::Notebook::Ptr::create(
+            other, other, QString(), QString(), false, false, false, false, true)));
+        const Event::Ptr event = device.calendar->event(localId);
+        QVERIFY(device.calendar->setNotebook(event, other));
+        event->setSummary(QStringLiteral("Moved"));
+        QVERIFY(mBed->savedOnDevice());
+
+        EasCalendarItem change = mBed->item();
+        change.setSubject(QStringLiteral("Changed"));
+        const LogCollector log;
+        QVERIFY(mBed->change(change));
+        QVERIFY(mBed->add(change));
+        QCOMPARE(mBed->events().size(), 1);
+        QCOMPARE(mBed->events().constFirst()->summary(), QStringLiteral("Moved"));
+        QVERIFY(!log.contains(QStringLiteral("Found previously purged item:")));
+        QVERIFY(mBed->remove(change.serverId()));
+        QCOMPARE(mBed->events().size(), 1);
+    }
+
+    void anEditInTheSecondOfADownloadIsFound()
+    {
+        const FixedClock clock(QDateTime::currentDateTimeUtc());
+        EasCalendarItem item = mBed->item();
+        EasRecurrenceContainer daily;
+        daily.setType(EasRecurrenceContainer::DailyRecurrence);
+        daily.setInterval(1);
+        item.setRecurrence(daily);
+        EasCalendarItem renamed;
+        renamed.setExceptionStartTime(QStringLiteral("20260306T080000Z"));
+        renamed.setSubject(QStringLiteral("Once"));
+        item.setExceptions({ renamed });
+        QVERIFY(mBed->add(item));
+        const Event::Ptr event = mBed->event();
+        event->setSummary(QStringLiteral("Edited at once"));
+        event->setLastModified(clock.now);
+        QVERIFY(mBed->savedOnDevice());
+        QList<EasCalendarItem> added;
+        QList<EasCalendarItem> updated;
+        QStringList deleted;
+        qint64 time = 0;
+        QVERIFY(mBed->storage->queryLocalUpdates(mBed->notebookUid(), 0, time, added, updated, deleted));
+        QCOMPARE(updated.size(), 1);
+        QCOMPARE(updated.constFirst().subject(), QStringLiteral("Edited at once"));
+    }
+
+    void attachmentsOfADeletedEventGoWithIt()
+    {
+        mBed->account.setProtocolVersion(ExchangeActiveSync::ProtocolVersion161);
+        EasAttachmentContainer attachment;
+        attachment.setFileReference(QStringLiteral("reference-of-deleted"));
+        attachment.setContentId(QStringLiteral("content-of-deleted"));
+        attachment.setDisplayName(QStringLiteral("a.txt"));
+        EasCalendarItem item = mBed->item();
+        item.setAttachments({ attachment });
+        QVERIFY(mBed->add(item));
+        const QString localId = mBed->localId();
+        const QString uri = mBed->event()->attachments().constFirst().uri();
+        QVERIFY(mBed->storage->updateAttachmentForEvent("bytes", uri));
+        const QString path = QUrl(mKCal::AttachmentInfo(uri).contentLocation()).toLocalFile();
+        QVERIFY(QFile::exists(path));
+        QCOMPARE(EasDatabase::instance()->getCalendarAttachments(localId)->size(), 1);
+        QVERIFY(mBed->remove(item.serverId()));
+        QVERIFY(EasDatabase::instance()->getCalendarAttachments(localId)->isEmpty());
+        QVERIFY(!QFile::exists(path));
     }
 
     void deletionsAreToleratedWhateverIsThere()

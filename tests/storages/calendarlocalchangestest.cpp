@@ -82,6 +82,41 @@ private Q_SLOTS:
         QVERIFY(remembered.isEmpty());
     }
 
+    void anEventMovedToAnotherCalendar_data()
+    {
+        QTest::addColumn<bool>("newOneFirst");
+        QTest::newRow("deleted first") << false;
+        QTest::newRow("added first") << true;
+    }
+
+    void anEventMovedToAnotherCalendar()
+    {
+        QFETCH(bool, newOneFirst);
+        const QString second = QStringLiteral("f2");
+        QVERIFY(mScene->saveSynced(event(QStringLiteral("event-1")), QStringLiteral("f1:1")));
+        QVERIFY(mScene->move(QStringLiteral("event-1"), mScene->addSecondCalendar()));
+        QStringList order { mScene->folder, second };
+        if (newOneFirst)
+            std::reverse(order.begin(), order.end());
+        for (const QString &folder : qAsConst(order)) {
+            Found found = queryFolder(folder);
+            QVERIFY(found.done && found.updated.isEmpty());
+            if (folder == second) {
+                QVERIFY(found.deleted.isEmpty());
+                QCOMPARE(found.added.size(), 1);
+                QCOMPARE(found.added.constFirst().serverId(), QString());
+                QCOMPARE(found.added.constFirst().collectionId(), second);
+            } else {
+                QVERIFY(found.added.isEmpty());
+                QCOMPARE(found.deleted, QStringList { QStringLiteral("f1:1") });
+            }
+            QVERIFY(acknowledge(found));
+        }
+        QVERIFY(queryFolder(mScene->folder).isEmpty());
+        QVERIFY(queryFolder(second).isEmpty());
+        QVERIFY(mScene->load(QStringLiteral("event-1")));
+    }
+
     void anEventAddedAndDeletedLeavesNoTrace()
     {
         LogCollector log;

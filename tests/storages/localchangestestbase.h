@@ -32,11 +32,13 @@ protected:
     /** Between the time of the synced events and that of the user's edits. */
     const qint64 mLastSync = 1650000000;
 
-    Found query(qint64 after = 0)
+    Found query(qint64 after = 0) { return queryFolder(mScene->folder, after); }
+
+    Found queryFolder(const QString &folder, qint64 after = 0)
     {
         Found found;
-        found.done = mChanges->queryLocalUpdates(mScene->folder, after == 0 ? mLastSync : after,
-            found.queryTime, found.added, found.updated, found.deleted);
+        found.done = mChanges->queryLocalUpdates(folder, after == 0 ? mLastSync : after, found.queryTime,
+            found.added, found.updated, found.deleted);
         return found;
     }
 
@@ -44,7 +46,7 @@ protected:
     bool acknowledge(Found &found)
     {
         for (EasCalendarItem &item : found.added)
-            item.setServerId(QStringLiteral("f1:new-") + item.localId());
+            item.setServerId(item.collectionId() + QStringLiteral(":new-") + item.localId());
         return mChanges->uploadedLocalChanges(found.added, found.updated, found.deleted)
             && EasDatabase::instance()->calendarItemsChanges(
                 mScene->accountId(), found.added, found.updated, found.deleted, {});

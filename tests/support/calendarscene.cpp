@@ -97,6 +97,29 @@ void CalendarScene::map(const QString &serverId, const QString &uid, quint32 sta
     EasDatabase::instance()->addCalendarItems(accountId(), { item });
 }
 
+QString CalendarScene::addSecondCalendar()
+{
+    const QString uid = QStringLiteral("notebook-of-f2");
+    context.storage->addNotebook(mKCal::Notebook::Ptr::create(
+        uid, QStringLiteral("Second"), QString(), QString(), false, false, false, false, true));
+    EasFolderItem item;
+    item.setServerId(QStringLiteral("f2"));
+    item.setLocalId(uid);
+    item.setType(EasFolderItem::UserCreatedCalendarFolder);
+    item.setSavedInStorage(true);
+    EasDatabase::instance()->addFolderItems(accountId(), { item });
+    return uid;
+}
+
+bool CalendarScene::move(const QString &uid, const QString &notebookUid, qint64 modified)
+{
+    const Event::Ptr event = load(uid);
+    if (!event || !context.calendar->setNotebook(event, notebookUid))
+        return false;
+    event->setLastModified(utc(modified));
+    return context.storage->save();
+}
+
 bool CalendarScene::remove(const QString &uid, const QDateTime &recurrenceId)
 {
     const Event::Ptr event = load(uid, recurrenceId);

@@ -43,6 +43,10 @@ public:
         event->setLastModified(QDateTime::fromSecsSinceEpoch(modified, Qt::UTC));
         return context.storage->save();
     }
+    /** A second calendar of the account, the local side of the server's folder "f2". */
+    QString addSecondCalendar();
+    /** What the user does: the event stands in another calendar, and counts as changed at this time. */
+    bool move(const QString &uid, const QString &notebookUid, qint64 modified = 1700000000);
     bool remove(const QString &uid, const QDateTime &recurrenceId = QDateTime());
     /** An exception of a series on the day so many days after its first, changed at this time. */
     bool addException(const QString &uid, int day, const QString &summary, qint64 modified = 1700000000);

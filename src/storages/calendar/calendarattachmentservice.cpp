@@ -35,8 +35,9 @@ QString referenceOf(const Attachment &attachment)
 QString occurrenceId(const Event &event)
 {
     const QDateTime moment = event.recurrenceId();
-    // Days are the same everywhere; the text of a moment must not depend on the zone it was given in.
-    return (event.allDay() ? moment : moment.toUTC()).toString(QStringLiteral("yyyy-MM-dd hh:mm:ss"));
+    // A day is in clock time and the same everywhere; the text of a moment must not depend on the zone it was
+    // given in. Whether the exception itself lasts whole days does not matter: an edit can change that.
+    return (moment.timeSpec() == Qt::LocalTime ? moment : moment.toUTC()).toString(QStringLiteral("yyyy-MM-dd hh:mm:ss"));
 }
 
 QString localPath(const QString &location)

@@ -1,74 +1,66 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "storages/calendar/calendarattachmentuploads.h"
 
-#include "application/account/easaccount.h"
 #include "application/mapping/easdatabase.h"
 #include "storages/calendar/calendarattachmentservice.h"
-#include "storages/calendar/calendarstorecontext.h"
 
-CalendarAttachmentUploads::CalendarAttachmentUploads(const CalendarStoreContext &context)
-    : mContext(context)
-{
-}
+#include <QSet>
 
-void CalendarAttachmentUploads::applyAttachments(
+#include <algorithm>
+
+bool CalendarAttachmentUploads::applyAttachments(
     const KCalendarCore::Event::Ptr &event, EasCalendarItem &item)
 {
-    if (!mContext.account || mContext.account->protocolVersion() < ExchangeActiveSync::ProtocolVersion160)
-        return;
-    const QString key = CalendarAttachmentService::eventKey(*event);
-    takeBack(key);
-    CalendarAttachmentService service;
-    const auto present = service.handleLocalAttachments(event);
+    const auto present = CalendarAttachmentService().handleLocalAttachments(event);
     if (!present)
-        return;
-    QList<EasAttachmentContainer> added = *present;
-    Sent sent;
-    sent.uid = event->uid();
-    sent.deleted = CalendarAttachmentService::processLocallyDeletedAttachments(key, added);
-    // Without their rows, a run that is interrupted before the answer would leave the server its files.
-    EasDatabase *database = EasDatabase::instance();
-    for (const EasAttachmentContainer &row : qAsConst(sent.deleted))
-        database->addCalendarAttachment(key, row);
-    CalendarAttachmentService::processLocallyAddedAttachments(key, added);
-    QList<EasAttachmentContainer> changes = added;
-    for (const EasAttachmentContainer &attachment : qAsConst(added))
-        sent.added.append(attachment.contentId());
-    for (const EasAttachmentContainer &row : qAsConst(sent.deleted)) {
+        return true;
+    const Lookup<QList<EasAttachmentContainer>> rows =
+        EasDatabase::instance()->getCalendarAttachments(CalendarAttachmentService::eventKey(*event));
+    if (!rows)
+        return false;
+    QSet<QString> known;
+    for (const EasAttachmentContainer &row : *rows)
+        known.insert(row.contentId());
+    QList<EasAttachmentContainer> changes;
+    QSet<QString> references;
+    for (const EasAttachmentContainer &attachment : *present) {
+        references.insert(attachment.fileReference());
+        if (attachment.fileReference().isEmpty() && !known.contains(attachment.contentId())) {
+            known.insert(attachment.contentId());
+            changes.append(attachment);
+        }
+    }
+    for (const EasAttachmentContainer &row : *rows) {
+        if (row.fileReference().isEmpty() || references.contains(row.fileReference()))
+            continue;
         EasAttachmentContainer deletion;
         deletion.setFileReference(row.fileReference());
         changes.append(deletion);
     }
-    if (changes.isEmpty())
-        return;
-    item.setAttachments(changes);
-    mSent.insert(key, sent);
+    if (!changes.isEmpty())
+        item.setAttachments(changes);
+    return true;
 }
 
-void CalendarAttachmentUploads::takeBack(const QString &eventKey)
+void CalendarAttachmentUploads::settle(const QString &eventKey, const QList<EasAttachmentContainer> &sent)
 {
-    EasDatabase *database = EasDatabase::instance();
-    mSent.remove(eventKey);
-    const QSet<QString> taken = mTaken.value(eventKey);
-    const QList<EasAttachmentContainer> rows = database->getCalendarAttachments(eventKey).valueOr({});
-    for (const EasAttachmentContainer &row : rows) {
-        // Also what was sent before a restart: without a reference nothing says that it has arrived.
-        if (row.fileReference().isEmpty() && !taken.contains(row.contentId()))
-            database->deleteCalendarAttachmentByContentId(eventKey, row.contentId());
+    QList<EasAttachmentContainer> added;
+    QSet<QString> deleted;
+    for (const EasAttachmentContainer &attachment : sent) {
+        if (attachment.fileReference().isEmpty())
+            added.append(attachment);
+        else
+            deleted.insert(attachment.fileReference());
     }
-}
-
-void CalendarAttachmentUploads::settle(const QStringList &uids)
-{
-    for (auto sent = mSent.begin(); sent != mSent.end();) {
-        if (!uids.contains(sent->uid)) {
-            ++sent;
-            continue;
-        }
-        for (const QString &contentId : qAsConst(sent->added))
-            mTaken[sent.key()].insert(contentId);
-        for (const EasAttachmentContainer &row : qAsConst(sent->deleted))
-            EasDatabase::instance()->deleteCalendarAttachmentByContentId(sent.key(), row.contentId());
-        sent = mSent.erase(sent);
+    if (!deleted.isEmpty()) {
+        QList<EasAttachmentContainer> kept =
+            EasDatabase::instance()->getCalendarAttachments(eventKey).valueOr({});
+        kept.erase(std::remove_if(kept.begin(), kept.end(),
+                       [&deleted](const EasAttachmentContainer &row) {
+                           return deleted.contains(row.fileReference());
+                       }),
+            kept.end());
+        CalendarAttachmentService::processLocallyDeletedAttachments(eventKey, kept);
     }
+    CalendarAttachmentService::processLocallyAddedAttachments(eventKey, added);
 }

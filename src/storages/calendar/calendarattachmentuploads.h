@@ -5,42 +5,17 @@
 
 #include <KCalendarCore/Event>
 
-#include <QHash>
-#include <QSet>
-#include <QStringList>
-
-struct CalendarStoreContext;
-
 /**
- * The attachments that go up with local changes.
- *
- * The rows of the mapping are written when a change is found. Until the server has acknowledged it, a
- * repeated search starts from the rows as they were, so that an upload that failed brings the files once
- * more.
+ * The attachments that go up with local changes: files without a row of the mapping are new to the server,
+ * rows whose file has gone name what is to be deleted there. The rows change with the server's answer alone:
+ * an upload that failed brings the files once more, and a file that was taken never goes up again, though its
+ * reference may not be known yet.
  */
-class CalendarAttachmentUploads
-{
-public:
-    explicit CalendarAttachmentUploads(const CalendarStoreContext &context);
+namespace CalendarAttachmentUploads {
 
-    /** Up to 14.1 events of a server have no attachments, and nothing is set. */
-    void applyAttachments(const KCalendarCore::Event::Ptr &event, EasCalendarItem &item);
-    /** The server has taken what went up with these events. */
-    void settle(const QStringList &uids);
+/** From 16.0 on. False if the mapping cannot be read. */
+bool applyAttachments(const KCalendarCore::Event::Ptr &event, EasCalendarItem &item);
+/** The server has taken what went up with an event or an exception. */
+void settle(const QString &eventKey, const QList<EasAttachmentContainer> &sent);
 
-private:
-    /** The rows of one event that the last search has changed. */
-    struct Sent
-    {
-        QString uid;
-        QStringList added;
-        QList<EasAttachmentContainer> deleted;
-    };
-
-    void takeBack(const QString &eventKey);
-
-    const CalendarStoreContext &mContext;
-    QHash<QString, Sent> mSent;
-    /** Files that the server has, though it has not told their references. */
-    QHash<QString, QSet<QString>> mTaken;
-};
+} // namespace CalendarAttachmentUploads

@@ -21,6 +21,19 @@ CalendarEventReader::CalendarEventReader(const CalendarStoreContext &context)
 {
 }
 
+CalendarEventReader::CalendarEventReader(
+    const CalendarStoreContext &context, const QMap<QString, QString> &serverIds)
+    : mContext(context)
+    , mServerIds(serverIds)
+{
+}
+
+Lookup<QString> CalendarEventReader::serverIdOf(const QString &uid) const
+{
+    return mServerIds ? Lookup<QString>(mServerIds->value(uid))
+                      : EasDatabase::instance()->localToServerCalendarId(mContext.accountId(), uid);
+}
+
 bool CalendarEventReader::convert(const Event::Ptr &event, EasCalendarItem &item, bool withExceptions) const
 {
     if (!mContext.isReady()) {
@@ -31,13 +44,12 @@ bool CalendarEventReader::convert(const Event::Ptr &event, EasCalendarItem &item
         qCWarning(eas()) << "No UID";
         return false;
     }
-    const EasDatabase *database = EasDatabase::instance();
-    const QString serverId = database->localToServerCalendarId(mContext.accountId(), event->uid());
-    if (database->lookupFailed())
+    const Lookup<QString> serverId = serverIdOf(event->uid());
+    if (!serverId)
         return false;
-    if (serverId.isEmpty())
+    if (serverId->isEmpty())
         qCDebug(eas()) << "No server ID:" << event->uid();
-    item.setServerId(serverId);
+    item.setServerId(*serverId);
     item.setLocalId(event->uid());
     item.setLocalStorageAccountId(mContext.accountId());
     CalendarEventFields::read({ *event, *event, mContext.protocolVersion(), item });

@@ -1,9 +1,14 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include "application/mapping/lookup.h"
 #include "easitems/eascalendaritem.h"
 
 #include <KCalendarCore/Event>
+
+#include <QMap>
+
+#include <optional>
 
 struct CalendarStoreContext;
 
@@ -16,7 +21,10 @@ struct CalendarStoreContext;
 class CalendarEventReader
 {
 public:
+    /** Server identifiers are looked up in the mapping. */
     explicit CalendarEventReader(const CalendarStoreContext &context);
+    /** With those of one folder, by local identifiers. */
+    CalendarEventReader(const CalendarStoreContext &context, const QMap<QString, QString> &serverIds);
 
     /** The item has no server id if the mapping does not know the event. False, logged, if it cannot go up.
      */
@@ -38,5 +46,8 @@ private:
     void applyReceived(const KCalendarCore::Event::Ptr &event, EasCalendarItem &item) const;
     void applyDeletions(const KCalendarCore::Event::Ptr &event, EasCalendarItem &item) const;
 
+    Lookup<QString> serverIdOf(const QString &uid) const;
+
     const CalendarStoreContext &mContext;
+    std::optional<QMap<QString, QString>> mServerIds;
 };

@@ -14,9 +14,9 @@ class EasCalendarItem;
  * The exceptions of a series: occurrences that are left out, and occurrences that are events of their own.
  *
  * The item's list is the whole list; an exception of the store that it does not name goes. An exception whose
- * moment is no occurrence of the series, or that cannot be understood, is left out with a log line, as it must
- * not cost the user the series, and stands with the series as it came (CalendarReceivedRule).
- * Nothing is saved here. Main thread only.
+ * moment is no occurrence of the series, or that cannot be understood, is left out with a log line, as it
+ * must not cost the user the series, and stands with the series as it came (CalendarReceivedRule). Nothing is
+ * saved here. Main thread only.
  */
 class CalendarExceptions
 {

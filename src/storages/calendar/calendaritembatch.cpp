@@ -18,6 +18,7 @@ using KCalendarCore::Incidence;
 CalendarItemBatch::CalendarItemBatch(const CalendarStoreContext &context, CalendarLocalChanges &localChanges)
     : mContext(context)
     , mLocalChanges(localChanges)
+    , mRecovery(context)
     , mWriter(context, &mDeleted)
 {
 }
@@ -25,10 +26,8 @@ CalendarItemBatch::CalendarItemBatch(const CalendarStoreContext &context, Calend
 bool CalendarItemBatch::updateItems(QList<EasCalendarItem> &added, QList<EasCalendarItem> &updated,
     const QStringList &deleted, QStringList &replaced)
 {
-    EasDatabase *database = EasDatabase::instance();
-    mMapping = database->serverToLocalCalendarIds(mContext.accountId());
-    // What is known would look new, and come a second time.
-    if (database->lookupFailed() || !collectFolders(added, updated, deleted)
+    // Without the mapping what is known would look new, and come a second time.
+    if (!mRecovery.readMapping() || !collectFolders(added, updated, deleted)
         || !loadFolders(added, updated, deleted))
         return false;
     sortItems(added, updated, replaced);
@@ -73,13 +72,12 @@ bool CalendarItemBatch::collectFolders(
             return false;
     }
     if (!deleted.isEmpty()) {
-        EasDatabase *database = EasDatabase::instance();
-        const QMap<QString, QString> collections =
-            database->serverCalendarIdToCollectionIds(mContext.accountId());
-        if (database->lookupFailed())
+        const Lookup<QMap<QString, QString>> collections =
+            EasDatabase::instance()->serverCalendarIdToCollectionIds(mContext.accountId());
+        if (!collections)
             return false;
         for (const QString &serverId : deleted) {
-            const QString collectionId = collections.value(serverId);
+            const QString collectionId = collections->value(serverId);
             if (!collectionId.isEmpty() && !enterFolder(collectionId))
                 return false;
         }
@@ -111,7 +109,7 @@ bool CalendarItemBatch::concernsStored(const QList<EasCalendarItem> &added,
     const QList<EasCalendarItem> &updated, const QStringList &deleted) const
 {
     const auto isKnown = [this](const QString &serverId) {
-        return mMapping.contains(serverId);
+        return mRecovery.mapping().contains(serverId);
     };
     const QList<EasCalendarItem> items = added + updated;
     return std::any_of(deleted.cbegin(), deleted.cend(), isKnown)
@@ -128,13 +126,8 @@ bool CalendarItemBatch::loadFolders(
     if (!concernsStored(added, updated, deleted))
         return true;
     for (auto folder = mFolders.cbegin(); folder != mFolders.cend(); ++folder) {
-        // An event that the user deleted would look purged, and come back.
-        if (!mContext.storage->loadNotebookIncidences(folder.value())
-            || !mContext.storage->deletedIncidences(&mDeletedBefore, QDateTime(), folder.value())) {
-            qCCritical(eas()) << "Cant load notebook incidences for collection" << folder.key();
+        if (!mRecovery.load(folder.value(), folder.key()))
             return false;
-        }
-        qCDebug(eas()) << "Loaded notebook incidences for collection" << folder.key();
     }
     return true;
 }
@@ -153,46 +146,32 @@ void CalendarItemBatch::sortItems(
         CalendarEventFields::completeWholeItem(item, mContext.protocolVersion());
 }
 
-bool CalendarItemBatch::isPurged(const EasCalendarItem &item) const
+CalendarRecovery::State CalendarItemBatch::stateOf(const EasCalendarItem &item)
 {
-    const QString localId = mMapping.value(item.serverId());
-    return !mContext.calendar->event(localId)
-        && std::none_of(mDeletedBefore.cbegin(), mDeletedBefore.cend(), [&](const Incidence::Ptr &incidence) {
-               return incidence->uid() == localId && !incidence->hasRecurrenceId();
-           });
+    return mRecovery.stateOf(item.serverId(), folderOf(item));
 }
 
 void CalendarItemBatch::takePurged(
-    QList<EasCalendarItem> &added, QList<EasCalendarItem> &updated, QStringList &replaced) const
+    QList<EasCalendarItem> &added, QList<EasCalendarItem> &updated, QStringList &replaced)
 {
     QList<EasCalendarItem> kept;
     for (const EasCalendarItem &item : qAsConst(updated)) {
-        if (!mMapping.contains(item.serverId())
-            && item.parameterHasBeenChanged(EasCalendarItem::StartTimeParameter)) {
+        const State state = stateOf(item);
+        if (state == State::Unknown && item.parameterHasBeenChanged(EasCalendarItem::StartTimeParameter)) {
             // It could not be understood when it came first.
             added.append(item);
-        } else if (mMapping.contains(item.serverId()) && isPurged(item)) {
+        } else if (state == State::Purged) {
             qCInfo(eas()) << "Found previously purged item:" << item.serverId() << "-> "
-                          << mMapping.value(item.serverId()) << ", making addedItem.";
+                          << mRecovery.mapping().value(item.serverId()) << ", making addedItem.";
             replaced.append(item.serverId());
             added.append(item);
+        } else if (state == State::Moved) {
+            qCInfo(eas()) << "the user has moved the event to another calendar:" << item.serverId();
         } else {
             kept.append(item);
         }
     }
     updated = kept;
-}
-
-bool CalendarItemBatch::isEditedHere(const EasCalendarItem &item)
-{
-    const QString folder = folderOf(item);
-    auto timestamps = mTimestamps.find(folder);
-    if (timestamps == mTimestamps.end()) {
-        timestamps = mTimestamps.emplace(folder, CalendarTimestamps(mContext)).first;
-        if (!timestamps->second.updateTimestampCache(folder))
-            qCWarning(eas()) << "Cant load notebook incidences for collection" << item.collectionId();
-    }
-    return timestamps->second.isChanged(mMapping.value(item.serverId()));
 }
 
 void CalendarItemBatch::takeRepeated(
@@ -202,16 +181,17 @@ void CalendarItemBatch::takeRepeated(
     QStringList order;
     for (const EasCalendarItem &item : qAsConst(added)) {
         const QString serverId = item.serverId();
-        if (mMapping.contains(serverId) && !replaced.contains(serverId)) {
-            if (!isPurged(item)) {
-                if (isEditedHere(item))
-                    qCInfo(eas()) << "the server repeats what was changed here since:" << serverId;
-                else
-                    updated.append(item);
-                continue;
-            }
-            replaced.append(serverId);
+        const State state = replaced.contains(serverId) ? State::Unknown : stateOf(item);
+        if (state == State::Edited || state == State::Moved) {
+            qCInfo(eas()) << "the server repeats what was changed here since:" << serverId;
+            continue;
         }
+        if (state == State::Stored || state == State::Deleted) {
+            updated.append(item);
+            continue;
+        }
+        if (state == State::Purged)
+            replaced.append(serverId);
         if (!fresh.contains(serverId))
             order.append(serverId);
         fresh.insert(serverId, item);
@@ -226,7 +206,7 @@ bool CalendarItemBatch::handleAddedCalendarItems(QList<EasCalendarItem> &items) 
     QList<EasCalendarItem> stored;
     for (EasCalendarItem &item : items) {
         bool skipped = false;
-        if (mWriter.storeEvent(item, folderOf(item), true, mMapping, skipped))
+        if (mWriter.storeEvent(item, folderOf(item), true, mRecovery.mapping(), skipped))
             stored.append(item);
         else
             qCWarning(eas()) << "Failed adding calendar item:" << item.serverId();
@@ -240,7 +220,7 @@ bool CalendarItemBatch::handleUpdatedCalendarItems(QList<EasCalendarItem> &items
     QList<EasCalendarItem> stored;
     for (EasCalendarItem &item : items) {
         bool skipped = false;
-        if (!mWriter.storeEvent(item, folderOf(item), false, mMapping, skipped))
+        if (!mWriter.storeEvent(item, folderOf(item), false, mRecovery.mapping(), skipped))
             qCWarning(eas()) << "Failed updating calendar item:" << item.serverId();
         else if (!skipped)
             stored.append(item);
@@ -252,8 +232,8 @@ bool CalendarItemBatch::handleUpdatedCalendarItems(QList<EasCalendarItem> &items
 bool CalendarItemBatch::handleDeletedCalendarItems(const QStringList &serverIds)
 {
     for (const QString &serverId : serverIds) {
-        const auto localId = mMapping.constFind(serverId);
-        if (localId == mMapping.constEnd())
+        const auto localId = mRecovery.mapping().constFind(serverId);
+        if (localId == mRecovery.mapping().constEnd())
             qCInfo(eas()) << "No mapping:" << serverId << ". Ignoring this event.";
         else if (!deleteEvent(serverId, *localId))
             return false;
@@ -264,13 +244,12 @@ bool CalendarItemBatch::handleDeletedCalendarItems(const QStringList &serverIds)
 bool CalendarItemBatch::deleteEvent(const QString &serverId, const QString &localId)
 {
     const Event::Ptr event = mContext.calendar->event(localId);
-    if (!event) {
-        for (const Incidence::Ptr &incidence : qAsConst(mDeletedBefore)) {
-            if (incidence->uid() != localId)
-                continue;
+    // What the user has moved to another calendar is there an event of its own.
+    if (!event || !mFolders.values().contains(mContext.calendar->notebook(localId))) {
+        const Incidence::List deletedParts = mRecovery.deletedParts(localId);
+        if (!deletedParts.isEmpty())
             qCInfo(eas()) << "Event was already locally deleted:" << localId;
-            mDeleted.append(incidence);
-        }
+        mDeleted += deletedParts;
         qCInfo(eas()) << "Event not found:" << serverId << "with local id:" << localId;
         return true;
     }

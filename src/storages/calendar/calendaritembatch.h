@@ -2,14 +2,12 @@
 #pragma once
 
 #include "storages/calendar/calendareventwriter.h"
-#include "storages/calendar/calendartimestamps.h"
+#include "storages/calendar/calendarrecovery.h"
 
 #include <KCalendarCore/Incidence>
 
 #include <QMap>
 #include <QStringList>
-
-#include <map>
 
 class CalendarLocalChanges;
 
@@ -36,6 +34,8 @@ public:
         const QStringList &deleted, QStringList &replaced);
 
 private:
+    using State = CalendarRecovery::State;
+
     bool collectFolders(const QList<EasCalendarItem> &added, const QList<EasCalendarItem> &updated,
         const QStringList &deleted);
     bool enterFolder(const QString &collectionId);
@@ -47,11 +47,8 @@ private:
     QString folderOf(const EasCalendarItem &item) const;
     void sortItems(QList<EasCalendarItem> &added, QList<EasCalendarItem> &updated, QStringList &replaced);
     void takeRepeated(QList<EasCalendarItem> &added, QList<EasCalendarItem> &updated, QStringList &replaced);
-    void takePurged(
-        QList<EasCalendarItem> &added, QList<EasCalendarItem> &updated, QStringList &replaced) const;
-    bool isPurged(const EasCalendarItem &item) const;
-    /** Whether the user has changed the event since its last upload or download. */
-    bool isEditedHere(const EasCalendarItem &item);
+    void takePurged(QList<EasCalendarItem> &added, QList<EasCalendarItem> &updated, QStringList &replaced);
+    CalendarRecovery::State stateOf(const EasCalendarItem &item);
     bool handleAddedCalendarItems(QList<EasCalendarItem> &items) const;
     bool handleUpdatedCalendarItems(QList<EasCalendarItem> &items) const;
     bool handleDeletedCalendarItems(const QStringList &serverIds);
@@ -61,14 +58,9 @@ private:
 
     const CalendarStoreContext &mContext;
     CalendarLocalChanges &mLocalChanges;
+    CalendarRecovery mRecovery;
     CalendarEventWriter mWriter;
-    /** Server to local identifiers. */
-    QMap<QString, QString> mMapping;
     /** Collections of the reply and their notebooks. */
     QMap<QString, QString> mFolders;
-    /** By notebook, as the store was before the reply. */
-    std::map<QString, CalendarTimestamps> mTimestamps;
-    /** What the user has deleted, and the server does not know of yet. */
-    KCalendarCore::Incidence::List mDeletedBefore;
     KCalendarCore::Incidence::List mDeleted;
 };

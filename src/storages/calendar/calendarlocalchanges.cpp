@@ -6,12 +6,16 @@
 #include "application/base/logging.h"
 #include "application/mapping/easdatabase.h"
 #include "configurations/calendaraccountconfiguration.h"
+#include "storages/calendar/calendaritemstamps.h"
 #include "storages/calendar/calendarlocalchecks.h"
 #include "storages/calendar/calendarlocalquery.h"
-#include "storages/calendar/calendarorigin.h"
+#include "storages/calendar/calendaroccurrence.h"
+#include "storages/calendar/calendarrecovery.h"
 #include "storages/calendar/calendarstorecontext.h"
 #include "storages/calendar/calendartimestamps.h"
+#include "storages/calendar/calendaruploadsettlement.h"
 
+using KCalendarCore::Event;
 using KCalendarCore::Incidence;
 
 namespace {
@@ -29,12 +33,30 @@ QSet<QString> uidsOf(const Incidence::List &incidences)
     return uids;
 }
 
+/** The occurrence of a series that a text of the protocol names: its exception, or the series itself if it is
+ * excluded. */
+Event::Ptr occurrence(const CalendarStoreContext &context, const QString &uid, const QString &start)
+{
+    const Event::Ptr series = context.calendar->event(uid);
+    if (!series)
+        return Event::Ptr();
+    const Event::List exceptions = context.calendar->eventInstances(series);
+    for (const Event::Ptr &exception : exceptions) {
+        if (CalendarOccurrence(series, exception->recurrenceId()).wire(context.protocolVersion()) == start)
+            return exception;
+    }
+    const QList<CalendarOccurrence> excluded = CalendarOccurrence::excludedFrom(series);
+    for (const CalendarOccurrence &deletion : excluded) {
+        if (deletion.wire(context.protocolVersion()) == start)
+            return series;
+    }
+    return Event::Ptr();
+}
+
 } // namespace
 
 CalendarLocalChanges::CalendarLocalChanges(const CalendarStoreContext &context)
     : mContext(context)
-    , mDeletions(context)
-    , mAttachments(context)
 {
 }
 
@@ -169,14 +191,13 @@ bool CalendarLocalChanges::queryLocalUpdates(const QString &folderId, qint64 aft
     }
     // What an interruption left would pass for something that the user made.
     CalendarTimestamps timestamps(mContext);
-    if (!CalendarOrigin::removeStrays(mContext, notebookUid)
+    if (!CalendarRecovery::removeStrays(mContext, notebookUid)
         || !timestamps.updateTimestampCache(notebookUid)) {
         qCWarning(eas()) << "Failed loading notebook:" << notebookUid;
         return false;
     }
-    CalendarLocalQuery query(
-        mContext, timestamps, mDeletions, mAttachments, notebooks.key(notebookUid), notebookUid);
-    if (!query.ask(toTime(after)))
+    CalendarLocalQuery query(mContext, timestamps, notebooks.key(notebookUid), notebookUid);
+    if (!query.ask())
         return false;
     queryTime = Clock::instance().currentDateTimeUtc().toSecsSinceEpoch();
     qCInfo(eas()) << "Query time:" << toTime(queryTime);
@@ -225,4 +246,93 @@ bool CalendarLocalChanges::setSyncTime(const QString &localFolderId, qint64 time
         return false;
     }
     return true;
+}
+
+bool CalendarLocalChanges::touchItems(
+    const QString &serverFolderId, const QList<QPair<QString, QString>> &items)
+{
+    qCInfo(eas()) << "Getting local items for folder:" << serverFolderId;
+    if (!isEnabled()) {
+        qCInfo(eas()) << "Calendar sync disabled";
+        return false;
+    }
+    if (!mContext.isReady()) {
+        qCCritical(eas()) << "No storage";
+        return false;
+    }
+    const Lookup<QMap<QString, QString>> notebooks =
+        EasDatabase::instance()->serverToLocalFolderIds(mContext.accountId());
+    if (!notebooks)
+        return false;
+    const QString notebookUid = notebooks->value(serverFolderId);
+    if (notebookUid.isEmpty()) {
+        qCWarning(eas()) << "No notebook ID:" << serverFolderId;
+        return false;
+    }
+    if (!load(notebookUid)) {
+        qCWarning(eas()) << "Failed loading notebook:" << notebookUid;
+        return false;
+    }
+    qCInfo(eas()) << "Touth time:" << Clock::instance().currentDateTimeUtc();
+    for (const QPair<QString, QString> &item : items) {
+        if (!touch(item.first, item.second))
+            qCWarning(eas()) << "Event" << item.first << "not found in Calendar storage";
+    }
+    qCInfo(eas()) << "Finished touching items";
+    const bool saved = mContext.storage->save();
+    if (!saved)
+        qCWarning(eas()) << "Failed to save";
+    mContext.calendar->close();
+    return saved;
+}
+
+bool CalendarLocalChanges::touch(const QString &uid, const QString &start)
+{
+    const Event::Ptr event = occurrence(mContext, uid, start);
+    if (!event)
+        return false;
+    event->startUpdates();
+    event->endUpdates();
+    // Times of change count in seconds, and the upload that this follows may belong to the same one.
+    const uint stored = EasDatabase::instance()->calendarItemUpdateTime(mContext.accountId(), uid);
+    if (stored != EasDatabase::TimestampInvalid
+        && CalendarTimestamps::timeToStamp(event->lastModified()) <= stored)
+        event->setLastModified(QDateTime::fromSecsSinceEpoch(qint64(stored) + 1, Qt::UTC));
+    return true;
+}
+
+bool CalendarLocalChanges::uploadedLocalChanges(
+    QList<EasCalendarItem> &added, QList<EasCalendarItem> &updated, const QStringList &deleted)
+{
+    qCInfo(eas()) << "Successfully uploaded calendar changes:"
+                  << "Added:" << added.size() << "Updated:" << updated.size() << "Deleted:" << deleted.size();
+    if (added.isEmpty() && updated.isEmpty() && deleted.isEmpty())
+        return true;
+    if (!mContext.isReady()) {
+        qCCritical(eas()) << "No storage";
+        return false;
+    }
+    mContext.calendar->close();
+    return updateItemsTimestamps(foldersOf(added, updated), added, updated)
+        && CalendarUploadSettlement(mContext).settle(added, updated, deleted);
+}
+
+QStringList CalendarLocalChanges::foldersOf(
+    const QList<EasCalendarItem> &added, const QList<EasCalendarItem> &updated) const
+{
+    QStringList folders;
+    const QList<EasCalendarItem> items = added + updated;
+    for (const EasCalendarItem &item : items) {
+        if (item.collectionId().isEmpty())
+            qCWarning(eas()) << "Empty collection Id for item" << item.localId();
+        else if (!folders.contains(item.collectionId()))
+            folders.append(item.collectionId());
+    }
+    return folders;
+}
+
+bool CalendarLocalChanges::updateItemsTimestamps(
+    const QStringList &folders, QList<EasCalendarItem> &added, QList<EasCalendarItem> &updated)
+{
+    return CalendarItemStamps::update(mContext, folders, added, updated);
 }

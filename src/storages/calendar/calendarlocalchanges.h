@@ -2,8 +2,6 @@
 #pragma once
 
 #include "easitems/eascalendaritem.h"
-#include "storages/calendar/calendarattachmentuploads.h"
-#include "storages/calendar/calendaroccurrencedeletions.h"
 
 #include <QList>
 #include <QPair>
@@ -16,8 +14,8 @@ struct CalendarStoreContext;
  * has taken it.
  *
  * There is no journal: the store's lists of changes and the stamps in the mapping tell (CalendarTimestamps).
- * Each operation reads the store afresh, so events that were held before are strangers to the calendar
- * afterwards. Belongs to the calendar storage.
+ * Each operation reads the store afresh, after which the calendar does not know events that were held before.
+ * Belongs to the calendar storage.
  */
 class CalendarLocalChanges
 {
@@ -28,7 +26,8 @@ public:
     bool hasLocalUpdates(const QString &notebookUid, qint64 since);
     /** Local ids of the account's calendar folders with changes. */
     QStringList handleLocalUpdates();
-    /** The folder's server id, or its local one. */
+    /** The folder's server id, or its local one. All that the server does not know is found, whenever it
+     * happened; the time is for the log. */
     bool queryLocalUpdates(const QString &folderId, qint64 after, qint64 &queryTime,
         QList<EasCalendarItem> &added, QList<EasCalendarItem> &updated, QStringList &deleted);
     /** Pairs of a uid and the start of an occurrence; they count as changed from now on. */
@@ -51,10 +50,7 @@ private:
     bool hasDeletions(
         const QString &notebookUid, qint64 since, const class CalendarLocalChecks &checks) const;
     bool touch(const QString &uid, const QString &start);
-    bool settleUploads(const QStringList &uids, const QStringList &deletedServerIds);
     QStringList foldersOf(const QList<EasCalendarItem> &added, const QList<EasCalendarItem> &updated) const;
 
     const CalendarStoreContext &mContext;
-    CalendarOccurrenceDeletions mDeletions;
-    CalendarAttachmentUploads mAttachments;
 };

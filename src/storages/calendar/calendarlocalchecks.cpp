@@ -9,8 +9,7 @@ using KCalendarCore::Incidence;
 
 namespace {
 
-/** An event that may go up at all. */
-bool isCandidate(const Incidence::Ptr &incidence, const char *text, const char *withoutUid)
+bool isUploadable(const Incidence::Ptr &incidence, const char *text, const char *withoutUid)
 {
     const char *reason = nullptr;
     if (incidence->type() != Incidence::TypeEvent)
@@ -31,10 +30,15 @@ CalendarLocalChecks::CalendarLocalChecks(const CalendarTimestamps &timestamps)
 {
 }
 
+bool CalendarLocalChecks::isCandidate(const Incidence::Ptr &incidence)
+{
+    return isUploadable(incidence, "Skipping locally added item:", "due to empty local id");
+}
+
 bool CalendarLocalChecks::checkNewLocalItem(const Incidence::Ptr &incidence) const
 {
     const char text[] = "Skipping locally added item:";
-    if (!isCandidate(incidence, text, "due to empty local id"))
+    if (!isCandidate(incidence))
         return false;
     const uint stamp = mTimestamps.storedTimestamp(incidence->uid());
     if (stamp == EasDatabase::TimestampInvalid)
@@ -52,7 +56,7 @@ bool CalendarLocalChecks::checkNewLocalItem(const Incidence::Ptr &incidence) con
 
 bool CalendarLocalChecks::checkUpdatedLocalItem(const Incidence::Ptr &incidence) const
 {
-    if (!isCandidate(incidence, "Skipping locally updated item:", "due to empty UID"))
+    if (!isUploadable(incidence, "Skipping locally updated item:", "due to empty UID"))
         return false;
     const uint stamp = mTimestamps.storedTimestamp(incidence->uid());
     if (stamp == EasDatabase::TimestampInvalid) {
@@ -68,7 +72,7 @@ bool CalendarLocalChecks::checkUpdatedLocalItem(const Incidence::Ptr &incidence)
 
 bool CalendarLocalChecks::checkDeletedLocalItem(const Incidence::Ptr &incidence) const
 {
-    if (!isCandidate(incidence, "Skipping locally deleted item:", "due to empty UID"))
+    if (!isUploadable(incidence, "Skipping locally deleted item:", "due to empty UID"))
         return false;
     if (mTimestamps.storedTimestamp(incidence->uid()) == EasDatabase::TimestampInvalid) {
         qCCritical(eas()) << "No timestamp in DB for locally deleted item:" << incidence->uid();

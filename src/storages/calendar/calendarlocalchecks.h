@@ -16,6 +16,9 @@ class CalendarLocalChecks
 public:
     explicit CalendarLocalChecks(const CalendarTimestamps &timestamps);
 
+    /** Whether it may go up at all. */
+    static bool isCandidate(const KCalendarCore::Incidence::Ptr &incidence);
+
     bool checkNewLocalItem(const KCalendarCore::Incidence::Ptr &incidence) const;
     bool checkUpdatedLocalItem(const KCalendarCore::Incidence::Ptr &incidence) const;
     bool checkDeletedLocalItem(const KCalendarCore::Incidence::Ptr &incidence) const;

@@ -9,7 +9,6 @@
 #include "storages/calendar/calendareventreader.h"
 #include "storages/calendar/calendarlocalchecks.h"
 #include "storages/calendar/calendaroccurrence.h"
-#include "storages/calendar/calendaroccurrencedeletions.h"
 #include "storages/calendar/calendarstorecontext.h"
 #include "storages/calendar/calendartimestamps.h"
 
@@ -17,12 +16,6 @@ using KCalendarCore::Event;
 using KCalendarCore::Incidence;
 
 namespace {
-
-QString instanceKey(const Incidence::Ptr &incidence)
-{
-    return incidence->uid() + QLatin1Char('/')
-        + QString::number(CalendarTimestamps::timeToStamp(incidence->recurrenceId()));
-}
 
 /** A copy: reading an event for upload may take properties off it that have become wrong. */
 Event::Ptr copyOf(const Incidence::Ptr &incidence)
@@ -33,90 +26,68 @@ Event::Ptr copyOf(const Incidence::Ptr &incidence)
 } // namespace
 
 CalendarLocalQuery::CalendarLocalQuery(const CalendarStoreContext &context,
-    const CalendarTimestamps &timestamps, CalendarOccurrenceDeletions &deletions,
-    CalendarAttachmentUploads &attachments, const QString &serverFolderId, const QString &notebookUid)
+    const CalendarTimestamps &timestamps, const QString &serverFolderId, const QString &notebookUid)
     : mContext(context)
     , mTimestamps(timestamps)
-    , mDeletions(deletions)
-    , mAttachments(attachments)
     , mServerFolderId(serverFolderId)
     , mNotebookUid(notebookUid)
 {
 }
 
-bool CalendarLocalQuery::ask(const QDateTime &after)
+bool CalendarLocalQuery::ask()
 {
-    if (!mContext.storage->insertedIncidences(&mInsertedIncidences, after, mNotebookUid)) {
-        qCWarning(eas()) << "Failed to query new items";
-        return false;
-    }
-    if (!mContext.storage->modifiedIncidences(&mModifiedIncidences, after, mNotebookUid)) {
-        qCWarning(eas()) << "Failed to query updated items";
-        return false;
-    }
-    if (!mContext.storage->deletedIncidences(&mDeletedIncidences, QDateTime(), mNotebookUid)) {
-        qCWarning(eas()) << "Failed to query deleted items";
-        return false;
-    }
-    return true;
+    if (mContext.storage->deletedIncidences(&mDeletedIncidences, QDateTime(), mNotebookUid))
+        return true;
+    qCWarning(eas()) << "Failed to query deleted items";
+    return false;
 }
 
 bool CalendarLocalQuery::evaluate()
 {
-    const EasDatabase *database = EasDatabase::instance();
-    mServerIds = database->localToServerCalendarIds(mContext.accountId());
-    if (database->lookupFailed())
+    if (!readServerIds())
         return false;
-    evaluateInserted();
-    evaluateModified();
-    evaluateOverlooked();
+    evaluatePresent();
     evaluateDeleted();
+    evaluateMoved();
     logCounts();
     processExceptionsChanges(mAddedExceptions, false);
     processExceptionsChanges(mUpdatedExceptions, false);
     processExceptionsChanges(mDeletedExceptions, true);
-    expectDeletions();
-    return !mLookupFailed;
+    return !mFailed;
 }
 
-void CalendarLocalQuery::evaluateInserted()
+bool CalendarLocalQuery::readServerIds()
+{
+    const EasDatabase *database = EasDatabase::instance();
+    const Lookup<QMap<QString, QString>> localIds = database->serverToLocalCalendarIds(mContext.accountId());
+    const Lookup<QMap<QString, QString>> folders =
+        database->serverCalendarIdToCollectionIds(mContext.accountId());
+    if (!localIds || !folders)
+        return false;
+    for (auto row = localIds->cbegin(); row != localIds->cend(); ++row) {
+        if (folders->value(row.key()) == mServerFolderId)
+            mServerIds.insert(row.value(), row.key());
+    }
+    return true;
+}
+
+CalendarLocalQuery::State CalendarLocalQuery::classify(const Incidence::Ptr &incidence) const
 {
     const CalendarLocalChecks checks(mTimestamps);
-    for (const Incidence::Ptr &incidence : qAsConst(mInsertedIncidences)) {
-        mSeen.insert(instanceKey(incidence));
-        if (!checks.checkNewLocalItem(incidence)) {
-            qCDebug(eas()) << "No local updates detected for locally added item:" << incidence->uid();
-            continue;
-        }
-        takeChanged(incidence);
-    }
+    if (!mServerIds.contains(incidence->uid()))
+        return CalendarLocalChecks::isCandidate(incidence) ? State::New : State::Clean;
+    return checks.checkNewLocalItem(incidence) && !isOlderPart(incidence) ? State::Edited : State::Clean;
 }
 
-void CalendarLocalQuery::evaluateModified()
-{
-    const CalendarLocalChecks checks(mTimestamps);
-    for (const Incidence::Ptr &incidence : qAsConst(mModifiedIncidences)) {
-        if (!mServerIds.contains(incidence->uid()))
-            continue; // Never taken by the server: found among the overlooked.
-        mSeen.insert(instanceKey(incidence));
-        if (checks.checkUpdatedLocalItem(incidence))
-            takeChanged(incidence);
-        else
-            qCDebug(eas()) << "No local updates detected for:" << incidence->uid();
-    }
-}
-
-void CalendarLocalQuery::evaluateOverlooked()
+void CalendarLocalQuery::evaluatePresent()
 {
     const Incidence::List incidences = mContext.calendar->incidences(mNotebookUid);
     for (const Incidence::Ptr &incidence : incidences) {
-        if (incidence->type() != Incidence::TypeEvent || incidence->isReadOnly()
-            || mSeen.contains(instanceKey(incidence)))
-            continue;
-        if (mTimestamps.isChanged(incidence->uid()) || !mServerIds.contains(incidence->uid())) {
-            qCInfo(eas()) << "earlier local change is still to be uploaded:" << incidence->uid();
-            takeChanged(copyOf(incidence));
-        }
+        const State state = classify(incidence);
+        if (state == State::Clean)
+            qCDebug(eas()) << "No local updates detected for:" << incidence->uid();
+        else
+            takeChanged(copyOf(incidence), state == State::New);
     }
 }
 
@@ -129,11 +100,8 @@ bool CalendarLocalQuery::isOlderPart(const Incidence::Ptr &incidence) const
         && mTimestamps.eventTimestamp(incidence->uid()) > stored;
 }
 
-void CalendarLocalQuery::takeChanged(const Incidence::Ptr &incidence)
+void CalendarLocalQuery::takeChanged(const Incidence::Ptr &incidence, bool isNew)
 {
-    if (isOlderPart(incidence))
-        return;
-    const bool isNew = !mServerIds.contains(incidence->uid());
     if (!incidence->recurrenceId().isValid()) {
         insertItem(incidence.staticCast<Event>(), isNew);
     } else if (isNew) {
@@ -173,16 +141,21 @@ uint CalendarLocalQuery::stampBefore(const QString &uid) const
 
 bool CalendarLocalQuery::makeItem(const Event::Ptr &event, bool withExceptions, EasCalendarItem &item)
 {
-    if (!CalendarEventReader(mContext).convert(event, item, withExceptions)) {
-        mLookupFailed = mLookupFailed || EasDatabase::instance()->lookupFailed();
+    if (!CalendarEventReader(mContext, mServerIds).convert(event, item, withExceptions))
         return false;
-    }
     item.setItemChanged(true);
     item.setCollectionId(mServerFolderId);
     // Of the state that goes up: an edit while the upload is under way has another one.
     item.setLocalTimestamp(mTimestamps.eventTimestamp(event->uid()));
-    mAttachments.applyAttachments(event, item);
+    applyAttachments(event, item);
     return true;
+}
+
+void CalendarLocalQuery::applyAttachments(const Event::Ptr &event, EasCalendarItem &item)
+{
+    // Up to 14.1 events of a server have no attachments.
+    if (!mContext.exceptionsGoInSeries() && !CalendarAttachmentUploads::applyAttachments(event, item))
+        mFailed = true;
 }
 
 void CalendarLocalQuery::evaluateDeleted()
@@ -201,14 +174,35 @@ void CalendarLocalQuery::evaluateDeleted()
         } else if (mContext.calendar->event(incidence->uid())) {
             qCDebug(eas()) << "deleted item is there again:" << incidence->uid();
         } else {
-            const QString serverId = mServerIds.value(incidence->uid());
-            if (serverId.isEmpty())
-                qCWarning(eas()) << "No server ID for uid" << incidence->uid();
-            else
-                mDeleted.append(serverId);
-            mDeletedUids.append(incidence->uid());
+            takeDeleted(incidence->uid());
         }
     }
+}
+
+void CalendarLocalQuery::evaluateMoved()
+{
+    const QStringList uids = mServerIds.keys();
+    for (const QString &uid : uids) {
+        if (mContext.calendar->event(uid) || mDeletedUids.contains(uid))
+            continue;
+        if (!mContext.storage->loadSeries(uid)) {
+            qCWarning(eas()) << "cannot look for an event in the other calendars:" << uid;
+            mFailed = true;
+        } else if (mContext.calendar->event(uid)) {
+            qCInfo(eas()) << "event was moved to another calendar:" << uid;
+            takeDeleted(uid);
+        }
+    }
+}
+
+void CalendarLocalQuery::takeDeleted(const QString &uid)
+{
+    const QString serverId = mServerIds.value(uid);
+    if (serverId.isEmpty())
+        qCWarning(eas()) << "No server ID for uid" << uid;
+    else
+        mDeleted.append(serverId);
+    mDeletedUids.append(uid);
 }
 
 void CalendarLocalQuery::logCounts() const
@@ -235,7 +229,7 @@ void CalendarLocalQuery::processExceptionsChanges(const Incidence::List &excepti
 bool CalendarLocalQuery::applyChangedException(
     const Event::Ptr &series, const Event::Ptr &exception, bool deleted, EasCalendarItem &item)
 {
-    const CalendarEventReader reader(mContext);
+    const CalendarEventReader reader(mContext, mServerIds);
     if (!reader.applyException(series, exception, deleted, item, true))
         return false;
     if (deleted)
@@ -245,7 +239,7 @@ bool CalendarLocalQuery::applyChangedException(
     QList<EasCalendarItem> exceptions = item.exceptions();
     for (EasCalendarItem &candidate : exceptions) {
         if (candidate.exceptionStartTime() == start)
-            mAttachments.applyAttachments(exception, candidate);
+            applyAttachments(exception, candidate);
     }
     item.setExceptions(exceptions);
     return true;
@@ -292,21 +286,4 @@ void CalendarLocalQuery::applyToSeries(const Event::Ptr &exception, bool deleted
         return;
     }
     mUpdated.insert(uid, item);
-}
-
-void CalendarLocalQuery::expectDeletions()
-{
-    // From 16.0 on a new series goes up without its exceptions, and they follow in an upload of their own.
-    const QStringList uids =
-        mUpdated.keys() + (mContext.exceptionsGoInSeries() ? mAdded.keys() : QStringList());
-    for (const QString &uid : uids) {
-        const Event::Ptr series = mContext.calendar->event(uid);
-        Incidence::List exceptions;
-        for (const Incidence::Ptr &exception : qAsConst(mDeletedExceptions)) {
-            if (exception->uid() == uid)
-                exceptions.append(exception);
-        }
-        if (series)
-            mDeletions.expect(series, exceptions);
-    }
 }

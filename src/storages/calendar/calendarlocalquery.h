@@ -9,8 +9,6 @@
 #include <QSet>
 #include <QStringList>
 
-class CalendarAttachmentUploads;
-class CalendarOccurrenceDeletions;
 class CalendarTimestamps;
 struct CalendarStoreContext;
 
@@ -19,8 +17,9 @@ struct CalendarStoreContext;
  *
  * The store's own lists go by time, and time is not enough: an upload that the server refused, an event that
  * was made in the second of the last search or before a clock was set back, and the deletion of an event that
- * came between a search and its end all fall out of them. So what the mapping does not know, or knows
- * in another state, and whatever stands deleted, is looked at whenever it happened.
+ * came between a search and its end all fall out of them. So each event of the folder is looked at: it is new
+ * if the mapping does not have it in this folder, and edited if the mapping has it in another state. What
+ * stands deleted, and what the user moved to another calendar, is a deletion to this folder.
  *
  * The notebook is loaded, and the timestamps are those of it. Made for one search.
  */
@@ -28,11 +27,10 @@ class CalendarLocalQuery
 {
 public:
     CalendarLocalQuery(const CalendarStoreContext &context, const CalendarTimestamps &timestamps,
-        CalendarOccurrenceDeletions &deletions, CalendarAttachmentUploads &attachments,
         const QString &serverFolderId, const QString &notebookUid);
 
     /** Asks the store. False if it does not answer. */
-    bool ask(const QDateTime &after);
+    bool ask();
     /** Makes items of the answers. False if the mapping cannot be read. */
     bool evaluate();
 
@@ -43,35 +41,36 @@ public:
 private:
     typedef QMap<QString, EasCalendarItem> Items;
 
-    void evaluateInserted();
-    void evaluateModified();
-    void evaluateOverlooked();
+    /** What the mapping says of one event, or of one exception. */
+    enum class State { New, Edited, Clean };
+
+    bool readServerIds();
+    State classify(const KCalendarCore::Incidence::Ptr &incidence) const;
+    void evaluatePresent();
     void evaluateDeleted();
+    void evaluateMoved();
+    void takeDeleted(const QString &uid);
     bool isOlderPart(const KCalendarCore::Incidence::Ptr &incidence) const;
-    void takeChanged(const KCalendarCore::Incidence::Ptr &incidence);
+    void takeChanged(const KCalendarCore::Incidence::Ptr &incidence, bool isNew);
     void insertItem(const KCalendarCore::Event::Ptr &event, bool isNew);
     /** A stamp that is older than the series and all of its exceptions. */
     uint stampBefore(const QString &uid) const;
     bool makeItem(const KCalendarCore::Event::Ptr &event, bool withExceptions, EasCalendarItem &item);
+    void applyAttachments(const KCalendarCore::Event::Ptr &event, EasCalendarItem &item);
     void processExceptionsChanges(const KCalendarCore::Incidence::List &exceptions, bool deleted);
     bool applyChangedException(const KCalendarCore::Event::Ptr &series,
         const KCalendarCore::Event::Ptr &exception, bool deleted, EasCalendarItem &item);
     void applyToSeries(const KCalendarCore::Event::Ptr &exception, bool deleted);
-    void expectDeletions();
     void logCounts() const;
 
     const CalendarStoreContext &mContext;
     const CalendarTimestamps &mTimestamps;
-    CalendarOccurrenceDeletions &mDeletions;
-    CalendarAttachmentUploads &mAttachments;
     const QString mServerFolderId;
     const QString mNotebookUid;
 
-    KCalendarCore::Incidence::List mInsertedIncidences;
-    KCalendarCore::Incidence::List mModifiedIncidences;
     KCalendarCore::Incidence::List mDeletedIncidences;
+    /** Of the events that the server has in this folder, by their local identifiers. */
     QMap<QString, QString> mServerIds;
-    QSet<QString> mSeen;
     Items mAdded;
     Items mUpdated;
     QStringList mDeleted;
@@ -79,5 +78,5 @@ private:
     KCalendarCore::Incidence::List mAddedExceptions;
     KCalendarCore::Incidence::List mUpdatedExceptions;
     KCalendarCore::Incidence::List mDeletedExceptions;
-    bool mLookupFailed = false;
+    bool mFailed = false;
 };

@@ -7,8 +7,6 @@
 
 #include <QString>
 
-struct CalendarStoreContext;
-
 /**
  * Which item of the server an event was made for, as the event itself tells.
  *
@@ -23,8 +21,5 @@ void setServerId(KCalendarCore::Event &event, EasAccountId accountId, const QStr
  * an event that the user moved here from another account.
  */
 QString serverId(const KCalendarCore::Event &event, EasAccountId accountId);
-
-/** Reads a notebook afresh and erases what an interruption left in it; the server sends that again. */
-bool removeStrays(const CalendarStoreContext &context, const QString &notebookUid);
 
 } // namespace CalendarOrigin

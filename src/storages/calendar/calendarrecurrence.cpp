@@ -105,8 +105,8 @@ bool setDays(RecurrenceRule &rule, const EasRecurrenceContainer &recurrence)
     }
 }
 
-bool setEnd(RecurrenceRule &rule, const EasRecurrenceContainer &recurrence, const QTimeZone &timeZone,
-    bool allDay)
+bool setEnd(
+    RecurrenceRule &rule, const EasRecurrenceContainer &recurrence, const QTimeZone &timeZone, bool allDay)
 {
     if (recurrence.occurrences() > LargestCount)
         qCWarning(eas()) << "Too many occurrences to count, taken for endless:" << recurrence.occurrences();
