@@ -170,7 +170,45 @@ private Q_SLOTS:
         QCOMPARE(second.at(2).id(), first.at(2).id());
         QCOMPARE(ContactFixture::names(fixture.contacts(collection.id())),
             QStringList({ QStringLiteral("changed"), QStringLiteral("keep"), QStringLiteral("new") }));
-        QCOMPARE(fixture.changes(collection.id()).counts(), QStringLiteral("0 0 0 3"));
+        QCOMPARE(fixture.changes(collection.id()).counts(), QStringLiteral("0 0 1 3"));
+    }
+
+    void aStoredRemovalIsListedUntilItsFlagsAreCleared()
+    {
+        ContactFixture fixture;
+        const QContactCollection collection = fixture.addCollection(QStringLiteral("c"));
+        QContactManager::Error error = QContactManager::NoError;
+        QList<QContact> contacts { flagged(
+            ContactFixture::named(QStringLiteral("a")), QContactStatusFlags::IsAdded) };
+        QVERIFY(store(fixture, collection, contacts, &error));
+        const QContactId id = contacts.first().id();
+        contacts = { flagged(fixture.manager().contact(id), QContactStatusFlags::IsDeleted) };
+        QVERIFY(store(fixture, collection, contacts, &error));
+        QVERIFY(fixture.contacts(collection.id()).isEmpty());
+        const ContactFixture::Changes changes = fixture.changes(collection.id());
+        QCOMPARE(changes.counts(), QStringLiteral("0 0 1 0"));
+        QCOMPARE(changes.deleted.first().detail<QContactStatusFlags>().flagsValue(), quint64(128));
+        QVERIFY(fixture.engine()->clearChangeFlags(QList<QContactId> { id }, &error));
+        QCOMPARE(fixture.changes(collection.id()).counts(), QStringLiteral("0 0 0 0"));
+    }
+
+    void aSecondNameIsRefusedWhereTheStoreIsToldSo()
+    {
+        ContactFixture fixture;
+        const QContactCollection collection = fixture.addCollection(QStringLiteral("c"));
+        QContact contact = flagged(ContactFixture::named(QStringLiteral("a")), QContactStatusFlags::IsAdded);
+        QContactName second;
+        second.setFirstName(QStringLiteral("b"));
+        QVERIFY(contact.saveDetail(&second));
+        QList<QContact> contacts { contact };
+        QContactManager::Error error = QContactManager::NoError;
+        qputenv("CONTACTS_ONE_NAME", "1");
+        const bool stored = store(fixture, collection, contacts, &error);
+        qunsetenv("CONTACTS_ONE_NAME");
+        QVERIFY(!stored);
+        QCOMPARE(error, QContactManager::LimitReachedError);
+        contacts = { contact };
+        QVERIFY(store(fixture, collection, contacts, &error));
     }
 
     void aPendingLocalChangeStaysPendingWhenItIsOverwritten()

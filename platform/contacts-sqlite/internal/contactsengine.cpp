@@ -311,9 +311,9 @@ ContactsEngine::Error ContactsEngine::remove(const QContactId &id, ContactChange
     const quint64 collection = mContacts.collectionOf(number);
     if (collection == 0)
         return QContactManager::DoesNotExistError;
-    // The device's own address book is not synchronised, so no engine would ever purge its rows.
-    const bool purge = collection == ContactIds::localCollection;
-    if (!mContacts.remove(number, purge ? ContactTable::Synchronised : ContactTable::Local))
+    // The device's own address book is not synchronised, so no flags of it are ever cleared.
+    const bool isLocal = collection == ContactIds::localCollection;
+    if (!(isLocal ? mContacts.purge(number) : mContacts.remove(number, ContactTable::Local)))
         return QContactManager::UnspecifiedError;
     changes.add(ContactChanges::ContactsRemoved, number);
     changes.add(ContactChanges::CollectionContactsChanged, collection);

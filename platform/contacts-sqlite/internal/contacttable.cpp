@@ -41,7 +41,7 @@ QString unhandled(int flag)
 }
 
 // What has been deleted after the last fetch is news, not something that has been seen to.
-QString purge(const char *condition)
+QString purgeDeleted(const char *condition)
 {
     return QStringLiteral("DELETE FROM contacts WHERE %1 = ? AND flags & %2 <> 0 AND unhandled & %2 = 0")
         .arg(QLatin1String(condition))
@@ -145,13 +145,19 @@ bool ContactTable::update(const QContact &contact, Origin origin)
 
 bool ContactTable::remove(quint64 number, Origin origin)
 {
-    const QString sql = origin == Synchronised
-        ? QStringLiteral("DELETE FROM contacts WHERE id = ?")
-        : QStringLiteral("UPDATE contacts SET flags = flags | %1, unhandled = %2 WHERE id = ? AND %3")
-              .arg(deleted)
-              .arg(unhandled(deleted))
-              .arg(notDeleted());
-    return mDatabase.run(sql, { number }) && mDatabase.changedRows() == 1;
+    const QString news =
+        origin == Synchronised ? QString() : QStringLiteral(", unhandled = %1").arg(unhandled(deleted));
+    return mDatabase.run(QStringLiteral("UPDATE contacts SET flags = flags | %1%2 WHERE id = ? AND %3")
+                             .arg(deleted)
+                             .arg(news, notDeleted()),
+               { number })
+        && mDatabase.changedRows() == 1;
+}
+
+bool ContactTable::purge(quint64 number)
+{
+    return mDatabase.run(QStringLiteral("DELETE FROM contacts WHERE id = ?"), { number })
+        && mDatabase.changedRows() == 1;
 }
 
 bool ContactTable::removeAll(quint64 collection, QList<quint64> *numbersOut)
@@ -171,12 +177,12 @@ bool ContactTable::startRecording(quint64 collection)
 
 bool ContactTable::clearFlags(quint64 number)
 {
-    return mDatabase.run(purge("id"), { number }) && mDatabase.run(forget("id"), { number });
+    return mDatabase.run(purgeDeleted("id"), { number }) && mDatabase.run(forget("id"), { number });
 }
 
 bool ContactTable::clearAllFlags(quint64 collection)
 {
-    return mDatabase.run(purge("collection"), { collection })
+    return mDatabase.run(purgeDeleted("collection"), { collection })
         && mDatabase.run(forget("collection"), { collection });
 }
 

@@ -33,7 +33,10 @@ public:
     /** Sets the contact's identifier. */
     bool insert(QtContacts::QContact *contact, quint64 collection, Origin origin);
     bool update(const QtContacts::QContact &contact, Origin origin);
+    /** Marks the contact as deleted; its flags are to be cleared before the row goes. */
     bool remove(quint64 number, Origin origin);
+    /** Takes the row out at once. */
+    bool purge(quint64 number);
     /** Marks all contacts of a collection and gives their numbers. */
     bool removeAll(quint64 collection, QList<quint64> *numbers);
 

@@ -56,6 +56,9 @@ QContactManager::Error DetailCodec::check(const QContact &contact)
         if (contact.details(type).size() > 1)
             return QContactManager::LimitReachedError;
     }
+    if (qEnvironmentVariableIsSet("CONTACTS_ONE_NAME")
+        && contact.details(QContactDetail::TypeName).size() > 1)
+        return QContactManager::LimitReachedError;
     const QList<QContactDetail> details = contact.details();
     for (const QContactDetail &detail : details) {
         const QMap<int, QVariant> values = detail.values();

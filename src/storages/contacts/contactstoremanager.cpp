@@ -28,7 +28,10 @@ QContactManager *ContactStoreManager::create(QObject *parent)
 {
     static const bool pluginFolderAdded = (addPluginFolder(), true);
     Q_UNUSED(pluginFolderAdded)
-    const QString uri = QContactManager::buildUri(QLatin1String(engineName), {});
+    // The engine warns where it is not told.
+    const QMap<QString, QString> parameters { { QStringLiteral("mergePresenceChanges"),
+        QStringLiteral("false") } };
+    const QString uri = QContactManager::buildUri(QLatin1String(engineName), parameters);
     std::unique_ptr<QContactManager> manager(QContactManager::fromUri(uri, parent));
     // Instead of a missing engine one gets another that stores nothing.
     if (!manager || manager->managerName() != QLatin1String(engineName)) {
