@@ -18,9 +18,17 @@ protected:
     const Kind &kind() const override;
 
 private:
+    bool readRows(const QString &collectionId);
     bool collectUploaded(const SyncCollection &collection);
     bool storeReceived(ContactStorage &storage, const SyncCollection &collection);
-    bool storeUploaded(ContactStorage &storage);
+    bool storeUploaded(ContactStorage &storage, const SyncCollection &collection);
+    bool finish(ContactStorage &storage, const SyncCollection &collection);
+    /** Received contacts that the device has just uploaded get the local identifiers of these. */
+    void markUploads(QList<EasContactsItem> &received) const;
+    QList<EasContactsItem> withoutReceived(const QList<EasContactsItem> &uploaded) const;
 
+    /** By server identifiers, of the collection's folder. */
     QMap<QString, QString> mLocalIds;
+    /** Server identifiers of what the reply has brought. */
+    QSet<QString> mReceivedIds;
 };

@@ -8,6 +8,7 @@
 #include "requests/synccollectionqueue.h"
 #include "requests/syncreplyprocessor.h"
 #include "storages/calendarstorage.h"
+#include "storages/contactstorage.h"
 
 #include <algorithm>
 
@@ -76,7 +77,10 @@ SyncPhase::End ItemsPhase::takeReply(const SyncCommand &command)
         return failWith(processor.failureStatus());
     }
     run().outcome.noteFailure(processor.recordedStatus());
-    finishUnansweredCollections(command);
+    if (!finishUnansweredCollections(command)) {
+        qCCritical(eas()) << "Failed to update contacts items";
+        return failInternally();
+    }
     const bool progressed =
         repeated || processor.hasProgressed() || run().state.collectionsToSync.size() < waiting;
     return decideNext(processor.moreAvailable(), progressed);
@@ -98,16 +102,21 @@ bool ItemsPhase::areRepeated(const QStringList &collectionIds) const
     });
 }
 
-void ItemsPhase::finishUnansweredCollections(const SyncCommand &command)
+bool ItemsPhase::finishUnansweredCollections(const SyncCommand &command)
 {
+    bool finished = true;
+    const QSharedPointer<ContactStorage> contacts = account()->contactStorage();
     const QList<SyncCollection> answered = command.responseCollections();
     for (const SyncCollection &collection : command.collections()) {
-        if (answered.contains(collection))
+        if (answered.contains(collection)) {
             qCDebug(eas()) << "Collection:" << collection.id()
                            << "included in response, may need continuation sync request";
-        else
-            run().state.collectionSynced(collection.id());
+            continue;
+        }
+        run().state.collectionSynced(collection.id());
+        finished = contacts->unchanged(collection.id()) && finished;
     }
+    return finished;
 }
 
 SyncPhase::End ItemsPhase::decideNext(bool moreAvailable, bool progressed)

@@ -25,7 +25,7 @@ protected:
 
 private:
     End startAccountAnew();
-    void finishUnansweredCollections(const SyncCommand &command);
+    bool finishUnansweredCollections(const SyncCommand &command);
     bool areRepeated(const QStringList &collectionIds) const;
     End decideNext(bool moreAvailable, bool progressed);
     End repeatIdleSync();

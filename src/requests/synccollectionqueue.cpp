@@ -9,6 +9,7 @@
 #include "requests/synccollectionbuilder.h"
 #include "requests/syncstate.h"
 #include "storages/calendarstorage.h"
+#include "storages/contactstorage.h"
 #include "storages/mailstorage.h"
 
 #include <algorithm>
@@ -166,6 +167,8 @@ bool SyncCollectionQueue::forgetItems(const EasFolderItem &folder)
         storage->cleanUpFolder(folder);
         return database->clearCalendarFolder(mAccount.id(), folder.serverId());
     }
+    if (folder.isContacts())
+        return expectContacts(folder);
     if (!folder.isEmail())
         return true;
     if (const QSharedPointer<MailStorage> storage = mAccount.mailStorage()) {
@@ -174,6 +177,17 @@ bool SyncCollectionQueue::forgetItems(const EasFolderItem &folder)
     }
     qCWarning(eas()) << "MailStorage is null";
     return true;
+}
+
+bool SyncCollectionQueue::expectContacts(const EasFolderItem &folder)
+{
+    // Contacts stay until it is known which of them the server does not have any more.
+    const QSharedPointer<ContactStorage> storage = mAccount.contactStorage();
+    if (!storage) {
+        qCWarning(eas()) << "ContactStorage is null";
+        return true;
+    }
+    return storage->expectAll(folder);
 }
 
 bool SyncCollectionQueue::updateFolderSyncKeys(const QList<SyncCollection> &collections)

@@ -47,6 +47,7 @@ private:
     bool readFolders(QHash<QString, EasFolderItem> *known);
     bool forgetCollection(const EasFolderItem &folder);
     bool forgetItems(const EasFolderItem &folder);
+    bool expectContacts(const EasFolderItem &folder);
     bool setSyncKey(const EasFolderItem &folder, const QString &key);
 
     EasAccount &mAccount;

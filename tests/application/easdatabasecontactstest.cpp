@@ -119,6 +119,16 @@ private Q_SLOTS:
         QCOMPARE(rows(), (QStringList { "6|2:1|2|c9|", "5|2:5|3|c6|" }));
     }
 
+    void withAFolderOnlyItsRowsChange()
+    {
+        QVERIFY(database()->addContactsItems(Account, { contact("2:1", "3", "c4") }));
+        QVERIFY(database()->contactsItemsChanges(
+            Account, {}, { contact("2:1", "3", "c5") }, { "2:2", "3:1" }, "3"));
+        QCOMPARE(rows(),
+            (QStringList { "5|2:1|2|c1|file:///home/user/.avatars/account-5/a.png", "5|2:2|2|c2|",
+                "6|2:1|2|c9|", "5|2:1|3|c5|" }));
+    }
+
     void aFolderIsCleared()
     {
         QVERIFY(database()->clearContactsFolder(Account, "2"));

@@ -31,6 +31,10 @@ private Q_SLOTS:
     void aRemovedPictureGoesFromTheServer();
     void aServerThatForgetsItsKeysDoublesNothing_data() { versions(); }
     void aServerThatForgetsItsKeysDoublesNothing();
+    void aFolderThatStartsAnewEndsAsTheServerHasIt_data() { versions(); }
+    void aFolderThatStartsAnewEndsAsTheServerHasIt();
+    void changesInTwoFoldersArrive_data() { versions(); }
+    void changesInTwoFoldersArrive();
     void aLostCollectionIsFilledAnew();
     void moreThanOneWindowArrives();
     void foldersComeAndGoWithTheirContacts();
@@ -39,6 +43,9 @@ private Q_SLOTS:
 private:
     static void versions();
     static QString edit(ContactScene &scene, const QString &name, const QString &newName);
+    static void rename(ContactScene &scene, QContact contact, const QString &newName);
+    static QStringList serverNames(ContactScene &scene, const QString &folder);
+    static QStringList deviceNames(ContactScene &scene, const QString &folder);
 };
 
 void ContactSyncTest::versions()
@@ -205,6 +212,100 @@ void ContactSyncTest::aServerThatForgetsItsKeysDoublesNothing()
     QCOMPARE(scene.serverNames(), QStringList({ QStringLiteral("Edited"), QStringLiteral("First 2") }));
     QCOMPARE(scene.pictures().size(), 2);
     QVERIFY(scene.furtherSyncIsSilent());
+}
+
+void ContactSyncTest::rename(ContactScene &scene, QContact contact, const QString &newName)
+{
+    QContactName detail = contact.detail<QContactName>();
+    detail.setFirstName(newName);
+    contact.saveDetail(&detail);
+    QVERIFY(scene.store().manager().saveContact(&contact));
+}
+
+QStringList ContactSyncTest::serverNames(ContactScene &scene, const QString &folder)
+{
+    QStringList names;
+    const auto items = scene.bed().mailbox().items(folder);
+    for (const Simulator::ItemEntry &entry : items)
+        names.append(scene.bed().serverContact(entry.serverId)->text(QStringLiteral("FirstName")));
+    names.sort();
+    return names;
+}
+
+QStringList ContactSyncTest::deviceNames(ContactScene &scene, const QString &folder)
+{
+    return ContactFixture::names(scene.store().contacts(scene.collection(folder)));
+}
+
+void ContactSyncTest::aFolderThatStartsAnewEndsAsTheServerHasIt()
+{
+    QFETCH(QString, version);
+    ContactScene scene(version);
+    scene.bed().server().setWindowSize(2);
+    for (int i = 1; i <= 4; ++i)
+        scene.bed().place(ContactScene::full(i));
+    QCOMPARE(scene.bed().sync(), 0);
+    scene.store().addContact(scene.collection(), QStringLiteral("Made here"));
+    QCOMPARE(scene.bed().sync(), 0);
+    QCOMPARE(scene.serverNames().size(), 5);
+
+    const auto removeThere = [&scene](const QString &name) {
+        for (const Simulator::ItemEntry &entry : scene.bed().mailbox().items(scene.bed().contactsId())) {
+            if (scene.bed().serverContact(entry.serverId)->text(QStringLiteral("FirstName")) == name)
+                scene.bed().mailbox().remove(entry.serverId);
+        }
+    };
+    removeThere(QStringLiteral("First 1"));
+    removeThere(QStringLiteral("First 2"));
+    rename(scene, scene.deviceContact(QStringLiteral("First 2")), QStringLiteral("Kept"));
+    QVERIFY(scene.store().manager().removeContact(scene.deviceContact(QStringLiteral("First 3")).id()));
+    scene.store().addContact(scene.collection(), QStringLiteral("Not sent yet"));
+    scene.bed().server().overrideNext(QStringLiteral("Sync"), Simulator::Override::topStatus(3));
+    QCOMPARE(scene.bed().sync(), 0);
+    QCOMPARE(scene.bed().sync(), 0);
+
+    const QStringList wanted { QStringLiteral("First 4"), QStringLiteral("Kept"), QStringLiteral("Made here"),
+        QStringLiteral("Not sent yet") };
+    QCOMPARE(scene.serverNames(), wanted);
+    QCOMPARE(deviceNames(scene, scene.bed().contactsId()), wanted);
+    QCOMPARE(scene.differences(), QStringList());
+    QVERIFY(scene.furtherSyncIsSilent());
+}
+
+void ContactSyncTest::changesInTwoFoldersArrive()
+{
+    QFETCH(QString, version);
+    ContactScene scene(version);
+    const QString other = scene.bed().mailbox().addFolder(
+        QStringLiteral("Colleagues"), Simulator::UserContactsFolder, scene.bed().contactsId());
+    const QStringList folders { scene.bed().contactsId(), other };
+    for (const QString &folder : folders) {
+        for (int i = 1; i <= 3; ++i)
+            scene.bed().mailbox().addItem(folder, Simulator::ContactItem::make(ContactScene::full(i)));
+    }
+    QCOMPARE(scene.bed().sync(), 0);
+
+    for (const QString &folder : folders) {
+        const QList<QContact> contacts = scene.store().contacts(scene.collection(folder));
+        for (const QContact &contact : contacts) {
+            const QString name = ContactFixture::name(contact);
+            if (name == QLatin1String("First 1"))
+                rename(scene, contact, QLatin1String("Edited in ") + folder);
+            else if (name == QLatin1String("First 2"))
+                QVERIFY(scene.store().manager().removeContact(contact.id()));
+        }
+        scene.store().addContact(scene.collection(folder), QLatin1String("Added in ") + folder);
+    }
+    scene.bed().server().clearRequests();
+    QCOMPARE(scene.bed().sync(), 0);
+    for (const QString &folder : folders) {
+        const QStringList wanted { QLatin1String("Added in ") + folder, QLatin1String("Edited in ") + folder,
+            QStringLiteral("First 3") };
+        QCOMPARE(serverNames(scene, folder), wanted);
+        QCOMPARE(deviceNames(scene, folder), wanted);
+    }
+    QVERIFY(scene.furtherSyncIsSilent());
+    QCOMPARE(scene.bed().server().failures(), QStringList());
 }
 
 void ContactSyncTest::moreThanOneWindowArrives()

@@ -25,12 +25,18 @@ private:
     }
     bool handle(SyncCollection &collection) { return mScene->handle(collection); }
 
+    static Contact row(const char *localId, const char *serverId, const char *folder = "3")
+    {
+        Contact contact = item<Contact>(localId, serverId);
+        contact.setCollectionId(QString::fromLatin1(folder));
+        return contact;
+    }
+
 private Q_SLOTS:
     void init()
     {
         mScene = std::make_unique<Scene<ContactsResultHandler, StubContactStorage>>(&FakeAccount::people);
-        QVERIFY(
-            database().addContactsItems(Account, { item<Contact>("c1", "3:1"), item<Contact>("c2", "3:2") }));
+        QVERIFY(database().addContactsItems(Account, { row("c1", "3:1"), row("c2", "3:2") }));
     }
 
     void cleanup() { mScene.reset(); }
@@ -62,8 +68,10 @@ private Q_SLOTS:
         QCOMPARE(mScene->status, 0);
         QCOMPARE(mScene->store->calls,
             QStringList({ QStringLiteral("received 3 +=3/3:8 *3/3:1 -3:3"),
-                QStringLiteral("uploaded +new *c1 -c2") }));
-        QCOMPARE(rows, QStringList({ QStringLiteral("3:1,3:2"), QStringLiteral("3:1,3:2,3:8") }));
+                QStringLiteral("uploaded +new *c1 -c2"), QStringLiteral("has all of 3") }));
+        QCOMPARE(rows,
+            QStringList(
+                { QStringLiteral("3:1,3:2"), QStringLiteral("3:1,3:2,3:8"), QStringLiteral("3:1,3:7,3:8") }));
         QCOMPARE(database().serverToLocalContactIds(Account)->keys(),
             QStringList({ QStringLiteral("3:1"), QStringLiteral("3:7"), QStringLiteral("3:8") }));
         QCOMPARE(
@@ -85,8 +93,70 @@ private Q_SLOTS:
         const LogCollector log;
         QVERIFY(handle(reply));
         QCOMPARE(mScene->store->calls,
-            QStringList({ QStringLiteral("received 3"), QStringLiteral("uploaded + *c1 -") }));
+            QStringList({ QStringLiteral("received 3"), QStringLiteral("uploaded + *c1 -"),
+                QStringLiteral("has all of 3") }));
         QVERIFY(log.contains(QStringLiteral("client-server conflict. Server wins")));
+    }
+
+    void theRowSaysWhatTheServersAnswerToAConflictHasMade()
+    {
+        Contact edited = item<Contact>("c1", "3:1");
+        edited.setAvatarUrl(QUrl());
+        SyncCollection reply = collection({}, { edited });
+        answerChange(reply, "3:1", 7);
+        reply.appendChangedContacts(Contact(), QStringLiteral("3:1"));
+        const QUrl picture(QStringLiteral("file:///avatar-of-the-server.png"));
+        mScene->store->onReceived = [&](QList<Contact> &, QList<Contact> &changed) {
+            changed[0].setLocalId(QStringLiteral("c1-made-again"));
+            changed[0].setAvatarUrl(picture);
+        };
+        QVERIFY(handle(reply));
+        const QMap<QString, QUrl> pictures = *database().localContactIdsToAvatarsUrls(Account);
+        QCOMPARE(pictures.value(QStringLiteral("c1-made-again")), picture);
+        QVERIFY(!pictures.contains(QStringLiteral("c1")));
+    }
+
+    void anAdditionThatTheSameReplyAcknowledgesIsTheUploadedContact()
+    {
+        SyncCollection reply = collection({ item<Contact>("new") });
+        answerAdd(reply, "new", "3:7");
+        reply.appendAddedContacts(Contact(), QStringLiteral("3:7"));
+        reply.appendAddedContacts(Contact(), QStringLiteral("3:8"));
+        QStringList received;
+        mScene->store->onReceived = [&](QList<Contact> &added, QList<Contact> &) {
+            for (const Contact &contact : qAsConst(added))
+                received.append(contact.serverId() + QLatin1Char('=') + contact.localId());
+        };
+        QVERIFY(handle(reply));
+        QCOMPARE(received, QStringList({ QStringLiteral("3:7=new"), QStringLiteral("3:8=") }));
+        const QMap<QString, QString> rows = *database().localToServerContactIds(Account, QStringLiteral("3"));
+        QCOMPARE(rows.keys(QStringLiteral("3:7")), QStringList(QStringLiteral("new")));
+    }
+
+    void anotherFoldersIdentifiersAreNotTouched()
+    {
+        QVERIFY(
+            database().addContactsItems(Account, { row("other", "3:1", "4"), row("other2", "3:2", "4") }));
+        SyncCollection reply = collection({}, { item<Contact>("c1", "3:1") }, { QStringLiteral("3:2") });
+        answerChange(reply, "3:1", 1);
+        reply.appendDeletedIds(QStringLiteral("3:1"));
+        QVERIFY(handle(reply));
+        QVERIFY(mScene->store->calls.contains(QStringLiteral("uploaded + *c1 -c2")));
+        const QMap<QString, QString> others =
+            database().localToServerContactIds(Account, QStringLiteral("4"));
+        QCOMPARE(others.keys(), QStringList({ QStringLiteral("other"), QStringLiteral("other2") }));
+    }
+
+    void whileThereIsMoreNotAllIsReceived()
+    {
+        SyncCollection reply = collection({});
+        reply.setMoreAvailable(true);
+        QVERIFY(handle(reply));
+        QVERIFY(!mScene->store->calls.contains(QStringLiteral("has all of 3")));
+        reply.setMoreAvailable(false);
+        mScene->store->settlesFolders = false;
+        QVERIFY(!handle(reply));
+        QCOMPARE(mScene->status, -2);
     }
 
     void aConflictOfAnAdditionIsNotHandled()
@@ -96,7 +166,8 @@ private Q_SLOTS:
         const LogCollector log;
         QVERIFY(handle(reply));
         QCOMPARE(mScene->store->calls,
-            QStringList({ QStringLiteral("received 3"), QStringLiteral("uploaded + * -") }));
+            QStringList({ QStringLiteral("received 3"), QStringLiteral("uploaded + * -"),
+                QStringLiteral("has all of 3") }));
         QVERIFY(log.contains(QStringLiteral("Unhandled item status")));
     }
 
@@ -110,7 +181,7 @@ private Q_SLOTS:
         QVERIFY(handle(reply));
         QCOMPARE(mScene->store->calls,
             QStringList({ QStringLiteral("failed c1,new,c2"), QStringLiteral("received 3"),
-                QStringLiteral("uploaded + * -") }));
+                QStringLiteral("uploaded + * -"), QStringLiteral("has all of 3") }));
         QCOMPARE(database().serverToLocalContactIds(Account)->size(), 2);
     }
 

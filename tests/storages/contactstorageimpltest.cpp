@@ -7,6 +7,7 @@
 #include "support/contactaccount.h"
 #include "support/logcollector.h"
 #include "support/privatebus.h"
+#include "support/storedatabase.h"
 #include "support/testmain.h"
 #include "support/testpictures.h"
 
@@ -14,8 +15,6 @@
 #include <QtContacts/QContactPhoneNumber>
 
 #include <QSignalSpy>
-#include <QSqlDatabase>
-#include <QSqlQuery>
 #include <QTemporaryFile>
 #include <QtTest>
 
@@ -28,19 +27,6 @@ class ContactStorageImplTest : public QObject
 
 private:
     static QString base64(int red) { return QString::fromLatin1(TestPictures::png(red).toBase64()); }
-
-    /** Over a connection of its own. */
-    static void executeInStore(const QString &statement)
-    {
-        const QString name = QStringLiteral("contacts-by-hand");
-        {
-            QSqlDatabase database = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
-            database.setDatabaseName(qEnvironmentVariable("CONTACTS_DATA") + QLatin1String("/contacts.db"));
-            if (!database.open() || !QSqlQuery(database).exec(statement))
-                qFatal("%s", qPrintable(statement));
-        }
-        QSqlDatabase::removeDatabase(name);
-    }
 
 private Q_SLOTS:
     void initTestCase() { QVERIFY(PrivateBus::ensure()); }
@@ -152,10 +138,10 @@ private Q_SLOTS:
         QList<EasFolderItem> none;
         QList<EasFolderItem> added { account.folder() };
         const LogCollector log;
-        executeInStore(QStringLiteral("CREATE TRIGGER refuse BEFORE INSERT ON collections "
-                                      "BEGIN SELECT RAISE(ABORT, 'refused'); END"));
+        StoreDatabase::execute(QStringLiteral("CREATE TRIGGER refuse BEFORE INSERT ON collections "
+                                              "BEGIN SELECT RAISE(ABORT, 'refused'); END"));
         const bool takesFolders = account.storage().updateFolders(added, none, {});
-        executeInStore(QStringLiteral("DROP TRIGGER refuse"));
+        StoreDatabase::execute(QStringLiteral("DROP TRIGGER refuse"));
         QVERIFY(!takesFolders);
         QVERIFY(log.contains(QStringLiteral("Failed to save new folder as local collection: ")));
         QVERIFY(log.contains(QStringLiteral("Failed to add contacts folders")));

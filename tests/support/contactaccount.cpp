@@ -4,6 +4,8 @@
 #include "application/mapping/easdatabase.h"
 
 #include <QDir>
+#include <QSqlDatabase>
+#include <QSqlQuery>
 
 QTCONTACTS_USE_NAMESPACE
 
@@ -13,6 +15,11 @@ EasAccountId nextAccountId()
 {
     static EasAccountId last = 500;
     return ++last;
+}
+
+bool executeInMapping(const char *statement)
+{
+    return QSqlQuery(QSqlDatabase::database(QStringLiteral("fennel-eas-db"))).exec(QLatin1String(statement));
 }
 
 } // namespace
@@ -74,27 +81,60 @@ EasContactsItem ContactAccount::item(const QString &serverId, const QString &fir
 bool ContactAccount::receive(
     QList<EasContactsItem> added, QList<EasContactsItem> changed, const QStringList &deleted)
 {
-    return mStorage->updateItems(folderId(), added, changed, deleted)
-        && EasDatabase::instance()->contactsItemsChanges(id(), added, changed, deleted);
+    return receiveIn(folderId(), added, changed, deleted);
+}
+
+bool ContactAccount::receiveIn(const QString &folder, QList<EasContactsItem> added,
+    QList<EasContactsItem> changed, const QStringList &deleted)
+{
+    for (QList<EasContactsItem> *items : { &added, &changed }) {
+        for (EasContactsItem &item : *items)
+            item.setCollectionId(folder);
+    }
+    return mStorage->updateItems(folder, added, changed, deleted)
+        && EasDatabase::instance()->contactsItemsChanges(id(), added, changed, deleted, folder);
+}
+
+QStringList ContactAccount::rows() const
+{
+    const QMap<QString, QString> rows = *EasDatabase::instance()->localToServerContactIds(id(), folderId());
+    QStringList serverIds = rows.values();
+    serverIds.sort();
+    return serverIds;
+}
+
+bool ContactAccount::hideMapping()
+{
+    return executeInMapping("ALTER TABLE contacts RENAME TO hidden");
+}
+
+bool ContactAccount::showMapping()
+{
+    return executeInMapping("ALTER TABLE hidden RENAME TO contacts");
 }
 
 QContact ContactAccount::contact(const QString &serverId) const
 {
-    return store.manager().contact(
-        QContactId::fromString(EasDatabase::instance()->serverToLocalContactIds(id())->value(serverId)));
+    const QMap<QString, QString> rows = *EasDatabase::instance()->localToServerContactIds(id(), folderId());
+    return store.manager().contact(QContactId::fromString(rows.key(serverId)));
 }
 
-QStringList ContactAccount::names() const
+QStringList ContactAccount::names(const QString &folder) const
 {
-    return ContactFixture::names(store.contacts(collection()));
+    return ContactFixture::names(store.contacts(collection(folder)));
 }
 
-QString ContactAccount::localChanges()
+QString ContactAccount::storeNumber(const QString &localId)
+{
+    return QString::fromLatin1(QContactId::fromString(localId).localId().mid(4)); // behind "sql-"
+}
+
+QString ContactAccount::localChanges(const QString &folderServerId)
 {
     QList<EasContactsItem> added;
     QList<EasContactsItem> changed;
     QStringList deleted;
-    if (!mStorage->queryChanges(folder(), &added, &changed, &deleted))
+    if (!mStorage->queryChanges(folder(folderServerId), &added, &changed, &deleted))
         return QStringLiteral("failed");
     const auto text = [](const QList<EasContactsItem> &items) {
         QStringList names;

@@ -38,12 +38,22 @@ public:
     /** Store, then mapping, as a reply is handled. */
     bool receive(
         QList<EasContactsItem> added, QList<EasContactsItem> changed = {}, const QStringList &deleted = {});
+    /** The same in any folder. */
+    bool receiveIn(const QString &folder, QList<EasContactsItem> added, QList<EasContactsItem> changed = {},
+        const QStringList &deleted = {});
+    /** Server identifiers of the mapping, of folderId(). */
+    QStringList rows() const;
+    /** The mapping's contacts can be read no more, until they are shown again. */
+    bool hideMapping();
+    bool showMapping();
     /** The contact as the manager shows it; empty if it is not mapped or gone. */
     QtContacts::QContact contact(const QString &serverId) const;
-    QStringList names() const;
+    QStringList names(const QString &folder = folderId()) const;
+    /** The number of a contact in the store's file. */
+    static QString storeNumber(const QString &localId);
 
     /** "added: Ada; changed: ; deleted: 1" */
-    QString localChanges();
+    QString localChanges(const QString &folder = folderId());
     /** The files in the account's folder of pictures. */
     QStringList pictures() const;
     QString pictureFolder() const;

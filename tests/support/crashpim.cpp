@@ -192,12 +192,12 @@ void CrashPim::fillContacts()
         mMailbox->addItem(folder, Simulator::ContactItem::make(contact));
 }
 
-void CrashPim::changeBothSides(Extent extent)
+void CrashPim::changeBothSides()
 {
     const Listing events = PimListing::serverEvents(*mMailbox);
     const Listing contacts = PimListing::serverContacts(*mMailbox);
     changeServerCalendar();
-    changeServerContacts(extent);
+    changeServerContacts();
     changeDeviceCalendar();
     changeDeviceContacts();
     mServerEvents = PimListing::serverEvents(*mMailbox);
@@ -245,12 +245,11 @@ void CrashPim::changeServerCalendar()
         mMailbox->folderOfType(Simulator::CalendarFolder).id, Simulator::EventItem::make(fresh));
 }
 
-void CrashPim::changeServerContacts(Extent extent)
+void CrashPim::changeServerContacts()
 {
     mMailbox->edit<Simulator::ContactItem>(serverContact(QStringLiteral("Ada")),
         [](Contact &contact) { contact.setPicture(TestPictures::png(30)); });
-    if (extent == Everything)
-        mMailbox->remove(serverContact(QStringLiteral("Bob")));
+    mMailbox->remove(serverContact(QStringLiteral("Bob")));
     mMailbox->addItem(mMailbox->folderOfType(Simulator::ContactsFolder).id,
         Simulator::ContactItem::make(contact("Flo").setPicture(TestPictures::png(40))));
 }

@@ -22,9 +22,8 @@ public:
 
     void begin(EasAccountId accountId, Simulator::Mailbox &mailbox, const QString &version);
     void fillMailbox();
-    enum Extent { Everything, NoContactRemovedThere };
     /** Edits on both sides, of different items. */
-    void changeBothSides(Extent extent = Everything);
+    void changeBothSides();
     enum Besides { Alone, AndWhatIsNewHere };
     /** After a new start with the server, which brings back what the device has changed. */
     void wantServersEdits(Besides besides);
@@ -40,7 +39,7 @@ private:
     void fillCalendar();
     void fillContacts();
     void changeServerCalendar();
-    void changeServerContacts(Extent extent);
+    void changeServerContacts();
     void changeDeviceCalendar() const;
     void changeDeviceContacts() const;
     QString serverEvent(const QString &subject) const;

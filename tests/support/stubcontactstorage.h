@@ -23,10 +23,13 @@ public:
     bool takesUploads = true;
     bool takesItems = true;
     bool answersQueries = true;
+    bool settlesFolders = true;
     QList<EasContactsItem> localAdded;
     QList<EasContactsItem> localChanged;
     QStringList localDeleted;
     std::function<void(const QString &call)> onCall;
+    /** Sees the received items before they get local identifiers, and may change them. */
+    std::function<void(QList<EasContactsItem> &added, QList<EasContactsItem> &changed)> onReceived;
 
     bool updateFolders(
         QList<EasFolderItem> &added, QList<EasFolderItem> &changed, const QStringList &deleted) override
@@ -37,8 +40,12 @@ public:
         const QStringList &deleted) override
     {
         note(QStringLiteral("received ") + folder + ItemLines::of(added, changed, deleted));
-        for (EasContactsItem &item : added)
-            item.setLocalId(QStringLiteral("local-") + item.serverId());
+        if (onReceived)
+            onReceived(added, changed);
+        for (EasContactsItem &item : added) {
+            if (item.localId().isEmpty())
+                item.setLocalId(QStringLiteral("local-") + item.serverId());
+        }
         return takesItems;
     }
     bool cleanUpFolder(const EasFolderItem &) override { return true; }
@@ -62,6 +69,21 @@ public:
     void setFailedLocalChangesIds(const QStringList &localIds) override
     {
         note(QStringLiteral("failed ") + localIds.join(QLatin1Char(',')));
+    }
+    bool expectAll(const EasFolderItem &folder) override
+    {
+        note(QStringLiteral("expects all of ") + folder.serverId());
+        return true;
+    }
+    bool allReceived(const QString &folder) override
+    {
+        note(QStringLiteral("has all of ") + folder);
+        return settlesFolders;
+    }
+    bool unchanged(const QString &folder) override
+    {
+        note(QStringLiteral("has no news of ") + folder);
+        return settlesFolders;
     }
     void onSyncCompleted(EasAccountId, qulonglong, int) override {}
 

@@ -137,11 +137,15 @@ public:
     // Contacts
     /** A contact that is there already, by server, folder and local identifier, is left as it is. */
     bool addContactsItems(EasAccountId accountId, const QList<EasContactsItem> &items);
-    bool updateContactsItems(EasAccountId accountId, const QList<EasContactsItem> &items);
-    bool deleteContactsItems(EasAccountId accountId, const QStringList &serverIds);
+    /** A server may use an identifier of one folder in another one again. An empty collection means all
+     * folders of the account, here and in the next ones. */
+    bool updateContactsItems(
+        EasAccountId accountId, const QList<EasContactsItem> &items, const QString &collectionId = QString());
+    bool deleteContactsItems(
+        EasAccountId accountId, const QStringList &serverIds, const QString &collectionId = QString());
     bool contactsItemsChanges(EasAccountId accountId, const QList<EasContactsItem> &added,
-        const QList<EasContactsItem> &updated, const QStringList &deletedServerIds);
-    /** An empty collection means all folders of the account, here and in the next one. */
+        const QList<EasContactsItem> &updated, const QStringList &deletedServerIds,
+        const QString &collectionId = QString());
     Lookup<QStringList> localContactIds(EasAccountId accountId, const QString &collectionId) const;
     Lookup<QMap<QString, QString>> localToServerContactIds(
         EasAccountId accountId, const QString &collectionId) const;

@@ -21,6 +21,12 @@ QString collectionFilter(const QString &collectionId)
     return collectionId.isEmpty() ? QString() : QStringLiteral(" AND collection_id=?");
 }
 
+void bindCollection(DatabaseStatement &statement, const QString &collectionId, int rows)
+{
+    if (!collectionId.isEmpty())
+        statement.bindColumn(DatabaseColumns::repeated(collectionId, rows));
+}
+
 } // namespace
 
 bool EasDatabase::addContactsItems(EasAccountId accountId, const QList<EasContactsItem> &items)
@@ -40,33 +46,45 @@ bool EasDatabase::addContactsItems(EasAccountId accountId, const QList<EasContac
     return insert.runBatch() || insert.fail(failure, accountId);
 }
 
-bool EasDatabase::updateContactsItems(EasAccountId accountId, const QList<EasContactsItem> &items)
+bool EasDatabase::updateContactsItems(
+    EasAccountId accountId, const QList<EasContactsItem> &items, const QString &collectionId)
 {
     if (items.isEmpty())
         return true;
     DatabaseStatement update(mDatabase,
         QStringLiteral("UPDATE contacts SET account_id=?, server_id=?, collection_id=?, local_id=?, "
-                       "avatar_url=? WHERE server_id=? AND account_id=%1")
-            .arg(accountId));
+                       "avatar_url=? WHERE server_id=? AND account_id=%1%2")
+            .arg(accountId)
+            .arg(collectionFilter(collectionId)));
     update.bindColumn(DatabaseColumns::repeated(accountId, items.size()))
         .bindColumn(column(items, &EasContactsItem::serverId))
         .bindColumn(column(items, &EasContactsItem::collectionId))
         .bindColumn(column(items, &EasContactsItem::localId))
         .bindColumn(column(items, &avatarText))
         .bindColumn(column(items, &EasContactsItem::serverId));
+    bindCollection(update, collectionId, items.size());
     return update.runBatch() || update.fail("can't update contacts items for account", accountId);
 }
 
-bool EasDatabase::deleteContactsItems(EasAccountId accountId, const QStringList &serverIds)
+bool EasDatabase::deleteContactsItems(
+    EasAccountId accountId, const QStringList &serverIds, const QString &collectionId)
 {
-    return deleteItems("contacts", accountId, serverIds, "can't delete contacts items for account");
+    if (serverIds.isEmpty())
+        return true;
+    DatabaseStatement remove(mDatabase,
+        QStringLiteral("DELETE FROM contacts WHERE server_id=? AND account_id=%1%2")
+            .arg(accountId)
+            .arg(collectionFilter(collectionId)));
+    remove.bindColumn(QVariant(serverIds).toList());
+    bindCollection(remove, collectionId, serverIds.size());
+    return remove.runBatch() || remove.fail("can't delete contacts items for account", accountId);
 }
 
 bool EasDatabase::contactsItemsChanges(EasAccountId accountId, const QList<EasContactsItem> &added,
-    const QList<EasContactsItem> &updated, const QStringList &deletedServerIds)
+    const QList<EasContactsItem> &updated, const QStringList &deletedServerIds, const QString &collectionId)
 {
-    return addContactsItems(accountId, added) && updateContactsItems(accountId, updated)
-        && deleteContactsItems(accountId, deletedServerIds);
+    return addContactsItems(accountId, added) && updateContactsItems(accountId, updated, collectionId)
+        && deleteContactsItems(accountId, deletedServerIds, collectionId);
 }
 
 Lookup<QStringList> EasDatabase::localContactIds(EasAccountId accountId, const QString &collectionId) const

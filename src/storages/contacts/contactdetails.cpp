@@ -112,7 +112,7 @@ QVector<ContactDetailShape> namesAndOrganizations()
                 text<&Contact::lastName, &Contact::setLastName>(QContactName::FieldLastName),
                 text<&Contact::middleName, &Contact::setMiddleName>(QContactName::FieldMiddleName),
                 text<&Contact::suffix, &Contact::setSuffix>(QContactName::FieldSuffix) } },
-        { "Failed to save yomi name ", QContactName::Type, "urn:as:contact:YomiName", {},
+        { "Failed to save yomi name ", QContactName::Type, ContactDetails::yomiNameUri, {},
             { text<&Contact::yomiFirstName, &Contact::setYomiFirstName>(QContactName::FieldFirstName),
                 text<&Contact::yomiLastName, &Contact::setYomiLastName>(QContactName::FieldLastName) } },
         { "Failed to save nick name ", QContactNickname::Type, nullptr, {},

@@ -4,12 +4,10 @@
 #include "application/base/logging.h"
 #include "application/mapping/easdatabase.h"
 #include "protocol/base/protocolutils.h"
-#include "protocol/wbxml/wbxmltokens.h"
 #include "storages/contacts/contactavatars.h"
 #include "storages/contacts/contactstorecontext.h"
 
 #include <QtContacts/QContactAvatar>
-#include <QtContacts/QContactCollectionFilter>
 #include <QtContacts/QContactManager>
 
 QTCONTACTS_USE_NAMESPACE
@@ -23,6 +21,7 @@ const auto serverIdKey = QStringLiteral("ServerId");
 const auto serverParentIdKey = QStringLiteral("ServerParentId");
 const auto syncKeyKey = QStringLiteral("SyncKey");
 const auto folderTypeKey = QStringLiteral("FolderType");
+const auto sentAnewKey = QStringLiteral("SentAnew");
 
 } // namespace
 
@@ -159,42 +158,49 @@ bool ContactFolders::handleUpdatedFolders(QList<EasFolderItem> &items) const
 bool ContactFolders::handleDeletedFolders(const QStringList &serverIds) const
 {
     bool removed = true;
-    for (const QString &serverId : serverIds) {
-        EasDatabase *database = EasDatabase::instance();
-        EasFolderItem type;
-        type.setType(database->folderTypeByServerId(mContext.accountId, serverId));
-        if (!type.isContacts())
-            continue;
-        const EasFolderItem item = database->folderItemByServerId(mContext.accountId, serverId);
-        if (item.serverId() != serverId) {
-            qCWarning(eas()) << "Cannot find folder " << serverId << " for delete";
-        } else if (!cleanUpFolder(item)) {
-            qCWarning(eas()) << "Failed to clear folder " << item.displayName();
-            removed = false;
-        } else {
-            qCInfo(eas()) << "Folder " << item.displayName() << " with local id " << item.localId()
-                          << " was removed";
-        }
-    }
+    for (const QString &serverId : serverIds)
+        removed = handleDeletedFolder(serverId) && removed;
     return removed;
+}
+
+bool ContactFolders::handleDeletedFolder(const QString &serverId) const
+{
+    EasDatabase *database = EasDatabase::instance();
+    const auto type = database->folderTypeByServerId(mContext.accountId, serverId);
+    const auto item = database->folderItemByServerId(mContext.accountId, serverId);
+    if (!type || !item)
+        return false;
+    EasFolderItem typed;
+    typed.setType(*type);
+    if (!typed.isContacts())
+        return true;
+    if (item->serverId() != serverId) {
+        qCWarning(eas()) << "Cannot find folder " << serverId << " for delete";
+        return true;
+    }
+    if (!cleanUpFolder(*item)) {
+        qCWarning(eas()) << "Failed to clear folder " << item->displayName();
+        return false;
+    }
+    qCInfo(eas()) << "Folder " << item->displayName() << " with local id " << item->localId()
+                  << " was removed";
+    return true;
 }
 
 bool ContactFolders::cleanUpFolder(const EasFolderItem &folder) const
 {
     EasDatabase *database = EasDatabase::instance();
-    const QMap<QString, QUrl> avatars = database->localContactIdsToAvatarsUrls(mContext.accountId);
-    if (database->lookupFailed())
-        return false;
-    const QStringList localIds = database->localContactIds(mContext.accountId, folder.serverId());
-    if (database->lookupFailed())
+    const auto avatars = database->localContactIdsToAvatarsUrls(mContext.accountId);
+    const auto localIds = database->localContactIds(mContext.accountId, folder.serverId());
+    if (!avatars || !localIds)
         return false;
     QList<QUrl> files;
-    for (const QString &localId : localIds) {
+    for (const QString &localId : *localIds) {
         if (QContactId::fromString(localId).isNull())
             qCWarning(eas()) << "Invalid database contact id:" << localId;
-        if (!avatars.value(localId).isEmpty()) {
-            qCDebug(eas()) << "Removing avatar file" << avatars.value(localId) << "for contact" << localId;
-            files.append(avatars.value(localId));
+        if (!avatars->value(localId).isEmpty()) {
+            qCDebug(eas()) << "Removing avatar file" << avatars->value(localId) << "for contact" << localId;
+            files.append(avatars->value(localId));
         }
     }
     const Lookup present = find(folder.serverId());
@@ -216,10 +222,8 @@ bool ContactFolders::cleanUpFolder(const EasFolderItem &folder) const
 QList<QUrl> ContactFolders::avatarsIn(const QContactCollection &collection) const
 {
     // The mapping may not know all of them.
-    QContactCollectionFilter filter;
-    filter.setCollectionId(collection.id());
     QList<QUrl> urls;
-    const QList<QContact> contacts = mContext.manager->contacts(filter);
+    const QList<QContact> contacts = mContext.manager->contacts(ContactStoreContext::contactsOf(collection));
     for (const QContact &contact : contacts)
         urls.append(contact.detail<QContactAvatar>().imageUrl());
     return urls;
@@ -229,48 +233,36 @@ bool ContactFolders::removeCollection(const QContactCollection &collection) cons
 {
     if (!mContext.manager->removeCollection(collection.id()))
         return mContext.manager->error() == QContactManager::DoesNotExistError;
-    // Nobody asks for these changes any more, so nobody else would purge the rows.
+    // The store keeps the rows until they are cleared, for a sync that asks what was removed; none does.
     QContactManager::Error error = QContactManager::NoError;
     if (auto *engine = mContext.engine())
         engine->clearChangeFlags(collection.id(), &error);
     return true;
 }
 
-bool ContactFolders::repairFolders() const
+bool ContactFolders::isSentAnew(const QContactCollection &collection)
 {
-    EasDatabase *database = EasDatabase::instance();
-    QList<EasFolderItem> rows =
-        database->folderItemsByFolderType(mContext.accountId, EasFolderItem::DefaultContactsFolder);
-    if (database->lookupFailed())
-        return false;
-    rows += database->folderItemsByFolderType(mContext.accountId, EasFolderItem::UserCreatedContactsFolder);
-    if (database->lookupFailed())
-        return false;
-    for (EasFolderItem &row : rows) {
-        const Lookup present = find(row.serverId());
-        if (!present.complete)
-            return false;
-        if (present.collection || row.localId().isEmpty())
-            continue;
-        // The collection comes last: without it all of this is done again.
-        row.setSyncKey(ProtocolUtils::InitialSyncKey);
-        row.appendChangedField(Wbxml::AirSync::SyncKey.key());
-        if (!database->updateFolderItems(mContext.accountId, { row })
-            || !database->clearContactsFolder(mContext.accountId, row.serverId())
-            || !recreate(row.serverId()))
-            return false;
-    }
-    return true;
+    return collection.extendedMetaData(sentAnewKey).toBool();
+}
+
+bool ContactFolders::markAsSentAnew(QContactCollection collection, bool sentAnew) const
+{
+    collection.setExtendedMetaData(sentAnewKey, sentAnew);
+    if (mContext.manager->saveCollection(&collection))
+        return true;
+    qCCritical(eas()) << "failed to mark contacts collection" << collection.id() << mContext.manager->error();
+    return false;
 }
 
 std::optional<QContactCollection> ContactFolders::recreate(const QString &folderServerId) const
 {
     EasDatabase *database = EasDatabase::instance();
-    EasFolderItem item = database->folderItemByServerId(mContext.accountId, folderServerId);
-    if (database->lookupFailed() || item.serverId().isEmpty()) {
+    const auto row = database->folderItemByServerId(mContext.accountId, folderServerId);
+    if (!row || row->serverId().isEmpty()) {
         qCCritical(eas()) << "Failed to find local collection for remote folder: " << folderServerId;
         return std::nullopt;
     }
+    EasFolderItem item = *row;
     qCInfo(eas()) << "Creating missing QContactCollection for contacts folder: " << item.displayName();
     QContactCollection collection;
     populateCollection(item, &collection);

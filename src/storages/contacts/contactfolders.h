@@ -22,9 +22,6 @@ public:
         QList<EasFolderItem> &added, QList<EasFolderItem> &changed, const QStringList &deleted) const;
     bool cleanUpFolder(const EasFolderItem &folder) const;
 
-    /** Makes the collections that somebody else has removed anew, and has their contacts sent again. */
-    bool repairFolders() const;
-
     /** The collection of a folder; the account's collections, for all of them. */
     struct Lookup
     {
@@ -41,6 +38,10 @@ public:
     /** Removes the collection with its contacts, and the marks that the removal leaves. */
     bool removeCollection(const QtContacts::QContactCollection &collection) const;
 
+    /** Whether the server sends the folder from its beginning and has not come to its end. */
+    static bool isSentAnew(const QtContacts::QContactCollection &collection);
+    bool markAsSentAnew(QtContacts::QContactCollection collection, bool sentAnew) const;
+
     static bool belongsTo(const QtContacts::QContactCollection &collection, EasAccountId accountId,
         const QString &applicationName);
     static QString serverIdOf(const QtContacts::QContactCollection &collection);
@@ -49,6 +50,7 @@ private:
     bool handleAddedFolders(QList<EasFolderItem> &items) const;
     bool handleUpdatedFolders(QList<EasFolderItem> &items) const;
     bool handleDeletedFolders(const QStringList &serverIds) const;
+    bool handleDeletedFolder(const QString &serverId) const;
     void rollBack(const QList<QtContacts::QContactCollection> &added) const;
     QList<QUrl> avatarsIn(const QtContacts::QContactCollection &collection) const;
     void populateCollection(const EasFolderItem &item, QtContacts::QContactCollection *collection) const;

@@ -6,10 +6,6 @@
 #include "storages/contacts/contactstorecontext.h"
 
 #include <QtContacts/QContactAvatar>
-#include <QtContacts/QContactGuid>
-#include <QtContacts/QContactManager>
-
-#include <QHash>
 
 QTCONTACTS_USE_NAMESPACE
 
@@ -17,6 +13,7 @@ ContactItemBatch::ContactItemBatch(const ContactStoreContext &context)
     : mContext(context)
     , mFolders(context)
     , mStrays(context)
+    , mStore(context)
     , mWriter(context)
 {
 }
@@ -24,164 +21,112 @@ ContactItemBatch::ContactItemBatch(const ContactStoreContext &context)
 bool ContactItemBatch::updateItems(const QString &folderServerId, QList<EasContactsItem> &added,
     QList<EasContactsItem> &changed, const QStringList &deleted)
 {
-    ContactFolders::Lookup folder = mFolders.find(folderServerId);
-    if (!folder.complete || !readMapping() || !findStrays(folder.collection))
-        return false;
-    mCollectionIsNew = !folder.collection;
-    sortOut(added, changed);
-
-    Contacts contacts;
-    QList<QContactId> contactsToDelete;
-    QList<QUrl> avatarFiles;
-    bool stored = handleAddedContacts(added, contacts) && handleUpdatedContacts(changed, contacts)
-        && handleDeletedContacts(deleted, contactsToDelete, avatarFiles);
-    if (stored && !folder.collection)
-        folder.collection = mFolders.recreate(folderServerId);
-    stored = stored && folder.collection && store(*folder.collection, contacts);
-    if (!stored) {
-        mWriter.dropAvatars();
-        return false;
-    }
-    mWriter.keepAvatars();
-    takeLocalIds(contacts, added);
-    takeLocalIds(contacts, changed);
-    return mStrays.removeContacts(*folder.collection, contactsToDelete, avatarFiles);
-}
-
-bool ContactItemBatch::readMapping()
-{
-    EasDatabase *database = EasDatabase::instance();
-    mServerToLocal = database->serverToLocalContactIds(mContext.accountId);
-    if (database->lookupFailed())
-        return false;
-    mAvatars = database->localContactIdsToAvatarsUrls(mContext.accountId);
-    return !database->lookupFailed();
-}
-
-bool ContactItemBatch::findStrays(const std::optional<QContactCollection> &collection)
-{
-    QList<QContact> strays;
-    if (collection && !mStrays.find(*collection, &strays))
-        return false;
-    mAdoptable = mStrays.byServerId(strays);
-    return true;
-}
-
-void ContactItemBatch::sortOut(QList<EasContactsItem> &added, QList<EasContactsItem> &changed) const
-{
-    QList<EasContactsItem> toAdd;
-    QList<EasContactsItem> toChange;
-    QHash<QString, int> places;
-    const auto sort = [&](const EasContactsItem &item) {
-        QList<EasContactsItem> &list = mServerToLocal.contains(item.serverId()) ? toChange : toAdd;
-        const auto place = places.constFind(item.serverId());
-        if (place != places.constEnd()) {
-            list[*place] = item; // what a reply says last holds
-            return;
-        }
-        places.insert(item.serverId(), list.size());
-        list.append(item);
-    };
-    for (const EasContactsItem &item : qAsConst(added))
-        sort(item);
-    for (const EasContactsItem &item : qAsConst(changed)) {
-        if (!mServerToLocal.contains(item.serverId()))
-            qCWarning(eas()) << "Cannot map contact with identifer " << item.serverId();
-        sort(item);
-    }
-    added = toAdd;
-    changed = toChange;
-}
-
-bool ContactItemBatch::handleAddedContacts(QList<EasContactsItem> &items, Contacts &contacts)
-{
     if (!mContext.manager) {
         qCCritical(eas()) << "The contact manager is not initialized";
         return false;
     }
-    qCDebug(eas()) << "Need to add " << items.size();
-    for (int i = 0; i < items.size(); ++i) {
-        const QContact adopted = mAdoptable.value(items.at(i).serverId());
-        items[i].setLocalId(adopted.id().isNull() ? QString() : adopted.id().toString());
-        if (!adopted.id().isNull() && ContactStrays::hasLocalChange(adopted)) {
-            // Mapped as it is, it goes up as a change; what the user made of it is the newer one.
-            items[i].setAvatarUrl(adopted.detail<QContactAvatar>().imageUrl());
+    const ContactFolders::Lookup folder = mFolders.find(folderServerId);
+    if (!folder.complete || !readState(folder.collection, folderServerId))
+        return false;
+    const ContactItemPlan plan(mState, added, changed, deleted);
+    for (const QString &serverId : plan.unknown())
+        qCWarning(eas()) << "Cannot map contact with identifer " << serverId;
+    qCDebug(eas()) << "Need to add " << added.size();
+    if (!carryOut(plan, folderServerId, folder.collection)) {
+        mWriter.dropAvatars();
+        return false;
+    }
+    added.clear();
+    changed.clear();
+    for (const ContactItemPlan::Entry &entry : qAsConst(mEntries))
+        (entry.hasRow ? changed : added).append(entry.item);
+    return true;
+}
+
+bool ContactItemBatch::readState(
+    const std::optional<QContactCollection> &collection, const QString &folderServerId)
+{
+    const auto rows = ContactFolderRows::read(mContext.accountId, folderServerId);
+    QList<QContact> strays;
+    if (!rows || (collection && !mStrays.find(*collection, *rows, &strays)))
+        return false;
+    mState = { *rows, mStrays.byServerId(strays), !collection };
+    return true;
+}
+
+bool ContactItemBatch::carryOut(
+    const ContactItemPlan &plan, const QString &folderServerId, std::optional<QContactCollection> collection)
+{
+    Contacts contacts;
+    Departures departures;
+    if (!prepareContacts(plan, &contacts) || !handleDeletedContacts(plan, &departures))
+        return false;
+    if (!collection)
+        collection = mFolders.recreate(folderServerId);
+    if (!collection || !mStore.store(*collection, contacts))
+        return false;
+    mWriter.keepAvatars();
+    takeLocalIds(contacts);
+    return removeContacts(folderServerId, *collection, departures);
+}
+
+bool ContactItemBatch::prepareContacts(const ContactItemPlan &plan, Contacts *contacts)
+{
+    mEntries = plan.entries();
+    for (int i = 0; i < mEntries.size(); ++i) {
+        if (!mEntries.at(i).isStored)
             continue;
-        }
-        prepare(items[i], i, contacts);
+        EasContactsItem &item = mEntries[i].item;
+        const QContact contact = mWriter.prepareContact(item);
+        if (contact.isEmpty())
+            qCWarning(eas()) << "Empty contact prepared for " << item.serverId() << " at " << i;
+        else
+            contacts->append(contact);
     }
     return !mWriter.hasFailed();
 }
 
-bool ContactItemBatch::handleUpdatedContacts(QList<EasContactsItem> &items, Contacts &contacts)
+bool ContactItemBatch::handleDeletedContacts(const ContactItemPlan &plan, Departures *departures) const
 {
-    for (int i = 0; i < items.size(); ++i) {
-        const QString localId = mServerToLocal.value(items.at(i).serverId());
-        items[i].setLocalId(mCollectionIsNew ? QString() : localId);
-        items[i].setAvatarUrl(mAvatars.value(localId));
-        prepare(items[i], i, contacts);
-    }
-    return !mWriter.hasFailed();
-}
-
-void ContactItemBatch::prepare(EasContactsItem &item, int index, Contacts &contacts)
-{
-    const QContact contact = mWriter.prepareContact(item);
-    if (contact.isEmpty())
-        qCWarning(eas()) << "Empty contact prepared for " << item.serverId() << " at " << index;
-    else
-        contacts.append(contact);
-}
-
-bool ContactItemBatch::handleDeletedContacts(
-    const QStringList &serverIds, QList<QContactId> &contacts, QList<QUrl> &avatarFiles) const
-{
-    for (const QString &serverId : serverIds) {
-        const QString localId = mServerToLocal.value(serverId);
-        const QContactId id = mServerToLocal.contains(serverId) ? QContactId::fromString(localId)
-                                                                : mAdoptable.value(serverId).id();
-        if (id.isNull()) {
-            qCWarning(eas()) << "Cannot map contact with identifer " << serverId;
+    for (const ContactItemPlan::Deletion &deletion : plan.deletions()) {
+        const QContactId id = QContactId::fromString(deletion.localId);
+        if (id.isNull())
             continue;
-        }
         QContact contact;
         if (!mContext.read(id, &contact))
             return false;
         qCDebug(eas()) << "Contact " << id << " to remove";
-        contacts.append(id);
-        for (const QUrl &url : { mAvatars.value(localId), contact.detail<QContactAvatar>().imageUrl() }) {
-            if (url.isEmpty() || avatarFiles.contains(url))
+        departures->ids.append(id);
+        if (!mStrays.originOf(contact).isEmpty())
+            departures->signedIds.append(deletion.serverId);
+        for (const QUrl &url : { deletion.avatar, contact.detail<QContactAvatar>().imageUrl() }) {
+            if (url.isEmpty() || departures->avatars.contains(url))
                 continue;
             qCDebug(eas()) << "Avatar file " << url.toLocalFile();
-            avatarFiles.append(url);
+            departures->avatars.append(url);
         }
     }
     return true;
 }
 
-bool ContactItemBatch::store(const QContactCollection &collection, Contacts &contacts) const
+bool ContactItemBatch::removeContacts(
+    const QString &folderServerId, const QContactCollection &collection, const Departures &departures) const
 {
-    if (contacts.isEmpty())
-        return true;
-    auto *engine = mContext.engine();
-    QContactCollection target = collection;
-    QHash<QContactCollection *, Contacts *> modified { { &target, &contacts } };
-    QContactManager::Error error = QContactManager::UnspecifiedError;
-    // The flags stay: changes that the user made since they were fetched are among them.
-    const bool stored = engine
-        && engine->storeChanges(nullptr, &modified, {},
-            QtContactsSqliteExtensions::ContactManagerEngine::PreserveRemoteChanges, false, &error);
-    if (!stored)
-        qCCritical(eas()) << "Failed to save contact changes for collection: " << collection.id() << error;
-    return stored;
+    // Until its flags are cleared the store tells a contact that was removed here from none that the user has
+    // removed; without a row it is not taken for the user's.
+    return (departures.signedIds.isEmpty()
+               || EasDatabase::instance()->deleteContactsItems(
+                   mContext.accountId, departures.signedIds, folderServerId))
+        && mStore.remove(collection, departures.ids, departures.avatars);
 }
 
-void ContactItemBatch::takeLocalIds(const Contacts &stored, QList<EasContactsItem> &items) const
+void ContactItemBatch::takeLocalIds(const Contacts &stored)
 {
     QMap<QString, QContactId> ids;
     for (const QContact &contact : stored)
-        ids.insert(mStrays.serverIdOf(contact), contact.id());
-    for (EasContactsItem &item : items) {
+        ids.insert(mStrays.originOf(contact), contact.id());
+    for (ContactItemPlan::Entry &entry : mEntries) {
+        EasContactsItem &item = entry.item;
         const QContactId id = ids.value(item.serverId());
         if (id.isNull() || item.localId() == id.toString())
             continue;

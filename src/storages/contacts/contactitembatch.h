@@ -3,23 +3,23 @@
 
 #include "easitems/eascontactsitem.h"
 #include "storages/contacts/contactfolders.h"
+#include "storages/contacts/contactitemplan.h"
+#include "storages/contacts/contactstorecalls.h"
 #include "storages/contacts/contactstrays.h"
 #include "storages/contacts/contactwriter.h"
 
 #include <QtContacts/QContact>
 #include <QtContacts/QContactCollection>
 
-#include <QMap>
+#include <optional>
 
 struct ContactStoreContext;
 
 /**
- * Writes the contacts of one reply to the store: added, changed, deleted. Made for one reply.
+ * Carries out the plan of one reply: writes its contacts to the store. Made for one reply.
  *
- * The store is written before the mapping, so after a crash or a failure the server's answer comes again and
- * meets contacts that are there already. One that is mapped is changed instead of added, one that is not is
- * adopted. The caller's lists are sorted accordingly and leave with local identifiers and avatar URLs, as the
- * mapping wants them.
+ * The caller's lists leave as the rows that the mapping gets: those to be added and those that change, with
+ * local identifiers and avatar URLs.
  */
 class ContactItemBatch
 {
@@ -32,25 +32,31 @@ public:
 private:
     using Contacts = QList<QtContacts::QContact>;
 
-    bool readMapping();
-    bool findStrays(const std::optional<QtContacts::QContactCollection> &collection);
-    void sortOut(QList<EasContactsItem> &added, QList<EasContactsItem> &changed) const;
-    bool handleAddedContacts(QList<EasContactsItem> &items, Contacts &contacts);
-    bool handleUpdatedContacts(QList<EasContactsItem> &items, Contacts &contacts);
-    bool handleDeletedContacts(const QStringList &serverIds, QList<QtContacts::QContactId> &contacts,
-        QList<QUrl> &avatarFiles) const;
-    void prepare(EasContactsItem &item, int index, Contacts &contacts);
-    bool store(const QtContacts::QContactCollection &collection, Contacts &contacts) const;
-    void takeLocalIds(const Contacts &stored, QList<EasContactsItem> &items) const;
+    /** Contacts that go. */
+    struct Departures
+    {
+        QList<QtContacts::QContactId> ids;
+        QList<QUrl> avatars;
+        /** Server identifiers of those that bear their origin. */
+        QStringList signedIds;
+    };
+
+    bool readState(
+        const std::optional<QtContacts::QContactCollection> &collection, const QString &folderServerId);
+    bool carryOut(const ContactItemPlan &plan, const QString &folderServerId,
+        std::optional<QtContacts::QContactCollection> collection);
+    bool prepareContacts(const ContactItemPlan &plan, Contacts *contacts);
+    bool handleDeletedContacts(const ContactItemPlan &plan, Departures *departures) const;
+    bool removeContacts(const QString &folderServerId, const QtContacts::QContactCollection &collection,
+        const Departures &departures) const;
+    void takeLocalIds(const Contacts &stored);
 
     const ContactStoreContext &mContext;
     const ContactFolders mFolders;
     const ContactStrays mStrays;
+    const ContactStoreCalls mStore;
     ContactWriter mWriter;
-    QMap<QString, QString> mServerToLocal;
-    QMap<QString, QUrl> mAvatars;
-    /** By server identifiers. */
-    QMap<QString, QtContacts::QContact> mAdoptable;
-    /** Nothing of what is mapped is there any more. */
-    bool mCollectionIsNew = false;
+    ContactFolderState mState;
+    /** Of the plan, with what the store made of them. */
+    QList<ContactItemPlan::Entry> mEntries;
 };

@@ -8,15 +8,17 @@
 #include "storages/contacts/contactfolders.h"
 #include "storages/contacts/contactreader.h"
 #include "storages/contacts/contactstorecontext.h"
-#include "storages/contacts/contactstrays.h"
 
 #include <QtContacts/QContactAvatar>
 #include <QtContacts/QContactManager>
 
 QTCONTACTS_USE_NAMESPACE
+using ContactCases::Action;
+using ContactCases::Moment;
 
 ContactLocalChanges::ContactLocalChanges(const ContactStoreContext &context)
     : mContext(context)
+    , mStrays(context)
 {
 }
 
@@ -27,13 +29,13 @@ EasContactsItem ContactLocalChanges::toItem(const QContact &contact, const EasFo
     return item;
 }
 
-EasContactsItem ContactLocalChanges::toChangedItem(const QContact &contact, const EasFolderItem &folder,
-    const QString &serverId, const QMap<QString, QUrl> &knownAvatars) const
+EasContactsItem ContactLocalChanges::toChangedItem(
+    const QContact &contact, const EasFolderItem &folder, const ContactFolderRows &rows) const
 {
     EasContactsItem item = toItem(contact, folder);
-    item.setServerId(serverId);
+    item.setServerId(rows.serverId(item.localId()));
     // Without a word about it the server would keep the picture that the user has removed.
-    if (item.avatarUrl().isEmpty() && !knownAvatars.value(item.localId()).isEmpty())
+    if (item.avatarUrl().isEmpty() && !rows.avatar(item.localId()).isEmpty())
         item.appendChangedField(Wbxml::Contacts::Picture.key());
     qCDebug(eas()) << "updated contact item local id=" << item.localId();
     return item;
@@ -48,86 +50,102 @@ bool ContactLocalChanges::queryChanges(const EasFolderItem &folder, QList<EasCon
         qCWarning(eas()) << "Unable to find local collection matching server id: " << folder.serverId();
         return false;
     }
-    // Before the changes are fetched: a failure after that would let them look handled.
-    EasDatabase *database = EasDatabase::instance();
-    const QMap<QString, QString> localToServer =
-        database->localToServerContactIds(mContext.accountId, folder.serverId());
-    if (database->lookupFailed())
+    // Before the changes are fetched: what the user removes after that is missing and no pending removal.
+    const auto rows = ContactFolderRows::read(mContext.accountId, folder.serverId());
+    QStringList missing;
+    Fetched fetched;
+    if (!rows || !findMissing(*present.collection, *rows, &missing)
+        || !fetch(folder, *present.collection, &fetched))
         return false;
-    const QMap<QString, QUrl> avatars = database->localContactIdsToAvatarsUrls(mContext.accountId);
-    if (database->lookupFailed())
-        return false;
+    // One with a row that is still marked as added is at the server already.
+    for (const QContact &contact : fetched.added + fetched.modified) {
+        const bool hasRow = rows->hasLocalId(contact.id().toString());
+        if (ContactCases::action(Moment::Query, mStrays.state(contact, hasRow)) == Action::UploadAsChange)
+            changed->append(toChangedItem(contact, folder, *rows));
+    }
+    for (const QContact &contact : qAsConst(fetched.deleted)) {
+        const QString serverId = rows->serverId(contact.id().toString());
+        if (!serverId.isEmpty())
+            deletedServerIds->append(serverId);
+    }
+    return appendAdded(*present.collection, *rows, folder, added)
+        && forgetLost(missing, fetched.deleted, *rows, folder.serverId());
+}
 
-    Contacts addedContacts;
-    Contacts modified;
-    Contacts deleted;
+bool ContactLocalChanges::fetch(
+    const EasFolderItem &folder, const QContactCollection &collection, Fetched *fetched) const
+{
     QContactManager::Error error = QContactManager::UnspecifiedError;
     auto *engine = mContext.engine();
-    if (!engine
-        || !engine->fetchContactChanges(
-            present.collection->id(), &addedContacts, &modified, &deleted, nullptr, &error)) {
-        qCCritical(eas()) << "Unable to fetch contact changes for local collection: "
-                          << present.collection->id() << " matching server id: " << folder.serverId() << " : "
-                          << error;
-        return false;
-    }
+    if (engine
+        && engine->fetchContactChanges(
+            collection.id(), &fetched->added, &fetched->modified, &fetched->deleted, nullptr, &error))
+        return true;
+    qCCritical(eas()) << "Unable to fetch contact changes for local collection: " << collection.id()
+                      << " matching server id: " << folder.serverId() << " : " << error;
+    return false;
+}
 
-    // One with a row that is still marked as added is at the server already.
-    for (const QContact &contact : addedContacts + modified) {
-        const QString serverId = localToServer.value(contact.id().toString());
-        if (!serverId.isEmpty())
-            changed->append(toChangedItem(contact, folder, serverId, avatars));
-    }
-    Contacts unknown;
-    if (!appendStrays(*present.collection, &unknown))
+bool ContactLocalChanges::appendAdded(const QContactCollection &collection, const ContactFolderRows &rows,
+    const EasFolderItem &folder, QList<EasContactsItem> *added)
+{
+    Contacts strays;
+    if (!mStrays.find(collection, rows, &strays))
         return false;
-    for (const QContact &contact : qAsConst(unknown)) {
+    mAwaiting.remove(folder.serverId());
+    for (const QContact &contact : qAsConst(strays)) {
+        if (ContactCases::action(Moment::Query, mStrays.state(contact, false)) != Action::UploadAsNew) {
+            mAwaiting.insert(folder.serverId());
+            continue;
+        }
         const EasContactsItem item = toItem(contact, folder);
         qCDebug(eas()) << "added contacts item local id=" << item.localId();
         added->append(item);
     }
-    for (const QContact &contact : qAsConst(deleted)) {
-        const QString serverId = localToServer.value(contact.id().toString());
-        if (!serverId.isEmpty())
-            deletedServerIds->append(serverId);
+    return true;
+}
+
+bool ContactLocalChanges::findMissing(
+    const QContactCollection &collection, const ContactFolderRows &rows, QStringList *missing) const
+{
+    const QList<QContactId> ids = mContext.manager->contactIds(ContactStoreContext::contactsOf(collection));
+    if (mContext.manager->error() != QContactManager::NoError)
+        return false;
+    QSet<QString> present;
+    for (const QContactId &id : ids)
+        present.insert(id.toString());
+    const QStringList known = rows.localIds();
+    for (const QString &localId : known) {
+        if (!present.contains(localId))
+            missing->append(localId);
     }
     return true;
 }
 
-bool ContactLocalChanges::appendStrays(const QContactCollection &collection, Contacts *added)
+bool ContactLocalChanges::forgetLost(const QStringList &missing, const Contacts &deleted,
+    const ContactFolderRows &rows, const QString &folderServerId) const
 {
-    const ContactStrays strays(mContext);
-    Contacts unmapped;
-    if (!strays.find(collection, &unmapped))
-        return false;
-    QSet<QString> heldBack;
-    QList<QContactId> gone;
-    QList<QUrl> avatars;
-    for (const QContact &contact : qAsConst(unmapped)) {
-        const QString localId = contact.id().toString();
-        if (strays.serverIdOf(contact).isEmpty()) {
-            // Made here. Without a flag its upload was acknowledged, but not mapped: the server's answer to
-            // the same key comes again.
-            added->append(contact);
-        } else if (!mHeldBack.contains(localId)) {
-            // The server sends it again, to be adopted.
-            heldBack.insert(localId);
-        } else if (ContactStrays::hasLocalChange(contact)) {
-            added->append(contact);
-        } else {
-            gone.append(contact.id());
-            avatars.append(contact.detail<QContactAvatar>().imageUrl());
-        }
+    QSet<QString> removedByUser;
+    for (const QContact &contact : deleted)
+        removedByUser.insert(contact.id().toString());
+    QStringList serverIds;
+    for (const QString &localId : missing) {
+        if (!removedByUser.contains(localId))
+            serverIds.append(rows.serverId(localId));
     }
-    mHeldBack = heldBack;
-    return strays.removeContacts(collection, gone, avatars);
+    if (serverIds.isEmpty())
+        return true;
+    // As long as there is a row, what the server sends is a change of a contact that is not there.
+    qCWarning(eas()) << "contacts are gone from the store though nobody removed them:" << serverIds;
+    return EasDatabase::instance()->deleteContactsItems(mContext.accountId, serverIds, folderServerId);
 }
 
 bool ContactLocalChanges::uploadedLocalChanges(const QStringList &addedLocalIds,
     const QStringList &changedLocalIds, const QStringList &deletedLocalIds) const
 {
-    const QMap<QString, QUrl> known =
-        EasDatabase::instance()->localContactIdsToAvatarsUrls(mContext.accountId);
+    const auto known = EasDatabase::instance()->localContactIdsToAvatarsUrls(mContext.accountId);
+    if (!known)
+        return false;
     QList<QContactId> ids;
     QList<QUrl> oldAvatars;
     for (const QString &localId : addedLocalIds + changedLocalIds + deletedLocalIds) {
@@ -144,8 +162,8 @@ bool ContactLocalChanges::uploadedLocalChanges(const QStringList &addedLocalIds,
             continue;
         ids.append(id);
         // The picture that came with it, if the user has given it another one or removed it.
-        if (contact.detail<QContactAvatar>().imageUrl() != known.value(localId))
-            oldAvatars.append(known.value(localId));
+        if (contact.detail<QContactAvatar>().imageUrl() != known->value(localId))
+            oldAvatars.append(known->value(localId));
     }
     if (ids.isEmpty())
         return true;

@@ -3,14 +3,14 @@
 
 #include "easitems/eascontactsitem.h"
 #include "easitems/easfolderitem.h"
+#include "storages/contacts/contactfolderrows.h"
+#include "storages/contacts/contactstrays.h"
 
 #include <QtContacts/QContact>
 #include <QtContacts/QContactCollection>
 
-#include <QMap>
 #include <QSet>
 #include <QStringList>
-#include <QUrl>
 
 struct ContactStoreContext;
 
@@ -22,18 +22,36 @@ public:
 
     bool queryChanges(const EasFolderItem &folder, QList<EasContactsItem> *added,
         QList<EasContactsItem> *changed, QStringList *deletedServerIds);
+    /** Whether the latest query left contacts of the folder out until the server has sent everything. */
+    bool awaits(const QString &folderServerId) const { return mAwaiting.contains(folderServerId); }
     bool uploadedLocalChanges(const QStringList &addedLocalIds, const QStringList &changedLocalIds,
         const QStringList &deletedLocalIds) const;
 
 private:
     using Contacts = QList<QtContacts::QContact>;
 
-    bool appendStrays(const QtContacts::QContactCollection &collection, Contacts *added);
+    struct Fetched
+    {
+        Contacts added;
+        Contacts modified;
+        Contacts deleted;
+    };
+
+    bool fetch(const EasFolderItem &folder, const QtContacts::QContactCollection &collection,
+        Fetched *fetched) const;
+    bool appendAdded(const QtContacts::QContactCollection &collection, const ContactFolderRows &rows,
+        const EasFolderItem &folder, QList<EasContactsItem> *added);
+    /** Local identifiers of rows whose contacts the store does not show. */
+    bool findMissing(const QtContacts::QContactCollection &collection, const ContactFolderRows &rows,
+        QStringList *missing) const;
+    bool forgetLost(const QStringList &missing, const Contacts &deleted, const ContactFolderRows &rows,
+        const QString &folderServerId) const;
     EasContactsItem toItem(const QtContacts::QContact &contact, const EasFolderItem &folder) const;
     EasContactsItem toChangedItem(const QtContacts::QContact &contact, const EasFolderItem &folder,
-        const QString &serverId, const QMap<QString, QUrl> &knownAvatars) const;
+        const ContactFolderRows &rows) const;
 
     const ContactStoreContext &mContext;
-    /** Strays of the latest query, by local identifiers: what is still one at the next is none that comes. */
-    QSet<QString> mHeldBack;
+    const ContactStrays mStrays;
+    /** Server identifiers of folders. */
+    QSet<QString> mAwaiting;
 };

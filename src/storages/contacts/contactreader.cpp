@@ -6,6 +6,7 @@
 #include "storages/contacts/contactdates.h"
 #include "storages/contacts/contactdetails.h"
 #include "storages/contacts/contactphonenumbers.h"
+#include "storages/contacts/contactsecondname.h"
 #include "storages/contacts/contactservertexts.h"
 #include "storages/contacts/contactstorecontext.h"
 
@@ -110,6 +111,7 @@ EasContactsItem ContactReader::convertContact(const QContact &contact) const
             (this->*handler.process)(details, item);
     }
     processPhones(contact, item);
+    ContactSecondName::read(contact, item);
     ContactServerTexts::restore(contact, item);
     logUnsupported(contact);
     return item;
@@ -181,7 +183,7 @@ void ContactReader::processDetailExtended(const Details &details, EasContactsIte
     const Details left = placeExactly(details, item);
     for (const QContactDetail &detail : left) {
         const QString name = QContactExtendedDetail(detail).name();
-        if (!ContactServerTexts::isKept(name))
+        if (!ContactServerTexts::isKept(name) && !ContactSecondName::isText(name))
             qCDebug(eas()) << "unsyncable extended detail" << name;
     }
 }

@@ -10,7 +10,6 @@
 #include "storages/contacts/contactitembatch.h"
 #include "storages/contacts/contactsobserver.h"
 #include "storages/contacts/contactstoremanager.h"
-#include "storages/contacts/contactstrays.h"
 
 QTCONTACTS_USE_NAMESPACE
 
@@ -18,6 +17,7 @@ ContactStorageImpl::ContactStorageImpl(EasAccount &account, QObject *parent)
     : ContactStorage(parent)
     , mAccount(account)
     , mLocalChanges(mContext)
+    , mRecovery(mContext)
 {
     mContext.accountId = account.id();
     openStore();
@@ -62,7 +62,7 @@ bool ContactStorageImpl::openStore()
     mContext.manager = ContactStoreManager::create(this);
     if (!mContext.manager)
         return false;
-    ContactStrays(mContext).repair();
+    mRecovery.repair();
     return true;
 }
 
@@ -113,11 +113,12 @@ void ContactStorageImpl::onContactsConfigurationChanged(EasAccountId accountId)
 
 void ContactStorageImpl::onLocalChangesAvailable(const QList<QString> &serverFolderIds)
 {
-    const QMap<QString, QString> localIds =
-        EasDatabase::instance()->serverToLocalFolderIds(mContext.accountId);
+    const auto localIds = EasDatabase::instance()->serverToLocalFolderIds(mContext.accountId);
+    if (!localIds)
+        return; // the changes keep their flags, and the next sync finds them
     QStringList folders;
     for (const QString &serverId : serverFolderIds) {
-        const QString localId = localIds.value(serverId);
+        const QString localId = localIds->value(serverId);
         if (!localId.isEmpty() && !folders.contains(localId))
             folders.append(localId);
     }
@@ -132,8 +133,7 @@ bool ContactStorageImpl::updateFolders(
 {
     if (!storeAvailable())
         return false;
-    const ContactFolders folders(mContext);
-    return folders.repairFolders() && folders.updateFolders(added, changed, deleted);
+    return mRecovery.repairFolders() && ContactFolders(mContext).updateFolders(added, changed, deleted);
 }
 
 bool ContactStorageImpl::updateItems(const QString &folderServerId, QList<EasContactsItem> &added,
@@ -141,8 +141,13 @@ bool ContactStorageImpl::updateItems(const QString &folderServerId, QList<EasCon
 {
     if (added.isEmpty() && changed.isEmpty() && deleted.isEmpty())
         return true;
-    return storeAvailable()
-        && ContactItemBatch(mContext).updateItems(folderServerId, added, changed, deleted);
+    if (!storeAvailable() || !ContactItemBatch(mContext).updateItems(folderServerId, added, changed, deleted))
+        return false;
+    for (const QList<EasContactsItem> &items : { added, changed }) {
+        for (const EasContactsItem &item : items)
+            mRecovery.named({ item.localId() });
+    }
+    return true;
 }
 
 bool ContactStorageImpl::cleanUpFolder(const EasFolderItem &folder)
@@ -159,8 +164,28 @@ bool ContactStorageImpl::queryChanges(const EasFolderItem &folder, QList<EasCont
 bool ContactStorageImpl::uploadedLocalChanges(
     const QStringList &addedLocalIds, const QStringList &changedLocalIds, const QStringList &deletedLocalIds)
 {
-    return storeAvailable()
-        && mLocalChanges.uploadedLocalChanges(addedLocalIds, changedLocalIds, deletedLocalIds);
+    if (!storeAvailable()
+        || !mLocalChanges.uploadedLocalChanges(addedLocalIds, changedLocalIds, deletedLocalIds))
+        return false;
+    mRecovery.uploaded(addedLocalIds);
+    mRecovery.named(changedLocalIds);
+    return true;
+}
+
+bool ContactStorageImpl::expectAll(const EasFolderItem &folder)
+{
+    return storeAvailable() && mRecovery.expectAll(folder.serverId());
+}
+
+bool ContactStorageImpl::allReceived(const QString &folderServerId)
+{
+    return storeAvailable() && mRecovery.allReceived(folderServerId);
+}
+
+bool ContactStorageImpl::unchanged(const QString &folderServerId)
+{
+    return !mLocalChanges.awaits(folderServerId) || mRecovery.isSentAnew(folderServerId)
+        || allReceived(folderServerId);
 }
 
 // What failed keeps its flag in the store, and goes up again.

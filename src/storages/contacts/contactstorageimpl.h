@@ -2,6 +2,7 @@
 #pragma once
 
 #include "storages/contacts/contactlocalchanges.h"
+#include "storages/contacts/contactrecovery.h"
 #include "storages/contacts/contactstorecontext.h"
 #include "storages/contactstorage.h"
 
@@ -12,8 +13,8 @@ class ContactsObserver;
 class EasAccount;
 
 /**
- * The contact store of one account, a thin front: ContactFolders, ContactItemBatch and ContactLocalChanges do
- * the work. Pictures are files that contacts name. Owned by the account.
+ * The contact store of one account, a thin front: ContactFolders, ContactItemBatch, ContactLocalChanges and
+ * ContactRecovery do the work. Pictures are files that contacts name. Owned by the account.
  */
 class ContactStorageImpl : public ContactStorage
 {
@@ -36,6 +37,9 @@ public:
     bool uploadedLocalChanges(const QStringList &addedLocalIds, const QStringList &changedLocalIds,
         const QStringList &deletedLocalIds) override;
     void setFailedLocalChangesIds(const QStringList &localIds) override;
+    bool expectAll(const EasFolderItem &folder) override;
+    bool allReceived(const QString &folderServerId) override;
+    bool unchanged(const QString &folderServerId) override;
 
 public Q_SLOTS:
     void onSyncCompleted(EasAccountId accountId, qulonglong requestId, int status) override;
@@ -54,5 +58,6 @@ private:
     EasAccount &mAccount;
     ContactStoreContext mContext;
     ContactLocalChanges mLocalChanges;
+    ContactRecovery mRecovery;
     std::unique_ptr<ContactsObserver> mObserver;
 };

@@ -17,6 +17,13 @@ QtContactsSqliteExtensions::ContactManagerEngine *ContactStoreContext::engine() 
     return manager ? QtContactsSqliteExtensions::contactManagerEngine(*manager) : nullptr;
 }
 
+QContactCollectionFilter ContactStoreContext::contactsOf(const QContactCollection &collection)
+{
+    QContactCollectionFilter filter;
+    filter.setCollectionId(collection.id());
+    return filter;
+}
+
 bool ContactStoreContext::read(const QContactId &id, QContact *contact) const
 {
     *contact = manager->contact(id);

@@ -5,6 +5,7 @@
 
 #include <contactmanagerengine.h>
 
+#include <QtContacts/QContactCollectionFilter>
 #include <QtContacts/QContactManager>
 
 #include <QString>
@@ -23,10 +24,13 @@ struct ContactStoreContext
     /** The manager's extension. */
     QtContactsSqliteExtensions::ContactManagerEngine *engine() const;
 
+    /** A filter for the contacts of a collection. */
+    static QtContacts::QContactCollectionFilter contactsOf(const QtContacts::QContactCollection &collection);
+
     /** Reads a contact, which is empty if there is none. False if the store could not be asked. */
     bool read(const QtContacts::QContactId &id, QtContacts::QContact *contact) const;
 
-    /** What a contact of the server's is known by, whatever becomes of the mapping. */
+    /** The mark of origin, by which a contact of the server is known whatever becomes of the mapping. */
     QString guid(const QString &serverId) const;
     /** The server identifier in such a text; empty for any other. */
     QString serverIdOf(const QString &guid) const;

@@ -1,53 +1,38 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
-#include "storages/contacts/contactfolders.h"
+#include "storages/contacts/contactcases.h"
+#include "storages/contacts/contactfolderrows.h"
+#include "storages/contacts/contactitemplan.h"
 
 #include <QtContacts/QContact>
-#include <QtContacts/QContactManager>
+#include <QtContacts/QContactCollection>
 
 #include <QList>
 #include <QMap>
 
 struct ContactStoreContext;
 
-/**
- * Contacts of the account's collections that the mapping does not know: new ones of the user's, and those
- * that an interrupted run has stored without getting as far as the mapping.
- */
+/** Contacts of a folder without a row of the mapping, and what tells a contact's case. */
 class ContactStrays
 {
 public:
     explicit ContactStrays(const ContactStoreContext &context);
 
-    /** Of one folder. False if store or mapping could not be asked. */
-    bool find(const QtContacts::QContactCollection &collection, QList<QtContacts::QContact> *strays) const;
+    /** Contacts of the collection that have no row. False if the store could not be asked. */
+    bool find(const QtContacts::QContactCollection &collection, const ContactFolderRows &rows,
+        QList<QtContacts::QContact> *strays) const;
 
-    /** Those that came from the server, by their server identifiers. */
-    QMap<QString, QtContacts::QContact> byServerId(const QList<QtContacts::QContact> &strays) const;
-    QString serverIdOf(const QtContacts::QContact &contact) const;
+    /** Those of them that came from the server, by their server identifiers. */
+    QMap<QString, ContactFolderState::Stray> byServerId(const QList<QtContacts::QContact> &strays) const;
+
+    ContactCases::State state(const QtContacts::QContact &contact, bool hasRow) const;
+    /** The server identifier that the contact came with; empty if it was made on the device. */
+    QString originOf(const QtContacts::QContact &contact) const;
 
     /** What the user changed and the server does not know yet. */
-    static bool hasLocalChange(const QtContacts::QContact &contact);
-
-    /** Takes contacts out of the store, with their pictures and without leaving a change. */
-    bool removeContacts(const QtContacts::QContactCollection &collection,
-        const QList<QtContacts::QContactId> &ids, const QList<QUrl> &avatarFiles) const;
-
-    /**
-     * Heals what an interrupted run has left: folders and contacts that the mapping does not know, and
-     * pictures that no contact has. Their keys were not advanced, so the server sends them again, or has
-     * deleted them; what the user changed in them stays.
-     */
-    void repair() const;
+    static bool isEdited(const QtContacts::QContact &contact);
 
 private:
-    bool removePresent(const QtContacts::QContactCollection &collection,
-        const QList<QtContacts::QContactId> &ids, QtContacts::QContactManager::Error *error) const;
-    bool repairFolder(const QtContacts::QContactCollection &collection) const;
-    bool removeUnknownFolder(const QtContacts::QContactCollection &collection) const;
-    void removeOrphanedPictures(const QList<QtContacts::QContactCollection> &collections) const;
-
     const ContactStoreContext &mContext;
-    const ContactFolders mFolders;
 };
