@@ -3,6 +3,7 @@
 
 #include "application/base/logging.h"
 #include "easitems/containers/easbodycontainer.h"
+#include "storages/mail/mailcontentkind.h"
 
 #include <qmailmessage.h>
 
@@ -98,7 +99,7 @@ struct TextForm
 {
     EasBodyContainer::BodyType type;
     const char *subType;
-    QMailMessageMetaData::ContentType content;
+    MailContentKind::Kind content;
 };
 
 constexpr TextForm textForms[] = {
@@ -116,7 +117,7 @@ void setTextBody(QMailMessage &message, const EasBodyContainer &body)
     type.setType("text");
     type.setSubType("plain");
     type.setCharset("UTF-8");
-    QMailMessageMetaData::ContentType content = QMailMessageMetaData::UnknownContent;
+    MailContentKind::Kind content = QMailMessageMetaData::UnknownContent;
     bool known = false;
     for (const TextForm &form : textForms) {
         if (form.type == body.type()) {
@@ -129,7 +130,7 @@ void setTextBody(QMailMessage &message, const EasBodyContainer &body)
         type.setType("");
     else if (!known)
         qCWarning(eas()) << "unhandled body type" << static_cast<int>(body.type());
-    message.setContent(content);
+    MailContentKind::set(message, content);
     // The call only sets the text body; the type of the body makes it an HTML one.
     textTarget(message).setPlainTextBody(
         QMailMessageBody::fromData(body.data(), type, QMailMessageBody::EightBit));

@@ -7,11 +7,15 @@
 #include "easitems/easemailitem.h"
 #include "protocol/wbxml/wbxmltokens.h"
 #include "storages/mail/mailattachments.h"
+#include "storages/mail/mailcontentkind.h"
 #include "storages/mail/mailstorecontext.h"
 
 #include <qmailmessage.h>
 
 namespace {
+
+// The class that names it differs between revisions of the store.
+const QMailFolderId localStorageFolder(quint64(1));
 
 QString idText(const QMailMessageId &id)
 {
@@ -82,7 +86,7 @@ EasEmailItem MailMessageReader::mailItemFromEmailMessageId(
 EasBodyContainer MailMessageReader::bodyContainer(const QMailMessage &message) const
 {
     EasBodyContainer body;
-    const int content = message.content();
+    const int content = MailContentKind::of(message);
     switch (content) {
     case QMailMessageMetaData::UnknownContent:
     case QMailMessageMetaData::NoContent:
@@ -126,7 +130,7 @@ void MailMessageReader::setMove(
     const QString source = localToServerFolders.value(idText(previous));
     if (!source.isEmpty())
         item->setSourceFolderId(source);
-    else if (previous != QMailFolderId(QMailFolder::LocalStorageFolderId))
+    else if (previous != localStorageFolder)
         qCWarning(eas()) << "unknown previous folder id" << previous.toULongLong();
     item->setDestinationFolderId(item->collectionId());
 }
