@@ -15,6 +15,13 @@ QDateTime receivedOf(const QDateTime &wanted, const QDateTime &written)
     return time.isValid() ? time.toUTC() : QDateTime::currentDateTimeUtc();
 }
 
+/** The attachments of the content with this serial number. */
+struct DecodedAttachments
+{
+    quint64 serial = 0;
+    QVector<ItemAttachment> items;
+};
+
 std::atomic<quint64> lastSerial { 0 };
 
 } // namespace
@@ -51,11 +58,14 @@ EmailBodies EmailContent::bodies() const
 
 QVector<ItemAttachment> EmailContent::attachments() const
 {
-    QVector<ItemAttachment> result;
-    const QVector<MimeAttachment> found = MimeReader(mMessage).attachments();
-    for (const MimeAttachment &attachment : found)
-        result.append(attachment.item);
-    return result;
+    thread_local DecodedAttachments last;
+    if (last.serial != mSerial) {
+        last = { mSerial, {} };
+        const QVector<MimeAttachment> found = MimeReader(mMessage).attachments();
+        for (const MimeAttachment &attachment : found)
+            last.items.append(attachment.item);
+    }
+    return last.items;
 }
 
 } // namespace Simulator

@@ -61,6 +61,7 @@ public:
     const QByteArray &meetingRequest() const { return mMeetingRequest; }
     bool isSmime() const;
     EmailBodies bodies() const;
+    /** Those of the last message that was asked are kept: files are fetched in many ranges. */
     QVector<ItemAttachment> attachments() const;
 
 private:

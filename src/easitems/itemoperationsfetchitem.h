@@ -21,6 +21,7 @@ public:
     /** "start-end" of what the data holds of the whole. */
     QString range() const { return mRange; }
     void setRange(const QString &range) { mRange = range; }
+    /** Bytes of the whole of which the data is a range; -1 if the server does not say. */
     int total() const { return mTotal; }
     void setTotal(int total) { mTotal = total; }
     /** Base64, as the server sends it. */
@@ -67,7 +68,7 @@ private:
     QString mCollectionId;
     QString mServerId;
     QString mRange;
-    int mTotal = 0;
+    int mTotal = -1;
     QString mData;
     QString mVersion;
     QString mContentType;

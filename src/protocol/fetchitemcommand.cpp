@@ -6,14 +6,33 @@
 #include "application/mapping/easdatabase.h"
 #include "easitems/algorithms/itemoperationsresponseparser.h"
 #include "easitems/emailserverid.h"
+#include "protocol/base/eas.h"
 #include "protocol/base/protocolutils.h"
+#include "protocol/multipartreply.h"
 #include "protocol/wbxml/wbxmlencoder.h"
 #include "storages/mailstorage.h"
 
 #include <QDebug>
+#include <QNetworkReply>
 #include <QNetworkRequest>
 
+#include <algorithm>
+
 using namespace Wbxml;
+
+namespace {
+
+// What the first byte of each document says; a reply in parts begins with their number, which is even.
+constexpr char WbxmlVersion13 = 3;
+
+/** Of a Content-Type without its parameters. */
+QString mediaType(const QNetworkReply *reply)
+{
+    const QString contentType = reply->header(QNetworkRequest::ContentTypeHeader).toString();
+    return contentType.section(QLatin1Char(';'), 0, 0).trimmed().toLower();
+}
+
+} // namespace
 
 FetchItemCommand::FetchItemCommand(EasAccountId accountId, QObject *parent)
     : BaseProtocolCommand(accountId, parent)
@@ -142,6 +161,8 @@ bool FetchItemCommand::parseReply(QNetworkReply *reply, const QByteArray &body)
     mFetchItems.clear();
     mPartContentType.clear();
     mPartData.clear();
+    mHasPart = false;
+    mPartRange.clear();
     mTotalSize = -1;
     if (!mAcceptMultipart) {
         return processSingleResponse(body);
@@ -162,5 +183,86 @@ bool FetchItemCommand::processSingleResponse(const QByteArray &data)
     }
     setStatus(parser.status());
     mFetchItems = parser.fetchItems();
+    return true;
+}
+
+void FetchItemCommand::logBody(const QByteArray &body) const
+{
+    // The documents of a reply in parts are logged one by one, when they are read.
+    if (body.isEmpty() || body.at(0) == WbxmlVersion13) {
+        BaseProtocolCommand::logBody(body);
+    }
+}
+
+bool FetchItemCommand::processMultiPartResponse(const QNetworkReply *reply, const QByteArray &data)
+{
+    const QString type = mediaType(reply);
+    if (type == ProtocolUtils::ContentTypeWbxml) {
+        if (processSingleResponse(data)) {
+            return true;
+        }
+        qCWarning(eas())
+            << "We failed to handle the response as a webxml response, so trying to handle it as "
+               "a multipart response";
+    } else if (type != ProtocolUtils::ContentTypeMultiPart) {
+        qCCritical(eas()) << "Invalid content type for multipart response";
+        return false;
+    }
+    return processParts(data);
+}
+
+bool FetchItemCommand::processParts(const QByteArray &data)
+{
+    MultipartReply reply(data);
+    if (!reply.open()) {
+        return false;
+    }
+    while (reply.hasNext()) {
+        if (!reply.next()) {
+            return false;
+        }
+        if (!processPartWbxml(reply.document())) {
+            continue;
+        }
+        // A file that was refused has no data, whatever lies in its place.
+        if (status() <= Eas::ItemOperationsStatusSuccess) {
+            mPartData = reply.data();
+            mHasPart = true;
+            qCDebug(eas()) << "The part with content type" << mPartContentType << "and size"
+                           << mPartData.size() << "was found";
+        }
+        return true;
+    }
+    qCCritical(eas()) << "The part was not found in multipart response";
+    return false;
+}
+
+bool FetchItemCommand::checkBound(int dataSize, int offset, int length)
+{
+    return MultipartReply::checkBound(dataSize, offset, length);
+}
+
+bool FetchItemCommand::processPartWbxml(const QByteArray &part)
+{
+    BaseProtocolCommand::logBody(part);
+    ItemOperationsResponseParser parser;
+    parser.parse(part);
+    if (!parser.ready()) {
+        qCWarning(eas()) << "Failed to parse";
+        return false;
+    }
+    const QList<ItemOperationsFetchItem> items = parser.fetchItems();
+    const auto item =
+        std::find_if(items.cbegin(), items.cend(), [this](const ItemOperationsFetchItem &candidate) {
+            return candidate.fileReference() == mFileReference;
+        });
+    if (item == items.cend()) {
+        return false;
+    }
+    const bool isRefused = item->status() > Eas::ItemOperationsStatusSuccess;
+    setStatus(isRefused ? item->status() : parser.status());
+    mPartContentType = item->contentType();
+    mPartRange = item->range();
+    mTotalSize = item->total();
     return true;
 }

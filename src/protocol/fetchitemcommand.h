@@ -46,7 +46,11 @@ public:
     // Results
     QString partContentType() const { return mPartContentType; }
     QByteArray partData() const { return mPartData; }
-    /** Size of the whole file of which a range was fetched. */
+    /** Whether the reply came in parts and held the file; the part of a file without bytes is empty. */
+    bool hasPart() const { return mHasPart; }
+    /** "start-end" of what the data holds of the whole; empty if the server does not say. */
+    QString partRange() const { return mPartRange; }
+    /** Size of the whole file of which a range was fetched; -1 if the server does not say. */
     int totalSize() const { return mTotalSize; }
     QList<ItemOperationsFetchItem> fetchItems() const { return mFetchItems; }
 
@@ -73,8 +77,6 @@ private:
     void encodeFileReference(WbxmlEncoder &encoder) const;
     bool encodeMessages(EasAccount &account, WbxmlEncoder &encoder) const;
     bool processParts(const QByteArray &data);
-    struct Multipart;
-    bool processPair(Multipart &reply, int index, bool isLast, bool *found);
 
     int mRangeStart = -1;
     int mRangeEnd = -1;
@@ -87,6 +89,8 @@ private:
 
     QString mPartContentType;
     QByteArray mPartData;
+    bool mHasPart = false;
+    QString mPartRange;
     int mTotalSize = -1;
     QList<ItemOperationsFetchItem> mFetchItems;
 };

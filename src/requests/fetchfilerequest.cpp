@@ -7,6 +7,8 @@
 #include "protocol/base/eas.h"
 #include "protocol/fetchitemcommand.h"
 
+#include <limits>
+
 void FetchFileRequest::startRequest()
 {
     EasAccount *easAccount = account();
@@ -18,6 +20,9 @@ void FetchFileRequest::startRequest()
     int estimatedSize = 0;
     if (!findFile(*easAccount, &fileReference, &estimatedSize))
         return completeWith(RequestStatusInternalError);
+    // Of a file without bytes there is no range.
+    if (estimatedSize == 0)
+        setPartSize(0);
     FetchItemCommand *command = newFileCommand(fileReference);
     command->setEstimatedDataSize(estimatedSize);
     command->start();
@@ -62,8 +67,48 @@ void FetchFileRequest::onCommandFinished(bool success)
             qCInfo(eas()) << "ItemOperations request paused. Provision request started";
         return dropCommand();
     }
+    if (success && endsFileOrRanges())
+        return;
     if (mPartSize == 0 || !success || !handleMultiPart())
         handleFetchStatus(success);
+}
+
+int FetchFileRequest::fileStatus() const
+{
+    // In the single form the file has a status of its own.
+    const QList<ItemOperationsFetchItem> items = fetchCommand()->fetchItems();
+    return status() > Eas::ItemOperationsStatusSuccess || items.isEmpty() ? status() : items.first().status();
+}
+
+bool FetchFileRequest::endsFileOrRanges()
+{
+    switch (fileStatus()) {
+    case Eas::ItemOperationsStatusFileIsEmpty:
+        if (!mData.isEmpty())
+            return false;
+        break;
+    case Eas::ItemOperationsStatusInvalidRange:
+        if (mPartSize != 0 && mData.isEmpty()) {
+            fetchWhole();
+            return true;
+        }
+        // Behind the last byte of a file whose size the server does not say.
+        if (mData.isEmpty() || mTotal >= 0)
+            return false;
+        break;
+    default:
+        return false;
+    }
+    finish();
+    return true;
+}
+
+void FetchFileRequest::fetchWhole()
+{
+    qCInfo(eas()) << "the server has no ranges of the file, asking for all of it";
+    setPartSize(0);
+    dropCommand();
+    startRequest();
 }
 
 bool FetchFileRequest::handleMultiPart()
@@ -71,57 +116,96 @@ bool FetchFileRequest::handleMultiPart()
     if (status() != Eas::ItemOperationsStatusSuccess)
         return false;
     // A server may answer in the single form although it was offered the other one.
-    if (fetchCommand()->partData().isEmpty() && !fetchCommand()->fetchItems().isEmpty())
-        return false;
-    takePart();
-    return true;
-}
-
-void FetchFileRequest::takePart()
-{
     const FetchItemCommand &command = *fetchCommand();
-    if (command.totalSize() < 0 || command.partData().isEmpty()) {
+    if (!command.hasPart() && !command.fetchItems().isEmpty())
+        return false;
+    if (!command.hasPart()) {
         qCWarning(eas()) << "The part of data was not received";
-        return completeWith(RequestStatusInternalError);
+        completeWith(RequestStatusInternalError);
+        return true;
     }
-    resetTimeoutFactor();
-    clearRetries();
-    mData.append(command.partData());
-    if (command.totalSize() > mData.size())
-        return requestNextPart(command.totalSize());
-    if (!store(command.partContentType(), mData))
-        return completeWith(RequestStatusInternalError);
-    Q_EMIT requestDownloadProgress(accountId(), id(), mData.size(), mData.size());
-    completeWith(RequestStatusSuccess);
-}
-
-void FetchFileRequest::requestNextPart(int total)
-{
-    const int start = mData.size();
-    Q_EMIT requestDownloadProgress(accountId(), id(), start, total);
-    fetchCommand()->setRange(start, start + qMin(total - start, int(mPartSize)) - 1);
-    fetchCommand()->start();
+    takePiece({ command.partData(), command.partContentType(), command.partRange(), command.totalSize() });
+    return true;
 }
 
 void FetchFileRequest::processCommandSuccess()
 {
-    int result = RequestStatusSuccess;
     const QList<ItemOperationsFetchItem> items = fetchCommand()->fetchItems();
     if (items.isEmpty())
-        result = RequestStatusInternalError;
-    for (const ItemOperationsFetchItem &item : items) {
-        const QByteArray data = QByteArray::fromBase64(item.data().toLatin1());
-        if (item.status() > Eas::ItemOperationsStatusSuccess) {
-            qCWarning(eas()) << "unhandled status" << item.status();
-            result = item.status();
-        } else if (item.total() > data.size() || !store(item.contentType(), data)) {
-            result = RequestStatusInternalError;
-        }
+        return completeWith(RequestStatusInternalError);
+    const ItemOperationsFetchItem &item = items.first();
+    if (item.status() > Eas::ItemOperationsStatusSuccess) {
+        qCWarning(eas()) << "unhandled status" << item.status();
+        return completeWith(item.status());
     }
-    completeWith(result);
+    takePiece(
+        { QByteArray::fromBase64(item.data().toLatin1()), item.contentType(), item.range(), item.total() });
 }
 
-bool FetchFileRequest::store(const QString &contentType, const QByteArray &data)
+void FetchFileRequest::takePiece(const Piece &piece)
+{
+    resetTimeoutFactor();
+    clearRetries();
+    const int before = mData.size();
+    mTotal = piece.total;
+    if (!piece.contentType.isEmpty())
+        mContentType = piece.contentType;
+    if (!append(piece))
+        return completeWith(RequestStatusInternalError);
+    if (isComplete(piece))
+        return finish();
+    if (mData.size() == before || mPartSize == 0) {
+        qCWarning(eas()) << "The part of data was not received";
+        return completeWith(RequestStatusInternalError);
+    }
+    requestNextPart();
+}
+
+bool FetchFileRequest::append(const Piece &piece)
+{
+    bool isNumber = false;
+    const int told = piece.range.section(QLatin1Char('-'), 0, 0).toInt(&isNumber);
+    const int start = isNumber ? told : mData.size();
+    // A server that knows no ranges sends the whole file each time.
+    const bool isWhole = start == 0 && piece.data.size() >= mData.size();
+    const bool fits =
+        start == mData.size() && piece.data.size() <= std::numeric_limits<int>::max() / 2 - start;
+    if (isWhole)
+        mData = piece.data;
+    else if (fits)
+        mData.append(piece.data);
+    else
+        qCWarning(eas()) << "the part of data begins at" << start << "and was asked for from" << mData.size();
+    return isWhole || fits;
+}
+
+bool FetchFileRequest::isComplete(const Piece &piece) const
+{
+    if (mTotal >= 0)
+        return mData.size() >= mTotal;
+    return mPartSize == 0 || piece.data.size() != int(mPartSize);
+}
+
+void FetchFileRequest::requestNextPart()
+{
+    const int start = mData.size();
+    const int length = mTotal < 0 ? int(mPartSize) : qMin(mTotal - start, int(mPartSize));
+    Q_EMIT requestDownloadProgress(accountId(), id(), start, mTotal);
+    fetchCommand()->setRange(start, start + length - 1);
+    fetchCommand()->start();
+}
+
+void FetchFileRequest::finish()
+{
+    const int size = mData.size();
+    if (!store())
+        return completeWith(RequestStatusInternalError);
+    if (mPartSize != 0)
+        Q_EMIT requestDownloadProgress(accountId(), id(), size, size);
+    completeWith(RequestStatusSuccess);
+}
+
+bool FetchFileRequest::store()
 {
     if (!account()) {
         qCCritical(eas()) << "No account";
@@ -129,6 +213,6 @@ bool FetchFileRequest::store(const QString &contentType, const QByteArray &data)
     }
     QString type;
     QString fileName;
-    ExchangeActiveSync::getTypeParts(contentType, &type, &fileName);
-    return storeFile(*account(), type, data, fileName);
+    ExchangeActiveSync::getTypeParts(mContentType, &type, &fileName);
+    return storeFile(*account(), type, mData, fileName);
 }

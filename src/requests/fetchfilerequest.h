@@ -4,15 +4,18 @@
 #include "requests/fetchrequest.h"
 
 #include <QByteArray>
+#include <QString>
 
 class EasAccount;
 
 /**
  * Fetches one attached file, in ranges of partSize() bytes or, with 0, whole.
  *
- * Nothing is stored before all of it has arrived; what did arrive survives a pause for provisioning. Owned by
- * the RequestManager or by the request that it works for; a subclass knows whose file it is and where it
- * goes. Progress is in bytes. Main thread only.
+ * A range may come in the multipart or in the single form, and with or without the size of the whole file;
+ * without it the file ends with the first range that is shorter than asked for. A server that has no range
+ * of the file is asked for all of it. Nothing is stored before all of it has arrived; what did arrive
+ * survives a pause for provisioning. Owned by the RequestManager or by the request that it works for; a
+ * subclass knows whose file it is and where it goes. Progress is in bytes. Main thread only.
  */
 class FetchFileRequest : public FetchRequest
 {
@@ -42,13 +45,31 @@ private Q_SLOTS:
     void onDownloadProgress(qlonglong bytesReceived, qlonglong bytesTotal);
 
 private:
+    /** What one reply holds of the file. */
+    struct Piece
+    {
+        QByteArray data;
+        QString contentType;
+        QString range;
+        int total;
+    };
+
     FetchItemCommand *newFileCommand(const QString &fileReference);
+    int fileStatus() const;
+    bool endsFileOrRanges();
+    void fetchWhole();
     bool handleMultiPart();
-    void takePart();
-    void requestNextPart(int total);
     void processCommandSuccess() override;
-    bool store(const QString &contentType, const QByteArray &data);
+    void takePiece(const Piece &piece);
+    bool append(const Piece &piece);
+    bool isComplete(const Piece &piece) const;
+    void requestNextPart();
+    void finish();
+    bool store();
 
     uint mPartSize = 0;
     QByteArray mData;
+    QString mContentType;
+    /** Of the whole file, as far as the server has said; otherwise -1. */
+    int mTotal = -1;
 };

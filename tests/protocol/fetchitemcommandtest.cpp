@@ -436,6 +436,30 @@ private Q_SLOTS:
         QVERIFY(command.partData().isEmpty());
     }
 
+    void aFileWithoutBytesIsAnEmptyPart()
+    {
+        OpenedFetch command;
+        expectPart(command);
+        QVERIFY(command.read(multipart({ { documentOf("ref"), "" } })));
+        QVERIFY(command.hasPart());
+        QVERIFY(command.partData().isEmpty());
+        QCOMPARE(command.partRange(), QStringLiteral("0-3"));
+    }
+
+    void theSizeOfTheWholeIsUnknownIfItIsNotThere()
+    {
+        const WbxmlNode fetch = node(ItemOperations::Fetch,
+            { node(ItemOperations::Status, "1"), node(AirSyncBase::FileReference, "ref"),
+                node(ItemOperations::Properties, { node(ItemOperations::Part, "1") }) });
+        const QByteArray description = document(node(ItemOperations::ItemOperations,
+            { node(ItemOperations::Status, "1"), node(ItemOperations::Response, { fetch }) }));
+        OpenedFetch command;
+        expectPart(command);
+        QVERIFY(command.read(multipart({ { description, "raw" } })));
+        QCOMPARE(command.totalSize(), -1);
+        QVERIFY(command.partRange().isEmpty());
+    }
+
     void everyTruncatedFrameIsRefusedOrShort()
     {
         const QByteArray whole = multipart({ { documentOf("ref"), "raw" } });
