@@ -111,7 +111,7 @@ QString QMailMessagePart::identifier() const
 {
     QString text = contentID();
     if (text.isEmpty())
-        text = QString::fromUtf8(contentDisposition().filename());
+        text = QMailMessageHeaderField::decodeWord(contentDisposition().filename());
     return text.isEmpty() ? ownIndex(MailValueAccess::node(*this)) : text;
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include <qmailmessagepart.h>
 
+#include "internal/headerparameters.h"
 #include "internal/mailvaluedata.h"
 #include "internal/parttree.h"
 #include "internal/transferencoding.h"
@@ -88,7 +89,7 @@ QMailMessageContentDisposition QMailMessagePartContainer::contentDisposition() c
 
 void QMailMessagePartContainer::setContentDisposition(const QMailMessageContentDisposition &disposition)
 {
-    MailValueAccess::edit(*this).setHeader("Content-Disposition", disposition.toString(false));
+    MailValueAccess::edit(*this).setHeader("Content-Disposition", HeaderParameters::keptInPart(disposition));
 }
 
 void QMailMessagePartContainer::setBody(const QMailMessageBody &body, QMailMessageBody::EncodingFormat)

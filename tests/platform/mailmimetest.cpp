@@ -59,14 +59,53 @@ private Q_SLOTS:
         QCOMPARE(disposition.size(), -1);
         QCOMPARE(QMailMessageContentDisposition().type(), QMailMessageContentDisposition::None);
         for (const QByteArray &name :
-            { QByteArray("ref%3a1"), QByteArray("a#b;c=\"d\\"), QByteArray("gr\u00fcn") }) {
+            { QByteArray("ref%3a1"), QByteArray("a#b;c=(d) e\\"), QByteArray("=?UTF-8?B?Z3LDvG4ucGRm?=") }) {
             disposition.setFilename(name);
+            disposition.setSize(9);
             QMailMessagePart part;
             part.setContentDisposition(disposition);
             QCOMPARE(part.contentDisposition().filename(), name);
+            QCOMPARE(part.contentDisposition().size(), 9);
         }
         QCOMPARE(QMailMessageContentType("a/b; name*=ISO-8859-1''gr%FCn").name(), QByteArray("gr\u00fcn"));
         QCOMPARE(QMailMessageContentType("a/b; name*0=\"one \"; name*1=two").name(), QByteArray("one two"));
+    }
+
+    /** What the store makes of them on the device; the objects outside of a part keep them. */
+    void someFileNamesDoNotSurviveAPart_data()
+    {
+        QTest::addColumn<QByteArray>("name");
+        QTest::addColumn<QByteArray>("kept");
+        QTest::addColumn<int>("size");
+        QTest::newRow("letters above ASCII") << QByteArray("\u00fcby.pdf") << QByteArray() << -1;
+        QTest::newRow("letters above ASCII in quotes")
+            << QByteArray("1:\u00fc") << QByteArray("=?ISO-8859-1?Q?1:=C3=BC?=") << 9;
+        QTest::newRow("a double quote") << QByteArray("a\"b") << QByteArray("a\"b; size=9") << -1;
+    }
+    void someFileNamesDoNotSurviveAPart()
+    {
+        QFETCH(QByteArray, name);
+        QFETCH(QByteArray, kept);
+        QFETCH(int, size);
+        QMailMessageContentDisposition disposition(QMailMessageContentDisposition::Attachment);
+        disposition.setFilename(name);
+        disposition.setSize(9);
+        QCOMPARE(disposition.filename(), name);
+        const QMailMessagePart part = QMailMessagePart::fromData(QByteArray("x"), disposition,
+            QMailMessageContentType("application/pdf"), QMailMessageBody::NoEncoding);
+        QCOMPARE(part.contentDisposition().type(), QMailMessageContentDisposition::Attachment);
+        QCOMPARE(part.contentDisposition().filename(), kept);
+        QCOMPARE(part.contentDisposition().size(), size);
+    }
+
+    void anEncodedFileNameIsDecodedWhereItIsShown()
+    {
+        QMailMessageContentDisposition disposition(QMailMessageContentDisposition::Attachment);
+        disposition.setFilename("=?UTF-8?B?Z3LDvG4ucGRm?=");
+        const QMailMessagePart part = QMailMessagePart::fromData(QByteArray("x"), disposition,
+            QMailMessageContentType("application/pdf"), QMailMessageBody::NoEncoding);
+        QCOMPARE(part.identifier(), QStringLiteral("gr\u00fcn.pdf"));
+        QCOMPARE(part.displayName(), QStringLiteral("gr\u00fcn.pdf"));
     }
 
     void encodedWordsRoundTrip()
@@ -180,7 +219,7 @@ private Q_SLOTS:
         QMailMessage message;
         message.setBody(textBody(QStringLiteral("text")));
         const QMailMessagePart file = QMailMessagePart::fromData(QByteArray("\x01\x02", 2),
-            QMailMessageContentDisposition("attachment; filename=\"gr\u00fcn.bin\""),
+            QMailMessageContentDisposition("attachment; filename=\"=?UTF-8?B?Z3LDvG4uYmlu?=\""),
             QMailMessageContentType("application/octet-stream"), QMailMessageBody::Base64);
         message.setAttachments({ &file });
         const QByteArray sent = message.toRfc2822();
@@ -189,7 +228,7 @@ private Q_SLOTS:
             QVERIFY(uchar(c) < 0x80);
         const QMailMessage parsed = QMailMessage::fromRfc2822(sent);
         QCOMPARE(structure(parsed), QStringLiteral("multipart/mixed(text/plain application/octet-stream)"));
-        QCOMPARE(parsed.partAt(1).contentDisposition().filename(), QByteArray("gr\u00fcn.bin"));
+        QCOMPARE(parsed.partAt(1).displayName(), QStringLiteral("gr\u00fcn.bin"));
         QCOMPARE(parsed.partAt(1).body().data(QMailMessageBody::Decoded), QByteArray("\x01\x02", 2));
         QCOMPARE(parsed.findPlainTextContainer()->body().data(), QStringLiteral("text"));
         QVERIFY(!message.toRfc2822(QMailMessage::StorageFormat).contains("AQI="));

@@ -123,7 +123,8 @@ private Q_SLOTS:
         QVERIFY(MailAttachments::fillPart(&message, "7-2", "application/pdf", data, QString()));
         const QMailMessagePart part = message.partAt(1U);
         QVERIFY(part.contentType().matches("application", "pdf"));
-        QCOMPARE(QString::fromUtf8(part.contentDisposition().filename()), QStringLiteral("Grüße.pdf"));
+        QCOMPARE(QMailMessageHeaderField::decodeWord(part.contentDisposition().filename()),
+            QStringLiteral("Grüße.pdf"));
         QCOMPARE(part.contentDisposition().size(), data.size());
         QCOMPARE(part.body().data(QMailMessageBody::Decoded), data);
         QVERIFY(MailAttachments::isDownloaded(part));
@@ -137,6 +138,34 @@ private Q_SLOTS:
         QVERIFY(MailAttachments::fillPart(&message, "7-3", "text/plain", QByteArray(), "other.txt"));
         QCOMPARE(message.partAt(2U).contentDisposition().filename(), QByteArray("other.txt"));
         QVERIFY(MailAttachments::isDownloaded(message.partAt(2U)));
+    }
+
+    void namesAndReferencesSurviveThePart_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::newRow("letters above ASCII") << "üby.pdf";
+        QTest::newRow("letters above ASCII and blanks") << "Grüße aus: Köln.pdf";
+        QTest::newRow("a double quote") << "a\"b; size=9";
+        QTest::newRow("percent") << "5%3a1%3a\"1%";
+        QTest::newRow("specials") << "mail/A (b)=c,d;\\#e?.pdf";
+        QTest::newRow("an encoded word of the server") << "=?UTF-8?B?eHl6?=";
+    }
+    void namesAndReferencesSurviveThePart()
+    {
+        QFETCH(QString, text);
+        QMailMessage message = messageOf(itemWith({ MailFixture::attachment(text, text, 12) }));
+        message.setId(QMailMessageId(7));
+        const EasAttachmentContainer proxy = MailAttachments::attachments(message).value(0);
+        QCOMPARE(proxy.displayName(), text);
+        QCOMPARE(proxy.fileReference(), text);
+        QCOMPARE(proxy.estimatedDataSize(), 12);
+        QCOMPARE(MailAttachments::fileReference(message.partAt(1U)), text);
+
+        QVERIFY(MailAttachments::fillPart(&message, "7-2", "application/pdf", "%PDF-1.7", text));
+        const QMailMessagePart part = message.partAt(1U);
+        QCOMPARE(part.contentDisposition().size(), 8);
+        QCOMPARE(part.displayName(), text);
+        QCOMPARE(MailAttachments::attachments(message).value(0).displayName(), text);
     }
 
     void aDoubtfulTypeIsPlainOctets()

@@ -78,6 +78,28 @@ struct PieceName
     bool extended = false;
 };
 
+bool isAscii(const QByteArray &text)
+{
+    return std::all_of(text.cbegin(), text.cend(), [](char c) { return uchar(c) < 0x80; });
+}
+
+/** An encoded word of the bytes as they are, whatever they stand for. */
+QByteArray wordOf(const QByteArray &bytes)
+{
+    QByteArray word = "=?ISO-8859-1?Q?";
+    for (const char c : bytes) {
+        const bool isPlain = isTokenCharacter(c) && c != '.' && c != '=' && c != '_' && c != '?';
+        word += isPlain || c == ':' ? QByteArray(1, c) : '=' + QByteArray(1, c).toHex().toUpper();
+    }
+    return word + "?=";
+}
+
+bool needsQuotes(const QByteArray &value)
+{
+    return !std::all_of(value.cbegin(), value.cend(),
+        [](char c) { return isTokenCharacter(c) || uchar(c) >= 0x80 || c == '"'; });
+}
+
 } // namespace
 
 namespace HeaderParameters {
@@ -129,6 +151,25 @@ QByteArray quoted(const QByteArray &name, const QByteArray &value)
     QByteArray escaped = value;
     escaped.replace('\\', "\\\\").replace('"', "\\\"");
     return name + "=\"" + escaped + '"';
+}
+
+QByteArray keptInPart(const QMailMessageHeaderField &field)
+{
+    QByteArray text = field.content();
+    const QList<QMailMessageHeaderField::ParameterType> parameters = field.parameters();
+    for (int i = 0; i < parameters.size(); ++i) {
+        const QByteArray name = parameters.at(i).first;
+        const QByteArray value = parameters.at(i).second;
+        QByteArray behind;
+        for (int k = i + 1; k < parameters.size(); ++k)
+            behind += "; " + quoted(parameters.at(k).first, parameters.at(k).second);
+        if (value.contains('"')) // nothing closes it before the end of the field
+            return text + "; " + quoted(name, value + behind);
+        if (!isAscii(value) && !needsQuotes(value))
+            return text + "; " + wordOf(name + '=' + value + ';') + behind.mid(1);
+        text += "; " + quoted(name, isAscii(value) ? value : wordOf(value));
+    }
+    return text;
 }
 
 QByteArray encoded(const QByteArray &name, const QByteArray &value)

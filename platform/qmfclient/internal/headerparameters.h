@@ -14,6 +14,11 @@ void parse(
     const QByteArray &text, QByteArray *content, QList<QMailMessageHeaderField::ParameterType> *parameters);
 /** For people and for parse(): quoted if need be, all bytes as they are. */
 QByteArray quoted(const QByteArray &name, const QByteArray &value);
+/**
+ * A field as a part keeps it, with what the store does to values above ASCII and with double quotes: such a
+ * value, or its whole parameter, comes back as something else, and parameters behind it are lost.
+ */
+QByteArray keptInPart(const QMailMessageHeaderField &field);
 /** For the wire: ASCII alone, other bytes in the extended notation. */
 QByteArray encoded(const QByteArray &name, const QByteArray &value);
 

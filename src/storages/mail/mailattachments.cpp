@@ -10,6 +10,7 @@
 
 #include <QRegularExpression>
 
+#include <algorithm>
 #include <limits>
 
 namespace {
@@ -33,12 +34,26 @@ QString decodedName(const QByteArray &name)
     return QString::fromUtf8(text.constData(), text.size());
 }
 
+/**
+ * The text as a file name that a part gives back as it was set. The store escapes neither double quotes nor
+ * bytes above ASCII there, so a text with either goes in as an encoded word.
+ */
+QByteArray storableFileName(const QString &text)
+{
+    const auto isPlain = [](QChar c) {
+        return c >= QLatin1Char(' ') && c <= QLatin1Char('~') && c != QLatin1Char('"');
+    };
+    const bool survives =
+        std::all_of(text.cbegin(), text.cend(), isPlain) && !text.startsWith(QLatin1String("=?"));
+    return survives ? text.toLatin1() : encodedName(text);
+}
+
 /** A reference with control characters would break the header that holds it, and cannot be sent back either.
  */
 QByteArray usableReference(const QString &reference)
 {
     if (MailHeaderText::singleLine(reference) == reference)
-        return reference.toUtf8();
+        return storableFileName(reference);
     qCWarning(eas()) << "file reference holds control characters, the attachment can't be fetched";
     return QByteArray();
 }
@@ -81,7 +96,7 @@ QMailMessagePart proxyPart(const EasAttachmentContainer &attachment)
 }
 
 /** Servers may tell any numbers. */
-int totalSize(const QList<EasAttachmentContainer> &attachments)
+int sumOfSizes(const QList<EasAttachmentContainer> &attachments)
 {
     qint64 total = 0;
     for (const EasAttachmentContainer &attachment : attachments)
@@ -198,7 +213,7 @@ int setAttachmentsToMailMessage(QMailMessage *message, const EasEmailItem &item)
         message->setAttachments(pointers(otherParts));
     if (!attachments.isEmpty())
         message->setStatus(QMailMessage::HasAttachments, true);
-    return totalSize(attachments);
+    return sumOfSizes(attachments);
 }
 
 int updateAttachments(QMailMessage *message, const EasEmailItem &item)
@@ -210,7 +225,7 @@ int updateAttachments(QMailMessage *message, const EasEmailItem &item)
             if (isProxy(*present.at(i)))
                 refreshProxy(present.at(i), wanted.at(i));
         }
-        return totalSize(wanted);
+        return sumOfSizes(wanted);
     }
     MailBodyWriter::rebuildWithoutAttachments(*message);
     message->setStatus(QMailMessage::HasAttachments, false);
@@ -226,7 +241,7 @@ QList<EasAttachmentContainer> attachments(const QMailMessage &message)
         EasAttachmentContainer attachment;
         attachment.setIsInline(disposition.type() == QMailMessageContentDisposition::Inline);
         attachment.setDisplayName(decodedName(part->contentType().name()));
-        attachment.setFileReference(QString::fromUtf8(disposition.filename()));
+        attachment.setFileReference(decodedName(disposition.filename()));
         attachment.setEstimatedDataSize(qMax(0, disposition.size()));
         attachment.setMethod(part->contentType().matches("message", "rfc822")
                 ? EasAttachmentContainer::EmbeddedMessageMethod
@@ -234,6 +249,15 @@ QList<EasAttachmentContainer> attachments(const QMailMessage &message)
         list.append(attachment);
     }
     return list;
+}
+
+qint64 totalSize(const QMailMessage &message)
+{
+    qint64 total = 0;
+    const QList<const QMailMessagePart *> parts = attachmentParts(message);
+    for (const QMailMessagePart *part : parts)
+        total += qMax(0, part->contentDisposition().size());
+    return total;
 }
 
 QStringList locations(const QMailMessage &message, bool downloaded)
@@ -274,7 +298,7 @@ bool isAttachment(const QMailMessagePart &part)
 
 QString fileReference(const QMailMessagePart &part)
 {
-    return isProxy(part) ? QString::fromUtf8(part.contentDisposition().filename()) : QString();
+    return isProxy(part) ? decodedName(part.contentDisposition().filename()) : QString();
 }
 
 bool fillPart(QMailMessage *message, const QString &location, const QString &contentType,
@@ -288,7 +312,7 @@ bool fillPart(QMailMessage *message, const QString &location, const QString &con
 
     QMailMessageContentDisposition disposition = part.contentDisposition();
     const QString name = fileName.isEmpty() ? part.displayName() : fileName;
-    disposition.setFilename(MailHeaderText::singleLine(name).toUtf8());
+    disposition.setFilename(storableFileName(MailHeaderText::singleLine(name)));
     disposition.setSize(data.size());
 
     const QPair<QByteArray, QByteArray> media = mediaType(contentType);

@@ -16,7 +16,8 @@ class QMailMessagePart;
  * The attachments of a message as parts of its structure.
  *
  * An attachment that has not been fetched is a proxy part: it has a name, a size and, in the place of its
- * file name, the server's reference, but no body. The type of its content tells it from a fetched one.
+ * file name, the server's reference, but no body. The type of its content tells it from a fetched one. What
+ * of names and references is more than plain ASCII stands there as an encoded word.
  *
  * Locations are texts such as "2" or "7-1.2". Each operation checks the text first and knows no part for one
  * that is malformed or names another message.
@@ -34,6 +35,9 @@ int updateAttachments(QMailMessage *message, const EasEmailItem &item);
 
 /** What the structure tells of the attachments. */
 QList<EasAttachmentContainer> attachments(const QMailMessage &message);
+
+/** The sum of their sizes, as the structure tells them. */
+qint64 totalSize(const QMailMessage &message);
 
 /** Locations of those that are fetched, or of those that still have to be. */
 QStringList locations(const QMailMessage &message, bool downloaded);
