@@ -412,6 +412,63 @@ private Q_SLOTS:
         QVERIFY(log.lines().isEmpty());
     }
 
+    void thePlaceOfAMeetingIsNoChangeOfAttachments()
+    {
+        EmailAppDataParser parser;
+        parser.setChangeItem(true);
+        start(parser, Email::MeetingRequest);
+        field(parser, { AirSyncBase::Location }, AirSyncBase::DisplayName, QStringLiteral("Room 1"));
+        end(parser, Email::MeetingRequest);
+        QCOMPARE(parser.mailItem().changedFields(), QList<uint> { Email::Location.key() });
+    }
+
+    void whatBelongsToAnAttachmentIsNoChangeOutsideOfOne()
+    {
+        const LogCollector log;
+        EmailAppDataParser parser;
+        parser.setChangeItem(true);
+        field(parser, { AirSyncBase::Location }, AirSyncBase::DisplayName, QStringLiteral("Room 1"));
+        element(parser, AirSyncBase::Data, QStringLiteral("text"));
+        QVERIFY(parser.mailItem().changedFields().isEmpty());
+        QVERIFY(log.contains(QtWarningMsg, { "unhandled field:", "Room 1" }));
+    }
+
+    void aListThatComesEmptyIsAChange_data()
+    {
+        QTest::addColumn<uint>("page");
+        QTest::addColumn<uint>("token");
+        for (const Token tag : { AirSyncBase::Attachments, Email::Categories, Email::Flag })
+            QTest::addRow("%u:%u", uint(tag.page), uint(tag.token)) << uint(tag.page) << uint(tag.token);
+    }
+    void aListThatComesEmptyIsAChange()
+    {
+        QFETCH(uint, page);
+        QFETCH(uint, token);
+        EmailAppDataParser parser;
+        parser.setChangeItem(true);
+        parser.onStartElement(page, token);
+        parser.onEndElement(page, token);
+        element(parser, Email::Read, QStringLiteral("1"));
+        QCOMPARE(parser.mailItem().changedFields(), (QList<uint> { page * 256 + token, Email::Read.key() }));
+        QVERIFY(parser.mailItem().attachments().isEmpty());
+    }
+
+    void theFieldsOfARecurrenceOfAMeetingAreItsOwn()
+    {
+        EmailAppDataParser parser;
+        start(parser, Email::MeetingRequest);
+        start(parser, Email::Recurrences);
+        start(parser, Email::Recurrence);
+        element(parser, Email::Interval, QStringLiteral("3"));
+        element(parser, Email::RecurrenceId, QStringLiteral("t"));
+        end(parser, Email::Recurrence);
+        end(parser, Email::Recurrences);
+        end(parser, Email::MeetingRequest);
+        const EasMeetingRequestContainer request = parser.mailItem().meetingRequest();
+        QCOMPARE(request.recurrences().value(0).interval(), 3);
+        QCOMPARE(request.recurrenceId(), QStringLiteral("t"));
+    }
+
     void aMeetingIdentifierMayBeOpaqueBytes()
     {
         const QByteArray id("\x04\x00\x00\x00\x82\xFF", 6);

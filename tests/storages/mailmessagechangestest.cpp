@@ -219,6 +219,40 @@ private Q_SLOTS:
         QCOMPARE(int(message.size()), item.body().estimatedDataSize() + 20);
     }
 
+    void aChangeOfAttachmentsWithoutABodyKeepsTheSizeOfTheBody()
+    {
+        MailFixture mail;
+        mail.addFolder("5");
+        EasEmailItem item = mail.item("5:1", "5");
+        item.setAttachments({ MailFixture::attachment("a.pdf", "a", 10) });
+        QMailMessage message = mail.message(mail.addMessage(item));
+        const int bodySize = item.body().estimatedDataSize();
+        QCOMPARE(int(message.size()), bodySize + 10);
+
+        EasEmailItem change;
+        change.setAttachments({ MailFixture::attachment("b.pdf", "b", 25) });
+        for (const uint tag :
+            { Wbxml::AirSyncBase::EstimatedDataSize.key(), Wbxml::AirSyncBase::Method.key() })
+            change.appendChangedField(tag);
+        MailMessageChanges(mail.context).setChangesToEmailMessage(message, change);
+        QCOMPARE(int(message.size()), bodySize + 25);
+    }
+
+    void anEmptyListOfAttachmentsRemovesThem()
+    {
+        MailFixture mail;
+        mail.addFolder("5");
+        EasEmailItem item = mail.item("5:1", "5");
+        item.setAttachments({ MailFixture::attachment("a.pdf", "a", 10) });
+        QMailMessage message = mail.message(mail.addMessage(item));
+        EasEmailItem change;
+        change.appendChangedField(Wbxml::AirSyncBase::Attachments);
+        MailMessageChanges(mail.context).setChangesToEmailMessage(message, change);
+        QVERIFY(MailAttachments::attachments(message).isEmpty());
+        QCOMPARE(int(message.size()), item.body().estimatedDataSize());
+        QCOMPARE(message.body().data(), item.body().data());
+    }
+
     void ignoredFieldsAreSilentAndOthersAreNot()
     {
         MailFixture mail;

@@ -119,7 +119,9 @@ void setBody(Change &change)
 
 void setSize(Change &change)
 {
-    change.size = change.item.body().estimatedDataSize();
+    // The same element tells the size of an attachment.
+    if (!change.item.body().isEmpty())
+        change.size = change.item.body().estimatedDataSize();
 }
 
 void markAttachments(Change &change)
@@ -210,9 +212,9 @@ void MailMessageChanges::setChangesToEmailMessage(QMailMessage &message, const E
 
     // With a MIME body the parts come from the MIME text.
     if (change.attachmentsChanged && item.body().type() != EasBodyContainer::MIMEBodyType) {
-        const qint64 attachmentsSize = MailAttachments::updateAttachments(&message, item);
-        if (item.body().estimatedDataSize() > 0)
-            change.size = item.body().estimatedDataSize() + attachmentsSize;
+        const qint64 before = qint64(message.size()) - MailAttachments::totalSize(message);
+        const qint64 body = item.body().isEmpty() ? before : item.body().estimatedDataSize();
+        change.size = qMax<qint64>(0, body) + MailAttachments::updateAttachments(&message, item);
     }
     if (change.preview)
         MailBodyWriter::setPreview(message, *change.preview);
