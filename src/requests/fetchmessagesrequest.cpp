@@ -19,13 +19,17 @@ namespace {
 
 constexpr uint AttachmentPartSize = 65536;
 
-/** The mark may have been set by the user since the last sync, and then waits for its upload. */
-void keepReadMark(EasEmailItem &item)
+/**
+ * Leaves to others what they know better: the read mark may have been set by the user since the last sync,
+ * and then waits for its upload; the body is stored by itself.
+ */
+void dropMarkAndBody(EasEmailItem &item)
 {
     const QList<uint> fields = item.changedFields();
     item.clearChangedFields();
     for (const uint field : fields) {
-        if (field != Wbxml::Email::Read.key())
+        if (field != Wbxml::Email::Read.key() && field != Wbxml::AirSyncBase::Type.key()
+            && field != Wbxml::AirSyncBase::Data.key())
             item.appendChangedField(field);
     }
 }
@@ -116,35 +120,59 @@ void FetchMessagesRequest::processCommandSuccess()
 {
     resetTimeoutFactor();
     clearRetries();
-    setStatus(RequestStatusSuccess);
     const QSharedPointer<MailStorage> storage = mailStorage();
     if (!storage)
         return completeWith(RequestStatusInternalError);
-    const int failure = firstItemFailure();
+    noteRefusals();
     // A message that was asked for and not even refused is no success.
-    const bool isComplete = failure != RequestStatusSuccess || answersAll(*storage);
-    const bool updated = mLocation.isEmpty() ? updateMessages(*storage) : isComplete && updateBody(*storage);
-    if (!updated || !isComplete)
+    if (!answersAll(*storage))
+        noteFailure(RequestStatusInternalError);
+    if (mLocation.isEmpty() && !updateMessages(*storage))
         return completeWith(RequestStatusInternalError);
-    setStatus(failure);
+    updateBodies(*storage);
     dropCommand();
     mPendingFolders.removeFirst();
-    if (!successfullyFinished())
-        complete();
-    else if (mPendingFolders.isEmpty())
+    if (mPendingFolders.isEmpty())
         downloadNextAttachment();
     else
         startRequest();
 }
 
-bool FetchMessagesRequest::updateBody(MailStorage &storage)
+void FetchMessagesRequest::noteFailure(int status)
 {
-    const QList<ItemOperationsFetchItem> items = fetchCommand()->fetchItems();
-    if (items.isEmpty())
-        return false;
-    if (items.first().status() > Eas::ItemOperationsStatusSuccess)
-        return true;
-    return storage.updateBodyPart(mMessageIds.first(), items.first().emailItem().body());
+    if (mFailure == RequestStatusSuccess)
+        mFailure = status;
+}
+
+void FetchMessagesRequest::finish()
+{
+    completeWith(mFailure);
+}
+
+void FetchMessagesRequest::updateBodies(MailStorage &storage)
+{
+    const MailServerIds ids = receivedIds();
+    QSet<quint64> received;
+    const QList<ItemOperationsFetchItem> fetched = fetchCommand()->fetchItems();
+    for (const ItemOperationsFetchItem &fetch : fetched) {
+        const quint64 localId = localIdOf(fetch, ids);
+        if (fetch.status() > Eas::ItemOperationsStatusSuccess || localId == 0)
+            continue;
+        received.insert(localId);
+        if (!storage.updateBodyPart(localId, fetch.emailItem().body()))
+            noteFailure(RequestStatusInternalError);
+    }
+    // The files of what did not come are not asked for.
+    for (const quint64 localId : qAsConst(mPendingFolders.first())) {
+        if (!received.contains(localId))
+            mMessageIds.removeAll(localId);
+    }
+}
+
+quint64 FetchMessagesRequest::localIdOf(const ItemOperationsFetchItem &fetch, const MailServerIds &ids) const
+{
+    return fetchCommand()->getLocalIdByLongId(
+        fetch.longId().isEmpty() ? ids.kept(fetch.collectionId(), fetch.serverId()) : fetch.longId());
 }
 
 bool FetchMessagesRequest::updateMessages(MailStorage &storage)
@@ -189,22 +217,21 @@ bool FetchMessagesRequest::receivedItems(QList<EasEmailItem> &items)
             item.setLocalId(QString::number(fetchCommand()->getLocalIdByLongId(fetch.longId())));
         if (item.serverId().isEmpty())
             item.setServerId(ids.kept(fetch.collectionId(), fetch.serverId()));
-        keepReadMark(item);
+        dropMarkAndBody(item);
         items.append(item);
     }
     return !ids.lookupFailed();
 }
 
-int FetchMessagesRequest::firstItemFailure() const
+void FetchMessagesRequest::noteRefusals()
 {
     const QList<ItemOperationsFetchItem> fetched = fetchCommand()->fetchItems();
     for (const ItemOperationsFetchItem &fetch : fetched) {
         if (fetch.status() > Eas::ItemOperationsStatusSuccess) {
             qCWarning(eas()) << "unhandled status" << fetch.status();
-            return fetch.status();
+            noteFailure(fetch.status());
         }
     }
-    return RequestStatusSuccess;
 }
 
 bool FetchMessagesRequest::answersAll(MailStorage &storage) const
@@ -226,13 +253,13 @@ void FetchMessagesRequest::downloadNextAttachment()
 {
     if (!mFullContentDownload || (mMessageIds.isEmpty() && mAttachmentLocations.isEmpty())) {
         qCInfo(eas()) << "Nothing more to download, completing FetchMessagesRequest";
-        return complete();
+        return finish();
     }
     if (!queueAttachments())
         return completeWith(RequestStatusInternalError);
     if (mAttachmentLocations.isEmpty()) {
         qCInfo(eas()) << "Nothing else to download. Completing the FetchMessagesRequest";
-        return complete();
+        return finish();
     }
     mFetchPartRequest = attachmentRequest(mAttachmentMessage, mAttachmentLocations.takeFirst());
     mFetchPartRequest->setPartSize(AttachmentPartSize);

@@ -9,12 +9,16 @@
 #include <QStringList>
 
 class FetchPartRequest;
+class ItemOperationsFetchItem;
 class MailServerIds;
 class MailStorage;
 
 /**
  * Fetches whole messages with their bodies and, if asked for, all their attachments one after another; or,
  * in the form with a location, the body of one message.
+ *
+ * A message that the server refuses, or whose body it cuts short, does not keep the others from coming; the
+ * request ends with the first such failure once all has been asked for.
  *
  * Queued and owned by the RequestManager, or owned by a FetchPartRequest. Main thread only.
  */
@@ -43,12 +47,17 @@ private:
     QSharedPointer<MailStorage> mailStorage() const;
     /** The messages of each folder by themselves: not every server answers for several folders at once. */
     QList<QList<quint64>> messagesByFolder(MailStorage &storage);
-    bool updateBody(MailStorage &storage);
     bool updateMessages(MailStorage &storage);
+    /** Of the reply's messages; what cannot be stored is a failure of the message, not of the request. */
+    void updateBodies(MailStorage &storage);
+    void noteFailure(int status);
+    /** Ends with the first failure of a message, if there was one. */
+    void finish();
+    quint64 localIdOf(const ItemOperationsFetchItem &fetch, const MailServerIds &ids) const;
     /** The identifiers of the messages of the reply. */
     MailServerIds receivedIds() const;
     bool receivedItems(QList<EasEmailItem> &items);
-    int firstItemFailure() const;
+    void noteRefusals();
     /** Whether the reply has each message that was asked for, as it was named. */
     bool answersAll(MailStorage &storage) const;
     void downloadNextAttachment();
@@ -64,4 +73,5 @@ private:
     quint64 mAttachmentMessage = 0;
     QStringList mAttachmentLocations;
     QPointer<FetchPartRequest> mFetchPartRequest;
+    int mFailure = RequestStatusSuccess;
 };

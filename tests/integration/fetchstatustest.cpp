@@ -33,6 +33,9 @@ private Q_SLOTS:
     void aFileThatIsRefusedEndsItWithThatStatus();
     void aFileThatTheServerHasNoMoreIsNotStored();
     void aMessageThatIsRefusedEndsItWithThatStatus();
+    void aRefusedMessageDoesNotHoldUpTheOthers();
+    void aBodyThatIsCutShortIsAFailureAndNotStored_data() { kinds(); }
+    void aBodyThatIsCutShortIsAFailureAndNotStored();
     void anAnswerAboutAnotherMessageIsNone_data();
     void anAnswerAboutAnotherMessageIsNone();
 
@@ -194,6 +197,50 @@ void FetchStatusTest::aMessageThatIsRefusedEndsItWithThatStatus()
     QCOMPARE(count(bed, "ItemOperations"), 1);
     QCOMPARE(bed.deviceState(), before);
     QVERIFY(!hasFile(message, 0));
+}
+
+void FetchStatusTest::aRefusedMessageDoesNotHoldUpTheOthers()
+{
+    SyncTestBed bed;
+    const QString archive = bed.mailbox().addFolder(QStringLiteral("Archive"));
+    bed.mailbox().deliver(archive, messageWith({ bytesOf(300, 3) }, "archived"));
+    const QString refused =
+        bed.mailbox().deliver(bed.mailbox().inboxId(), messageWith({ bytesOf(400, 4) }, "refused"));
+    const QByteArray file = bytesOf(1000);
+    const qulonglong message = receives(bed, { file });
+    const auto onDevice = [&bed](const char *subject) {
+        return bed.deviceMessage(QString::fromLatin1(subject)).toULongLong();
+    };
+    bed.server().overrideNext(fetchCommand(), Override::itemStatus(6, refused));
+
+    QCOMPARE(bed.downloadMessages({ onDevice("refused"), message, onDevice("archived") }, true), 6);
+
+    QVERIFY(!hasFile(onDevice("refused"), 0));
+    QCOMPARE(fileOnDevice(message, 0), file);
+    QCOMPARE(fileOnDevice(onDevice("archived"), 0), bytesOf(300, 3));
+}
+
+void FetchStatusTest::aBodyThatIsCutShortIsAFailureAndNotStored()
+{
+    QFETCH(bool, whole);
+    SyncTestBed bed;
+    const qulonglong message = receives(bed, { bytesOf(1000) });
+    // The body has not come yet.
+    QMailMessage stored { QMailMessageId(message) };
+    stored.setStatus(QMailMessage::ContentAvailable, false);
+    QVERIFY(QMailStore::instance()->updateMessage(&stored));
+    const QByteArray body = devicePart(message, bodyLocation()).body().data(QMailMessageBody::Decoded);
+    bed.server().overrideNext(fetchCommand(), Override::edited([](Simulator::WbxmlNode &reply) {
+        Simulator::WbxmlNode *const data =
+            reply.find(QStringLiteral("Response/Fetch/Properties/AirSyncBase:Body"));
+        data->find(QStringLiteral("Data"))->setText(QStringLiteral("the begin"));
+        data->append(QStringLiteral("Truncated"), 1);
+    }));
+    const LogCollector log;
+    QCOMPARE(
+        whole ? bed.downloadMessages({ message }, false) : bed.downloadPart(message, bodyLocation()), -2);
+    QVERIFY(log.contains(QStringLiteral("the server has sent only a part of the body of message")));
+    QCOMPARE(devicePart(message, bodyLocation()).body().data(QMailMessageBody::Decoded), body);
 }
 
 void FetchStatusTest::anAnswerAboutAnotherMessageIsNone_data()

@@ -392,6 +392,48 @@ private Q_SLOTS:
         QVERIFY(log.contains("invalid local mesage id"));
     }
 
+    void aFetchedBodyNeverTakesThePlaceOfAFullerOne_data()
+    {
+        QTest::addColumn<int>("type");
+        QTest::addColumn<QString>("data");
+        QTest::addColumn<bool>("truncated");
+        QTest::addColumn<bool>("isHere");
+        QTest::addColumn<bool>("result");
+        QTest::addColumn<QString>("body");
+        const QString html = QStringLiteral("<p>fetched</p>");
+        QTest::newRow("plain text for HTML") << 1 << "fetched" << false << true << true << "<p>here</p>";
+        QTest::newRow("HTML for HTML") << 2 << html << false << true << true << html;
+        QTest::newRow("a part of HTML") << 2 << html << true << true << true << "<p>here</p>";
+        QTest::newRow("nothing") << 2 << "" << false << true << true << "<p>here</p>";
+        QTest::newRow("an empty MIME text") << 4 << "" << false << true << true << "<p>here</p>";
+        QTest::newRow("plain text where not all is here")
+            << 1 << "fetched" << false << false << true << "fetched";
+        QTest::newRow("a part where not all is here") << 2 << html << true << false << false << "<p>here</p>";
+    }
+    void aFetchedBodyNeverTakesThePlaceOfAFullerOne()
+    {
+        QFETCH(int, type);
+        QFETCH(QString, data);
+        QFETCH(bool, truncated);
+        QFETCH(bool, isHere);
+        QFETCH(bool, result);
+        QFETCH(QString, body);
+        MailFixture mail;
+        mail.addFolder("5");
+        EasEmailItem item = mail.item("5:1", "5");
+        item.setBody(MailFixture::body(EasBodyContainer::HTMLBodyType, "<p>here</p>"));
+        const QMailMessageId id = mail.addMessage(item);
+        mail.setStatus(id, QMailMessage::ContentAvailable, isHere);
+        EasBodyContainer fetched = MailFixture::body(EasBodyContainer::BodyType(type), data);
+        fetched.setTruncated(truncated);
+        MailStorageImpl storage(&mail.account);
+        QCOMPARE(storage.updateBodyPart(id.toULongLong(), fetched), result);
+        const QMailMessage message = mail.message(id);
+        QCOMPARE(message.body().data(), body);
+        QCOMPARE(message.subject(), item.subject());
+        QCOMPARE((message.status() & QMailMessage::ContentAvailable) != 0, isHere || result);
+    }
+
     void aMimeBodyKeepsItsPlaceInTheStore()
     {
         MailFixture mail;

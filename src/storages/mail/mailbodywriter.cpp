@@ -144,10 +144,10 @@ void setMessageBody(QMailMessage &message, const EasBodyContainer &body, bool se
 {
     const QString data = body.data();
     if (!body.truncated()) {
-        if (body.type() == EasBodyContainer::MIMEBodyType)
-            setMimeBody(message, data.toUtf8());
-        else
+        if (body.type() != EasBodyContainer::MIMEBodyType)
             setTextBody(message, body);
+        else if (!data.isEmpty())
+            setMimeBody(message, data.toUtf8());
     }
     message.setStatus(QMailMessage::ContentAvailable, !body.truncated());
     message.setStatus(QMailMessage::PartialContentAvailable, !data.isEmpty());
@@ -158,6 +158,16 @@ void setMessageBody(QMailMessage &message, const EasBodyContainer &body, bool se
         MailBodyWriter::setPreview(message, body.preview());
     else if (setPreview && body.truncated() && !data.isEmpty())
         MailBodyWriter::setPreview(message, data);
+}
+
+bool isFullerThan(const QMailMessage &message, const EasBodyContainer &body)
+{
+    if (!(message.status() & QMailMessage::ContentAvailable))
+        return false;
+    const bool isPlain =
+        body.type() != EasBodyContainer::HTMLBodyType && body.type() != EasBodyContainer::MIMEBodyType;
+    return body.truncated() || (body.data().isEmpty() && !bodyText(message).isEmpty())
+        || (isPlain && message.findHtmlContainer());
 }
 
 void setPreview(QMailMessage &message, const QString &preview)

@@ -15,9 +15,16 @@ namespace MailBodyWriter {
  * Sets body, preview and the two flags that tell how much of the body is there.
  *
  * A truncated body is never stored: it only sets the flags and, if asked for, the preview. A MIME body takes
- * the place of the whole message; what ties the message to the store and to the server stays.
+ * the place of the whole message, unless it is empty; what ties the message to the store and to the server
+ * stays.
  */
 void setMessageBody(QMailMessage &message, const EasBodyContainer &body, bool setPreview);
+
+/**
+ * Whether the message has all of its body, and in a form that says more than this one: a whole body more than
+ * one that is cut short or empty, HTML more than plain text.
+ */
+bool isFullerThan(const QMailMessage &message, const EasBodyContainer &body);
 
 /** Sets a preview that stands beside a body; a plain set would be dropped at the next look at the body. */
 void setPreview(QMailMessage &message, const QString &preview);

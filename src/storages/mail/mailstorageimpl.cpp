@@ -346,6 +346,14 @@ bool MailStorageImpl::updateBodyPart(quint64 messageId, const EasBodyContainer &
         qCWarning(eas()) << "invalid local mesage id" << messageId;
         return false;
     }
+    if (MailBodyWriter::isFullerThan(message, body)) {
+        qCInfo(eas()) << "message" << messageId << "has a fuller body than the fetched one";
+        return true;
+    }
+    if (body.truncated()) {
+        qCWarning(eas()) << "the server has sent only a part of the body of message" << messageId;
+        return false;
+    }
     MailBodyWriter::setMessageBody(message, body, false);
     return mContext.store->updateMessage(&message);
 }
