@@ -91,7 +91,8 @@ RequestManager::~RequestManager()
     // The process ends with its service; a stand-in that serves nobody leaves it alone.
     QCoreApplication *const application = QCoreApplication::instance();
     if (mDBusThread && application)
-        QTimer::singleShot(Clock::instance().timerInterval(QuitDelay), application, &QCoreApplication::quit);
+        QTimer::singleShot(Clock::instance().timerInterval(QuitDelay, Clock::Timer::ProcessEnd), application,
+            &QCoreApplication::quit);
 }
 
 void RequestManager::init()
@@ -273,8 +274,8 @@ void RequestManager::onAccountDeleted(EasAccountId accountId)
 void RequestManager::checkAccountsCount()
 {
     qCDebug(eas()) << "requesting to check accounts count";
-    QTimer::singleShot(
-        Clock::instance().timerInterval(CheckAccountsDelay), this, &RequestManager::onCheckAccountsCount);
+    QTimer::singleShot(Clock::instance().timerInterval(CheckAccountsDelay, Clock::Timer::AccountsCheck), this,
+        &RequestManager::onCheckAccountsCount);
 }
 
 void RequestManager::onCheckAccountsCount()

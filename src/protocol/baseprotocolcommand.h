@@ -39,7 +39,7 @@ class Request;
  * the server put into it. finished(false) leaves results undefined.
  *
  * A command belongs to its request, its parent, which calls deleteLater() on it; it needs the account to
- * exist in the RequestManager and, but for the version negotiation, to have a protocol version. It can be
+ * exist in the engine above it and, but for the version negotiation, to have a protocol version. It can be
  * started again after it finished. It never retries by itself. Main thread only.
  */
 class BaseProtocolCommand : public QObject

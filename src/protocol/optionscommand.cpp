@@ -51,7 +51,8 @@ void OptionsCommand::start()
         end(false);
         return;
     }
-    mTimeoutTimer.start(Clock::instance().timerInterval(ProtocolUtils::CommandsOptionsTimeout));
+    mTimeoutTimer.start(
+        Clock::instance().timerInterval(ProtocolUtils::CommandsOptionsTimeout, Clock::Timer::OptionsTimeout));
 }
 
 bool OptionsCommand::setUpRequest(QNetworkRequest &request) const

@@ -30,7 +30,8 @@ Request::Request(EasAccountId accountId, qulonglong requestId, QObject *parent)
     , mId(requestId)
 {
     mResendTimer.setSingleShot(true);
-    mResendTimer.setInterval(Clock::instance().timerInterval(ProtocolUtils::CommandsRetryTimeout));
+    mResendTimer.setInterval(
+        Clock::instance().timerInterval(ProtocolUtils::CommandsRetryTimeout, Clock::Timer::Resend));
     connect(&mResendTimer, &QTimer::timeout, this, &Request::onResendTimer);
     mDemandTimer.setSingleShot(true);
     connect(&mDemandTimer, &QTimer::timeout, this, &Request::meetDemand);
@@ -212,7 +213,7 @@ void Request::startResendTimer()
         return;
     mState = isUnderWay() ? State::WaitingToRetry : State::WaitingForNetwork;
     const int interval = mAttempts.takeDelay();
-    mResendTimer.setInterval(Clock::instance().timerInterval(interval));
+    mResendTimer.setInterval(Clock::instance().timerInterval(interval, Clock::Timer::Resend));
     qCInfo(eas()) << "timer interval:" << interval;
     mResendTimer.start();
 }

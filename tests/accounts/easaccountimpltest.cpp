@@ -27,7 +27,7 @@ namespace {
 class FastClock : public Clock
 {
 public:
-    int timerInterval(int milliseconds) const override
+    int timerInterval(int milliseconds, Timer) const override
     {
         asked.append(milliseconds);
         return 1;

@@ -16,7 +16,7 @@ private Q_SLOTS:
         class Fast : public Clock
         {
         public:
-            int timerInterval(int) const override { return 1; }
+            int timerInterval(int, Timer) const override { return 1; }
         } fast;
         Clock::setInstance(&fast);
         QCOMPARE(Clock::instance().timerInterval(5000), 1);

@@ -3,6 +3,7 @@
 #include "application/base/clock.h"
 #include "application/databasefixture.h"
 #include "support/logcollector.h"
+#include "support/scriptedclock.h"
 #include "support/testmain.h"
 
 #include <QDir>
@@ -16,22 +17,6 @@
 namespace {
 
 constexpr EasAccountId Account = 5;
-
-/** Every timer fires in the next turn of the event loop. */
-class ImmediateClock : public Clock
-{
-public:
-    ImmediateClock() { setInstance(this); }
-    ~ImmediateClock() override { setInstance(nullptr); }
-
-    int timerInterval(int milliseconds) const override
-    {
-        asked.append(milliseconds);
-        return 0;
-    }
-
-    mutable QList<int> asked;
-};
 
 /** No file grows beyond this size, as on a full disk. */
 class FileSizeLimit
@@ -163,10 +148,10 @@ private Q_SLOTS:
     void theFileIsClosedAMinuteAfterTheLastUseAndOpenedByTheNext()
     {
         mFixture->open();
-        const ImmediateClock clock;
+        const ScriptedClock clock;
         const LogCollector log;
         QVERIFY(EasDatabase::instance()->addFolderItems(Account, { folder("1") }));
-        QCOMPARE(clock.asked, QList<int> { 60000 });
+        QCOMPARE(clock.intervals, QList<int> { 60000 });
         QVERIFY(connectionIsOpen());
         QTRY_VERIFY(!connectionIsOpen());
         QVERIFY(log.contains(QtInfoMsg, { "database is released" }));
@@ -179,11 +164,11 @@ private Q_SLOTS:
     void eachUsePushesTheReleaseAway()
     {
         mFixture->open();
-        const ImmediateClock clock;
+        const ScriptedClock clock;
         EasDatabase::instance();
         EasDatabase::instance();
         EasDatabase::instance()->onAccountAdded(Account);
-        QCOMPARE(clock.asked, (QList<int> { 60000, 60000, 60000, 60000 }));
+        QCOMPARE(clock.intervals, (QList<int> { 60000, 60000, 60000, 60000 }));
     }
 
     void anAccountSignalOpensAReleasedFile()
@@ -191,7 +176,7 @@ private Q_SLOTS:
         mFixture->open();
         EasDatabase *database = EasDatabase::instance();
         {
-            const ImmediateClock clock;
+            const ScriptedClock clock;
             database->startDataBaseTimer(1);
             QTRY_VERIFY(!connectionIsOpen());
         }

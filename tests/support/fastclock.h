@@ -22,22 +22,14 @@ public:
 
     QDateTime currentDateTimeUtc() const override { return Clock::currentDateTimeUtc().addMSecs(mAdvance); }
 
-    int timerInterval(int milliseconds) const override
+    int timerInterval(int milliseconds, Timer timer) const override
     {
-        // The resend delays are 5 s, each later one three times the one before; the last one ends a request.
-        if (milliseconds == EndDelay)
+        if (timer == Timer::ProcessEnd)
             return 1;
-        for (int delay = 5000; delay <= 1215000; delay *= 3) {
-            if (mFast && milliseconds == delay)
-                return 20;
-        }
-        return milliseconds;
+        return mFast && timer == Timer::Resend ? 20 : milliseconds;
     }
 
 private:
-    /** From the end of the engine to that of its process. */
-    static constexpr int EndDelay = 500;
-
     bool mFast = true;
     qint64 mAdvance = 0;
 };

@@ -19,7 +19,7 @@ public:
     /** Only millisecondsAhead moves the time on from here. */
     void freeze() { mFrozen = Clock::currentDateTimeUtc(); }
 
-    int timerInterval(int milliseconds) const override
+    int timerInterval(int milliseconds, Timer) const override
     {
         intervals.append(milliseconds);
         return milliseconds >= heldFrom ? milliseconds : 1;

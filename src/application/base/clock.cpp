@@ -26,7 +26,7 @@ QTimeZone Clock::timeZone() const
     return QTimeZone::systemTimeZone();
 }
 
-int Clock::timerInterval(int milliseconds) const
+int Clock::timerInterval(int milliseconds, Timer) const
 {
     return milliseconds;
 }

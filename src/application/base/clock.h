@@ -24,6 +24,16 @@ public:
     virtual QDateTime currentDateTimeUtc() const;
     virtual QTimeZone timeZone() const;
 
+    /** What a timer is for, for clocks that shorten some of them. */
+    enum class Timer {
+        Other,
+        Resend, ///< before the next attempt of a request
+        OptionsTimeout, ///< until a server has to have answered OPTIONS
+        AccountsCheck, ///< before the engine ends for want of an enabled account
+        ProcessEnd, ///< from the end of the engine to that of its process
+        DatabaseRelease ///< from the last use of the mapping to its closing
+    };
+
     /** What a timer of this nominal length, in milliseconds, is really started with. */
-    virtual int timerInterval(int milliseconds) const;
+    virtual int timerInterval(int milliseconds, Timer timer = Timer::Other) const;
 };

@@ -134,7 +134,7 @@ void EasDatabase::startDataBaseTimer(uint milliseconds)
         qCCritical(eas()) << "failed to open DB connection";
     else if (mTablesMissing)
         prepareTables();
-    mReleaseTimer.start(Clock::instance().timerInterval(int(milliseconds)));
+    mReleaseTimer.start(Clock::instance().timerInterval(int(milliseconds), Clock::Timer::DatabaseRelease));
 }
 
 void EasDatabase::onReleaseDatabaseTimer()

@@ -9,12 +9,12 @@ namespace {
 class DaemonClock : public FastClock
 {
 public:
-    int timerInterval(int milliseconds) const override
+    int timerInterval(int milliseconds, Timer timer) const override
     {
         // The check for accounts is set up before the event loop runs, and ends the process if it comes
         // before the accounts have been read.
         const bool starting = QThread::currentThread()->loopLevel() == 0;
-        return starting ? milliseconds : FastClock::timerInterval(milliseconds);
+        return starting ? milliseconds : FastClock::timerInterval(milliseconds, timer);
     }
 };
 
