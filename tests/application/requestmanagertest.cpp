@@ -27,7 +27,7 @@ class RequestManagerTest : public QObject
 private:
     std::unique_ptr<ScriptedClock> mClock;
     QPointer<ScriptedManager> mManager;
-    ScriptedAccount *mAccount = nullptr;
+    FakeAccount *mAccount = nullptr;
     std::unique_ptr<QSignalSpy> mFinished;
 
     ProbeRequest *enter(qulonglong id, EasAccountId account = Account)
@@ -55,7 +55,7 @@ private Q_SLOTS:
         mManager = ScriptedManager::install();
         for (const EasAccountId id : { Account, OtherAccount })
             mManager->addAccount(id)->negotiated({ QStringLiteral("Sync") });
-        mAccount = static_cast<ScriptedAccount *>(mManager->account(Account));
+        mAccount = static_cast<FakeAccount *>(mManager->account(Account));
         mFinished = std::make_unique<QSignalSpy>(mManager.data(), &RequestManager::requestFinished);
         QTRY_COMPARE(mManager->networkSession(Account)->state(), QNetworkSession::Connected);
         QTRY_COMPARE(mManager->networkSession(OtherAccount)->state(), QNetworkSession::Connected);
@@ -438,7 +438,7 @@ private Q_SLOTS:
         mClock->heldFrom = 5001;
         LogCollector log;
         QSignalSpy updated(mManager.data(), &RequestManager::accountUpdated);
-        static_cast<ScriptedAccount *>(mManager->account(OtherAccount))->isEnabled = false;
+        static_cast<FakeAccount *>(mManager->account(OtherAccount))->isEnabled = false;
         mAccount->isEnabled = isEnabled;
         mClock->intervals.clear();
         Q_EMIT mManager->storage->accountUpdated(Account);

@@ -93,18 +93,18 @@ public:
 };
 
 /** Tells when a redirect arrives. */
-class MovingConnection : public ScriptedConnection
+class MovingConnection : public FakeConnection
 {
 public:
-    explicit MovingConnection(const ScriptedConnection &before)
-        : ScriptedConnection(before.accountId())
+    explicit MovingConnection(const FakeConnection &before)
+        : FakeConnection(before.accountId())
     {
         port = before.port;
     }
 
     void setServerAddress(const QString &text) override
     {
-        ScriptedConnection::setServerAddress(text);
+        FakeConnection::setServerAddress(text);
         whenMoved();
     }
 
@@ -173,7 +173,7 @@ class BaseProtocolCommandTest : public QObject
 
 private:
     ScriptedManager *mManager = nullptr;
-    ScriptedAccount *mAccount = nullptr;
+    FakeAccount *mAccount = nullptr;
     std::unique_ptr<ScriptedServer> mServer;
 
     /** Starts and waits for the end; whether it succeeded. */
@@ -793,7 +793,7 @@ private Q_SLOTS:
         LogCollector log;
         command.handleSslErrors({ QSslError(QSslError::SelfSignedCertificate) });
         QVERIFY(log.contains(QtWarningMsg, { QStringLiteral("SSL errors:") }));
-        mAccount->connection->acceptsAll = true;
+        mAccount->connection->acceptAll = true;
         command.handleSslErrors({ QSslError(QSslError::SelfSignedCertificate) });
         QVERIFY(log.contains(QStringLiteral("Reply is null")));
         QNetworkRequest request;

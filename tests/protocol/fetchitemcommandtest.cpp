@@ -1,13 +1,11 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "protocol/fetchitemcommand.h"
 #include "application/mapping/easdatabase.h"
-#include "application/requestmanager.h"
-#include "dbus/dbusinterfacethread.h"
 #include "easitems/easemailitem.h"
 #include "protocol/base/protocolutils.h"
 #include "protocol/getattachmentcommand.h"
-#include "support/fakeaccount.h"
 #include "support/logcollector.h"
+#include "support/scriptedmanager.h"
 #include "support/stubmailstorage.h"
 #include "support/testmain.h"
 #include "support/wbxmldocument.h"
@@ -27,20 +25,6 @@ using WbxmlDocument::node;
 namespace {
 
 constexpr EasAccountId Account = 1;
-
-/** A manager of one account. */
-class OneAccountManager : public RequestManager
-{
-public:
-    OneAccountManager()
-        : RequestManager(std::unique_ptr<DBusInterfaceThread>(), nullptr)
-    {
-    }
-
-    EasAccount *account(EasAccountId) const override { return known; }
-
-    EasAccount *known = nullptr;
-};
 
 /** A reply that is there, with a content type; its body is handed over beside it. */
 class ReplyWithType : public QNetworkReply
@@ -162,13 +146,12 @@ private Q_SLOTS:
     {
         QLoggingCategory::setFilterRules(QStringLiteral("Fennel.eas=true"));
         EasDatabase::initializeInstance(nullptr, nullptr, nullptr);
-        mManager = new OneAccountManager;
-        RequestManager::initializeInstance(mManager);
+        mManager = ScriptedManager::install();
     }
 
     void cleanupTestCase()
     {
-        RequestManager::releaseInstance();
+        ScriptedManager::uninstall();
         EasDatabase::releaseInstance();
         QLoggingCategory::setFilterRules(QString());
     }
@@ -176,15 +159,13 @@ private Q_SLOTS:
     void init()
     {
         mLog.reset(new LogCollector);
-        mAccount.reset(new FakeAccount(Account));
+        mAccount = mManager->addAccount(Account);
         mAccount->setProtocolVersion(ExchangeActiveSync::ProtocolVersion141);
-        mManager->known = mAccount.data();
     }
 
     void cleanup()
     {
-        mManager->known = nullptr;
-        mAccount.reset();
+        mManager->storage->forget(Account);
         mLog.reset();
     }
 
@@ -555,9 +536,9 @@ private:
         command.setAcceptMultipart(true);
     }
 
-    OneAccountManager *mManager = nullptr;
+    ScriptedManager *mManager = nullptr;
     QScopedPointer<LogCollector> mLog;
-    QScopedPointer<FakeAccount> mAccount;
+    FakeAccount *mAccount = nullptr;
 };
 
 FENNEL_REGISTER_TEST(FetchItemCommandTest)

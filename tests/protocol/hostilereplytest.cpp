@@ -73,7 +73,7 @@ private Q_SLOTS:
     void init()
     {
         ScriptedManager *const manager = ScriptedManager::install();
-        ScriptedAccount *const account = manager->addAccount(Account);
+        FakeAccount *const account = manager->addAccount(Account);
         account->negotiated({ QStringLiteral("Sync") });
         mServer = std::make_unique<ScriptedServer>();
         account->connection->port = mServer->port();

@@ -46,7 +46,7 @@ class OptionsCommandTest : public QObject
 
 private:
     ScriptedManager *mManager = nullptr;
-    ScriptedAccount *mAccount = nullptr;
+    FakeAccount *mAccount = nullptr;
     std::unique_ptr<ScriptedServer> mServer;
 
 private Q_SLOTS:

@@ -109,7 +109,7 @@ class TlsCommandTest : public QObject
 private:
     QTemporaryDir mFolder;
     Simulator::TlsCertificate mOwn;
-    ScriptedAccount *mAccount = nullptr;
+    FakeAccount *mAccount = nullptr;
     std::unique_ptr<TlsServer> mServer;
 
     QString certificatePath() const { return mFolder.filePath(QStringLiteral("alice.p12")); }
@@ -155,7 +155,7 @@ private Q_SLOTS:
         mAccount = manager->addAccount(Account);
         mAccount->negotiated({ QStringLiteral("Sync") });
         mAccount->refreshAuthenticationCache();
-        mAccount->certificatePassword = passphrase;
+        mAccount->certificateSecret = passphrase;
         mServer = std::make_unique<TlsServer>(mOwn);
         mAccount->connection->secure = true;
         mAccount->connection->port = mServer->serverPort();
@@ -180,7 +180,7 @@ private Q_SLOTS:
 
     void anAccountThatAcceptsAllAcceptsIt()
     {
-        mAccount->connection->acceptsAll = true;
+        mAccount->connection->acceptAll = true;
         ReadingCommand command;
         QVERIFY(run(command));
         QCOMPARE(command.read, QByteArray("reply"));
@@ -190,7 +190,7 @@ private Q_SLOTS:
 
     void aClientCertificateIsShownToTheServer()
     {
-        mAccount->connection->acceptsAll = true;
+        mAccount->connection->acceptAll = true;
         mAccount->connection->certificatePath = certificatePath();
         LogCollector log;
         ReadingCommand command;
@@ -201,9 +201,9 @@ private Q_SLOTS:
 
     void aWrongPassphraseSendsNothing()
     {
-        mAccount->connection->acceptsAll = true;
+        mAccount->connection->acceptAll = true;
         mAccount->connection->certificatePath = certificatePath();
-        mAccount->certificatePassword = QStringLiteral("another");
+        mAccount->certificateSecret = QStringLiteral("another");
         LogCollector log;
         ReadingCommand command;
         QVERIFY(!run(command));

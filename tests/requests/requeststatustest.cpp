@@ -60,7 +60,7 @@ class RequestStatusTest : public QObject
 
 private:
     std::unique_ptr<ScriptedClock> mClock;
-    ScriptedAccount *mAccount = nullptr;
+    FakeAccount *mAccount = nullptr;
     std::unique_ptr<ProbeRequest> mRequest;
     std::unique_ptr<QSignalSpy> mCompleted;
 

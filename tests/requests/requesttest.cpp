@@ -28,7 +28,7 @@ class RequestTest : public QObject
 private:
     std::unique_ptr<ScriptedClock> mClock;
     ScriptedManager *mManager = nullptr;
-    ScriptedAccount *mAccount = nullptr;
+    FakeAccount *mAccount = nullptr;
     SessionlessNetwork *mSessionless = nullptr;
     std::unique_ptr<ProbeRequest> mRequest;
     std::unique_ptr<QSignalSpy> mCompleted;
@@ -84,7 +84,7 @@ private Q_SLOTS:
         QCOMPARE(mRequest->starts, 0);
         QCOMPARE(mRequest->status(), -4);
         QCOMPARE(mCompleted->count(), 1);
-        QCOMPARE(mAccount->needUpdateCalls, 1);
+        QCOMPARE(mAccount->blocks, 1);
         QVERIFY(log.contains(QtWarningMsg,
             { QStringLiteral("Cant start request for blocked account"), QStringLiteral("7"),
                 QStringLiteral(". Credentials need update") }));

@@ -50,7 +50,7 @@ class VersionNegotiatorTest : public QObject
 private:
     std::unique_ptr<ScriptedClock> mClock;
     ScriptedManager *mManager = nullptr;
-    ScriptedAccount *mAccount = nullptr;
+    FakeAccount *mAccount = nullptr;
     std::unique_ptr<ScriptedServer> mServer;
 
     bool negotiate(VersionNegotiator &negotiator) const
@@ -133,7 +133,7 @@ private Q_SLOTS:
         QFETCH(QByteArray, offered);
         QFETCH(int, preferred);
         QFETCH(int, choice);
-        mAccount->preferred = static_cast<ExchangeActiveSync::ProtocolVersion>(preferred);
+        mAccount->preferredVersion = static_cast<ExchangeActiveSync::ProtocolVersion>(preferred);
         mServer->answer(offer(offered, "Sync"));
         LogCollector log;
         ProbeRequest request(Account, Id, mManager);

@@ -33,7 +33,10 @@ public:
     QString certificatePath;
 };
 
-/** An account that lives in memory: everything that the platform would bind is a member to set. */
+/**
+ * An account that lives in memory: everything that the platform would bind is a member to set, and what the
+ * engine tells it is counted.
+ */
 class FakeAccount : public EasAccount
 {
 public:
@@ -43,10 +46,24 @@ public:
     {
     }
 
+    /** Knows a version and these commands, so that requests need no negotiation. */
+    void negotiated(const QStringList &commands)
+    {
+        setProtocolVersion(ExchangeActiveSync::ProtocolVersion141);
+        setSupportedCommands(commands);
+    }
+    /** Its password is on its way, or has come. */
+    void setReady(bool isReady)
+    {
+        ready = isReady;
+        Q_EMIT readyChanged();
+    }
+
+    bool isReady() const override { return ready; }
     bool enabled() const override { return isEnabled; }
     QString userName() const override { return user; }
     QString password() const override { return secret; }
-    QString serverAddress() const override { return connection->address; }
+    QString serverAddress() const override { return connection ? connection->address : QString(); }
     int serverConflictPolicy() const override { return conflictPolicy; }
     QString sslCertificatePassword() const override { return certificateSecret; }
     QSharedPointer<CalendarAccountConfiguration> calendarConfiguration() const override { return calendar; }
@@ -72,7 +89,12 @@ public:
     ProvisionManager *provisionManager() override { return nullptr; }
     void remoteWipeRequested() override { ++wipeRequests; }
     void credentialsNeedUpdate() override { ++blocks; }
-    bool isCredentialsNeedUpdate() override { return blocks > 0; }
+    bool isCredentialsNeedUpdate() override { return blocked || blocks > 0; }
+    void setAlwaysOn(bool on) override
+    {
+        alwaysOnSwitch = on;
+        EasAccount::setAlwaysOn(on);
+    }
     void onAuthenticationFailedError() override
     {
         ++refusals;
@@ -80,7 +102,11 @@ public:
             whenRefused();
     }
 
+    bool ready = true;
     bool isEnabled = true;
+    bool alwaysOnSwitch = false;
+    /** Its credentials were refused before the test began. */
+    bool blocked = false;
     QString user = QStringLiteral("alice");
     QString secret = QStringLiteral("s3cret");
     QString certificateSecret;

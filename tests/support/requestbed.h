@@ -40,7 +40,7 @@ public:
     ScriptedClock clock;
     ScriptedServer server;
     ScriptedManager *manager;
-    ScriptedAccount *account;
+    FakeAccount *account;
     const QSharedPointer<StubMailStorage> mail;
     const QSharedPointer<StubCalendarStorage> calendar;
     const QSharedPointer<StubContactStorage> contacts;

@@ -12,16 +12,16 @@ ScriptedAccountStorage::ScriptedAccountStorage(QObject *parent)
 
 ScriptedAccountStorage::~ScriptedAccountStorage() = default;
 
-ScriptedAccount *ScriptedAccountStorage::add(EasAccountId id)
+FakeAccount *ScriptedAccountStorage::add(EasAccountId id)
 {
-    auto *const account = new ScriptedAccount(id, this);
+    auto *const account = new FakeAccount(id, this);
     mAccounts.insert(id, account);
     return account;
 }
 
 void ScriptedAccountStorage::forget(EasAccountId id)
 {
-    if (ScriptedAccount *const account = mAccounts.take(id))
+    if (FakeAccount *const account = mAccounts.take(id))
         account->deleteLater();
 }
 
@@ -39,8 +39,8 @@ void ScriptedAccountStorage::becomeReady()
 
 int ScriptedAccountStorage::enabledAccountsCount() const
 {
-    return static_cast<int>(std::count_if(mAccounts.cbegin(), mAccounts.cend(),
-        [](const ScriptedAccount *account) { return account->enabled(); }));
+    return static_cast<int>(std::count_if(
+        mAccounts.cbegin(), mAccounts.cend(), [](const FakeAccount *account) { return account->enabled(); }));
 }
 
 ScriptedManager::ScriptedManager()

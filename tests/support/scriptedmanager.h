@@ -4,7 +4,7 @@
 #include "application/networkmanager.h"
 #include "application/requestmanager.h"
 #include "storages/accountstorage.h"
-#include "support/scriptedaccount.h"
+#include "support/fakeaccount.h"
 
 #include <memory>
 
@@ -17,7 +17,7 @@ public:
     explicit ScriptedAccountStorage(QObject *parent = nullptr);
     ~ScriptedAccountStorage() override;
 
-    ScriptedAccount *add(EasAccountId id);
+    FakeAccount *add(EasAccountId id);
     void remove(EasAccountId id);
     /** The account is gone, but nobody has been told so. */
     void forget(EasAccountId id);
@@ -31,7 +31,7 @@ public:
     bool isReadyNow = true;
 
 private:
-    QMap<EasAccountId, ScriptedAccount *> mAccounts;
+    QMap<EasAccountId, FakeAccount *> mAccounts;
 };
 
 /** The network without a session, as it is when the device's network library knows none. */
@@ -63,7 +63,7 @@ public:
     ~ScriptedManager() override;
 
     NetworkManager *networkManager() override { return network ? network : RequestManager::networkManager(); }
-    ScriptedAccount *addAccount(EasAccountId id) { return storage->add(id); }
+    FakeAccount *addAccount(EasAccountId id) { return storage->add(id); }
 
     NetworkManager *network = nullptr;
     ScriptedAccountStorage *storage = nullptr;
