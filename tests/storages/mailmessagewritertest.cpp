@@ -112,6 +112,16 @@ private Q_SLOTS:
         QCOMPARE(MailMessageWriter::serverUid(item), QStringLiteral("5:1"));
     }
 
+    void aDateMayComeInTheCompactForm()
+    {
+        MailFixture mail;
+        mail.addFolder("5");
+        EasEmailItem item = mail.item("5:1", "5");
+        item.setDateReceived("20240501T080000Z");
+        QCOMPARE(MailMessageWriter(mail.context).mailMessageFromEmailItem(item)->receivedDate().toUTC(),
+            QDateTime(QDate(2024, 5, 1), QTime(8, 0), Qt::UTC));
+    }
+
     void aBadDateIsNoDate()
     {
         MailFixture mail;

@@ -3,6 +3,7 @@
 
 #include "application/base/logging.h"
 #include "application/mapping/easdatabase.h"
+#include "common/exchangeactivesync.h"
 #include "easitems/easemailitem.h"
 #include "protocol/wbxml/wbxmltokens.h"
 #include "storages/mail/mailattachments.h"
@@ -48,7 +49,8 @@ void setCollection(Change &change)
 
 void setDates(Change &change)
 {
-    const QMailTimeStamp received(QDateTime::fromString(change.item.dateReceived(), Qt::ISODate));
+    const QMailTimeStamp received(
+        ExchangeActiveSync::dateTimeFromString(change.item.dateReceived(), nullptr));
     change.message.setDate(received);
     change.message.setReceivedDate(received);
 }

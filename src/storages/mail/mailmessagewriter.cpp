@@ -81,7 +81,7 @@ std::unique_ptr<QMailMessage> MailMessageWriter::mailMessageFromEmailItem(const 
     message->setParentFolderId(QMailFolderId(item.localCollectionId()));
     message->setFrom(QMailAddress(MailHeaderText::singleLine(item.fromAddress())));
     message->setSubject(MailHeaderText::singleLine(item.subject()));
-    const QMailTimeStamp received(QDateTime::fromString(item.dateReceived(), Qt::ISODate));
+    const QMailTimeStamp received(ExchangeActiveSync::dateTimeFromString(item.dateReceived(), nullptr));
     message->setDate(received);
     message->setReceivedDate(received);
     setRecipients(*message, item);
