@@ -129,6 +129,12 @@ private Q_SLOTS:
         }
         QCOMPARE(bytesHere(attachments.at(0).uri()), bytesOf(3000));
         QCOMPARE(bytesHere(attachments.at(1).uri()), bytesOf(10));
+        const auto fetches = bed.server().requests(QStringLiteral("ItemOperations"));
+        QCOMPARE(fetches.size(), 2);
+        for (const auto &fetch : fetches) {
+            QVERIFY(!fetch.document.has(QStringLiteral("Fetch/Options")));
+            QVERIFY(fetch.header("MS-ASAcceptMultiPart").isEmpty());
+        }
         QCOMPARE(files().at(0).uri(), attachments.at(0).uri());
         QVERIFY(nothingMoreGoesUp(bed));
         QCOMPARE(bed.server().failures(), QStringList());

@@ -100,6 +100,20 @@ private Q_SLOTS:
         QVERIFY(QMailMessage(b).status() & QMailMessage::CalendarCancellation);
     }
 
+    void bothFoldersOfAMoveAreToldAsChanged()
+    {
+        const QMailFolderId other = addFolder(mAccount, QStringLiteral("other"));
+        QMailMessageMetaData message(addMessage(mAccount, mInbox));
+        QMailFolderIdList changed;
+        QObject context;
+        connect(mStore, &QMailStore::folderContentsModified, &context,
+            [&changed](const QMailFolderIdList &ids) { changed += ids; });
+        message.setParentFolderId(other);
+        QVERIFY(mStore->updateMessage(&message));
+        QVERIFY(changed.contains(mInbox));
+        QVERIFY(changed.contains(other));
+    }
+
     void signalsComeBeforeTheCallReturns()
     {
         const QMailFolderId child = addFolder(mAccount, QStringLiteral("child"), mInbox);
