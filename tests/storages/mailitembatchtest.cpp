@@ -3,6 +3,7 @@
 #include "application/mapping/easdatabase.h"
 #include "protocol/wbxml/wbxmltokens.h"
 #include "storages/mail/mailattachments.h"
+#include "storages/mail/mailsearchresults.h"
 #include "support/logcollector.h"
 #include "support/mailfixture.h"
 #include "support/testmain.h"
@@ -152,7 +153,7 @@ private Q_SLOTS:
         MailItemBatch batch(mail.context);
         QList<EasEmailItem> hits { mail.item("5:1", "5") };
         QList<quint64> ids;
-        QVERIFY(batch.addSearchResults(hits, ids));
+        QVERIFY(MailSearchResults(mail.context).add(hits, ids));
         QVERIFY(has(mail.message("5:1"), QMailMessage::Temporary));
 
         QList<EasEmailItem> items { mail.item("5:1", "5") };
@@ -175,6 +176,47 @@ private Q_SLOTS:
         QVERIFY(!batch.addEmailItems(items));
         QVERIFY(log.contains(QtCriticalMsg, { "is that of another message already" }));
         QCOMPARE(mail.messageCount(), 1);
+    }
+
+    void aRemovalInAnotherFolderIsThatOfAnotherMessage()
+    {
+        MailFixture mail;
+        mail.addFolder("5");
+        mail.addFolder("6");
+        MailItemBatch batch(mail.context);
+        QList<EasEmailItem> removed { mail.item("7", "6") };
+        QVERIFY(batch.addEmailItems(removed));
+        QVERIFY(mail.context.store->removeMessage(mail.message("7").id(), QMailStore::CreateRemovalRecord));
+
+        QList<EasEmailItem> items { mail.item("7", "5") };
+        QVERIFY(batch.addEmailItems(items));
+        QVERIFY(!items.at(0).localId().isEmpty());
+        QCOMPARE(mail.messageCount(), 1);
+    }
+
+    void aRepeatedItemThatTheStoreHasLostIsNew()
+    {
+        MailFixture mail;
+        mail.addFolder("5");
+        EasEmailItem lost = mail.item("5:1", "5");
+        mail.map(lost, QMailMessageId(424242));
+        EasEmailItem known = mail.item("5:2", "5");
+        mail.addMessage(known);
+        EasEmailItem removed = mail.item("5:3", "5");
+        QVERIFY(mail.context.store->removeMessage(mail.addMessage(removed), QMailStore::CreateRemovalRecord));
+        EasEmailItem change = mail.item("5:4", "5");
+        mail.map(change, QMailMessageId(424243));
+        for (EasEmailItem *item : { &lost, &known, &removed })
+            item->appendChangedField(Wbxml::AirSync::Add);
+        QList<EasEmailItem> changed { lost, known, removed, change };
+        QList<EasEmailItem> added;
+        QVERIFY(MailItemBatch(mail.context).takeLostItems(changed, added));
+        QCOMPARE(added.size(), 1);
+        QCOMPARE(added.at(0).serverId(), QStringLiteral("5:1"));
+        QCOMPARE(changed.size(), 3);
+        const auto rows = EasDatabase::instance()->serverToLocalEmailIds(mail.accountId());
+        QVERIFY(!rows->contains("5:1"));
+        QVERIFY(rows->contains("5:3"));
     }
 
     void aRollbackTakesOutOnlyWhatWasAdded()
@@ -274,84 +316,6 @@ private Q_SLOTS:
         QCOMPARE(mail.messageCount(), 1);
         QVERIFY(batch.deleteEmailItems(QStringList { "5:1", "6:1" }, names));
         QCOMPARE(mail.messageCount(), 0);
-    }
-
-    void aMoveGivesTheNewNameAndIsOver_data()
-    {
-        QTest::addColumn<bool>("mappingWrittenFirst");
-        QTest::newRow("the mapping has the old name") << false;
-        QTest::newRow("the mapping has the new name") << true;
-    }
-    void aMoveGivesTheNewNameAndIsOver()
-    {
-        QFETCH(bool, mappingWrittenFirst);
-        MailFixture mail;
-        mail.addFolder("5");
-        const QMailFolderId archive = mail.addFolder("6");
-        const QMailMessageId id = mail.addMessage(mail.item("5:1", "5"));
-        QMailDisconnected::moveToFolder(QMailMessageIdList { id }, archive);
-        EasEmailItem moved;
-        moved.setPreviousServerId("5:1");
-        moved.setServerId("6:7");
-        moved.setCollectionId("6");
-        moved.appendChangedField(Wbxml::AirSync::ServerId);
-        const QString known = mappingWrittenFirst ? "6:7" : "5:1";
-        QVERIFY(MailItemBatch(mail.context).updateMovedEmails({ moved }, { { known, text(id) } }));
-        QCOMPARE(mail.message(id).serverUid(), QStringLiteral("6:7"));
-        QCOMPARE(mail.message(id).parentFolderId(), archive);
-        QVERIFY(!mail.message(id).previousParentFolderId().isValid());
-    }
-
-    void aMessageMovedOnIsStillToBeMoved()
-    {
-        MailFixture mail;
-        mail.addFolder("5");
-        const QMailFolderId archive = mail.addFolder("6");
-        const QMailFolderId trash = mail.addFolder("7");
-        const QMailMessageId id = mail.addMessage(mail.item("5:1", "5"));
-        QMailDisconnected::moveToFolder(QMailMessageIdList { id }, archive);
-        QMailDisconnected::moveToFolder(QMailMessageIdList { id }, trash);
-        EasEmailItem moved;
-        moved.setPreviousServerId("5:1");
-        moved.setServerId("6:7");
-        moved.setCollectionId("6");
-        moved.appendChangedField(Wbxml::AirSync::ServerId);
-        QVERIFY(MailItemBatch(mail.context).updateMovedEmails({ moved }, { { "5:1", text(id) } }));
-        QCOMPARE(mail.message(id).parentFolderId(), trash);
-        QCOMPARE(mail.message(id).previousParentFolderId(), archive);
-    }
-
-    void aMoveOfAnUnknownMessageIsPassedOver()
-    {
-        LogCollector log;
-        MailFixture mail;
-        EasEmailItem moved;
-        moved.setPreviousServerId("5:1");
-        moved.setServerId("6:7");
-        QVERIFY(MailItemBatch(mail.context).updateMovedEmails({ moved }, {}));
-        QVERIFY(log.contains(QtWarningMsg, { "messageId", "0", "is invalid" }));
-    }
-
-    void searchResultsReplaceEarlierOnes()
-    {
-        MailFixture mail;
-        mail.addFolder("5");
-        const QMailMessageId synchronised = mail.addMessage(mail.item("5:1", "5"));
-        EasEmailItem found = mail.item(QString(), "5");
-        found.setLongId("long");
-        MailItemBatch batch(mail.context);
-        QList<quint64> ids;
-        for (int round = 0; round < 2; ++round) {
-            QList<EasEmailItem> items { found, mail.item("5:1", "5"), found };
-            QVERIFY(batch.addSearchResults(items, ids));
-            QCOMPARE(ids.size(), 3);
-            QCOMPARE(ids.at(0), mail.message("long").id().toULongLong());
-            QCOMPARE(ids.at(1), synchronised.toULongLong());
-            QCOMPARE(ids.at(2), ids.at(0));
-            QCOMPARE(mail.messageCount(), 2);
-        }
-        QVERIFY(has(mail.message("long"), QMailMessage::Temporary));
-        QVERIFY(!has(mail.message("5:1"), QMailMessage::Temporary));
     }
 
     void anUploadedReadMarkIsKnownElsewhere()

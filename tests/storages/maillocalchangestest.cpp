@@ -79,6 +79,45 @@ private Q_SLOTS:
         QCOMPARE(serverIds(MailLocalChanges(mail.context).updatedEmails(text(other))), QStringList { "6:1" });
     }
 
+    void aMarkWhoseMessageTheServerHasElsewhereWaitsForTheMove()
+    {
+        MailFixture mail;
+        const QMailFolderId inbox = mail.addFolder("5");
+        const QMailFolderId archive = mail.addFolder("6");
+        const QMailMessageId id = mail.addMessage(mail.item("7", "5"));
+        mail.setStatus(id, QMailMessage::Read, false);
+        QMailDisconnected::moveToFolder(QMailMessageIdList { id }, archive);
+        QVERIFY(MailLocalChanges(mail.context).updatedEmails(text(archive)).isEmpty());
+        QVERIFY(MailLocalChanges(mail.context).updatedEmails(text(inbox)).isEmpty());
+        QMailDisconnected::moveToFolder(QMailMessageIdList { id }, inbox);
+        QCOMPARE(serverIds(MailLocalChanges(mail.context).updatedEmails(text(inbox))), QStringList { "7" });
+    }
+
+    void whatTheServerDoesNotKnowIsNoChange()
+    {
+        MailFixture mail;
+        const QMailFolderId drafts = mail.addFolder("3");
+        QMailMessage draft;
+        draft.setParentAccountId(mail.mailAccountId());
+        draft.setParentFolderId(drafts);
+        draft.setStatus(QMailMessage::Read, true);
+        QVERIFY(mail.context.store->addMessage(&draft));
+        QVERIFY(MailLocalChanges(mail.context).updatedEmails(text(drafts)).isEmpty());
+    }
+
+    void aRemovalOfAnotherMessageOfThatNameIsNoChange()
+    {
+        MailFixture mail;
+        const QMailFolderId inbox = mail.addFolder("5");
+        const QMailFolderId gone = mail.addFolder("6");
+        QMailStore *store = mail.context.store;
+        QVERIFY(store->removeMessage(mail.addMessage(mail.item("7", "6")), QMailStore::CreateRemovalRecord));
+        QVERIFY(store->removeFolder(gone));
+        QVERIFY(EasDatabase::instance()->clearEmailFolder(mail.accountId(), "6"));
+        mail.addMessage(mail.item("7", "5"));
+        QVERIFY(MailLocalChanges(mail.context).deletedEmails(text(inbox)).isEmpty());
+    }
+
     void addedMailIsThatOfTheFolder()
     {
         MailFixture mail;

@@ -392,6 +392,53 @@ private Q_SLOTS:
         QVERIFY(log.contains("invalid local mesage id"));
     }
 
+    void aReplyMayChangeAndRemoveWhatItAdds()
+    {
+        MailFixture mail;
+        mail.addFolder("5");
+        MailStorageImpl storage(&mail.account);
+        QList<EasEmailItem> added { mail.item("5:1", "5"), mail.item("5:2", "5") };
+        EasEmailItem change = mail.item("5:1", "5");
+        change.setSubject("changed at once");
+        change.appendChangedField(Wbxml::Email::Subject);
+        QList<EasEmailItem> changed { change };
+        QVERIFY(storage.updateEmails(added, changed, { "5:2" }));
+        QCOMPARE(mail.message("5:1").subject(), QStringLiteral("changed at once"));
+        QVERIFY(!mail.message("5:2").id().isValid());
+        QCOMPARE(mail.messageCount(), 1);
+    }
+
+    void aMessageThatTheStoreHasLostComesBackWithItsNextAdd()
+    {
+        MailFixture mail;
+        mail.addFolder("5");
+        const EasEmailItem item = mail.item("5:1", "5");
+        QVERIFY(mail.context.store->removeMessage(mail.addMessage(item)));
+        MailStorageImpl storage(&mail.account);
+        EasEmailItem repeated = item;
+        repeated.appendChangedField(Wbxml::AirSync::Add);
+        QList<EasEmailItem> added;
+        QList<EasEmailItem> changed { repeated };
+        QVERIFY(storage.updateEmails(added, changed, {}));
+        QCOMPARE(mail.message("5:1").subject(), item.subject());
+        QCOMPARE(added.size(), 1);
+        QVERIFY(changed.isEmpty());
+        // The caller writes its row; the old one is gone.
+        QVERIFY(EasDatabase::instance()->emailItemsChanges(mail.accountId(), added, changed, {}));
+        QCOMPARE(*EasDatabase::instance()->localEmailIds(mail.accountId(), "5"),
+            QStringList { QString::number(mail.message("5:1").id().toULongLong()) });
+    }
+
+    void aClearedAccountHasNoRemovalsLeft()
+    {
+        MailFixture mail;
+        mail.addFolder("5");
+        QVERIFY(mail.context.store->removeMessage(
+            mail.addMessage(mail.item("5:1", "5")), QMailStore::CreateRemovalRecord));
+        QVERIFY(MailStorageImpl::cleanUpAccounts({ mail.accountId() }));
+        QVERIFY(mail.context.store->messageRemovalRecords(mail.mailAccountId()).isEmpty());
+    }
+
     void aFetchedBodyNeverTakesThePlaceOfAFullerOne_data()
     {
         QTest::addColumn<int>("type");

@@ -39,9 +39,8 @@ bool MailFolderRemoval::remove(const QMailFolderIdList &ids) const
 
 bool MailFolderRemoval::findDescendants(Plan *plan) const
 {
-    const EasDatabase *database = EasDatabase::instance();
-    const QMap<QString, QString> localToServer = database->localToServerFolderIds(mContext.accountId());
-    if (database->lookupFailed())
+    const auto localToServer = EasDatabase::instance()->localToServerFolderIds(mContext.accountId());
+    if (!localToServer)
         return false;
     // The store removes what the key says and leaves children behind, without a parent.
     for (int i = 0; i < plan->removed.size(); ++i) {
@@ -50,7 +49,7 @@ bool MailFolderRemoval::findDescendants(Plan *plan) const
         for (const QMailFolderId &child : children) {
             if (plan->removed.contains(child))
                 continue;
-            const bool isOfServer = localToServer.contains(QString::number(child.toULongLong()));
+            const bool isOfServer = localToServer->contains(QString::number(child.toULongLong()));
             (isOfServer ? plan->kept : plan->removed).append(child);
         }
     }

@@ -4,10 +4,14 @@
 #include "application/base/logging.h"
 #include "application/mapping/easdatabase.h"
 #include "easitems/easemailitem.h"
+#include "protocol/wbxml/wbxmltokens.h"
+#include "storages/mail/mailrecognition.h"
 #include "storages/mail/mailstorecontext.h"
 
 #include <qmailmessage.h>
 #include <qmailmessagekey.h>
+
+#include <map>
 
 namespace {
 
@@ -29,175 +33,134 @@ QString texts(const QMailMessageIdList &ids)
     return list.join(QStringLiteral(", "));
 }
 
-bool hasStatus(const QMailMessage &message, quint64 mask)
-{
-    return (message.status() & mask) != 0;
-}
-
 } // namespace
 
 MailItemBatch::MailItemBatch(const MailStoreContext &context)
     : mContext(context)
-    , mWriter(context)
+    , mAdder(context)
     , mChanges(context)
 {
+}
+
+bool MailItemBatch::updateEmails(
+    QList<EasEmailItem> &added, QList<EasEmailItem> &changed, const QStringList &deleted)
+{
+    if (!takeLostItems(changed, added) || !setFolders(added) || !addEmailItems(added)) {
+        qCCritical(eas()) << "failed to add email items";
+        return false;
+    }
+    if (applyToStored(added, changed, deleted))
+        return true;
+    rollBackAddedEmailItems(added);
+    return false;
+}
+
+bool MailItemBatch::setFolders(QList<EasEmailItem> &items) const
+{
+    if (items.isEmpty())
+        return true;
+    const auto folders = EasDatabase::instance()->serverToLocalFolderIds(mContext.accountId());
+    if (!folders)
+        return false;
+    for (EasEmailItem &item : items)
+        item.setLocalCollectionId(folders->value(item.collectionId()).toULongLong());
+    return true;
+}
+
+bool MailItemBatch::applyToStored(
+    const QList<EasEmailItem> &added, const QList<EasEmailItem> &changed, const QStringList &deleted)
+{
+    QMap<QString, QString> localIds;
+    // The rows of all mail, and a first sync brings many replies that need none of them.
+    if (!changed.isEmpty() || !deleted.isEmpty()) {
+        const auto rows = EasDatabase::instance()->serverToLocalEmailIds(mContext.accountId());
+        if (!rows)
+            return false;
+        localIds = *rows;
+    }
+    // The same reply may change or remove what it has just added.
+    for (const EasEmailItem &item : added) {
+        if (!item.localId().isEmpty())
+            localIds.insert(item.serverId(), item.localId());
+    }
+    if (!updateEmailItems(changed, localIds)) {
+        qCCritical(eas()) << "failed to update email items";
+        return false;
+    }
+    if (!deleteEmailItems(deleted, localIds)) {
+        qCCritical(eas()) << "failed to remove email items";
+        return false;
+    }
+    return true;
 }
 
 bool MailItemBatch::addEmailItems(QList<EasEmailItem> &items)
 {
     mAdopted.clear();
-    const QHash<QString, QMailMessageId> stored = storedMessages(items);
-    const QSet<QString> deleted = deletedByUser();
-    Messages messages;
-    QHash<QString, QMailMessage *> byUid;
+    if (items.isEmpty())
+        return true;
+    const std::optional<MailRecognition> recognition = MailRecognition::of(mContext, items);
+    if (!recognition)
+        return false;
+    MailMessageAdder::Messages messages;
+    QSet<QString> taken;
     QList<EasEmailItem> kept;
+    QList<int> keptOfMessages;
     for (const EasEmailItem &item : qAsConst(items)) {
         const QString uid = MailMessageWriter::serverUid(item);
-        if (!uid.isEmpty() && byUid.contains(uid))
+        if (!uid.isEmpty() && taken.contains(uid))
             continue;
+        taken.insert(uid);
         kept.append(item);
-        const bool isStray = deleted.contains(uid) && !isMapped(uid);
-        if (isStray && EasDatabase::instance()->lookupFailed())
-            return false;
-        if (isStray) {
+        kept.last().setLocalId(QString());
+        if (recognition->finding(item) == MailRecognition::RemovedHere) {
             qCInfo(eas()) << "not stored, the user has deleted it:" << uid;
             continue;
         }
-        std::unique_ptr<QMailMessage> message;
-        if (!prepareItem(item, stored.value(uid), &message))
+        std::unique_ptr<QMailMessage> message = mAdder.messageFor(item, *recognition);
+        if (!message)
             return false;
         message->setStatus(QMailMessage::New, true);
-        byUid.insert(uid.isEmpty() ? QString::number(kept.size()) + QLatin1Char('\n') : uid, message.get());
-        messages.push_back(std::move(message));
-    }
-    for (const auto &message : messages) {
         if (message->id().isValid())
             mAdopted.insert(message->id());
+        messages.push_back(std::move(message));
+        keptOfMessages.append(kept.size() - 1);
     }
-    if (!store(messages))
+    if (!mAdder.store(messages))
         return false;
-    for (int i = 0; i < kept.size(); ++i) {
-        const QString uid = MailMessageWriter::serverUid(kept.at(i));
-        const QMailMessage *message =
-            byUid.value(uid.isEmpty() ? QString::number(i + 1) + QLatin1Char('\n') : uid);
-        kept[i].setLocalId(message ? idText(message->id()) : QString());
-    }
+    for (int i = 0; i < keptOfMessages.size(); ++i)
+        kept[keptOfMessages.at(i)].setLocalId(idText(messages[size_t(i)]->id()));
     items = kept;
     return true;
 }
 
-bool MailItemBatch::prepareItem(
-    const EasEmailItem &item, const QMailMessageId &stored, std::unique_ptr<QMailMessage> *message) const
+bool MailItemBatch::takeLostItems(QList<EasEmailItem> &changed, QList<EasEmailItem> &added) const
 {
-    if (!hasFolder(item))
-        return false;
-    *message = mWriter.mailMessageFromEmailItem(item);
-    if (!*message) {
-        qCCritical(eas()) << "Can't create QMailMessage from EasEmailItem";
-        return false;
+    QList<EasEmailItem> repeated;
+    for (const EasEmailItem &item : qAsConst(changed)) {
+        if (item.changedFields().contains(Wbxml::AirSync::Add))
+            repeated.append(item);
     }
-    if ((*message)->id().isValid() || !stored.isValid())
+    if (repeated.isEmpty())
         return true;
-    const QMailMessage present = mContext.store->message(stored);
-    if (!canAdopt(present, item)) {
-        qCCritical(eas()) << "server id" << item.serverId() << "of collection" << item.collectionId()
-                          << "is that of another message already, with id" << stored.toULongLong();
+    const std::optional<MailRecognition> recognition = MailRecognition::of(mContext, repeated);
+    if (!recognition)
         return false;
+    QStringList lost;
+    for (const EasEmailItem &item : qAsConst(repeated)) {
+        if (recognition->finding(item) == MailRecognition::Lost)
+            lost.append(item.serverId());
     }
-    adopt(**message, present);
-    return true;
-}
-
-bool MailItemBatch::hasFolder(const EasEmailItem &item) const
-{
-    const QMailFolderId folder(item.localCollectionId());
-    if (folder.isValid() && mContext.store->folder(folder).id().isValid())
+    if (lost.isEmpty())
         return true;
-    qCCritical(eas()) << "no local folder for message with server id" << item.serverId() << "of collection"
-                      << item.collectionId();
-    return false;
-}
-
-bool MailItemBatch::isMapped(const QString &serverUid) const
-{
-    return !EasDatabase::instance()
-                ->collectionServerIdFromEmailItemId(mContext.accountId(), serverUid)
-                .valueOr({})
-                .isEmpty();
-}
-
-bool MailItemBatch::canAdopt(const QMailMessage &stored, const EasEmailItem &item) const
-{
-    const QMailFolderId folder(item.localCollectionId());
-    return hasStatus(stored, QMailMessage::Temporary) || stored.parentFolderId() == folder
-        || stored.previousParentFolderId() == folder
-        || (!isMapped(stored.serverUid()) && !EasDatabase::instance()->lookupFailed());
-}
-
-void MailItemBatch::adopt(QMailMessage &fresh, const QMailMessage &stored) const
-{
-    fresh.setId(stored.id());
-    fresh.setParentThreadId(stored.parentThreadId());
-    fresh.setContentScheme(stored.contentScheme());
-    fresh.setContentIdentifier(stored.contentIdentifier());
-    if (hasStatus(stored, QMailMessage::Temporary))
-        return;
-    if (stored.previousParentFolderId() == fresh.parentFolderId()) {
-        fresh.setPreviousParentFolderId(stored.previousParentFolderId());
-        fresh.setParentFolderId(stored.parentFolderId());
+    qCInfo(eas()) << "messages that the store has lost come again:" << lost.size();
+    for (int i = 0; i < changed.size();) {
+        if (lost.contains(changed.at(i).serverId()))
+            added.append(changed.takeAt(i));
+        else
+            ++i;
     }
-    if (hasStatus(stored, QMailMessage::Read) != hasStatus(stored, QMailMessage::ReadElsewhere))
-        fresh.setStatus(QMailMessage::Read, hasStatus(stored, QMailMessage::Read));
-}
-
-bool MailItemBatch::store(const Messages &messages)
-{
-    QList<QMailMessage *> added;
-    QList<QMailMessage *> adopted;
-    for (const auto &message : messages)
-        (message->id().isValid() ? adopted : added).append(message.get());
-    if (!added.isEmpty() && !mContext.store->addMessages(added)) {
-        qCCritical(eas()) << "can't add messages to QMF DB";
-        return false;
-    }
-    if (!adopted.isEmpty() && !mContext.store->updateMessages(adopted)) {
-        qCCritical(eas()) << "can't update messages in QMF DB";
-        QMailMessageIdList ids;
-        for (const QMailMessage *message : qAsConst(added))
-            ids.append(message->id());
-        deleteEmailItems(ids);
-        return false;
-    }
-    return true;
-}
-
-QHash<QString, QMailMessageId> MailItemBatch::storedMessages(const QList<EasEmailItem> &items) const
-{
-    QStringList uids;
-    for (const EasEmailItem &item : items)
-        uids.append(MailMessageWriter::serverUid(item));
-    uids.removeAll(QString());
-    QHash<QString, QMailMessageId> stored;
-    if (uids.isEmpty())
-        return stored;
-    const QMailMessageIdList ids =
-        mContext.store->queryMessages(QMailMessageKey::parentAccountId(mContext.mailAccountId)
-            & QMailMessageKey::serverUid(uids, QMailDataComparator::Includes));
-    for (const QMailMessageId &id : ids)
-        stored.insert(mContext.store->messageMetaData(id).serverUid(), id);
-    return stored;
-}
-
-QSet<QString> MailItemBatch::deletedByUser() const
-{
-    // Of all folders: what was moved before it was removed has its record in the folder that it was moved to.
-    QSet<QString> uids;
-    const QMailMessageRemovalRecordList records =
-        mContext.store->messageRemovalRecords(mContext.mailAccountId);
-    for (const QMailMessageRemovalRecord &record : records)
-        uids.insert(record.serverUid());
-    uids.remove(QString());
-    return uids;
+    return EasDatabase::instance()->deleteEmailItems(mContext.accountId(), lost);
 }
 
 bool MailItemBatch::updateEmailItems(
@@ -225,21 +188,10 @@ bool MailItemBatch::updateEmailItems(
         }
         mChanges.setChangesToEmailMessage(found->second, item);
     }
-    return update(messages);
-}
-
-bool MailItemBatch::update(const std::map<QMailMessageId, QMailMessage> &messages) const
-{
-    if (messages.empty())
-        return true;
-    std::vector<QMailMessage> copies;
-    copies.reserve(messages.size());
     QList<QMailMessage *> pointers;
-    for (const auto &entry : messages) {
-        copies.push_back(entry.second);
-        pointers.append(&copies.back());
-    }
-    if (mContext.store->updateMessages(pointers))
+    for (auto &entry : messages)
+        pointers.append(&entry.second);
+    if (pointers.isEmpty() || mContext.store->updateMessages(pointers))
         return true;
     qCWarning(eas()) << "failed to update messages";
     return false;
@@ -256,9 +208,9 @@ bool MailItemBatch::deleteEmailItems(
     const QStringList &serverIds, const QMap<QString, QString> &serverToLocal)
 {
     // A message that an interrupted move has left with two server ids goes when the last of them goes.
-    QMap<QString, int> names;
+    QMap<QString, int> left;
     for (const QString &localId : serverToLocal)
-        ++names[localId];
+        ++left[localId];
     QMailMessageIdList ids;
     for (const QString &serverId : serverIds) {
         const auto found = serverToLocal.constFind(serverId);
@@ -267,7 +219,7 @@ bool MailItemBatch::deleteEmailItems(
             continue;
         }
         const QMailMessageId id = messageId(*found);
-        if (id.isValid() && --names[*found] == 0)
+        if (id.isValid() && --left[*found] == 0)
             ids.append(id);
     }
     return deleteEmailItems(ids);
@@ -287,109 +239,6 @@ void MailItemBatch::rollBackAddedEmailItems(QList<EasEmailItem> &items)
         qCCritical(eas()) << "failed to remove email messages:" << texts(ids);
 }
 
-bool MailItemBatch::updateMovedEmails(
-    const QList<EasEmailItem> &items, const QMap<QString, QString> &serverToLocal)
-{
-    std::map<QMailMessageId, QMailMessage> messages;
-    for (const EasEmailItem &item : items) {
-        const QMailMessageId id = movedMessage(item, serverToLocal);
-        QMailMessage message = id.isValid() ? mContext.store->message(id) : QMailMessage();
-        if (!message.id().isValid()) {
-            qCWarning(eas()) << "messageId" << id.toULongLong() << "is invalid";
-            continue;
-        }
-        if (!finishMove(message, item))
-            return false;
-        messages.emplace(id, message);
-    }
-    return update(messages);
-}
-
-QMailMessageId MailItemBatch::movedMessage(
-    const EasEmailItem &item, const QMap<QString, QString> &serverToLocal) const
-{
-    // The mapping may know the message by the old id or, if it was written first, by the new one.
-    const QStringList serverIds { item.previousServerId(), item.serverId() };
-    for (const QString &serverId : serverIds) {
-        const QMailMessageId id = messageId(serverToLocal.value(serverId));
-        if (id.isValid())
-            return id;
-    }
-    return QMailMessageId();
-}
-
-bool MailItemBatch::finishMove(QMailMessage &message, const EasEmailItem &item) const
-{
-    const QMailFolderId before = message.parentFolderId();
-    mChanges.setChangesToEmailMessage(message, item);
-    message.setParentFolderId(before);
-    // Moved on while the server was asked: the way from there to where it is now is still to be told.
-    const EasFolderItem destination =
-        EasDatabase::instance()->folderItemByServerId(mContext.accountId(), item.collectionId());
-    if (EasDatabase::instance()->lookupFailed())
-        return false;
-    const QMailFolderId reached(destination.localId().toULongLong());
-    const bool movedOn = reached.isValid() && reached != message.parentFolderId()
-        && message.previousParentFolderId().isValid();
-    message.setPreviousParentFolderId(movedOn ? reached : QMailFolderId());
-    return true;
-}
-
-bool MailItemBatch::addSearchResults(QList<EasEmailItem> &items, QList<quint64> &ids)
-{
-    QStringList uids;
-    for (const EasEmailItem &item : qAsConst(items))
-        uids.append(MailMessageWriter::serverUid(item));
-    uids.removeAll(QString());
-    uids.removeDuplicates();
-    if (!removeEarlierHits(uids))
-        return false;
-
-    const QHash<QString, QMailMessageId> stored = storedMessages(items);
-    Messages messages;
-    QHash<QString, QMailMessage *> byUid;
-    std::vector<const QMailMessage *> hits;
-    for (const EasEmailItem &item : qAsConst(items)) {
-        const QString uid = MailMessageWriter::serverUid(item);
-        QMailMessage *message = uid.isEmpty() ? nullptr : byUid.value(uid);
-        if (!message) {
-            std::unique_ptr<QMailMessage> made;
-            const QMailMessageId known = stored.value(uid);
-            if (known.isValid()) // a message that is synchronised anyway
-                made = std::make_unique<QMailMessage>(mContext.store->message(known));
-            else if (!prepareItem(item, QMailMessageId(), &made))
-                return false;
-            if (!made->id().isValid())
-                made->setStatus(QMailMessage::Temporary, true);
-            message = made.get();
-            byUid.insert(uid, message);
-            messages.push_back(std::move(made));
-        }
-        hits.push_back(message);
-    }
-    if (!store(messages))
-        return false;
-    ids.clear();
-    for (size_t i = 0; i < hits.size(); ++i) {
-        ids.append(hits[i]->id().toULongLong());
-        items[int(i)].setLocalId(idText(hits[i]->id()));
-    }
-    return true;
-}
-
-bool MailItemBatch::removeEarlierHits(const QStringList &serverUids) const
-{
-    if (serverUids.isEmpty())
-        return true;
-    const QMailMessageKey key = QMailMessageKey::parentAccountId(mContext.mailAccountId)
-        & QMailMessageKey::status(QMailMessage::Temporary, QMailDataComparator::Includes)
-        & QMailMessageKey::serverUid(serverUids, QMailDataComparator::Includes);
-    if (mContext.store->removeMessages(key, QMailStore::NoRemovalRecord))
-        return true;
-    qCCritical(eas()) << "failed to remove earlier search results";
-    return false;
-}
-
 bool MailItemBatch::successfullyUpdatedEmails(const QList<EasEmailItem> &items)
 {
     bool succeeded = true;
@@ -397,7 +246,7 @@ bool MailItemBatch::successfullyUpdatedEmails(const QList<EasEmailItem> &items)
         const QMailMessageId id = messageId(item.localId());
         if (!id.isValid())
             continue;
-        QMailMessage message = mContext.store->message(id);
+        QMailMessageMetaData message = mContext.store->messageMetaData(id);
         if (!message.id().isValid())
             continue;
         message.setStatus(QMailMessage::ReadElsewhere, item.read());

@@ -1,32 +1,26 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include "storages/mail/mailmessageadder.h"
 #include "storages/mail/mailmessagechanges.h"
-#include "storages/mail/mailmessagewriter.h"
 
-#include <QHash>
 #include <QList>
 #include <QMap>
 #include <QSet>
 #include <QString>
+#include <QStringList>
 
 #include <qmailid.h>
 
-#include <map>
-#include <memory>
-#include <vector>
-
 struct MailStoreContext;
 class EasEmailItem;
-class QMailMessage;
 
 /**
- * Writes the items of one reply to the store: added, changed, removed, moved, found.
+ * Writes the items of one reply to the store: added, changed, removed.
  *
  * The store is written before the mapping database, so after a crash or a failure the server's answer comes
- * again and meets messages that are there already. Such a message has no mapping; it is adopted: it takes the
- * item's content and keeps its id and what the user did with it meanwhile. Nothing is doubled, nothing fails
- * for ever on the store's rule that a server uid stands once in an account.
+ * again and meets messages that are there already. Which they are, MailRecognition says; such a message is
+ * adopted. Owned by the mail storage; main thread only.
  */
 class MailItemBatch
 {
@@ -34,45 +28,42 @@ public:
     explicit MailItemBatch(const MailStoreContext &context);
 
     /**
+     * All three in this order; after a failure what was added is taken out again. Added items get their
+     * folders and their messages by local ids; items that have to be stored anew move among them.
+     */
+    bool updateEmails(QList<EasEmailItem> &added, QList<EasEmailItem> &changed, const QStringList &deleted);
+
+    /**
      * Stores new messages and writes their local ids into the items. An item that the user has deleted in the
      * meantime keeps an empty local id; one that occurs twice is taken once and leaves the list.
      */
     bool addEmailItems(QList<EasEmailItem> &items);
+
+    /**
+     * Items that came once more as new and whose message is in the store no more, though they have rows:
+     * they move from the changed to the added, and their rows go. False if the mapping fails.
+     */
+    bool takeLostItems(QList<EasEmailItem> &changed, QList<EasEmailItem> &added) const;
+
     bool updateEmailItems(const QList<EasEmailItem> &items, const QMap<QString, QString> &serverToLocal);
+
+    /** serverToLocal: all rows; a message may have two, and goes with the last. */
     bool deleteEmailItems(const QStringList &serverIds, const QMap<QString, QString> &serverToLocal);
     bool deleteEmailItems(const QMailMessageIdList &ids);
 
     /** Removes what the latest addEmailItems() made; messages that were there before stay. */
     void rollBackAddedEmailItems(QList<EasEmailItem> &items);
 
-    /** After a server-side move: new server ids, and no pending move any more. */
-    bool updateMovedEmails(const QList<EasEmailItem> &items, const QMap<QString, QString> &serverToLocal);
-
-    /** Stores search hits as temporary messages; ids come in the order of the items. */
-    bool addSearchResults(QList<EasEmailItem> &items, QList<quint64> &ids);
-
     /** After an upload: what the item says about reading is now known to the server. */
     bool successfullyUpdatedEmails(const QList<EasEmailItem> &items);
 
 private:
-    using Messages = std::vector<std::unique_ptr<QMailMessage>>;
-
-    QHash<QString, QMailMessageId> storedMessages(const QList<EasEmailItem> &items) const;
-    QSet<QString> deletedByUser() const;
-    bool isMapped(const QString &serverUid) const;
-    bool hasFolder(const EasEmailItem &item) const;
-    bool canAdopt(const QMailMessage &stored, const EasEmailItem &item) const;
-    void adopt(QMailMessage &fresh, const QMailMessage &stored) const;
-    bool prepareItem(
-        const EasEmailItem &item, const QMailMessageId &stored, std::unique_ptr<QMailMessage> *message) const;
-    bool store(const Messages &messages);
-    bool update(const std::map<QMailMessageId, QMailMessage> &messages) const;
-    QMailMessageId movedMessage(const EasEmailItem &item, const QMap<QString, QString> &serverToLocal) const;
-    bool finishMove(QMailMessage &message, const EasEmailItem &item) const;
-    bool removeEarlierHits(const QStringList &serverUids) const;
+    bool setFolders(QList<EasEmailItem> &items) const;
+    bool applyToStored(
+        const QList<EasEmailItem> &added, const QList<EasEmailItem> &changed, const QStringList &deleted);
 
     const MailStoreContext &mContext;
-    MailMessageWriter mWriter;
+    MailMessageAdder mAdder;
     MailMessageChanges mChanges;
     QSet<QMailMessageId> mAdopted;
 };

@@ -6,7 +6,9 @@
 #include "application/mapping/easdatabase.h"
 #include "configurations/emailaccountconfiguration.h"
 #include "easitems/easemailitem.h"
+#include "protocol/wbxml/wbxmltokens.h"
 #include "storages/mail/mailmessagereader.h"
+#include "storages/mail/mailrecognition.h"
 #include "storages/mail/mailstorecontext.h"
 
 #include <qmailmessagekey.h>
@@ -36,52 +38,88 @@ QList<EasEmailItem> MailLocalChanges::addedEmails(const QString &localFolderId) 
         ? mContext.account->emailConfiguration()
         : QSharedPointer<EmailAccountConfiguration>();
     const QDateTime since = QDateTime::fromMSecsSinceEpoch(configuration ? configuration->syncPastTime() : 0);
-    return items(QMailMessageKey::timeStamp(since, QMailDataComparator::GreaterThan)
+    const QMailMessageIdList ids =
+        mContext.store->queryMessages(QMailMessageKey::timeStamp(since, QMailDataComparator::GreaterThan)
             & QMailMessageKey::parentAccountId(mContext.mailAccountId)
-            & QMailMessageKey::parentFolderId(folderIdFromText(localFolderId)),
-        false);
+            & QMailMessageKey::parentFolderId(folderIdFromText(localFolderId)));
+    QList<EasEmailItem> added;
+    if (ids.isEmpty())
+        return added;
+    const MailMessageReader reader(mContext);
+    const auto folders = EasDatabase::instance()->localToServerFolderIds(mContext.accountId());
+    if (!folders)
+        return added;
+    for (const QMailMessageId &id : ids)
+        added.append(reader.mailItemFromEmailMessageId(id, *folders, false));
+    return added;
 }
 
 QList<EasEmailItem> MailLocalChanges::updatedEmails(const QString &localFolderId) const
 {
+    QList<EasEmailItem> updated;
+    // A message whose move is not told yet is in another folder on the server, where its name may be
+    // another's.
     const QMailMessageKey place = QMailMessageKey::parentFolderId(folderIdFromText(localFolderId))
-        & QMailMessageKey::parentAccountId(mContext.mailAccountId);
+        & QMailMessageKey::parentAccountId(mContext.mailAccountId)
+        & QMailMessageKey::previousParentFolderId(QMailFolderId(), QMailDataComparator::Equal);
     const auto includes = QMailDataComparator::Includes;
     const auto excludes = QMailDataComparator::Excludes;
     const QMailMessageKey readHere = QMailMessageKey::status(QMailMessage::Read, includes)
         & QMailMessageKey::status(QMailMessage::ReadElsewhere, excludes) & place;
     const QMailMessageKey unreadHere = QMailMessageKey::status(QMailMessage::Read, excludes)
         & QMailMessageKey::status(QMailMessage::ReadElsewhere, includes) & place;
-    return items(readHere | unreadHere, true);
+    const QMailMessageIdList ids = mContext.store->queryMessages(readHere | unreadHere);
+    if (ids.isEmpty())
+        return updated;
+    EasDatabase *database = EasDatabase::instance();
+    const auto rows = database->localToServerEmailIds(mContext.accountId());
+    const auto folders = database->localToServerFolderIds(mContext.accountId());
+    if (!rows || !folders)
+        return {};
+    const MailMessageReader reader(mContext);
+    for (const QMailMessageId &id : ids) {
+        EasEmailItem item = reader.itemOfMetaData(mContext.store->messageMetaData(id), *folders);
+        if (!rows->contains(item.localId()))
+            continue;
+        item.appendChangedField(Wbxml::Email::Read);
+        updated.append(item);
+    }
+    return updated;
 }
 
 QList<EasEmailItem> MailLocalChanges::movedEmails() const
 {
-    const QMailMessageKey key = QMailMessageKey::parentAccountId(mContext.mailAccountId)
-        & QMailMessageKey::previousParentFolderId(QMailFolderId(), QMailDataComparator::NotEqual);
     QList<EasEmailItem> moved;
-    const QList<EasEmailItem> candidates = items(key, false);
-    if (candidates.isEmpty())
+    const QMailMessageIdList ids =
+        mContext.store->queryMessages(QMailMessageKey::parentAccountId(mContext.mailAccountId)
+            & QMailMessageKey::previousParentFolderId(QMailFolderId(), QMailDataComparator::NotEqual));
+    if (ids.isEmpty())
         return moved;
-    const QMap<QString, QString> localToServer =
-        EasDatabase::instance()->localToServerEmailIds(mContext.accountId());
-    for (EasEmailItem item : candidates) {
+    EasDatabase *database = EasDatabase::instance();
+    const auto rows = database->localToServerEmailIds(mContext.accountId());
+    const auto folders = database->localToServerFolderIds(mContext.accountId());
+    if (!rows || !folders)
+        return {};
+    const MailMessageReader reader(mContext);
+    for (const QMailMessageId &id : ids) {
+        QMailMessageMetaData message = mContext.store->messageMetaData(id);
+        EasEmailItem item = reader.itemOfMetaData(message, *folders);
         if (item.serverId().isEmpty() || item.sourceFolderId().isEmpty()
             || item.destinationFolderId().isEmpty())
             qCWarning(eas()) << "failed to create a valid item from message with id" << item.localId();
-        else if (!settleMove(item, localToServer.value(item.localId())))
+        else if (!settleMove(message, item, rows->value(item.localId())))
             moved.append(item);
     }
     return moved;
 }
 
-bool MailLocalChanges::settleMove(EasEmailItem &item, const QString &mappedServerId) const
+bool MailLocalChanges::settleMove(
+    QMailMessageMetaData &message, EasEmailItem &item, const QString &mapped) const
 {
-    if (mappedServerId.isEmpty() || mappedServerId == item.serverId())
+    if (mapped.isEmpty() || mapped == item.serverId())
         return false;
     EasDatabase *database = EasDatabase::instance();
-    const Lookup<QString> reached =
-        database->collectionServerIdFromEmailItemId(mContext.accountId(), mappedServerId);
+    const Lookup<QString> reached = database->collectionServerIdFromEmailItemId(mContext.accountId(), mapped);
     if (reached && (reached->isEmpty() || *reached == item.sourceFolderId()))
         return false;
     const Lookup<EasFolderItem> folder = reached
@@ -92,57 +130,41 @@ bool MailLocalChanges::settleMove(EasEmailItem &item, const QString &mappedServe
         return true;
     }
     const bool isThere = *reached == item.destinationFolderId();
-    QMailMessage message = mContext.store->message(QMailMessageId(item.localId().toULongLong()));
-    message.setServerUid(mappedServerId);
+    message.setServerUid(mapped);
     // The user may have moved it on since; the way from there is still to be told.
     message.setPreviousParentFolderId(isThere ? QMailFolderId() : folderIdFromText(folder->localId()));
     if (!mContext.store->updateMessage(&message)) {
-        qCWarning(eas()) << "failed to update message with server id" << mappedServerId;
+        qCWarning(eas()) << "failed to update message with server id" << mapped;
         return false;
     }
     qCInfo(eas()) << "finished the interrupted move of message" << item.localId();
-    item.setServerId(mappedServerId);
+    item.setServerId(mapped);
     item.setSourceFolderId(*reached);
     return isThere;
 }
 
 QStringList MailLocalChanges::deletedEmails(const QString &localFolderId) const
 {
-    QStringList serverIds;
-    // Those of all folders: what was moved here before it was removed is still in its old one on the server.
     const QMailMessageRemovalRecordList records =
         mContext.store->messageRemovalRecords(mContext.mailAccountId);
     if (records.isEmpty())
-        return serverIds;
-    QStringList removed;
+        return {};
     for (const QMailMessageRemovalRecord &record : records) {
         if (record.serverUid().isEmpty())
             qCWarning(eas()) << "serverUid is empty in Removal Record";
-        else
-            removed.append(record.serverUid());
     }
-    removed.removeDuplicates();
-    EasDatabase *database = EasDatabase::instance();
-    const QMap<QString, QString> folders = database->serverToLocalFolderIds(mContext.accountId());
-    const QMap<QString, QString> collections = database->emailCollectionIds(mContext.accountId(), removed);
-    for (const QString &serverId : qAsConst(removed)) {
-        const QString collection = collections.value(serverId);
-        if (!collection.isEmpty() && folders.value(collection) == localFolderId)
-            serverIds.append(serverId);
+    // By the rows, not the records: what was moved here before it was removed is still elsewhere on the
+    // server.
+    const auto removed = MailRecognition::removedHere(mContext);
+    if (!removed)
+        return {};
+    const auto folders = EasDatabase::instance()->serverToLocalFolderIds(mContext.accountId());
+    if (!folders)
+        return {};
+    QStringList serverIds;
+    for (auto message = removed->cbegin(); message != removed->cend(); ++message) {
+        if (folders->value(message.value()) == localFolderId)
+            serverIds.append(message.key());
     }
     return serverIds;
-}
-
-QList<EasEmailItem> MailLocalChanges::items(const QMailMessageKey &key, bool markRead) const
-{
-    QList<EasEmailItem> list;
-    const QMailMessageIdList ids = mContext.store->queryMessages(key);
-    if (ids.isEmpty())
-        return list;
-    const QMap<QString, QString> folders =
-        EasDatabase::instance()->localToServerFolderIds(mContext.accountId());
-    const MailMessageReader reader(mContext);
-    for (const QMailMessageId &id : ids)
-        list.append(reader.mailItemFromEmailMessageId(id, folders, markRead));
-    return list;
 }

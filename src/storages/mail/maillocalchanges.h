@@ -7,7 +7,7 @@
 
 struct MailStoreContext;
 class EasEmailItem;
-class QMailMessageKey;
+class QMailMessageMetaData;
 
 /** Finds what the user changed: all of it stands in the store's own flags and records, with no journal. */
 class MailLocalChanges
@@ -17,7 +17,10 @@ public:
 
     QList<EasEmailItem> addedEmails(const QString &localFolderId) const;
 
-    /** Messages whose read mark differs from what the server knows. */
+    /**
+     * Messages whose read mark differs from what the server knows, with that mark and their names alone. Not
+     * those that the server knows nothing of, or has in another folder.
+     */
     QList<EasEmailItem> updatedEmails(const QString &localFolderId) const;
 
     /**
@@ -30,9 +33,11 @@ public:
     QStringList deletedEmails(const QString &localFolderId) const;
 
 private:
-    QList<EasEmailItem> items(const QMailMessageKey &key, bool markRead) const;
-    /** Finishes a move that the mapping knows; true if the server need not be told of the message's place. */
-    bool settleMove(EasEmailItem &item, const QString &mappedServerId) const;
+    /**
+     * Finishes a move that the mapping knows, and names in the item what is still to be told of the message;
+     * true if nothing is.
+     */
+    bool settleMove(QMailMessageMetaData &message, EasEmailItem &item, const QString &mapped) const;
 
     const MailStoreContext &mContext;
 };

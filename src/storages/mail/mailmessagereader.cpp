@@ -63,21 +63,31 @@ EasEmailItem MailMessageReader::mailItemFromEmailMessageId(
         qCWarning(eas()) << "local email id is invalid";
         return item;
     }
-    item.setCollectionId(localToServerFolders.value(idText(message.parentFolderId())));
-    item.setLocalId(idText(message.id()));
-    item.setLocalCollectionId(message.parentFolderId().toULongLong());
+    item = itemOfMetaData(message, localToServerFolders);
     item.setRecipientsTo(joined(message.to()));
     item.setRecipientsCc(joined(message.cc()));
-    item.setFromAddress(message.from().toString());
-    item.setSubject(message.subject());
     item.setReplyTo(message.replyTo().toString());
     item.setBody(bodyContainer(message));
     item.setReplyToId(answeredServerId(message));
-    setFlags(&item, message.status());
     item.setAttachments(MailAttachments::attachments(message));
     item.setHasAttachments(!item.attachments().isEmpty());
     if (markRead)
         item.appendChangedField(Wbxml::Email::Read);
+    return item;
+}
+
+EasEmailItem MailMessageReader::itemOfMetaData(
+    const QMailMessageMetaData &message, const QMap<QString, QString> &localToServerFolders) const
+{
+    EasEmailItem item;
+    if (!message.id().isValid())
+        return item;
+    item.setCollectionId(localToServerFolders.value(idText(message.parentFolderId())));
+    item.setLocalId(idText(message.id()));
+    item.setLocalCollectionId(message.parentFolderId().toULongLong());
+    item.setFromAddress(message.from().toString());
+    item.setSubject(message.subject());
+    setFlags(&item, message.status());
     setMove(&item, message, localToServerFolders);
     item.setServerId(message.serverUid());
     return item;
@@ -116,13 +126,12 @@ QString MailMessageReader::answeredServerId(const QMailMessage &message) const
 {
     if (!message.inResponseTo().isValid())
         return QString();
-    if (!mLocalToServer)
-        mLocalToServer = EasDatabase::instance()->localToServerEmailIds(mContext.accountId());
-    return mLocalToServer->value(idText(message.inResponseTo()));
+    const QString localId = idText(message.inResponseTo());
+    return EasDatabase::instance()->localToServerEmailIds(mContext.accountId()).valueOr({}).value(localId);
 }
 
-void MailMessageReader::setMove(
-    EasEmailItem *item, const QMailMessage &message, const QMap<QString, QString> &localToServerFolders) const
+void MailMessageReader::setMove(EasEmailItem *item, const QMailMessageMetaData &message,
+    const QMap<QString, QString> &localToServerFolders) const
 {
     const QMailFolderId previous = message.previousParentFolderId();
     if (!previous.isValid())

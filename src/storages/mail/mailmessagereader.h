@@ -4,13 +4,12 @@
 #include <QMap>
 #include <QString>
 
-#include <optional>
-
 struct MailStoreContext;
 class EasBodyContainer;
 class EasEmailItem;
 class QMailMessage;
 class QMailMessageId;
+class QMailMessageMetaData;
 
 /** Reads stored messages back as items, for local changes and for sending; an object of the moment. */
 class MailMessageReader
@@ -27,13 +26,18 @@ public:
     EasEmailItem mailItemFromEmailMessageId(
         const QMailMessageId &id, const QMap<QString, QString> &localToServerFolders, bool markRead) const;
 
+    /**
+     * What the store knows of a message without its content: names, place, marks and addresses. An empty item
+     * for a message that is not stored.
+     */
+    EasEmailItem itemOfMetaData(
+        const QMailMessageMetaData &message, const QMap<QString, QString> &localToServerFolders) const;
+
 private:
     EasBodyContainer bodyContainer(const QMailMessage &message) const;
     QString answeredServerId(const QMailMessage &message) const;
-    void setMove(EasEmailItem *item, const QMailMessage &message,
+    void setMove(EasEmailItem *item, const QMailMessageMetaData &message,
         const QMap<QString, QString> &localToServerFolders) const;
 
     const MailStoreContext &mContext;
-    /** Rows of all mail, read for the first of many messages that needs them. */
-    mutable std::optional<QMap<QString, QString>> mLocalToServer;
 };

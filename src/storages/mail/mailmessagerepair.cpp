@@ -2,37 +2,16 @@
 #include "storages/mail/mailmessagerepair.h"
 
 #include "application/base/logging.h"
-#include "application/mapping/easdatabase.h"
+#include "storages/mail/mailrecognition.h"
 #include "storages/mail/mailstorecontext.h"
 
 #include <qmailmessagekey.h>
-
-#include <QSet>
 
 namespace MailMessageRepair {
 
 int removeStrays(const MailStoreContext &context)
 {
-    const QMailMessageIdList ids =
-        context.store->queryMessages(QMailMessageKey::parentAccountId(context.mailAccountId)
-            & QMailMessageKey::serverUid(QString(), QMailDataComparator::NotEqual)
-            & QMailMessageKey::status(QMailMessage::Temporary, QMailDataComparator::Excludes));
-    if (ids.isEmpty())
-        return 0;
-    EasDatabase *database = EasDatabase::instance();
-    const QMap<QString, QString> serverToLocal = database->serverToLocalEmailIds(context.accountId());
-    if (database->lookupFailed())
-        return 0;
-    QSet<quint64> mapped;
-    mapped.reserve(serverToLocal.size());
-    for (const QString &localId : serverToLocal)
-        mapped.insert(localId.toULongLong());
-
-    QMailMessageIdList strays;
-    for (const QMailMessageId &id : ids) {
-        if (!mapped.contains(id.toULongLong()))
-            strays.append(id);
-    }
+    const QMailMessageIdList strays = MailRecognition::leftBehind(context).value_or(QMailMessageIdList());
     if (strays.isEmpty())
         return 0;
     if (!context.store->removeMessages(QMailMessageKey::id(strays), QMailStore::NoRemovalRecord)) {
@@ -41,6 +20,14 @@ int removeStrays(const MailStoreContext &context)
     }
     qCInfo(eas()) << "removed messages of an interrupted run:" << strays.size();
     return strays.size();
+}
+
+void purgeStaleRemovals(const MailStoreContext &context)
+{
+    const QStringList stale = MailRecognition::staleRemovals(context).value_or(QStringList());
+    // The store takes an empty list for all records of the account.
+    if (!stale.isEmpty() && !context.store->purgeMessageRemovalRecords(context.mailAccountId, stale))
+        qCWarning(eas()) << "failed to purge removal records of folders that are gone:" << stale.size();
 }
 
 } // namespace MailMessageRepair

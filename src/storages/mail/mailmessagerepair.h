@@ -13,4 +13,7 @@ namespace MailMessageRepair {
  */
 int removeStrays(const MailStoreContext &context);
 
+/** Purges removal records that tell of no message any more, before they are taken for those of another. */
+void purgeStaleRemovals(const MailStoreContext &context);
+
 } // namespace MailMessageRepair

@@ -6,13 +6,14 @@
 #include "application/mapping/easdatabase.h"
 #include "easitems/easemailitem.h"
 #include "easitems/easfolderitem.h"
-#include "storages/mail/mailattachments.h"
-#include "storages/mail/mailbodywriter.h"
 #include "storages/mail/mailfolderremoval.h"
 #include "storages/mail/mailfolderrepair.h"
 #include "storages/mail/maillocalchanges.h"
+#include "storages/mail/mailmessageparts.h"
 #include "storages/mail/mailmessagereader.h"
 #include "storages/mail/mailmessagerepair.h"
+#include "storages/mail/mailmovedmessages.h"
+#include "storages/mail/mailsearchresults.h"
 
 #include <qmailaccount.h>
 #include <qmailfolderkey.h>
@@ -71,6 +72,7 @@ void MailStorageImpl::bindMailAccount()
         database->setEmailAccountId(mContext.accountId(), mContext.mailAccountId.toULongLong());
         handleUnsavedFolders();
         MailMessageRepair::removeStrays(mContext);
+        MailMessageRepair::purgeStaleRemovals(mContext);
     } else {
         const QMailAccountId older(database->emailAccountId(mContext.accountId()));
         if (older.isValid())
@@ -131,8 +133,10 @@ bool MailStorageImpl::removeAccountFolders(QMailStore *store, quint64 accountId)
     QMailAccountId id = store->account(QMailAccountId(accountId)).id();
     if (!id.isValid())
         id = QMailAccountId(EasDatabase::instance()->emailAccountId(accountId));
+    // Removal records would be taken for those of other messages, which get their identifiers anew.
     if (!id.isValid()
-        || store->removeFolders(QMailFolderKey::parentAccountId(id), QMailStore::NoRemovalRecord))
+        || (store->removeFolders(QMailFolderKey::parentAccountId(id), QMailStore::NoRemovalRecord)
+            && store->purgeMessageRemovalRecords(id)))
         return true;
     qCCritical(eas()) << "failed to remove folders in account" << accountId;
     return false;
@@ -165,37 +169,7 @@ bool MailStorageImpl::updateFolders(
 bool MailStorageImpl::updateEmails(
     QList<EasEmailItem> &added, QList<EasEmailItem> &changed, const QStringList &deleted)
 {
-    if (!storeAvailable())
-        return false;
-    EasDatabase *database = EasDatabase::instance();
-    const QMap<QString, QString> folders = database->serverToLocalFolderIds(mContext.accountId());
-    if (database->lookupFailed())
-        return false;
-    for (EasEmailItem &item : added)
-        item.setLocalCollectionId(folders.value(item.collectionId()).toULongLong());
-
-    // The rows of all mail, and a first sync brings many replies that need none of them.
-    QMap<QString, QString> serverToLocal;
-    if (!changed.isEmpty() || !deleted.isEmpty()) {
-        serverToLocal = database->serverToLocalEmailIds(mContext.accountId());
-        if (database->lookupFailed())
-            return false;
-    }
-    if (!mBatch.addEmailItems(added)) {
-        qCCritical(eas()) << "failed to add email items";
-        return false;
-    }
-    if (!mBatch.updateEmailItems(changed, serverToLocal)) {
-        qCCritical(eas()) << "failed to update email items";
-        mBatch.rollBackAddedEmailItems(added);
-        return false;
-    }
-    if (!mBatch.deleteEmailItems(deleted, serverToLocal)) {
-        qCCritical(eas()) << "failed to remove email items";
-        mBatch.rollBackAddedEmailItems(added);
-        return false;
-    }
-    return true;
+    return storeAvailable() && mBatch.updateEmails(added, changed, deleted);
 }
 
 bool MailStorageImpl::addSearchResults(QList<EasEmailItem> &items, QList<quint64> &ids)
@@ -206,7 +180,7 @@ bool MailStorageImpl::addSearchResults(QList<EasEmailItem> &items, QList<quint64
         EasDatabase::instance()->serverToLocalFolderIds(mContext.accountId());
     for (EasEmailItem &item : items)
         item.setLocalCollectionId(folders.value(item.collectionId()).toULongLong());
-    return mBatch.addSearchResults(items, ids);
+    return MailSearchResults(mContext).add(items, ids);
 }
 
 bool MailStorageImpl::successfullyUpdatedEmails(QList<EasEmailItem> &items)
@@ -332,44 +306,20 @@ bool MailStorageImpl::updateMovedEmails(const QList<EasEmailItem> &items)
         return false;
     if (items.isEmpty())
         return true;
-    EasDatabase *database = EasDatabase::instance();
-    const QMap<QString, QString> serverToLocal = database->serverToLocalEmailIds(mContext.accountId());
-    return !database->lookupFailed() && mBatch.updateMovedEmails(items, serverToLocal);
+    const auto serverToLocal = EasDatabase::instance()->serverToLocalEmailIds(mContext.accountId());
+    return serverToLocal && MailMovedMessages(mContext).update(items, *serverToLocal);
 }
 
 bool MailStorageImpl::updateBodyPart(quint64 messageId, const EasBodyContainer &body)
 {
-    if (!storeAvailable())
-        return false;
-    QMailMessage message = mContext.store->message(QMailMessageId(messageId));
-    if (!message.id().isValid()) {
-        qCWarning(eas()) << "invalid local mesage id" << messageId;
-        return false;
-    }
-    if (MailBodyWriter::isFullerThan(message, body)) {
-        qCInfo(eas()) << "message" << messageId << "has a fuller body than the fetched one";
-        return true;
-    }
-    if (body.truncated()) {
-        qCWarning(eas()) << "the server has sent only a part of the body of message" << messageId;
-        return false;
-    }
-    MailBodyWriter::setMessageBody(message, body, false);
-    return mContext.store->updateMessage(&message);
+    return storeAvailable() && MailMessageParts(mContext).updateBody(messageId, body);
 }
 
 bool MailStorageImpl::updateMessagePart(quint64 messageId, const QString &location,
     const QString &contentType, const QByteArray &data, const QString &fileName)
 {
-    if (!storeAvailable())
-        return false;
-    QMailMessage message = mContext.store->message(QMailMessageId(messageId));
-    if (!message.id().isValid()) {
-        qCWarning(eas()) << "invalid local mesage id" << messageId;
-        return false;
-    }
-    return MailAttachments::fillPart(&message, location, contentType, data, fileName)
-        && mContext.store->updateMessage(&message);
+    return storeAvailable()
+        && MailMessageParts(mContext).fill(messageId, location, contentType, data, fileName);
 }
 
 bool MailStorageImpl::updateCalendarResponsePart(quint64 messageId, quint64, EasItemsCommon::UserResponseType)
@@ -385,45 +335,30 @@ bool MailStorageImpl::updateCalendarResponsePart(
     return false;
 }
 
-template <typename Result, typename Query>
-Result MailStorageImpl::fromPart(
-    quint64 messageId, const QString &location, const Result &none, Query query) const
-{
-    if (!storeAvailable())
-        return none;
-    const QMailMessage message = mContext.store->message(QMailMessageId(messageId));
-    const QMailMessagePart *part = MailAttachments::partAt(message, location);
-    return part ? query(*part) : none;
-}
-
 QStringList MailStorageImpl::queryAttachmentsLocations(quint64 messageId, bool onlyDownloaded)
 {
-    if (!storeAvailable())
-        return {};
-    return MailAttachments::locations(mContext.store->message(QMailMessageId(messageId)), onlyDownloaded);
+    return storeAvailable() ? MailMessageParts(mContext).locations(messageId, onlyDownloaded) : QStringList();
 }
 
 bool MailStorageImpl::isAttachmentDownloaded(quint64 messageId, const QString &location)
 {
-    return fromPart(messageId, location, false, MailAttachments::isDownloaded);
+    return storeAvailable() && MailMessageParts(mContext).isDownloaded(messageId, location);
 }
 
 EasItemsCommon::TBoolean MailStorageImpl::isAttachmentPart(quint64 messageId, const QString &location)
 {
-    return fromPart(messageId, location, EasItemsCommon::TUndefined, [](const QMailMessagePart &part) {
-        return MailAttachments::isAttachment(part) ? EasItemsCommon::TTrue : EasItemsCommon::TFalse;
-    });
+    return storeAvailable() ? MailMessageParts(mContext).isAttachment(messageId, location)
+                            : EasItemsCommon::TUndefined;
 }
 
 QString MailStorageImpl::fileReferenceFromLocation(quint64 messageId, const QString &location)
 {
-    return fromPart(messageId, location, QString(), MailAttachments::fileReference);
+    return storeAvailable() ? MailMessageParts(mContext).fileReference(messageId, location) : QString();
 }
 
 int MailStorageImpl::estimatedDataSizeFromLocation(quint64 messageId, const QString &location)
 {
-    return fromPart(messageId, location, 0,
-        [](const QMailMessagePart &part) { return qMax(0, part.contentDisposition().size()); });
+    return storeAvailable() ? MailMessageParts(mContext).estimatedSize(messageId, location) : 0;
 }
 
 QString MailStorageImpl::serverUidFromMessageId(quint64 messageId)

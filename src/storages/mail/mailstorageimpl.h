@@ -83,8 +83,6 @@ private:
     bool responseTypeIsOneOf(
         const QString &localId, QMailMessage::ResponseType first, QMailMessage::ResponseType second) const;
     EasEmailItem itemFromMessage(const QString &localId);
-    template <typename Result, typename Query>
-    Result fromPart(quint64 messageId, const QString &location, const Result &none, Query query) const;
     static bool removeAccountFolders(QMailStore *store, quint64 accountId);
 
     MailStoreContext mContext;
