@@ -28,12 +28,6 @@ namespace {
 /** Not in QNetworkReply's enumeration; some versions of Qt pass the HTTP status on. */
 constexpr int RedirectError = 451;
 
-void addItem(QUrlQuery &query, const QString &name, const QString &value)
-{
-    // QUrlQuery leaves "+" and "%" as they are, which a server reads as something else.
-    query.addQueryItem(name, QString::fromLatin1(QUrl::toPercentEncoding(value)));
-}
-
 } // namespace
 
 BaseProtocolCommand::BaseProtocolCommand(EasAccountId accountId, QObject *parent)
@@ -108,22 +102,22 @@ bool BaseProtocolCommand::configureNetworkRequest(QNetworkRequest &request, cons
 
 void BaseProtocolCommand::queryAddCommand(QUrlQuery &query, const QString &command) const
 {
-    addItem(query, QStringLiteral("Cmd"), command);
+    RequestHeaders::addQueryItem(query, QStringLiteral("Cmd"), command);
 }
 
 void BaseProtocolCommand::queryAddUser(QUrlQuery &query, const QString &userName) const
 {
-    addItem(query, QStringLiteral("User"), userName);
+    RequestHeaders::addQueryItem(query, QStringLiteral("User"), userName);
 }
 
 void BaseProtocolCommand::queryAddDeviceId(QUrlQuery &query, const QString &deviceId) const
 {
-    addItem(query, QStringLiteral("DeviceId"), deviceId);
+    RequestHeaders::addQueryItem(query, QStringLiteral("DeviceId"), deviceId);
 }
 
 void BaseProtocolCommand::queryAddDeviceType(QUrlQuery &query, const QString &deviceType) const
 {
-    addItem(query, QStringLiteral("DeviceType"), deviceType);
+    RequestHeaders::addQueryItem(query, QStringLiteral("DeviceType"), deviceType);
 }
 
 bool BaseProtocolCommand::getSslCredentials(

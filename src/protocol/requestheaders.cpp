@@ -9,6 +9,7 @@
 
 #include <QNetworkRequest>
 #include <QUrl>
+#include <QUrlQuery>
 
 #include <algorithm>
 
@@ -20,6 +21,12 @@ QUrl RequestHeaders::serverUrl(const ConnectionAccountConfiguration &configurati
     url.setPort(configuration.portNumber());
     url.setPath(configuration.serverPath());
     return url;
+}
+
+void RequestHeaders::addQueryItem(QUrlQuery &query, const QString &name, const QString &value)
+{
+    // QUrlQuery leaves "+" and "%" as they are, which a server reads as something else.
+    query.addQueryItem(name, QString::fromLatin1(QUrl::toPercentEncoding(value)));
 }
 
 bool RequestHeaders::set(QNetworkRequest &request, const char *name, const QByteArray &value)

@@ -5,13 +5,17 @@ class ConnectionAccountConfiguration;
 class EasAccount;
 class QByteArray;
 class QNetworkRequest;
+class QString;
 class QUrl;
+class QUrlQuery;
 
 /** The address and the headers of a command's request. */
 namespace RequestHeaders {
 
 /** Scheme, host, port and path of an account's server, without a query. */
 QUrl serverUrl(const ConnectionAccountConfiguration &configuration);
+/** Adds a name with its value, encoded in full. */
+void addQueryItem(QUrlQuery &query, const QString &name, const QString &value);
 
 /** Sets a header, unless its value could break out of its line. */
 bool set(QNetworkRequest &request, const char *name, const QByteArray &value);

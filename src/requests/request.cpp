@@ -326,10 +326,7 @@ void Request::resumeRequest(bool success)
 {
     qCInfo(eas()) << "Resume request. Provision request successfully finished:"
                   << (success ? "true" : "false");
-    if (success)
-        run();
-    else
-        finish();
+    success ? run() : finish();
 }
 
 // The end
