@@ -2,9 +2,9 @@
 #include "client/contactcards.h"
 
 #include "client/contactbook.h"
-#include "client/contactdetails.h"
 #include "client/contactview.h"
 #include "client/output.h"
+#include "client/plaindetail.h"
 
 #include <QtContacts/QContactName>
 #include <QtContacts/QContactNickname>
@@ -38,7 +38,7 @@ QContact prepared(const QContact &original)
     keepPlain<QContactName>(contact);
     keepPlain<QContactNickname>(contact);
     keepPlain<QContactOrganization>(contact);
-    auto name = ContactDetails::plain<QContactName>(contact);
+    auto name = PlainDetail::plain<QContactName>(contact);
     if (ContactView::fullName(name).isEmpty() && name.prefix().isEmpty()) {
         name.setFirstName(ContactView::name(original));
         contact.saveDetail(&name);

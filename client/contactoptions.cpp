@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "client/contactoptions.h"
 
-#include "client/contactdetails.h"
 #include "client/contactfieldtable.h"
 #include "client/contactview.h"
 #include "client/output.h"
+#include "client/plaindetail.h"
 
 #include <QtContacts/QContactAnniversary>
 #include <QtContacts/QContactAvatar>
@@ -95,7 +95,7 @@ QContactDetail detailOf(const QContact &contact, const ContactTextField &field)
 /** The addresses by the server's three fields; those without a mark take the fields that are free. */
 QVector<QContactEmailAddress> emailsOf(const QContact &contact)
 {
-    const QStringList &uris = ContactDetails::emailUris();
+    const QStringList &uris = PlainDetail::emailUris();
     QVector<QContactEmailAddress> fields(uris.size());
     QVector<QContactEmailAddress> unmarked;
     const QList<QContactEmailAddress> details = contact.details<QContactEmailAddress>();
@@ -142,7 +142,7 @@ ContactOptions::ContactOptions(QCommandLineParser &parser)
     : mParser(parser)
     , mNames { FullName, Birthday, Anniversary, Category, Picture }
 {
-    for (int i = 0; i < ContactDetails::emailUris().size(); ++i)
+    for (int i = 0; i < PlainDetail::emailUris().size(); ++i)
         mNames.append(emailOption(i));
     for (const ContactTextField &field : ContactFieldTable::texts())
         mNames.append(QLatin1String(field.option));
@@ -172,7 +172,7 @@ void ContactOptions::applyName(QContact &contact) const
     if (!mParser.isSet(FullName))
         return;
     const QString full = mParser.value(FullName).simplified();
-    auto name = ContactDetails::plain<QContactName>(contact);
+    auto name = PlainDetail::plain<QContactName>(contact);
     // The name as it is shown says nothing of which word is which.
     if (full == ContactView::fullName(name).simplified())
         return;
@@ -199,7 +199,7 @@ void ContactOptions::applyTexts(QContact &contact) const
 bool ContactOptions::applyEmails(QContact &contact) const
 {
     QVector<QContactEmailAddress> fields = emailsOf(contact);
-    const QStringList &uris = ContactDetails::emailUris();
+    const QStringList &uris = PlainDetail::emailUris();
     const QStringList inOrder = mParser.values(Email);
     if (inOrder.size() > uris.size()) {
         Output::error(QStringLiteral("a contact has at most %1 mail addresses").arg(uris.size()));

@@ -2,7 +2,7 @@
 #include "client/contactview.h"
 
 #include "client/contactbook.h"
-#include "client/contactdetails.h"
+#include "client/plaindetail.h"
 
 #include <QtContacts/QContactAddress>
 #include <QtContacts/QContactAnniversary>
@@ -135,10 +135,10 @@ QString ContactView::fullName(const QContactName &name)
 
 QString ContactView::name(const QContact &contact)
 {
-    const QString person = fullName(ContactDetails::plain<QContactName>(contact));
+    const QString person = fullName(PlainDetail::plain<QContactName>(contact));
     if (!person.isEmpty())
         return person;
-    const QString organization = ContactDetails::plain<QContactOrganization>(contact).name();
+    const QString organization = PlainDetail::plain<QContactOrganization>(contact).name();
     return organization.isEmpty() ? emails(contact).value(0) : organization;
 }
 
@@ -147,7 +147,7 @@ QJsonObject ContactView::describe(const QContact &contact)
     return {
         { QStringLiteral("id"), ContactBook::number(contact) },
         { QStringLiteral("name"), name(contact) },
-        { QStringLiteral("company"), ContactDetails::plain<QContactOrganization>(contact).name() },
+        { QStringLiteral("company"), PlainDetail::plain<QContactOrganization>(contact).name() },
         { QStringLiteral("emails"), QJsonArray::fromStringList(emails(contact)) },
         { QStringLiteral("phones"), QJsonArray::fromStringList(phones(contact, true)) },
     };
@@ -156,8 +156,8 @@ QJsonObject ContactView::describe(const QContact &contact)
 QJsonObject ContactView::describeWhole(const QContact &contact)
 {
     QJsonObject object = describe(contact);
-    const auto name = ContactDetails::plain<QContactName>(contact);
-    const auto organization = ContactDetails::plain<QContactOrganization>(contact);
+    const auto name = PlainDetail::plain<QContactName>(contact);
+    const auto organization = PlainDetail::plain<QContactOrganization>(contact);
     const QList<QPair<const char *, QString>> values {
         { "firstName", name.firstName() },
         { "middleName", name.middleName() },
@@ -165,7 +165,7 @@ QJsonObject ContactView::describeWhole(const QContact &contact)
         { "suffix", name.suffix() },
         { "reading", fullName(marked<QContactName>(contact)) },
         { "honorific", extended(contact, "Title") },
-        { "nickname", ContactDetails::plain<QContactNickname>(contact).nickname() },
+        { "nickname", PlainDetail::plain<QContactNickname>(contact).nickname() },
         { "alias", marked<QContactNickname>(contact).nickname() },
         { "title", organization.title() },
         { "department", organization.department().join(QStringLiteral(", ")) },
@@ -214,8 +214,8 @@ const Columns &ContactView::columns()
 bool ContactView::matches(const QContact &contact, const QString &text)
 {
     const QStringList texts =
-        QStringList { name(contact), ContactDetails::plain<QContactOrganization>(contact).name(),
-            ContactDetails::plain<QContactNickname>(contact).nickname() }
+        QStringList { name(contact), PlainDetail::plain<QContactOrganization>(contact).name(),
+            PlainDetail::plain<QContactNickname>(contact).nickname() }
         + emails(contact) + phones(contact, false);
     for (const QString &one : texts) {
         if (one.contains(text, Qt::CaseInsensitive))

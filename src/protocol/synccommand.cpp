@@ -129,6 +129,7 @@ void SyncCommand::joinSentCollections()
         const int sent = mCollections.indexOf(response);
         if (sent >= 0) {
             response.appendCommands(mCollections.at(sent).commands());
+            response.setGetChanges(mCollections.at(sent).getChanges());
             response.setQueryTime(mCollections.at(sent).queryTime());
         }
         qCDebug(eas()) << "Got response collection:" << response.id()

@@ -109,6 +109,7 @@ bool ContactsResultHandler::storeUploaded(ContactStorage &storage, const SyncCol
 
 bool ContactsResultHandler::finish(ContactStorage &storage, const SyncCollection &collection)
 {
-    return collection.moreAvailable() || storage.allReceived(collection.id())
-        || fail("Failed to update contacts items");
+    if (!collection.getChanges() || collection.moreAvailable())
+        return true;
+    return storage.allReceived(collection.id()) || fail("Failed to update contacts items");
 }

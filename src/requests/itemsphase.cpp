@@ -114,7 +114,8 @@ bool ItemsPhase::finishUnansweredCollections(const SyncCommand &command)
             continue;
         }
         run().state.collectionSynced(collection.id());
-        finished = contacts->unchanged(collection.id()) && finished;
+        if (collection.getChanges())
+            finished = contacts->unchanged(collection.id()) && finished;
     }
     return finished;
 }

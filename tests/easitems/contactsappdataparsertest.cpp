@@ -73,8 +73,21 @@ private Q_SLOTS:
     {
         ContactsAppDataParser parser;
         parser.onStartElement(Contacts::Categories.page, Contacts::Categories.token);
+        element(parser, Contacts::Category, QStringLiteral("Red"));
+        parser.onEndElement(Contacts::Categories.page, Contacts::Categories.token);
+        QCOMPARE(parser.contactItem().categories(), QStringList { "Red" });
+        parser.onStartElement(Contacts::Categories.page, Contacts::Categories.token);
         parser.onEndElement(Contacts::Categories.page, Contacts::Categories.token);
         QVERIFY(parser.contactItem().categories().isEmpty());
+    }
+
+    void aBodyThatWasCutShortSaysSo()
+    {
+        ContactsAppDataParser parser;
+        element(parser, AirSyncBase::Truncated, QStringLiteral("1"));
+        QVERIFY(parser.contactItem().body().truncated());
+        element(parser, AirSyncBase::Truncated, QStringLiteral("0"));
+        QVERIFY(!parser.contactItem().body().truncated());
     }
 
     void theBodyIsReadFieldByField()

@@ -2,6 +2,7 @@
 #include "integration/contactactor.h"
 
 #include "integration/dice.h"
+#include "support/devicecontactfields.h"
 #include "support/pimlisting.h"
 #include "support/synctestbed.h"
 #include "support/testpictures.h"
@@ -10,8 +11,6 @@
 #include <QFile>
 
 #include <QtContacts/QContactAvatar>
-#include <QtContacts/QContactEmailAddress>
-#include <QtContacts/QContactName>
 #include <QtContacts/QContactNote>
 #include <QtContacts/QContactTag>
 
@@ -21,8 +20,28 @@ using Simulator::Contact;
 namespace {
 
 const QString firstName = QStringLiteral("FirstName");
-const QString lastName = QStringLiteral("LastName");
-const QString email = QStringLiteral("Email1Address");
+/** Kinds of edits that are no field of the table; the fields follow. */
+enum What { Removal, Categories, Picture, Note, Move, FirstField };
+
+int someKind(Dice &dice)
+{
+    return dice.below(FirstField + DeviceContactField::all().size());
+}
+
+/** A text for a field, or that it goes. */
+QString someText(const DeviceContactField &field, Dice &dice)
+{
+    return dice.oneIn(4) ? QString() : field.sample(dice.below(1000));
+}
+
+/** A birthday as a server can have it: the midnight of one zone or another. */
+QString onServer(const DeviceContactField &field, const QString &text, Dice &dice)
+{
+    if (field.name != QLatin1String("Birthday") || text.isEmpty())
+        return text;
+    const QDateTime midnight(QDate::fromString(text, Qt::ISODate), QTime(0, 0), Qt::UTC);
+    return midnight.addSecs((dice.below(20) - 9) * 3600).toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss.zzzZ"));
+}
 
 QStringList someCategories(Dice &dice)
 {
@@ -61,6 +80,9 @@ void setAvatar(QContact &contact, const QByteArray &picture, int number)
 
 ContactActor::ContactActor(SyncTestBed &bed)
     : mBed(bed)
+    , mFolders { bed.contactsId(),
+        bed.mailbox().addFolder(
+            QStringLiteral("Colleagues"), Simulator::UserContactsFolder, bed.contactsId()) }
 {
 }
 
@@ -72,18 +94,19 @@ QString ContactActor::newName()
 ItemActor::Edit ContactActor::createOnServer(Dice &dice)
 {
     const QString name = newName();
-    mBed.place(Contact().setText(firstName, name).setCategories(someCategories(dice)));
+    const Contact contact = Contact().setText(firstName, name).setCategories(someCategories(dice));
+    mBed.mailbox().addItem(dice.pick(mFolders), Simulator::ContactItem::make(contact));
     return { name, QStringLiteral("made") };
 }
 
 ItemActor::Edit ContactActor::createOnDevice(Dice &dice)
 {
-    const QContactCollectionId collection = PimListing::collectionOf(mStore.manager(), mBed.accountId());
-    if (collection.isNull())
+    const auto collections = PimListing::collectionsOf(mStore.manager(), mBed.accountId());
+    if (collections.isEmpty())
         return {};
     const QString name = newName();
     QContact contact = ContactFixture::named(name);
-    contact.setCollectionId(collection);
+    contact.setCollectionId(collections.at(dice.below(collections.size())));
     setTags(contact, someCategories(dice));
     mStore.manager().saveContact(&contact);
     return { name, QStringLiteral("made") };
@@ -91,33 +114,42 @@ ItemActor::Edit ContactActor::createOnDevice(Dice &dice)
 
 ItemActor::Edit ContactActor::editServer(Dice &dice, const QSet<QString> &delicate)
 {
-    const auto items = mBed.mailbox().items(mBed.contactsId());
+    const QString folder = dice.pick(mFolders);
+    const auto items = mBed.mailbox().items(folder);
     if (items.isEmpty() || dice.oneIn(3))
         return createOnServer(dice);
     const QString id = items.at(dice.below(items.size())).serverId;
     const QString name = mBed.serverContact(id)->text(firstName);
     if (delicate.contains(name))
         return {};
-    const QString text = QStringLiteral("s%1").arg(dice.below(1000));
-    const QStringList categories = someCategories(dice);
-    const int what = dice.below(6);
-    if (what == 0) {
+    const int what = someKind(dice);
+    if (what == Removal) {
         mBed.mailbox().remove(id);
         return { name, QStringLiteral("removed") };
     }
-    mBed.editContact(id, [&](Contact &contact) {
-        if (what == 1)
-            contact.setText(lastName, text);
-        else if (what == 2)
-            contact.setText(email, text + QStringLiteral("@example.org"));
-        else if (what == 3)
-            contact.setCategories(categories);
-        else if (what == 4)
-            contact.setPicture(TestPictures::png(++mPictures % 250));
-        else
-            contact.setNote(QStringLiteral("note ") + text);
-    });
-    return { name, QStringLiteral("changed (%1, %2)").arg(what).arg(text) };
+    if (what == Move) {
+        const QString target = folder == mFolders.first() ? mFolders.last() : mFolders.first();
+        mBed.mailbox().move(id, target);
+        // An edit that the device makes meanwhile is one of a contact that is gone.
+        return { name, QStringLiteral("moved"), true };
+    }
+    mBed.editContact(id, [&](Contact &contact) { changeOnServer(contact, what, dice); });
+    return { name, QStringLiteral("changed (%1)").arg(what) };
+}
+
+void ContactActor::changeOnServer(Contact &contact, int what, Dice &dice)
+{
+    if (what == Categories) {
+        contact.setCategories(someCategories(dice));
+    } else if (what == Picture) {
+        contact.setPicture(TestPictures::png(++mPictures % 250));
+    } else if (what == Note) {
+        contact.setNote(QStringLiteral("note s%1").arg(dice.below(1000)));
+    } else {
+        const DeviceContactField &field = DeviceContactField::all().at(what - FirstField);
+        const QString text = someText(field, dice);
+        contact.setText(field.name, onServer(field, text, dice));
+    }
 }
 
 ItemActor::Edit ContactActor::editDevice(Dice &dice, const QSet<QString> &delicate)
@@ -129,24 +161,21 @@ ItemActor::Edit ContactActor::editDevice(Dice &dice, const QSet<QString> &delica
     const QString name = ContactFixture::name(contact);
     if (delicate.contains(name))
         return {};
-    const QString text = QStringLiteral("d%1").arg(dice.below(1000));
-    const QStringList categories = someCategories(dice);
-    const int what = dice.below(6);
-    if (what == 0) {
+    const int what = someKind(dice);
+    if (what == Removal || what == Move) {
         mStore.manager().removeContact(contact.id());
         return { name, QStringLiteral("removed") };
     }
-    if (what == 1) {
-        QContactName detail = contact.detail<QContactName>();
-        detail.setLastName(text);
-        contact.saveDetail(&detail);
-    } else if (what == 2) {
-        QContactEmailAddress detail = contact.detail<QContactEmailAddress>();
-        detail.setEmailAddress(text + QStringLiteral("@example.org"));
-        contact.saveDetail(&detail);
-    } else if (what == 3) {
-        setTags(contact, categories);
-    } else if (what == 4) {
+    changeOnDevice(contact, what, dice);
+    mStore.manager().saveContact(&contact);
+    return { name, QStringLiteral("changed (%1)").arg(what) };
+}
+
+void ContactActor::changeOnDevice(QContact &contact, int what, Dice &dice)
+{
+    if (what == Categories) {
+        setTags(contact, someCategories(dice));
+    } else if (what == Picture) {
         QContactAvatar known = contact.detail<QContactAvatar>();
         if (!known.isEmpty() && dice.oneIn(3)) {
             contact.removeDetail(&known);
@@ -154,13 +183,14 @@ ItemActor::Edit ContactActor::editDevice(Dice &dice, const QSet<QString> &delica
             ++mPictures;
             setAvatar(contact, TestPictures::png(mPictures % 250), mPictures);
         }
-    } else {
+    } else if (what == Note) {
         QContactNote detail = contact.detail<QContactNote>();
-        detail.setNote(QStringLiteral("note ") + text);
+        detail.setNote(QStringLiteral("note d%1").arg(dice.below(1000)));
         contact.saveDetail(&detail);
+    } else {
+        const DeviceContactField &field = DeviceContactField::all().at(what - FirstField);
+        field.set(contact, someText(field, dice));
     }
-    mStore.manager().saveContact(&contact);
-    return { name, QStringLiteral("changed (%1, %2)").arg(what).arg(text) };
 }
 
 ItemActor::State ContactActor::serverState()

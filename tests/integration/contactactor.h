@@ -6,7 +6,11 @@
 
 class SyncTestBed;
 
-/** Contacts are made, changed in one field or another, and deleted. */
+namespace Simulator {
+class Contact;
+}
+
+/** Contacts of two folders are made, changed in one field or another, moved and deleted. */
 class ContactActor : public ItemActor
 {
 public:
@@ -21,9 +25,13 @@ private:
     Edit createOnServer(Dice &dice);
     Edit createOnDevice(Dice &dice);
     QString newName();
+    void changeOnServer(Simulator::Contact &contact, int what, Dice &dice);
+    void changeOnDevice(QtContacts::QContact &contact, int what, Dice &dice);
 
     ContactFixture mStore;
     SyncTestBed &mBed;
+    /** Server identifiers of the two folders of contacts. */
+    const QStringList mFolders;
     int mCreated = 0;
     int mPictures = 0;
 };

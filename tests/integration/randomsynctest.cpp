@@ -65,6 +65,8 @@ private:
     void edit();
     QSet<QString> delicate() const;
     void syncWithFault();
+    bool mayRefuseKeys() const;
+    void syncWithRefusedKeys();
     void killDuringSync();
     QString syncAndCompare();
     QString soonSendsNothing();
@@ -115,6 +117,8 @@ void RandomRun::step()
 {
     if (mDice.oneIn(20))
         return syncWithFault();
+    if (mDice.oneIn(70) && mayRefuseKeys())
+        return syncWithRefusedKeys();
     if (mDice.oneIn(60)) {
         mStory.append(QStringLiteral("the engine is restarted"));
         return mBed.restartEngine();
@@ -160,6 +164,25 @@ void RandomRun::syncWithFault()
     mBed.server().clearScript();
     mStory.append(
         QStringLiteral("a sync with a reply to %1 cut at %2 ends with %3").arg(command).arg(cut).arg(status));
+}
+
+bool RandomRun::mayRefuseKeys() const
+{
+    // A new item whose upload was not answered is doubled where its folder starts anew before the next sync:
+    // the server has it, and its identifier died with the key. So is one that the server has moved and the
+    // device edited.
+    return !mHadFault && !mEditedOnServer.intersects(mEditedOnDevice);
+}
+
+void RandomRun::syncWithRefusedKeys()
+{
+    mBed.server().overrideNext(QStringLiteral("Sync"), Override::topStatus(3));
+    // Folders of mail and events are emptied, and edits of the device that have not gone up go with the rest.
+    mHadFault = true;
+    mFragile += mEditedOnDevice;
+    const int status = mBed.sync();
+    mBed.server().clearScript();
+    mStory.append(QStringLiteral("a sync whose keys are refused ends with %1").arg(status));
 }
 
 void RandomRun::killDuringSync()

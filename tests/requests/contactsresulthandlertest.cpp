@@ -21,7 +21,9 @@ private:
     static SyncCollection collection(
         const QList<Contact> &added, const QList<Contact> &changed = {}, const QStringList &deleted = {})
     {
-        return sent("3", &SyncCommandAdd::setContactItems, added, changed, deleted);
+        SyncCollection collection = sent("3", &SyncCommandAdd::setContactItems, added, changed, deleted);
+        collection.setGetChanges(true);
+        return collection;
     }
     bool handle(SyncCollection &collection) { return mScene->handle(collection); }
 
@@ -154,6 +156,11 @@ private Q_SLOTS:
         QVERIFY(handle(reply));
         QVERIFY(!mScene->store->calls.contains(QStringLiteral("has all of 3")));
         reply.setMoreAvailable(false);
+        // Of a folder whose changes were not asked for, silence says nothing.
+        reply.setGetChanges(false);
+        QVERIFY(handle(reply));
+        QVERIFY(!mScene->store->calls.contains(QStringLiteral("has all of 3")));
+        reply.setGetChanges(true);
         mScene->store->settlesFolders = false;
         QVERIFY(!handle(reply));
         QCOMPARE(mScene->status, -2);

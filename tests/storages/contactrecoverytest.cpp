@@ -173,6 +173,18 @@ private Q_SLOTS:
         QCOMPARE(key(account), QStringLiteral("key"));
     }
 
+    void withoutRowsThereIsNothingToBeginOnceMore()
+    {
+        ContactAccount account;
+        sendAnew(account);
+        loseMapping(account);
+        account.restart();
+        QVERIFY(account.storage().expectAll(ContactAccount::folder()));
+        setKey(account, QStringLiteral("key"));
+        updateFolders(account);
+        QCOMPARE(key(account), QStringLiteral("key"));
+    }
+
     void anotherSyncInTheMiddleGoesOn()
     {
         ContactAccount account;

@@ -7,6 +7,7 @@
 #include "storages/contacts/contactstoremanager.h"
 #include "support/contactfixture.h"
 #include "support/devicecalendar.h"
+#include "support/devicecontactfields.h"
 
 #include <QCryptographicHash>
 #include <QDir>
@@ -15,9 +16,7 @@
 
 #include <QtContacts/QContactAvatar>
 #include <QtContacts/QContactCollectionFilter>
-#include <QtContacts/QContactEmailAddress>
 #include <QtContacts/QContactManager>
-#include <QtContacts/QContactName>
 #include <QtContacts/QContactNote>
 #include <QtContacts/QContactTag>
 
@@ -82,21 +81,22 @@ QString withExceptions(const EventText &series, QStringList exceptions)
         : series.whole() + QStringLiteral(" but ") + exceptions.join(QStringLiteral(", "));
 }
 
-QString contactText(const QString &lastName, const QString &email, QStringList categories,
+/** Of a contact, beside its fields. */
+QString contactText(const QString &folder, const QString &fields, QStringList categories,
     const QByteArray &picture, const QString &note)
 {
     categories.sort();
     const QByteArray hash = QCryptographicHash::hash(picture, QCryptographicHash::Md5).toHex();
-    return QStringLiteral("%1|%2|%3|%4|%5")
-        .arg(lastName, email, categories.join(QLatin1Char(',')),
+    return QStringLiteral("in %1: %2|%3|%4|%5")
+        .arg(folder, fields, categories.join(QLatin1Char(',')),
             picture.isEmpty() ? QString() : QString::fromLatin1(hash.left(6)), note);
 }
 
 template <class ItemType>
-QList<typename ItemType::Value> itemsOfType(const Simulator::Mailbox &mailbox, int folderType)
+QList<typename ItemType::Value> itemsOf(const Simulator::Mailbox &mailbox, const QString &folderId)
 {
     QList<typename ItemType::Value> values;
-    const auto items = mailbox.items(mailbox.folderOfType(folderType).id);
+    const auto items = mailbox.items(folderId);
     for (const Simulator::ItemEntry &entry : items) {
         if (const auto item = std::dynamic_pointer_cast<const ItemType>(entry.item))
             values.append(item->value());
@@ -117,7 +117,8 @@ void PimListing::enter(Listing &listing, const QString &name, const QString &val
 PimListing::Listing PimListing::serverEvents(const Simulator::Mailbox &mailbox)
 {
     Listing listing;
-    const auto events = itemsOfType<Simulator::EventItem>(mailbox, Simulator::CalendarFolder);
+    const auto events =
+        itemsOf<Simulator::EventItem>(mailbox, mailbox.folderOfType(Simulator::CalendarFolder).id);
     for (const Simulator::Event &event : events) {
         QStringList exceptions;
         for (const Simulator::EventException &exception : event.exceptions) {
@@ -160,12 +161,16 @@ PimListing::Listing PimListing::deviceEvents(EasAccountId accountId)
 PimListing::Listing PimListing::serverContacts(const Simulator::Mailbox &mailbox)
 {
     Listing listing;
-    const auto contacts = itemsOfType<Simulator::ContactItem>(mailbox, Simulator::ContactsFolder);
-    for (const Simulator::Contact &contact : contacts) {
-        enter(listing, contact.text(QStringLiteral("FirstName")),
-            contactText(contact.text(QStringLiteral("LastName")),
-                contact.text(QStringLiteral("Email1Address")), contact.categories(), contact.picture(),
-                contact.note()));
+    const auto folders = mailbox.folders();
+    for (const Simulator::MailFolder &folder : folders) {
+        if (folder.type != Simulator::ContactsFolder && folder.type != Simulator::UserContactsFolder)
+            continue;
+        const auto contacts = itemsOf<Simulator::ContactItem>(mailbox, folder.id);
+        for (const Simulator::Contact &contact : contacts) {
+            enter(listing, contact.text(QStringLiteral("FirstName")),
+                contactText(folder.name, DeviceContactField::line(contact), contact.categories(),
+                    contact.picture(), contact.note()));
+        }
     }
     return listing;
 }
@@ -179,9 +184,10 @@ PimListing::Listing PimListing::deviceContacts(EasAccountId accountId)
         QStringList categories;
         for (const QContactTag &tag : contact.details<QContactTag>())
             categories.append(tag.tag());
+        const QContactCollection folder = manager->collection(contact.collectionId());
         enter(listing, ContactFixture::name(contact),
-            contactText(contact.detail<QContactName>().lastName(),
-                contact.detail<QContactEmailAddress>().emailAddress(), categories, pictureOf(contact),
+            contactText(folder.metaData(QContactCollection::KeyName).toString(),
+                DeviceContactField::line(contact), categories, pictureOf(contact),
                 contact.detail<QContactNote>().note()));
     }
     return listing;
@@ -189,27 +195,28 @@ PimListing::Listing PimListing::deviceContacts(EasAccountId accountId)
 
 QList<QContact> PimListing::contactsOf(QContactManager &manager, EasAccountId accountId)
 {
-    QSet<QContactCollectionId> ids;
-    const QList<QContactCollection> collections = manager.collections();
-    for (const QContactCollection &collection : collections) {
-        if (collection.extendedMetaData(QStringLiteral("AccountId")).toULongLong() == accountId)
-            ids.insert(collection.id());
-    }
+    const QList<QContactCollectionId> ids = collectionsOf(manager, accountId);
     if (ids.isEmpty())
         return {};
     QContactCollectionFilter filter;
-    filter.setCollectionIds(ids);
+    filter.setCollectionIds(QSet<QContactCollectionId>(ids.cbegin(), ids.cend()));
     return manager.contacts(filter);
+}
+
+QList<QContactCollectionId> PimListing::collectionsOf(QContactManager &manager, EasAccountId accountId)
+{
+    QList<QContactCollectionId> ids;
+    const QList<QContactCollection> collections = manager.collections();
+    for (const QContactCollection &collection : collections) {
+        if (collection.extendedMetaData(QStringLiteral("AccountId")).toULongLong() == accountId)
+            ids.append(collection.id());
+    }
+    return ids;
 }
 
 QContactCollectionId PimListing::collectionOf(QContactManager &manager, EasAccountId accountId)
 {
-    const QList<QContactCollection> collections = manager.collections();
-    for (const QContactCollection &collection : collections) {
-        if (collection.extendedMetaData(QStringLiteral("AccountId")).toULongLong() == accountId)
-            return collection.id();
-    }
-    return {};
+    return collectionsOf(manager, accountId).value(0);
 }
 
 QByteArray PimListing::pictureOf(const QContact &contact)

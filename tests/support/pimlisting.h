@@ -31,6 +31,9 @@ Listing deviceContacts(EasAccountId accountId);
 
 /** The contacts of all collections of the account. */
 QList<QtContacts::QContact> contactsOf(QtContacts::QContactManager &manager, EasAccountId accountId);
+/** Its collections that hold contacts of the server. */
+QList<QtContacts::QContactCollectionId> collectionsOf(
+    QtContacts::QContactManager &manager, EasAccountId accountId);
 /** Its first collection that holds contacts of the server; null if there is none. */
 QtContacts::QContactCollectionId collectionOf(QtContacts::QContactManager &manager, EasAccountId accountId);
 /** The bytes of the picture's file. */

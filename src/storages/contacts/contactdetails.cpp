@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "storages/contacts/contactdetails.h"
 
+#include "storages/contacts/contactdetailuris.h"
+
 #include <QtContacts/QContactAddress>
 #include <QtContacts/QContactEmailAddress>
 #include <QtContacts/QContactExtendedDetail>
@@ -112,12 +114,12 @@ QVector<ContactDetailShape> namesAndOrganizations()
                 text<&Contact::lastName, &Contact::setLastName>(QContactName::FieldLastName),
                 text<&Contact::middleName, &Contact::setMiddleName>(QContactName::FieldMiddleName),
                 text<&Contact::suffix, &Contact::setSuffix>(QContactName::FieldSuffix) } },
-        { "Failed to save yomi name ", QContactName::Type, ContactDetails::yomiNameUri, {},
+        { "Failed to save yomi name ", QContactName::Type, ContactDetailUris::yomiName, {},
             { text<&Contact::yomiFirstName, &Contact::setYomiFirstName>(QContactName::FieldFirstName),
                 text<&Contact::yomiLastName, &Contact::setYomiLastName>(QContactName::FieldLastName) } },
         { "Failed to save nick name ", QContactNickname::Type, nullptr, {},
             { text<&Contact::nickName, &Contact::setNickName>(QContactNickname::FieldNickname) } },
-        { "Failed to save alias ", QContactNickname::Type, "urn:as:contact:Alias", {},
+        { "Failed to save alias ", QContactNickname::Type, ContactDetailUris::alias, {},
             { text<&Contact::alias, &Contact::setAlias>(QContactNickname::FieldNickname) } },
         { "Failed to save organization ", QContactOrganization::Type, nullptr, {},
             { text<&Contact::companyName, &Contact::setCompanyName>(QContactOrganization::FieldName),
@@ -128,8 +130,7 @@ QVector<ContactDetailShape> namesAndOrganizations()
                     QContactOrganization::FieldAssistantName),
                 text<&Contact::officeLocation, &Contact::setOfficeLocation>(
                     QContactOrganization::FieldLocation) } },
-        { "Failed to save yomi company name ", QContactOrganization::Type, "urn:as:contact:YomiCompanyName",
-            {},
+        { "Failed to save yomi company name ", QContactOrganization::Type, ContactDetailUris::yomiCompany, {},
             { text<&Contact::yomiCompanyName, &Contact::setYomiCompanyName>(
                 QContactOrganization::FieldName) } },
         { "Failed to save family ", QContactFamily::Type, nullptr, {},
@@ -186,14 +187,14 @@ QVector<ContactDetailShape> otherTexts()
             { text<&Contact::webPage, &Contact::setWebPage>(QContactUrl::FieldUrl) } },
         email<&Contact::email1Address, &Contact::setEmail1Address>("Failed to save email address ", nullptr),
         email<&Contact::email2Address, &Contact::setEmail2Address>(
-            "Failed to save email address 2 ", "urn:as:contact:EmailAddress2"),
+            "Failed to save email address 2 ", ContactDetailUris::secondEmail),
         email<&Contact::email3Address, &Contact::setEmail3Address>(
-            "Failed to save email address 3 ", "urn:as:contact:EmailAddress3"),
+            "Failed to save email address 3 ", ContactDetailUris::thirdEmail),
         messaging<&Contact::imAddress, &Contact::setImAddress>("Failed to save IM address ", nullptr),
         messaging<&Contact::imAddress2, &Contact::setImAddress2>(
-            "Failed to save IM address 2 ", "urn:as:contact:ImAddress2"),
+            "Failed to save IM address 2 ", ContactDetailUris::secondMessaging),
         messaging<&Contact::imAddress3, &Contact::setImAddress3>(
-            "Failed to save IM address 3 ", "urn:as:contact:ImAddress3"),
+            "Failed to save IM address 3 ", ContactDetailUris::thirdMessaging),
         extended<&Contact::title, &Contact::setTitle>("Title", "Failed to save Title "),
         extended<&Contact::customerId, &Contact::setCustomerId>("CustomerId", "Failed to save CustomerId "),
         extended<&Contact::governmentId, &Contact::setGovernmentId>(

@@ -42,9 +42,6 @@ struct ContactDetailShape
 
 namespace ContactDetails {
 
-/** The URI of the name that tells how a name is read. */
-constexpr char yomiNameUri[] = "urn:as:contact:YomiName";
-
 /** All shapes; those of one type stand together, in the order of their slots. */
 const QVector<ContactDetailShape> &shapes();
 

@@ -174,8 +174,11 @@ bool ContactRecovery::expectAll(const QString &folderServerId)
     if (!present.complete || !rows)
         return false;
     const QStringList known = rows->localIds();
-    if (!present.collection || known.isEmpty())
+    if (!present.collection)
         return true;
+    if (known.isEmpty())
+        return !ContactFolders::isSentAnew(*present.collection)
+            || mFolders.markAsSentAnew(*present.collection, false);
     // Rows of what the server does not name will be forgotten, and from then on the origin alone tells such a
     // contact from one that was made here.
     Repairs repairs;

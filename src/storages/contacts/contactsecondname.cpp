@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "storages/contacts/contactsecondname.h"
 
-#include "storages/contacts/contactdetails.h"
+#include "storages/contacts/contactdetailuris.h"
 
 #include <QtContacts/QContactExtendedDetail>
 #include <QtContacts/QContactName>
@@ -27,7 +27,7 @@ void nameAsText(QContact &contact)
 {
     const QList<QContactName> names = contact.details<QContactName>();
     for (QContactName name : names) {
-        if (name.detailUri() != QLatin1String(ContactDetails::yomiNameUri))
+        if (name.detailUri() != QLatin1String(ContactDetailUris::yomiName))
             continue;
         addText(contact, firstNameText, name.firstName());
         addText(contact, lastNameText, name.lastName());

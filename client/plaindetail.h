@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include "storages/contacts/contactdetailuris.h"
+
 #include <QtContacts/QContact>
 
 #include <QStringList>
 
 /** How the engine marks details that the server keeps in a field of their own: by the detail's URI. */
-namespace ContactDetails {
+namespace PlainDetail {
 
 /** The plain detail of a kind, which has no URI; an empty one if there is none. */
 template <class Detail> Detail plain(const QtContacts::QContact &contact)
@@ -22,9 +24,9 @@ template <class Detail> Detail plain(const QtContacts::QContact &contact)
 /** The URIs of the server's three mail addresses; the first has none. */
 inline const QStringList &emailUris()
 {
-    static const QStringList uris { QString(), QStringLiteral("urn:as:contact:EmailAddress2"),
-        QStringLiteral("urn:as:contact:EmailAddress3") };
+    static const QStringList uris { QString(), QLatin1String(ContactDetailUris::secondEmail),
+        QLatin1String(ContactDetailUris::thirdEmail) };
     return uris;
 }
 
-} // namespace ContactDetails
+} // namespace PlainDetail
