@@ -3,11 +3,11 @@
 
 #include "application/base/logging.h"
 #include "application/mapping/easdatabase.h"
+#include "storages/calendar/calendarownfiles.h"
 
 #include <attachmentinfo.h>
 #include <attachmentmanager.h>
 
-#include <QCryptographicHash>
 #include <QFile>
 #include <QUrl>
 
@@ -37,43 +37,8 @@ QString occurrenceId(const Event &event)
     const QDateTime moment = event.recurrenceId();
     // A day is in clock time and the same everywhere; the text of a moment must not depend on the zone it was
     // given in. Whether the exception itself lasts whole days does not matter: an edit can change that.
-    return (moment.timeSpec() == Qt::LocalTime ? moment : moment.toUTC()).toString(QStringLiteral("yyyy-MM-dd hh:mm:ss"));
-}
-
-QString localPath(const QString &location)
-{
-    const QUrl url(location);
-    return url.isLocalFile() ? url.toLocalFile() : location;
-}
-
-/** Not every attachment of the device is a file: links and bytes within the event cannot go up. */
-bool isFile(const Attachment &attachment)
-{
-    return attachment.isUri() && !AttachmentInfo(attachment).contentLocation().isEmpty();
-}
-
-/** @throws std::runtime_error for a file that cannot be read. */
-QString contentHash(const QString &location, const QString &eventId)
-{
-    QFile file(localPath(location));
-    QCryptographicHash hash(QCryptographicHash::Md5);
-    if (!file.open(QIODevice::ReadOnly) || !hash.addData(&file)) {
-        throw std::runtime_error(QStringLiteral("Failed to get attachment hash for event: %1. Error: %2.")
-                                     .arg(eventId, file.errorString())
-                                     .toStdString());
-    }
-    return QString::fromLatin1(hash.result().toHex());
-}
-
-QString hashOrNothing(const Attachment &attachment, const QString &eventId)
-{
-    try {
-        return isFile(attachment) ? contentHash(AttachmentInfo(attachment).contentLocation(), eventId)
-                                  : QString();
-    } catch (const std::runtime_error &error) {
-        qCWarning(eas()) << error.what();
-        return QString();
-    }
+    return (moment.timeSpec() == Qt::LocalTime ? moment : moment.toUTC())
+        .toString(QStringLiteral("yyyy-MM-dd hh:mm:ss"));
 }
 
 /** An exception may still have what it inherited of its series, whose bytes are not its own. */
@@ -111,28 +76,6 @@ Attachment toAttachment(const Event &event, const AttachmentEntity &entity)
     return attachment;
 }
 
-/** The user's own files of an event, by what the server would call them. */
-struct OwnFiles
-{
-    QMap<QString, Attachment> byHash;
-    Attachment::List others;
-
-    /** The bytes need not be fetched: they are here. */
-    void handOver(const AttachmentEntity &entity, const Attachment &attachment);
-};
-
-void OwnFiles::handOver(const AttachmentEntity &entity, const Attachment &attachment)
-{
-    const auto own = byHash.find(entity.contentId());
-    if (own == byHash.end())
-        return;
-    QFile file(localPath(AttachmentInfo(*own).contentLocation()));
-    QString error;
-    if (!file.open(QIODevice::ReadOnly) || !AttachmentManager(attachment).saveData(file.readAll(), &error))
-        qCWarning(eas()) << "cannot keep the bytes of" << entity.displayName() << error;
-    byHash.erase(own);
-}
-
 } // namespace
 
 QString CalendarAttachmentService::eventKey(const Event &event)
@@ -161,16 +104,12 @@ void CalendarAttachmentService::handleRemoteAttachments(
     for (const AttachmentEntity &entity : entities)
         references.append(entity.fileReference());
 
-    OwnFiles own;
+    CalendarOwnFiles own;
     const Attachment::List present = event->attachments();
     for (const Attachment &attachment : present) {
         const QString reference = referenceOf(attachment);
         if (reference.isEmpty()) {
-            const QString hash = hashOrNothing(attachment, event->uid());
-            if (hash.isEmpty())
-                own.others.append(attachment);
-            else
-                own.byHash.insert(hash, attachment);
+            own.add(attachment, event->uid());
         } else if (!references.contains(reference)) {
             database->deleteCalendarAttachmentByFileReference(key, reference);
             removeBytes(*event, attachment);
@@ -195,10 +134,8 @@ void CalendarAttachmentService::handleRemoteAttachments(
         }
     }
     // What the server has not told yet is still on its way there.
-    const QList<Attachment> unknown = own.byHash.values();
+    const Attachment::List unknown = own.notHandedOver();
     for (const Attachment &attachment : unknown)
-        event->addAttachment(attachment);
-    for (const Attachment &attachment : qAsConst(own.others))
         event->addAttachment(attachment);
 }
 
@@ -254,8 +191,9 @@ std::optional<QList<EasAttachmentContainer>> CalendarAttachmentService::handleLo
                     return std::nullopt;
                 if (*row)
                     container.setContentId((*row)->contentId());
-            } else if (isFile(attachment)) {
-                container.setContentId(contentHash(container.contentLocation(), event->uid()));
+            } else if (CalendarOwnFiles::isFile(attachment)) {
+                container.setContentId(
+                    CalendarOwnFiles::contentHash(container.contentLocation(), event->uid()));
                 container.setClientId(container.contentId());
                 container.setMethod(EasAttachmentContainer::NormalAttachmentMethod);
             } else {

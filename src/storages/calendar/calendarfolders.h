@@ -17,7 +17,7 @@ class EasFolderItem;
  *
  * Items of other kinds of folders are passed over. A result that is applied again finds the notebooks of the
  * first time by the server identifier that they carry. Notebook objects are asked for each time: after a
- * change in the store those from before are strangers to it. Main thread only.
+ * change in the store the store does not know those from before. Main thread only.
  */
 class CalendarFolders
 {

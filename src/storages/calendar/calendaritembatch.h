@@ -17,7 +17,7 @@ class CalendarLocalChanges;
  * The store is written before the mapping database, so the server's answer can come again after an
  * interruption: an added item that is known already is taken for a change, unless the user has changed it
  * since, and a changed one whose event is gone is added anew. An item that cannot be understood (its start is
- * no time, its series no rule) is left out with a log line, as nobody would gain if it stopped the calendar
+ * no time, its series no rule) is left out with a log line, as it must not stop the calendar
  * for good; a store that fails makes the batch fail, and all of it comes again. A value for one reply; main
  * thread only.
  */
