@@ -124,7 +124,9 @@ private Q_SLOTS:
                 { node(Calendar::Exception,
                       { node(Calendar::ExceptionStartTime, "t1"), node(Calendar::Subject, "one"),
                           node(AirSyncBase::Body,
-                              { node(AirSyncBase::Type, "2"), node(AirSyncBase::Data, "text") }),
+                              { node(AirSyncBase::Type, "2"), node(AirSyncBase::Data, "text"),
+                                  node(AirSyncBase::EstimatedDataSize, "77"),
+                                  node(AirSyncBase::Truncated, "1"), node(AirSyncBase::Preview, "te") }),
                           node(Calendar::Categories, { node(Calendar::Category, "Red") }),
                           node(AirSyncBase::Location, { node(AirSyncBase::DisplayName, "room") }),
                           node(AirSyncBase::Attachments,
@@ -142,7 +144,11 @@ private Q_SLOTS:
         const EasCalendarItem first = item.exceptions().first();
         QCOMPARE(first.exceptionStartTime(), QStringLiteral("t1"));
         QCOMPARE(first.subject(), QStringLiteral("one"));
+        QCOMPARE(first.body().type(), EasBodyContainer::HTMLBodyType);
         QCOMPARE(first.body().data(), QStringLiteral("text"));
+        QCOMPARE(first.body().estimatedDataSize(), 77);
+        QVERIFY(first.body().truncated());
+        QCOMPARE(first.body().preview(), QStringLiteral("te"));
         QCOMPARE(first.categories(), QStringList { "Red" });
         QCOMPARE(first.location(), QStringLiteral("room"));
         QCOMPARE(first.attachments().size(), 1);

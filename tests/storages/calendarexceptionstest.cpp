@@ -440,7 +440,7 @@ private Q_SLOTS:
         QVERIFY(mBed->events().isEmpty());
         KCalendarCore::Incidence::List deleted;
         QVERIFY(mBed->device().storage->deletedIncidences(&deleted, QDateTime(), mBed->notebookUid()));
-        QVERIFY2(deleted.isEmpty(), "a deletion of the server is none of the user's");
+        QVERIFY2(deleted.isEmpty(), "what the server deleted is no deletion of the user's");
     }
 
     void twoExceptionsOfOneMomentAreOne()

@@ -21,7 +21,7 @@ using Recurrence = EasRecurrenceContainer;
 namespace {
 
 constexpr int RulesPerSeed = 100;
-constexpr int MostOccurrences = 60;
+constexpr int MostOccurrences = 30;
 constexpr int YearsToLookAt = 12;
 
 /** A rule as a server may send it, with the start of its series. */
