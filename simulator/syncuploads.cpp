@@ -233,6 +233,8 @@ int SyncUploads::deleteInstance(const WbxmlNode &command)
 
 int SyncUploads::applyDelete(const QString &serverId)
 {
+    // What the client adds under the same name from now on is another item.
+    mState.added.remove(mState.added.key(serverId));
     if (mState.lastDeletes.contains(serverId)) {
         // The client lost the answer to its delete and repeats it.
         mState.known.remove(serverId);

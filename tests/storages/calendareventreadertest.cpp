@@ -331,7 +331,7 @@ private Q_SLOTS:
         event->recurrence()->addExDateTime(event->dtStart().addDays(1));
         event->recurrence()->addExDateTime(event->dtStart().addDays(2));
         CalendarEventProperties::setKnownDeletions(*event, { QStringLiteral("20240502T080000Z") });
-        QVERIFY(mScene->save(event));
+        QVERIFY(mScene->saveSynced(event, QStringLiteral("f1:2")));
         const EasCalendarItem item = converted(mScene->load(event->uid()));
         QCOMPARE(item.exceptions().size(), count);
         const EasCalendarItem last = item.exceptions().constLast();

@@ -117,6 +117,18 @@ private Q_SLOTS:
         QVERIFY(mScene->load(QStringLiteral("event-1")));
     }
 
+    void anEventMovedAndThenDeleted()
+    {
+        QVERIFY(mScene->saveSynced(event(QStringLiteral("event-1")), QStringLiteral("f1:1")));
+        QVERIFY(mScene->move(QStringLiteral("event-1"), mScene->addSecondCalendar()));
+        QVERIFY(mScene->remove(QStringLiteral("event-1")));
+        QVERIFY(queryFolder(QStringLiteral("f2")).isEmpty());
+        Found found = query();
+        QCOMPARE(found.deleted, QStringList { QStringLiteral("f1:1") });
+        QVERIFY(acknowledge(found));
+        QVERIFY(query().isEmpty());
+    }
+
     void anEventAddedAndDeletedLeavesNoTrace()
     {
         LogCollector log;

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
+#include "common/exchangeactivesync.h"
+#include "storages/calendar/calendareventproperties.h"
 #include "storages/localchangestestbase.h"
 
 #include "support/logcollector.h"
@@ -120,6 +122,32 @@ private Q_SLOTS:
     }
 
     void aDeletedException_data() { aNewExceptionOfAnUnchangedSeries_data(); }
+
+    void deletedOccurrencesOfAMovedSeriesGoUpAnew()
+    {
+        setVersion(ExchangeActiveSync::ProtocolVersion161);
+        const Event::Ptr series = CalendarScene::makeSeries(QStringLiteral("series-1"));
+        series->recurrence()->addExDateTime(day(2));
+        CalendarEventProperties::setKnownDeletions(*series, { ExchangeActiveSync::dateTimeToString(day(2)) });
+        series->setLastModified(QDateTime::fromSecsSinceEpoch(1600000000, Qt::UTC));
+        QVERIFY(mScene->saveSynced(series, QStringLiteral("f1:s")));
+        const QString second = QStringLiteral("f2");
+        QVERIFY(mScene->move(QStringLiteral("series-1"), mScene->addSecondCalendar()));
+        Found found = queryFolder(second);
+        QCOMPARE(found.added.size(), 1);
+        QCOMPARE(found.added.constFirst().exceptions().size(), 1);
+        QCOMPARE(found.added.constFirst().exceptions().constFirst().exceptionDeleted(), quint8(1));
+        QVERIFY(acknowledge(found));
+        // The series alone has gone up.
+        const QString start = ExchangeActiveSync::dateTimeToString(day(2));
+        QVERIFY(mChanges->touchItems(second, { { QStringLiteral("series-1"), start } }));
+        found = queryFolder(second);
+        QCOMPARE(found.updated.size(), 1);
+        QCOMPARE(found.updated.constFirst().exceptions().size(), 1);
+        QCOMPARE(found.updated.constFirst().exceptions().constFirst().exceptionStartTime(), start);
+        QVERIFY(acknowledge(found));
+        QVERIFY(queryFolder(second).isEmpty());
+    }
 
     void aDeletedException()
     {

@@ -119,7 +119,9 @@ void CalendarEventReader::applyLastDay(const Event &event, EasCalendarItem &item
 
 void CalendarEventReader::applyDeletions(const Event::Ptr &event, EasCalendarItem &item) const
 {
-    const QStringList known = CalendarEventProperties::knownDeletions(*event);
+    // To a server that does not have the series, what it was told in another folder is new.
+    const QStringList known =
+        item.serverId().isEmpty() ? QStringList() : CalendarEventProperties::knownDeletions(*event);
     const QList<CalendarOccurrence> deletions = CalendarOccurrence::excludedFrom(event);
     for (const CalendarOccurrence &deletion : deletions) {
         const bool isKnown = known.contains(deletion.key());

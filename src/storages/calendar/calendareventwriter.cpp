@@ -56,12 +56,12 @@ QTimeZone CalendarEventWriter::getTimeZone(const QString &text, const EasCalenda
     return found;
 }
 
-bool CalendarEventWriter::isDeleted(const QString &uid, const QString &folder) const
+bool CalendarEventWriter::isDeleted(const QString &uid) const
 {
     if (mContext.calendar->deletedEvent(uid))
         return true;
     Incidence::List deleted;
-    mContext.storage->deletedIncidences(&deleted, QDateTime(), folder);
+    mContext.storage->deletedIncidences(&deleted, QDateTime());
     return std::any_of(deleted.cbegin(), deleted.cend(), [&uid](const Incidence::Ptr &incidence) {
         return incidence->uid() == uid && !incidence->hasRecurrenceId();
     });
@@ -121,7 +121,7 @@ bool CalendarEventWriter::updateEvent(
         return false;
     }
     const Event::Ptr event = mContext.calendar->event(*localId);
-    if (!event && isDeleted(*localId, folder)) {
+    if (!event && isDeleted(*localId)) {
         skipped = true;
         qCInfo(eas()) << "Skipping update of already-deleted event:" << item.localId()
                       << "with server id:" << item.serverId() << "and local id:" << *localId;

@@ -37,7 +37,7 @@ public:
 
 private:
     /** Whether the store knows the event as deleted, by this process or another. */
-    bool isDeleted(const QString &uid, const QString &folder) const;
+    bool isDeleted(const QString &uid) const;
     bool addEvent(EasCalendarItem &item, const QString &folder) const;
     bool updateEvent(EasCalendarItem &item, const QString &folder, const QMap<QString, QString> &mapping,
         bool &skipped) const;

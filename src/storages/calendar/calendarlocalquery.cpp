@@ -12,6 +12,8 @@
 #include "storages/calendar/calendarstorecontext.h"
 #include "storages/calendar/calendartimestamps.h"
 
+#include <algorithm>
+
 using KCalendarCore::Event;
 using KCalendarCore::Incidence;
 
@@ -36,7 +38,8 @@ CalendarLocalQuery::CalendarLocalQuery(const CalendarStoreContext &context,
 
 bool CalendarLocalQuery::ask()
 {
-    if (mContext.storage->deletedIncidences(&mDeletedIncidences, QDateTime(), mNotebookUid))
+    if (mContext.storage->deletedIncidences(&mDeletedIncidences, QDateTime(), mNotebookUid)
+        && mContext.storage->deletedIncidences(&mDeletedAnywhere, QDateTime()))
         return true;
     qCWarning(eas()) << "Failed to query deleted items";
     return false;
@@ -191,8 +194,19 @@ void CalendarLocalQuery::evaluateMoved()
         } else if (mContext.calendar->event(uid)) {
             qCInfo(eas()) << "event was moved to another calendar:" << uid;
             takeDeleted(uid);
+        } else if (isDeletedAnywhere(uid)) {
+            qCInfo(eas()) << "event was moved to another calendar and deleted there:" << uid;
+            takeDeleted(uid);
         }
     }
+}
+
+bool CalendarLocalQuery::isDeletedAnywhere(const QString &uid) const
+{
+    return std::any_of(
+        mDeletedAnywhere.cbegin(), mDeletedAnywhere.cend(), [&uid](const Incidence::Ptr &incidence) {
+            return incidence->uid() == uid && !incidence->hasRecurrenceId();
+        });
 }
 
 void CalendarLocalQuery::takeDeleted(const QString &uid)

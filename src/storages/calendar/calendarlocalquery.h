@@ -49,6 +49,7 @@ private:
     void evaluatePresent();
     void evaluateDeleted();
     void evaluateMoved();
+    bool isDeletedAnywhere(const QString &uid) const;
     void takeDeleted(const QString &uid);
     bool isOlderPart(const KCalendarCore::Incidence::Ptr &incidence) const;
     void takeChanged(const KCalendarCore::Incidence::Ptr &incidence, bool isNew);
@@ -69,6 +70,8 @@ private:
     const QString mNotebookUid;
 
     KCalendarCore::Incidence::List mDeletedIncidences;
+    /** In every calendar of the device. */
+    KCalendarCore::Incidence::List mDeletedAnywhere;
     /** Of the events that the server has in this folder, by their local identifiers. */
     QMap<QString, QString> mServerIds;
     Items mAdded;

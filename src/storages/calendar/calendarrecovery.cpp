@@ -30,7 +30,7 @@ bool CalendarRecovery::readMapping()
 bool CalendarRecovery::load(const QString &notebookUid, const QString &collectionId)
 {
     if (mContext.storage->loadNotebookIncidences(notebookUid)
-        && mContext.storage->deletedIncidences(&mDeletedBefore, QDateTime(), notebookUid)) {
+        && (!mDeletedBefore.isEmpty() || mContext.storage->deletedIncidences(&mDeletedBefore, QDateTime()))) {
         qCDebug(eas()) << "Loaded notebook incidences for collection" << collectionId;
         return true;
     }
@@ -69,7 +69,7 @@ bool CalendarRecovery::isEdited(const QString &localId, const QString &notebookU
     if (timestamps == mTimestamps.end()) {
         timestamps = mTimestamps.emplace(notebookUid, CalendarTimestamps(mContext)).first;
         if (!timestamps->second.updateTimestampCache(notebookUid))
-            qCWarning(eas()) << "Cant load notebook incidences for collection of" << notebookUid;
+            qCWarning(eas()) << "Cant load notebook incidences for collection" << notebookUid;
     }
     return timestamps->second.isChanged(localId);
 }

@@ -37,7 +37,8 @@ public:
 
     /** Reads the mapping; false if it cannot be read. */
     bool readMapping();
-    /** Loads a notebook and what the user has deleted from it; false, logged, if the store fails. */
+    /** Loads a notebook, and what the user has deleted, be it after a move from another one; false, logged,
+     * if the store fails. */
     bool load(const QString &notebookUid, const QString &collectionId);
 
     /** Server to local identifiers. */

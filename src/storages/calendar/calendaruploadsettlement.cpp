@@ -24,8 +24,10 @@ bool CalendarUploadSettlement::settle(const QList<EasCalendarItem> &added,
     bool changed = false;
     for (const EasCalendarItem &item : added + updated)
         settleAttachments(item);
-    // A series that is new goes up without its exceptions where these go up one by one; they follow.
-    for (const EasCalendarItem &item : mContext.exceptionsGoInSeries() ? added + updated : updated)
+    for (const EasCalendarItem &item : added)
+        changed =
+            (mContext.exceptionsGoInSeries() ? settleDeletions(item) : forgetDeletions(item)) || changed;
+    for (const EasCalendarItem &item : updated)
         changed = settleDeletions(item) || changed;
     if (changed && !mContext.storage->save()) {
         qCWarning(eas()) << "Failed to save";
@@ -90,6 +92,19 @@ QList<CalendarOccurrence> CalendarUploadSettlement::sentDeletions(
         exceptions.append(exception);
     }
     return occurrences;
+}
+
+bool CalendarUploadSettlement::forgetDeletions(const EasCalendarItem &item) const
+{
+    const Event::Ptr series = mContext.calendar->event(item.localId());
+    if (!series || CalendarEventProperties::knownDeletions(*series).isEmpty())
+        return false;
+    const QDateTime modified = series->lastModified();
+    series->startUpdates();
+    CalendarEventProperties::setKnownDeletions(*series, {});
+    series->endUpdates();
+    series->setLastModified(modified);
+    return true;
 }
 
 bool CalendarUploadSettlement::settleDeletions(const EasCalendarItem &item)

@@ -34,6 +34,9 @@ public:
 private:
     bool readDeleted();
     void settleAttachments(const EasCalendarItem &item) const;
+    /** A series that is new goes up without its exceptions where these go up one by one: they follow,
+     * whatever another folder knew of them. True if the series has been changed. */
+    bool forgetDeletions(const EasCalendarItem &item) const;
     /** True if the series has been changed. */
     bool settleDeletions(const EasCalendarItem &item);
     QList<CalendarOccurrence> sentDeletions(const KCalendarCore::Event::Ptr &series,
