@@ -184,6 +184,38 @@ private Q_SLOTS:
         QCOMPARE(result.getDeleteCmdResponses().first().status(), 8U);
     }
 
+    void eachResponseStartsEmpty()
+    {
+        SyncResponseParser parser;
+        parser.parse(reply({ collection({ node(AirSync::Responses,
+            { node(AirSync::Add,
+                  { node(AirSync::Class, "Contacts"), node(AirSync::ClientId, "c1"),
+                      node(AirSync::ServerId, "5:9"), node(AirSync::Status, "6") }),
+                node(AirSync::Add, { node(AirSync::ClientId, "c2") }),
+                node(AirSync::Change,
+                    { node(AirSync::Class, "Email"), node(AirSync::ServerId, "5:1"),
+                        node(AirSync::Status, "7") }),
+                node(AirSync::Change, { node(AirSync::ServerId, "5:3") }),
+                node(AirSync::Delete, { node(AirSync::ServerId, "5:2"), node(AirSync::Status, "8") }),
+                node(AirSync::Delete, { node(AirSync::ServerId, "5:4") }) }) }) }));
+        QVERIFY(parser.ready());
+        const SyncCollection result = parser.collections().first();
+        QCOMPARE(result.getAddCmdResponses().size(), 2);
+        const AirSyncResponseAddItem added = result.getAddCmdResponses().last();
+        QCOMPARE(added.clientId(), QStringLiteral("c2"));
+        QCOMPARE(added.serverId(), QString());
+        QCOMPARE(added.getClass(), QString());
+        QCOMPARE(added.status(), 0U);
+        QCOMPARE(result.getChangeCmdResponses().size(), 2);
+        const AirSyncResponseChangeItem changed = result.getChangeCmdResponses().last();
+        QCOMPARE(changed.serverId(), QStringLiteral("5:3"));
+        QCOMPARE(changed.getClass(), QString());
+        QCOMPARE(changed.status(), 0U);
+        QCOMPARE(result.getDeleteCmdResponses().size(), 2);
+        QCOMPARE(result.getDeleteCmdResponses().last().serverId(), QStringLiteral("5:4"));
+        QCOMPARE(result.getDeleteCmdResponses().last().status(), 0U);
+    }
+
     void aFetchAmongTheResponsesIsAFetchedItem()
     {
         SyncResponseParser parser;

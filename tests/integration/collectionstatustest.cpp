@@ -40,6 +40,7 @@ private Q_SLOTS:
     void allCollectionsAreAnsweredForEverWith_data();
     void allCollectionsAreAnsweredForEverWith();
     void aLostKeyStopsTheHandlingOfTheOthers();
+    void aRestartForgetsWhatWasToBeRepeated();
     void aReadMarkIsAnsweredWith_data();
     void aReadMarkIsAnsweredWith();
     void aDeleteIsAnsweredWith_data();
@@ -135,7 +136,12 @@ void CollectionStatusTest::aLostKeyStopsTheHandlingOfTheOthers()
         lost.append(QStringLiteral("SyncKey"), QStringLiteral("0"));
         lost.append(QStringLiteral("CollectionId"), drafts);
         lost.append(QStringLiteral("Status"), 3);
-        collections->children().prepend(lost);
+        QVector<WbxmlNode> answered { lost };
+        for (const WbxmlNode &collection : collections->children()) {
+            if (collection.text(QStringLiteral("CollectionId")) != drafts)
+                answered.append(collection);
+        }
+        collections->children() = answered;
     }));
     const LogCollector log;
 
@@ -143,6 +149,24 @@ void CollectionStatusTest::aLostKeyStopsTheHandlingOfTheOthers()
 
     // All mail was fetched again, from the initial key.
     QCOMPARE(count(bed, "FolderSync"), 3);
+    QCOMPARE(bed.deviceState(), bed.serverState());
+}
+
+void CollectionStatusTest::aRestartForgetsWhatWasToBeRepeated()
+{
+    SyncTestBed bed;
+    QVERIFY(missesOneMessage(bed));
+    const QString inbox = bed.mailbox().inboxId();
+    bed.server().overrideNext(QStringLiteral("Sync"), Override::collectionStatus(16, inbox));
+    bed.server().overrideNext(QStringLiteral("Sync"), Override::collectionStatus(3, inbox));
+
+    QCOMPARE(bed.sync(), 0);
+
+    // The one to be repeated goes alone, but what begins anew goes with all others.
+    const auto syncs = bed.server().requests(QStringLiteral("Sync"));
+    QVERIFY(syncs.size() > 2);
+    QCOMPARE(collectionsOf(syncs.at(1)), 1);
+    QCOMPARE(collectionsOf(syncs.at(2)), collectionsOf(syncs.first()));
     QCOMPARE(bed.deviceState(), bed.serverState());
 }
 

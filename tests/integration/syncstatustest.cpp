@@ -16,6 +16,7 @@ private Q_SLOTS:
     void aLaterSyncIsAnsweredForEverWith_data();
     void aLaterSyncIsAnsweredForEverWith();
     void changedFoldersBringTheHierarchyFirst();
+    void eachPhaseHasAllAttempts();
 
 private:
     static void answer(int times);
@@ -90,6 +91,20 @@ void SyncStatusTest::changedFoldersBringTheHierarchyFirst()
 
     QCOMPARE(count(bed, "FolderSync"), 2);
     QCOMPARE(bed.deviceFolders(), bed.serverFolders());
+    QCOMPARE(bed.deviceState(), bed.serverState());
+}
+
+void SyncStatusTest::eachPhaseHasAllAttempts()
+{
+    SyncTestBed bed;
+    QVERIFY(missesOneMessage(bed));
+    for (int attempt = 0; attempt < 3; ++attempt)
+        bed.server().overrideNext(QStringLiteral("FolderSync"), Override::topStatus(6));
+    for (int attempt = 0; attempt < 4; ++attempt)
+        bed.server().overrideNext(QStringLiteral("Sync"), Override::topStatus(16));
+    QCOMPARE(bed.sync(), 0);
+    QCOMPARE(count(bed, "FolderSync"), 4);
+    QCOMPARE(count(bed, "Sync"), 5);
     QCOMPARE(bed.deviceState(), bed.serverState());
 }
 

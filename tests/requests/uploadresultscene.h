@@ -45,7 +45,6 @@ public:
         return execute(QStringLiteral("ALTER TABLE %1 RENAME TO hidden").arg(QLatin1String(table)));
     }
 
-private:
     static bool execute(const QString &statement)
     {
         return QSqlQuery(QSqlDatabase::database(QStringLiteral("fennel-eas-db"))).exec(statement);
