@@ -8,6 +8,8 @@
 #include <Accounts/Account>
 #include <QDBusConnection>
 
+#include <algorithm>
+
 namespace {
 
 const auto Provider = QStringLiteral("fenneleas");
@@ -116,6 +118,7 @@ QList<EasAccountId> AccountDirectory::accounts() const
         if (account && account->providerName() == Provider)
             ids.append(id);
     }
+    std::sort(ids.begin(), ids.end());
     return ids;
 }
 
@@ -217,10 +220,17 @@ bool AccountDirectory::canAdd(const AccountSettings &settings) const
     const QList<EasAccountId> all = accounts();
     for (const EasAccountId id : all) {
         const QJsonObject known = describe(id);
-        const bool isSame = known.value(QStringLiteral("address")).toString() == settings.emailAddress
-            && known.value(QStringLiteral("user")).toString() == settings.userName
+        const bool isOfSameUser = known.value(QStringLiteral("user")).toString() == settings.userName
+            && known.value(QStringLiteral("domain")).toString() == settings.domain
             && known.value(QStringLiteral("server")).toString() == settings.server->host;
-        if (isSame) {
+        if (!isOfSameUser)
+            continue;
+        if (known.value(QStringLiteral("address")).toString() != settings.emailAddress) {
+            Output::note(
+                QStringLiteral("account %1 is of the same user on the same server, which takes both for "
+                               "one device: each sync of one makes the other start anew")
+                    .arg(id));
+        } else {
             Output::error(
                 QStringLiteral("account %1 is this one already; change it with account edit").arg(id));
             return false;

@@ -12,6 +12,10 @@ namespace {
 
 const auto RootFolder = QStringLiteral("0");
 
+const auto NameRefused = QStringLiteral("The server refused the name or the place of the folder.");
+const auto OwnFolderRefused = QStringLiteral(
+    "The server refused it. Folders of its own, such as the Inbox, can be neither renamed nor deleted.");
+
 const QCommandLineOption KindOption(
     QStringLiteral("kind"), QString(), QStringLiteral("mail|calendar|contacts"), QStringLiteral("mail"));
 
@@ -32,8 +36,9 @@ public:
     bool find(const QString &folder, LocalFolder *found);
     /** False, after an error, if the name is taken beside the folders of this parent. */
     bool isFree(const QString &name, const QString &parentPath);
-    /** Has the server do it, and says so. */
-    int run(const DaemonRequest::Call &call, const QString &done, const QJsonObject &facts);
+    /** Has the server do it, and says so; or what it means that it refused. */
+    int run(const DaemonRequest::Call &call, const QString &refused, const QString &done,
+        const QJsonObject &facts);
 
 private:
     FolderDirectory::Kind mKind = FolderDirectory::Mail;
@@ -67,13 +72,12 @@ bool FolderSelection::isFree(const QString &name, const QString &parentPath)
     return true;
 }
 
-int FolderSelection::run(const DaemonRequest::Call &call, const QString &done, const QJsonObject &facts)
+int FolderSelection::run(
+    const DaemonRequest::Call &call, const QString &refused, const QString &done, const QJsonObject &facts)
 {
     RequestRun run(context());
     run.add(account(), call);
-    run.setExplanation(EasRequestStatus::RequestStatusBadRequest,
-        QStringLiteral("The server refused it. Folders of its own, such as the Inbox, can be neither renamed "
-                       "nor deleted."));
+    run.setExplanation(EasRequestStatus::RequestStatusBadRequest, refused);
     const int result = run.exec();
     context().output().addFacts(run.first().describe());
     if (result == ExitSuccess)
@@ -148,7 +152,7 @@ int FolderCommands::create(CommandContext &context)
         [&](EasDBusInterfaceProxy &daemon) {
             return daemon.createFolder(folders.account(), name, parent.id, uint(folders.kind()));
         },
-        QStringLiteral("folder \"%1\" created").arg(name), { { QStringLiteral("name"), name } });
+        NameRefused, QStringLiteral("folder \"%1\" created").arg(name), { { QStringLiteral("name"), name } });
 }
 
 int FolderCommands::rename(CommandContext &context)
@@ -174,6 +178,7 @@ int FolderCommands::rename(CommandContext &context)
         [&](EasDBusInterfaceProxy &daemon) {
             return daemon.updateFolder(folders.account(), folder.id, parent.id, folders.argument(1));
         },
+        OwnFolderRefused,
         QStringLiteral("folder \"%1\" is now \"%2\"").arg(folders.argument(0), folders.argument(1)),
         { { QStringLiteral("id"), folder.id }, { QStringLiteral("name"), folders.argument(1) } });
 }
@@ -192,5 +197,6 @@ int FolderCommands::remove(CommandContext &context)
     }
     return folders.run(
         [&](EasDBusInterfaceProxy &daemon) { return daemon.deleteFolder(folders.account(), folder.id); },
-        QStringLiteral("folder \"%1\" deleted").arg(folder.path), { { QStringLiteral("id"), folder.id } });
+        OwnFolderRefused, QStringLiteral("folder \"%1\" deleted").arg(folder.path),
+        { { QStringLiteral("id"), folder.id } });
 }

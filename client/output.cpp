@@ -14,7 +14,7 @@
 
 namespace {
 
-constexpr int LabelWidth = 18;
+constexpr int LabelWidth = 20;
 
 QByteArray line(const QString &text)
 {

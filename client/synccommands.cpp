@@ -13,6 +13,7 @@
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
+#include <QDBusConnectionInterface>
 #include <QSettings>
 
 #include <algorithm>
@@ -231,6 +232,13 @@ int SyncCommands::quit(CommandContext &context)
     QCommandLineParser parser;
     if (!context.parse(parser, 0, 0))
         return context.exitStatus();
+    // A call would start it.
+    const QDBusConnection bus = QDBusConnection::sessionBus();
+    if (bus.isConnected()
+        && !bus.interface()->isServiceRegistered(ExchangeActiveSync::EAS_DBUS_SERVICE_NAME)) {
+        context.output().done(QStringLiteral("the daemon does not run"));
+        return ExitSuccess;
+    }
     const int result = tell([](EasDBusInterfaceProxy &daemon) { return daemon.quit(); });
     if (result == ExitSuccess)
         context.output().done(QStringLiteral("the daemon ends; it starts again with the next call"));

@@ -33,8 +33,15 @@ Items eventsOf(EasAccountId account)
     if (!store.open())
         return items;
     const KCalendarCore::Event::List events = store.events();
+    // A series and its exceptions are one item.
+    QMap<QString, QStringList> stamps;
     for (const KCalendarCore::Event::Ptr &event : events)
-        items.insert(event->instanceIdentifier(), event->lastModified().toString(Qt::ISODate));
+        stamps[event->uid()].append(
+            event->instanceIdentifier() + event->lastModified().toString(Qt::ISODate));
+    for (auto event = stamps.begin(); event != stamps.end(); ++event) {
+        event->sort();
+        items.insert(event.key(), event->join(QLatin1Char(' ')));
+    }
     return items;
 }
 
