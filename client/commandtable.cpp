@@ -7,6 +7,7 @@
 #include "client/eventcommands.h"
 #include "client/foldercommands.h"
 #include "client/mailcommands.h"
+#include "client/statuscommand.h"
 #include "client/synccommands.h"
 
 #include <QJsonObject>
@@ -39,12 +40,13 @@ int distance(const QString &one, const QString &other)
     return row.last();
 }
 
-/** The first word of a command that differs by two letters at most; empty if there is none. */
+/** The first word of a command that differs by two letters at most; empty if there is none such. */
 QString nearest(const QString &word)
 {
-    constexpr int Farthest = 2;
+    // Of a short word too little would be left to know it by.
+    const int farthest = qMin(2, word.size() / 2);
     QString best;
-    int least = Farthest + 1;
+    int least = farthest + 1;
     for (const Command &command : CommandTable::commands()) {
         const QString known = wordsOf(command).first();
         const int letters = distance(word, known);
@@ -114,6 +116,8 @@ const QList<Command> &CommandTable::commands()
             EventCommands::remove },
         { "event export", "[FILE] [--calendar NAME] [--force]", "write events as iCalendar",
             EventCommands::exportCalendar },
+        { "event import", "FILE [--calendar NAME]",
+            "add the events of an iCalendar file; - reads standard input", EventCommands::importCalendar },
         { "contact list", "[TEXT] [--folder NAME]", "the contacts, or those that match a text",
             ContactCommands::list },
         { "contact show", "CONTACT", "a contact with everything that is known", ContactCommands::show },
@@ -132,6 +136,10 @@ const QList<Command> &CommandTable::commands()
         { "contact delete", "CONTACT ...", "delete contacts", ContactCommands::remove },
         { "contact export", "[FILE] [--folder NAME] [--force]", "write contacts as vCard",
             ContactCommands::exportCards },
+        { "contact import", "FILE [--folder NAME]",
+            "add the contacts of a vCard file; - reads standard input", ContactCommands::importCards },
+        { "status", "", "the accounts, what the device holds of them, and whether the daemon runs",
+            StatusCommand::print },
         { "watch", "", "print every signal of the daemon as it comes", SyncCommands::watch },
         { "cancel", "REQUEST", "cancel a request by its number", SyncCommands::cancel },
         { "log", "debug|info|warning|critical", "what the daemon logs from now on", SyncCommands::log },

@@ -6,10 +6,13 @@
 #include "client/output.h"
 #include "client/plaindetail.h"
 
+#include <QtContacts/QContactEmailAddress>
 #include <QtContacts/QContactName>
 #include <QtContacts/QContactNickname>
 #include <QtContacts/QContactOrganization>
 #include <QtVersit/QVersitContactExporter>
+#include <QtVersit/QVersitContactImporter>
+#include <QtVersit/QVersitReader>
 #include <QtVersit/QVersitWriter>
 
 #include <QBuffer>
@@ -46,6 +49,17 @@ QContact prepared(const QContact &original)
     return contact;
 }
 
+/** Marks the second and third address, which the server keeps in fields of their own. */
+void markEmails(QContact &contact)
+{
+    const QStringList &uris = PlainDetail::emailUris();
+    QList<QContactEmailAddress> addresses = contact.details<QContactEmailAddress>();
+    for (int i = 1; i < qMin(addresses.size(), uris.size()); ++i) {
+        addresses[i].setDetailUri(uris.at(i));
+        contact.saveDetail(&addresses[i]);
+    }
+}
+
 bool exportOne(const QContact &contact, QList<QVersitDocument> *documents)
 {
     QVersitContactExporter exporter;
@@ -78,4 +92,20 @@ bool ContactCards::write(const QList<QContact> &contacts, QByteArray *cards)
     if (!isWritten)
         Output::error(QStringLiteral("the contacts cannot be written as vCard"));
     return isWritten && missing.isEmpty();
+}
+
+bool ContactCards::read(const QByteArray &cards, QList<QContact> *contacts)
+{
+    QVersitReader reader(cards);
+    QVersitContactImporter importer;
+    const bool isRead = reader.startReading() && reader.waitForFinished()
+        && reader.error() == QVersitReader::NoError && !reader.results().isEmpty();
+    if (!isRead || !importer.importDocuments(reader.results())) {
+        Output::error(QStringLiteral("what was given is not a file of vCards"));
+        return false;
+    }
+    *contacts = importer.contacts();
+    for (QContact &contact : *contacts)
+        markEmails(contact);
+    return true;
 }

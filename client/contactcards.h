@@ -12,4 +12,7 @@ namespace ContactCards {
 /** False, after an error that names them, if some contacts are not among the cards. */
 bool write(const QList<QtContacts::QContact> &contacts, QByteArray *cards);
 
+/** False, after an error, if the text is no vCard or one of its cards cannot be taken. */
+bool read(const QByteArray &cards, QList<QtContacts::QContact> *contacts);
+
 } // namespace ContactCards

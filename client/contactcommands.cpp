@@ -5,6 +5,7 @@
 #include "client/contactcards.h"
 #include "client/contactoptions.h"
 #include "client/contactview.h"
+#include "client/inputfile.h"
 #include "client/outputfile.h"
 #include "client/selection.h"
 
@@ -171,4 +172,32 @@ int ContactCommands::exportCards(CommandContext &context)
     const int written = OutputFile(context.output(), selection.parser().isSet(force))
                             .write(selection.argument(), cards, "text/vcard");
     return written == ExitSuccess && !isWhole ? int(ExitFailure) : written;
+}
+
+int ContactCommands::importCards(CommandContext &context)
+{
+    ContactSelection selection(context);
+    selection.parser().addOption(FolderOption);
+    if (!selection.open(1, 1))
+        return selection.exitStatus();
+    const std::optional<QContactCollection> folder =
+        selection.store().collection(selection.parser().value(FolderOption));
+    if (!folder)
+        return ExitNotFound;
+    QByteArray cards;
+    QList<QContact> contacts;
+    if (!InputFile::read(selection.argument(), &cards) || !ContactCards::read(cards, &contacts))
+        return ExitFailure;
+    QJsonArray numbers;
+    for (QContact &contact : contacts) {
+        contact.setCollectionId(folder->id());
+        if (!selection.store().save(&contact))
+            return ExitFailure;
+        numbers.append(ContactBook::number(contact));
+    }
+    context.output().done(
+        QStringLiteral("%1 contact(s) added to %2").arg(numbers.size()).arg(ContactBook::name(*folder))
+            + NextSync,
+        { { QStringLiteral("contacts"), numbers } });
+    return ExitSuccess;
 }

@@ -12,5 +12,6 @@ int add(CommandContext &context);
 int edit(CommandContext &context);
 int remove(CommandContext &context);
 int exportCards(CommandContext &context);
+int importCards(CommandContext &context);
 
 } // namespace ContactCommands

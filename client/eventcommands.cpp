@@ -6,6 +6,7 @@
 #include "client/eventstore.h"
 #include "client/eventtime.h"
 #include "client/eventview.h"
+#include "client/inputfile.h"
 #include "client/outputfile.h"
 #include "client/selection.h"
 
@@ -159,6 +160,8 @@ int EventCommands::edit(CommandContext &context)
     EventOccurrence occurrence;
     if (!events.open(1, 1) || !events.selectEvent(options.occurrence(), &occurrence))
         return events.exitStatus();
+    if (!options.fitsOccurrence(*occurrence.event))
+        return ExitUsage;
     if (!options.saysSomething()) {
         Output::error(QStringLiteral("nothing to change; see fennel-easctl help event edit"));
         return ExitUsage;
@@ -214,4 +217,25 @@ int EventCommands::exportCalendar(CommandContext &context)
     const QByteArray document = events.store().toICalendar(calendar).toUtf8();
     return OutputFile(context.output(), events.parser().isSet(force))
         .write(events.argument(), document, "text/calendar");
+}
+
+int EventCommands::importCalendar(CommandContext &context)
+{
+    EventSelection events(context);
+    events.parser().addOption(CalendarOption);
+    if (!events.open(1, 1))
+        return events.exitStatus();
+    const mKCal::Notebook::Ptr calendar = events.store().calendar(events.parser().value(CalendarOption));
+    if (!calendar)
+        return ExitNotFound;
+    QByteArray document;
+    if (!InputFile::read(events.argument(), &document))
+        return ExitFailure;
+    const std::optional<int> count = events.store().addICalendar(QString::fromUtf8(document), calendar);
+    if (!count || !events.store().save())
+        return ExitFailure;
+    context.output().done(
+        QStringLiteral("%1 event(s) added to %2").arg(*count).arg(calendar->name()) + NextSync,
+        { { QStringLiteral("count"), *count } });
+    return ExitSuccess;
 }

@@ -13,5 +13,6 @@ int add(CommandContext &context);
 int edit(CommandContext &context);
 int remove(CommandContext &context);
 int exportCalendar(CommandContext &context);
+int importCalendar(CommandContext &context);
 
 } // namespace EventCommands

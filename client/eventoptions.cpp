@@ -74,6 +74,20 @@ bool EventOptions::saysOf(const QString &option) const
     return mParser.optionNames().contains(option);
 }
 
+bool EventOptions::fitsOccurrence(const Event &event) const
+{
+    if (occurrence().isEmpty())
+        return true;
+    for (const QString &option : { Repeat, Every, Until, Count }) {
+        if (mParser.isSet(option))
+            return refuse(QStringLiteral("--%1 is for the whole series, not for one occurrence").arg(option));
+    }
+    const bool changesKind =
+        mParser.isSet(Start) && EventTime::read(mParser.value(Start)).hasTime() == event.allDay();
+    return !changesKind
+        || refuse(QStringLiteral("an occurrence lasts whole days if its series does, and only then"));
+}
+
 bool EventOptions::saysSomething() const
 {
     const QStringList given = mParser.optionNames();
@@ -133,6 +147,9 @@ bool EventOptions::applyTimes(Event &event) const
         if (!isNew && event.allDay() == start.hasTime())
             length = Length {};
         event.setAllDay(!start.hasTime());
+        if (!moment(start, zone).isValid())
+            return refuse(
+                QStringLiteral("there is no such time on that day: the clocks are put forward then"));
         event.setDtStart(moment(start, zone));
     }
     if (!event.dtStart().isValid())
@@ -166,6 +183,9 @@ bool EventOptions::applyEnd(Event &event, const Length &length) const
             return refuse(event.allDay() ? QStringLiteral("--end needs the last day, as --start is a day")
                                          : QStringLiteral("--end needs a time, as --start has one"));
         end = moment(wanted, event.dtStart().timeZone());
+        if (!end.isValid())
+            return refuse(
+                QStringLiteral("there is no such time on that day: the clocks are put forward then"));
     }
     if (end < event.dtStart())
         return refuse(QStringLiteral("an event cannot end before it starts"));

@@ -27,6 +27,9 @@ public:
     QString calendar() const;
     /** The start of the occurrence that is meant; empty for the event as a whole. */
     QString occurrence() const;
+    /** False, after an error, if one occurrence is meant and an option is only for a series, or makes of it
+     * what servers refuse. */
+    bool fitsOccurrence(const KCalendarCore::Event &event) const;
     /** Whether anything is to be changed at all. */
     bool saysSomething() const;
 

@@ -7,6 +7,7 @@
 #include "common/privilegedfolder.h"
 
 #include <KCalendarCore/ICalFormat>
+#include <KCalendarCore/MemoryCalendar>
 #include <KCalendarCore/OccurrenceIterator>
 
 #include <QCryptographicHash>
@@ -191,6 +192,35 @@ bool EventStore::save()
         return true;
     Output::error(QStringLiteral("the calendar store refused the change"));
     return false;
+}
+
+std::optional<int> EventStore::addICalendar(const QString &text, const mKCal::Notebook::Ptr &calendar)
+{
+    const KCalendarCore::MemoryCalendar::Ptr read(
+        new KCalendarCore::MemoryCalendar(QTimeZone::systemTimeZone()));
+    KCalendarCore::ICalFormat format;
+    if (!format.fromString(read, text) || read->rawEvents().isEmpty()) {
+        Output::error(QStringLiteral("what was given holds no events in iCalendar"));
+        return std::nullopt;
+    }
+    Event::List events = read->rawEvents();
+    // Series before their exceptions, which need them.
+    std::stable_partition(
+        events.begin(), events.end(), [](const Event::Ptr &event) { return !event->hasRecurrenceId(); });
+    int count = 0;
+    for (const Event::Ptr &event : qAsConst(events)) {
+        if (mCalendar->event(event->uid(), event->recurrenceId())) {
+            Output::note(QStringLiteral("\"%1\" is there already").arg(event->summary()));
+            continue;
+        }
+        const Event::Ptr copy(event->clone());
+        if (!mCalendar->addEvent(copy, calendar->uid())) {
+            Output::error(QStringLiteral("the event \"%1\" cannot be added").arg(event->summary()));
+            return std::nullopt;
+        }
+        ++count;
+    }
+    return count;
 }
 
 QString EventStore::toICalendar(const mKCal::Notebook::Ptr &calendar) const

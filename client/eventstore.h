@@ -11,6 +11,8 @@
 #include <QList>
 #include <QString>
 
+#include <optional>
+
 /** One time at which an event takes place: a plain event, an occurrence of a series, or its exception. */
 struct EventOccurrence
 {
@@ -66,6 +68,9 @@ public:
     /** False after an error was printed. */
     bool save();
 
+    /** The events of an iCalendar text that are not there yet, exceptions of series included; their number.
+     * Nothing, after an error, if the text is none. */
+    std::optional<int> addICalendar(const QString &text, const mKCal::Notebook::Ptr &calendar);
     QString toICalendar(const mKCal::Notebook::Ptr &calendar) const;
 
 private:

@@ -6,6 +6,7 @@
 #include <qmaildisconnected.h>
 #include <qmailfolderkey.h>
 #include <qmailmessagekey.h>
+#include <qmailmessageremovalrecord.h>
 #include <qmailstore.h>
 
 #include <algorithm>
@@ -103,6 +104,22 @@ int MailBox::count(const QMailFolderId &id, bool unreadOnly)
     if (unreadOnly)
         key &= QMailMessageKey::status(QMailMessage::Read, QMailDataComparator::Excludes);
     return QMailStore::instance()->countMessages(key);
+}
+
+int MailBox::waiting() const
+{
+    const auto has = [](quint64 status) {
+        return QMailMessageKey::status(status, QMailDataComparator::Includes);
+    };
+    // As the engine looks for changes: the store keeps what the server knows beside what the user did.
+    const QMailMessageKey readHere = has(QMailMessage::Read) & ~has(QMailMessage::ReadElsewhere);
+    const QMailMessageKey unreadHere = ~has(QMailMessage::Read) & has(QMailMessage::ReadElsewhere);
+    const QMailMessageKey moved =
+        QMailMessageKey::previousParentFolderId(QMailFolderId(), QMailDataComparator::NotEqual);
+    const QMailAccountId account(mAccountId);
+    QMailStore *const store = QMailStore::instance();
+    return store->countMessages(QMailMessageKey::parentAccountId(account) & (readHere | unreadHere | moved))
+        + store->messageRemovalRecords(account).size();
 }
 
 QMailMessageIdList MailBox::allMessages() const

@@ -46,6 +46,9 @@ public:
     static int depth(const QMailFolderId &id);
     static int count(const QMailFolderId &id, bool unreadOnly);
 
+    /** Messages that were read, moved or deleted here and that the server has not been told of. */
+    int waiting() const;
+
     /** In no order. */
     QMailMessageIdList allMessages() const;
     /** Newest first. */

@@ -166,6 +166,8 @@ private Q_SLOTS:
         QCOMPARE(client.run({ "snyc" }), int(ExitUsage));
         QCOMPARE(client.errors(),
             QByteArray("fennel-easctl: there is no command \"snyc\"; did you mean \"sync\"?\n"));
+        QCOMPARE(client.run({ "foo" }), int(ExitUsage));
+        QVERIFY2(client.errors().contains("\"foo\"; see"), client.errors());
         QCOMPARE(client.run({ "mail", "burn" }), int(ExitUsage));
         QVERIFY2(
             client.errors().contains("mail burn") && client.errors().contains("list, show"), client.errors());
@@ -216,6 +218,32 @@ private Q_SLOTS:
         QCOMPARE(client.json().object().value(QStringLiteral("accounts")).toArray().size(), 2);
         QCOMPARE(client.run({ "mail", "list" }), int(ExitUsage));
         QVERIFY2(client.errors().contains("several accounts"), client.errors());
+    }
+
+    void theStatusTellsOfAccountsAndStartsNothing()
+    {
+        ClientProcess client;
+        QCOMPARE(client.run({ "mark", "read", mMessage }), int(ExitSuccess));
+        QCOMPARE(client.run({ "--json", "status" }), int(ExitSuccess));
+        QJsonObject status = client.json().object();
+        QVERIFY(status.value(QStringLiteral("daemonRuns")).toBool());
+        const QJsonObject only = status.value(QStringLiteral("accounts")).toArray().first().toObject();
+        QCOMPARE(only.value(QStringLiteral("state")).toString(), QStringLiteral("ready"));
+        QCOMPARE(only.value(QStringLiteral("mail")).toInt(), 1);
+        QCOMPARE(only.value(QStringLiteral("unread")).toInt(), 0);
+        QCOMPARE(only.value(QStringLiteral("mailWaiting")).toInt(), 1);
+        mDaemon.reset();
+        QCOMPARE(client.run({ "account", "disable" }), int(ExitSuccess));
+        QCOMPARE(client.run({ "--json", "status" }), int(ExitSuccess));
+        status = client.json().object();
+        QVERIFY(!status.value(QStringLiteral("daemonRuns")).toBool());
+        QCOMPARE(status.value(QStringLiteral("accounts"))
+                     .toArray()
+                     .first()
+                     .toObject()
+                     .value(QStringLiteral("state"))
+                     .toString(),
+            QStringLiteral("disabled"));
     }
 
     void whatASyncBringsIsCounted()
@@ -309,6 +337,14 @@ private Q_SLOTS:
             QStringLiteral("CredentialsNeedUpdate"), true));
         QCOMPARE(client.run({ "sync" }), int(ExitFailure));
         QVERIFY2(client.errors().contains("fennel-easctl password"), client.errors());
+    }
+
+    void aDaemonThatDoesNotRunIsNotStartedToEnd()
+    {
+        mDaemon.reset();
+        ClientProcess client;
+        QCOMPARE(client.run({ "quit" }), int(ExitSuccess));
+        QVERIFY2(client.output().contains("does not run"), client.output());
     }
 
     void aDaemonThatDiesEndsTheClient()

@@ -317,6 +317,67 @@ private Q_SLOTS:
         QCOMPARE(CommandScene::run({ "contact", "export", path }), int(ExitFailure));
     }
 
+    void whatWasExportedComesBackWhole()
+    {
+        QCOMPARE(CommandScene::run("contact|add|--name|Anna Öl|--email|a@example.com|--email|b@example.com|"
+                                   "--mobile|1|--birthday|1980-05-01|--note|likes tea"),
+            int(ExitSuccess));
+        QJsonObject before = only();
+        const QString path = mScene->path(QStringLiteral("back.vcf"));
+        QCOMPARE(CommandScene::run({ "contact", "export", path }), int(ExitSuccess));
+        QCOMPARE(CommandScene::run({ "contact", "delete", onlyId() }), int(ExitSuccess));
+        QCOMPARE(CommandScene::run({ "contact", "import", path }), int(ExitSuccess));
+        QJsonObject after = only();
+        for (QJsonObject *contact : { &before, &after })
+            contact->remove(QStringLiteral("id"));
+        QCOMPARE(after, before);
+        QCOMPARE(address(onlyContact(), QStringLiteral("urn:as:contact:EmailAddress2")),
+            QStringLiteral("b@example.com"));
+    }
+
+    void aFileThatIsNoCardIsRefused()
+    {
+        const QString path = mScene->path(QStringLiteral("text.vcf"));
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.write("no card") > 0);
+        file.close();
+        QCOMPARE(CommandScene::run({ "contact", "import", path }), int(ExitFailure));
+        QCOMPARE(CommandScene::run({ "contact", "import", "/nowhere" }), int(ExitFailure));
+        QVERIFY(names().isEmpty());
+    }
+
+    void aContactWithoutANameHasACard()
+    {
+        QContact contact;
+        QContactEmailAddress email;
+        email.setEmailAddress(QStringLiteral("only@example.com"));
+        contact.saveDetail(&email);
+        QVERIFY(store(contact));
+        const QString path = mScene->path(QStringLiteral("nameless.vcf"));
+        QCOMPARE(CommandScene::run({ "contact", "export", path }), int(ExitSuccess));
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QVERIFY(file.readAll().contains("only@example.com"));
+    }
+
+    void aReadingIsNoName()
+    {
+        QContact contact = person(QStringLiteral("花子"), QString(), QStringLiteral("山田"));
+        QContactName reading;
+        reading.setFirstName(QStringLiteral("はなこ"));
+        reading.setDetailUri(QStringLiteral("urn:as:contact:YomiName"));
+        contact.saveDetail(&reading);
+        QVERIFY(store(contact));
+        const QString path = mScene->path(QStringLiteral("reading.vcf"));
+        QCOMPARE(CommandScene::run({ "contact", "export", path }), int(ExitSuccess));
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QByteArray cards = file.readAll();
+        QCOMPARE(cards.count("\nN"), 1);
+        QVERIFY(cards.contains(QStringLiteral("山田").toUtf8()));
+        QCOMPARE(only().value(QStringLiteral("reading")).toString(), QStringLiteral("はなこ"));
+    }
+
     void wrongUsageIsRefusedAndChangesNothing_data()
     {
         QTest::addColumn<QString>("line");

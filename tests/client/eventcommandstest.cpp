@@ -278,6 +278,54 @@ private Q_SLOTS:
         QVERIFY(content().contains("SUMMARY:One") && content().contains("SUMMARY:Two"));
     }
 
+    void whatWasExportedComesBackWhole()
+    {
+        QCOMPARE(CommandScene::run("event|add|Series|--start|2024-05-02 10:00|--repeat|weekly|--count|3"),
+            int(ExitSuccess));
+        const QString id = mScene->event(QStringLiteral("Series"));
+        QCOMPARE(run(QStringLiteral("event|edit|%1|--occurrence|2024-05-09 10:00|--start|2024-05-10 11:00")
+                         .arg(id)),
+            int(ExitSuccess));
+        const QStringList before = mScene->may();
+        QCOMPARE(before.size(), 3);
+        const QString path = mScene->path(QStringLiteral("back.ics"));
+        QCOMPARE(CommandScene::run({ "event", "export", path }), int(ExitSuccess));
+        QCOMPARE(run(QStringLiteral("event|delete|") + id), int(ExitSuccess));
+        QVERIFY(mScene->may().isEmpty());
+        QCOMPARE(CommandScene::run({ "event", "import", path }), int(ExitSuccess));
+        QCOMPARE(mScene->may(), before);
+        // What is there already does not come twice.
+        QCOMPARE(CommandScene::run({ "event", "import", path }), int(ExitSuccess));
+        QCOMPARE(mScene->may(), before);
+    }
+
+    void oneOccurrenceIsNoSeries_data()
+    {
+        QTest::addColumn<QString>("options");
+        QTest::newRow("a rule") << "--repeat|daily";
+        QTest::newRow("whole days") << "--start|2024-05-10";
+    }
+
+    void oneOccurrenceIsNoSeries()
+    {
+        QFETCH(QString, options);
+        QCOMPARE(CommandScene::run("event|add|Series|--start|2024-05-02 10:00|--repeat|weekly|--count|3"),
+            int(ExitSuccess));
+        const QStringList before = mScene->may();
+        QCOMPARE(run(QStringLiteral("event|edit|%1|--occurrence|2024-05-09 10:00|%2")
+                         .arg(mScene->event(QStringLiteral("Series")), options)),
+            int(ExitUsage));
+        QCOMPARE(mScene->may(), before);
+    }
+
+    void anHourThatDoesNotExistIsSaidSo()
+    {
+        QCOMPARE(
+            CommandScene::run("event|add|X|--start|2024-03-31 02:30|--zone|Europe/Berlin"), int(ExitUsage));
+        QCOMPARE(
+            CommandScene::run("event|add|X|--start|2024-03-31 03:30|--zone|Europe/Berlin"), int(ExitSuccess));
+    }
+
     void listsAndSheetsArePrinted()
     {
         QCOMPARE(CommandScene::run("event|add|One|--start|2024-05-02 10:00"), int(ExitSuccess));
