@@ -9,6 +9,7 @@
 #include "requests/synccollectionqueue.h"
 #include "requests/syncfolderselection.h"
 #include "storages/contactstorage.h"
+#include "storages/mailstorage.h"
 
 namespace {
 
@@ -72,6 +73,8 @@ void SyncRequest::startRequest()
         qCCritical(eas()) << "No account";
         return completeWith(RequestStatusInternalError);
     }
+    if (const QSharedPointer<MailStorage> mail = easAccount->mailStorage())
+        mail->lookForChangesAnew();
     if (const QSharedPointer<ContactStorage> contacts = easAccount->contactStorage())
         connect(this, &SyncRequest::syncCompleted, contacts.data(), &ContactStorage::onSyncCompleted,
             Qt::UniqueConnection);

@@ -3,14 +3,25 @@
 
 #include "easitems/easitemscommon.h"
 
+#include <QByteArray>
 #include <QList>
 #include <QObject>
+#include <QString>
 #include <QStringList>
 
 class EasAccount;
 class EasBodyContainer;
 class EasEmailItem;
 class EasFolderItem;
+
+/** What was fetched for one part of a message: which it is, and its type, octets and file name. */
+struct MessagePartContent
+{
+    QString location;
+    QString contentType;
+    QByteArray data;
+    QString fileName;
+};
 
 /**
  * The device's mail store as the requests see it: folders and messages of one account.
@@ -63,6 +74,15 @@ public:
     virtual QString fileReferenceFromLocation(quint64 messageId, const QString &location) = 0;
     virtual QString serverUidFromMessageId(quint64 messageId) = 0;
     virtual int estimatedDataSizeFromLocation(quint64 messageId, const QString &location) = 0;
+    /** Stores what was fetched for several attachments of a message, and writes the message once. */
+    virtual bool updateMessageParts(quint64 messageId, const QList<MessagePartContent> &parts) = 0;
+
+    /**
+     * A sync of the account begins: what the user has changed is looked for anew. In the course of a sync the
+     * storage may go by what the store tells of.
+     */
+    virtual void lookForChangesAnew() {}
+
     virtual void cleanUpFolder(const EasFolderItem &folder) = 0;
     virtual QList<EasFolderItem> foldersToSynchronize() = 0;
 

@@ -2,6 +2,7 @@
 #include "storages/mail/maillocalchanges.h"
 #include "application/mapping/easdatabase.h"
 #include "protocol/wbxml/wbxmltokens.h"
+#include "storages/mail/mailpendingmarks.h"
 #include "support/logcollector.h"
 #include "support/mailfixture.h"
 #include "support/testmain.h"
@@ -36,6 +37,23 @@ void moveInTheMapping(const MailFixture &mail)
     QVERIFY(EasDatabase::instance()->updateMovedEmailItems(mail.accountId(), { moved }));
 }
 
+/** What the user has changed, looked for without any knowledge of before. */
+class Changes
+{
+public:
+    explicit Changes(const MailFixture &mail)
+        : mMarks(mail.context)
+        , mChanges(mail.context, mMarks)
+    {
+    }
+
+    const MailLocalChanges *operator->() const { return &mChanges; }
+
+private:
+    MailPendingMarks mMarks;
+    MailLocalChanges mChanges;
+};
+
 } // namespace
 
 class MailLocalChangesTest : public QObject
@@ -48,10 +66,10 @@ private Q_SLOTS:
         MailFixture mail;
         const QMailFolderId inbox = mail.addFolder("5");
         mail.addMessage(mail.item("5:1", "5"));
-        const MailLocalChanges changes(mail.context);
-        QVERIFY(changes.updatedEmails(text(inbox)).isEmpty());
-        QVERIFY(changes.movedEmails().isEmpty());
-        QVERIFY(changes.deletedEmails(text(inbox)).isEmpty());
+        const Changes changes(mail);
+        QVERIFY(changes->updatedEmails(text(inbox)).isEmpty());
+        QVERIFY(changes->movedEmails().isEmpty());
+        QVERIFY(changes->deletedEmails(text(inbox)).isEmpty());
     }
 
     void readMarksThatTheServerDoesNotKnowAreChanges()
@@ -69,14 +87,14 @@ private Q_SLOTS:
         mail.setStatus(nowUnread, QMailMessage::Read, false);
         mail.setStatus(elsewhere, QMailMessage::Read, false);
 
-        const QList<EasEmailItem> items = MailLocalChanges(mail.context).updatedEmails(text(inbox));
+        const QList<EasEmailItem> items = Changes(mail)->updatedEmails(text(inbox));
         QCOMPARE(serverIds(items), QStringList({ "5:1", "5:2" }));
         for (const EasEmailItem &item : items) {
             QCOMPARE(item.changedFields(), QList<uint> { Wbxml::Email::Read });
             QCOMPARE(item.read(), item.serverId() == "5:1");
             QCOMPARE(item.collectionId(), QStringLiteral("5"));
         }
-        QCOMPARE(serverIds(MailLocalChanges(mail.context).updatedEmails(text(other))), QStringList { "6:1" });
+        QCOMPARE(serverIds(Changes(mail)->updatedEmails(text(other))), QStringList { "6:1" });
     }
 
     void aMarkWhoseMessageTheServerHasElsewhereWaitsForTheMove()
@@ -87,10 +105,10 @@ private Q_SLOTS:
         const QMailMessageId id = mail.addMessage(mail.item("7", "5"));
         mail.setStatus(id, QMailMessage::Read, false);
         QMailDisconnected::moveToFolder(QMailMessageIdList { id }, archive);
-        QVERIFY(MailLocalChanges(mail.context).updatedEmails(text(archive)).isEmpty());
-        QVERIFY(MailLocalChanges(mail.context).updatedEmails(text(inbox)).isEmpty());
+        QVERIFY(Changes(mail)->updatedEmails(text(archive)).isEmpty());
+        QVERIFY(Changes(mail)->updatedEmails(text(inbox)).isEmpty());
         QMailDisconnected::moveToFolder(QMailMessageIdList { id }, inbox);
-        QCOMPARE(serverIds(MailLocalChanges(mail.context).updatedEmails(text(inbox))), QStringList { "7" });
+        QCOMPARE(serverIds(Changes(mail)->updatedEmails(text(inbox))), QStringList { "7" });
     }
 
     void whatTheServerDoesNotKnowIsNoChange()
@@ -102,7 +120,7 @@ private Q_SLOTS:
         draft.setParentFolderId(drafts);
         draft.setStatus(QMailMessage::Read, true);
         QVERIFY(mail.context.store->addMessage(&draft));
-        QVERIFY(MailLocalChanges(mail.context).updatedEmails(text(drafts)).isEmpty());
+        QVERIFY(Changes(mail)->updatedEmails(text(drafts)).isEmpty());
     }
 
     void aRemovalOfAnotherMessageOfThatNameIsNoChange()
@@ -115,7 +133,7 @@ private Q_SLOTS:
         QVERIFY(store->removeFolder(gone));
         QVERIFY(EasDatabase::instance()->clearEmailFolder(mail.accountId(), "6"));
         mail.addMessage(mail.item("7", "5"));
-        QVERIFY(MailLocalChanges(mail.context).deletedEmails(text(inbox)).isEmpty());
+        QVERIFY(Changes(mail)->deletedEmails(text(inbox)).isEmpty());
     }
 
     void addedMailIsThatOfTheFolder()
@@ -125,7 +143,7 @@ private Q_SLOTS:
         mail.addFolder("6");
         mail.addMessage(mail.item("5:1", "5"));
         mail.addMessage(mail.item("6:1", "6"));
-        QCOMPARE(serverIds(MailLocalChanges(mail.context).addedEmails(text(inbox))), QStringList { "5:1" });
+        QCOMPARE(serverIds(Changes(mail)->addedEmails(text(inbox))), QStringList { "5:1" });
     }
 
     void aMoveIsFound()
@@ -135,7 +153,7 @@ private Q_SLOTS:
         const QMailFolderId archive = mail.addFolder("6");
         const QMailMessageId id = mail.addMessage(mail.item("5:1", "5"));
         QMailDisconnected::moveToFolder(QMailMessageIdList { id }, archive);
-        const QList<EasEmailItem> items = MailLocalChanges(mail.context).movedEmails();
+        const QList<EasEmailItem> items = Changes(mail)->movedEmails();
         QCOMPARE(items.size(), 1);
         QCOMPARE(items.at(0).serverId(), QStringLiteral("5:1"));
         QCOMPARE(items.at(0).sourceFolderId(), QStringLiteral("5"));
@@ -151,7 +169,7 @@ private Q_SLOTS:
         const QMailFolderId unknown = mail.addStoreFolder("unknown");
         const QMailMessageId id = mail.addMessage(mail.item("5:1", "5"));
         QMailDisconnected::moveToFolder(QMailMessageIdList { id }, unknown);
-        QVERIFY(MailLocalChanges(mail.context).movedEmails().isEmpty());
+        QVERIFY(Changes(mail)->movedEmails().isEmpty());
         QVERIFY(log.contains(QtWarningMsg, { "failed to create a valid item from message with id" }));
     }
 
@@ -166,13 +184,13 @@ private Q_SLOTS:
         QMailDisconnected::moveToFolder(QMailMessageIdList { id }, archive);
         moveInTheMapping(mail);
 
-        const MailLocalChanges changes(mail.context);
-        QVERIFY(changes.movedEmails().isEmpty());
+        const Changes changes(mail);
+        QVERIFY(changes->movedEmails().isEmpty());
         QCOMPARE(mail.message(id).serverUid(), QStringLiteral("6:7"));
         QVERIFY(!mail.message(id).previousParentFolderId().isValid());
         QCOMPARE(mail.message(id).parentFolderId(), archive);
         // The read mark that has not gone up yet goes up under the new name.
-        QCOMPARE(serverIds(changes.updatedEmails(text(archive))), QStringList { "6:7" });
+        QCOMPARE(serverIds(changes->updatedEmails(text(archive))), QStringList { "6:7" });
     }
 
     void aMessageThatWasMovedOnAfterAnInterruptedMoveGoesOnFromThere()
@@ -186,7 +204,7 @@ private Q_SLOTS:
         moveInTheMapping(mail);
         QMailDisconnected::moveToFolder(QMailMessageIdList { id }, drawer);
 
-        const QList<EasEmailItem> items = MailLocalChanges(mail.context).movedEmails();
+        const QList<EasEmailItem> items = Changes(mail)->movedEmails();
         QCOMPARE(items.size(), 1);
         QCOMPARE(items.at(0).serverId(), QStringLiteral("6:7"));
         QCOMPARE(items.at(0).sourceFolderId(), QStringLiteral("6"));
@@ -215,7 +233,7 @@ private Q_SLOTS:
         EasEmailItem nameless = mail.item(QString(), "5");
         QVERIFY(remove(mail.addMessage(nameless)));
 
-        QCOMPARE(MailLocalChanges(mail.context).deletedEmails(text(inbox)), QStringList { "5:1" });
+        QCOMPARE(Changes(mail)->deletedEmails(text(inbox)), QStringList { "5:1" });
         QVERIFY(log.contains("serverUid is empty in Removal Record"));
     }
 };

@@ -439,6 +439,19 @@ private Q_SLOTS:
         QVERIFY(mail.context.store->messageRemovalRecords(mail.mailAccountId()).isEmpty());
     }
 
+    void aSyncLooksForChangesAnew()
+    {
+        MailFixture mail;
+        const QString inbox = text(mail.addFolder("5"));
+        const QMailMessageId id = mail.addMessage(mail.item("5:1", "5"));
+        MailStorageImpl storage(&mail.account);
+        QVERIFY(storage.updatedEmails(inbox).isEmpty());
+        mail.setStatus(id, QMailMessage::Read, false);
+        QCOMPARE(storage.updatedEmails(inbox).size(), 1);
+        storage.lookForChangesAnew();
+        QCOMPARE(storage.updatedEmails(inbox).size(), 1);
+    }
+
     void aFetchedBodyNeverTakesThePlaceOfAFullerOne_data()
     {
         QTest::addColumn<int>("type");

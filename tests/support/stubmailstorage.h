@@ -9,7 +9,10 @@
 
 #include <QMap>
 
-/** A mail store that knows the server identifiers of some messages and does nothing. */
+/**
+ * A mail store that knows the server identifiers of some messages and the places of their attachments, and
+ * keeps what was fetched.
+ */
 class StubMailStorage : public MailStorage
 {
 public:
@@ -20,6 +23,20 @@ public:
 
     QMap<quint64, QString> serverUids;
     StubFolders folders;
+    /** Of attachments that are still to be fetched; their references are "MESSAGE/LOCATION". */
+    QMap<quint64, QStringList> attachments;
+    /** What was fetched, by the references of the attachments, and in how many writes. */
+    QMap<QString, QByteArray> files;
+    int writes = 0;
+    QMap<quint64, QString> bodies;
+    /** Messages whose bodies cannot be stored. */
+    QList<quint64> lockedMessages;
+    bool takesEmails = false;
+
+    static QString reference(quint64 messageId, const QString &location)
+    {
+        return QString::number(messageId) + QLatin1Char('/') + location;
+    }
 
     QString serverUidFromMessageId(quint64 messageId) override { return serverUids.value(messageId); }
 
@@ -30,7 +47,7 @@ public:
     }
     bool updateEmails(QList<EasEmailItem> &, QList<EasEmailItem> &, const QStringList &) override
     {
-        return false;
+        return takesEmails;
     }
     bool addSearchResults(QList<EasEmailItem> &, QList<quint64> &) override { return false; }
     bool successfullyUpdatedEmails(QList<EasEmailItem> &) override { return false; }
@@ -50,11 +67,15 @@ public:
     bool isForward(const QString &) const override { return false; }
     bool initialized() const override { return true; }
     bool updateMovedEmails(const QList<EasEmailItem> &) override { return false; }
-    bool updateBodyPart(quint64, const EasBodyContainer &) override { return false; }
-    bool updateMessagePart(
-        quint64, const QString &, const QString &, const QByteArray &, const QString &) override
+    bool updateBodyPart(quint64 messageId, const EasBodyContainer &body) override
     {
-        return false;
+        bodies.insert(messageId, body.data());
+        return !lockedMessages.contains(messageId);
+    }
+    bool updateMessagePart(quint64 messageId, const QString &location, const QString &contentType,
+        const QByteArray &data, const QString &fileName) override
+    {
+        return updateMessageParts(messageId, { { location, contentType, data, fileName } });
     }
     bool updateCalendarResponsePart(quint64, quint64, EasItemsCommon::UserResponseType) override
     {
@@ -64,14 +85,28 @@ public:
     {
         return false;
     }
-    QStringList queryAttachmentsLocations(quint64, bool) override { return {}; }
-    bool isAttachmentDownloaded(quint64, const QString &) override { return false; }
-    EasItemsCommon::TBoolean isAttachmentPart(quint64, const QString &) override
+    QStringList queryAttachmentsLocations(quint64 messageId, bool onlyDownloaded) override
     {
-        return EasItemsCommon::TUndefined;
+        return onlyDownloaded ? QStringList() : attachments.value(messageId);
     }
-    QString fileReferenceFromLocation(quint64, const QString &) override { return {}; }
-    int estimatedDataSizeFromLocation(quint64, const QString &) override { return 0; }
+    bool isAttachmentDownloaded(quint64, const QString &) override { return false; }
+    EasItemsCommon::TBoolean isAttachmentPart(quint64 messageId, const QString &location) override
+    {
+        return attachments.value(messageId).contains(location) ? EasItemsCommon::TTrue
+                                                               : EasItemsCommon::TUndefined;
+    }
+    QString fileReferenceFromLocation(quint64 messageId, const QString &location) override
+    {
+        return attachments.value(messageId).contains(location) ? reference(messageId, location) : QString();
+    }
+    int estimatedDataSizeFromLocation(quint64, const QString &) override { return 1; }
+    bool updateMessageParts(quint64 messageId, const QList<MessagePartContent> &parts) override
+    {
+        ++writes;
+        for (const MessagePartContent &part : parts)
+            files.insert(reference(messageId, part.location), part.data);
+        return true;
+    }
     void cleanUpFolder(const EasFolderItem &) override {}
     QList<EasFolderItem> foldersToSynchronize() override { return {}; }
 };

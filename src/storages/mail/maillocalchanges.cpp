@@ -8,6 +8,7 @@
 #include "easitems/easemailitem.h"
 #include "protocol/wbxml/wbxmltokens.h"
 #include "storages/mail/mailmessagereader.h"
+#include "storages/mail/mailpendingmarks.h"
 #include "storages/mail/mailrecognition.h"
 #include "storages/mail/mailstorecontext.h"
 
@@ -27,8 +28,9 @@ QMailFolderId folderIdFromText(const QString &text)
 
 } // namespace
 
-MailLocalChanges::MailLocalChanges(const MailStoreContext &context)
+MailLocalChanges::MailLocalChanges(const MailStoreContext &context, MailPendingMarks &marks)
     : mContext(context)
+    , mMarks(marks)
 {
 }
 
@@ -57,18 +59,7 @@ QList<EasEmailItem> MailLocalChanges::addedEmails(const QString &localFolderId) 
 QList<EasEmailItem> MailLocalChanges::updatedEmails(const QString &localFolderId) const
 {
     QList<EasEmailItem> updated;
-    // A message whose move is not told yet is in another folder on the server, where its name may be
-    // another's.
-    const QMailMessageKey place = QMailMessageKey::parentFolderId(folderIdFromText(localFolderId))
-        & QMailMessageKey::parentAccountId(mContext.mailAccountId)
-        & QMailMessageKey::previousParentFolderId(QMailFolderId(), QMailDataComparator::Equal);
-    const auto includes = QMailDataComparator::Includes;
-    const auto excludes = QMailDataComparator::Excludes;
-    const QMailMessageKey readHere = QMailMessageKey::status(QMailMessage::Read, includes)
-        & QMailMessageKey::status(QMailMessage::ReadElsewhere, excludes) & place;
-    const QMailMessageKey unreadHere = QMailMessageKey::status(QMailMessage::Read, excludes)
-        & QMailMessageKey::status(QMailMessage::ReadElsewhere, includes) & place;
-    const QMailMessageIdList ids = mContext.store->queryMessages(readHere | unreadHere);
+    const QMailMessageIdList ids = mMarks.inFolder(folderIdFromText(localFolderId));
     if (ids.isEmpty())
         return updated;
     EasDatabase *database = EasDatabase::instance();

@@ -7,13 +7,14 @@
 
 struct MailStoreContext;
 class EasEmailItem;
+class MailPendingMarks;
 class QMailMessageMetaData;
 
 /** Finds what the user changed: all of it stands in the store's own flags and records, with no journal. */
 class MailLocalChanges
 {
 public:
-    explicit MailLocalChanges(const MailStoreContext &context);
+    MailLocalChanges(const MailStoreContext &context, MailPendingMarks &marks);
 
     QList<EasEmailItem> addedEmails(const QString &localFolderId) const;
 
@@ -40,4 +41,5 @@ private:
     bool settleMove(QMailMessageMetaData &message, EasEmailItem &item, const QString &mapped) const;
 
     const MailStoreContext &mContext;
+    MailPendingMarks &mMarks;
 };

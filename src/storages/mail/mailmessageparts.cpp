@@ -6,6 +6,7 @@
 #include "storages/mail/mailattachments.h"
 #include "storages/mail/mailbodywriter.h"
 #include "storages/mail/mailstorecontext.h"
+#include "storages/mailstorage.h"
 
 MailMessageParts::MailMessageParts(const MailStoreContext &context)
     : mContext(context)
@@ -37,14 +38,16 @@ bool MailMessageParts::updateBody(quint64 messageId, const EasBodyContainer &bod
     return mContext.store->updateMessage(&message);
 }
 
-bool MailMessageParts::fill(quint64 messageId, const QString &location, const QString &contentType,
-    const QByteArray &data, const QString &fileName) const
+bool MailMessageParts::fill(quint64 messageId, const QList<MessagePartContent> &parts) const
 {
     QMailMessage message = stored(messageId);
     if (!message.id().isValid())
         return false;
-    return MailAttachments::fillPart(&message, location, contentType, data, fileName)
-        && mContext.store->updateMessage(&message);
+    for (const MessagePartContent &part : parts) {
+        if (!MailAttachments::fillPart(&message, part.location, part.contentType, part.data, part.fileName))
+            return false;
+    }
+    return mContext.store->updateMessage(&message);
 }
 
 QStringList MailMessageParts::locations(quint64 messageId, bool downloaded) const

@@ -3,13 +3,14 @@
 
 #include "easitems/easitemscommon.h"
 
-#include <QByteArray>
+#include <QList>
 #include <QString>
 #include <QStringList>
 
 #include <qmailmessage.h>
 
 struct MailStoreContext;
+struct MessagePartContent;
 class EasBodyContainer;
 
 /**
@@ -24,9 +25,8 @@ public:
 
     /** A fuller body that is there stays, and that is true; one that is cut short is not stored. */
     bool updateBody(quint64 messageId, const EasBodyContainer &body) const;
-    /** Puts fetched content into its part. */
-    bool fill(quint64 messageId, const QString &location, const QString &contentType, const QByteArray &data,
-        const QString &fileName) const;
+    /** Puts fetched contents into their parts and writes the message once; all or nothing. */
+    bool fill(quint64 messageId, const QList<MessagePartContent> &parts) const;
 
     QStringList locations(quint64 messageId, bool downloaded) const;
     bool isDownloaded(quint64 messageId, const QString &location) const;

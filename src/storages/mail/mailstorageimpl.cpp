@@ -35,6 +35,7 @@ MailStorageImpl::MailStorageImpl(EasAccount *account, QObject *parent)
     , mFolderChanges(mContext)
     , mFolders(mContext, mFolderChanges)
     , mBatch(mContext)
+    , mMarks(mContext)
 {
     initializeStorage();
 }
@@ -61,6 +62,9 @@ void MailStorageImpl::initializeStorage()
         mContext.store, &QMailStore::accountsAdded, this, [this] { onAccountsAdded(); },
         Qt::QueuedConnection);
     qRegisterMetaType<QMailAccountIdList>("QMailAccountIdList");
+    // At once, so that a question right after a change knows of it.
+    connect(mContext.store, &QMailStore::messagesUpdated, this,
+        [this](const QMailMessageIdList &ids) { mMarks.messagesUpdated(ids); });
     bindMailAccount();
 }
 
@@ -190,22 +194,24 @@ bool MailStorageImpl::successfullyUpdatedEmails(QList<EasEmailItem> &items)
 
 QList<EasEmailItem> MailStorageImpl::addedEmails(const QString &localFolderId)
 {
-    return storeAvailable() ? MailLocalChanges(mContext).addedEmails(localFolderId) : QList<EasEmailItem>();
+    return storeAvailable() ? MailLocalChanges(mContext, mMarks).addedEmails(localFolderId)
+                            : QList<EasEmailItem>();
 }
 
 QList<EasEmailItem> MailStorageImpl::updatedEmails(const QString &localFolderId)
 {
-    return storeAvailable() ? MailLocalChanges(mContext).updatedEmails(localFolderId) : QList<EasEmailItem>();
+    return storeAvailable() ? MailLocalChanges(mContext, mMarks).updatedEmails(localFolderId)
+                            : QList<EasEmailItem>();
 }
 
 QList<EasEmailItem> MailStorageImpl::movedEmails()
 {
-    return storeAvailable() ? MailLocalChanges(mContext).movedEmails() : QList<EasEmailItem>();
+    return storeAvailable() ? MailLocalChanges(mContext, mMarks).movedEmails() : QList<EasEmailItem>();
 }
 
 QStringList MailStorageImpl::deletedEmails(const QString &localFolderId)
 {
-    return storeAvailable() ? MailLocalChanges(mContext).deletedEmails(localFolderId) : QStringList();
+    return storeAvailable() ? MailLocalChanges(mContext, mMarks).deletedEmails(localFolderId) : QStringList();
 }
 
 bool MailStorageImpl::purgeDeletedEmails(const QStringList &serverUids)
@@ -318,8 +324,17 @@ bool MailStorageImpl::updateBodyPart(quint64 messageId, const EasBodyContainer &
 bool MailStorageImpl::updateMessagePart(quint64 messageId, const QString &location,
     const QString &contentType, const QByteArray &data, const QString &fileName)
 {
-    return storeAvailable()
-        && MailMessageParts(mContext).fill(messageId, location, contentType, data, fileName);
+    return updateMessageParts(messageId, { { location, contentType, data, fileName } });
+}
+
+bool MailStorageImpl::updateMessageParts(quint64 messageId, const QList<MessagePartContent> &parts)
+{
+    return storeAvailable() && MailMessageParts(mContext).fill(messageId, parts);
+}
+
+void MailStorageImpl::lookForChangesAnew()
+{
+    mMarks.lookAnew();
 }
 
 bool MailStorageImpl::updateCalendarResponsePart(quint64 messageId, quint64, EasItemsCommon::UserResponseType)

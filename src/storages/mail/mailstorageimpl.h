@@ -4,6 +4,7 @@
 #include "storages/mail/mailfolderadapter.h"
 #include "storages/mail/mailfolderchanges.h"
 #include "storages/mail/mailitembatch.h"
+#include "storages/mail/mailpendingmarks.h"
 #include "storages/mail/mailstorecontext.h"
 #include "storages/mailstorage.h"
 
@@ -56,6 +57,8 @@ public:
     bool updateBodyPart(quint64 messageId, const EasBodyContainer &body) override;
     bool updateMessagePart(quint64 messageId, const QString &location, const QString &contentType,
         const QByteArray &data, const QString &fileName) override;
+    bool updateMessageParts(quint64 messageId, const QList<MessagePartContent> &parts) override;
+    void lookForChangesAnew() override;
     /** Not there yet: answers to meeting requests write no calendar part. False. */
     bool updateCalendarResponsePart(
         quint64 messageId, quint64 replyMessageId, EasItemsCommon::UserResponseType response) override;
@@ -89,4 +92,5 @@ private:
     MailFolderChanges mFolderChanges;
     MailFolderAdapter mFolders;
     MailItemBatch mBatch;
+    MailPendingMarks mMarks;
 };
