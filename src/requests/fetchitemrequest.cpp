@@ -3,6 +3,7 @@
 
 #include "application/account/easaccount.h"
 #include "application/base/logging.h"
+#include "requests/fetchedfiles.h"
 #include "storages/mailstorage.h"
 
 FetchItemRequest::FetchItemRequest(
@@ -38,6 +39,8 @@ bool FetchItemRequest::storeFile(
         qCCritical(eas()) << "MailStorage is null";
         return false;
     }
+    if (mFiles)
+        return mFiles->take(*storage, mMessageId, { mLocation, mediaType, data, fileName });
     if (storage->updateMessagePart(mMessageId, mLocation, mediaType, data, fileName))
         return true;
     qCCritical(eas()) << "failed to update attachment";

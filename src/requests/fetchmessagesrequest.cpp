@@ -95,6 +95,7 @@ QList<QList<quint64>> FetchMessagesRequest::messagesByFolder(MailStorage &storag
 
 void FetchMessagesRequest::cancelRequest()
 {
+    storeFiles();
     if (mFetchPartRequest && mFetchPartRequest->started())
         mFetchPartRequest->cancel();
     else
@@ -144,8 +145,17 @@ void FetchMessagesRequest::noteFailure(int status)
         mFailure = status;
 }
 
+void FetchMessagesRequest::storeFiles()
+{
+    const QSharedPointer<MailStorage> storage = mailStorage();
+    if (!storage || !mFiles.flush(*storage))
+        noteFailure(RequestStatusInternalError);
+}
+
 void FetchMessagesRequest::finish()
 {
+    if (mFullContentDownload)
+        storeFiles();
     completeWith(mFailure);
 }
 
@@ -263,6 +273,7 @@ void FetchMessagesRequest::downloadNextAttachment()
     }
     mFetchPartRequest = attachmentRequest(mAttachmentMessage, mAttachmentLocations.takeFirst());
     mFetchPartRequest->setPartSize(AttachmentPartSize);
+    mFetchPartRequest->setFiles(&mFiles);
     connect(mFetchPartRequest, &Request::requestCompleted, this,
         &FetchMessagesRequest::onFetchAttachmentCompleted, Qt::UniqueConnection);
     mFetchPartRequest->start();
@@ -298,6 +309,7 @@ void FetchMessagesRequest::onFetchAttachmentCompleted(EasAccountId, qulonglong r
     if (!mFetchPartRequest->successfullyFinished()) {
         const int failure = mFetchPartRequest->status();
         qCWarning(eas()) << "fetch part request failed with status " << failure;
+        storeFiles();
         return completeWith(failure);
     }
     downloadNextAttachment();

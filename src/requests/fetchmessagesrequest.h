@@ -2,6 +2,7 @@
 #pragma once
 
 #include "easitems/easemailitem.h"
+#include "requests/fetchedfiles.h"
 #include "requests/fetchrequest.h"
 
 #include <QList>
@@ -51,6 +52,8 @@ private:
     /** Of the reply's messages; what cannot be stored is a failure of the message, not of the request. */
     void updateBodies(MailStorage &storage);
     void noteFailure(int status);
+    /** Stores the files that are held. */
+    void storeFiles();
     /** Ends with the first failure of a message, if there was one. */
     void finish();
     quint64 localIdOf(const ItemOperationsFetchItem &fetch, const MailServerIds &ids) const;
@@ -73,5 +76,6 @@ private:
     quint64 mAttachmentMessage = 0;
     QStringList mAttachmentLocations;
     QPointer<FetchPartRequest> mFetchPartRequest;
+    FetchedFiles mFiles;
     int mFailure = RequestStatusSuccess;
 };

@@ -50,6 +50,7 @@ Request *FetchPartRequest::createInnerRequest()
     case EasItemsCommon::TTrue: {
         auto *request = new FetchItemRequest(accountId(), id(), mMessageId, mLocation, this);
         request->setPartSize(mPartSize);
+        request->setFiles(mFiles);
         return request;
     }
     case EasItemsCommon::TUndefined:

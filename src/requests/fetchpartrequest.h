@@ -5,6 +5,8 @@
 
 #include <QPointer>
 
+class FetchedFiles;
+
 /**
  * Fetches the part of a message that stands at a location: decides whether it is the body or an attachment
  * and lets the request for that do the work, under its own identifier. Owned by the RequestManager or by the
@@ -24,6 +26,9 @@ public:
     /** Bytes of an attachment in one exchange; 0 for all of it. */
     void setPartSize(uint bytes) { mPartSize = bytes; }
 
+    /** Where an attachment goes in place of the store, see FetchItemRequest. */
+    void setFiles(FetchedFiles *files) { mFiles = files; }
+
 public Q_SLOTS:
     void retrySend() override;
 
@@ -42,4 +47,5 @@ private:
     QString mLocation;
     uint mPartSize = 0;
     QPointer<Request> mRequest;
+    FetchedFiles *mFiles = nullptr;
 };

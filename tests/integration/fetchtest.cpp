@@ -26,6 +26,7 @@ private Q_SLOTS:
     void aFileThatIsHereIsNotFetchedAgain();
     void messagesWithoutTheirFilesEndAfterTheMessages();
     void filesOfAllMessagesArrive();
+    void smallFilesOfAMessageAreWrittenTogether();
     void aMessageWithoutFilesHasNothingElse();
 };
 
@@ -183,6 +184,25 @@ void FetchTest::filesOfAllMessagesArrive()
     // The messages, two ranges of the first file and one of each of the others.
     QCOMPARE(count(bed, "ItemOperations"), 5);
     QCOMPARE(bed.deviceState(), bed.serverState());
+}
+
+void FetchTest::smallFilesOfAMessageAreWrittenTogether()
+{
+    SyncTestBed bed;
+    const QList<QByteArray> files { bytesOf(700, 1), bytesOf(500, 2), bytesOf(300, 3) };
+    const qulonglong message = receives(bed, files);
+    int writes = 0;
+    QObject listener;
+    QObject::connect(QMailStore::instance(), &QMailStore::messageContentsModified, &listener,
+        [&writes, message](const QMailMessageIdList &ids) {
+            for (const QMailMessageId &id : ids)
+                writes += id.toULongLong() == message ? 1 : 0;
+        });
+    QCOMPARE(bed.downloadMessages({ message }, true), 0);
+    for (int i = 0; i < files.size(); ++i)
+        QCOMPARE(fileOnDevice(message, i), files.at(i));
+    // What the message says of its files, the body, and all files at once.
+    QCOMPARE(writes, 3);
 }
 
 void FetchTest::aMessageWithoutFilesHasNothingElse()
