@@ -14,11 +14,14 @@
 
 namespace {
 
-constexpr uint maximalAnswers = 2;
-
 const char *boolText(bool value)
 {
     return value ? "true" : "false";
+}
+
+bool isSuccess(const QNetworkReply &reply)
+{
+    return reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt() / 100 == 2;
 }
 
 bool isConnected(const QNetworkSession *session)
@@ -92,35 +95,34 @@ void NetworkManager::onAuthenticationRequired(QNetworkReply *reply, QAuthenticat
     const EasAccountId accountId = ProtocolUtils::accountId(reply);
     qCDebug(easNetwork()) << "accountId: " << accountId;
     EasAccount *account = RequestManager::instance()->account(accountId);
-    if (account && mAuthenticationFailures.value(accountId) >= 1)
+    if (!account)
+        return;
+    PasswordTrial &trial = mTrials[accountId];
+    if (trial.hasAnswered())
         account->onAuthenticationFailedError();
-    if (++mAuthenticationFailures[accountId] > maximalAnswers) {
-        blockAccount(account);
+    // The sign-on service has not given one: an answer would look like a wrong password.
+    if (account->password().isEmpty()) {
+        qCWarning(easNetwork()) << "there is no password for account" << accountId;
         return;
     }
-    if (!account)
+    if (!trial.answer(account->password()))
         return;
     authenticator->setUser(loginName(*account));
     authenticator->setPassword(account->password());
 }
 
-void NetworkManager::onReplyFinished(EasAccountId accountId, const QNetworkReply *reply)
+void NetworkManager::onReplyError(EasAccountId accountId, const QNetworkReply *reply)
 {
-    if (reply->error() != QNetworkReply::AuthenticationRequiredError)
+    PasswordTrial &trial = mTrials[accountId];
+    if (reply->error() != QNetworkReply::AuthenticationRequiredError || !trial.hasAnswered())
         return;
-    // The network layer gives up as soon as an answer equals the one before, so that the challenge which
-    // blocks an account may never come.
-    uint &challenges = mAuthenticationFailures[accountId];
-    if (challenges == 0 || challenges > maximalAnswers)
+    if (!trial.refuse()) {
+        qCWarning(easNetwork()) << "the server refuses a password that it has accepted before, account"
+                                << accountId;
         return;
-    challenges = maximalAnswers + 1;
-    blockAccount(RequestManager::instance()->account(accountId));
-}
-
-void NetworkManager::blockAccount(EasAccount *account)
-{
+    }
     qCWarning(easNetwork()) << "too many failed authentication attempts";
-    if (account)
+    if (EasAccount *const account = RequestManager::instance()->account(accountId))
         account->credentialsNeedUpdate();
 }
 
@@ -129,7 +131,7 @@ void NetworkManager::onAccountDeleted(EasAccountId accountId)
     const auto entry = mConnections.find(accountId);
     if (entry != mConnections.end())
         deleteNetworkManager(entry, true);
-    mAuthenticationFailures.remove(accountId);
+    mTrials.remove(accountId);
     mConnected.remove(accountId);
 }
 
@@ -191,7 +193,11 @@ QNetworkReply *NetworkManager::watched(EasAccountId accountId, QNetworkReply *re
 {
     // Heard before the command ends its request: the next one of the queue would start unblocked.
     connect(reply, &QNetworkReply::errorOccurred, this,
-        [this, accountId, reply] { onReplyFinished(accountId, reply); });
+        [this, accountId, reply] { onReplyError(accountId, reply); });
+    connect(reply, &QNetworkReply::finished, this, [this, accountId, reply] {
+        if (isSuccess(*reply))
+            mTrials[accountId].accept();
+    });
     return reply;
 }
 
@@ -210,10 +216,12 @@ QNetworkAccessManager *NetworkManager::networkManager(EasAccountId accountId)
 QNetworkAccessManager *NetworkManager::managerForRequest(EasAccountId accountId)
 {
     QNetworkAccessManager *manager = networkManager(accountId);
-    if (!manager)
+    if (!manager) {
         qCCritical(easNetwork()) << "Network manager is null for account" << accountId;
-    else
-        mAuthenticationFailures[accountId] = 0;
+        return nullptr;
+    }
+    const EasAccount *const account = RequestManager::instance()->account(accountId);
+    mTrials[accountId].begin(account ? account->password() : QString());
     return manager;
 }
 

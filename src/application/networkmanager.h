@@ -2,6 +2,7 @@
 #pragma once
 
 #include "application/base/network.h"
+#include "application/passwordtrial.h"
 #include "common/easaccountid.h"
 
 #include <QMap>
@@ -10,7 +11,6 @@
 #include <QObject>
 #include <QPair>
 
-class EasAccount;
 class QAuthenticator;
 class QBuffer;
 class QNetworkAccessManager;
@@ -21,8 +21,9 @@ class QNetworkRequest;
  * The network of all accounts: each has an access manager and a session of its own, so that cookies,
  * connections and the state of one server stay apart from those of another.
  *
- * It follows the device's online state and answers the challenges of servers, at most twice a request. A
- * reply in flight dies with its access manager, without finished(), when the account's session goes down.
+ * It follows the device's online state. It answers the challenges of servers, at most twice a request and
+ * never without a password; which refusal blocks an account is decided by its PasswordTrial. A reply in
+ * flight dies with its access manager, without finished(), when the account's session goes down.
  * Owned by the RequestManager, main thread only.
  */
 class NetworkManager : public QObject, public Network
@@ -55,8 +56,7 @@ private:
     using Connection = QPair<QNetworkAccessManager *, QNetworkSession *>;
     using Connections = QMap<EasAccountId, Connection>;
 
-    void onReplyFinished(EasAccountId accountId, const QNetworkReply *reply);
-    static void blockAccount(EasAccount *account);
+    void onReplyError(EasAccountId accountId, const QNetworkReply *reply);
     QNetworkReply *watched(EasAccountId accountId, QNetworkReply *reply);
     QNetworkAccessManager *networkManager(EasAccountId accountId);
     QNetworkAccessManager *managerForRequest(EasAccountId accountId);
@@ -64,7 +64,7 @@ private:
     void deleteNetworkManager(Connections::iterator entry, bool removeEntry);
 
     Connections mConnections;
-    QMap<EasAccountId, uint> mAuthenticationFailures;
+    QMap<EasAccountId, PasswordTrial> mTrials;
     QMap<EasAccountId, bool> mConnected;
     QNetworkConfigurationManager mConfigurationManager;
 };

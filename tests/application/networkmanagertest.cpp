@@ -99,6 +99,52 @@ private Q_SLOTS:
         QVERIFY(mLog->contains(QtWarningMsg, { "too many failed authentication attempts" }));
     }
 
+    void aPasswordThatWasAcceptedIsRefusedOnceWithoutABlock()
+    {
+        mServer->accepted = "alice:s3cret";
+        QCOMPARE(exchange(), QNetworkReply::NoError);
+        mServer->accepted.clear();
+        QCOMPARE(exchange(), QNetworkReply::AuthenticationRequiredError);
+        QCOMPARE(mAccount->blocks, 0);
+        QVERIFY(mLog->contains(
+            QtWarningMsg, { "the server refuses a password that it has accepted before, account", "5" }));
+        QCOMPARE(exchange(), QNetworkReply::AuthenticationRequiredError);
+        QCOMPARE(mAccount->blocks, 1);
+    }
+
+    void onlyRefusalsInARowBlock()
+    {
+        for (int round = 0; round < 3; ++round) {
+            mServer->accepted = "alice:s3cret";
+            QCOMPARE(exchange(), QNetworkReply::NoError);
+            mServer->accepted.clear();
+            QCOMPARE(exchange(), QNetworkReply::AuthenticationRequiredError);
+        }
+        QCOMPARE(mAccount->blocks, 0);
+    }
+
+    void aPasswordOfAnotherAccountProvesNothing()
+    {
+        mServer->accepted = "alice:s3cret";
+        QCOMPARE(exchange(), QNetworkReply::NoError);
+        Q_EMIT RequestManager::instance()->accountDeleted(accountId);
+        mServer->accepted.clear();
+        QCOMPARE(exchange(), QNetworkReply::AuthenticationRequiredError);
+        QCOMPARE(mAccount->blocks, 1);
+    }
+
+    void withoutAPasswordAChallengeIsLeftUnanswered()
+    {
+        mAccount->secret.clear();
+        mServer->accepted = "alice:";
+        for (int round = 0; round < 3; ++round)
+            QCOMPARE(exchange(), QNetworkReply::AuthenticationRequiredError);
+        QVERIFY(mServer->answers.isEmpty());
+        QCOMPARE(mAccount->refusals, 0);
+        QCOMPARE(mAccount->blocks, 0);
+        QVERIFY(mLog->contains(QtWarningMsg, { "there is no password for account", "5" }));
+    }
+
     void theAccountIsBlockedBeforeTheRequestHearsOfIt()
     {
         const std::unique_ptr<QNetworkReply> reply(post());
