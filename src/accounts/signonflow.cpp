@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "accounts/signonflow.h"
 
+#include "application/base/clock.h"
+
 #include <SignOn/AuthSession>
 #include <SignOn/Identity>
 #include <SignOn/SessionData>
@@ -8,12 +10,14 @@
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QDBusServiceWatcher>
+#include <QTimer>
 
 #include <utility>
 
 namespace {
 const QString signOnService = QStringLiteral("com.google.code.AccountsSSO.SingleSignOn");
-}
+constexpr int Patience = 30000;
+} // namespace
 
 SignOnFlow::SignOnFlow(QObject *parent)
     : QObject(parent)
@@ -42,6 +46,7 @@ SignOnFlow::StartResult SignOnFlow::start(
     const auto *watcher = new QDBusServiceWatcher(
         signOnService, QDBusConnection::sessionBus(), QDBusServiceWatcher::WatchForUnregistration, this);
     connect(watcher, &QDBusServiceWatcher::serviceUnregistered, this, &SignOnFlow::onServiceGone);
+    QTimer::singleShot(Clock::instance().timerInterval(Patience), this, &SignOnFlow::onTimeout);
     SignOn::SessionData data;
     data.setUiPolicy(SignOn::NoUserInteractionPolicy);
     mSession->process(data, mechanism);
@@ -72,6 +77,11 @@ void SignOnFlow::onServiceGone()
 {
     onError(SignOn::Error(
         SignOn::Error::InternalCommunication, QStringLiteral("The sign-on service has gone away")));
+}
+
+void SignOnFlow::onTimeout()
+{
+    onError(SignOn::Error(SignOn::Error::TimedOut, QStringLiteral("The sign-on service does not answer")));
 }
 
 bool SignOnFlow::end()

@@ -14,9 +14,9 @@ class SessionData;
 /**
  * Fetches one stored secret from the sign-on service, without ever asking the user.
  *
- * A flow runs once and ends with exactly one signal, also when the service is killed meanwhile, which the
- * service's client library would never tell. Its owner deletes it after that, from the signal with
- * deleteLater(). Main thread only.
+ * A flow runs once and ends with exactly one signal, also when the service is killed meanwhile or does not
+ * answer for 30 s, which the service's client library would never tell. Its owner deletes it after that, from
+ * the signal with deleteLater(). Main thread only.
  */
 class SignOnFlow : public QObject
 {
@@ -39,6 +39,7 @@ private:
     void onResponse(const SignOn::SessionData &data);
     void onError(const SignOn::Error &error);
     void onServiceGone();
+    void onTimeout();
     /** False if the flow has already ended. */
     bool end();
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "accounts/signonflow.h"
 
+#include "application/base/clock.h"
 #include "support/accountfactory.h"
 #include "support/privatebus.h"
 #include "support/testmain.h"
@@ -78,6 +79,42 @@ private Q_SLOTS:
         QSignalSpy receivedNext(&next, &SignOnFlow::received);
         QCOMPARE(next.start(id, password, password), SignOnFlow::Started);
         QTRY_COMPARE(receivedNext.count(), 1);
+    }
+
+    void aServiceThatDoesNotAnswerEndsTheFlow()
+    {
+        class ShortClock : public Clock
+        {
+        public:
+            int timerInterval(int milliseconds) const override
+            {
+                asked.append(milliseconds);
+                return 1;
+            }
+            mutable QList<int> asked;
+        } clock;
+        const quint32 id = AccountFactory::storeIdentity(QStringLiteral("alice"), QStringLiteral("s3cret"));
+        const pid_t service = servicePid();
+        QVERIFY(service > 1);
+        QCOMPARE(kill(service, SIGSTOP), 0);
+        Clock::setInstance(&clock);
+        SignOnFlow flow(nullptr);
+        QSignalSpy received(&flow, &SignOnFlow::received);
+        QSignalSpy failed(&flow, &SignOnFlow::failed);
+        const SignOnFlow::StartResult started = flow.start(id, password, password);
+        Clock::setInstance(nullptr);
+        const bool ended = failed.count() == 1 || failed.wait();
+        // What it says when it wakes up is too late for this flow.
+        QCOMPARE(kill(service, SIGCONT), 0);
+        QCOMPARE(started, SignOnFlow::Started);
+        QVERIFY(ended);
+        QCOMPARE(failed.first().first().value<SignOn::Error>().type(), int(SignOn::Error::TimedOut));
+        QCOMPARE(clock.asked, QList<int> { 30000 });
+        SignOnFlow next(nullptr);
+        QSignalSpy receivedNext(&next, &SignOnFlow::received);
+        QCOMPARE(next.start(id, password, password), SignOnFlow::Started);
+        QTRY_COMPARE(receivedNext.count(), 1);
+        QCOMPARE(received.count() + failed.count(), 1);
     }
 
     void withoutAServiceItFailsAtOnce()
