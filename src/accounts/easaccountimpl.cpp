@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "accounts/easaccountimpl.h"
 
+#include "accounts/accountcredentials.h"
+#include "accounts/remotewipe.h"
 #include "application/base/deviceinformation.h"
 #include "application/base/logging.h"
-#include "application/storagesfactory.h"
 #include "configurations/impls/calendaraccountconfigurationimpl.h"
 #include "configurations/impls/connectionaccountconfigurationimpl.h"
 #include "configurations/impls/contactsaccountconfigurationimpl.h"
@@ -12,6 +13,7 @@
 #include "storages/calendarstorage.h"
 #include "storages/contactstorage.h"
 #include "storages/mailstorage.h"
+#include "storages/storagecreator.h"
 
 #include <Accounts/Account>
 
@@ -47,9 +49,13 @@ QStringList splitList(const QVariant &value)
 
 } // namespace
 
-EasAccountImpl::EasAccountImpl(Accounts::Account *account, EasAccountId id, QObject *parent)
+EasAccountImpl::EasAccountImpl(
+    Accounts::Account *account, EasAccountId id, const StorageCreator &storages, QObject *parent)
     : EasAccount(id, parent)
     , mRecord(account)
+    , mStorages(storages)
+    , mCredentials(new AccountCredentials(mRecord, id, this))
+    , mRemoteWipe(new RemoteWipe(mRecord, id, this))
 {
     initialize();
 }
@@ -58,17 +64,27 @@ EasAccountImpl::~EasAccountImpl() = default;
 
 void EasAccountImpl::initialize()
 {
+    connectCredentials();
     createConfigurations();
     if (mRecord.account()) {
         connect(
             mRecord.account(), &Accounts::Account::enabledChanged, this, &EasAccountImpl::onEnabledChanged);
     }
     askSyncScheduler();
-    mCalendarStorage.reset(StoragesFactory::createCalendarStorage(*this, nullptr));
+    mCalendarStorage.reset(mStorages.createCalendarStorage(*this, nullptr));
     retrieveCredentials();
     onEmailConfigurationChanged(id());
-    if (isRemoteWipeRequested())
-        startRemoteWipeTimeout();
+    if (mRemoteWipe->isRemoteWipeRequested())
+        mRemoteWipe->startRemoteWipeTimeout();
+}
+
+void EasAccountImpl::connectCredentials()
+{
+    connect(mCredentials, &AccountCredentials::readyChanged, this, &EasAccount::readyChanged);
+    connect(mCredentials, &AccountCredentials::passwordReceived, this, &EasAccountImpl::onPasswordReceived);
+    connect(mCredentials, &AccountCredentials::sslCertificatePasswordReceived, this,
+        [this] { Q_EMIT sslCertificateCredentialsChanged(id()); });
+    connect(mRemoteWipe, &RemoteWipe::started, this, &EasAccountImpl::onRemoteWipeStarted);
 }
 
 void EasAccountImpl::createConfigurations()
@@ -97,7 +113,12 @@ void EasAccountImpl::createConfigurations()
         &EasAccountImpl::onEmailConfigurationChanged);
     connect(email, &EmailAccountConfiguration::emailConfigurationChanged, this,
         &EasAccount::emailConfigurationChanged);
-    connect(email, &EmailAccountConfiguration::passwordChanged, this, &EasAccountImpl::onPasswordChanged);
+    connect(email, &EmailAccountConfiguration::passwordChanged, mCredentials,
+        &AccountCredentials::retrieveChanged);
+    connect(mCredentials, &AccountCredentials::passwordRequested, email,
+        &EmailAccountConfigurationImpl::onCredentialsRequested);
+    connect(this, &EasAccount::credentialsChanged, email,
+        &EmailAccountConfigurationImpl::updateCredentialsUpdateCounter);
 }
 
 void EasAccountImpl::askSyncScheduler() const
@@ -123,7 +144,37 @@ void EasAccountImpl::onEmailConfigurationChanged(EasAccountId accountId)
     }
     qCInfo(eas()) << "email service is enabled in account" << accountId;
     if (!mMailStorage)
-        mMailStorage.reset(StoragesFactory::createMailStorage(this, nullptr));
+        mMailStorage.reset(mStorages.createMailStorage(this, nullptr));
+}
+
+void EasAccountImpl::onAuthenticationFailedError()
+{
+    retrieveCredentials();
+}
+
+void EasAccountImpl::retrieveCredentials()
+{
+    mCredentials->retrieve();
+}
+
+void EasAccountImpl::onPasswordReceived()
+{
+    // The cookie is there before anyone is told that the account is ready.
+    refreshAuthenticationCache();
+    Q_EMIT credentialsChanged(id());
+}
+
+void EasAccountImpl::remoteWipeRequested()
+{
+    mRemoteWipe->request();
+    mRemoteWipe->startRemoteWipeTimeout();
+}
+
+void EasAccountImpl::onRemoteWipeStarted()
+{
+    // Whatever becomes of the wipe, nothing is synchronised any more.
+    mCredentials->forget();
+    clearAuthenticationCache();
 }
 
 void EasAccountImpl::onEnabledChanged(const QString &serviceName)
@@ -153,7 +204,7 @@ QString EasAccountImpl::userName() const
 
 QString EasAccountImpl::password() const
 {
-    return mPassword;
+    return mCredentials->password();
 }
 
 QString EasAccountImpl::serverAddress() const
@@ -168,7 +219,7 @@ int EasAccountImpl::serverConflictPolicy() const
 
 QString EasAccountImpl::sslCertificatePassword() const
 {
-    return mSslCertificatePassword;
+    return mCredentials->sslCertificatePassword();
 }
 
 QSharedPointer<CalendarAccountConfiguration> EasAccountImpl::calendarConfiguration() const
@@ -209,7 +260,7 @@ QSharedPointer<CalendarStorage> EasAccountImpl::calendarStorage() const
 QSharedPointer<ContactStorage> EasAccountImpl::contactStorage()
 {
     if (!mContactStorage)
-        mContactStorage.reset(StoragesFactory::createContactStorage(*this, nullptr));
+        mContactStorage.reset(mStorages.createContactStorage(*this, nullptr));
     return mContactStorage;
 }
 
@@ -290,15 +341,15 @@ ProvisionManager *EasAccountImpl::provisionManager()
 
 bool EasAccountImpl::isReady() const
 {
-    return mPendingRequests == 0;
+    return mCredentials->isReady();
 }
 
 void EasAccountImpl::credentialsNeedUpdate()
 {
-    qInfo() << "fennel-eas: setting CredentialsNeedUpdate on account:" << id();
     // Written once: a mark that is set again could undo a new password that is being stored right now.
     if (isCredentialsNeedUpdate())
         return;
+    qInfo() << "fennel-eas: setting CredentialsNeedUpdate on account:" << id();
     writeMailValues({ { credentialsNeedUpdateKey, true },
         { credentialsNeedUpdateFromKey, QStringLiteral("fenel-eas") } });
 }

@@ -4,18 +4,13 @@
 #include "accounts/base/accountrecord.h"
 #include "application/account/easaccount.h"
 
-#include <QPointer>
-
-class QTimer;
-class SignOnFlow;
-
-namespace SignOn {
-class Error;
-}
+class AccountCredentials;
+class RemoteWipe;
+class StorageCreator;
 
 /**
  * The binding of an account to the platform: settings from the account store, secrets from the sign-on
- * service, stores from the factory.
+ * service, stores from the creator that it is given.
  *
  * It is not ready while a sign-on flow runs. Credentials come asynchronously: whoever needs to know that they
  * have arrived listens to credentialsChanged(). Owned by the account storage.
@@ -25,7 +20,9 @@ class EasAccountImpl : public EasAccount
     Q_OBJECT
 
 public:
-    EasAccountImpl(Accounts::Account *account, EasAccountId id, QObject *parent);
+    /** The creator has to outlive the account. */
+    EasAccountImpl(
+        Accounts::Account *account, EasAccountId id, const StorageCreator &storages, QObject *parent);
     ~EasAccountImpl() override;
 
     void setAlwaysOn(bool on) override;
@@ -69,37 +66,25 @@ public Q_SLOTS:
 
 private Q_SLOTS:
     void onEmailConfigurationChanged(EasAccountId accountId);
-    void onPasswordChanged();
+    void onPasswordReceived();
     void onEnabledChanged(const QString &serviceName);
-    void onRemoteWipeTimeout();
-    void onIdentityRemoved();
-    void onIdentityRemoveError(const SignOn::Error &error);
+    void onRemoteWipeStarted();
 
 private:
     void initialize();
     void createConfigurations();
     void askSyncScheduler() const;
-    void retrieveSslCertificateCredentials();
-    void onSignOnResponse(const QString &secret);
-    void onSignOnError(const SignOn::Error &error);
-    void onSslCredSignOnResponse(const QString &secret);
-    void onSslCredSignOnError(const SignOn::Error &error);
-    void clearSignOnIdentity();
-    void endFlow(QPointer<SignOnFlow> &flow);
-    void addPendingRequest();
-    void removePendingRequest();
-    bool isRemoteWipeRequested() const;
-    void startRemoteWipeTimeout();
-    void wipe();
+    void connectCredentials();
 
     QVariant globalValue(const char *key) const;
     void setGlobalValue(const char *key, const QVariant &value);
     /** Into the mail service's part of the record. */
     void writeMailValues(const AccountRecord::Values &values);
-    QString getSsoMethod() const;
-    QString getSsoMechanism() const;
 
     AccountRecord mRecord;
+    const StorageCreator &mStorages;
+    AccountCredentials *mCredentials;
+    RemoteWipe *mRemoteWipe;
     QSharedPointer<CalendarAccountConfiguration> mCalendarConfiguration;
     QSharedPointer<ContactsAccountConfiguration> mContactsConfiguration;
     QSharedPointer<ConnectionAccountConfiguration> mConnectionConfiguration;
@@ -108,12 +93,4 @@ private:
     QSharedPointer<MailStorage> mMailStorage;
     QSharedPointer<CalendarStorage> mCalendarStorage;
     QSharedPointer<ContactStorage> mContactStorage;
-    QString mPassword;
-    QString mSslCertificatePassword;
-    QPointer<SignOnFlow> mSignOnFlow;
-    QPointer<SignOnFlow> mSslSignOnFlow;
-    QPointer<QTimer> mRemoteWipeTimer;
-    int mPendingRequests = 0;
-    /** New credentials were entered while older ones were on their way. */
-    bool mRetrieveAgain = false;
 };

@@ -1,14 +1,42 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "application/storagesfactory.h"
 
-#include "storages/accountstorageimpl.h"
+#include "accounts/accountstorageimpl.h"
 #include "storages/calendar/calendarstorageimpl.h"
 #include "storages/contacts/contactstorageimpl.h"
 #include "storages/mail/mailstorageimpl.h"
+#include "storages/storagecreator.h"
+
+namespace {
+
+class PlatformStorages : public StorageCreator
+{
+public:
+    MailStorage *createMailStorage(EasAccount *account, QObject *parent) const override
+    {
+        return StoragesFactory::createMailStorage(account, parent);
+    }
+    CalendarStorage *createCalendarStorage(EasAccount &account, QObject *parent) const override
+    {
+        return StoragesFactory::createCalendarStorage(account, parent);
+    }
+    ContactStorage *createContactStorage(EasAccount &account, QObject *parent) const override
+    {
+        return StoragesFactory::createContactStorage(account, parent);
+    }
+};
+
+} // namespace
+
+const StorageCreator &StoragesFactory::storageCreator()
+{
+    static const PlatformStorages creator;
+    return creator;
+}
 
 AccountStorage *StoragesFactory::createAccountStorage(QObject *parent)
 {
-    return new AccountStorageImpl(parent);
+    return new AccountStorageImpl(storageCreator(), parent);
 }
 
 MailStorage *StoragesFactory::createMailStorage(EasAccount *account, QObject *parent)

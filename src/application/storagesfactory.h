@@ -11,6 +11,7 @@ class ContactStorage;
 class EasAccount;
 class MailStorage;
 class QObject;
+class StorageCreator;
 
 /** Creates the bindings to the platform's stores, so that the engine knows their interfaces alone. */
 class StoragesFactory
@@ -18,6 +19,8 @@ class StoragesFactory
 public:
     StoragesFactory() = delete;
 
+    /** The creator of the stores that are bound to the platform; there is one a process. */
+    static const StorageCreator &storageCreator();
     static AccountStorage *createAccountStorage(QObject *parent);
     static MailStorage *createMailStorage(EasAccount *account, QObject *parent);
     static CalendarStorage *createCalendarStorage(EasAccount &account, QObject *parent);

@@ -2,6 +2,7 @@
 #include "accounts/easaccountimpl.h"
 #include "application/base/clock.h"
 #include "application/base/deviceinformation.h"
+#include "application/storagesfactory.h"
 #include "configurations/connectionaccountconfiguration.h"
 #include "configurations/emailaccountconfiguration.h"
 #include "storages/contactstorage.h"
@@ -211,6 +212,19 @@ private Q_SLOTS:
         QVERIFY(mLog->contains(QtInfoMsg, { "fennel-eas: setting CredentialsNeedUpdate on account:" }));
     }
 
+    void refusedCredentialsAreMarkedOnce()
+    {
+        openReady();
+        const QString key = QStringLiteral("CredentialsNeedUpdateFrom");
+        mAccount->credentialsNeedUpdate();
+        // Another program takes note of the first mark; a second one would undo that.
+        QVERIFY(mFactory->setValue(mId, AccountFactory::mailService(), key, QStringLiteral("seen")));
+        QTRY_COMPARE(storedByMail(key), QVariant(QStringLiteral("seen")));
+        mAccount->credentialsNeedUpdate();
+        QCOMPARE(mFactory->value(mId, AccountFactory::mailService(), key), QVariant(QStringLiteral("seen")));
+        QCOMPARE(mLog->count(QStringLiteral("fennel-eas: setting CredentialsNeedUpdate on account:")), 1);
+    }
+
     void settingsComeFromTheRecord()
     {
         const QString global;
@@ -384,6 +398,21 @@ private Q_SLOTS:
         QVERIFY(mLog->contains(QStringLiteral("identity is not found for account")));
     }
 
+    void fromTheWipeOnNothingIsSynchronised()
+    {
+        openReady();
+        QVERIFY(!mAccount->authenticationBasicCookie().isEmpty());
+        FastClock fast;
+        Clock::setInstance(&fast);
+        mAccount->remoteWipeRequested();
+        QVERIFY2(!mAccount->password().isEmpty(), "the demand is still to be answered");
+        QTRY_VERIFY(mLog->contains(QStringLiteral("trying to wipe the account")));
+        QVERIFY(mAccount->password().isEmpty());
+        QVERIFY(mAccount->authenticationBasicCookie().isEmpty());
+        mAccount->retrieveCredentials();
+        QVERIFY(mAccount->isReady());
+    }
+
     void aWipeThatCannotRemoveTheIdentityStops()
     {
         FastClock fast;
@@ -427,7 +456,8 @@ private:
     {
         mAccount.reset();
         mManager = std::make_unique<Accounts::Manager>();
-        mAccount = std::make_unique<EasAccountImpl>(record(), mId, nullptr);
+        mAccount =
+            std::make_unique<EasAccountImpl>(record(), mId, StoragesFactory::storageCreator(), nullptr);
         AccountRegistry::fresh()->add(mAccount.get());
     }
 
@@ -435,6 +465,16 @@ private:
     {
         open();
         QTRY_VERIFY(mAccount->isReady());
+    }
+
+    /** A key of the mail service as the account's own record has it. */
+    QVariant storedByMail(const QString &key) const
+    {
+        Accounts::Account *const mine = record();
+        mine->selectService(mManager->service(AccountFactory::mailService()));
+        const QVariant value = mine->value(key);
+        mine->selectService();
+        return value;
     }
 
     QString attachmentsFolder() const

@@ -79,7 +79,7 @@ QByteArray EasAccount::encodedProtocolVersion() const
 
 void EasAccount::refreshAuthenticationCache()
 {
-    mAuthenticationBasicCookie.clear();
+    clearAuthenticationCache();
     const auto connection = connectionConfiguration();
     if (!connection) {
         qCCritical(eas()) << "No connection config";
@@ -91,6 +91,11 @@ void EasAccount::refreshAuthenticationCache()
         credentials = domain + '\\';
     credentials += userName().toUtf8() + ':' + password().toUtf8();
     mAuthenticationBasicCookie = credentials.toBase64();
+}
+
+void EasAccount::clearAuthenticationCache()
+{
+    mAuthenticationBasicCookie.clear();
 }
 
 bool EasAccount::alwaysOn() const

@@ -61,6 +61,7 @@ public:
 
     /** Builds the cookie anew from the present credentials; nothing else does. */
     void refreshAuthenticationCache();
+    void clearAuthenticationCache();
 
     virtual bool alwaysOn() const;
     virtual void setAlwaysOn(bool on);

@@ -1,12 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "configurations/impls/emailaccountconfigurationimpl.h"
 
-#include "application/account/easaccount.h"
-#include "application/requestmanager.h"
-
 #include <Accounts/Account>
-
-#include <QTimer>
 
 namespace {
 
@@ -44,7 +39,6 @@ EmailAccountConfigurationImpl::EmailAccountConfigurationImpl(
     updateConfiguration();
     follow([this] { onEmailAccountUpdated(); });
     watchGlobalSettings();
-    QTimer::singleShot(0, this, &EmailAccountConfigurationImpl::connectToSignal);
 }
 
 EmailAccountConfigurationImpl::~EmailAccountConfigurationImpl() = default;
@@ -106,23 +100,19 @@ void EmailAccountConfigurationImpl::onEmailAccountUpdated()
     updateConfiguration();
 }
 
-void EmailAccountConfigurationImpl::updateCredentialsUpdateCounter(EasAccountId accountId)
+void EmailAccountConfigurationImpl::onCredentialsRequested()
 {
-    if (accountId != this->accountId())
-        return;
-    mCredentialsUpdateCounter = storedCredentialsUpdateCounter();
-    qCDebug(eas()) << "credentials update counter:" << mCredentialsUpdateCounter;
+    mRequestedCounter = storedCredentialsUpdateCounter();
 }
 
-void EmailAccountConfigurationImpl::connectToSignal()
+void EmailAccountConfigurationImpl::updateCredentialsUpdateCounter(EasAccountId accountId)
 {
-    EasAccount *account = RequestManager::instance()->account(accountId());
-    if (!account) {
-        qCWarning(eas()) << "account object is null:" << accountId();
+    const int counter = storedCredentialsUpdateCounter();
+    // Otherwise new credentials were entered on the way: what has come may be the old ones.
+    if (accountId != this->accountId() || counter != mRequestedCounter)
         return;
-    }
-    connect(account, &EasAccount::credentialsChanged, this,
-        &EmailAccountConfigurationImpl::updateCredentialsUpdateCounter);
+    mCredentialsUpdateCounter = counter;
+    qCDebug(eas()) << "credentials update counter:" << mCredentialsUpdateCounter;
 }
 
 void EmailAccountConfigurationImpl::updateConfiguration()

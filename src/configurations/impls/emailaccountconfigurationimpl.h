@@ -40,12 +40,14 @@ public:
     int syncPastTime() const override;
     QString emailAddress() const override;
 
+public Q_SLOTS:
+    /** The account begins to fetch its credentials. */
+    void onCredentialsRequested();
+    /** They have come: the counter that they belong to needs no announcement any more. */
+    void updateCredentialsUpdateCounter(EasAccountId accountId);
+
 private Q_SLOTS:
     void onEmailAccountUpdated();
-    /** Takes the counter of the credentials that have just been fetched. */
-    void updateCredentialsUpdateCounter(EasAccountId accountId);
-    /** Follows the account's credentials; the account object does not exist yet when this one is made. */
-    void connectToSignal();
 
 private:
     void updateConfiguration();
@@ -53,4 +55,5 @@ private:
     void watchGlobalSettings();
 
     int mCredentialsUpdateCounter = 0;
+    int mRequestedCounter = 0;
 };

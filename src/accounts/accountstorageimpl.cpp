@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/accountstorageimpl.h"
+#include "accounts/accountstorageimpl.h"
 
 #include "accounts/base/accountstore.h"
 #include "accounts/easaccountimpl.h"
@@ -17,8 +17,9 @@ namespace {
 const QString providerName = QStringLiteral("fenneleas");
 }
 
-AccountStorageImpl::AccountStorageImpl(QObject *parent)
+AccountStorageImpl::AccountStorageImpl(const StorageCreator &storages, QObject *parent)
     : AccountStorage(parent)
+    , mStorages(storages)
     , mManager(AccountStore::manager())
     , mEmailManager(AccountStore::manager(QStringLiteral("e-mail")))
 {
@@ -93,7 +94,7 @@ Accounts::Account *AccountStorageImpl::accountRecord(EasAccountId id) const
 
 void AccountStorageImpl::createAccount(Accounts::Account *record, EasAccountId id)
 {
-    EasAccount *account = new EasAccountImpl(record, id, this);
+    EasAccount *account = new EasAccountImpl(record, id, mStorages, this);
     mAccounts.insert(id, account);
     connect(account, &EasAccount::readyChanged, this, &AccountStorageImpl::updateReady);
 }

@@ -12,6 +12,8 @@ class Account;
 class Manager;
 } // namespace Accounts
 
+class StorageCreator;
+
 /**
  * The table of accounts bound to the platform's account store.
  *
@@ -23,7 +25,8 @@ class AccountStorageImpl : public AccountStorage
     Q_OBJECT
 
 public:
-    explicit AccountStorageImpl(QObject *parent);
+    /** The creator makes the stores of the accounts, and has to outlive them. */
+    AccountStorageImpl(const StorageCreator &storages, QObject *parent);
     ~AccountStorageImpl() override;
 
     QList<EasAccountId> accounts() const override;
@@ -50,6 +53,7 @@ private:
     Accounts::Account *accountRecord(EasAccountId id) const;
     void createAccount(Accounts::Account *record, EasAccountId id);
 
+    const StorageCreator &mStorages;
     // Null if the account store cannot be used.
     std::shared_ptr<Accounts::Manager> mManager;
     std::shared_ptr<Accounts::Manager> mEmailManager;

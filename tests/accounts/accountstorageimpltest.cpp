@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/accountstorageimpl.h"
+#include "accounts/accountstorageimpl.h"
 
 #include "application/account/easaccount.h"
 #include "application/mapping/easdatabase.h"
+#include "application/storagesfactory.h"
 #include "support/accountfactory.h"
 #include "support/accountregistry.h"
 #include "support/logcollector.h"
@@ -271,7 +272,7 @@ private:
 
     void open()
     {
-        mStorage = std::make_unique<AccountStorageImpl>(nullptr);
+        mStorage = std::make_unique<AccountStorageImpl>(StoragesFactory::storageCreator(), nullptr);
         AccountRegistry::fresh()->setStorage(mStorage.get());
     }
 

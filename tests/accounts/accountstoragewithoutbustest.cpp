@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "storages/accountstorageimpl.h"
+#include "accounts/accountstorageimpl.h"
 
 #include "application/mapping/easdatabase.h"
+#include "application/storagesfactory.h"
 #include "support/accountregistry.h"
 #include "support/logcollector.h"
 #include "support/testmain.h"
@@ -51,7 +52,7 @@ private:
     {
         EasDatabase::instance()->setFolderSyncKey(7, QStringLiteral("key"));
         const LogCollector log;
-        AccountStorageImpl storage(nullptr);
+        AccountStorageImpl storage(StoragesFactory::storageCreator(), nullptr);
         AccountRegistry::fresh()->setStorage(&storage);
         QVERIFY(log.contains(QtCriticalMsg, { "The account store cannot be used" }));
         QTRY_VERIFY(storage.isReady());
