@@ -40,7 +40,7 @@ bool AccountQueue::remove(Request *request)
         return false;
     }
     if (head() == request)
-        mHeadStarted = false;
+        mHeadStarted = mPasswordAsked = false;
     else
         qCInfo(eas()) << "The first request in a queue" << head()->id() << "does not match completed requests"
                       << request->id();
@@ -67,12 +67,24 @@ void AccountQueue::startHead()
 
 bool AccountQueue::waitsForCredentials()
 {
-    // The server would refuse a request without a password, and that blocks the account.
-    const EasAccount *const owner = Engine::accountOf(this, mAccountId);
-    if (!owner || owner->isReady())
+    // The server would refuse a request without a password.
+    EasAccount *const owner = Engine::accountOf(this, mAccountId);
+    if (!owner)
+        return false;
+    askForPassword(*owner);
+    if (owner->isReady())
         return false;
     connect(owner, &EasAccount::readyChanged, this, &AccountQueue::startHead, Qt::UniqueConnection);
     return true;
+}
+
+void AccountQueue::askForPassword(EasAccount &owner)
+{
+    // The sign-on service may have failed before; it is asked once for each request.
+    if (mPasswordAsked || !owner.isReady() || !owner.password().isEmpty() || owner.isCredentialsNeedUpdate())
+        return;
+    mPasswordAsked = true;
+    owner.onAuthenticationFailedError();
 }
 
 void AccountQueue::cancelHungHead()

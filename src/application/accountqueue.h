@@ -7,6 +7,7 @@
 #include <QObject>
 
 class Engine;
+class EasAccount;
 class Request;
 
 /**
@@ -48,10 +49,13 @@ public Q_SLOTS:
 private:
     /** Whether the account's password is on its way; the head starts when that has come. */
     bool waitsForCredentials();
+    void askForPassword(EasAccount &owner);
 
     EasAccountId mAccountId;
     QList<Request *> mRequests;
     bool mHeadStarted = false;
+    /** The sign-on service was asked for a password that the head lacks. */
+    bool mPasswordAsked = false;
     /** A head is being started further up the stack. */
     bool mStarting = false;
 };

@@ -1,10 +1,14 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
+#include "accounts/base/accountstore.h"
 #include "application/account/easaccount.h"
 #include "application/networkmanager.h"
 #include "application/requestmanager.h"
 #include "integration/statusscene.h"
 #include "support/bearer.h"
 #include "support/testmain.h"
+
+#include <Accounts/Account>
+#include <Accounts/Manager>
 
 #include <QNetworkSession>
 
@@ -29,6 +33,7 @@ private Q_SLOTS:
     void anUnavailableServerIsNoWipeOnceThereIsAPolicyKey();
     void aWrongPasswordBlocksTheAccountUntilThereIsANewOne();
     void aServerThatRefusesTheRightPasswordOnceBlocksNothing();
+    void aPasswordThatTheSignOnServiceLacksIsAskedForAgain();
     void aQueueOfABlockedAccountDrains();
     void theNetworkIsLostAndComesBack();
     void theNetworkIsLostDuringASync();
@@ -186,6 +191,25 @@ void ConnectionTest::aServerThatRefusesTheRightPasswordOnceBlocksNothing()
     QCOMPARE(bed.sync(), 10204);
     bed.server().setPassword(QStringLiteral("alice"), QStringLiteral("s3cret"));
     QCOMPARE(bed.sync(), 0);
+}
+
+void ConnectionTest::aPasswordThatTheSignOnServiceLacksIsAskedForAgain()
+{
+    SyncTestBed bed;
+    QVERIFY(missesOneMessage(bed));
+    const QString key = QStringLiteral("CredentialsId");
+    const quint32 identity = bed.accounts().value(bed.accountId(), QString(), key).toUInt();
+    constexpr quint32 Unknown = 4711;
+    bed.withoutEngine([&] { QVERIFY(bed.accounts().setValue(bed.accountId(), QString(), key, Unknown)); });
+    for (int round = 0; round < 3; ++round)
+        QCOMPARE(bed.sync(), 10204);
+    QVERIFY(!RequestManager::instance()->account(bed.accountId())->isCredentialsNeedUpdate());
+
+    QVERIFY(bed.accounts().setValue(bed.accountId(), QString(), key, identity));
+    const Accounts::Account *const record =
+        AccountStore::manager()->account(static_cast<Accounts::AccountId>(bed.accountId()));
+    QTRY_COMPARE_WITH_TIMEOUT(record->value(key).toUInt(), identity, 20000);
+    QVERIFY(nextSyncRepairs(bed));
 }
 
 void ConnectionTest::aQueueOfABlockedAccountDrains()
