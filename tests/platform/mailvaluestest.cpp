@@ -2,8 +2,6 @@
 #include "platform/mailfixture.h"
 #include "support/testmain.h"
 
-#include <deviceidentityinfo.h>
-
 #include <QtTest>
 
 using namespace MailFixture;
@@ -213,17 +211,6 @@ private Q_SLOTS:
         account.setFolderSyncPolicy(QMailAccount::SyncEverything);
         QCOMPARE(account.foldersToSync(), (QMailFolderIdList { inbox, below, marked }));
         QVERIFY(QMailStore::instance()->removeAccount(id));
-    }
-
-    void theDeviceIsReadAtEachCall()
-    {
-        const DeviceIdentityInfo info;
-        qunsetenv("PLATFORM_DEVICE_MODEL");
-        qputenv("PLATFORM_DEVICE_UID", "490154203237518");
-        QVERIFY(info.deviceModel().isEmpty());
-        QCOMPARE(info.deviceUid(), QStringLiteral("490154203237518"));
-        qputenv("PLATFORM_DEVICE_MODEL", "Phone");
-        QCOMPARE(info.deviceModel(), QStringLiteral("Phone"));
     }
 };
 

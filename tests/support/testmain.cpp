@@ -59,6 +59,9 @@ void isolateEnvironment(const QString &home)
     qputenv("QT_PLUGIN_PATH", BuildPaths::plugins().toLocal8Bit());
     qputenv("QT_EXCLUDE_GENERIC_BEARER", "1");
     qputenv("FENNEL_TEST_BEARER_FILE", (home + QStringLiteral("/bearer")).toLocal8Bit());
+    // The device is the same on every machine.
+    qputenv("PLATFORM_DEVICE_MODEL", "Phone");
+    qputenv("PLATFORM_DEVICE_UID", "490154203237518");
     qputenv("TZ", "UTC");
     qputenv("LC_ALL", "C.UTF-8");
 }
