@@ -8,8 +8,12 @@
 #include <QCoreApplication>
 #include <QPointer>
 
+#include <sys/stat.h>
+
 int main(int argc, char **argv)
 {
+    // Only the user may read the databases, pictures and files that are made from here on.
+    umask(S_IRWXG | S_IRWXO);
     QCoreApplication application(argc, argv);
     QuitSignals quitSignals;
     QCoreApplication::setApplicationName(QStringLiteral("fennel-eas"));

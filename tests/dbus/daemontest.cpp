@@ -9,9 +9,13 @@
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDBusServiceWatcher>
+#include <QDateTime>
+#include <QDirIterator>
 #include <QProcess>
 #include <QSignalSpy>
 #include <QtTest>
+
+#include <sys/stat.h>
 
 /** The program itself: how it starts, and the three ways in which it ends. */
 class DaemonTest : public QObject
@@ -47,6 +51,34 @@ private Q_SLOTS:
     }
 
     void cleanup() { mDaemon.reset(); }
+
+    void whatItMakesCanBeReadByItsUserAlone()
+    {
+        AccountFactory factory;
+        AccountOptions options;
+        options.calendarsEnabled = true;
+        options.contactsEnabled = true;
+        QVERIFY(factory.create(options));
+        const QDateTime before = QDateTime::currentDateTime();
+        umask(S_IWGRP | S_IWOTH);
+        start();
+        mDaemon->terminate();
+        QVERIFY(ends());
+        QStringList made;
+        QDirIterator files(QDir::homePath(), QDir::Files | QDir::Dirs | QDir::Hidden | QDir::NoDotAndDotDot,
+            QDirIterator::Subdirectories);
+        while (files.hasNext()) {
+            const QFileInfo file(files.next());
+            // The account store and the sign-on service are others'.
+            if (file.birthTime() < before || file.filePath().contains(QStringLiteral("/accounts"))
+                || file.filePath().contains(QStringLiteral("/signon")))
+                continue;
+            made.append(file.filePath());
+            QVERIFY2(!(file.permissions() & 0x0077), qPrintable(file.filePath()));
+        }
+        QVERIFY2(made.filter(QStringLiteral("fennel_eas.db")).size() > 0,
+            qPrintable(made.join(QLatin1Char('\n'))));
+    }
 
     void versionAndHelpNeedNoBus_data()
     {

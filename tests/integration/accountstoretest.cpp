@@ -15,6 +15,7 @@
 #include <QtTest>
 
 #include <memory>
+#include <sys/stat.h>
 
 /**
  * The account store keeps what is written to it while the daemon lives and other programs open and close the
@@ -33,6 +34,7 @@ private Q_SLOTS:
     void theRightPasswordLiftsTheBlockOfAWrongOne();
     void anAccountAddedInPlaceOfARemovedOneIsWhole();
     void whatAForeignProgramWritesIsThere();
+    void theDatabaseCanBeReadByItsUserAlone();
 
 private:
     bool addAccount(const QString &address, const QByteArray &password = "s3cret");
@@ -62,6 +64,7 @@ private:
 
 void AccountStoreTest::initTestCase()
 {
+    umask(S_IWGRP | S_IWOTH);
     QVERIFY(PrivateBus::ensure());
     QVERIFY(Bearer::connectNetwork());
     mServer.addUser(QStringLiteral("alice"), QStringLiteral("s3cret"));
@@ -221,6 +224,15 @@ void AccountStoreTest::whatAForeignProgramWritesIsThere()
     for (int number = 0; number < 100; ++number)
         QCOMPARE(reader.value(id, QString(), QStringLiteral("foreign/%1").arg(number)).toInt(), number);
     VERIFY_DONE(!described(keeper).value(QStringLiteral("versions")).toString().isEmpty());
+}
+
+void AccountStoreTest::theDatabaseCanBeReadByItsUserAlone()
+{
+    const QDir folder(qEnvironmentVariable("ACCOUNTS"));
+    const QFileInfoList files = folder.entryInfoList({ QStringLiteral("accounts.db*") }, QDir::Files);
+    QVERIFY(!files.isEmpty());
+    for (const QFileInfo &file : files)
+        QVERIFY2(!(file.permissions() & 0x0077), qPrintable(file.fileName()));
 }
 
 FENNEL_REGISTER_TEST(AccountStoreTest)

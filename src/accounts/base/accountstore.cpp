@@ -8,6 +8,27 @@
 
 #include <QHash>
 
+#include <sys/stat.h>
+
+namespace {
+
+/** What is made while it lives can be read by the user alone. */
+class PrivateFiles
+{
+public:
+    PrivateFiles()
+        : mBefore(::umask(S_IRWXG | S_IRWXO))
+    {
+    }
+    ~PrivateFiles() { ::umask(mBefore); }
+    Q_DISABLE_COPY(PrivateFiles)
+
+private:
+    mode_t mBefore;
+};
+
+} // namespace
+
 std::shared_ptr<Accounts::Manager> AccountStore::manager(const QString &serviceType)
 {
     thread_local QHash<QString, std::weak_ptr<Accounts::Manager>> managers;
@@ -15,6 +36,7 @@ std::shared_ptr<Accounts::Manager> AccountStore::manager(const QString &serviceT
         return present;
     // A database that is there is guarded first; one that the library makes now can be only afterwards.
     AccountStoreGuard::instance().hold();
+    const PrivateFiles privateFiles;
     auto created = serviceType.isEmpty() ? std::make_shared<Accounts::Manager>()
                                          : std::make_shared<Accounts::Manager>(serviceType);
     // Later the error is that of the last account which was not found.
