@@ -293,6 +293,10 @@ void AccountDirectory::apply(Accounts::Account &account, const AccountSettings &
     put(AcceptAll, settings.acceptAllCertificates);
     put(Domain, settings.domain);
     put(PastTime, settings.pastTime);
+    // The sender of new messages, as the device's mail applications read it.
+    put(QStringLiteral("emailaddress"), settings.emailAddress);
+    if (settings.name != settings.emailAddress)
+        put(QStringLiteral("fullName"), settings.name);
 
     for (const ServiceName &known : Services) {
         if (!settings.services)

@@ -8,7 +8,7 @@
 
 #include <unistd.h>
 
-/** Which services a new account has. */
+/** Which services a new account has, and what they say of its user. */
 class AccountServicesTest : public QObject
 {
     Q_OBJECT
@@ -70,6 +70,32 @@ private Q_SLOTS:
         QVERIFY(records.value(id, AccountFactory::contactsService(), QStringLiteral("sync_local")).toBool());
         QCOMPARE(
             CommandScene::run(QStringList { "account", "remove", QString::number(id) }), int(ExitSuccess));
+    }
+
+    void theMailServiceNamesTheSender_data()
+    {
+        QTest::addColumn<QStringList>("options");
+        QTest::addColumn<QVariant>("fullName");
+        QTest::newRow("a name") << QStringList { "--name", "Alice Doe" } << QVariant("Alice Doe");
+        QTest::newRow("no name but the address") << QStringList() << QVariant();
+    }
+
+    void theMailServiceNamesTheSender()
+    {
+        QFETCH(QStringList, options);
+        QFETCH(QVariant, fullName);
+        QCOMPARE(add(options), int(ExitSuccess));
+        const QList<EasAccountId> ids = AccountDirectory().accounts();
+        QCOMPARE(ids.size(), 1);
+        const AccountFactory records;
+        const auto stored = [&](const char *key) {
+            return records.value(ids.first(), AccountFactory::mailService(), QString::fromLatin1(key));
+        };
+        QCOMPARE(stored("emailaddress"), QVariant("new@example.com"));
+        QCOMPARE(stored("fullName"), fullName);
+        QCOMPARE(stored("type"), QVariant(8));
+        QCOMPARE(CommandScene::run(QStringList { "account", "remove", QString::number(ids.first()) }),
+            int(ExitSuccess));
     }
 
     void anAccountWithoutAServiceIsRefused()
