@@ -1,25 +1,21 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "dbus/dbusinterfacethread.h"
 
-#include "accounts/base/accountstore.h"
-#include "application/account/easaccount.h"
 #include "application/base/logging.h"
 #include "common/dbustypes.h"
 #include "common/exchangeactivesync.h"
+#include "dbus/accountreader.h"
 #include "dbus/dbusinterfaceadapter.h"
 #include "dbus/dbuspeerinterfaceadapter.h"
-
-#include <Accounts/Account>
-#include <Accounts/Manager>
 
 #include <QDBusConnection>
 #include <QDBusError>
 #include <QDBusServer>
+#include <QDateTime>
 #include <QDir>
 #include <QFileInfo>
 
-#include <algorithm>
-#include <limits>
+#include <utility>
 
 namespace {
 
@@ -27,7 +23,22 @@ const QString SessionBusName = QStringLiteral("session_bus");
 const QString SchedulerService = QStringLiteral("com.plover.msyncd");
 const QString SchedulerPath = QStringLiteral("/synchronizer");
 const QString SchedulerSignal = QStringLiteral("syncedExternallyStatus");
-constexpr int UnixPathPrefixLength = 10; // "unix:path="
+
+QDateTime timeFromBus(const QString &text)
+{
+    return QDateTime::fromString(text, Qt::ISODate);
+}
+
+/** A result leaves as a signal of an adapter. */
+template <typename Adapter, typename... Parameters, typename... Arguments>
+void report(Adapter *adapter, void (Adapter::*signal)(Parameters...), Arguments &&...arguments)
+{
+    if (!adapter) {
+        qCWarning(eas()) << "No adapter";
+        return;
+    }
+    Q_EMIT(adapter->*signal)(std::forward<Arguments>(arguments)...);
+}
 
 } // namespace
 
@@ -48,6 +59,7 @@ void DBusInterfaceThread::run()
     createPeerServer();
     if (mPeerServer)
         mPeerServer->setParent(&owner);
+    mAccounts = std::make_unique<AccountReader>();
     mAdapter = new DBusInterfaceAdapter(this);
     connectSessionBus();
     Q_EMIT serving();
@@ -62,13 +74,13 @@ void DBusInterfaceThread::run()
     mPeerAdapter = nullptr;
     mPeerServer = nullptr;
     mPeerObject = nullptr;
-    mAccountsManager.reset();
+    mAccounts.reset();
 }
 
 void DBusInterfaceThread::createPeerServer()
 {
     const QString address = ExchangeActiveSync::EAS_DBUS_PEER_ADDRESS;
-    const QString folder = QFileInfo(address.mid(UnixPathPrefixLength)).path();
+    const QString folder = QFileInfo(address.section(QLatin1Char('='), 1)).path();
     if (!QDir().mkpath(folder))
         qCCritical(eas()) << "Could not create directory for p2p bus socket";
     mPeerServer = new QDBusServer(address);
@@ -98,13 +110,7 @@ void DBusInterfaceThread::connectSessionBus()
 
 void DBusInterfaceThread::newP2PConnection(const QDBusConnection &connection)
 {
-    QDBusConnection peer(connection);
-    mPeerConnections.append(peer.name());
-    if (peer.registerObject(
-            ExchangeActiveSync::EAS_DBUS_PEER_PATH_NAME, mPeerObject, QDBusConnection::ExportAdaptors))
-        qCInfo(eas()) << "Registered object to new p2p connection";
-    else
-        qCCritical(eas()) << "Could not register object to p2p connection:" << peer.lastError().message();
+    mPeerConnections.add(connection, mPeerObject);
 }
 
 void DBusInterfaceThread::leaveConnections()
@@ -115,48 +121,281 @@ void DBusInterfaceThread::leaveConnections()
     bus.unregisterObject(ExchangeActiveSync::EAS_DBUS_PATH_NAME);
     bus.disconnect(SchedulerService, SchedulerPath, SchedulerService, SchedulerSignal, this,
         SIGNAL(alwaysOnStatus(uint, QString, bool)));
-    for (const QString &name : qAsConst(mPeerConnections))
-        QDBusConnection(name).unregisterObject(ExchangeActiveSync::EAS_DBUS_PEER_PATH_NAME);
-    mPeerConnections.clear();
-}
-
-bool DBusInterfaceThread::ensureAccountsManager()
-{
-    if (!mAccountsManager)
-        mAccountsManager = AccountStore::manager();
-    return mAccountsManager != nullptr;
-}
-
-std::unique_ptr<Accounts::Account> DBusInterfaceThread::storedAccount(qulonglong accountId)
-{
-    // A fresh object each time: it is read from the store, where another thread may have written meanwhile.
-    std::unique_ptr<Accounts::Account> account;
-    const bool canExist = accountId <= std::numeric_limits<Accounts::AccountId>::max();
-    if (canExist && ensureAccountsManager())
-        account.reset(Accounts::Account::fromId(
-            mAccountsManager.get(), static_cast<Accounts::AccountId>(accountId), nullptr));
-    if (!account)
-        qCCritical(eas()) << "Cannot allocate account object";
-    return account;
+    mPeerConnections.leave();
 }
 
 int DBusInterfaceThread::protocolVersion(qulonglong accountId)
 {
-    const auto account = storedAccount(accountId);
-    if (!account)
-        return ExchangeActiveSync::ProtocolVersionUnknown;
-    const QString versions = account->valueAsString(QStringLiteral("last_known_versions"));
-    int largest = ExchangeActiveSync::ProtocolVersionUnknown;
-    for (const QString &version : versions.split(QLatin1Char(','), Qt::SkipEmptyParts))
-        largest = std::max<int>(largest, EasAccount::toProtocolVersion(version.toLatin1()));
-    return largest;
+    return mAccounts->protocolVersion(accountId);
 }
 
 QString DBusInterfaceThread::emailAddress(qulonglong accountId)
 {
-    const auto account = storedAccount(accountId);
-    if (!account)
-        return {};
-    account->selectService();
-    return account->valueAsString(QStringLiteral("connection/emailaddress"));
+    return mAccounts->emailAddress(accountId);
+}
+
+qulonglong DBusInterfaceThread::queryRequestId()
+{
+    if (++mLastRequestId == 0)
+        mLastRequestId = 1;
+    return mLastRequestId;
+}
+
+template <typename Call> qulonglong DBusInterfaceThread::withRequestId(Call call)
+{
+    const qulonglong id = queryRequestId();
+    call(id);
+    return id;
+}
+
+void DBusInterfaceThread::quit()
+{
+    Q_EMIT requestedQuit();
+}
+
+void DBusInterfaceThread::reconfig()
+{
+    Q_EMIT requestedReconfig();
+}
+
+void DBusInterfaceThread::cancelRequest(qulonglong accountId, qulonglong requestId)
+{
+    Q_EMIT requestedCancelRequest(accountId, requestId);
+}
+
+qulonglong DBusInterfaceThread::sync(qulonglong accountId)
+{
+    return withRequestId([&](qulonglong id) { Q_EMIT requestedSync(accountId, id); });
+}
+
+qulonglong DBusInterfaceThread::foldersSync(qulonglong accountId)
+{
+    return withRequestId([&](qulonglong id) { Q_EMIT requestedFoldersSync(accountId, id); });
+}
+
+qulonglong DBusInterfaceThread::syncFolders(qulonglong accountId, const QList<qulonglong> &folderIds)
+{
+    QStringList texts;
+    for (const qulonglong folderId : folderIds)
+        texts.append(QString::number(folderId));
+    return syncFolders(accountId, texts);
+}
+
+qulonglong DBusInterfaceThread::syncFolders(qulonglong accountId, const QStringList &folderIds)
+{
+    return withRequestId([&](qulonglong id) { Q_EMIT requestedSyncFolders(accountId, folderIds, id); });
+}
+
+qulonglong DBusInterfaceThread::syncService(qulonglong accountId, int service)
+{
+    return withRequestId([&](qulonglong id) { Q_EMIT requestedSyncService(accountId, service, id); });
+}
+
+qulonglong DBusInterfaceThread::sendMail(qulonglong accountId, qulonglong messageId)
+{
+    return withRequestId([&](qulonglong id) { Q_EMIT requestedSendMail(accountId, messageId, id); });
+}
+
+qulonglong DBusInterfaceThread::meetingResponse(qulonglong accountId, qulonglong requestMessageId,
+    int userResponse, qlonglong instanceId, qulonglong replyMessageId)
+{
+    return meetingResponse(accountId, requestMessageId, userResponse, instanceId, replyMessageId, {}, {}, {});
+}
+
+qulonglong DBusInterfaceThread::meetingResponse(qulonglong accountId, qulonglong requestMessageId,
+    int userResponse, qlonglong instanceId, qulonglong replyMessageId, const QString &newStartTime,
+    const QString &newEndTime, const QString &newTimeComment)
+{
+    return withRequestId([&](qulonglong id) {
+        Q_EMIT requestedMeetingResponse(accountId, id, requestMessageId, instanceId, userResponse,
+            replyMessageId, newStartTime, newEndTime, newTimeComment);
+    });
+}
+
+qulonglong DBusInterfaceThread::meetingResponseCalendar(qulonglong accountId, const QString &requestEventId,
+    int userResponse, qlonglong instanceId, qulonglong replyMessageId)
+{
+    return meetingResponseCalendar(
+        accountId, requestEventId, userResponse, instanceId, replyMessageId, {}, {}, {});
+}
+
+qulonglong DBusInterfaceThread::meetingResponseCalendar(qulonglong accountId, const QString &requestEventId,
+    int userResponse, qlonglong instanceId, qulonglong replyMessageId, const QString &newStartTime,
+    const QString &newEndTime, const QString &newTimeComment)
+{
+    return withRequestId([&](qulonglong id) {
+        Q_EMIT requestedMeetingResponseCalendar(accountId, id, requestEventId, instanceId, userResponse,
+            replyMessageId, newStartTime, newEndTime, newTimeComment);
+    });
+}
+
+qulonglong DBusInterfaceThread::createFolder(
+    qulonglong accountId, const QString &name, const QString &parentFolderId, uint folderType)
+{
+    return withRequestId([&](qulonglong id) {
+        Q_EMIT requestedCreateFolder(accountId, name, parentFolderId, folderType, id);
+    });
+}
+
+qulonglong DBusInterfaceThread::updateFolder(
+    qulonglong accountId, const QString &folderId, const QString &parentFolderId, const QString &name)
+{
+    return withRequestId(
+        [&](qulonglong id) { Q_EMIT requestedUpdateFolder(accountId, folderId, parentFolderId, name, id); });
+}
+
+qulonglong DBusInterfaceThread::downloadCalendarAttachment(qulonglong accountId, const QString &uri)
+{
+    return withRequestId(
+        [&](qulonglong id) { Q_EMIT requestedDownloadCalendarAttachment(accountId, id, uri); });
+}
+
+qulonglong DBusInterfaceThread::deleteFolder(qulonglong accountId, const QString &folderId)
+{
+    return withRequestId([&](qulonglong id) { Q_EMIT requestedDeleteFolder(accountId, folderId, id); });
+}
+
+qulonglong DBusInterfaceThread::provisionPolicy(qulonglong accountId)
+{
+    return withRequestId([&](qulonglong id) { Q_EMIT requestedProvisionPolicy(accountId, id); });
+}
+
+qulonglong DBusInterfaceThread::downloadMessagePart(
+    qulonglong accountId, qulonglong messageId, const QString &location)
+{
+    return withRequestId(
+        [&](qulonglong id) { Q_EMIT requestedDownloadMessagePart(accountId, messageId, location, id); });
+}
+
+qulonglong DBusInterfaceThread::downloadMessages(
+    qulonglong accountId, const QList<qulonglong> &messageIds, bool fullContentDownload)
+{
+    return withRequestId([&](qulonglong id) {
+        Q_EMIT requestedDownloadMessages(accountId, messageIds, fullContentDownload, id);
+    });
+}
+
+qulonglong DBusInterfaceThread::searchMessages(qulonglong accountId, const QString &folderId,
+    const QString &dateFrom, const QString &dateTo, const QString &bodyText, qulonglong limit)
+{
+    return withRequestId([&](qulonglong id) {
+        Q_EMIT requestedSearchMessages(accountId, folderId, dateFrom, dateTo, bodyText, limit, id);
+    });
+}
+
+qulonglong DBusInterfaceThread::searchGAL(qulonglong accountId, const QString &queryString, int rangeMin,
+    int rangeMax, bool rebuildResults, bool deepTraversal)
+{
+    return withRequestId([&](qulonglong id) {
+        Q_EMIT requestedSearchGAL(
+            accountId, queryString, rangeMin, rangeMax, rebuildResults, deepTraversal, id);
+    });
+}
+
+qulonglong DBusInterfaceThread::find(qulonglong accountId, const QString &folderId,
+    const QString &searchQuery, int searchType, qulonglong limit)
+{
+    return withRequestId([&](qulonglong id) {
+        Q_EMIT requestedFind(accountId, folderId, searchQuery, searchType, limit, id);
+    });
+}
+
+qulonglong DBusInterfaceThread::getOofState(qulonglong accountId)
+{
+    return withRequestId([&](qulonglong id) { Q_EMIT requestedGetOofState(accountId, id); });
+}
+
+qulonglong DBusInterfaceThread::setOofState(qulonglong accountId, bool enabled, bool timeRangeEnabled,
+    const QString &startTime, const QString &endTime, const QString &internalMessage,
+    bool externalMessageEnabled, bool externalMessageToAnyone, const QString &externalMessage)
+{
+    EasOofContainer state;
+    state.setOofEnabled(enabled);
+    state.setTimeRangeEnabled(timeRangeEnabled);
+    state.setStartTime(timeFromBus(startTime));
+    state.setEndTime(timeFromBus(endTime));
+    state.setInternalMessage(internalMessage);
+    state.setExternalMessageEnabled(externalMessageEnabled);
+    state.setExternalMessageToAnyone(externalMessageToAnyone);
+    state.setExternalMessage(externalMessage);
+    return withRequestId([&](qulonglong id) { Q_EMIT requestedSetOofState(accountId, id, state); });
+}
+
+qulonglong DBusInterfaceThread::attendeesAvailable(
+    qulonglong accountId, const QString &emailAddresses, const QString &startTime, const QString &endTime)
+{
+    return withRequestId([&](qulonglong id) {
+        Q_EMIT requestedAttendeesAvailable(accountId, id, emailAddresses, startTime, endTime);
+    });
+}
+
+void DBusInterfaceThread::reportRequestFinished(qulonglong accountId, qulonglong requestId, int status)
+{
+    report(mAdapter, &DBusInterfaceAdapter::requestFinished, accountId, requestId, status);
+}
+
+void DBusInterfaceThread::reportRequestProgress(
+    qulonglong accountId, qulonglong requestId, qlonglong maxValue, qlonglong currentValue)
+{
+    report(mAdapter, &DBusInterfaceAdapter::requestProgress, accountId, requestId, maxValue, currentValue);
+}
+
+void DBusInterfaceThread::reportProvisionRequestFinished(qulonglong accountId, qulonglong requestId,
+    int status, const FailedPolicyMap &provisionPolicy, int policyStatus)
+{
+    report(mAdapter, &DBusInterfaceAdapter::provisionRequestFinished, accountId, requestId, status,
+        provisionPolicy, policyStatus);
+}
+
+void DBusInterfaceThread::reportSearchMessagesFinished(qulonglong accountId, qulonglong requestId, int status,
+    uint remainingCount, const QList<qulonglong> &matchingIds)
+{
+    report(mAdapter, &DBusInterfaceAdapter::searchMessagesFinished, accountId, requestId, status,
+        remainingCount, matchingIds);
+}
+
+void DBusInterfaceThread::reportSearchGALFinished(qulonglong accountId, qulonglong requestId, int status,
+    uint totalItemsCount, const QList<qulonglong> &matchingIds)
+{
+    report(mAdapter, &DBusInterfaceAdapter::searchGALFinished, accountId, requestId, status,
+        static_cast<int>(totalItemsCount), matchingIds);
+}
+
+void DBusInterfaceThread::reportFindMessagesFinished(qulonglong accountId, qulonglong requestId, int status,
+    uint remainingCount, const QList<qulonglong> &matchingIds)
+{
+    report(mAdapter, &DBusInterfaceAdapter::findMessagesFinished, accountId, requestId, status,
+        remainingCount, matchingIds);
+}
+
+void DBusInterfaceThread::reportGalItemReceived(
+    qulonglong accountId, qulonglong requestId, qulonglong matchingId, const GalItem &item)
+{
+    report(mPeerAdapter, &DBusPeerInterfaceAdapter::galItemReceived, accountId, requestId, matchingId, item);
+}
+
+void DBusInterfaceThread::reportSyncStarted(qulonglong accountId, qulonglong requestId)
+{
+    report(mAdapter, &DBusInterfaceAdapter::syncStarted, accountId, requestId);
+}
+
+void DBusInterfaceThread::reportSyncCompleted(qulonglong accountId, qulonglong requestId, int status)
+{
+    report(mAdapter, &DBusInterfaceAdapter::syncCompleted, accountId, requestId, status);
+}
+
+void DBusInterfaceThread::reportGetOofFinished(
+    qulonglong accountId, qulonglong requestId, const EasOofContainer &state)
+{
+    qCDebug(eas()) << "Oof state, internal message enabled:" << state.internalMessageEnabled();
+    report(mAdapter, &DBusInterfaceAdapter::getOofFinished, accountId, requestId, state.oofEnabled(),
+        state.timeRangeEnabled(), state.startTime().toString(Qt::ISODate),
+        state.endTime().toString(Qt::ISODate), state.internalMessage(), state.externalMessageEnabled(),
+        state.externalMessageToAnyone(), state.externalMessage());
+}
+
+void DBusInterfaceThread::attendeesAvailableDataReady(
+    qulonglong requestId, const QStringList &emails, const QStringList &names, const QStringList &statuses)
+{
+    report(mAdapter, &DBusInterfaceAdapter::attendeesAvailableDataReady, requestId, emails, names, statuses);
 }

@@ -3,6 +3,7 @@
 
 #include "common/failedpolicymap.h"
 #include "common/galitem.h"
+#include "dbus/peerconnections.h"
 #include "easitems/containers/easoofcontainer.h"
 
 #include <QList>
@@ -11,15 +12,11 @@
 
 #include <memory>
 
+class AccountReader;
 class DBusInterfaceAdapter;
 class DBusPeerInterfaceAdapter;
 class QDBusConnection;
 class QDBusServer;
-
-namespace Accounts {
-class Account;
-class Manager;
-} // namespace Accounts
 
 /**
  * The daemon's face on the session bus, on a thread of its own, so that calls are answered while the engine
@@ -156,19 +153,17 @@ protected:
 
 private:
     qulonglong queryRequestId();
+    /** Calls with a new identifier, which it returns. */
+    template <typename Call> qulonglong withRequestId(Call call);
     void createPeerServer();
     void connectSessionBus();
     void leaveConnections();
-    /** False, to be tried again, while the account store cannot be read. */
-    bool ensureAccountsManager();
-    std::unique_ptr<Accounts::Account> storedAccount(qulonglong accountId);
-    bool hasAdapter() const;
 
     qulonglong mLastRequestId = 0;
     DBusInterfaceAdapter *mAdapter = nullptr;
     DBusPeerInterfaceAdapter *mPeerAdapter = nullptr;
     QDBusServer *mPeerServer = nullptr;
-    QStringList mPeerConnections;
-    std::shared_ptr<Accounts::Manager> mAccountsManager;
+    PeerConnections mPeerConnections;
+    std::unique_ptr<AccountReader> mAccounts;
     QObject *mPeerObject = nullptr;
 };

@@ -398,7 +398,37 @@ private Q_SLOTS:
         QVERIFY(QDir(socket).removeRecursively());
     }
 
+    void aFolderOfThePeerSocketThatCannotBeMadeIsLogged()
+    {
+        stopThread();
+        const QString folder = QFileInfo(peerSocket()).path();
+        QVERIFY(QDir(folder).removeRecursively());
+        QFile inTheWay(folder);
+        QVERIFY(inTheWay.open(QIODevice::WriteOnly));
+        LogCollector log;
+        startThread();
+        QVERIFY(
+            log.contains(QtCriticalMsg, { QStringLiteral("Could not create directory for p2p bus socket") }));
+        QVERIFY(id(call(QStringLiteral("sync"), 7ULL)));
+        stopThread();
+        QVERIFY(inTheWay.remove());
+    }
+
     // The bus around it
+
+    void aNameThatAnotherProcessHoldsIsLogged()
+    {
+        stopThread();
+        QDBusConnection other =
+            QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("other"));
+        QTRY_VERIFY(other.registerService(ExchangeActiveSync::EAS_DBUS_SERVICE_NAME));
+        LogCollector log;
+        startThread();
+        QVERIFY(log.contains(QtCriticalMsg, { QStringLiteral("Cannot register service: ") }));
+        stopThread();
+        QVERIFY(other.unregisterService(ExchangeActiveSync::EAS_DBUS_SERVICE_NAME));
+        QDBusConnection::disconnectFromBus(QStringLiteral("other"));
+    }
 
     void theSchedulersSignalBecomesTheAlwaysOnStatus()
     {
