@@ -12,7 +12,7 @@ public:
     using BaseAccountConfiguration::BaseAccountConfiguration;
 
     virtual bool enabled() const = 0;
-    /** Contacts made on the device outside any account are uploaded too. */
+    /** Whether what the user does to contacts on the device is uploaded. */
     virtual bool syncLocalContacts() const = 0;
     virtual bool firstSyncCompleted() const = 0;
     virtual void setFirstSyncCompleted(bool completed) = 0;
