@@ -107,7 +107,11 @@ QList<EasFolderItem> SyncFolderSelection::enabledFolders(int service, bool warnD
 void SyncFolderSelection::appendMailFolders(QList<EasFolderItem> &folders)
 {
     if (const QSharedPointer<MailStorage> mail = mAccount.mailStorage()) {
-        folders.append(mail->foldersToSynchronize());
+        const auto synchronized = mail->foldersToSynchronize();
+        if (synchronized)
+            folders.append(*synchronized);
+        else
+            mLookupFailed = true;
         noteLookup();
     }
 }

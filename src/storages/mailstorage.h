@@ -9,6 +9,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <optional>
+
 class EasAccount;
 class EasBodyContainer;
 class EasEmailItem;
@@ -84,7 +86,8 @@ public:
     virtual void lookForChangesAnew() {}
 
     virtual void cleanUpFolder(const EasFolderItem &folder) = 0;
-    virtual QList<EasFolderItem> foldersToSynchronize() = 0;
+    /** None if the mail account cannot be read, which is not the same as no folder. */
+    virtual std::optional<QList<EasFolderItem>> foldersToSynchronize() = 0;
 
 Q_SIGNALS:
     /** The user changed something in this account's mail that the server does not know yet. */

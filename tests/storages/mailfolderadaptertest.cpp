@@ -334,7 +334,9 @@ private Q_SLOTS:
         account.setFolderSyncPolicy(QMailAccount::SyncEverything);
         QVERIFY(mail.context.store->updateAccount(&account));
         QStringList ids;
-        for (const EasFolderItem &item : mail.adapter.foldersToSynchronize())
+        const auto folders = mail.adapter.foldersToSynchronize();
+        QVERIFY(folders);
+        for (const EasFolderItem &item : *folders)
             ids.append(item.serverId());
         ids.sort();
         QCOMPARE(ids, QStringList({ "1", "2" }));

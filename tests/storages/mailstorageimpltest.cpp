@@ -71,6 +71,14 @@ private Q_SLOTS:
         LogCollector log;
         QVERIFY(!storage.deleteEmailsByLocalIds({ 1 }));
         QVERIFY(log.contains("MailStore is not initialized yet"));
+        // Nothing is written for an account that is not there, and it does not pass for one without folders.
+        const int before = QMailStore::instance()->countFolders();
+        QList<EasFolderItem> added { row("1", QString(), false) };
+        QList<EasFolderItem> changed;
+        QVERIFY(!storage.updateFolders(added, changed, {}));
+        QCOMPARE(QMailStore::instance()->countFolders(), before);
+        QVERIFY(!storage.foldersToSynchronize());
+        QVERIFY(log.contains(QtCriticalMsg, { "there is no mail account for account", "9000" }));
 
         QMailAccount mailAccount;
         mailAccount.setId(QMailAccountId(later));

@@ -143,7 +143,7 @@ const NamedOperation operations[] = {
         } },
     { "foldersToSynchronize",
         [](MailStorageImpl &storage) {
-            return storage.foldersToSynchronize().isEmpty();
+            return !storage.foldersToSynchronize();
         } },
     { "cleanUpAccounts",
         [](MailStorageImpl &) {

@@ -108,5 +108,5 @@ public:
         return true;
     }
     void cleanUpFolder(const EasFolderItem &) override {}
-    QList<EasFolderItem> foldersToSynchronize() override { return {}; }
+    std::optional<QList<EasFolderItem>> foldersToSynchronize() override { return QList<EasFolderItem>(); }
 };

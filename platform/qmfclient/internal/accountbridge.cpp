@@ -39,15 +39,20 @@ AccountBridge::AccountBridge()
         return;
     }
     mManager = std::move(manager);
-    connect(mManager.get(), &Accounts::Manager::accountCreated, this, [this](Accounts::AccountId id) {
-        if (record(id).valid)
-            Q_EMIT accountCreated(id);
-    });
+    connect(mManager.get(), &Accounts::Manager::accountCreated, this, &AccountBridge::onAccountCreated);
     connect(mManager.get(), &Accounts::Manager::accountRemoved, this,
         [this](Accounts::AccountId id) { Q_EMIT accountRemoved(id); });
 }
 
 AccountBridge::~AccountBridge() = default;
+
+void AccountBridge::onAccountCreated(quint64 id)
+{
+    // Whoever hears of it reads it again; an account that is never told of would never get its mail.
+    const Record created = record(id);
+    if (created.valid || created.unreadable)
+        Q_EMIT accountCreated(id);
+}
 
 QList<quint64> AccountBridge::mailAccounts() const
 {
@@ -79,7 +84,12 @@ AccountBridge::Record AccountBridge::record(quint64 id) const
     if (id == 0 || id > std::numeric_limits<Accounts::AccountId>::max() || !exists(id))
         return record;
     const auto account = loaded(mManager.get(), id);
-    if (!account || !isForMail(*account))
+    if (!account) {
+        qWarning() << "the mail store cannot read account" << id << mManager->lastError().message();
+        record.unreadable = true;
+        return record;
+    }
+    if (!isForMail(*account))
         return record;
     account->selectService();
     record.valid = true;

@@ -26,6 +26,8 @@ public:
         QString name;
         QString folderSyncPolicy;
         bool valid = false;
+        /** The account is there, but what it is could not be read. */
+        bool unreadable = false;
     };
 
     AccountBridge();
@@ -37,7 +39,7 @@ public:
     bool exists(quint64 id) const;
     /** Whether the account store says that there is no such account; it does not while it cannot be read. */
     bool isGone(quint64 id) const;
-    /** As it is now; invalid if the account has no mail service. */
+    /** As it is now; invalid if there is no such account for mail, or if it cannot be read. */
     Record record(quint64 id) const;
     quint64 highestId() const;
 
@@ -46,5 +48,7 @@ Q_SIGNALS:
     void accountRemoved(quint64 id);
 
 private:
+    void onAccountCreated(quint64 id);
+
     std::unique_ptr<Accounts::Manager> mManager;
 };

@@ -161,7 +161,9 @@ bool MailStoreEngine::loadAccount(quint64 id, QMailAccount &account)
         database.setLastError(QMailStore::NoError);
         return true;
     }
-    if (database.lastError() == QMailStore::NoError)
+    if (record.unreadable)
+        database.setLastError(QMailStore::ContentInaccessible);
+    else if (database.lastError() == QMailStore::NoError)
         database.setLastError(QMailStore::InvalidId);
     return false;
 }

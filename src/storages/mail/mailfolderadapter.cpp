@@ -80,6 +80,15 @@ MailFolderAdapter::MailFolderAdapter(const MailStoreContext &context, MailFolder
 {
 }
 
+std::optional<QMailAccount> MailFolderAdapter::mailAccount() const
+{
+    QMailAccount account = mContext.store->account(mContext.mailAccountId);
+    if (mContext.mailAccountId.isValid() && account.id() == mContext.mailAccountId)
+        return account;
+    qCCritical(eas()) << "there is no mail account for account" << mContext.accountId();
+    return std::nullopt;
+}
+
 bool MailFolderAdapter::updateFolders(
     QList<EasFolderItem> &added, const QList<EasFolderItem> &changed, const QStringList &deleted)
 {
@@ -121,7 +130,9 @@ bool MailFolderAdapter::addFolderItems(
     QList<EasFolderItem> &items, const QMap<QString, QString> &serverToLocal)
 {
     mAdopted.clear();
-    QMailAccount account(mContext.mailAccountId);
+    std::optional<QMailAccount> account = mailAccount();
+    if (!account)
+        return false;
     bool standardFolderSet = false;
     QMap<QString, QString> addedNow;
     QSet<QString> taken;
@@ -136,13 +147,11 @@ bool MailFolderAdapter::addFolderItems(
         taken.insert(item.localId());
         const FolderKind *kind = kindOf(item.type());
         if (kind && kind->standardFolder != noStandardFolder) {
-            account.setStandardFolder(kind->standardFolder, folderId(item.localId()));
+            account->setStandardFolder(kind->standardFolder, folderId(item.localId()));
             standardFolderSet = true;
         }
     }
-    if (standardFolderSet)
-        commitStandardFolders(&account);
-    return true;
+    return !standardFolderSet || commitStandardFolders(&*account);
 }
 
 bool MailFolderAdapter::addFolderItem(EasFolderItem *item, QMailFolderId present)
@@ -202,13 +211,14 @@ std::unique_ptr<QMailFolder> MailFolderAdapter::mailFolderFromFolderItem(const E
     return folder;
 }
 
-void MailFolderAdapter::commitStandardFolders(QMailAccount *account) const
+bool MailFolderAdapter::commitStandardFolders(QMailAccount *account) const
 {
     if (mContext.store->updateAccount(account))
-        return;
+        return true;
     qCCritical(eas()) << "failed to commit special folder"
                       << account->standardFolder(QMailFolder::InboxFolder).toULongLong() << "for account"
                       << mContext.mailAccountId.toULongLong();
+    return false;
 }
 
 bool MailFolderAdapter::updateFolderItems(
@@ -313,12 +323,12 @@ void MailFolderAdapter::rollBackAddedFolderItems(QList<EasFolderItem> &items)
 
 void MailFolderAdapter::allowFolderCreation()
 {
-    QMailAccount account = mContext.store->account(mContext.mailAccountId);
-    if (account.status() & QMailAccount::CanCreateFolders)
+    std::optional<QMailAccount> account = mailAccount();
+    if (!account || (account->status() & QMailAccount::CanCreateFolders))
         return;
-    account.setStatus(QMailAccount::CanCreateFolders, true);
+    account->setStatus(QMailAccount::CanCreateFolders, true);
     const quint64 id = mContext.mailAccountId.toULongLong();
-    if (mContext.store->updateAccount(&account))
+    if (mContext.store->updateAccount(&*account))
         qCInfo(eas()) << "Legacy account" << id << "updated. Exchange account now able to create folders.";
     else
         qCWarning(eas()) << "Legacy account" << id
@@ -352,10 +362,13 @@ void MailFolderAdapter::updateUserCreatedFoldersStatus()
     }
 }
 
-QList<EasFolderItem> MailFolderAdapter::foldersToSynchronize() const
+std::optional<QList<EasFolderItem>> MailFolderAdapter::foldersToSynchronize() const
 {
+    const std::optional<QMailAccount> account = mailAccount();
+    if (!account)
+        return std::nullopt;
     QList<EasFolderItem> items;
-    const QList<QMailFolderId> ids = QMailAccount(mContext.mailAccountId).foldersToSync();
+    const QList<QMailFolderId> ids = account->foldersToSync();
     for (const QMailFolderId &id : ids) {
         const EasFolderItem item =
             EasDatabase::instance()->folderItemByLocalId(mContext.accountId(), idText(id));

@@ -10,6 +10,7 @@
 #include <qmailid.h>
 
 #include <memory>
+#include <optional>
 
 struct MailStoreContext;
 class EasFolderItem;
@@ -39,7 +40,8 @@ public:
     void updateUserCreatedFoldersStatus();
 
     /** The folders that the mail account's policy says. */
-    QList<EasFolderItem> foldersToSynchronize() const;
+    /** None if the mail account cannot be read. */
+    std::optional<QList<EasFolderItem>> foldersToSynchronize() const;
 
     /** Removes the messages of a folder, not the folder; those stay that wait for their move into it. */
     void cleanUpFolder(const EasFolderItem &item);
@@ -53,7 +55,9 @@ private:
     std::unique_ptr<QMailFolder> mailFolderFromFolderItem(const EasFolderItem &item) const;
     QMailFolderId presentFolder(const EasFolderItem &item, const QMap<QString, QString> &serverToLocal,
         const QSet<QString> &taken) const;
-    void commitStandardFolders(QMailAccount *account) const;
+    /** As the store has it now; none, after a log line, if it cannot be read. */
+    std::optional<QMailAccount> mailAccount() const;
+    bool commitStandardFolders(QMailAccount *account) const;
     void setChangesToFolder(
         QMailFolder *folder, const EasFolderItem &item, const QMap<QString, QString> &serverToLocal) const;
     void setParentToFolder(

@@ -127,6 +127,17 @@ bool MailStorageImpl::storeAvailable() const
     return false;
 }
 
+bool MailStorageImpl::findMailAccount()
+{
+    // The store tells of a new account once; what could not be read then may be readable now.
+    if (!initialized())
+        bindMailAccount();
+    if (initialized())
+        return true;
+    qCCritical(eas()) << "there is no mail account for account" << mContext.accountId();
+    return false;
+}
+
 bool MailStorageImpl::initialized() const
 {
     return mContext.mailAccountId.isValid();
@@ -167,7 +178,7 @@ bool MailStorageImpl::cleanUpDeletedAccounts(const QList<quint64> &)
 bool MailStorageImpl::updateFolders(
     QList<EasFolderItem> &added, QList<EasFolderItem> &changed, const QStringList &deleted)
 {
-    return storeAvailable() && mFolders.updateFolders(added, changed, deleted);
+    return storeAvailable() && findMailAccount() && mFolders.updateFolders(added, changed, deleted);
 }
 
 bool MailStorageImpl::updateEmails(
@@ -389,9 +400,9 @@ void MailStorageImpl::cleanUpFolder(const EasFolderItem &folder)
         mFolders.cleanUpFolder(folder);
 }
 
-QList<EasFolderItem> MailStorageImpl::foldersToSynchronize()
+std::optional<QList<EasFolderItem>> MailStorageImpl::foldersToSynchronize()
 {
-    return storeAvailable() ? mFolders.foldersToSynchronize() : QList<EasFolderItem>();
+    return storeAvailable() && findMailAccount() ? mFolders.foldersToSynchronize() : std::nullopt;
 }
 
 void MailStorageImpl::onFoldersAdded(QMailFolderIdList ids)

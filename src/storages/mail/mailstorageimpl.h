@@ -71,13 +71,16 @@ public:
     QString serverUidFromMessageId(quint64 messageId) override;
     int estimatedDataSizeFromLocation(quint64 messageId, const QString &location) override;
     void cleanUpFolder(const EasFolderItem &folder) override;
-    QList<EasFolderItem> foldersToSynchronize() override;
+    std::optional<QList<EasFolderItem>> foldersToSynchronize() override;
 
 public Q_SLOTS:
     void onFoldersAdded(QMailFolderIdList ids);
     void onFoldersRemoved(QMailFolderIdList ids);
 
 private:
+    /** Looks for the mail account again if there was none; false, after a log line, if there still is none.
+     */
+    bool findMailAccount();
     void initializeStorage();
     void bindMailAccount();
     void handleUnsavedFolders();
