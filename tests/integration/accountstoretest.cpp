@@ -208,7 +208,8 @@ void AccountStoreTest::anAccountAddedInPlaceOfARemovedOneIsWhole()
 void AccountStoreTest::whatAForeignProgramWritesIsThere()
 {
     const QString keeper = QStringLiteral("keeper@example.com");
-    const auto id = static_cast<EasAccountId>(described(keeper).value(QStringLiteral("id")).toString().toInt());
+    const auto id =
+        static_cast<EasAccountId>(described(keeper).value(QStringLiteral("id")).toString().toInt());
     {
         AccountFactory foreign;
         for (int number = 0; number < 100; ++number) {
