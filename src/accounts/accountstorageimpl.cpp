@@ -12,6 +12,7 @@
 #include <QTimer>
 
 #include <algorithm>
+#include <limits>
 
 namespace {
 const QString providerName = QStringLiteral("fenneleas");
@@ -54,6 +55,12 @@ int AccountStorageImpl::enabledAccountsCount() const
 bool AccountStorageImpl::isReady() const
 {
     return mReady;
+}
+
+void AccountStorageImpl::findAccount(EasAccountId id)
+{
+    if (isUsable() && !mAccounts.contains(id) && id <= std::numeric_limits<Accounts::AccountId>::max())
+        onAccountCreated(static_cast<uint>(id));
 }
 
 void AccountStorageImpl::connectManagers()

@@ -33,6 +33,7 @@ public:
     EasAccount *account(EasAccountId id) const override;
     int enabledAccountsCount() const override;
     bool isReady() const override;
+    void findAccount(EasAccountId id) override;
 
 private Q_SLOTS:
     void initializeAccounts();

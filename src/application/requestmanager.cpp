@@ -161,6 +161,9 @@ void RequestManager::processNewRequest(Request *request)
 
 void RequestManager::addRequestInQueue(Request *request)
 {
+    // A client may be quicker than the account store's signal of a new account.
+    if (!account(request->accountId()) && mAccountStorage)
+        mAccountStorage->findAccount(request->accountId());
     AccountQueue *&queue = mRequestQueues[request->accountId()];
     if (!queue)
         queue = new AccountQueue(request->accountId(), this);

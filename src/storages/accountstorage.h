@@ -27,6 +27,9 @@ public:
     virtual int enabledAccountsCount() const = 0;
     /** True once every account was ready; it never becomes false again. */
     virtual bool isReady() const = 0;
+    /** Takes an account that the platform has already, though its signal is still on the way; if it is
+     * enabled. */
+    virtual void findAccount(EasAccountId id) { Q_UNUSED(id) }
 
 Q_SIGNALS:
     void ready();

@@ -83,6 +83,36 @@ private Q_SLOTS:
         QCOMPARE(ready.count(), 1);
     }
 
+    void anAccountIsFoundBeforeItsSignalComes()
+    {
+        openReady();
+        QSignalSpy added(mStorage.get(), &AccountStorage::accountAdded);
+        const EasAccountId id = create();
+        QCOMPARE(mStorage->account(id), nullptr);
+        mStorage->findAccount(id);
+        EasAccount *const account = mStorage->account(id);
+        QVERIFY(account);
+        QCOMPARE(added.count(), 1);
+        // The signal changes nothing any more.
+        QTRY_VERIFY(mLog->count(QStringLiteral("received account created: ")) > 1);
+        QCOMPARE(mStorage->account(id), account);
+        QCOMPARE(added.count(), 1);
+    }
+
+    void whatIsNoAccountOfTheEngineIsNotFound()
+    {
+        openReady();
+        const EasAccountId foreign = createForeign();
+        AccountOptions disabled;
+        disabled.enabled = false;
+        const EasAccountId off = mFactory->create(disabled);
+        const EasAccountId beyond = (EasAccountId(1) << 32) + create();
+        for (const EasAccountId id : { foreign, off, beyond, EasAccountId(4711) }) {
+            mStorage->findAccount(id);
+            QCOMPARE(mStorage->account(id), nullptr);
+        }
+    }
+
     void onlyEnabledAccountsOfItsOwnProviderGetAnObject()
     {
         AccountOptions disabled;
