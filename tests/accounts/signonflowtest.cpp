@@ -86,7 +86,7 @@ private Q_SLOTS:
         class ShortClock : public Clock
         {
         public:
-            int timerInterval(int milliseconds) const override
+            int timerInterval(int milliseconds, Timer) const override
             {
                 asked.append(milliseconds);
                 return 1;
