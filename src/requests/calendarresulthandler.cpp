@@ -5,6 +5,7 @@
 #include "application/base/logging.h"
 #include "application/mapping/easdatabase.h"
 #include "protocol/base/eas.h"
+#include "requests/syncstate.h"
 #include "storages/calendarstorage.h"
 
 #include <algorithm>
@@ -110,7 +111,9 @@ void CalendarResultHandler::storeSyncTime(CalendarStorage &storage, const SyncCo
 {
     // What the server has refused is a change since the old time, and is found again. Nor is there a new
     // time if the changes could not be queried.
-    if (!hasUploadedAll() || collection.queryTime() == 0)
+    UploadProgress &progress = state().uploads[collection.id()];
+    progress.hasRefused = progress.hasRefused || !hasUploadedAll();
+    if (progress.isWaiting || progress.hasRefused || collection.queryTime() == 0)
         return;
     // Under the old time what was told to the server is asked for once more, and nothing is lost.
     const QString localFolder =

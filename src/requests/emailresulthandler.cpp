@@ -29,6 +29,7 @@ bool EmailResultHandler::handle(SyncCollection &collection)
 
     nameAsKept(collection, ids);
     recogniseRepeatedAdds(collection, ids);
+    beginAnewFor(collection, unknownChanges(ids));
     spareMovedMail();
     // Known mail would look new, and be added a second time.
     if (ids.lookupFailed())
@@ -130,6 +131,16 @@ void EmailResultHandler::recogniseRepeatedAdds(const SyncCollection &collection,
         }
     }
     mAdded = added;
+}
+
+QStringList EmailResultHandler::unknownChanges(const MailServerIds &ids) const
+{
+    QStringList unknown;
+    for (const EasEmailItem &item : mChanged) {
+        if (!ids.contains(item.serverId()) && !state().movedServerIds.contains(item.serverId()))
+            unknown.append(item.serverId());
+    }
+    return unknown;
 }
 
 void EmailResultHandler::spareMovedMail()

@@ -21,6 +21,8 @@ private:
     bool acknowledgeDeletes(MailStorage &storage, const SyncCollection &collection, const MailServerIds &ids);
     void nameAsKept(const SyncCollection &collection, MailServerIds &ids);
     void recogniseRepeatedAdds(const SyncCollection &collection, MailServerIds &ids);
+    /** Changes of messages that neither the mapping nor this reply knows. */
+    QStringList unknownChanges(const MailServerIds &ids) const;
     void spareMovedMail();
 
     QList<EasEmailItem> mAdded;

@@ -122,8 +122,10 @@ bool ItemsPhase::finishUnansweredCollections(const SyncCommand &command)
 
 SyncPhase::End ItemsPhase::decideNext(bool moreAvailable, bool progressed)
 {
-    const SyncState &state = run().state;
+    SyncState &state = run().state;
     if (!state.collectionsToResync.isEmpty()) {
+        for (const QString &serverId : qAsConst(state.collectionsToResync))
+            SyncState::addOnce(state.collectionsToSync, serverId);
         qCInfo(eas()) << "Need to resync collections:" << state.collectionsToResync.size();
         return End::CollectionsAnew;
     }
@@ -161,6 +163,8 @@ SyncPhase::End ItemsPhase::startDeferredExceptions()
         else
             qCWarning(eas()) << "Failed touch local items";
         state.calendarExceptionsTouched[entry.key()] += entry.value();
+        for (const QPair<QString, QString> &occurrence : entry.value())
+            state.uploads[entry.key()].sent.remove(occurrence.first);
     }
     state.calendarExceptionsForLater.clear();
     return End::More;

@@ -48,6 +48,25 @@ QSharedPointer<AirSyncBasePreference> bodyPreference(EasBodyContainer::BodyType 
     return preference;
 }
 
+/** Bytes of an item on its way, about. */
+qint64 sizeOf(const EasEmailItem &item)
+{
+    return item.body().data().size();
+}
+
+qint64 sizeOf(const EasContactsItem &item)
+{
+    return item.picture().size() + item.body().data().size();
+}
+
+qint64 sizeOf(const EasCalendarItem &item)
+{
+    qint64 size = item.body().data().size();
+    for (const EasAttachmentContainer &attachment : item.attachments())
+        size += attachment.estimatedDataSize();
+    return size;
+}
+
 template <typename Command, typename Items, typename Setter>
 void appendCommand(SyncCollection &collection, const Items &items, Setter setter)
 {
@@ -146,6 +165,40 @@ void SyncCollectionBuilder::setFilter(AirSyncOptions &options, int syncPastTime)
 
 void SyncCollectionBuilder::appendLocalChanges(SyncCollection &collection, const EasFolderItem &folder)
 {
+    UploadProgress &progress = mState.uploads[collection.id()];
+    mBudget.beginFolder(progress.sent);
+    collectLocalChanges(collection, folder);
+    progress.sending = mBudget.taken();
+    progress.isWaiting = mBudget.hasLeftOut();
+    // What the server has changed comes last: it would take the place of changes that have not gone up.
+    if (progress.isWaiting)
+        collection.setGetChanges(false);
+}
+
+template <typename Item> void SyncCollectionBuilder::keepWhatFits(QList<Item> &items)
+{
+    QList<Item> kept;
+    for (const Item &item : qAsConst(items)) {
+        if (!mBudget.take(item.localId()))
+            continue;
+        mBudget.addBytes(sizeOf(item));
+        kept.append(item);
+    }
+    items = kept;
+}
+
+void SyncCollectionBuilder::keepWhatFits(QStringList &deletedServerIds)
+{
+    QStringList kept;
+    for (const QString &serverId : qAsConst(deletedServerIds)) {
+        if (mBudget.take(UploadBudget::deletion(serverId)))
+            kept.append(serverId);
+    }
+    deletedServerIds = kept;
+}
+
+void SyncCollectionBuilder::collectLocalChanges(SyncCollection &collection, const EasFolderItem &folder)
+{
     if (isSynchronizedMail(folder))
         appendMailChanges(collection, folder);
     else if (folder.isContacts())
@@ -162,10 +215,12 @@ void SyncCollectionBuilder::appendMailChanges(SyncCollection &collection, const 
         return;
     }
     QList<EasEmailItem> changed = storage->updatedEmails(folder.localId());
+    keepWhatFits(changed);
     for (EasEmailItem &item : changed)
         item.setServerId(EmailServerId::onWire(item.serverId()));
     QStringList deleted;
-    const QStringList keptIds = storage->deletedEmails(folder.localId());
+    QStringList keptIds = storage->deletedEmails(folder.localId());
+    keepWhatFits(keptIds);
     for (const QString &keptId : keptIds)
         deleted.append(EmailServerId::onWire(keptId));
 
@@ -188,6 +243,9 @@ void SyncCollectionBuilder::appendContactChanges(SyncCollection &collection, con
         qCWarning(eas()) << "Failed to retreive changes in local contacts";
         return;
     }
+    keepWhatFits(added);
+    keepWhatFits(changed);
+    keepWhatFits(deleted);
     appendCommand<SyncCommandAdd>(collection, added, &SyncCommandAdd::setContactItems);
     appendCommand<SyncCommandChange>(collection, changed, &SyncCommandChange::setContactItems);
     appendCommand<SyncCommandDelete>(collection, deleted, &SyncCommandDelete::setServerIds);
@@ -216,7 +274,14 @@ void SyncCollectionBuilder::appendCalendarChanges(SyncCollection &collection, co
         qCWarning(eas()) << "Failed querying local updates";
         return;
     }
-    collection.setQueryTime(newTime);
+    UploadProgress &progress = mState.uploads[collection.id()];
+    // What is changed between two parts is not looked for in the later one.
+    if (progress.sent.isEmpty())
+        progress.queryTime = newTime;
+    collection.setQueryTime(progress.queryTime);
+    keepWhatFits(added);
+    keepWhatFits(changed);
+    keepWhatFits(deleted);
     for (const EasCalendarItem &item : qAsConst(changed)) {
         if (item.attachments().isEmpty())
             continue;

@@ -3,6 +3,7 @@
 
 #include "easitems/easfolderitem.h"
 #include "protocol/elements/synccollection.h"
+#include "storages/uploadbudget.h"
 
 class AirSyncOptions;
 class EasAccount;
@@ -21,12 +22,18 @@ public:
     /** A folder without a real key gives an initial collection: no options, no local changes. */
     SyncCollection setupSyncCollection(const EasFolderItem &folder);
 
+    /** Whether no more local changes fit into the Sync; the next folders wait for the one after it. */
+    bool isFull() const { return mBudget.isSpent(); }
+
 private:
     void setupOptions(SyncCollection &collection, const EasFolderItem &folder);
     void setupMailOptions(AirSyncOptions &options, const EasFolderItem &folder);
     void setupCalendarOptions(SyncCollection &collection, AirSyncOptions &options);
     void setFilter(AirSyncOptions &options, int syncPastTime) const;
     void appendLocalChanges(SyncCollection &collection, const EasFolderItem &folder);
+    void collectLocalChanges(SyncCollection &collection, const EasFolderItem &folder);
+    template <typename Item> void keepWhatFits(QList<Item> &items);
+    void keepWhatFits(QStringList &deletedServerIds);
     void appendMailChanges(SyncCollection &collection, const EasFolderItem &folder);
     void appendContactChanges(SyncCollection &collection, const EasFolderItem &folder);
     void appendCalendarChanges(SyncCollection &collection, const EasFolderItem &folder);
@@ -35,4 +42,6 @@ private:
 
     EasAccount &mAccount;
     SyncState &mState;
+    /** For all collections of the Sync. */
+    UploadBudget mBudget;
 };

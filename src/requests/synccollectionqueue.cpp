@@ -87,6 +87,8 @@ bool SyncCollectionQueue::queryCollectionsForSync(
                        << "with syncKey:" << collection.syncKey()
                        << (withoutKey.isEmpty() ? "- requires normal sync." : "- requires initial sync.");
         (withoutKey.isEmpty() ? continuing : initial).append(collection);
+        if (builder.isFull())
+            break;
     }
     return true;
 }

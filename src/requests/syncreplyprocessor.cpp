@@ -119,6 +119,8 @@ void SyncReplyProcessor::apply(Result result, const SyncCollection &collection)
         mUpdated.append(collection);
         if (bearsItems(collection) && collection.syncKey() != mSentKeys.value(collection.id()))
             mHasProgressed = true;
+        if (mState.uploadAnswered(collection.id()))
+            mHasProgressed = true;
         return closeUnlessMore(collection);
     case Result::NotHandled:
         return closeUnlessMore(collection);
@@ -178,6 +180,9 @@ SyncReplyProcessor::Result SyncReplyProcessor::takeItems(SyncCollection &collect
         qCWarning(eas()) << "unhandled folder type" << type;
         return Result::NotHandled;
     }
+    // While changes of the device wait, the server is not asked for its own.
+    if (mState.uploads.value(collection.id()).isWaiting)
+        collection.setMoreAvailable(true);
     const bool handled = handler->handle(collection);
     mStoreStatus = handler->status();
     if (mStoreStatus != 0)

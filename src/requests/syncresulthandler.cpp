@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "requests/syncresulthandler.h"
 
+#include "application/account/easaccount.h"
 #include "application/base/logging.h"
+#include "application/mapping/easdatabase.h"
+#include "protocol/elements/synccollection.h"
+#include "requests/collectionrestarts.h"
 #include "requests/request.h"
 #include "requests/syncstate.h"
 
@@ -44,4 +48,20 @@ bool SyncResultHandler::judge(SyncItemStatus::Operation operation, uint status, 
         return false;
     }
     return true;
+}
+
+void SyncResultHandler::beginAnewFor(const SyncCollection &collection, const QStringList &unknownIds)
+{
+    if (unknownIds.isEmpty())
+        return;
+    const auto folder = EasDatabase::instance()->folderItemByServerId(mAccount.id(), collection.id());
+    const QString name = folder ? folder->displayName() : QString();
+    if (!CollectionRestarts::of(mAccount).begin(collection.id())) {
+        qCWarning(eas()) << "changes of unknown items, and the collection has begun anew today already:"
+                         << collection.id() << name << unknownIds.size();
+        return;
+    }
+    qCWarning(eas()) << "changes of unknown items, the collection begins anew:" << collection.id() << name
+                     << unknownIds.size();
+    SyncState::addOnce(mState.collectionsToResync, collection.id());
 }

@@ -44,6 +44,12 @@ protected:
     bool judge(SyncItemStatus::Operation operation, uint status, const QString &serverId,
         const QString &localId, bool &acknowledged);
 
+    /**
+     * Has a collection begin anew after this reply if it changes items that the device never got: a server
+     * says so that takes a window for received that was not. Not more than once a day; logged.
+     */
+    void beginAnewFor(const SyncCollection &collection, const QStringList &unknownIds);
+
     QStringList failedLocalIds() const { return mFailedLocalIds; }
 
     /**

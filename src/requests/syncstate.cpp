@@ -15,6 +15,22 @@ void SyncState::collectionSynced(const QString &serverId)
     collectionsToSync.removeAll(serverId);
 }
 
+bool SyncState::uploadAnswered(const QString &serverId)
+{
+    UploadProgress &progress = uploads[serverId];
+    progress.sent += progress.sending;
+    progress.sending.clear();
+    if (progress.isWaiting) {
+        addOnce(collectionsToSync, serverId);
+        collectionsToRetry.removeAll(serverId);
+        return true;
+    }
+    // What was refused is found again as long as the request lasts, and must not go up with each Sync.
+    if (!progress.hasRefused || progress.sent.isEmpty())
+        uploads.remove(serverId);
+    return false;
+}
+
 void SyncState::leaveOut(const QString &serverId)
 {
     collectionSynced(serverId);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include "requests/uploadprogress.h"
+
 #include <QList>
 #include <QMap>
 #include <QPair>
@@ -23,6 +25,8 @@ struct SyncState
     QStringList collectionsAskedAlone;
     /** Collections that got no key, with the status: the others go on, and then they are tried again. */
     QMap<QString, int> collectionsSetAside;
+    /** By collection, as far as local changes have gone up in this request. */
+    QMap<QString, UploadProgress> uploads;
     /** Per collection the occurrences that wait until their series exists on the server. */
     QMap<QString, QList<QPair<QString, QString>>> calendarExceptionsForLater;
     /** Those that have waited once: a series that the server does not take must not be tried for ever. */
@@ -32,6 +36,9 @@ struct SyncState
 
     /** Takes a collection off the lists of what is still to be done. */
     void collectionSynced(const QString &serverId);
+
+    /** Notes that the changes under way were answered; true if more of them wait. */
+    bool uploadAnswered(const QString &serverId);
 
     /** Takes a collection off all lists. */
     void leaveOut(const QString &serverId);

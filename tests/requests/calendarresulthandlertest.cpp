@@ -175,6 +175,7 @@ private Q_SLOTS:
             else
                 answerDelete(reply, "9:1", status);
             mScene->store->calls.clear();
+            mScene->state = SyncState();
             QVERIFY(handle(reply));
             // What the server does not have is as good as deleted.
             if (i == 2 && status == 8)

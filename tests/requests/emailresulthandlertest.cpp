@@ -3,6 +3,7 @@
 #include "requests/uploadresultscene.h"
 #include "support/itemlines.h"
 #include "support/logcollector.h"
+#include "support/scriptedclock.h"
 #include "support/stubmailstorage.h"
 #include "support/testmain.h"
 
@@ -120,6 +121,43 @@ private Q_SLOTS:
         reply.appendAddedEmails(Mail(), QStringLiteral("5:8"));
         QVERIFY(handle(reply));
         QCOMPARE(calls(), QStringList(QStringLiteral("received +=5/5:8 *5/5:8")));
+    }
+
+    void aChangeOfUnknownMailBeginsTheCollectionAnewOnceADay()
+    {
+        ScriptedClock clock;
+        const QString warning = QStringLiteral("changes of unknown items, the collection begins anew:");
+        EasFolderItem folder;
+        folder.setServerId(QStringLiteral("5"));
+        folder.setDisplayName(QStringLiteral("Projects"));
+        QVERIFY(EasDatabase::instance()->addFolderItems(Account, { folder }));
+        const auto tells = [&] {
+            mScene->state = SyncState();
+            SyncCollection reply = collection();
+            reply.appendChangedEmails(Mail(), QStringLiteral("5:77"));
+            return handle(reply) ? mScene->state.collectionsToResync : QStringList(QStringLiteral("failed"));
+        };
+        {
+            const LogCollector log;
+            QCOMPARE(tells(), QStringList(QStringLiteral("5")));
+            QVERIFY(log.contains(QtWarningMsg, { warning, QStringLiteral("Projects") }));
+        }
+        QCOMPARE(tells(), QStringList());
+        clock.millisecondsAhead = 24 * 60 * 60 * 1000 - 5000;
+        QCOMPARE(tells(), QStringList());
+        clock.millisecondsAhead += 10000;
+        QCOMPARE(tells(), QStringList(QStringLiteral("5")));
+    }
+
+    void aChangeOfKnownMailDoesNotBeginAnew()
+    {
+        mScene->state.movedServerIds = QStringList(QStringLiteral("5:9"));
+        SyncCollection reply = collection({}, { QStringLiteral("5:2") });
+        reply.appendAddedEmails(Mail(), QStringLiteral("5:8"));
+        for (const char *known : { "5:1", "5:8", "5:9", "5:2" }) // there, new, moved, just deleted
+            reply.appendChangedEmails(Mail(), QString::fromLatin1(known));
+        QVERIFY(handle(reply));
+        QCOMPARE(mScene->state.collectionsToResync, QStringList());
     }
 
     void movedMailIsSparedByTheNextReplyAlone_data()
