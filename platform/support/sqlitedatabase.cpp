@@ -3,13 +3,34 @@
 
 #include <QDebug>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QSqlError>
 #include <QUuid>
 
+#include <algorithm>
+
 namespace {
 
 const int maxStatements = 128;
+
+constexpr QFile::Permissions ownFile = QFile::ReadOwner | QFile::WriteOwner;
+constexpr QFile::Permissions ownFolder = ownFile | QFile::ExeOwner;
+
+/** What is another user's stays as that user has it. */
+void restrictFolder(const QString &folder)
+{
+    // One that all may write to is shared on purpose.
+    if (!(QFile::permissions(folder) & QFile::WriteOther))
+        QFile::setPermissions(folder, ownFolder);
+}
+
+/** With what SQLite keeps beside the file, which takes over its permissions when it is made. */
+void restrictFile(const QString &file)
+{
+    for (const char *suffix : { "", "-wal", "-shm" })
+        QFile::setPermissions(file + QLatin1String(suffix), ownFile);
+}
 
 } // namespace
 
@@ -37,13 +58,15 @@ bool SqliteDatabase::open(const QString &fileName, const Schema &schema)
     mDatabase = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), mConnectionName);
     mDatabase.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=30000"));
     mDatabase.setDatabaseName(fileName);
+    restrictFolder(folder);
     if (!mDatabase.open()) {
         qWarning().noquote() << mName << "cannot open" << fileName << mDatabase.lastError().text();
         return false;
     }
+    restrictFile(fileName);
     // One sync to disk a transaction: what a caller was told is stored also outlives a power cut.
     mOpen = run(QStringLiteral("PRAGMA journal_mode = WAL"))
-        && run(QStringLiteral("PRAGMA synchronous = FULL")) && createSchema(schema);
+        && run(QStringLiteral("PRAGMA synchronous = FULL")) && createSchema(schema) && createIndexes(schema);
     if (!mOpen)
         mDatabase.close();
     return mOpen;
@@ -72,6 +95,12 @@ bool SqliteDatabase::createSchema(const Schema &schema)
             return false;
     }
     return run(QStringLiteral("PRAGMA user_version = %1").arg(schema.version)) && transaction.commit();
+}
+
+bool SqliteDatabase::createIndexes(const Schema &schema)
+{
+    return std::all_of(schema.indexes.cbegin(), schema.indexes.cend(),
+        [this](const char *statement) { return run(QLatin1String(statement)); });
 }
 
 bool SqliteDatabase::execute(const QString &sql, const QVariantList &values, QSqlQuery *&query)

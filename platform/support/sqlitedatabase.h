@@ -26,6 +26,8 @@ public:
     {
         int version;
         QVector<const char *> statements;
+        /** Indexes that came later; they are made in files of before as well. */
+        QVector<const char *> indexes = {};
     };
 
     /** name: of the store, for its connections and log lines. */
@@ -34,7 +36,10 @@ public:
     SqliteDatabase(const SqliteDatabase &) = delete;
     SqliteDatabase &operator=(const SqliteDatabase &) = delete;
 
-    /** Opens the file, in a folder that is made if it is missing, and creates the schema in a new one. */
+    /**
+     * Opens the file, in a folder that is made if it is missing, and creates the schema in a new one. File
+     * and folder are the user's alone, those that exist already as well.
+     */
     bool open(const QString &fileName, const Schema &schema);
     bool isOpen() const { return mOpen; }
 
@@ -69,6 +74,7 @@ protected:
 
 private:
     bool createSchema(const Schema &schema);
+    bool createIndexes(const Schema &schema);
     bool execute(const QString &sql, const QVariantList &values, QSqlQuery *&query);
     bool fail(const QSqlQuery &query);
     void rollBack();

@@ -39,6 +39,27 @@ private Q_SLOTS:
         qputenv("QMF_DATA", before);
     }
 
+    void fileAndFolderAreTheUsersAlone()
+    {
+        const QByteArray before = qgetenv("QMF_DATA");
+        const QTemporaryDir parent;
+        const QString folder = parent.filePath(QStringLiteral("mail"));
+        const QString file = folder + QStringLiteral("/mailstore.db");
+        const auto others = QFile::ReadGroup | QFile::WriteGroup | QFile::ExeGroup | QFile::ReadOther
+            | QFile::WriteOther | QFile::ExeOther;
+        qputenv("QMF_DATA", QFile::encodeName(folder));
+        for (int start = 0; start < 2; ++start) {
+            withOtherStore([] { QVERIFY(QMailStore::instance()); });
+            for (const QString &path : { folder, file })
+                QVERIFY2(!(QFile::permissions(path) & others), qPrintable(path));
+            // As an older version has left them.
+            QVERIFY(QFile::setPermissions(
+                folder, QFile::permissions(folder) | QFile::ReadOther | QFile::ExeOther));
+            QVERIFY(QFile::setPermissions(file, QFile::permissions(file) | QFile::ReadOther));
+        }
+        qputenv("QMF_DATA", before);
+    }
+
     void init()
     {
         mAccount = addAccount();

@@ -51,6 +51,13 @@ const SqliteDatabase::Schema schema { 1,
         "CREATE INDEX removal_records_by_account ON removal_records (account, server_uid)",
         "CREATE TABLE status_flags (kind TEXT NOT NULL, name TEXT NOT NULL, bit INTEGER NOT NULL,"
         " PRIMARY KEY (kind, name), UNIQUE (kind, bit)) WITHOUT ROWID",
+    },
+    {
+        // Read (0x80) here and not elsewhere (0x200), and the other way round: what waits for the server.
+        "CREATE INDEX IF NOT EXISTS messages_read_here ON messages (folder)"
+        " WHERE (status & 128) <> 0 AND (status & 512) = 0",
+        "CREATE INDEX IF NOT EXISTS messages_unread_here ON messages (folder)"
+        " WHERE (status & 128) = 0 AND (status & 512) <> 0",
     } };
 
 } // namespace

@@ -5,13 +5,43 @@
 
 #include <QStringList>
 
+#include <algorithm>
+
 namespace {
+
+bool isNarrow(const MailKeyNode &key)
+{
+    switch (key.property) {
+    case MailKeyNode::Id:
+    case MailKeyNode::ServerUid:
+        return key.comparison == MailKeyNode::Equal || key.comparison == MailKeyNode::Includes;
+    case MailKeyNode::CustomField:
+        return key.comparison == MailKeyNode::Equal || key.comparison == MailKeyNode::Present;
+    case MailKeyNode::PreviousParentFolderId:
+        return key.comparison != MailKeyNode::Excludes;
+    default:
+        return false;
+    }
+}
+
+/** Whether a key asks for few messages by something that has an index. */
+bool narrows(const MailKeyNode &key)
+{
+    if (key.kind == MailKeyNode::Condition)
+        return isNarrow(key);
+    const auto childNarrows = [](const MailKeyNode::Pointer &child) {
+        return narrows(*child);
+    };
+    return key.kind == MailKeyNode::And
+        && std::any_of(key.children.cbegin(), key.children.cend(), childNarrows);
+}
 
 class Compiler
 {
 public:
-    explicit Compiler(bool folders)
+    Compiler(bool folders, bool narrow)
         : mFolders(folders)
+        , mNarrow(narrow)
     {
     }
 
@@ -64,7 +94,9 @@ private:
     {
         switch (property) {
         case MailKeyNode::ParentAccountId:
-            return QStringLiteral("account");
+            // An account is most of the table. Without statistics SQLite takes its index for the best of all,
+            // and a sign keeps it from that.
+            return mNarrow ? QStringLiteral("+account") : QStringLiteral("account");
         case MailKeyNode::ParentFolderId:
             return mFolders ? QStringLiteral("parent") : QStringLiteral("folder");
         case MailKeyNode::PreviousParentFolderId:
@@ -146,16 +178,16 @@ private:
         qlonglong mask = key.values.first().toLongLong();
         if (!mFolders)
             mask &= ~qlonglong(unloaded);
-        values.append(mask);
+        // The number itself stands in the text, where SQLite can find the index on messages read here.
         switch (key.comparison) {
         case MailKeyNode::Includes:
-            return QStringLiteral("(status & ?) <> 0");
+            return QStringLiteral("(status & %1) <> 0").arg(mask);
         case MailKeyNode::Excludes:
-            return QStringLiteral("(status & ?) = 0");
+            return QStringLiteral("(status & %1) = 0").arg(mask);
         case MailKeyNode::NotEqual:
-            return QStringLiteral("status <> ?");
+            return QStringLiteral("status <> %1").arg(mask);
         default:
-            return QStringLiteral("status = ?");
+            return QStringLiteral("status = %1").arg(mask);
         }
     }
 
@@ -186,13 +218,15 @@ private:
     }
 
     const bool mFolders;
+    const bool mNarrow;
 };
 
 CompiledKey compiled(const MailKeyNode &key, bool folders)
 {
-    Compiler compiler(folders);
+    const bool narrow = !folders && narrows(key);
+    Compiler compiler(folders, narrow);
     const QString condition = compiler.compile(key);
-    return { condition, compiler.values };
+    return { condition, compiler.values, narrow ? QStringLiteral("+id") : QStringLiteral("id") };
 }
 
 } // namespace

@@ -11,6 +11,8 @@ struct CompiledKey
 {
     QString condition;
     QVariantList values;
+    /** The order by number. Said so that it does not keep SQLite from using the index of the condition. */
+    QString order;
 };
 
 CompiledKey compileMessageKey(const MailKeyNode &key);

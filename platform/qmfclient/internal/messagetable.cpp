@@ -34,12 +34,18 @@ const char columns[] =
     " response_type, content_type, server_uid, sender, recipients, subject, date, received,"
     " size, content_size, preview, status";
 
+/** A message that answers none begins a thread, which is known by its number, and need not say so. */
+QVariant threadColumn(quint64 thread)
+{
+    return thread == 0 ? QVariant(QVariant::LongLong) : QVariant(thread);
+}
+
 QVariantList columnValues(const QMailMessageMetaData &message, quint64 thread)
 {
     const QMailMessageMetaDataData &data = MailValueAccess::data(message);
     const qlonglong status = qlonglong(data.status & ~QMailMessageMetaData::UnloadedData);
     return { int(data.messageType), data.parentAccountId.toULongLong(), data.parentFolderId.toULongLong(),
-        data.previousParentFolderId.toULongLong(), data.restoreFolderId.toULongLong(), thread,
+        data.previousParentFolderId.toULongLong(), data.restoreFolderId.toULongLong(), threadColumn(thread),
         data.inResponseTo.toULongLong(), int(data.responseType), int(data.content), notNull(data.serverUid),
         data.from.toString(), QMailAddress::toStringList(data.recipients).join(QLatin1String(", ")),
         data.subject, milliseconds(data.date), milliseconds(data.receivedDate), data.size, data.contentSize,
@@ -91,7 +97,7 @@ bool MessageTable::isStored(quint64 id)
 
 quint64 MessageTable::threadOf(quint64 message)
 {
-    const QString sql = QStringLiteral("SELECT thread FROM messages WHERE id = ?");
+    const QString sql = QStringLiteral("SELECT COALESCE(thread, id) FROM messages WHERE id = ?");
     return message == 0 ? 0 : mDatabase.value(sql, { message }).toULongLong();
 }
 
@@ -120,21 +126,20 @@ bool MessageTable::add(
         return false;
     }
     static const QString insert =
-        QStringLiteral("INSERT INTO messages (%1) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?,"
-                       " ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)")
+        QStringLiteral("INSERT INTO messages (%1, content) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?,"
+                       " ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)")
             .arg(QLatin1String(columns));
+    if (content && !insertContent(*content, stored))
+        return false;
     stored.thread = data.parentThreadId.isValid() ? data.parentThreadId.toULongLong()
                                                   : threadOf(data.inResponseTo.toULongLong());
-    if (!mDatabase.run(insert, columnValues(message, stored.thread)))
+    const QVariant contentId = content ? QVariant(stored.content) : QVariant(QVariant::LongLong);
+    if (!mDatabase.run(insert, columnValues(message, stored.thread) << contentId))
         return false;
     stored.id = mDatabase.lastInsertId();
-    if (stored.thread == 0) {
-        // A message that answers none begins a thread, which is known by its number.
+    if (stored.thread == 0)
         stored.thread = stored.id;
-        if (!mDatabase.run(QStringLiteral("UPDATE messages SET thread = id WHERE id = ?"), { stored.id }))
-            return false;
-    }
-    if (!mFields.save(stored.id, data.fields, true) || (content && !writeContent(*content, stored)))
+    if (!mFields.save(stored.id, data.fields, true))
         return false;
     changes.add(MailChanges::MessagesAdded, stored.id);
     return noteFolderChange(data.parentFolderId.toULongLong(), changes);
@@ -161,7 +166,7 @@ bool MessageTable::update(
         if (!mDatabase.run(update, columnValues(message, data.parentThreadId.toULongLong()) << id))
             return false;
     }
-    if (!mFields.save(id, data.fields, false) || (content && !writeContent(*content, stored)))
+    if (!mFields.save(id, data.fields, false) || (content && !replaceContent(*content, stored)))
         return false;
     changes.add(MailChanges::MessagesUpdated, id);
     if (content)
@@ -170,18 +175,24 @@ bool MessageTable::update(
         && noteFolderChange(data.parentFolderId.toULongLong(), changes);
 }
 
-bool MessageTable::writeContent(const MimeNode &content, Stored &stored)
+bool MessageTable::insertContent(const MimeNode &content, Stored &stored)
 {
     const StoredContent encoded = encodeContent(content);
-    if (!mDatabase.run(
-            QStringLiteral("DELETE FROM contents WHERE id = (SELECT content FROM messages WHERE id = ?)"),
-            { stored.id })
-        || !mDatabase.run(QStringLiteral("INSERT INTO contents (format, data) VALUES (?, ?)"),
+    if (!mDatabase.run(QStringLiteral("INSERT INTO contents (format, data) VALUES (?, ?)"),
             { encoded.format, encoded.data }))
         return false;
     stored.content = mDatabase.lastInsertId();
+    return true;
+}
+
+bool MessageTable::replaceContent(const MimeNode &content, Stored &stored)
+{
     return mDatabase.run(
-        QStringLiteral("UPDATE messages SET content = ? WHERE id = ?"), { stored.content, stored.id });
+               QStringLiteral("DELETE FROM contents WHERE id = (SELECT content FROM messages WHERE id = ?)"),
+               { stored.id })
+        && insertContent(content, stored)
+        && mDatabase.run(
+            QStringLiteral("UPDATE messages SET content = ? WHERE id = ?"), { stored.content, stored.id });
 }
 
 bool MessageTable::noteFolderChange(quint64 folder, MailChanges &changes)
@@ -274,8 +285,8 @@ bool MessageTable::removeOne(quint64 id, bool createRecord, MailChanges &changes
 QList<quint64> MessageTable::query(const MailKeyNode &key, uint limit, uint offset)
 {
     const CompiledKey compiled = compileMessageKey(key);
-    return mDatabase.numbers(QStringLiteral("SELECT id FROM messages WHERE %1 ORDER BY id LIMIT ? OFFSET ?")
-                                 .arg(compiled.condition),
+    return mDatabase.numbers(QStringLiteral("SELECT id FROM messages WHERE %1 ORDER BY %2 LIMIT ? OFFSET ?")
+                                 .arg(compiled.condition, compiled.order),
         compiled.values + QVariantList { limit == 0 ? -1 : qlonglong(limit), offset });
 }
 
@@ -304,6 +315,8 @@ bool MessageTable::load(quint64 id, QMailMessageMetaData &message)
         return false;
     }
     data.id = QMailMessageId(id);
+    if (!data.parentThreadId.isValid())
+        data.parentThreadId = QMailThreadId(id);
     data.fields.values = mFields.load(id);
     return true;
 }

@@ -48,7 +48,8 @@ public:
     bool purgeRemovalRecords(quint64 account, const QStringList &uids, MailChanges &changes);
 
 private:
-    bool writeContent(const MimeNode &content, Stored &stored);
+    bool insertContent(const MimeNode &content, Stored &stored);
+    bool replaceContent(const MimeNode &content, Stored &stored);
     bool isStored(quint64 id);
     quint64 threadOf(quint64 message);
     bool noteFolderChange(quint64 folder, MailChanges &changes);
