@@ -1,17 +1,38 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "easitems/emailserverid.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace {
-// A control character, which the text of a well-formed reply cannot hold.
+// A control character, which no server has reason to put into an identifier.
 const QChar Separator(0x1F);
 } // namespace
 
-QString EmailServerId::qualified(const QString &collectionId, const QString &wireId)
+bool WireEmailId::isValid() const
 {
-    return wireId + Separator + collectionId;
+    return !mText.contains(Separator);
 }
 
-QString EmailServerId::onWire(const QString &keptId)
+KeptEmailId KeptEmailId::plain(const WireEmailId &wireId)
 {
-    return keptId.section(Separator, 0, 0);
+    return KeptEmailId(wireId.text());
+}
+
+KeptEmailId KeptEmailId::qualified(const QString &collectionId, const WireEmailId &wireId)
+{
+    return KeptEmailId(wireId.text() + Separator + collectionId);
+}
+
+QStringList KeptEmailId::texts(const QList<KeptEmailId> &ids)
+{
+    QStringList texts;
+    std::transform(
+        ids.cbegin(), ids.cend(), std::back_inserter(texts), [](const KeptEmailId &id) { return id.text(); });
+    return texts;
+}
+
+WireEmailId KeptEmailId::onWire() const
+{
+    return WireEmailId(mText.section(Separator, 0, 0));
 }

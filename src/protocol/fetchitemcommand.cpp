@@ -131,16 +131,18 @@ bool FetchItemCommand::encodeMessages(EasAccount &account, WbxmlEncoder &encoder
     }
     for (const quint64 localId : mLocalIds) {
         const QString serverId = storage->serverUidFromMessageId(localId);
-        const QString collectionId =
+        const Lookup<QString> collectionId =
             EasDatabase::instance()->collectionServerIdFromEmailItemId(accountId(), serverId);
+        if (!collectionId)
+            return false;
         encoder.appendElement(ItemOperations::Fetch, true);
         encoder.appendTextElement(ItemOperations::Store, mStore);
-        if (collectionId.isEmpty()) {
+        if (collectionId->isEmpty()) {
             // In no folder that is known: a search result.
             encoder.appendTextElement(Search::LongId, serverId);
         } else {
-            encoder.appendTextElement(AirSync::CollectionId, collectionId);
-            encoder.appendTextElement(AirSync::ServerId, EmailServerId::onWire(serverId));
+            encoder.appendTextElement(AirSync::CollectionId, *collectionId);
+            encoder.appendTextElement(AirSync::ServerId, KeptEmailId(serverId).onWire().text());
         }
         encoder.appendElement(ItemOperations::Options, true);
         encoder.appendIntElement(AirSync::MIMESupport, 1);

@@ -37,7 +37,9 @@ bool CalendarResultHandler::collectUploaded(const SyncCollection &collection)
     qCInfo(eas()) << "handleCalendarResults: sending commands to server:"
                   << "A/M/R:" << mSentAdded.size() << "/" << mSentChanged.size() << "/"
                   << mSentDeleted.size();
-    const QMap<QString, QString> localIds = EasDatabase::instance()->serverToLocalCalendarIds(account().id());
+    // For the log alone.
+    const QMap<QString, QString> localIds =
+        EasDatabase::instance()->serverToLocalCalendarIds(account().id()).valueOr({});
     if (!collectUploadedAdds(collection) || !collectUploadedChanges(collection, localIds)
         || !collectUploadedDeletions(collection, localIds))
         return false;

@@ -8,9 +8,10 @@
 #include "protocol/elements/synccommandchange.h"
 #include "protocol/elements/synccommanddelete.h"
 #include "protocol/wbxml/wbxmltokens.h"
-#include "requests/mailserverids.h"
 #include "requests/syncstate.h"
 #include "storages/mailstorage.h"
+
+#include <algorithm>
 
 bool EmailResultHandler::handle(SyncCollection &collection)
 {
@@ -20,10 +21,13 @@ bool EmailResultHandler::handle(SyncCollection &collection)
     if (!collection.getAddCmdResponses().isEmpty())
         qCWarning(eas()) << "unexpected add responses in a sync response for collection" << collection.id();
 
-    MailServerIds ids(account().id());
-    lookUp(collection, ids);
-    if (ids.lookupFailed())
+    if (!namesAreValid(collection))
+        return fail("refused a server identifier with a control character");
+    // Unread, known mail would look new, and be added a second time.
+    const Lookup<MailServerIds> known = lookUp(collection);
+    if (!known)
         return fail("Failed to read emails from EAS DB");
+    MailServerIds ids = *known;
     if (!acknowledgeChanges(*storage, collection) || !acknowledgeDeletes(*storage, collection, ids))
         return false;
 
@@ -31,9 +35,6 @@ bool EmailResultHandler::handle(SyncCollection &collection)
     recogniseRepeatedAdds(collection, ids);
     beginAnewFor(collection, unknownChanges(ids));
     spareMovedMail();
-    // Known mail would look new, and be added a second time.
-    if (ids.lookupFailed())
-        return fail("Failed to read emails from EAS DB");
 
     if (!storage->updateEmails(mAdded, mChanged, mDeleted))
         return fail("Failed to update emails");
@@ -42,7 +43,17 @@ bool EmailResultHandler::handle(SyncCollection &collection)
     return true;
 }
 
-void EmailResultHandler::lookUp(const SyncCollection &collection, MailServerIds &ids)
+bool EmailResultHandler::namesAreValid(const SyncCollection &collection)
+{
+    const QList<EasEmailItem> emails = collection.addedEmails() + collection.changedEmails();
+    const QStringList deleted = collection.deletedIds();
+    return std::all_of(emails.cbegin(), emails.cend(),
+               [](const EasEmailItem &item) { return WireEmailId(item.serverId()).isValid(); })
+        && std::all_of(
+            deleted.cbegin(), deleted.cend(), [](const QString &id) { return WireEmailId(id).isValid(); });
+}
+
+Lookup<MailServerIds> EmailResultHandler::lookUp(const SyncCollection &collection) const
 {
     const QList<EasEmailItem> emails = collection.addedEmails() + collection.changedEmails();
     QStringList deleted = collection.deletedIds();
@@ -53,10 +64,10 @@ void EmailResultHandler::lookUp(const SyncCollection &collection, MailServerIds 
     }
     QList<MailServerIds::Item> items;
     for (const EasEmailItem &item : emails)
-        items.append({ collection.id(), item.serverId() });
+        items.append({ collection.id(), WireEmailId(item.serverId()) });
     for (const QString &wireId : qAsConst(deleted))
-        items.append({ collection.id(), wireId });
-    ids.lookUp(items);
+        items.append({ collection.id(), WireEmailId(wireId) });
+    return MailServerIds::lookUp(account().id(), items);
 }
 
 bool EmailResultHandler::acknowledgeChanges(MailStorage &storage, const SyncCollection &collection)
@@ -88,18 +99,16 @@ bool EmailResultHandler::acknowledgeDeletes(
             collection.getDeleteCmdResponses(), {}, acknowledgedIds))
         return false;
 
-    QStringList removed;
+    QList<KeptEmailId> removed;
     for (const QString &wireId : qAsConst(acknowledgedIds))
-        removed.append(ids.kept(collection.id(), wireId));
-    if (ids.lookupFailed())
-        return fail("Failed to read emails from EAS DB");
+        removed.append(ids.kept(collection.id(), WireEmailId(wireId)));
     // An empty list would purge every removal record of the account.
     if (removed.isEmpty())
         return true;
     if (!storage.purgeDeletedEmails(removed))
         return fail("MailStorage is null");
     // The server does not report a delete back to the device that asked for it.
-    if (!EasDatabase::instance()->deleteEmailItems(account().id(), removed))
+    if (!EasDatabase::instance()->deleteEmailItems(account().id(), KeptEmailId::texts(removed)))
         return fail("Failed to update emails in EAS DB");
     return true;
 }
@@ -108,12 +117,12 @@ void EmailResultHandler::nameAsKept(const SyncCollection &collection, MailServer
 {
     const auto named = [&](QList<EasEmailItem> items) {
         for (EasEmailItem &item : items)
-            item.setServerId(ids.kept(collection.id(), item.serverId()));
+            item.setServerId(ids.kept(collection.id(), WireEmailId(item.serverId())).text());
         return items;
     };
     mChanged = named(collection.changedEmails());
     for (const QString &wireId : collection.deletedIds())
-        mDeleted.append(ids.kept(collection.id(), wireId));
+        mDeleted.append(ids.kept(collection.id(), WireEmailId(wireId)).text());
     mAdded = named(collection.addedEmails());
 }
 
@@ -121,12 +130,13 @@ void EmailResultHandler::recogniseRepeatedAdds(const SyncCollection &collection,
 {
     QList<EasEmailItem> added;
     for (EasEmailItem &item : mAdded) {
-        if (ids.contains(item.serverId())) {
+        const KeptEmailId keptId(item.serverId());
+        if (ids.contains(keptId)) {
             item.appendChangedField(Wbxml::AirSyncBase::FileReference.key());
             item.appendChangedField(Wbxml::AirSync::Add.key());
             mChanged.append(item);
         } else {
-            ids.add(item.serverId(), collection.id());
+            ids.add(keptId, collection.id());
             added.append(item);
         }
     }
@@ -137,7 +147,7 @@ QStringList EmailResultHandler::unknownChanges(const MailServerIds &ids) const
 {
     QStringList unknown;
     for (const EasEmailItem &item : mChanged) {
-        if (!ids.contains(item.serverId()) && !state().movedServerIds.contains(item.serverId()))
+        if (!ids.contains(KeptEmailId(item.serverId())) && !state().movedServerIds.contains(item.serverId()))
             unknown.append(item.serverId());
     }
     return unknown;

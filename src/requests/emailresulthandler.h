@@ -2,9 +2,9 @@
 #pragma once
 
 #include "easitems/easemailitem.h"
+#include "requests/mailserverids.h"
 #include "requests/syncresulthandler.h"
 
-class MailServerIds;
 class MailStorage;
 
 /** Mail of a Sync reply: acknowledged uploads first, then the server's items, then the mapping. */
@@ -16,7 +16,8 @@ public:
     bool handle(SyncCollection &collection) override;
 
 private:
-    static void lookUp(const SyncCollection &collection, MailServerIds &ids);
+    static bool namesAreValid(const SyncCollection &collection);
+    Lookup<MailServerIds> lookUp(const SyncCollection &collection) const;
     bool acknowledgeChanges(MailStorage &storage, const SyncCollection &collection);
     bool acknowledgeDeletes(MailStorage &storage, const SyncCollection &collection, const MailServerIds &ids);
     void nameAsKept(const SyncCollection &collection, MailServerIds &ids);

@@ -67,8 +67,12 @@ void FetchMessagesRequest::startRequest()
     const QSharedPointer<MailStorage> storage = mailStorage();
     if (!storage)
         return completeWith(RequestStatusInternalError);
-    if (mPendingFolders.isEmpty())
-        mPendingFolders = messagesByFolder(*storage);
+    if (mPendingFolders.isEmpty()) {
+        const Lookup<QList<QList<quint64>>> folders = messagesByFolder(*storage);
+        if (!folders)
+            return completeWith(RequestStatusInternalError);
+        mPendingFolders = *folders;
+    }
     if (mPendingFolders.isEmpty())
         return downloadNextAttachment();
     FetchItemCommand *command = newFetchCommand();
@@ -76,14 +80,19 @@ void FetchMessagesRequest::startRequest()
     command->start();
 }
 
-QList<QList<quint64>> FetchMessagesRequest::messagesByFolder(MailStorage &storage)
+Lookup<QList<QList<quint64>>> FetchMessagesRequest::messagesByFolder(MailStorage &storage)
 {
+    QStringList serverUids;
+    for (const quint64 messageId : qAsConst(mMessageIds))
+        serverUids.append(storage.serverUidFromMessageId(messageId));
+    const Lookup<QMap<QString, QString>> known =
+        EasDatabase::instance()->emailCollectionIds(accountId(), serverUids);
+    if (!known)
+        return Lookup<QList<QList<quint64>>>::unread();
     QStringList folders;
     QList<QList<quint64>> groups;
     for (const quint64 messageId : qAsConst(mMessageIds)) {
-        const QString serverUid = storage.serverUidFromMessageId(messageId);
-        const QString folder =
-            EasDatabase::instance()->collectionServerIdFromEmailItemId(accountId(), serverUid);
+        const QString folder = known->value(storage.serverUidFromMessageId(messageId));
         if (!folders.contains(folder)) {
             folders.append(folder);
             groups.append(QList<quint64>());
@@ -124,13 +133,18 @@ void FetchMessagesRequest::processCommandSuccess()
     const QSharedPointer<MailStorage> storage = mailStorage();
     if (!storage)
         return completeWith(RequestStatusInternalError);
+    const Lookup<MailServerIds> ids = receivedIds();
+    if (!ids) {
+        qCCritical(eas()) << "Failed to read emails from EAS DB";
+        return completeWith(RequestStatusInternalError);
+    }
     noteRefusals();
     // A message that was asked for and not even refused is no success.
-    if (!answersAll(*storage))
+    if (!answersAll(*storage, *ids))
         noteFailure(RequestStatusInternalError);
-    if (mLocation.isEmpty() && !updateMessages(*storage))
+    if (mLocation.isEmpty() && !updateMessages(*storage, *ids))
         return completeWith(RequestStatusInternalError);
-    updateBodies(*storage);
+    updateBodies(*storage, *ids);
     dropCommand();
     mPendingFolders.removeFirst();
     if (mPendingFolders.isEmpty())
@@ -159,9 +173,8 @@ void FetchMessagesRequest::finish()
     completeWith(mFailure);
 }
 
-void FetchMessagesRequest::updateBodies(MailStorage &storage)
+void FetchMessagesRequest::updateBodies(MailStorage &storage, const MailServerIds &ids)
 {
-    const MailServerIds ids = receivedIds();
     QSet<quint64> received;
     const QList<ItemOperationsFetchItem> fetched = fetchCommand()->fetchItems();
     for (const ItemOperationsFetchItem &fetch : fetched) {
@@ -181,18 +194,15 @@ void FetchMessagesRequest::updateBodies(MailStorage &storage)
 
 quint64 FetchMessagesRequest::localIdOf(const ItemOperationsFetchItem &fetch, const MailServerIds &ids) const
 {
-    return fetchCommand()->getLocalIdByLongId(
-        fetch.longId().isEmpty() ? ids.kept(fetch.collectionId(), fetch.serverId()) : fetch.longId());
+    return fetchCommand()->getLocalIdByLongId(fetch.longId().isEmpty()
+            ? ids.kept(fetch.collectionId(), WireEmailId(fetch.serverId())).text()
+            : fetch.longId());
 }
 
-bool FetchMessagesRequest::updateMessages(MailStorage &storage)
+bool FetchMessagesRequest::updateMessages(MailStorage &storage, const MailServerIds &ids)
 {
-    QList<EasEmailItem> items;
+    QList<EasEmailItem> items = receivedItems(ids);
     QList<EasEmailItem> none;
-    if (!receivedItems(items)) {
-        qCCritical(eas()) << "Failed to read emails from EAS DB";
-        return false;
-    }
     if (!storage.updateEmails(none, items, {})) {
         qCCritical(eas()) << "Failed to update emails";
         return false;
@@ -204,20 +214,18 @@ bool FetchMessagesRequest::updateMessages(MailStorage &storage)
     return true;
 }
 
-MailServerIds FetchMessagesRequest::receivedIds() const
+Lookup<MailServerIds> FetchMessagesRequest::receivedIds() const
 {
     QList<MailServerIds::Item> named;
     const QList<ItemOperationsFetchItem> fetched = fetchCommand()->fetchItems();
     for (const ItemOperationsFetchItem &fetch : fetched)
-        named.append({ fetch.collectionId(), fetch.serverId() });
-    MailServerIds ids(accountId());
-    ids.lookUp(named);
-    return ids;
+        named.append({ fetch.collectionId(), WireEmailId(fetch.serverId()) });
+    return MailServerIds::lookUp(accountId(), named);
 }
 
-bool FetchMessagesRequest::receivedItems(QList<EasEmailItem> &items)
+QList<EasEmailItem> FetchMessagesRequest::receivedItems(const MailServerIds &ids) const
 {
-    const MailServerIds ids = receivedIds();
+    QList<EasEmailItem> items;
     const QList<ItemOperationsFetchItem> fetched = fetchCommand()->fetchItems();
     for (const ItemOperationsFetchItem &fetch : fetched) {
         if (fetch.status() > Eas::ItemOperationsStatusSuccess)
@@ -226,11 +234,11 @@ bool FetchMessagesRequest::receivedItems(QList<EasEmailItem> &items)
         if (!fetch.longId().isEmpty())
             item.setLocalId(QString::number(fetchCommand()->getLocalIdByLongId(fetch.longId())));
         if (item.serverId().isEmpty())
-            item.setServerId(ids.kept(fetch.collectionId(), fetch.serverId()));
+            item.setServerId(ids.kept(fetch.collectionId(), WireEmailId(fetch.serverId())).text());
         dropMarkAndBody(item);
         items.append(item);
     }
-    return !ids.lookupFailed();
+    return items;
 }
 
 void FetchMessagesRequest::noteRefusals()
@@ -244,14 +252,13 @@ void FetchMessagesRequest::noteRefusals()
     }
 }
 
-bool FetchMessagesRequest::answersAll(MailStorage &storage) const
+bool FetchMessagesRequest::answersAll(MailStorage &storage, const MailServerIds &ids) const
 {
-    const MailServerIds ids = receivedIds();
     QSet<QString> answered;
     const QList<ItemOperationsFetchItem> fetched = fetchCommand()->fetchItems();
     for (const ItemOperationsFetchItem &fetch : fetched) {
         answered.insert(fetch.longId().isEmpty()
-                ? ids.kept(fetch.collectionId(), fetch.serverId())
+                ? ids.kept(fetch.collectionId(), WireEmailId(fetch.serverId())).text()
                 : storage.serverUidFromMessageId(fetchCommand()->getLocalIdByLongId(fetch.longId())));
     }
     const QList<quint64> &asked = mPendingFolders.first();

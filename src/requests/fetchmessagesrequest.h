@@ -4,6 +4,7 @@
 #include "easitems/easemailitem.h"
 #include "requests/fetchedfiles.h"
 #include "requests/fetchrequest.h"
+#include "requests/mailserverids.h"
 
 #include <QList>
 #include <QSharedPointer>
@@ -11,7 +12,6 @@
 
 class FetchPartRequest;
 class ItemOperationsFetchItem;
-class MailServerIds;
 class MailStorage;
 
 /**
@@ -47,10 +47,10 @@ private:
     /** Null, logged, if there is none (any more). */
     QSharedPointer<MailStorage> mailStorage() const;
     /** The messages of each folder by themselves: not every server answers for several folders at once. */
-    QList<QList<quint64>> messagesByFolder(MailStorage &storage);
-    bool updateMessages(MailStorage &storage);
+    Lookup<QList<QList<quint64>>> messagesByFolder(MailStorage &storage);
+    bool updateMessages(MailStorage &storage, const MailServerIds &ids);
     /** Of the reply's messages; what cannot be stored is a failure of the message, not of the request. */
-    void updateBodies(MailStorage &storage);
+    void updateBodies(MailStorage &storage, const MailServerIds &ids);
     void noteFailure(int status);
     /** Stores the files that are held. */
     void storeFiles();
@@ -58,11 +58,11 @@ private:
     void finish();
     quint64 localIdOf(const ItemOperationsFetchItem &fetch, const MailServerIds &ids) const;
     /** The identifiers of the messages of the reply. */
-    MailServerIds receivedIds() const;
-    bool receivedItems(QList<EasEmailItem> &items);
+    Lookup<MailServerIds> receivedIds() const;
+    QList<EasEmailItem> receivedItems(const MailServerIds &ids) const;
     void noteRefusals();
     /** Whether the reply has each message that was asked for, as it was named. */
-    bool answersAll(MailStorage &storage) const;
+    bool answersAll(MailStorage &storage, const MailServerIds &ids) const;
     void downloadNextAttachment();
     /** False, logged, if the mail store has gone. */
     bool queueAttachments();

@@ -81,14 +81,15 @@ FolderCommand *FolderDeleteRequest::createCommand()
 std::optional<FolderChanges> FolderDeleteRequest::agreedChanges()
 {
     // The server deletes what is below the folder, too, and may never mention it.
-    const QMap<QString, QString> parents = EasDatabase::instance()->serverFolderParentIds(accountId());
-    if (EasDatabase::instance()->lookupFailed()) {
+    const Lookup<QMap<QString, QString>> parents =
+        EasDatabase::instance()->serverFolderParentIds(accountId());
+    if (!parents) {
         qCCritical(eas()) << "failed to read folders from EAS DB";
         return std::nullopt;
     }
     QStringList deleted { mServerId };
     for (int i = 0; i < deleted.size(); ++i) {
-        const QStringList children = parents.keys(deleted.at(i));
+        const QStringList children = parents->keys(deleted.at(i));
         for (const QString &child : children) {
             if (!deleted.contains(child))
                 deleted.append(child);

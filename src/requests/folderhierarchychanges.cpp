@@ -43,15 +43,11 @@ FolderHierarchyChanges::FolderHierarchyChanges(EasAccount &account, const Folder
     , mUpdated(changes.updated)
     , mDeleted(changes.deleted)
 {
-    const QMap<QString, QString> known = EasDatabase::instance()->serverToLocalFolderIds(mAccountId);
-    noteLookup();
-    recogniseRepeatedFolders(known);
-    bindUpdatedFolders(known);
-}
-
-void FolderHierarchyChanges::noteLookup()
-{
-    mLookupFailed = mLookupFailed || EasDatabase::instance()->lookupFailed();
+    const Lookup<QMap<QString, QString>> known = EasDatabase::instance()->serverToLocalFolderIds(mAccountId);
+    if (!known)
+        return;
+    recogniseRepeatedFolders(*known);
+    mFoldersRead = bindUpdatedFolders(*known);
 }
 
 void FolderHierarchyChanges::recogniseRepeatedFolders(const QMap<QString, QString> &known)
@@ -79,25 +75,27 @@ void FolderHierarchyChanges::recogniseRepeatedFolders(const QMap<QString, QStrin
     mAdded = unknown;
 }
 
-void FolderHierarchyChanges::bindUpdatedFolders(const QMap<QString, QString> &known)
+bool FolderHierarchyChanges::bindUpdatedFolders(const QMap<QString, QString> &known)
 {
     // A folder row is always written with its local binding, which a reply cannot know.
     for (EasFolderItem &item : mUpdated) {
-        const EasFolderItem stored =
+        const Lookup<EasFolderItem> stored =
             EasDatabase::instance()->folderItemByServerId(mAccountId, item.serverId());
-        noteLookup();
-        item.setLocalId(stored.localId());
+        if (!stored)
+            return false;
+        item.setLocalId(stored->localId());
         item.setLocalParentId(known.value(item.serverParentId()));
-        item.setSavedInStorage(stored.savedInStorage());
+        item.setSavedInStorage(stored->savedInStorage());
         if (!item.changedFields().contains(Wbxml::FolderHierarchy::Type.key()))
-            item.setType(stored.type());
+            item.setType(stored->type());
     }
+    return true;
 }
 
 bool FolderHierarchyChanges::isReady(MailStore mailStore) const
 {
     // What is known would look new, and come into the stores a second time.
-    if (mLookupFailed) {
+    if (!mFoldersRead) {
         qCCritical(eas()) << "failed to read folders from EAS DB";
         return false;
     }
@@ -153,12 +151,13 @@ bool FolderHierarchyChanges::updateStoreOf(
 {
     QStringList deleted;
     for (const QString &serverId : qAsConst(mDeleted)) {
-        const EasFolderItem item = EasDatabase::instance()->folderItemByServerId(mAccountId, serverId);
-        if (EasDatabase::instance()->lookupFailed()) {
+        const Lookup<EasFolderItem> item =
+            EasDatabase::instance()->folderItemByServerId(mAccountId, serverId);
+        if (!item) {
             qCCritical(eas()) << failure;
             return false;
         }
-        if ((item.*isOwn)())
+        if (((*item).*isOwn)())
             deleted.append(serverId);
     }
     QList<EasFolderItem> added = takeKind(&mAdded, isOwn);
@@ -209,7 +208,7 @@ QStringList FolderHierarchyChanges::deletedRows() const
     QStringList deleted;
     for (const QString &serverId : mDeleted) {
         const auto type = EasDatabase::instance()->folderTypeByServerId(mAccountId, serverId);
-        if (!EasDatabase::instance()->lookupFailed() && !EasFolderItem::isEmailFolder(type))
+        if (type && !EasFolderItem::isEmailFolder(*type))
             deleted.append(serverId);
     }
     return deleted;

@@ -60,8 +60,7 @@ public:
 
 private:
     void recogniseRepeatedFolders(const QMap<QString, QString> &known);
-    void bindUpdatedFolders(const QMap<QString, QString> &known);
-    void noteLookup();
+    bool bindUpdatedFolders(const QMap<QString, QString> &known);
     QStringList deletedRows() const;
     template <typename Store>
     bool updateStoreOf(bool (EasFolderItem::*isOwn)() const, Store *store, const char *failure);
@@ -71,7 +70,7 @@ private:
     QList<EasFolderItem> mAdded;
     QList<EasFolderItem> mUpdated;
     QStringList mDeleted;
-    bool mLookupFailed = false;
+    bool mFoldersRead = false;
     /** Added folders that have a row, but none in the store yet: a run before failed in between. */
     QSet<QString> mRowsWithoutFolder;
     bool mMailStored = false;

@@ -72,7 +72,7 @@ void FolderManagementRequest::startRequest()
         qCCritical(eas()) << "No account";
         return completeWith(RequestStatusInternalError);
     }
-    const std::optional<QString> key = HierarchyKey(accountId()).read();
+    const Lookup<QString> key = HierarchyKey(accountId()).read();
     if (!key)
         return completeWith(RequestStatusInternalError);
     FolderCommand *const command = createCommand();

@@ -10,13 +10,12 @@ HierarchyKey::HierarchyKey(EasAccountId accountId)
 {
 }
 
-std::optional<QString> HierarchyKey::read() const
+Lookup<QString> HierarchyKey::read() const
 {
-    const QString key = EasDatabase::instance()->folderSyncKey(mAccountId);
-    if (!EasDatabase::instance()->lookupFailed())
-        return key;
-    qCCritical(eas()) << "failed to read the folder sync key from EAS DB";
-    return std::nullopt;
+    const Lookup<QString> key = EasDatabase::instance()->folderSyncKey(mAccountId);
+    if (!key)
+        qCCritical(eas()) << "failed to read the folder sync key from EAS DB";
+    return key;
 }
 
 bool HierarchyKey::store(const QString &answered) const

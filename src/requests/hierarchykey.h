@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include "application/base/lookup.h"
 #include "common/easaccountid.h"
 
 #include <QString>
-
-#include <optional>
 
 /**
  * The key of an account's folder hierarchy in the mapping database, as the commands of the hierarchy need
@@ -16,8 +15,8 @@ class HierarchyKey
 public:
     explicit HierarchyKey(EasAccountId accountId);
 
-    /** Nothing, logged, if the key could not be read: that is not the key of a new account. */
-    std::optional<QString> read() const;
+    /** An unread key is logged; it is not the key of a new account. */
+    Lookup<QString> read() const;
     /**
      * Stores what a server has answered; false, logged, if the database refused.
      *

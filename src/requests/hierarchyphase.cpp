@@ -82,7 +82,7 @@ SyncPhase::State HierarchyPhase::state() const
 
 SyncPhase::End HierarchyPhase::start()
 {
-    const std::optional<QString> key = HierarchyKey(accountId()).read();
+    const Lookup<QString> key = HierarchyKey(accountId()).read();
     if (!key)
         return failInternally();
     if (!EasDatabase::instance()->finishClearingAccount(accountId())) {

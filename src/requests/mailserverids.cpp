@@ -2,54 +2,43 @@
 #include "requests/mailserverids.h"
 
 #include "application/mapping/easdatabase.h"
-#include "easitems/emailserverid.h"
 
-MailServerIds::MailServerIds(EasAccountId accountId)
-    : mAccountId(accountId)
-{
-}
-
-void MailServerIds::lookUp(const QList<Item> &items)
+Lookup<MailServerIds> MailServerIds::lookUp(EasAccountId accountId, const QList<Item> &items)
 {
     QStringList names;
-    for (const Item &item : items)
-        names << item.second << EmailServerId::qualified(item.first, item.second);
-    read(names);
+    for (const Item &item : items) {
+        names << KeptEmailId::plain(item.wireId).text()
+              << KeptEmailId::qualified(item.collectionId, item.wireId).text();
+    }
+    MailServerIds ids;
+    if (names.isEmpty())
+        return ids;
+    const Lookup<QMap<QString, QString>> collections =
+        EasDatabase::instance()->emailCollectionIds(accountId, names);
+    if (!collections)
+        return Lookup<MailServerIds>::unread();
+    for (auto found = collections->cbegin(); found != collections->cend(); ++found)
+        ids.mCollections.insert(KeptEmailId(found.key()), found.value());
+    return ids;
 }
 
-bool MailServerIds::contains(const QString &keptId) const
+bool MailServerIds::contains(const KeptEmailId &keptId) const
 {
-    if (!mRead.contains(keptId))
-        read({ keptId });
     return mCollections.contains(keptId);
 }
 
-QString MailServerIds::kept(const QString &collectionId, const QString &wireId) const
+KeptEmailId MailServerIds::kept(const QString &collectionId, const WireEmailId &wireId) const
 {
     // The message that took the plain identifier may have gone since; the qualified one stays as it is.
-    const QString qualified = EmailServerId::qualified(collectionId, wireId);
+    const KeptEmailId qualified = KeptEmailId::qualified(collectionId, wireId);
     if (contains(qualified))
         return qualified;
-    if (!contains(wireId) || mCollections.value(wireId) == collectionId)
-        return wireId;
-    return qualified;
+    const KeptEmailId plain = KeptEmailId::plain(wireId);
+    const bool isTaken = contains(plain) && mCollections.value(plain) != collectionId;
+    return isTaken ? qualified : plain;
 }
 
-void MailServerIds::add(const QString &keptId, const QString &collectionId)
+void MailServerIds::add(const KeptEmailId &keptId, const QString &collectionId)
 {
-    mRead.insert(keptId);
     mCollections.insert(keptId, collectionId);
-}
-
-void MailServerIds::read(const QStringList &keptIds) const
-{
-    if (keptIds.isEmpty())
-        return;
-    for (const QString &keptId : keptIds)
-        mRead.insert(keptId);
-    const EasDatabase *database = EasDatabase::instance();
-    const QMap<QString, QString> collections = database->emailCollectionIds(mAccountId, keptIds);
-    mLookupFailed = mLookupFailed || database->lookupFailed();
-    for (auto found = collections.cbegin(); found != collections.cend(); ++found)
-        mCollections.insert(found.key(), found.value());
 }

@@ -4,7 +4,6 @@
 #include "application/account/easaccount.h"
 #include "application/base/logging.h"
 #include "application/mapping/easdatabase.h"
-#include "easitems/emailserverid.h"
 #include "protocol/base/eas.h"
 #include "protocol/elements/moveitemsresponse.h"
 #include "protocol/moveitemscommand.h"
@@ -17,7 +16,6 @@
 MoveItemsResultHandler::MoveItemsResultHandler(EasAccount &account, SyncState &state)
     : mAccount(account)
     , mState(state)
-    , mIds(account.id())
 {
 }
 
@@ -26,7 +24,7 @@ QList<MoveContainer> MoveItemsResultHandler::moves(const QList<EasEmailItem> &mo
     QList<MoveContainer> moves;
     QSet<QString> taken;
     for (const EasEmailItem &item : movedEmails) {
-        const QString wireId = EmailServerId::onWire(item.serverId());
+        const QString wireId = KeptEmailId(item.serverId()).onWire().text();
         if (taken.contains(wireId))
             continue;
         taken.insert(wireId);
@@ -41,7 +39,8 @@ bool MoveItemsResultHandler::handle(const MoveItemsCommand &command)
     for (const MoveItemsResponse &response : command.moveItemsResponses())
         responses.insert(response.sourceMessageId(), response);
 
-    lookUp(command.moveItems(), responses);
+    if (!lookUp(command.moveItems(), responses))
+        return false;
     for (const MoveContainer &move : command.moveItems()) {
         const auto response = responses.constFind(move.sourceMessageId());
         if (response == responses.constEnd())
@@ -52,22 +51,33 @@ bool MoveItemsResultHandler::handle(const MoveItemsCommand &command)
     return recordMoved();
 }
 
-void MoveItemsResultHandler::lookUp(
+bool MoveItemsResultHandler::lookUp(
     const QList<MoveContainer> &moves, const QHash<QString, MoveItemsResponse> &responses)
 {
     QList<MailServerIds::Item> items;
     for (const MoveContainer &move : moves) {
-        const QString source = move.sourceMessageId();
+        // What is in its new folder already keeps its name.
+        const WireEmailId source(move.sourceMessageId());
+        const WireEmailId destination(responses.value(source.text()).destinationMessageId());
         items.append({ move.sourceFolderId(), source });
-        items.append({ move.destinationFolderId(), responses.value(source).destinationMessageId() });
+        items.append({ move.destinationFolderId(), source });
+        items.append({ move.destinationFolderId(), destination });
     }
-    mIds.lookUp(items);
+    const Lookup<MailServerIds> ids = MailServerIds::lookUp(mAccount.id(), items);
+    if (!ids) {
+        qCCritical(eas()) << "Failed to read emails from EAS DB";
+        return false;
+    }
+    mIds = *ids;
+    return true;
 }
 
 void MoveItemsResultHandler::handleMove(const MoveContainer &move, const MoveItemsResponse &response)
 {
     const QString id = move.sourceMessageId();
-    if (response.status() == Eas::MoveItemsStatusSuccess && response.destinationMessageId().isEmpty()) {
+    const WireEmailId destination(response.destinationMessageId());
+    const bool isNamed = !destination.text().isEmpty() && destination.isValid();
+    if (response.status() == Eas::MoveItemsStatusSuccess && !isNamed) {
         // Under no name it would be lost to every later reply; the next sync tells where it is.
         qCWarning(eas()) << "the server has not named the moved message" << id;
         return;
@@ -84,11 +94,11 @@ void MoveItemsResultHandler::handleMove(const MoveContainer &move, const MoveIte
         mFolderSyncNeeded = true;
         break;
     case Eas::MoveItemsStatusSuccess:
-        appendMoved(move, response.destinationMessageId());
+        appendMoved(move, destination);
         break;
     case Eas::MoveItemsStatusSameSrcDstId:
         qCWarning(eas()) << "same source and destination folder ids for message:" << id;
-        appendMoved(move, id);
+        appendMoved(move, WireEmailId(id));
         break;
     case Eas::MoveItemsStatusCannotBeMoved:
         qCWarning(eas()) << "item can't be moved. Multiple destination folder elements?";
@@ -102,25 +112,22 @@ void MoveItemsResultHandler::handleMove(const MoveContainer &move, const MoveIte
     }
 }
 
-void MoveItemsResultHandler::appendMoved(const MoveContainer &move, const QString &wireId)
+void MoveItemsResultHandler::appendMoved(const MoveContainer &move, const WireEmailId &wireId)
 {
     EasEmailItem item;
-    item.setPreviousServerId(mIds.kept(move.sourceFolderId(), move.sourceMessageId()));
-    item.setServerId(mIds.kept(move.destinationFolderId(), wireId));
+    const KeptEmailId keptId = mIds.kept(move.destinationFolderId(), wireId);
+    item.setPreviousServerId(mIds.kept(move.sourceFolderId(), WireEmailId(move.sourceMessageId())).text());
+    item.setServerId(keptId.text());
     item.setCollectionId(move.destinationFolderId());
     item.setDestinationFolderId(move.destinationFolderId());
     item.setSourceFolderId(move.sourceFolderId());
     item.appendChangedField(Wbxml::AirSync::ServerId.key());
-    mIds.add(item.serverId(), item.collectionId());
+    mIds.add(keptId, item.collectionId());
     mMoved.append(item);
 }
 
 bool MoveItemsResultHandler::recordMoved()
 {
-    if (mIds.lookupFailed()) {
-        qCCritical(eas()) << "Failed to read emails from EAS DB";
-        return false;
-    }
     // The mapping first: in between, a deletion under the old name finds no message, and the store finishes
     // the move by what the mapping says.
     if (!EasDatabase::instance()->updateMovedEmailItems(mAccount.id(), mMoved)) {

@@ -34,9 +34,10 @@ public:
     bool retryMove() const { return mRetryMove; }
 
 private:
-    void lookUp(const QList<MoveContainer> &moves, const QHash<QString, MoveItemsResponse> &responses);
+    /** False, logged, if the database could not be read. */
+    bool lookUp(const QList<MoveContainer> &moves, const QHash<QString, MoveItemsResponse> &responses);
     void handleMove(const MoveContainer &move, const MoveItemsResponse &response);
-    void appendMoved(const MoveContainer &move, const QString &wireId);
+    void appendMoved(const MoveContainer &move, const WireEmailId &wireId);
     bool recordMoved();
 
     EasAccount &mAccount;

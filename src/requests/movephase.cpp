@@ -32,32 +32,35 @@ static_assert(statuses.namesEachStatusOnce());
 
 } // namespace
 
-bool MovePhase::start()
+SyncPhase::End MovePhase::start()
 {
     EasAccount *easAccount = account();
     if (!easAccount) {
         qCCritical(eas()) << "No account object for account:" << accountId();
-        return false;
+        return End::Done;
     }
     if (!easAccount->commandIsSupported(ProtocolUtils::CommandMoveItems)) {
         qCWarning(eas()) << "MoveItems command not supported for account:" << accountId();
-        return false;
+        return End::Done;
     }
     if (mGivenUp || !run().state.collectionsToRetry.isEmpty())
-        return false;
+        return End::Done;
     const QSharedPointer<MailStorage> storage = easAccount->mailStorage();
     if (!storage) {
         qCWarning(eas()) << "MailStorage is null";
-        return false;
+        return End::Done;
     }
-    const QList<MoveContainer> moves = MoveItemsResultHandler::moves(storage->movedEmails());
+    const Lookup<QList<EasEmailItem>> moved = storage->movedEmails();
+    if (!moved)
+        return failInternally();
+    const QList<MoveContainer> moves = MoveItemsResultHandler::moves(*moved);
     if (moves.isEmpty())
-        return false;
+        return End::Done;
     auto *command = newCommand<MoveItemsCommand>();
     for (const MoveContainer &move : moves)
         command->appendMoveItem(move);
     command->start();
-    return true;
+    return End::Sent;
 }
 
 SyncPhase::End MovePhase::finish(bool success)
@@ -112,9 +115,10 @@ SyncPhase::End MovePhase::processMoveItemsFinished(const MoveItemsCommand &comma
 SyncPhase::End MovePhase::retryMove()
 {
     mGivenUp = !mAttempts.consume();
-    if (start())
-        return End::Sent;
-    qCWarning(eas()) << "failed to retry MoveItems command";
-    run().attempts.reset();
-    return End::Done;
+    const End end = start();
+    if (end == End::Done) {
+        qCWarning(eas()) << "failed to retry MoveItems command";
+        run().attempts.reset();
+    }
+    return end;
 }

@@ -16,10 +16,10 @@ public:
 
     State state() const override { return StateMoveItems; }
     /**
-     * Sends the moves that wait; false if there are none, if a collection has to be repeated first, or if no
+     * Sends the moves that wait; done if there are none, if a collection has to be repeated first, or if no
      * more are to be tried in this sync.
      */
-    bool start();
+    End start();
     End finish(bool success) override;
 
 private:

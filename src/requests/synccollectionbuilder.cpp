@@ -85,7 +85,7 @@ SyncCollectionBuilder::SyncCollectionBuilder(EasAccount &account, SyncState &sta
 {
 }
 
-SyncCollection SyncCollectionBuilder::setupSyncCollection(const EasFolderItem &folder)
+Lookup<SyncCollection> SyncCollectionBuilder::setupSyncCollection(const EasFolderItem &folder)
 {
     const bool initial = folder.syncKey().isEmpty() || folder.syncKey() == ProtocolUtils::InitialSyncKey;
     qCDebug(eas()) << "Server ID: " << folder.serverId() << ", syncKey: " << folder.syncKey();
@@ -104,8 +104,8 @@ SyncCollection SyncCollectionBuilder::setupSyncCollection(const EasFolderItem &f
 
     collection.setDeletesAsMoves(false);
     setupOptions(collection, folder);
-    appendLocalChanges(collection, folder);
-    return collection;
+    return appendLocalChanges(collection, folder) ? Lookup<SyncCollection>(collection)
+                                                  : Lookup<SyncCollection>::unread();
 }
 
 void SyncCollectionBuilder::setupOptions(SyncCollection &collection, const EasFolderItem &folder)
@@ -163,16 +163,18 @@ void SyncCollectionBuilder::setFilter(AirSyncOptions &options, int syncPastTime)
         options.setFilter(AirSyncOptions::FilterType(syncPastTime));
 }
 
-void SyncCollectionBuilder::appendLocalChanges(SyncCollection &collection, const EasFolderItem &folder)
+bool SyncCollectionBuilder::appendLocalChanges(SyncCollection &collection, const EasFolderItem &folder)
 {
     UploadProgress &progress = mState.uploads[collection.id()];
     mBudget.beginFolder(progress.sent);
-    collectLocalChanges(collection, folder);
+    if (!collectLocalChanges(collection, folder))
+        return false;
     progress.sending = mBudget.taken();
     progress.isWaiting = mBudget.hasLeftOut();
     // What the server has changed comes last: it would take the place of changes that have not gone up.
     if (progress.isWaiting)
         collection.setGetChanges(false);
+    return true;
 }
 
 template <typename Item> void SyncCollectionBuilder::keepWhatFits(QList<Item> &items)
@@ -197,35 +199,41 @@ void SyncCollectionBuilder::keepWhatFits(QStringList &deletedServerIds)
     deletedServerIds = kept;
 }
 
-void SyncCollectionBuilder::collectLocalChanges(SyncCollection &collection, const EasFolderItem &folder)
+bool SyncCollectionBuilder::collectLocalChanges(SyncCollection &collection, const EasFolderItem &folder)
 {
     if (isSynchronizedMail(folder))
-        appendMailChanges(collection, folder);
-    else if (folder.isContacts())
+        return appendMailChanges(collection, folder);
+    if (folder.isCalendar())
+        return appendCalendarChanges(collection, folder);
+    if (folder.isContacts())
         appendContactChanges(collection, folder);
-    else if (folder.isCalendar())
-        appendCalendarChanges(collection, folder);
+    return true;
 }
 
-void SyncCollectionBuilder::appendMailChanges(SyncCollection &collection, const EasFolderItem &folder)
+bool SyncCollectionBuilder::appendMailChanges(SyncCollection &collection, const EasFolderItem &folder)
 {
     const QSharedPointer<MailStorage> storage = mAccount.mailStorage();
     if (!storage) {
         qCWarning(eas()) << "MailStorage is null";
-        return;
+        return true;
     }
-    QList<EasEmailItem> changed = storage->updatedEmails(folder.localId());
+    const Lookup<QList<EasEmailItem>> updated = storage->updatedEmails(folder.localId());
+    const Lookup<QList<KeptEmailId>> keptIds = storage->deletedEmails(folder.localId());
+    if (!updated || !keptIds)
+        return false;
+    QList<EasEmailItem> changed = *updated;
     keepWhatFits(changed);
     for (EasEmailItem &item : changed)
-        item.setServerId(EmailServerId::onWire(item.serverId()));
+        item.setServerId(KeptEmailId(item.serverId()).onWire().text());
     QStringList deleted;
-    QStringList keptIds = storage->deletedEmails(folder.localId());
-    keepWhatFits(keptIds);
-    for (const QString &keptId : keptIds)
-        deleted.append(EmailServerId::onWire(keptId));
+    QStringList fitting = KeptEmailId::texts(*keptIds);
+    keepWhatFits(fitting);
+    for (const QString &keptId : qAsConst(fitting))
+        deleted.append(KeptEmailId(keptId).onWire().text());
 
     appendCommand<SyncCommandChange>(collection, changed, &SyncCommandChange::setEmailItems);
     appendCommand<SyncCommandDelete>(collection, deleted, &SyncCommandDelete::setServerIds);
+    return true;
 }
 
 void SyncCollectionBuilder::appendContactChanges(SyncCollection &collection, const EasFolderItem &folder)
@@ -251,26 +259,34 @@ void SyncCollectionBuilder::appendContactChanges(SyncCollection &collection, con
     appendCommand<SyncCommandDelete>(collection, deleted, &SyncCommandDelete::setServerIds);
 }
 
-void SyncCollectionBuilder::appendCalendarChanges(SyncCollection &collection, const EasFolderItem &folder)
+bool SyncCollectionBuilder::appendCalendarChanges(SyncCollection &collection, const EasFolderItem &folder)
 {
     const QSharedPointer<CalendarStorage> storage = mAccount.calendarStorage();
     if (!storage) {
         qCWarning(eas()) << "calendarStorage is null";
-        return;
+        return true;
     }
-    const QString localFolder =
-        EasDatabase::instance()->serverToLocalFolderIds(mAccount.id()).valueOr({}).value(folder.serverId());
-    if (localFolder.isEmpty()) {
+    const auto localFolders = EasDatabase::instance()->serverToLocalFolderIds(mAccount.id());
+    if (!localFolders)
+        return false;
+    const QString localFolder = localFolders->value(folder.serverId());
+    if (localFolder.isEmpty())
         qCWarning(eas()) << "No local folder for serverId:" << folder.serverId();
-        return;
-    }
+    else
+        appendCalendarChanges(collection, *storage, localFolder);
+    return true;
+}
+
+void SyncCollectionBuilder::appendCalendarChanges(
+    SyncCollection &collection, CalendarStorage &storage, const QString &localFolder)
+{
     qint64 time = 0;
     qint64 newTime = 0;
     QList<EasCalendarItem> added;
     QList<EasCalendarItem> changed;
     QStringList deleted;
-    if (!storage->syncTime(localFolder, time)
-        || !storage->queryLocalUpdates(localFolder, time + 1, newTime, added, changed, deleted)) {
+    if (!storage.syncTime(localFolder, time)
+        || !storage.queryLocalUpdates(localFolder, time + 1, newTime, added, changed, deleted)) {
         qCWarning(eas()) << "Failed querying local updates";
         return;
     }

@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include "application/base/lookup.h"
 #include "easitems/easfolderitem.h"
 #include "protocol/elements/synccollection.h"
 #include "storages/uploadbudget.h"
 
 class AirSyncOptions;
+class CalendarStorage;
 class EasAccount;
 struct SyncState;
 
@@ -19,8 +21,11 @@ class SyncCollectionBuilder
 public:
     SyncCollectionBuilder(EasAccount &account, SyncState &state);
 
-    /** A folder without a real key gives an initial collection: no options, no local changes. */
-    SyncCollection setupSyncCollection(const EasFolderItem &folder);
+    /**
+     * A folder without a real key gives an initial collection: no options, no local changes. Unread if the
+     * mapping could not tell the local changes: a collection without them would pass for all that waits.
+     */
+    Lookup<SyncCollection> setupSyncCollection(const EasFolderItem &folder);
 
     /** Whether no more local changes fit into the Sync; the next folders wait for the one after it. */
     bool isFull() const { return mBudget.isSpent(); }
@@ -30,13 +35,15 @@ private:
     void setupMailOptions(AirSyncOptions &options, const EasFolderItem &folder);
     void setupCalendarOptions(SyncCollection &collection, AirSyncOptions &options);
     void setFilter(AirSyncOptions &options, int syncPastTime) const;
-    void appendLocalChanges(SyncCollection &collection, const EasFolderItem &folder);
-    void collectLocalChanges(SyncCollection &collection, const EasFolderItem &folder);
+    bool appendLocalChanges(SyncCollection &collection, const EasFolderItem &folder);
+    bool collectLocalChanges(SyncCollection &collection, const EasFolderItem &folder);
     template <typename Item> void keepWhatFits(QList<Item> &items);
     void keepWhatFits(QStringList &deletedServerIds);
-    void appendMailChanges(SyncCollection &collection, const EasFolderItem &folder);
+    bool appendMailChanges(SyncCollection &collection, const EasFolderItem &folder);
     void appendContactChanges(SyncCollection &collection, const EasFolderItem &folder);
-    void appendCalendarChanges(SyncCollection &collection, const EasFolderItem &folder);
+    bool appendCalendarChanges(SyncCollection &collection, const EasFolderItem &folder);
+    void appendCalendarChanges(
+        SyncCollection &collection, CalendarStorage &storage, const QString &localFolder);
     void deferNewExceptions(const SyncCollection &collection, const QList<EasCalendarItem> &added);
     static QList<QPair<QString, QString>> takeDeletedOccurrences(QList<EasCalendarItem> &changed);
 

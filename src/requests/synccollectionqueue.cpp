@@ -20,13 +20,21 @@ SyncCollectionQueue::SyncCollectionQueue(EasAccount &account, SyncState &state)
 {
 }
 
-bool SyncCollectionQueue::readFolder(const QString &serverId, EasFolderItem &folder) const
+Lookup<EasFolderItem> SyncCollectionQueue::readFolder(const QString &serverId) const
 {
-    folder = EasDatabase::instance()->folderItemByServerId(mAccount.id(), serverId);
-    if (!EasDatabase::instance()->lookupFailed())
-        return true;
-    qCCritical(eas()) << "failed to read folders from EAS DB";
-    return false;
+    Lookup<EasFolderItem> folder = EasDatabase::instance()->folderItemByServerId(mAccount.id(), serverId);
+    if (!folder)
+        qCCritical(eas()) << "failed to read folders from EAS DB";
+    return folder;
+}
+
+bool SyncCollectionQueue::append(QList<SyncCollection> &collections, const Lookup<SyncCollection> &collection)
+{
+    if (collection)
+        collections.append(*collection);
+    else
+        qCCritical(eas()) << "failed to read the local changes of a collection";
+    return bool(collection);
 }
 
 bool SyncCollectionQueue::readFolders(QHash<QString, EasFolderItem> *known)
@@ -35,11 +43,11 @@ bool SyncCollectionQueue::readFolders(QHash<QString, EasFolderItem> *known)
              &mState.collectionsToSync, &mState.collectionsToAskAlone }) {
         QStringList kept;
         for (const QString &serverId : qAsConst(*serverIds)) {
-            EasFolderItem folder;
-            if (!readFolder(serverId, folder))
+            const Lookup<EasFolderItem> folder = readFolder(serverId);
+            if (!folder)
                 return false;
-            if (folder.serverId() == serverId && folder.type() != EasFolderItem::UnknownFolder) {
-                known->insert(serverId, folder);
+            if (folder->serverId() == serverId && folder->type() != EasFolderItem::UnknownFolder) {
+                known->insert(serverId, *folder);
                 kept.append(serverId);
             } else {
                 qCInfo(eas()) << "collection is gone, leaving it out:" << serverId;
@@ -82,11 +90,11 @@ bool SyncCollectionQueue::queryCollectionsForSync(
         if (known.value(folder.serverId()).syncKey() == ProtocolUtils::InitialSyncKey
             && !forgetCollection(folder))
             return false;
-        const SyncCollection collection = builder.setupSyncCollection(folder);
-        qCDebug(eas()) << "Have collection:" << collection.id() << "=" << collection.localId()
-                       << "with syncKey:" << collection.syncKey()
+        qCDebug(eas()) << "Have collection:" << folder.serverId() << "=" << folder.localId()
+                       << "with syncKey:" << folder.syncKey()
                        << (withoutKey.isEmpty() ? "- requires normal sync." : "- requires initial sync.");
-        (withoutKey.isEmpty() ? continuing : initial).append(collection);
+        if (!append(withoutKey.isEmpty() ? continuing : initial, builder.setupSyncCollection(folder)))
+            return false;
         if (builder.isFull())
             break;
     }
@@ -110,21 +118,23 @@ bool SyncCollectionQueue::restart(QList<SyncCollection> &collections)
 {
     SyncCollectionBuilder builder(mAccount, mState);
     for (const QString &serverId : qAsConst(mState.collectionsToResync)) {
-        EasFolderItem folder;
-        if (!readFolder(serverId, folder) || !forgetCollection(folder))
+        const Lookup<EasFolderItem> known = readFolder(serverId);
+        if (!known || !forgetCollection(*known))
             return false;
+        EasFolderItem folder = *known;
         folder.setSyncKey(ProtocolUtils::InitialSyncKey);
-        collections.append(builder.setupSyncCollection(folder));
+        if (!append(collections, builder.setupSyncCollection(folder)))
+            return false;
     }
     return true;
 }
 
 bool SyncCollectionQueue::leaveOut(const SyncCollection &silent)
 {
-    EasFolderItem folder;
-    if (!readFolder(silent.id(), folder) || !anyHasKey())
+    const Lookup<EasFolderItem> folder = readFolder(silent.id());
+    if (!folder || !anyHasKey())
         return false;
-    qCWarning(eas()) << "no answer about collection, leaving it out:" << silent.id() << folder.displayName();
+    qCWarning(eas()) << "no answer about collection, leaving it out:" << silent.id() << folder->displayName();
     mState.leaveOut(silent.id());
     return true;
 }
@@ -135,9 +145,9 @@ bool SyncCollectionQueue::anyHasKey() const
         EasDatabase::instance()->serverToLocalFolderIds(mAccount.id());
     const QStringList serverIds = known ? known->keys() : QStringList();
     return std::any_of(serverIds.cbegin(), serverIds.cend(), [this](const QString &serverId) {
-        EasFolderItem folder;
-        return !serverId.isEmpty() && readFolder(serverId, folder) && !folder.syncKey().isEmpty()
-            && folder.syncKey() != ProtocolUtils::InitialSyncKey;
+        const Lookup<EasFolderItem> folder =
+            serverId.isEmpty() ? Lookup<EasFolderItem>::unread() : readFolder(serverId);
+        return folder && !folder->syncKey().isEmpty() && folder->syncKey() != ProtocolUtils::InitialSyncKey;
     });
 }
 
@@ -196,9 +206,10 @@ bool SyncCollectionQueue::updateFolderSyncKeys(const QList<SyncCollection> &coll
 {
     QList<EasFolderItem> items;
     for (const SyncCollection &collection : collections) {
-        EasFolderItem folder;
-        if (!readFolder(collection.id(), folder))
+        const Lookup<EasFolderItem> known = readFolder(collection.id());
+        if (!known)
             return false;
+        EasFolderItem folder = *known;
         // No server gives the initial key for what comes next, unless it means to refuse.
         if (collection.syncKey().isEmpty() || collection.syncKey() == ProtocolUtils::InitialSyncKey
             || collection.syncKey() == folder.syncKey()) {

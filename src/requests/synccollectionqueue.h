@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include "application/base/lookup.h"
 #include "protocol/elements/synccollection.h"
 
 #include <QHash>
@@ -40,7 +41,9 @@ public:
     bool updateFolderSyncKeys(const QList<SyncCollection> &collections);
 
 private:
-    bool readFolder(const QString &serverId, EasFolderItem &folder) const;
+    Lookup<EasFolderItem> readFolder(const QString &serverId) const;
+    /** False, logged, if the collection could not be made. */
+    static bool append(QList<SyncCollection> &collections, const Lookup<SyncCollection> &collection);
     bool anyHasKey() const;
     /** Those that go into the next Sync: all, or one that has to be asked for alone. */
     QList<EasFolderItem> foldersWithoutKey(const QList<EasFolderItem> &folders) const;

@@ -14,22 +14,19 @@ SyncFolderSelection::SyncFolderSelection(EasAccount &account)
 {
 }
 
-void SyncFolderSelection::noteLookup()
-{
-    mLookupFailed = mLookupFailed || EasDatabase::instance()->lookupFailed();
-}
-
-QStringList SyncFolderSelection::serverIds(int service, const QStringList &localFolderIds)
+Lookup<QStringList> SyncFolderSelection::serverIds(int service, const QStringList &localFolderIds)
 {
     if (service == 0 && !localFolderIds.isEmpty())
         return namedFolders(localFolderIds);
 
-    QStringList ids;
-    const QList<EasFolderItem> folders =
+    const Lookup<Folders> folders =
         service != 0 ? getServiceSynchronizedFolders(service) : getDefaultSynchronizedFolders();
+    if (!folders)
+        return Lookup<QStringList>::unread();
     const char *reason = service != 0 ? "adding service synchronised folder for sync:"
                                       : "adding default synchronised folder for sync:";
-    for (const EasFolderItem &folder : folders) {
+    QStringList ids;
+    for (const EasFolderItem &folder : *folders) {
         if (folder.serverId().isEmpty() || ids.contains(folder.serverId()))
             continue;
         qCDebug(eas()) << reason << folder.serverId();
@@ -38,38 +35,40 @@ QStringList SyncFolderSelection::serverIds(int service, const QStringList &local
     return ids;
 }
 
-QStringList SyncFolderSelection::namedFolders(const QStringList &localFolderIds)
+Lookup<QStringList> SyncFolderSelection::namedFolders(const QStringList &localFolderIds)
 {
     QStringList ids;
     for (const QString &localId : localFolderIds) {
-        const EasFolderItem folder = EasDatabase::instance()->folderItemByLocalId(mAccount.id(), localId);
-        noteLookup();
-        if (folder.serverId().isEmpty() || folder.localId() != localId) {
+        const Lookup<EasFolderItem> folder =
+            EasDatabase::instance()->folderItemByLocalId(mAccount.id(), localId);
+        if (!folder)
+            return Lookup<QStringList>::unread();
+        if (folder->serverId().isEmpty() || folder->localId() != localId) {
             qCWarning(eas()) << "failed to find local folder id" << localId << "in Eas DB for account"
                              << mAccount.id();
             continue;
         }
-        if (ids.contains(folder.serverId()))
+        if (ids.contains(folder->serverId()))
             continue;
-        qCDebug(eas()) << "adding local synchronised folder for sync:" << folder.serverId();
-        ids.append(folder.serverId());
+        qCDebug(eas()) << "adding local synchronised folder for sync:" << folder->serverId();
+        ids.append(folder->serverId());
     }
     return ids;
 }
 
-QList<EasFolderItem> SyncFolderSelection::getServiceSynchronizedFolders(int service)
+Lookup<SyncFolderSelection::Folders> SyncFolderSelection::getServiceSynchronizedFolders(int service)
 {
     return enabledFolders(service, true);
 }
 
-QList<EasFolderItem> SyncFolderSelection::getDefaultSynchronizedFolders()
+Lookup<SyncFolderSelection::Folders> SyncFolderSelection::getDefaultSynchronizedFolders()
 {
     return enabledFolders(MailService | CalendarService | ContactsService, false);
 }
 
-QList<EasFolderItem> SyncFolderSelection::enabledFolders(int service, bool warnDisabled)
+Lookup<SyncFolderSelection::Folders> SyncFolderSelection::enabledFolders(int service, bool warnDisabled)
 {
-    QList<EasFolderItem> folders;
+    Folders folders;
     const auto wanted = [service, warnDisabled](Service bit, bool enabled, const char *disabled) {
         if ((service & bit) && !enabled && warnDisabled)
             qCWarning(eas()) << disabled;
@@ -81,59 +80,60 @@ QList<EasFolderItem> SyncFolderSelection::enabledFolders(int service, bool warnD
         qCWarning(eas()) << "emailConfig is null";
         return folders;
     }
-    if (wanted(MailService, email->enabled(), "Email service is disabled"))
-        appendMailFolders(folders);
+    if (wanted(MailService, email->enabled(), "Email service is disabled") && !appendMailFolders(folders))
+        return Lookup<Folders>::unread();
 
     const auto calendar = mAccount.calendarConfiguration();
     if (!calendar) {
         qCWarning(eas()) << "calendarConfig is null";
         return folders;
     }
-    if (wanted(CalendarService, calendar->enabled(), "Calendar service is disabled"))
-        appendFolders(
-            folders, EasFolderItem::DefaultCalendarFolder, EasFolderItem::UserCreatedCalendarFolder);
+    if (wanted(CalendarService, calendar->enabled(), "Calendar service is disabled")
+        && !appendFolders(
+            folders, EasFolderItem::DefaultCalendarFolder, EasFolderItem::UserCreatedCalendarFolder))
+        return Lookup<Folders>::unread();
 
     const auto contacts = mAccount.contactsConfiguration();
     if (!contacts) {
         qCWarning(eas()) << "contactsConfig is null";
         return folders;
     }
-    if (wanted(ContactsService, contacts->enabled(), "Contacts service is disabled"))
-        appendFolders(
-            folders, EasFolderItem::DefaultContactsFolder, EasFolderItem::UserCreatedContactsFolder);
+    if (wanted(ContactsService, contacts->enabled(), "Contacts service is disabled")
+        && !appendFolders(
+            folders, EasFolderItem::DefaultContactsFolder, EasFolderItem::UserCreatedContactsFolder))
+        return Lookup<Folders>::unread();
     return folders;
 }
 
-void SyncFolderSelection::appendMailFolders(QList<EasFolderItem> &folders)
+bool SyncFolderSelection::appendMailFolders(Folders &folders)
 {
-    if (const QSharedPointer<MailStorage> mail = mAccount.mailStorage()) {
-        const auto synchronized = mail->foldersToSynchronize();
-        if (synchronized)
-            folders.append(*synchronized);
-        else
-            mLookupFailed = true;
-        noteLookup();
-    }
+    const QSharedPointer<MailStorage> mail = mAccount.mailStorage();
+    if (!mail)
+        return true;
+    const Lookup<Folders> found = mail->foldersToSynchronize();
+    if (found)
+        folders.append(*found);
+    return bool(found);
 }
 
-void SyncFolderSelection::appendFolders(
-    QList<EasFolderItem> &folders, EasFolderItem::FolderType single, EasFolderItem::FolderType all)
+bool SyncFolderSelection::appendFolders(
+    Folders &folders, EasFolderItem::FolderType single, EasFolderItem::FolderType all)
 {
-    appendSingleFolderByType(folders, single);
-    appendAllFoldersByType(folders, all);
+    return appendSingleFolderByType(folders, single) && appendAllFoldersByType(folders, all);
 }
 
-void SyncFolderSelection::appendSingleFolderByType(
-    QList<EasFolderItem> &folders, EasFolderItem::FolderType type)
+bool SyncFolderSelection::appendSingleFolderByType(Folders &folders, EasFolderItem::FolderType type)
 {
-    folders.append(
-        EasDatabase::instance()->folderItemsByFolderType(mAccount.id(), type).valueOr({}).value(0));
-    noteLookup();
+    const Lookup<Folders> found = EasDatabase::instance()->folderItemsByFolderType(mAccount.id(), type);
+    if (found)
+        folders.append(found->value(0));
+    return bool(found);
 }
 
-void SyncFolderSelection::appendAllFoldersByType(
-    QList<EasFolderItem> &folders, EasFolderItem::FolderType type)
+bool SyncFolderSelection::appendAllFoldersByType(Folders &folders, EasFolderItem::FolderType type)
 {
-    folders.append(EasDatabase::instance()->folderItemsByFolderType(mAccount.id(), type));
-    noteLookup();
+    const Lookup<Folders> found = EasDatabase::instance()->folderItemsByFolderType(mAccount.id(), type);
+    if (found)
+        folders.append(*found);
+    return bool(found);
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include "application/base/lookup.h"
 #include "easitems/easfolderitem.h"
 
 #include <QList>
@@ -20,23 +21,24 @@ public:
 
     explicit SyncFolderSelection(EasAccount &account);
 
-    /** Server identifiers, each once; service 0 means no mask, an empty list means the default folders. */
-    QStringList serverIds(int service, const QStringList &localFolderIds);
-    /** True if the database could not be read; then folders may be missing from what was returned. */
-    bool lookupFailed() const { return mLookupFailed; }
+    /**
+     * Server identifiers, each once; service 0 means no mask, an empty list means the default folders. Unread
+     * if one of the folders could not be read.
+     */
+    Lookup<QStringList> serverIds(int service, const QStringList &localFolderIds);
 
 private:
-    QStringList namedFolders(const QStringList &localFolderIds);
-    QList<EasFolderItem> getServiceSynchronizedFolders(int service);
-    QList<EasFolderItem> getDefaultSynchronizedFolders();
-    QList<EasFolderItem> enabledFolders(int service, bool warnDisabled);
-    void appendMailFolders(QList<EasFolderItem> &folders);
-    void appendFolders(
-        QList<EasFolderItem> &folders, EasFolderItem::FolderType single, EasFolderItem::FolderType all);
-    void appendSingleFolderByType(QList<EasFolderItem> &folders, EasFolderItem::FolderType type);
-    void appendAllFoldersByType(QList<EasFolderItem> &folders, EasFolderItem::FolderType type);
-    void noteLookup();
+    using Folders = QList<EasFolderItem>;
+
+    Lookup<QStringList> namedFolders(const QStringList &localFolderIds);
+    Lookup<Folders> getServiceSynchronizedFolders(int service);
+    Lookup<Folders> getDefaultSynchronizedFolders();
+    Lookup<Folders> enabledFolders(int service, bool warnDisabled);
+    // Each of these is false if it could not read its folders.
+    bool appendMailFolders(Folders &folders);
+    bool appendFolders(Folders &folders, EasFolderItem::FolderType single, EasFolderItem::FolderType all);
+    bool appendSingleFolderByType(Folders &folders, EasFolderItem::FolderType type);
+    bool appendAllFoldersByType(Folders &folders, EasFolderItem::FolderType type);
 
     EasAccount &mAccount;
-    bool mLookupFailed = false;
 };

@@ -168,16 +168,16 @@ SyncReplyProcessor::Result SyncReplyProcessor::repeat(const SyncCollection &coll
 SyncReplyProcessor::Result SyncReplyProcessor::takeItems(SyncCollection &collection)
 {
     mState.collectionsToRetry.removeAll(collection.id());
-    const EasFolderItem::FolderType type =
+    const Lookup<EasFolderItem::FolderType> type =
         EasDatabase::instance()->folderTypeByServerId(mAccount.id(), collection.id());
-    if (EasDatabase::instance()->lookupFailed()) {
+    if (!type) {
         qCCritical(eas()) << "failed to read folders from EAS DB";
         mStoreStatus = mRecordedStatus = Request::RequestStatusInternalError;
         return Result::NotStored;
     }
-    const std::unique_ptr<SyncResultHandler> handler = handlerFor(type, mAccount, mState);
+    const std::unique_ptr<SyncResultHandler> handler = handlerFor(*type, mAccount, mState);
     if (!handler) {
-        qCWarning(eas()) << "unhandled folder type" << type;
+        qCWarning(eas()) << "unhandled folder type" << *type;
         return Result::NotHandled;
     }
     // While changes of the device wait, the server is not asked for its own.

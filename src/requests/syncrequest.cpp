@@ -183,14 +183,13 @@ void SyncRequest::startFolderSyncCommand()
 
 void SyncRequest::startSyncCommand()
 {
-    if (!startMoveItemsCommand())
-        startCollections();
+    startMoveItemsCommand();
 }
 
-bool SyncRequest::startMoveItemsCommand()
+void SyncRequest::startMoveItemsCommand()
 {
     mPhase = &mMoves;
-    return mMoves.start();
+    follow(mMoves.start());
 }
 
 void SyncRequest::startCollections()
@@ -238,13 +237,14 @@ bool SyncRequest::initializeSyncCollections()
         return false;
     }
     SyncFolderSelection selection(*easAccount);
-    const QStringList chosen = selection.serverIds(mSyncService, mSyncFolders);
-    for (const QString &serverId : chosen)
-        SyncState::addOnce(mRun.state.collectionsToSync, serverId);
-    // What could not be read would be left out, and the request would end well without it.
-    if (selection.lookupFailed())
+    const Lookup<QStringList> chosen = selection.serverIds(mSyncService, mSyncFolders);
+    if (!chosen) {
         qCCritical(eas()) << "failed to read folders from EAS DB";
-    return !selection.lookupFailed();
+        return false;
+    }
+    for (const QString &serverId : *chosen)
+        SyncState::addOnce(mRun.state.collectionsToSync, serverId);
+    return true;
 }
 
 bool SyncRequest::retrySetAside()

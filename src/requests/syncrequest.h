@@ -39,7 +39,7 @@ public Q_SLOTS:
     void retrySend() override;
     void startFolderSyncCommand();
     void startSyncCommand();
-    bool startMoveItemsCommand();
+    void startMoveItemsCommand();
 
 protected:
     void startRequest() override;

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include "application/base/lookup.h"
 #include "easitems/easitemscommon.h"
+#include "easitems/emailserverid.h"
 
 #include <QByteArray>
 #include <QList>
@@ -29,7 +31,8 @@ struct MessagePartContent
  * The device's mail store as the requests see it: folders and messages of one account.
  *
  * An account owns its storage and hands it out as a shared pointer. Operations return false (or an empty
- * list) after they have logged what went wrong; none throws. Main thread only.
+ * list) after they have logged what went wrong; none throws. What asks the mapping as well is unread where
+ * that could not be read. Main thread only.
  */
 class MailStorage : public QObject
 {
@@ -47,11 +50,11 @@ public:
         QList<EasEmailItem> &added, QList<EasEmailItem> &changed, const QStringList &deleted) = 0;
     virtual bool addSearchResults(QList<EasEmailItem> &items, QList<quint64> &ids) = 0;
     virtual bool successfullyUpdatedEmails(QList<EasEmailItem> &items) = 0;
-    virtual QList<EasEmailItem> addedEmails(const QString &localFolderId) = 0;
-    virtual QList<EasEmailItem> updatedEmails(const QString &localFolderId) = 0;
-    virtual QList<EasEmailItem> movedEmails() = 0;
-    virtual QStringList deletedEmails(const QString &localFolderId) = 0;
-    virtual bool purgeDeletedEmails(const QStringList &serverUids) = 0;
+    virtual Lookup<QList<EasEmailItem>> addedEmails(const QString &localFolderId) = 0;
+    virtual Lookup<QList<EasEmailItem>> updatedEmails(const QString &localFolderId) = 0;
+    virtual Lookup<QList<EasEmailItem>> movedEmails() = 0;
+    virtual Lookup<QList<KeptEmailId>> deletedEmails(const QString &localFolderId) = 0;
+    virtual bool purgeDeletedEmails(const QList<KeptEmailId> &ids) = 0;
     virtual QList<EasFolderItem> addedFolders() = 0;
     virtual bool purgeAddedFolders() = 0;
     virtual QStringList deletedFolders() = 0;
@@ -86,8 +89,8 @@ public:
     virtual void lookForChangesAnew() {}
 
     virtual void cleanUpFolder(const EasFolderItem &folder) = 0;
-    /** None if the mail account cannot be read, which is not the same as no folder. */
-    virtual std::optional<QList<EasFolderItem>> foldersToSynchronize() = 0;
+    /** Unread if the mail account or a row cannot be read, which is not the same as no folder. */
+    virtual Lookup<QList<EasFolderItem>> foldersToSynchronize() = 0;
 
 Q_SIGNALS:
     /** The user changed something in this account's mail that the server does not know yet. */

@@ -26,6 +26,7 @@ template <typename Item> QList<Item> oneItem()
 QList<EasEmailItem> refiledEmail()
 {
     QList<EasEmailItem> items = oneItem<EasEmailItem>();
+    items.first().setCollectionId("2");
     items.first().appendChangedField(18);
     items.first().setPreviousServerId("1:1");
     return items;

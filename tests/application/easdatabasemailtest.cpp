@@ -72,6 +72,41 @@ private Q_SLOTS:
         QCOMPARE(*database()->folderServerIdByEmailServerId(Account, "9:9"), QString());
     }
 
+    void identifiersOfSomeMessagesAreReadByAllTheirNames()
+    {
+        // As a move leaves it that was cut short: one message under its old and its new name.
+        QVERIFY(database()->addEmailItems(Account, { email("8:7", "8", "101"), email("7:9", "7", "") }));
+        QVERIFY(database()->addEmailItems(Account, { email("7:8", "7", "") }));
+        QCOMPARE(*database()->serverToLocalEmailIds(Account, { "7:1", "9:9" }),
+            (Map { { "7:1", "101" }, { "8:7", "101" } }));
+        QCOMPARE(*database()->serverToLocalEmailIds(Account, { "7:9" }), (Map { { "7:9", "" } }));
+        QCOMPARE(*database()->serverToLocalEmailIds(Account, {}), Map());
+        QCOMPARE(*database()->localToServerEmailIds(Account, { "102", "201" }), (Map { { "102", "7:2" } }));
+    }
+
+    void moreNamesThanAStatementTakesAreReadInParts()
+    {
+        QStringList serverIds;
+        QList<EasEmailItem> items;
+        for (int i = 0; i < 2000; ++i) {
+            serverIds.append(QStringLiteral("12:%1").arg(i));
+            items.append(email(serverIds.last(), "12", QString::number(5000 + i)));
+        }
+        QVERIFY(database()->addEmailItems(Account, items));
+        QCOMPARE(database()->serverToLocalEmailIds(Account, serverIds)->size(), 2000);
+        QCOMPARE(database()->localToServerEmailIds(Account, { "5000", "6999" })->values(),
+            (QStringList { "12:0", "12:1999" }));
+    }
+
+    void anUpdateToTheSameFolderWritesNothing()
+    {
+        mFixture->execute({ "CREATE TRIGGER refuse BEFORE UPDATE ON emails "
+                            "BEGIN SELECT RAISE(FAIL, 'refused'); END" });
+        EasEmailItem item = email("7:1", "7", "101");
+        item.appendChangedField(CollectionIdTag);
+        QVERIFY(database()->updateEmailItems(Account, { item }));
+    }
+
     void anUpdateWithoutTheFolderTagRunsNoStatement()
     {
         mFixture->execute({ "CREATE TRIGGER refuse BEFORE UPDATE ON emails "

@@ -145,6 +145,24 @@ private Q_SLOTS:
         QCOMPARE(mFixture->rows("SELECT server_id FROM collections"), QStringList { "1" });
     }
 
+    void fileAndFolderAreTheUsersAlone()
+    {
+        const auto others = QFile::ReadGroup | QFile::WriteGroup | QFile::ExeGroup | QFile::ReadOther
+            | QFile::WriteOther | QFile::ExeOther;
+        mFixture->open();
+        for (const QString &path : { mFixture->file(), mFixture->folder() })
+            QVERIFY2(!(QFile::permissions(path) & others), qPrintable(path));
+        mFixture->release();
+        // As an older version has left them.
+        QVERIFY(
+            QFile::setPermissions(mFixture->file(), QFile::permissions(mFixture->file()) | QFile::ReadOther));
+        QVERIFY(QFile::setPermissions(
+            mFixture->folder(), QFile::permissions(mFixture->folder()) | QFile::ReadOther | QFile::ExeOther));
+        mFixture->open();
+        for (const QString &path : { mFixture->file(), mFixture->folder() })
+            QVERIFY2(!(QFile::permissions(path) & others), qPrintable(path));
+    }
+
     void theFileIsClosedAMinuteAfterTheLastUseAndOpenedByTheNext()
     {
         mFixture->open();

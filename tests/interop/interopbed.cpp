@@ -97,7 +97,7 @@ QString InteropBed::place(const ImapMessage &message)
 QString InteropBed::place(const QMailMessage &message)
 {
     return devicePath(message.parentFolderId()) + QLatin1Char('/')
-        + EmailServerId::onWire(message.serverUid());
+        + KeptEmailId(message.serverUid()).onWire().text();
 }
 
 QMap<QString, QByteArray> InteropBed::storedData()

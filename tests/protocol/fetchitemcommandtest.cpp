@@ -4,6 +4,7 @@
 #include "easitems/easemailitem.h"
 #include "protocol/base/protocolutils.h"
 #include "protocol/getattachmentcommand.h"
+#include "support/hiddentable.h"
 #include "support/logcollector.h"
 #include "support/scriptedmanager.h"
 #include "support/stubmailstorage.h"
@@ -195,6 +196,18 @@ private Q_SLOTS:
         const QString options = range.isEmpty() ? QString() : QStringLiteral(",Options(Range=%1)").arg(range);
         QCOMPARE(
             body, QStringLiteral("ItemOperations(Fetch(Store=Mailbox,FileReference=ref%1))").arg(options));
+    }
+
+    void aMessageWhoseRowCannotBeReadIsNotAskedForAsASearchResult()
+    {
+        const auto storage = QSharedPointer<StubMailStorage>::create();
+        storage->serverUids = { { 1, QStringLiteral("5:1") } };
+        mAccount->mails = storage;
+        OpenedFetch command;
+        command.setLocalIds({ 1 });
+        QString body;
+        const HiddenTable hidden("emails");
+        QVERIFY(!command.body(*mAccount, &body));
     }
 
     void messagesAreAskedForByTheirFolderOrAsSearchResults()

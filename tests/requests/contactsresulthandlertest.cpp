@@ -145,7 +145,7 @@ private Q_SLOTS:
         QVERIFY(handle(reply));
         QVERIFY(mScene->store->calls.contains(QStringLiteral("uploaded + *c1 -c2")));
         const QMap<QString, QString> others =
-            database().localToServerContactIds(Account, QStringLiteral("4"));
+            *database().localToServerContactIds(Account, QStringLiteral("4"));
         QCOMPARE(others.keys(), QStringList({ QStringLiteral("other"), QStringLiteral("other2") }));
     }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "requests/emailresulthandler.h"
 #include "requests/uploadresultscene.h"
+#include "support/hiddentable.h"
 #include "support/itemlines.h"
 #include "support/logcollector.h"
 #include "support/scriptedclock.h"
@@ -33,9 +34,10 @@ public:
     {
         return note(QStringLiteral("updated"), ItemLines::of({}, items, {}));
     }
-    bool purgeDeletedEmails(const QStringList &serverIds) override
+    bool purgeDeletedEmails(const QList<KeptEmailId> &ids) override
     {
-        return note(QStringLiteral("purged"), ItemLines::of(QList<EasEmailItem>(), {}, serverIds));
+        return note(
+            QStringLiteral("purged"), ItemLines::of(QList<EasEmailItem>(), {}, KeptEmailId::texts(ids)));
     }
 
 private:
@@ -87,6 +89,28 @@ private Q_SLOTS:
         QVERIFY(!handle(reply));
         QCOMPARE(mScene->status, -2);
         QVERIFY(log.contains(QtCriticalMsg, { QStringLiteral("MailStorage is null") }));
+    }
+
+    void anIdentifierThatWouldBeCutIsRefused()
+    {
+        SyncCollection reply = collection();
+        reply.appendAddedEmails(Mail(), QStringLiteral("5:8\u001f6"));
+        const LogCollector log;
+        QVERIFY(!handle(reply));
+        QCOMPARE(mScene->status, -2);
+        QVERIFY(calls().isEmpty());
+        QVERIFY(log.contains(
+            QtCriticalMsg, { QStringLiteral("refused a server identifier with a control character") }));
+    }
+
+    void rowsThatCannotBeReadAreAFailure()
+    {
+        SyncCollection reply = collection();
+        reply.appendAddedEmails(Mail(), QStringLiteral("5:1"));
+        const HiddenTable hidden("emails");
+        QVERIFY(!handle(reply));
+        QCOMPARE(mScene->status, -2);
+        QVERIFY(calls().isEmpty());
     }
 
     void uploadsComeBeforeWhatTheServerSends()

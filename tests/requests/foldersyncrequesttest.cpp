@@ -66,7 +66,7 @@ class FolderSyncRequestTest : public QObject
 private:
     std::unique_ptr<RequestBed> mBed;
 
-    static QString key() { return EasDatabase::instance()->folderSyncKey(Account); }
+    static QString key() { return *EasDatabase::instance()->folderSyncKey(Account); }
 
 private Q_SLOTS:
     void init()

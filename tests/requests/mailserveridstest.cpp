@@ -31,6 +31,8 @@ namespace {
 constexpr EasAccountId Account = 7;
 const auto Inbox = QStringLiteral("mail/inbox");
 const auto Archive = QStringLiteral("mail/archive");
+const WireEmailId First(QStringLiteral("1"));
+const WireEmailId Second(QStringLiteral("2"));
 } // namespace
 
 void MailServerIdsTest::initTestCase()
@@ -55,55 +57,54 @@ void MailServerIdsTest::addRow(const QString &serverId, const QString &collectio
 void MailServerIdsTest::anOrdinaryIdentifierIsKeptAsItIs()
 {
     addRow(QStringLiteral("1"), Inbox);
-    const MailServerIds ids(Account);
-    QCOMPARE(ids.kept(Inbox, QStringLiteral("1")), QStringLiteral("1"));
-    QCOMPARE(ids.kept(Archive, QStringLiteral("2")), QStringLiteral("2"));
-    QVERIFY(ids.contains(QStringLiteral("1")));
-    QVERIFY(!ids.contains(QStringLiteral("2")));
+    const MailServerIds ids = *MailServerIds::lookUp(Account, { { Inbox, First }, { Archive, Second } });
+    QCOMPARE(ids.kept(Inbox, First).text(), QStringLiteral("1"));
+    QCOMPARE(ids.kept(Archive, Second).text(), QStringLiteral("2"));
+    QVERIFY(ids.contains(KeptEmailId::plain(First)));
+    QVERIFY(!ids.contains(KeptEmailId::plain(Second)));
 }
 
 void MailServerIdsTest::aTakenIdentifierIsQualifiedWithItsFolder()
 {
     addRow(QStringLiteral("1"), Inbox);
-    const MailServerIds ids(Account);
-    const QString kept = ids.kept(Archive, QStringLiteral("1"));
-    QVERIFY(kept != QStringLiteral("1"));
+    const MailServerIds ids = *MailServerIds::lookUp(Account, { { Archive, First } });
+    const KeptEmailId kept = ids.kept(Archive, First);
+    QVERIFY(kept.text() != QStringLiteral("1"));
     QVERIFY(!ids.contains(kept));
-    QCOMPARE(EmailServerId::onWire(kept), QStringLiteral("1"));
+    QCOMPARE(kept.onWire().text(), QStringLiteral("1"));
 }
 
 void MailServerIdsTest::aMessageKeepsItsIdentifierWhenTheOtherOneGoes()
 {
-    const QString qualified = EmailServerId::qualified(Archive, QStringLiteral("1"));
-    addRow(qualified, Archive);
-    const MailServerIds ids(Account);
-    QCOMPARE(ids.kept(Archive, QStringLiteral("1")), qualified);
-    QCOMPARE(ids.kept(Inbox, QStringLiteral("1")), QStringLiteral("1"));
+    const KeptEmailId qualified = KeptEmailId::qualified(Archive, First);
+    addRow(qualified.text(), Archive);
+    const MailServerIds ids = *MailServerIds::lookUp(Account, { { Archive, First }, { Inbox, First } });
+    QCOMPARE(ids.kept(Archive, First).text(), qualified.text());
+    QCOMPARE(ids.kept(Inbox, First).text(), QStringLiteral("1"));
 }
 
 void MailServerIdsTest::twoNewMessagesOfOneReplyStayApart()
 {
-    MailServerIds ids(Account);
-    const QString first = ids.kept(Inbox, QStringLiteral("1"));
+    MailServerIds ids = *MailServerIds::lookUp(Account, { { Inbox, First }, { Archive, First } });
+    const KeptEmailId first = ids.kept(Inbox, First);
     ids.add(first, Inbox);
-    const QString second = ids.kept(Archive, QStringLiteral("1"));
-    QVERIFY(first != second);
+    const KeptEmailId second = ids.kept(Archive, First);
+    QVERIFY(first.text() != second.text());
     ids.add(second, Archive);
-    QCOMPARE(ids.kept(Inbox, QStringLiteral("1")), first);
-    QCOMPARE(ids.kept(Archive, QStringLiteral("1")), second);
+    QCOMPARE(ids.kept(Inbox, First).text(), first.text());
+    QCOMPARE(ids.kept(Archive, First).text(), second.text());
 }
 
 void MailServerIdsTest::whatWasLookedUpTogetherIsNotAskedForAgain()
 {
     addRow(QStringLiteral("1"), Inbox);
-    MailServerIds ids(Account);
-    ids.lookUp({ { Inbox, QStringLiteral("1") }, { Archive, QStringLiteral("2") } });
+    const MailServerIds ids = *MailServerIds::lookUp(Account, { { Inbox, First }, { Archive, Second } });
     // As a reply's own deletes do before its adds are named.
     EasDatabase::instance()->removeAccount(Account);
     addRow(QStringLiteral("2"), Inbox);
-    QVERIFY(ids.contains(QStringLiteral("1")));
-    QCOMPARE(ids.kept(Archive, QStringLiteral("2")), QStringLiteral("2"));
-    QVERIFY(!ids.contains(QStringLiteral("2")));
+    QVERIFY(ids.contains(KeptEmailId::plain(First)));
+    QCOMPARE(ids.kept(Archive, Second).text(), QStringLiteral("2"));
+    QVERIFY(!ids.contains(KeptEmailId::plain(Second)));
 }
 
 void MailServerIdsTest::aReplyMayHoldMoreThanOneStatementTakes()
@@ -112,13 +113,11 @@ void MailServerIdsTest::aReplyMayHoldMoreThanOneStatementTakes()
     addRow(QStringLiteral("5000"), Inbox);
     QList<MailServerIds::Item> items;
     for (int number = 1; number <= 5000; ++number)
-        items.append({ Archive, QString::number(number) });
-    MailServerIds ids(Account);
-    ids.lookUp(items);
-    QVERIFY(!ids.lookupFailed());
-    QVERIFY(ids.contains(QStringLiteral("1")));
-    QVERIFY(ids.contains(QStringLiteral("5000")));
-    QVERIFY(!ids.contains(QStringLiteral("2500")));
+        items.append({ Archive, WireEmailId(QString::number(number)) });
+    const MailServerIds ids = *MailServerIds::lookUp(Account, items);
+    QVERIFY(ids.contains(KeptEmailId(QStringLiteral("1"))));
+    QVERIFY(ids.contains(KeptEmailId(QStringLiteral("5000"))));
+    QVERIFY(!ids.contains(KeptEmailId(QStringLiteral("2500"))));
 }
 
 FENNEL_REGISTER_TEST(MailServerIdsTest)

@@ -9,6 +9,7 @@
 #include "requests/syncstate.h"
 #include "requests/uploadresultscene.h"
 #include "support/fakeconfigurations.h"
+#include "support/hiddentable.h"
 #include "support/logcollector.h"
 #include "support/stubcalendarstorage.h"
 #include "support/stubcontactstorage.h"
@@ -58,17 +59,17 @@ private:
 
     SyncCollection calendar()
     {
-        return SyncCollectionBuilder(*mAccount, mState)
-            .setupSyncCollection(folder("9", EasFolderItem::DefaultCalendarFolder));
+        return *SyncCollectionBuilder(*mAccount, mState)
+                    .setupSyncCollection(folder("9", EasFolderItem::DefaultCalendarFolder));
     }
     SyncCollection contacts()
     {
-        return SyncCollectionBuilder(*mAccount, mState)
-            .setupSyncCollection(folder("3", EasFolderItem::DefaultContactsFolder));
+        return *SyncCollectionBuilder(*mAccount, mState)
+                    .setupSyncCollection(folder("3", EasFolderItem::DefaultContactsFolder));
     }
     SyncCollection ofType(EasFolderItem::FolderType type)
     {
-        return SyncCollectionBuilder(*mAccount, mState).setupSyncCollection(folder("5", type));
+        return *SyncCollectionBuilder(*mAccount, mState).setupSyncCollection(folder("5", type));
     }
     static QList<int> previews(const SyncCollection &collection)
     {
@@ -217,7 +218,7 @@ private Q_SLOTS:
         mCalendar->localAdded = { item<EasCalendarItem>("new") };
         EasFolderItem initial = folder("9", EasFolderItem::DefaultCalendarFolder);
         initial.setSyncKey(QString());
-        QVERIFY(types(SyncCollectionBuilder(*mAccount, mState).setupSyncCollection(initial)).isEmpty());
+        QVERIFY(types(*SyncCollectionBuilder(*mAccount, mState).setupSyncCollection(initial)).isEmpty());
         QVERIFY(mCalendar->calls.isEmpty());
     }
 
@@ -237,12 +238,20 @@ private Q_SLOTS:
             log.contains(QtWarningMsg, { QStringLiteral("Failed to retreive changes in local contacts") }));
     }
 
+    void whereLocalChangesCannotBeReadThereIsNoCollection()
+    {
+        const HiddenTable hidden("collections");
+        SyncCollectionBuilder builder(*mAccount, mState);
+        QVERIFY(!builder.setupSyncCollection(folder("9", EasFolderItem::DefaultCalendarFolder)));
+        QVERIFY(builder.setupSyncCollection(folder("3", EasFolderItem::DefaultContactsFolder)));
+    }
+
     void aFolderWithoutALocalOneSendsNothing()
     {
         const LogCollector log;
         const SyncCollection collection =
-            SyncCollectionBuilder(*mAccount, mState)
-                .setupSyncCollection(folder("8", EasFolderItem::UserCreatedCalendarFolder));
+            *SyncCollectionBuilder(*mAccount, mState)
+                 .setupSyncCollection(folder("8", EasFolderItem::UserCreatedCalendarFolder));
         QVERIFY(types(collection).isEmpty());
         QVERIFY(log.contains(
             QtWarningMsg, { QStringLiteral("No local folder for serverId:"), QStringLiteral("8") }));

@@ -39,8 +39,8 @@ private:
     QString chosen(int service, const QStringList &localFolderIds = {})
     {
         SyncFolderSelection selection(*mAccount);
-        const QStringList ids = selection.serverIds(service, localFolderIds);
-        return selection.lookupFailed() ? QStringLiteral("failed") : ids.join(QLatin1Char(','));
+        const Lookup<QStringList> ids = selection.serverIds(service, localFolderIds);
+        return ids ? ids->join(QLatin1Char(',')) : QStringLiteral("failed");
     }
 
 private Q_SLOTS:

@@ -5,6 +5,7 @@
 #include "storages/contacts/contactavatars.h"
 #include "storages/uniqueidgenerationusecase.h"
 #include "support/contactaccount.h"
+#include "support/hiddentable.h"
 #include "support/logcollector.h"
 #include "support/privatebus.h"
 #include "support/storedatabase.h"
@@ -107,6 +108,22 @@ private Q_SLOTS:
         const LogCollector log;
         QVERIFY(account.storage().cleanUpFolder(account.folder()));
         QVERIFY(log.contains(QStringLiteral("unable to find contact collection for removed folder: ")));
+    }
+
+    void aDeletedFolderStaysWhileItsRowCannotBeRead()
+    {
+        ContactAccount account;
+        account.addFolder();
+        QVERIFY(account.receive({ account.item(QStringLiteral("1"), QStringLiteral("Ada")) }));
+        QList<EasFolderItem> none;
+        {
+            const HiddenTable hidden("collections");
+            // The row and the key of the hierarchy would go with what is called removed.
+            QVERIFY(!account.storage().updateFolders(none, none, { account.folderId() }));
+        }
+        QCOMPARE(account.names(), QStringList(QStringLiteral("Ada")));
+        QVERIFY(account.storage().updateFolders(none, none, { account.folderId() }));
+        QVERIFY(account.store.manager().contactIds().isEmpty());
     }
 
     void aStoreThatCannotBeOpenedTakesNothing()

@@ -3,6 +3,7 @@
 #include "application/mapping/easdatabase.h"
 #include "protocol/wbxml/wbxmltokens.h"
 #include "storages/mail/mailpendingmarks.h"
+#include "support/hiddentable.h"
 #include "support/logcollector.h"
 #include "support/mailfixture.h"
 #include "support/testmain.h"
@@ -67,9 +68,32 @@ private Q_SLOTS:
         const QMailFolderId inbox = mail.addFolder("5");
         mail.addMessage(mail.item("5:1", "5"));
         const Changes changes(mail);
-        QVERIFY(changes->updatedEmails(text(inbox)).isEmpty());
-        QVERIFY(changes->movedEmails().isEmpty());
-        QVERIFY(changes->deletedEmails(text(inbox)).isEmpty());
+        QVERIFY(changes->updatedEmails(text(inbox))->isEmpty());
+        QVERIFY(changes->movedEmails()->isEmpty());
+        QVERIFY(changes->deletedEmails(text(inbox))->isEmpty());
+    }
+
+    void changesAreUnreadWhileTheMappingCannotTellThem()
+    {
+        MailFixture mail;
+        const QMailFolderId inbox = mail.addFolder("5");
+        const QMailFolderId archive = mail.addFolder("6");
+        const QMailMessageId read = mail.addMessage(mail.item("5:1", "5"));
+        mail.setStatus(read, QMailMessage::Read, false);
+        QMailDisconnected::moveToFolder(
+            QMailMessageIdList { mail.addMessage(mail.item("5:2", "5")) }, archive);
+        QVERIFY(mail.context.store->removeMessage(
+            mail.addMessage(mail.item("5:3", "5")), QMailStore::CreateRemovalRecord));
+        const Changes changes(mail);
+        {
+            const HiddenTable hidden("emails");
+            QVERIFY(!changes->movedEmails());
+            QVERIFY(!changes->deletedEmails(text(inbox)));
+        }
+        const HiddenTable hidden("collections");
+        QVERIFY(!changes->updatedEmails(text(inbox)));
+        QVERIFY(!changes->movedEmails());
+        QVERIFY(!changes->deletedEmails(text(inbox)));
     }
 
     void readMarksThatTheServerDoesNotKnowAreChanges()
@@ -87,14 +111,14 @@ private Q_SLOTS:
         mail.setStatus(nowUnread, QMailMessage::Read, false);
         mail.setStatus(elsewhere, QMailMessage::Read, false);
 
-        const QList<EasEmailItem> items = Changes(mail)->updatedEmails(text(inbox));
+        const QList<EasEmailItem> items = *Changes(mail)->updatedEmails(text(inbox));
         QCOMPARE(serverIds(items), QStringList({ "5:1", "5:2" }));
         for (const EasEmailItem &item : items) {
             QCOMPARE(item.changedFields(), QList<uint> { Wbxml::Email::Read });
             QCOMPARE(item.read(), item.serverId() == "5:1");
             QCOMPARE(item.collectionId(), QStringLiteral("5"));
         }
-        QCOMPARE(serverIds(Changes(mail)->updatedEmails(text(other))), QStringList { "6:1" });
+        QCOMPARE(serverIds(*Changes(mail)->updatedEmails(text(other))), QStringList { "6:1" });
     }
 
     void aMarkWhoseMessageTheServerHasElsewhereWaitsForTheMove()
@@ -105,10 +129,10 @@ private Q_SLOTS:
         const QMailMessageId id = mail.addMessage(mail.item("7", "5"));
         mail.setStatus(id, QMailMessage::Read, false);
         QMailDisconnected::moveToFolder(QMailMessageIdList { id }, archive);
-        QVERIFY(Changes(mail)->updatedEmails(text(archive)).isEmpty());
-        QVERIFY(Changes(mail)->updatedEmails(text(inbox)).isEmpty());
+        QVERIFY(Changes(mail)->updatedEmails(text(archive))->isEmpty());
+        QVERIFY(Changes(mail)->updatedEmails(text(inbox))->isEmpty());
         QMailDisconnected::moveToFolder(QMailMessageIdList { id }, inbox);
-        QCOMPARE(serverIds(Changes(mail)->updatedEmails(text(inbox))), QStringList { "7" });
+        QCOMPARE(serverIds(*Changes(mail)->updatedEmails(text(inbox))), QStringList { "7" });
     }
 
     void whatTheServerDoesNotKnowIsNoChange()
@@ -120,7 +144,7 @@ private Q_SLOTS:
         draft.setParentFolderId(drafts);
         draft.setStatus(QMailMessage::Read, true);
         QVERIFY(mail.context.store->addMessage(&draft));
-        QVERIFY(Changes(mail)->updatedEmails(text(drafts)).isEmpty());
+        QVERIFY(Changes(mail)->updatedEmails(text(drafts))->isEmpty());
     }
 
     void aRemovalOfAnotherMessageOfThatNameIsNoChange()
@@ -133,7 +157,7 @@ private Q_SLOTS:
         QVERIFY(store->removeFolder(gone));
         QVERIFY(EasDatabase::instance()->clearEmailFolder(mail.accountId(), "6"));
         mail.addMessage(mail.item("7", "5"));
-        QVERIFY(Changes(mail)->deletedEmails(text(inbox)).isEmpty());
+        QVERIFY(Changes(mail)->deletedEmails(text(inbox))->isEmpty());
     }
 
     void addedMailIsThatOfTheFolder()
@@ -143,7 +167,7 @@ private Q_SLOTS:
         mail.addFolder("6");
         mail.addMessage(mail.item("5:1", "5"));
         mail.addMessage(mail.item("6:1", "6"));
-        QCOMPARE(serverIds(Changes(mail)->addedEmails(text(inbox))), QStringList { "5:1" });
+        QCOMPARE(serverIds(*Changes(mail)->addedEmails(text(inbox))), QStringList { "5:1" });
     }
 
     void aMoveIsFound()
@@ -153,7 +177,7 @@ private Q_SLOTS:
         const QMailFolderId archive = mail.addFolder("6");
         const QMailMessageId id = mail.addMessage(mail.item("5:1", "5"));
         QMailDisconnected::moveToFolder(QMailMessageIdList { id }, archive);
-        const QList<EasEmailItem> items = Changes(mail)->movedEmails();
+        const QList<EasEmailItem> items = *Changes(mail)->movedEmails();
         QCOMPARE(items.size(), 1);
         QCOMPARE(items.at(0).serverId(), QStringLiteral("5:1"));
         QCOMPARE(items.at(0).sourceFolderId(), QStringLiteral("5"));
@@ -169,7 +193,7 @@ private Q_SLOTS:
         const QMailFolderId unknown = mail.addStoreFolder("unknown");
         const QMailMessageId id = mail.addMessage(mail.item("5:1", "5"));
         QMailDisconnected::moveToFolder(QMailMessageIdList { id }, unknown);
-        QVERIFY(Changes(mail)->movedEmails().isEmpty());
+        QVERIFY(Changes(mail)->movedEmails()->isEmpty());
         QVERIFY(log.contains(QtWarningMsg, { "failed to create a valid item from message with id" }));
     }
 
@@ -185,12 +209,12 @@ private Q_SLOTS:
         moveInTheMapping(mail);
 
         const Changes changes(mail);
-        QVERIFY(changes->movedEmails().isEmpty());
+        QVERIFY(changes->movedEmails()->isEmpty());
         QCOMPARE(mail.message(id).serverUid(), QStringLiteral("6:7"));
         QVERIFY(!mail.message(id).previousParentFolderId().isValid());
         QCOMPARE(mail.message(id).parentFolderId(), archive);
         // The read mark that has not gone up yet goes up under the new name.
-        QCOMPARE(serverIds(changes->updatedEmails(text(archive))), QStringList { "6:7" });
+        QCOMPARE(serverIds(*changes->updatedEmails(text(archive))), QStringList { "6:7" });
     }
 
     void aMessageThatWasMovedOnAfterAnInterruptedMoveGoesOnFromThere()
@@ -204,7 +228,7 @@ private Q_SLOTS:
         moveInTheMapping(mail);
         QMailDisconnected::moveToFolder(QMailMessageIdList { id }, drawer);
 
-        const QList<EasEmailItem> items = Changes(mail)->movedEmails();
+        const QList<EasEmailItem> items = *Changes(mail)->movedEmails();
         QCOMPARE(items.size(), 1);
         QCOMPARE(items.at(0).serverId(), QStringLiteral("6:7"));
         QCOMPARE(items.at(0).sourceFolderId(), QStringLiteral("6"));
@@ -233,7 +257,7 @@ private Q_SLOTS:
         EasEmailItem nameless = mail.item(QString(), "5");
         QVERIFY(remove(mail.addMessage(nameless)));
 
-        QCOMPARE(Changes(mail)->deletedEmails(text(inbox)), QStringList { "5:1" });
+        QCOMPARE(KeptEmailId::texts(*Changes(mail)->deletedEmails(text(inbox))), QStringList { "5:1" });
         QVERIFY(log.contains("serverUid is empty in Removal Record"));
     }
 };

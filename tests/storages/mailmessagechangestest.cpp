@@ -133,10 +133,9 @@ private Q_SLOTS:
         QMailMessage message = mail.message(mail.addMessage(mail.item("5:1", "5")));
         EasEmailItem change;
         change.appendChangedField(Wbxml::AirSync::CollectionId);
-        change.setCollectionId("unknown");
         MailMessageChanges(mail.context).setChangesToEmailMessage(message, change);
         QCOMPARE(message.parentFolderId(), inbox);
-        change.setCollectionId("6");
+        change.setLocalCollectionId(archive.toULongLong());
         MailMessageChanges(mail.context).setChangesToEmailMessage(message, change);
         QCOMPARE(message.parentFolderId(), archive);
     }
@@ -144,7 +143,7 @@ private Q_SLOTS:
     void aMoveOfTheUsersIsNotTakenBack()
     {
         MailFixture mail;
-        mail.addFolder("5");
+        const QMailFolderId inbox = mail.addFolder("5");
         const QMailFolderId archive = mail.addFolder("6");
         const QMailFolderId third = mail.addFolder("7");
         const QMailMessageId id = mail.addMessage(mail.item("5:1", "5"));
@@ -152,10 +151,10 @@ private Q_SLOTS:
         QMailMessage message = mail.message(id);
         EasEmailItem change;
         change.appendChangedField(Wbxml::AirSync::CollectionId);
-        change.setCollectionId("5");
+        change.setLocalCollectionId(inbox.toULongLong());
         MailMessageChanges(mail.context).setChangesToEmailMessage(message, change);
         QCOMPARE(message.parentFolderId(), archive);
-        change.setCollectionId("7");
+        change.setLocalCollectionId(third.toULongLong());
         MailMessageChanges(mail.context).setChangesToEmailMessage(message, change);
         QCOMPARE(message.parentFolderId(), third);
     }

@@ -158,7 +158,7 @@ private Q_SLOTS:
         const QMailFolderId parent = mail.addFolder("1");
         mail.addFolder("2", EasFolderItem::UserCreatedMailFolder, parent);
         EasDatabase *database = EasDatabase::instance();
-        EasFolderItem keyed = database->folderItemByServerId(mail.accountId(), "2");
+        EasFolderItem keyed = *database->folderItemByServerId(mail.accountId(), "2");
         keyed.setServerParentId("1");
         keyed.setSyncKey("17");
         keyed.appendChangedField(Wbxml::FolderHierarchy::ParentId);
@@ -168,8 +168,8 @@ private Q_SLOTS:
         QVERIFY(mail.context.store->removeFolder(parent));
 
         const MailStorageImpl storage(&mail.account);
-        const EasFolderItem first = database->folderItemByServerId(mail.accountId(), "1");
-        const EasFolderItem second = database->folderItemByServerId(mail.accountId(), "2");
+        const EasFolderItem first = *database->folderItemByServerId(mail.accountId(), "1");
+        const EasFolderItem second = *database->folderItemByServerId(mail.accountId(), "2");
         const QMailFolder folder = mail.context.store->folder(QMailFolderId(second.localId().toULongLong()));
         QVERIFY(folder.id().isValid());
         QCOMPARE(text(folder.parentFolderId()), first.localId());
@@ -346,9 +346,9 @@ private Q_SLOTS:
             mail.addMessage(mail.item("5:1", "5")), QMailStore::CreateRemovalRecord));
         MailStorageImpl storage(&mail.account);
         QVERIFY(storage.purgeDeletedEmails({}));
-        QCOMPARE(storage.deletedEmails(text(inbox)), QStringList { "5:1" });
-        QVERIFY(storage.purgeDeletedEmails({ "5:1" }));
-        QVERIFY(storage.deletedEmails(text(inbox)).isEmpty());
+        QCOMPARE(KeptEmailId::texts(*storage.deletedEmails(text(inbox))), QStringList { "5:1" });
+        QVERIFY(storage.purgeDeletedEmails({ KeptEmailId("5:1") }));
+        QVERIFY(storage.deletedEmails(text(inbox))->isEmpty());
     }
 
     void repliesAndForwardsAreTold_data()
@@ -453,11 +453,11 @@ private Q_SLOTS:
         const QString inbox = text(mail.addFolder("5"));
         const QMailMessageId id = mail.addMessage(mail.item("5:1", "5"));
         MailStorageImpl storage(&mail.account);
-        QVERIFY(storage.updatedEmails(inbox).isEmpty());
+        QVERIFY(storage.updatedEmails(inbox)->isEmpty());
         mail.setStatus(id, QMailMessage::Read, false);
-        QCOMPARE(storage.updatedEmails(inbox).size(), 1);
+        QCOMPARE(storage.updatedEmails(inbox)->size(), 1);
         storage.lookForChangesAnew();
-        QCOMPARE(storage.updatedEmails(inbox).size(), 1);
+        QCOMPARE(storage.updatedEmails(inbox)->size(), 1);
     }
 
     void aFetchedBodyNeverTakesThePlaceOfAFullerOne_data()

@@ -63,23 +63,23 @@ const NamedOperation operations[] = {
         } },
     { "addedEmails",
         [](MailStorageImpl &storage) {
-            return storage.addedEmails("1").isEmpty();
+            return storage.addedEmails("1")->isEmpty();
         } },
     { "updatedEmails",
         [](MailStorageImpl &storage) {
-            return storage.updatedEmails("1").isEmpty();
+            return storage.updatedEmails("1")->isEmpty();
         } },
     { "movedEmails",
         [](MailStorageImpl &storage) {
-            return storage.movedEmails().isEmpty();
+            return storage.movedEmails()->isEmpty();
         } },
     { "deletedEmails",
         [](MailStorageImpl &storage) {
-            return storage.deletedEmails("1").isEmpty();
+            return storage.deletedEmails("1")->isEmpty();
         } },
     { "purgeDeletedEmails",
         [](MailStorageImpl &storage) {
-            return !storage.purgeDeletedEmails({ "1" });
+            return !storage.purgeDeletedEmails({ KeptEmailId("1") });
         } },
     { "deleteEmailsByLocalIds",
         [](MailStorageImpl &storage) {

@@ -51,11 +51,11 @@ public:
     }
     bool addSearchResults(QList<EasEmailItem> &, QList<quint64> &) override { return false; }
     bool successfullyUpdatedEmails(QList<EasEmailItem> &) override { return false; }
-    QList<EasEmailItem> addedEmails(const QString &) override { return {}; }
-    QList<EasEmailItem> updatedEmails(const QString &) override { return {}; }
-    QList<EasEmailItem> movedEmails() override { return {}; }
-    QStringList deletedEmails(const QString &) override { return {}; }
-    bool purgeDeletedEmails(const QStringList &) override { return false; }
+    Lookup<QList<EasEmailItem>> addedEmails(const QString &) override { return QList<EasEmailItem>(); }
+    Lookup<QList<EasEmailItem>> updatedEmails(const QString &) override { return QList<EasEmailItem>(); }
+    Lookup<QList<EasEmailItem>> movedEmails() override { return QList<EasEmailItem>(); }
+    Lookup<QList<KeptEmailId>> deletedEmails(const QString &) override { return QList<KeptEmailId>(); }
+    bool purgeDeletedEmails(const QList<KeptEmailId> &) override { return false; }
     QList<EasFolderItem> addedFolders() override { return {}; }
     bool purgeAddedFolders() override { return false; }
     QStringList deletedFolders() override { return {}; }
@@ -108,5 +108,5 @@ public:
         return true;
     }
     void cleanUpFolder(const EasFolderItem &) override {}
-    std::optional<QList<EasFolderItem>> foldersToSynchronize() override { return QList<EasFolderItem>(); }
+    Lookup<QList<EasFolderItem>> foldersToSynchronize() override { return QList<EasFolderItem>(); }
 };

@@ -3,12 +3,9 @@
 
 namespace {
 
-bool latestReadingFailed = false;
-
 /** False after an error, which is logged. */
 bool complete(const DatabaseStatement &statement, const StatementFailure &failure, const QString &subject)
 {
-    latestReadingFailed = statement.failed();
     if (!statement.failed())
         return true;
     return subject.isNull() ? statement.fail(failure) : statement.fail(failure, subject);
@@ -49,18 +46,18 @@ Lookup<QStringList> DatabaseReading::texts(DatabaseStatement &statement, const S
     return eachRow(statement, failure, take) ? Lookup<QStringList>(read) : Lookup<QStringList>::unread();
 }
 
+bool DatabaseReading::addToMap(
+    DatabaseStatement &statement, int keyColumn, const StatementFailure &failure, QMap<QString, QString> *map)
+{
+    return eachRow(statement, failure, [map, keyColumn](const DatabaseStatement &row) {
+        map->insert(row.text(keyColumn), row.text(1 - keyColumn));
+    });
+}
+
 Lookup<QMap<QString, QString>> DatabaseReading::map(
     DatabaseStatement &statement, int keyColumn, const StatementFailure &failure)
 {
     using Map = QMap<QString, QString>;
     Map read;
-    const auto take = [&read, keyColumn](const DatabaseStatement &row) {
-        read.insert(row.text(keyColumn), row.text(1 - keyColumn));
-    };
-    return eachRow(statement, failure, take) ? Lookup<Map>(read) : Lookup<Map>::unread();
-}
-
-bool DatabaseReading::latestFailed()
-{
-    return latestReadingFailed;
+    return addToMap(statement, keyColumn, failure, &read) ? Lookup<Map>(read) : Lookup<Map>::unread();
 }

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include "application/base/lookup.h"
 #include "application/mapping/databasestatement.h"
-#include "application/mapping/lookup.h"
 
 #include <QList>
 #include <QMap>
@@ -60,11 +60,12 @@ Lookup<QString> text(DatabaseStatement &statement, const StatementFailure &failu
 /** The first column of each row. */
 Lookup<QStringList> texts(DatabaseStatement &statement, const StatementFailure &failure);
 
-/** One of two columns by the other, which is `keyColumn`. */
+/** Adds one of two columns by the other, which is `keyColumn`. False if not all rows could be read. */
+[[nodiscard]] bool addToMap(DatabaseStatement &statement, int keyColumn, const StatementFailure &failure,
+    QMap<QString, QString> *map);
+
+/** The same with a map of its own. */
 Lookup<QMap<QString, QString>> map(
     DatabaseStatement &statement, int keyColumn, const StatementFailure &failure);
-
-/** Goes away with EasDatabase::lookupFailed(). */
-bool latestFailed();
 
 } // namespace DatabaseReading

@@ -10,6 +10,13 @@
 
 #include <algorithm>
 
+namespace {
+
+// Older libraries take no more values in a statement.
+constexpr int MaxValuesOfStatement = 999;
+
+} // namespace
+
 DatabaseStatement::DatabaseStatement(const QSqlDatabase &database, const QString &sql)
     : mQuery(database)
 {
@@ -58,6 +65,28 @@ bool DatabaseStatement::runBatch()
         mQuery.addBindValue(column);
     mFailed = !mQuery.execBatch();
     return !mFailed;
+}
+
+bool DatabaseStatement::insertRows(const QSqlDatabase &database, const QString &into, const QString &row,
+    const QList<QVariantList> &columns, const StatementFailure &failure, EasAccountId accountId)
+{
+    const int count = columns.constFirst().size();
+    const int rowsOfStatement = MaxValuesOfStatement / columns.size();
+    for (int first = 0; first < count; first += rowsOfStatement) {
+        const int end = qMin(count, first + rowsOfStatement);
+        QStringList rows;
+        for (int i = first; i < end; ++i)
+            rows.append(row);
+        DatabaseStatement insert(
+            database, into + QStringLiteral(" VALUES ") + rows.join(QStringLiteral(", ")));
+        for (int i = first; i < end; ++i) {
+            for (const QVariantList &column : columns)
+                insert.bind(column.at(i));
+        }
+        if (!insert.run())
+            return insert.fail(failure, accountId);
+    }
+    return true;
 }
 
 bool DatabaseStatement::next()

@@ -49,6 +49,13 @@ public:
     /** Runs the statement once for each row of the bound columns; what ran before a failure stays. */
     bool runBatch();
 
+    /**
+     * Inserts rows, given by their columns, in as few statements as possible, each of which is all or
+     * nothing: `into` is "INSERT INTO table", `row` is "(NULL, ?, ?)" with a place for each column.
+     */
+    static bool insertRows(const QSqlDatabase &database, const QString &into, const QString &row,
+        const QList<QVariantList> &columns, const StatementFailure &failure, EasAccountId accountId);
+
     /** Steps to the next row. False at the end of the rows, and on an error: failed() tells them apart. */
     bool next();
     bool failed() const;

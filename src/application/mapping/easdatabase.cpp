@@ -4,15 +4,15 @@
 #include "application/base/clock.h"
 #include "application/base/logging.h"
 #include "application/mapping/databasereading.h"
-#include "application/mapping/databasestatement.h"
+#include "application/mapping/databaseschema.h"
+#include "easitems/containers/attachmententity.h"
+#include "easitems/containers/easattachmentcontainer.h"
+#include "protocol/base/protocolutils.h"
 
 #include <QCoreApplication>
-#include <QDir>
-#include <QSqlError>
 
 namespace {
 
-const char ConnectionName[] = "fennel-eas-db";
 const char DefaultPath[] = ".local/share/system/privileged/eas-fennel/";
 const char DefaultName[] = "fennel_eas.db";
 constexpr uint ReleaseTimeout = 60000;
@@ -56,6 +56,12 @@ void EasDatabase::releaseInstance()
 
 EasDatabase::EasDatabase(QObject *parent)
     : QObject(parent)
+    , mAccounts(mConnection.database())
+    , mFolders(mConnection.database())
+    , mMail(mConnection.database())
+    , mEvents(mConnection.database())
+    , mContacts(mConnection.database())
+    , mAttachments(mConnection.database())
 {
     mReleaseTimer.setSingleShot(true);
     connect(&mReleaseTimer, &QTimer::timeout, this, &EasDatabase::onReleaseDatabaseTimer);
@@ -63,13 +69,9 @@ EasDatabase::EasDatabase(QObject *parent)
 
 EasDatabase::~EasDatabase()
 {
-    // The application object may destroy the instance as its child; nobody may find it afterwards.
+    // The application object may destroy the instance as its child; nothing may find it afterwards.
     if (easDatabaseInstance == this)
         easDatabaseInstance = nullptr;
-    // No handle may be alive when the connection is removed.
-    mDatabase.close();
-    mDatabase = QSqlDatabase();
-    QSqlDatabase::removeDatabase(QLatin1String(ConnectionName));
 }
 
 void EasDatabase::init(const char *path, const char *name)
@@ -80,8 +82,8 @@ void EasDatabase::init(const char *path, const char *name)
 void EasDatabase::initializeDB(const char *path, const char *name)
 {
     qCInfo(eas()) << "Initialize EAS data base";
-    initializeDbConnection(path, name);
-    if (!mDatabase.isValid()) {
+    mConnection.initialize(QString::fromUtf8(path), QString::fromUtf8(name));
+    if (!mConnection.database().isValid()) {
         qCCritical(eas()) << "invalid Eas Database connection";
         return;
     }
@@ -92,45 +94,13 @@ void EasDatabase::prepareTables()
 {
     // First of all: what a step asks may ask for the instance in its turn.
     mTablesMissing = false;
-    if (upgradeDb())
-        mTablesMissing = !createTables();
-    else
-        qCCritical(eas()) << "failed to migrate existing DB to the latest DB version";
-}
-
-void EasDatabase::initializeDbConnection(const char *path, const char *name)
-{
-    mDatabase = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QLatin1String(ConnectionName));
-    mFolder = QDir::homePath() + QDir::separator() + QString::fromUtf8(path);
-    mFile = QDir::toNativeSeparators(QDir(mFolder).filePath(QString::fromUtf8(name)));
-    if (nameFile() && !mDatabase.open())
-        qCCritical(eas()) << "can't open EAS Database. Error:" << mDatabase.lastError().text();
-}
-
-bool EasDatabase::nameFile()
-{
-    if (!QDir().mkpath(mFolder)) {
-        qCCritical(eas()) << "can't create path:" << mFolder;
-        return false;
-    }
-    qCInfo(eas()) << "EAS DB:" << mFile;
-    mDatabase.setDatabaseName(mFile);
-    return true;
-}
-
-bool EasDatabase::openDbConnection()
-{
-    if (mDatabase.isOpen())
-        return true;
-    // Without a name the driver would open a temporary file of its own and lose what it is given.
-    const bool isNamed = !mDatabase.databaseName().isEmpty() || nameFile();
-    return isNamed && mDatabase.open();
+    mTablesMissing = DatabaseSchema(mConnection.database()).prepare() == DatabaseSchema::Result::TryAgain;
 }
 
 void EasDatabase::startDataBaseTimer(uint milliseconds)
 {
     // What hindered the start, a full disk for one, may be over.
-    if (!openDbConnection())
+    if (!mConnection.open())
         qCCritical(eas()) << "failed to open DB connection";
     else if (mTablesMissing)
         prepareTables();
@@ -139,38 +109,100 @@ void EasDatabase::startDataBaseTimer(uint milliseconds)
 
 void EasDatabase::onReleaseDatabaseTimer()
 {
-    mDatabase.close();
+    mConnection.close();
     qCInfo(eas()) << "database is released";
 }
 
-bool EasDatabase::lookupFailed() const
+void EasDatabase::onAccountAdded(EasAccountId accountId)
 {
-    return DatabaseReading::latestFailed();
+    startDataBaseTimer(ReleaseTimeout);
+    mAccounts.initialize(accountId);
 }
 
-bool EasDatabase::deleteItems(
-    const char *table, EasAccountId accountId, const QStringList &serverIds, const StatementFailure &failure)
+void EasDatabase::onAccountDeleted(EasAccountId accountId)
 {
-    if (serverIds.isEmpty())
-        return true;
-    DatabaseStatement statement(mDatabase,
-        QStringLiteral("DELETE FROM %1 WHERE server_id=? AND account_id=%2")
-            .arg(QLatin1String(table))
-            .arg(accountId));
-    statement.bindColumn(QVariant(serverIds).toList());
-    return statement.runBatch() || statement.fail(failure, accountId);
+    startDataBaseTimer(ReleaseTimeout);
+    mAccounts.removeDeleted({ accountId });
 }
 
-bool EasDatabase::clearFolder(EasAccountId accountId, const QString &collectionId, const char *table,
-    const char *collectionColumn, const char *accountColumn)
+Lookup<EasDatabase::AppDataType> EasDatabase::getAppDataType(const QString &serverId)
 {
-    DatabaseStatement statement(mDatabase,
-        QStringLiteral("DELETE FROM %1 WHERE %2=? AND %3=%4")
-            .arg(QLatin1String(table), QLatin1String(collectionColumn), QLatin1String(accountColumn))
-            .arg(accountId));
-    if (statement.bind(collectionId).run())
-        return true;
-    qCCritical(eas()) << "can't delete items for account" << accountId << "in folder" << collectionId
-                      << ", table" << table << ". Error:" << statement.errorText();
-    return false;
+    DatabaseStatement select(mConnection.database(),
+        QStringLiteral("SELECT 2 FROM contacts WHERE server_id = :server_id_value "
+                       "UNION SELECT 1 FROM emails WHERE server_id = :server_id_value "
+                       "UNION SELECT 3 FROM calendar WHERE server_id = :server_id_value"));
+    select.bind(QStringLiteral(":server_id_value"), serverId);
+    const StatementFailure failure("Can't exec getAppDataType() query for serverId:",
+        "Can't prepare getAppDataType() query for serverId:");
+    return DatabaseReading::value(
+        select, failure, AppDataNone,
+        [](const DatabaseStatement &row) { return AppDataType(row.value(0).toInt()); }, serverId);
+}
+
+void EasDatabase::removeAccount(EasAccountId accountId)
+{
+    startDataBaseTimer(ReleaseTimeout);
+    mAccounts.remove(accountId);
+}
+
+bool EasDatabase::clearAccount(EasAccountId accountId)
+{
+    startDataBaseTimer(ReleaseTimeout);
+    return mAccounts.clear(accountId);
+}
+
+bool EasDatabase::finishClearingAccount(EasAccountId accountId)
+{
+    const Lookup<QString> key = folderSyncKey(accountId);
+    if (!key || *key != ProtocolUtils::InitialSyncKey)
+        return bool(key);
+    const Lookup<QMap<QString, QString>> folders = serverToLocalFolderIds(accountId);
+    const Lookup<QMap<QString, QString>> messages = serverToLocalEmailIds(accountId);
+    if (!folders || !messages)
+        return false;
+    QStringList left = folders->keys() + messages->keys();
+    left.removeAll(QString()); // the hierarchy itself
+    return left.isEmpty() || clearAccount(accountId);
+}
+
+bool EasDatabase::cleanUp(const QList<quint64> &accountIds)
+{
+    const Lookup<QList<EasAccountId>> gone = mAccounts.othersThan(accountIds);
+    if (!gone || gone->isEmpty())
+        return bool(gone);
+    QStringList names;
+    for (const EasAccountId id : *gone)
+        names.append(QString::number(id));
+    qCInfo(eas()) << "accounts for clean up:" << names.join(QStringLiteral(", "));
+    return mAccounts.removeDeleted(*gone);
+}
+
+// Attachments of events
+
+bool EasDatabase::addCalendarAttachment(const QString &eventId, const AttachmentEntity &attachment)
+{
+    return mAttachments.add(eventId, attachment);
+}
+
+bool EasDatabase::updateCalendarAttachmentFileRefernce(
+    const QString &eventId, const AttachmentEntity &attachment)
+{
+    return mAttachments.updateFileReference(eventId, attachment);
+}
+
+Lookup<std::optional<EasAttachmentContainer>> EasDatabase::getAttachmentByFileReference(
+    const QString &eventId, const QString &fileReference)
+{
+    return mAttachments.byFileReference(eventId, fileReference);
+}
+
+Lookup<std::optional<EasAttachmentContainer>> EasDatabase::getAttachmentByContentId(
+    const QString &eventId, const QString &contentId)
+{
+    return mAttachments.byContentId(eventId, contentId);
+}
+
+Lookup<QList<EasAttachmentContainer>> EasDatabase::getCalendarAttachments(const QString &eventId)
+{
+    return mAttachments.ofEvent(eventId);
 }

@@ -1,14 +1,20 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
-#include "application/mapping/lookup.h"
+#include "application/base/lookup.h"
+#include "application/mapping/accountrows.h"
+#include "application/mapping/attachmentrows.h"
+#include "application/mapping/contactrows.h"
+#include "application/mapping/databaseconnection.h"
+#include "application/mapping/eventrows.h"
+#include "application/mapping/folderrows.h"
+#include "application/mapping/mailrows.h"
 #include "common/easaccountid.h"
 #include "easitems/easfolderitem.h"
 
 #include <QList>
 #include <QMap>
 #include <QObject>
-#include <QSqlDatabase>
 #include <QStringList>
 #include <QTimer>
 #include <QUrl>
@@ -16,12 +22,10 @@
 #include <optional>
 
 class AttachmentEntity;
-class DatabaseStatement;
 class EasAttachmentContainer;
 class EasCalendarItem;
 class EasContactsItem;
 class EasEmailItem;
-struct StatementFailure;
 
 /**
  * The engine's own memory of the server's world: which server identifier belongs to which local one, and the
@@ -33,7 +37,10 @@ struct StatementFailure;
  *
  * Every statement commits by itself. What protects against a crash is the order of the callers: store first,
  * then the rows here, and the sync key last. No failure stops the process: an operation that fails has logged
- * why and returns false or an empty result.
+ * why and returns false or an unread answer.
+ *
+ * The rows are the work of classes of their own (FolderRows, MailRows and so on); this class owns them, the
+ * connection, and the names under which the rest of the system asks.
  *
  * Main thread only.
  */
@@ -62,14 +69,20 @@ public:
 
     void startDataBaseTimer(uint milliseconds);
 
-    /** Goes away: whether the latest reading operation could not read. Ask its own answer. */
-    bool lookupFailed() const;
-
     // Accounts
-    Lookup<quint64> emailAccountId(EasAccountId accountId) const;
-    void setEmailAccountId(EasAccountId accountId, quint64 emailAccountId);
-    Lookup<QString> folderSyncKey(EasAccountId accountId) const;
-    bool setFolderSyncKey(EasAccountId accountId, const QString &syncKey);
+    Lookup<quint64> emailAccountId(EasAccountId accountId) const
+    {
+        return mAccounts.emailAccountId(accountId);
+    }
+    void setEmailAccountId(EasAccountId accountId, quint64 emailAccountId)
+    {
+        mAccounts.setEmailAccountId(accountId, emailAccountId);
+    }
+    Lookup<QString> folderSyncKey(EasAccountId accountId) const { return mAccounts.folderSyncKey(accountId); }
+    bool setFolderSyncKey(EasAccountId accountId, const QString &syncKey)
+    {
+        return mAccounts.setFolderSyncKey(accountId, syncKey);
+    }
     Lookup<AppDataType> getAppDataType(const QString &serverId);
     void removeAccount(EasAccountId accountId);
     /** Wipes the account's stores and rows, so that its next sync starts from nothing. */
@@ -80,83 +93,248 @@ public:
     bool cleanUp(const QList<quint64> &accountIds);
 
     // Folders
-    Lookup<EasFolderItem> folderItemByLocalId(EasAccountId accountId, const QString &localId) const;
-    Lookup<EasFolderItem> folderItemByServerId(EasAccountId accountId, const QString &serverId) const;
-    Lookup<QList<EasFolderItem>> emailFolderItems(EasAccountId accountId) const;
-    Lookup<QList<EasFolderItem>> calendarFolderItems(EasAccountId accountId) const;
+    Lookup<EasFolderItem> folderItemByLocalId(EasAccountId accountId, const QString &localId) const
+    {
+        return mFolders.byLocalId(accountId, localId);
+    }
+    Lookup<EasFolderItem> folderItemByServerId(EasAccountId accountId, const QString &serverId) const
+    {
+        return mFolders.byServerId(accountId, serverId);
+    }
+    Lookup<QList<EasFolderItem>> emailFolderItems(EasAccountId accountId) const
+    {
+        return mFolders.mailFolders(accountId);
+    }
+    Lookup<QList<EasFolderItem>> calendarFolderItems(EasAccountId accountId) const
+    {
+        return mFolders.calendarFolders(accountId);
+    }
     Lookup<QList<EasFolderItem>> folderItemsByFolderType(
-        EasAccountId accountId, EasFolderItem::FolderType type) const;
-    Lookup<EasFolderItem::FolderType> folderTypeByServerId(EasAccountId accountId, const QString &serverId);
-    Lookup<QMap<QString, QString>> serverToLocalFolderIds(EasAccountId accountId) const;
-    Lookup<QMap<QString, QString>> localToServerFolderIds(EasAccountId accountId) const;
+        EasAccountId accountId, EasFolderItem::FolderType type) const
+    {
+        return mFolders.byType(accountId, type);
+    }
+    Lookup<EasFolderItem::FolderType> folderTypeByServerId(EasAccountId accountId, const QString &serverId)
+    {
+        return mFolders.typeOf(accountId, serverId);
+    }
+    Lookup<QMap<QString, QString>> serverToLocalFolderIds(EasAccountId accountId) const
+    {
+        return mFolders.serverToLocalIds(accountId);
+    }
+    Lookup<QMap<QString, QString>> localToServerFolderIds(EasAccountId accountId) const
+    {
+        return mFolders.localToServerIds(accountId);
+    }
     /** The parent of each folder, by server identifiers. */
-    Lookup<QMap<QString, QString>> serverFolderParentIds(EasAccountId accountId) const;
-    bool addFolderItems(EasAccountId accountId, const QList<EasFolderItem> &items);
-    bool updateFolderItems(EasAccountId accountId, const QList<EasFolderItem> &items);
-    bool deleteFolderItems(EasAccountId accountId, const QStringList &serverIds);
+    Lookup<QMap<QString, QString>> serverFolderParentIds(EasAccountId accountId) const
+    {
+        return mFolders.parentIds(accountId);
+    }
+    bool addFolderItems(EasAccountId accountId, const QList<EasFolderItem> &items)
+    {
+        return mFolders.add(accountId, items);
+    }
+    bool updateFolderItems(EasAccountId accountId, const QList<EasFolderItem> &items)
+    {
+        return mFolders.update(accountId, items);
+    }
+    bool deleteFolderItems(EasAccountId accountId, const QStringList &serverIds)
+    {
+        return mFolders.remove(accountId, serverIds);
+    }
     bool folderItemsChanges(EasAccountId accountId, const QList<EasFolderItem> &added,
-        const QList<EasFolderItem> &updated, const QStringList &deletedServerIds);
-    bool setSavedInStorage(EasAccountId accountId, const QString &localId, bool saved);
+        const QList<EasFolderItem> &updated, const QStringList &deletedServerIds)
+    {
+        return addFolderItems(accountId, added) && updateFolderItems(accountId, updated)
+            && deleteFolderItems(accountId, deletedServerIds);
+    }
+    bool setSavedInStorage(EasAccountId accountId, const QString &localId, bool saved)
+    {
+        return mFolders.setSavedInStorage(accountId, localId, saved);
+    }
 
     // Mail
-    bool addEmailItems(EasAccountId accountId, const QList<EasEmailItem> &items);
-    bool updateEmailItems(EasAccountId accountId, const QList<EasEmailItem> &items);
+    bool addEmailItems(EasAccountId accountId, const QList<EasEmailItem> &items)
+    {
+        return mMail.add(accountId, items);
+    }
+    bool updateEmailItems(EasAccountId accountId, const QList<EasEmailItem> &items)
+    {
+        return mMail.update(accountId, items);
+    }
     /** Gives rows their new server identifier and folder after a move; the local identifier stays. */
-    bool updateMovedEmailItems(EasAccountId accountId, const QList<EasEmailItem> &items);
-    bool deleteEmailItems(EasAccountId accountId, const QStringList &serverIds);
+    bool updateMovedEmailItems(EasAccountId accountId, const QList<EasEmailItem> &items)
+    {
+        return mMail.updateMoved(accountId, items);
+    }
+    bool deleteEmailItems(EasAccountId accountId, const QStringList &serverIds)
+    {
+        return mMail.remove(accountId, serverIds);
+    }
     bool emailItemsChanges(EasAccountId accountId, const QList<EasEmailItem> &added,
-        const QList<EasEmailItem> &updated, const QStringList &deletedServerIds);
-    Lookup<QStringList> localEmailIds(EasAccountId accountId, const QString &collectionId) const;
-    Lookup<QMap<QString, QString>> serverToLocalEmailIds(EasAccountId accountId) const;
-    Lookup<QMap<QString, QString>> localToServerEmailIds(EasAccountId accountId) const;
+        const QList<EasEmailItem> &updated, const QStringList &deletedServerIds)
+    {
+        return addEmailItems(accountId, added) && updateEmailItems(accountId, updated)
+            && deleteEmailItems(accountId, deletedServerIds);
+    }
+    Lookup<QStringList> localEmailIds(EasAccountId accountId, const QString &collectionId) const
+    {
+        return mMail.localIds(accountId, collectionId);
+    }
+    Lookup<QMap<QString, QString>> serverToLocalEmailIds(EasAccountId accountId) const
+    {
+        return mMail.serverToLocalIds(accountId);
+    }
+    Lookup<QMap<QString, QString>> localToServerEmailIds(EasAccountId accountId) const
+    {
+        return mMail.localToServerIds(accountId);
+    }
+    /** Of these messages, by all server identifiers that each of them has: after a move it may have two. */
+    Lookup<QMap<QString, QString>> serverToLocalEmailIds(
+        EasAccountId accountId, const QStringList &serverIds) const
+    {
+        return mMail.serverToLocalIds(accountId, serverIds);
+    }
+    Lookup<QMap<QString, QString>> localToServerEmailIds(
+        EasAccountId accountId, const QStringList &localIds) const
+    {
+        return mMail.localToServerIds(accountId, localIds);
+    }
     /** The folder of each of these messages that has a row, by server identifiers. */
     Lookup<QMap<QString, QString>> emailCollectionIds(
-        EasAccountId accountId, const QStringList &serverIds) const;
-    Lookup<QString> folderServerIdByEmailServerId(EasAccountId accountId, const QString &serverId) const;
-    Lookup<QString> collectionServerIdFromEmailItemId(EasAccountId accountId, const QString &serverId);
-    bool clearEmailFolder(EasAccountId accountId, const QString &collectionId);
+        EasAccountId accountId, const QStringList &serverIds) const
+    {
+        return mMail.collectionIds(accountId, serverIds);
+    }
+    Lookup<QString> folderServerIdByEmailServerId(EasAccountId accountId, const QString &serverId) const
+    {
+        return mMail.collectionId(accountId, serverId);
+    }
+    Lookup<QString> collectionServerIdFromEmailItemId(EasAccountId accountId, const QString &serverId)
+    {
+        return mMail.collectionId(accountId, serverId);
+    }
+    bool clearEmailFolder(EasAccountId accountId, const QString &collectionId)
+    {
+        return mMail.clearFolder(accountId, collectionId);
+    }
 
     // Calendar
-    bool addCalendarItems(EasAccountId accountId, const QList<EasCalendarItem> &items);
-    bool updateCalendarItems(EasAccountId accountId, const QList<EasCalendarItem> &items);
-    bool deleteCalendarItems(EasAccountId accountId, const QStringList &serverIds);
+    bool addCalendarItems(EasAccountId accountId, const QList<EasCalendarItem> &items)
+    {
+        return mEvents.add(accountId, items);
+    }
+    bool updateCalendarItems(EasAccountId accountId, const QList<EasCalendarItem> &items)
+    {
+        return mEvents.update(accountId, items);
+    }
+    bool deleteCalendarItems(EasAccountId accountId, const QStringList &serverIds)
+    {
+        return mEvents.remove(accountId, serverIds);
+    }
     bool calendarItemsChanges(EasAccountId accountId, const QList<EasCalendarItem> &added,
         const QList<EasCalendarItem> &updated, const QStringList &deletedServerIds,
-        const QStringList &replacedServerIds);
-    Lookup<QStringList> localCalendarIds(EasAccountId accountId, const QString &collectionId) const;
-    Lookup<QMap<QString, QString>> serverToLocalCalendarIds(EasAccountId accountId) const;
-    Lookup<QMap<QString, QString>> localToServerCalendarIds(EasAccountId accountId) const;
-    Lookup<QMap<QString, QString>> serverCalendarIdToCollectionIds(EasAccountId accountId) const;
-    Lookup<QString> serverCalendarIdToCollectionId(EasAccountId accountId, const QString &serverId) const;
-    Lookup<QString> localToServerCalendarId(EasAccountId accountId, const QString &localId) const;
-    Lookup<uint> calendarItemUpdateTime(EasAccountId accountId, const QString &localId) const;
+        const QStringList &replacedServerIds)
+    {
+        return deleteCalendarItems(accountId, replacedServerIds) && addCalendarItems(accountId, added)
+            && updateCalendarItems(accountId, updated) && deleteCalendarItems(accountId, deletedServerIds);
+    }
+    Lookup<QStringList> localCalendarIds(EasAccountId accountId, const QString &collectionId) const
+    {
+        return mEvents.localIds(accountId, collectionId);
+    }
+    Lookup<QMap<QString, QString>> serverToLocalCalendarIds(EasAccountId accountId) const
+    {
+        return mEvents.serverToLocalIds(accountId);
+    }
+    Lookup<QMap<QString, QString>> localToServerCalendarIds(EasAccountId accountId) const
+    {
+        return mEvents.localToServerIds(accountId);
+    }
+    Lookup<QMap<QString, QString>> serverCalendarIdToCollectionIds(EasAccountId accountId) const
+    {
+        return mEvents.collectionIds(accountId);
+    }
+    Lookup<QString> serverCalendarIdToCollectionId(EasAccountId accountId, const QString &serverId) const
+    {
+        return mEvents.collectionId(accountId, serverId);
+    }
+    Lookup<QString> localToServerCalendarId(EasAccountId accountId, const QString &localId) const
+    {
+        return mEvents.serverId(accountId, localId);
+    }
+    Lookup<uint> calendarItemUpdateTime(EasAccountId accountId, const QString &localId) const
+    {
+        return mEvents.updateTime(accountId, localId);
+    }
     /** The same of all events of an account at once, without those that have no time. */
-    Lookup<QMap<QString, uint>> calendarItemUpdateTimes(EasAccountId accountId) const;
-    bool clearCalendarFolder(EasAccountId accountId, const QString &collectionId);
+    Lookup<QMap<QString, uint>> calendarItemUpdateTimes(EasAccountId accountId) const
+    {
+        return mEvents.updateTimes(accountId);
+    }
+    bool clearCalendarFolder(EasAccountId accountId, const QString &collectionId)
+    {
+        return mEvents.clearFolder(accountId, collectionId);
+    }
 
     // Contacts
     /** A contact that is there already, by server, folder and local identifier, is left as it is. */
-    bool addContactsItems(EasAccountId accountId, const QList<EasContactsItem> &items);
+    bool addContactsItems(EasAccountId accountId, const QList<EasContactsItem> &items)
+    {
+        return mContacts.add(accountId, items);
+    }
     /** A server may use an identifier of one folder in another one again. An empty collection means all
      * folders of the account, here and in the next ones. */
     bool updateContactsItems(
-        EasAccountId accountId, const QList<EasContactsItem> &items, const QString &collectionId = QString());
+        EasAccountId accountId, const QList<EasContactsItem> &items, const QString &collectionId = QString())
+    {
+        return mContacts.update(accountId, items, collectionId);
+    }
     bool deleteContactsItems(
-        EasAccountId accountId, const QStringList &serverIds, const QString &collectionId = QString());
+        EasAccountId accountId, const QStringList &serverIds, const QString &collectionId = QString())
+    {
+        return mContacts.remove(accountId, serverIds, collectionId);
+    }
     bool contactsItemsChanges(EasAccountId accountId, const QList<EasContactsItem> &added,
         const QList<EasContactsItem> &updated, const QStringList &deletedServerIds,
-        const QString &collectionId = QString());
-    Lookup<QStringList> localContactIds(EasAccountId accountId, const QString &collectionId) const;
+        const QString &collectionId = QString())
+    {
+        return addContactsItems(accountId, added) && updateContactsItems(accountId, updated, collectionId)
+            && deleteContactsItems(accountId, deletedServerIds, collectionId);
+    }
+    Lookup<QStringList> localContactIds(EasAccountId accountId, const QString &collectionId) const
+    {
+        return mContacts.localIds(accountId, collectionId);
+    }
     Lookup<QMap<QString, QString>> localToServerContactIds(
-        EasAccountId accountId, const QString &collectionId) const;
-    Lookup<QMap<QString, QString>> serverToLocalContactIds(EasAccountId accountId) const;
-    Lookup<QMap<QString, QUrl>> localContactIdsToAvatarsUrls(EasAccountId accountId) const;
+        EasAccountId accountId, const QString &collectionId) const
+    {
+        return mContacts.localToServerIds(accountId, collectionId);
+    }
+    Lookup<QMap<QString, QString>> serverToLocalContactIds(EasAccountId accountId) const
+    {
+        return mContacts.serverToLocalIds(accountId);
+    }
+    Lookup<QMap<QString, QUrl>> localContactIdsToAvatarsUrls(EasAccountId accountId) const
+    {
+        return mContacts.avatarUrls(accountId);
+    }
     /** The argument is the contact's server identifier, in spite of the name. */
-    Lookup<QString> folderServerIdByContactLocalId(EasAccountId accountId, const QString &serverId) const;
-    bool clearContactsFolder(EasAccountId accountId, const QString &collectionId);
+    Lookup<QString> folderServerIdByContactLocalId(EasAccountId accountId, const QString &serverId) const
+    {
+        return mContacts.collectionId(accountId, serverId);
+    }
+    bool clearContactsFolder(EasAccountId accountId, const QString &collectionId)
+    {
+        return mContacts.clearFolder(accountId, collectionId);
+    }
 
     // Attachments of events; an event is named by its local identifier
-    bool addCalendarAttachment(const QString &eventId, const EasAttachmentContainer &attachment);
+    bool addCalendarAttachment(const QString &eventId, const EasAttachmentContainer &attachment)
+    {
+        return mAttachments.add(eventId, attachment);
+    }
     bool addCalendarAttachment(const QString &eventId, const AttachmentEntity &attachment);
     Lookup<std::optional<EasAttachmentContainer>> getAttachmentByFileReference(
         const QString &eventId, const QString &fileReference);
@@ -164,15 +342,30 @@ public:
         const QString &eventId, const QString &contentId);
     Lookup<QList<EasAttachmentContainer>> getCalendarAttachments(const QString &eventId);
     bool updateCalendarAttachmentFileRefernce(
-        const QString &eventId, const EasAttachmentContainer &attachment);
+        const QString &eventId, const EasAttachmentContainer &attachment)
+    {
+        return mAttachments.updateFileReference(eventId, attachment);
+    }
     bool updateCalendarAttachmentFileRefernce(const QString &eventId, const AttachmentEntity &attachment);
-    bool updateCalendarAttachmentContentId(const QString &eventId, const EasAttachmentContainer &attachment);
-    bool deleteCalendarAttachmentByContentId(const QString &eventId, const QString &contentId);
-    bool deleteCalendarAttachmentByFileReference(const QString &eventId, const QString &fileReference);
+    bool updateCalendarAttachmentContentId(const QString &eventId, const EasAttachmentContainer &attachment)
+    {
+        return mAttachments.updateContentId(eventId, attachment);
+    }
+    bool deleteCalendarAttachmentByContentId(const QString &eventId, const QString &contentId)
+    {
+        return mAttachments.removeByContentId(eventId, contentId);
+    }
+    bool deleteCalendarAttachmentByFileReference(const QString &eventId, const QString &fileReference)
+    {
+        return mAttachments.removeByFileReference(eventId, fileReference);
+    }
     /** Whether the event has an attachment with this content identifier or file reference. */
-    Lookup<Existence> isCalendarAttachmentExists(const QString &eventId, const QString &uniqueId);
+    Lookup<Existence> isCalendarAttachmentExists(const QString &eventId, const QString &uniqueId)
+    {
+        return mAttachments.presence(eventId, uniqueId);
+    }
     /** Removes rows with a file reference whose event is in no account's mapping. */
-    bool deleteStrayCalendarAttachments();
+    bool deleteStrayCalendarAttachments() { return mAttachments.removeStrays(); }
 
 public Q_SLOTS:
     void onAccountAdded(EasAccountId accountId);
@@ -184,50 +377,19 @@ protected Q_SLOTS:
 private:
     explicit EasDatabase(QObject *parent);
 
-    // Connection
     void init(const char *path, const char *name);
     void initializeDB(const char *path, const char *name);
-    void initializeDbConnection(const char *path, const char *name);
-    bool nameFile();
-    bool openDbConnection();
     /** Brings the schema up to date, and makes the tables that are not there. */
     void prepareTables();
 
-    // Schema and migrations
-    bool createVersionsTable();
-    bool creationWasInterrupted(const QStringList &tables) const;
-    bool readDbVersion(int *version) const;
-    bool saveDbVersion(int version);
-    bool upgradeDb();
-    bool upgradeDbFrom(int version);
-    bool upgradeDbToVersion2();
-    bool upgradeDbToVersion3();
-    bool upgradeDbToVersion4();
-    bool upgradeDbToVersion5();
-    bool upgradeDbToVersion6();
-    bool upgradeDbToVersion7();
-    void stampCalendarItems();
-    bool rebuildContactsTable();
-    bool createTables();
-
-    // Statements
-    bool deleteItems(const char *table, EasAccountId accountId, const QStringList &serverIds,
-        const StatementFailure &failure);
-    bool clearFolder(EasAccountId accountId, const QString &collectionId, const char *table,
-        const char *collectionColumn, const char *accountColumn);
-
-    // Rows
-    void initializeAccount(EasAccountId accountId);
-    bool initializeAccountsTable(EasAccountId accountId, quint64 emailAccountId) const;
-    bool initializeCollectionsTable(EasAccountId accountId) const;
-    bool updateFolderItem(EasAccountId accountId, const EasFolderItem &item);
-    bool selectMovedEmailRows(
-        EasAccountId accountId, const QList<EasEmailItem> &items, QVariantList *rowIds) const;
-
-    QSqlDatabase mDatabase;
+    DatabaseConnection mConnection;
+    AccountRows mAccounts;
+    FolderRows mFolders;
+    MailRows mMail;
+    EventRows mEvents;
+    ContactRows mContacts;
+    AttachmentRows mAttachments;
     QTimer mReleaseTimer;
-    QString mFolder;
-    QString mFile;
     /** Tables could not be made, and the next use tries again. A file that no step can bring up to date waits
      * for the next start. */
     bool mTablesMissing = false;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
-#include "application/mapping/lookup.h"
+#include "application/base/lookup.h"
 #include "easitems/eascalendaritem.h"
 
 #include <KCalendarCore/Event>

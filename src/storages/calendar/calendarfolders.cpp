@@ -85,12 +85,12 @@ bool CalendarFolders::handleDeletedFolders(const QStringList &serverIds)
 {
     if (serverIds.isEmpty())
         return true;
-    EasDatabase *database = EasDatabase::instance();
-    const QMap<QString, QString> localIds = database->serverToLocalFolderIds(mContext.accountId());
-    if (database->lookupFailed())
+    const Lookup<QMap<QString, QString>> localIds =
+        EasDatabase::instance()->serverToLocalFolderIds(mContext.accountId());
+    if (!localIds)
         return false;
     for (const QString &serverId : serverIds) {
-        const QString uid = localIds.value(serverId);
+        const QString uid = localIds->value(serverId);
         if (!uid.isEmpty() && isOwn(mContext.storage->notebook(uid)) && !removeNotebook(uid))
             return false;
     }
@@ -182,10 +182,10 @@ void CalendarFolders::rollBackAddedFolderItems(QList<EasFolderItem> &items)
 bool CalendarFolders::repairFolders()
 {
     EasDatabase *database = EasDatabase::instance();
-    QList<EasFolderItem> rows = database->calendarFolderItems(mContext.accountId());
-    if (database->lookupFailed())
+    const Lookup<QList<EasFolderItem>> rows = database->calendarFolderItems(mContext.accountId());
+    if (!rows)
         return false;
-    for (EasFolderItem &row : rows) {
+    for (EasFolderItem row : *rows) {
         if (row.savedInStorage() && presentNotebook(row))
             continue;
         qCInfo(eas()) << "Making the notebook of folder" << row.serverId();
@@ -222,11 +222,14 @@ bool CalendarFolders::deleteEvent(const QString &localId) const
 
 bool CalendarFolders::cleanUpFolder(const EasFolderItem &folder) const
 {
-    EasDatabase *database = EasDatabase::instance();
-    QStringList localIds = database->localCalendarIds(mContext.accountId(), folder.serverId());
-    const Notebook::Ptr notebook = database->lookupFailed() ? Notebook::Ptr() : presentNotebook(folder);
+    const Lookup<QStringList> mapped =
+        EasDatabase::instance()->localCalendarIds(mContext.accountId(), folder.serverId());
+    if (!mapped)
+        return false;
+    const Notebook::Ptr notebook = presentNotebook(folder);
     if (!notebook)
-        return !database->lookupFailed();
+        return true;
+    QStringList localIds = *mapped;
     mContext.calendar->close();
     if (!mContext.storage->loadNotebookIncidences(notebook->uid()))
         return false;

@@ -36,12 +36,14 @@ void setStamps(QList<EasCalendarItem> &items, const QString &folder, const Calen
 bool CalendarItemStamps::update(const CalendarStoreContext &context, const QStringList &serverFolderIds,
     QList<EasCalendarItem> &added, QList<EasCalendarItem> &updated)
 {
-    const QMap<QString, QString> notebooks =
+    const Lookup<QMap<QString, QString>> notebooks =
         EasDatabase::instance()->serverToLocalFolderIds(context.accountId());
+    if (!notebooks)
+        return false;
     for (const QString &folder : serverFolderIds) {
         CalendarTimestamps timestamps(context);
         const QSet<QString> uids = uidsIn(folder, added) + uidsIn(folder, updated);
-        if (!timestamps.updateTimestampCache(notebooks.value(folder), uids)) {
+        if (!timestamps.updateTimestampCache(notebooks->value(folder), uids)) {
             qCWarning(eas()) << "Cant load notebook incidences for collection" << folder;
             return false;
         }

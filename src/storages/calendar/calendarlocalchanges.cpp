@@ -181,8 +181,11 @@ bool CalendarLocalChanges::queryLocalUpdates(const QString &folderId, qint64 aft
         qCCritical(eas()) << "No storage";
         return false;
     }
-    const EasDatabase *database = EasDatabase::instance();
-    const QMap<QString, QString> notebooks = database->serverToLocalFolderIds(mContext.accountId());
+    const Lookup<QMap<QString, QString>> known =
+        EasDatabase::instance()->serverToLocalFolderIds(mContext.accountId());
+    if (!known)
+        return false;
+    const QMap<QString, QString> &notebooks = *known;
     const QString notebookUid =
         notebooks.value(folderId, notebooks.key(folderId).isEmpty() ? QString() : folderId);
     if (notebookUid.isEmpty()) {
@@ -294,10 +297,12 @@ bool CalendarLocalChanges::touch(const QString &uid, const QString &start)
     event->startUpdates();
     event->endUpdates();
     // Times of change count in seconds, and the upload that this follows may belong to the same one.
-    const uint stored = EasDatabase::instance()->calendarItemUpdateTime(mContext.accountId(), uid);
-    if (stored != EasDatabase::TimestampInvalid
-        && CalendarTimestamps::timeToStamp(event->lastModified()) <= stored)
-        event->setLastModified(QDateTime::fromSecsSinceEpoch(qint64(stored) + 1, Qt::UTC));
+    const Lookup<uint> stored = EasDatabase::instance()->calendarItemUpdateTime(mContext.accountId(), uid);
+    if (!stored)
+        return false;
+    if (*stored != EasDatabase::TimestampInvalid
+        && CalendarTimestamps::timeToStamp(event->lastModified()) <= *stored)
+        event->setLastModified(QDateTime::fromSecsSinceEpoch(qint64(*stored) + 1, Qt::UTC));
     return true;
 }
 

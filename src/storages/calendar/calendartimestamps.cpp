@@ -43,9 +43,11 @@ bool CalendarTimestamps::updateTimestampCache(const QString &notebookUid, const 
 
 bool CalendarTimestamps::readStored()
 {
-    const EasDatabase *database = EasDatabase::instance();
-    mStored = database->calendarItemUpdateTimes(mContext.accountId());
-    return !database->lookupFailed();
+    const Lookup<QMap<QString, uint>> stored =
+        EasDatabase::instance()->calendarItemUpdateTimes(mContext.accountId());
+    if (stored)
+        mStored = *stored;
+    return bool(stored);
 }
 
 void CalendarTimestamps::enterLoaded(const QString &notebookUid)

@@ -92,10 +92,11 @@ std::optional<QMailAccount> MailFolderAdapter::mailAccount() const
 bool MailFolderAdapter::updateFolders(
     QList<EasFolderItem> &added, const QList<EasFolderItem> &changed, const QStringList &deleted)
 {
-    EasDatabase *database = EasDatabase::instance();
-    QMap<QString, QString> serverToLocal = database->serverToLocalFolderIds(mContext.accountId());
-    if (database->lookupFailed())
+    const Lookup<QMap<QString, QString>> known =
+        EasDatabase::instance()->serverToLocalFolderIds(mContext.accountId());
+    if (!known)
         return false;
+    QMap<QString, QString> serverToLocal = *known;
     added = parentsFirst(added);
     for (EasFolderItem &item : added) {
         // A row may outlive its folder, which the same call adds again then.
@@ -290,11 +291,11 @@ bool MailFolderAdapter::deleteFolderItems(
 {
     QMailFolderIdList ids;
     for (const QString &serverId : serverIds) {
-        const EasFolderItem::FolderType type =
+        const Lookup<EasFolderItem::FolderType> type =
             EasDatabase::instance()->folderTypeByServerId(mContext.accountId(), serverId);
-        if (EasDatabase::instance()->lookupFailed())
+        if (!type)
             return false;
-        if (!EasFolderItem::isEmailFolder(type))
+        if (!EasFolderItem::isEmailFolder(*type))
             continue;
         const QMailFolderId id = folderId(serverToLocal.value(serverId));
         if (id.isValid())
@@ -340,8 +341,11 @@ void MailFolderAdapter::updateUserCreatedFoldersStatus()
 {
     const quint64 wanted =
         QMailFolder::DeletionPermitted | QMailFolder::RenamePermitted | QMailFolder::ChildCreationPermitted;
-    const QList<EasFolderItem> items = EasDatabase::instance()->emailFolderItems(mContext.accountId());
-    for (const EasFolderItem &item : items) {
+    const Lookup<QList<EasFolderItem>> items =
+        EasDatabase::instance()->emailFolderItems(mContext.accountId());
+    if (!items)
+        return;
+    for (const EasFolderItem &item : *items) {
         if (item.type() != EasFolderItem::UserCreatedGenericFolder
             && item.type() != EasFolderItem::UserCreatedMailFolder)
             continue;
@@ -362,22 +366,21 @@ void MailFolderAdapter::updateUserCreatedFoldersStatus()
     }
 }
 
-std::optional<QList<EasFolderItem>> MailFolderAdapter::foldersToSynchronize() const
+Lookup<QList<EasFolderItem>> MailFolderAdapter::foldersToSynchronize() const
 {
     const std::optional<QMailAccount> account = mailAccount();
     if (!account)
-        return std::nullopt;
+        return Lookup<QList<EasFolderItem>>::unread();
     QList<EasFolderItem> items;
     const QList<QMailFolderId> ids = account->foldersToSync();
     for (const QMailFolderId &id : ids) {
-        const EasFolderItem item =
+        const Lookup<EasFolderItem> item =
             EasDatabase::instance()->folderItemByLocalId(mContext.accountId(), idText(id));
-        // The caller asks the database whether all were read, and it tells of the last lookup only.
-        if (EasDatabase::instance()->lookupFailed())
-            break;
+        if (!item)
+            return Lookup<QList<EasFolderItem>>::unread();
         // A folder that the server does not know yet cannot be asked for.
-        if (!item.serverId().isEmpty())
-            items.append(item);
+        if (!item->serverId().isEmpty())
+            items.append(*item);
     }
     return items;
 }

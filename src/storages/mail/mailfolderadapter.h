@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include "application/base/lookup.h"
+
 #include <QList>
 #include <QMap>
 #include <QSet>
@@ -40,8 +42,8 @@ public:
     void updateUserCreatedFoldersStatus();
 
     /** The folders that the mail account's policy says. */
-    /** None if the mail account cannot be read. */
-    std::optional<QList<EasFolderItem>> foldersToSynchronize() const;
+    /** Unread if the mail account or a row cannot be read. */
+    Lookup<QList<EasFolderItem>> foldersToSynchronize() const;
 
     /** Removes the messages of a folder, not the folder; those stay that wait for their move into it. */
     void cleanUpFolder(const EasFolderItem &item);

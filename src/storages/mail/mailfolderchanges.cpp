@@ -78,8 +78,9 @@ bool MailFolderChanges::foldersRemoved(const QMailFolderIdList &ids)
 {
     if (ids.isEmpty())
         qCWarning(eas()) << "foldersRemoved received with an empty ids list";
+    // Told while the rows cannot be read, a removal is found again by the repair at the next start.
     const QMap<QString, QString> localToServer =
-        EasDatabase::instance()->localToServerFolderIds(mContext.accountId());
+        EasDatabase::instance()->localToServerFolderIds(mContext.accountId()).valueOr({});
     bool removed = false;
     for (const QMailFolderId &id : ids) {
         mAdded.removeAll(id);

@@ -28,23 +28,19 @@ MailFolderRepair MailFolderRepair::find(const MailStoreContext &context)
 {
     MailFolderRepair repair;
     EasDatabase *database = EasDatabase::instance();
-    const QList<EasFolderItem> rows = database->emailFolderItems(context.accountId());
-    if (database->lookupFailed())
-        return repair;
-    const QMap<QString, QString> localToServer = database->localToServerFolderIds(context.accountId());
-    if (database->lookupFailed())
-        return repair;
-    const QMap<QString, QString> parents = database->serverFolderParentIds(context.accountId());
-    if (database->lookupFailed())
+    const Lookup<QList<EasFolderItem>> rows = database->emailFolderItems(context.accountId());
+    const auto localToServer = database->localToServerFolderIds(context.accountId());
+    const auto parents = database->serverFolderParentIds(context.accountId());
+    if (!rows || !localToServer || !parents)
         return repair;
     const QMailFolderIdList folders =
         context.store->queryFolders(QMailFolderKey::parentAccountId(context.mailAccountId));
 
-    for (EasFolderItem row : rows) {
+    for (EasFolderItem row : *rows) {
         const bool isLost = isGone(context, row.localId());
         if (row.savedInStorage() && !isLost)
             continue;
-        row.setServerParentId(parents.value(row.serverId()));
+        row.setServerParentId(parents->value(row.serverId()));
         if (isLost) {
             // What the folder held went with it, and comes only as the answer to an initial key.
             repair.lost.append(row.serverId());
@@ -64,7 +60,7 @@ MailFolderRepair MailFolderRepair::find(const MailStoreContext &context)
         repair.updated.append(row);
     }
     for (const QMailFolderId &folder : folders) {
-        if (!localToServer.contains(QString::number(folder.toULongLong())))
+        if (!localToServer->contains(QString::number(folder.toULongLong())))
             repair.removed.append(folder);
     }
     return repair;

@@ -45,7 +45,8 @@ MailItemBatch::MailItemBatch(const MailStoreContext &context)
 bool MailItemBatch::updateEmails(
     QList<EasEmailItem> &added, QList<EasEmailItem> &changed, const QStringList &deleted)
 {
-    if (!takeLostItems(changed, added) || !setFolders(added) || !addEmailItems(added)) {
+    if (!takeLostItems(changed, added) || !setFolders(added) || !setFolders(changed)
+        || !addEmailItems(added)) {
         qCCritical(eas()) << "failed to add email items";
         return false;
     }
@@ -70,14 +71,13 @@ bool MailItemBatch::setFolders(QList<EasEmailItem> &items) const
 bool MailItemBatch::applyToStored(
     const QList<EasEmailItem> &added, const QList<EasEmailItem> &changed, const QStringList &deleted)
 {
-    QMap<QString, QString> localIds;
-    // The rows of all mail, and a first sync brings many replies that need none of them.
-    if (!changed.isEmpty() || !deleted.isEmpty()) {
-        const auto rows = EasDatabase::instance()->serverToLocalEmailIds(mContext.accountId());
-        if (!rows)
-            return false;
-        localIds = *rows;
-    }
+    QStringList known = deleted;
+    for (const EasEmailItem &item : changed)
+        known.append(item.serverId());
+    const auto rows = EasDatabase::instance()->serverToLocalEmailIds(mContext.accountId(), known);
+    if (!rows)
+        return false;
+    QMap<QString, QString> localIds = *rows;
     // The same reply may change or remove what it has just added.
     for (const EasEmailItem &item : added) {
         if (!item.localId().isEmpty())

@@ -26,6 +26,14 @@ QMailFolderId folderIdFromText(const QString &text)
     return QMailFolderId(text.toULongLong());
 }
 
+QStringList texts(const QMailMessageIdList &ids)
+{
+    QStringList texts;
+    for (const QMailMessageId &id : ids)
+        texts.append(QString::number(id.toULongLong()));
+    return texts;
+}
+
 } // namespace
 
 MailLocalChanges::MailLocalChanges(const MailStoreContext &context, MailPendingMarks &marks)
@@ -34,7 +42,7 @@ MailLocalChanges::MailLocalChanges(const MailStoreContext &context, MailPendingM
 {
 }
 
-QList<EasEmailItem> MailLocalChanges::addedEmails(const QString &localFolderId) const
+Lookup<QList<EasEmailItem>> MailLocalChanges::addedEmails(const QString &localFolderId) const
 {
     const QSharedPointer<EmailAccountConfiguration> configuration = mContext.account
         ? mContext.account->emailConfiguration()
@@ -50,23 +58,23 @@ QList<EasEmailItem> MailLocalChanges::addedEmails(const QString &localFolderId) 
     const MailMessageReader reader(mContext);
     const auto folders = EasDatabase::instance()->localToServerFolderIds(mContext.accountId());
     if (!folders)
-        return added;
+        return Lookup<QList<EasEmailItem>>::unread();
     for (const QMailMessageId &id : ids)
         added.append(reader.mailItemFromEmailMessageId(id, *folders, false));
     return added;
 }
 
-QList<EasEmailItem> MailLocalChanges::updatedEmails(const QString &localFolderId) const
+Lookup<QList<EasEmailItem>> MailLocalChanges::updatedEmails(const QString &localFolderId) const
 {
     QList<EasEmailItem> updated;
     const QMailMessageIdList ids = mMarks.inFolder(folderIdFromText(localFolderId));
     if (ids.isEmpty())
         return updated;
     EasDatabase *database = EasDatabase::instance();
-    const auto rows = database->localToServerEmailIds(mContext.accountId());
+    const auto rows = database->localToServerEmailIds(mContext.accountId(), texts(ids));
     const auto folders = database->localToServerFolderIds(mContext.accountId());
     if (!rows || !folders)
-        return {};
+        return Lookup<QList<EasEmailItem>>::unread();
     const MailMessageReader reader(mContext);
     for (const QMailMessageId &id : ids) {
         EasEmailItem item = reader.itemOfMetaData(mContext.store->messageMetaData(id), *folders);
@@ -78,7 +86,7 @@ QList<EasEmailItem> MailLocalChanges::updatedEmails(const QString &localFolderId
     return updated;
 }
 
-QList<EasEmailItem> MailLocalChanges::movedEmails() const
+Lookup<QList<EasEmailItem>> MailLocalChanges::movedEmails() const
 {
     QList<EasEmailItem> moved;
     const QMailMessageIdList ids =
@@ -87,59 +95,62 @@ QList<EasEmailItem> MailLocalChanges::movedEmails() const
     if (ids.isEmpty())
         return moved;
     EasDatabase *database = EasDatabase::instance();
-    const auto rows = database->localToServerEmailIds(mContext.accountId());
+    const auto rows = database->localToServerEmailIds(mContext.accountId(), texts(ids));
     const auto folders = database->localToServerFolderIds(mContext.accountId());
     if (!rows || !folders)
-        return {};
+        return Lookup<QList<EasEmailItem>>::unread();
     const MailMessageReader reader(mContext);
     for (const QMailMessageId &id : ids) {
         QMailMessageMetaData message = mContext.store->messageMetaData(id);
         EasEmailItem item = reader.itemOfMetaData(message, *folders);
         if (item.serverId().isEmpty() || item.sourceFolderId().isEmpty()
-            || item.destinationFolderId().isEmpty())
+            || item.destinationFolderId().isEmpty()) {
             qCWarning(eas()) << "failed to create a valid item from message with id" << item.localId();
-        else if (!settleMove(message, item, rows->value(item.localId())))
+            continue;
+        }
+        const Lookup<Settled> settled = settleMove(message, item, rows->value(item.localId()));
+        if (!settled)
+            return Lookup<QList<EasEmailItem>>::unread();
+        if (*settled == Settled::No)
             moved.append(item);
     }
     return moved;
 }
 
-bool MailLocalChanges::settleMove(
+Lookup<MailLocalChanges::Settled> MailLocalChanges::settleMove(
     QMailMessageMetaData &message, EasEmailItem &item, const QString &mapped) const
 {
     if (mapped.isEmpty() || mapped == item.serverId())
-        return false;
+        return Settled::No;
     EasDatabase *database = EasDatabase::instance();
     const Lookup<QString> reached = database->collectionServerIdFromEmailItemId(mContext.accountId(), mapped);
     if (reached && (reached->isEmpty() || *reached == item.sourceFolderId()))
-        return false;
+        return Settled::No;
     const Lookup<EasFolderItem> folder = reached
         ? database->folderItemByServerId(mContext.accountId(), *reached)
         : Lookup<EasFolderItem>::unread();
-    if (!folder) {
-        qCWarning(eas()) << "the interrupted move waits, its folder could not be read:" << item.localId();
-        return true;
-    }
+    if (!folder)
+        return Lookup<Settled>::unread();
     const bool isThere = *reached == item.destinationFolderId();
     message.setServerUid(mapped);
     // The user may have moved it on since; the way from there is still to be told.
     message.setPreviousParentFolderId(isThere ? QMailFolderId() : folderIdFromText(folder->localId()));
     if (!mContext.store->updateMessage(&message)) {
         qCWarning(eas()) << "failed to update message with server id" << mapped;
-        return false;
+        return Settled::No;
     }
     qCInfo(eas()) << "finished the interrupted move of message" << item.localId();
     item.setServerId(mapped);
     item.setSourceFolderId(*reached);
-    return isThere;
+    return isThere ? Settled::Yes : Settled::No;
 }
 
-QStringList MailLocalChanges::deletedEmails(const QString &localFolderId) const
+Lookup<QList<KeptEmailId>> MailLocalChanges::deletedEmails(const QString &localFolderId) const
 {
     const QMailMessageRemovalRecordList records =
         mContext.store->messageRemovalRecords(mContext.mailAccountId);
     if (records.isEmpty())
-        return {};
+        return QList<KeptEmailId>();
     for (const QMailMessageRemovalRecord &record : records) {
         if (record.serverUid().isEmpty())
             qCWarning(eas()) << "serverUid is empty in Removal Record";
@@ -148,14 +159,14 @@ QStringList MailLocalChanges::deletedEmails(const QString &localFolderId) const
     // server.
     const auto removed = MailRecognition::removedHere(mContext);
     if (!removed)
-        return {};
+        return Lookup<QList<KeptEmailId>>::unread();
     const auto folders = EasDatabase::instance()->serverToLocalFolderIds(mContext.accountId());
     if (!folders)
-        return {};
-    QStringList serverIds;
+        return Lookup<QList<KeptEmailId>>::unread();
+    QList<KeptEmailId> serverIds;
     for (auto message = removed->cbegin(); message != removed->cend(); ++message) {
         if (folders->value(message.value()) == localFolderId)
-            serverIds.append(message.key());
+            serverIds.append(KeptEmailId(message.key()));
     }
     return serverIds;
 }

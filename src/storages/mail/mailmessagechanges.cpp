@@ -2,7 +2,6 @@
 #include "storages/mail/mailmessagechanges.h"
 
 #include "application/base/logging.h"
-#include "application/mapping/easdatabase.h"
 #include "common/exchangeactivesync.h"
 #include "easitems/easemailitem.h"
 #include "protocol/wbxml/wbxmltokens.h"
@@ -37,9 +36,7 @@ void setServerId(Change &change)
 
 void setCollection(Change &change)
 {
-    const EasFolderItem folder =
-        EasDatabase::instance()->folderItemByServerId(change.context.accountId(), change.item.collectionId());
-    const QMailFolderId folderId(folder.localId().toULongLong());
+    const QMailFolderId folderId(change.item.localCollectionId());
     // For the server a message is where it was until it has been told of the user's move.
     if (folderId == change.message.previousParentFolderId())
         return;

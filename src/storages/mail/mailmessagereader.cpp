@@ -127,7 +127,10 @@ QString MailMessageReader::answeredServerId(const QMailMessage &message) const
     if (!message.inResponseTo().isValid())
         return QString();
     const QString localId = idText(message.inResponseTo());
-    return EasDatabase::instance()->localToServerEmailIds(mContext.accountId()).valueOr({}).value(localId);
+    return EasDatabase::instance()
+        ->localToServerEmailIds(mContext.accountId(), { localId })
+        .valueOr({})
+        .value(localId);
 }
 
 void MailMessageReader::setMove(EasEmailItem *item, const QMailMessageMetaData &message,

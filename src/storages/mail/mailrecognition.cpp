@@ -40,10 +40,7 @@ bool MailRecognition::readRows(const QStringList &serverUids)
     if (!collections)
         return false;
     mCollections = *collections;
-    // All rows: few replies bring what is known already.
-    if (mCollections.isEmpty())
-        return true;
-    const auto localIds = database->serverToLocalEmailIds(mContext->accountId());
+    const auto localIds = database->serverToLocalEmailIds(mContext->accountId(), mCollections.keys());
     if (!localIds)
         return false;
     mLocalIds = *localIds;

@@ -78,7 +78,7 @@ void MailStorageImpl::bindMailAccount()
         MailMessageRepair::removeStrays(mContext);
         MailMessageRepair::purgeStaleRemovals(mContext);
     } else {
-        const QMailAccountId older(database->emailAccountId(mContext.accountId()));
+        const QMailAccountId older(database->emailAccountId(mContext.accountId()).valueOr(0));
         if (older.isValid())
             mContext.mailAccountId = mContext.store->account(older).id();
     }
@@ -146,8 +146,12 @@ bool MailStorageImpl::initialized() const
 bool MailStorageImpl::removeAccountFolders(QMailStore *store, quint64 accountId)
 {
     QMailAccountId id = store->account(QMailAccountId(accountId)).id();
-    if (!id.isValid())
-        id = QMailAccountId(EasDatabase::instance()->emailAccountId(accountId));
+    if (!id.isValid()) {
+        const Lookup<quint64> older = EasDatabase::instance()->emailAccountId(accountId);
+        if (!older)
+            return false;
+        id = QMailAccountId(*older);
+    }
     // Removal records would be taken for those of other messages, which get their identifiers anew.
     if (!id.isValid()
         || (store->removeFolders(QMailFolderKey::parentAccountId(id), QMailStore::NoRemovalRecord)
@@ -191,10 +195,11 @@ bool MailStorageImpl::addSearchResults(QList<EasEmailItem> &items, QList<quint64
 {
     if (!storeAvailable())
         return false;
-    const QMap<QString, QString> folders =
-        EasDatabase::instance()->serverToLocalFolderIds(mContext.accountId());
+    const auto folders = EasDatabase::instance()->serverToLocalFolderIds(mContext.accountId());
+    if (!folders)
+        return false;
     for (EasEmailItem &item : items)
-        item.setLocalCollectionId(folders.value(item.collectionId()).toULongLong());
+        item.setLocalCollectionId(folders->value(item.collectionId()).toULongLong());
     return MailSearchResults(mContext).add(items, ids);
 }
 
@@ -203,35 +208,37 @@ bool MailStorageImpl::successfullyUpdatedEmails(QList<EasEmailItem> &items)
     return storeAvailable() && mBatch.successfullyUpdatedEmails(items);
 }
 
-QList<EasEmailItem> MailStorageImpl::addedEmails(const QString &localFolderId)
+Lookup<QList<EasEmailItem>> MailStorageImpl::addedEmails(const QString &localFolderId)
 {
     return storeAvailable() ? MailLocalChanges(mContext, mMarks).addedEmails(localFolderId)
-                            : QList<EasEmailItem>();
+                            : Lookup<QList<EasEmailItem>>(QList<EasEmailItem>());
 }
 
-QList<EasEmailItem> MailStorageImpl::updatedEmails(const QString &localFolderId)
+Lookup<QList<EasEmailItem>> MailStorageImpl::updatedEmails(const QString &localFolderId)
 {
     return storeAvailable() ? MailLocalChanges(mContext, mMarks).updatedEmails(localFolderId)
-                            : QList<EasEmailItem>();
+                            : Lookup<QList<EasEmailItem>>(QList<EasEmailItem>());
 }
 
-QList<EasEmailItem> MailStorageImpl::movedEmails()
+Lookup<QList<EasEmailItem>> MailStorageImpl::movedEmails()
 {
-    return storeAvailable() ? MailLocalChanges(mContext, mMarks).movedEmails() : QList<EasEmailItem>();
+    return storeAvailable() ? MailLocalChanges(mContext, mMarks).movedEmails()
+                            : Lookup<QList<EasEmailItem>>(QList<EasEmailItem>());
 }
 
-QStringList MailStorageImpl::deletedEmails(const QString &localFolderId)
+Lookup<QList<KeptEmailId>> MailStorageImpl::deletedEmails(const QString &localFolderId)
 {
-    return storeAvailable() ? MailLocalChanges(mContext, mMarks).deletedEmails(localFolderId) : QStringList();
+    return storeAvailable() ? MailLocalChanges(mContext, mMarks).deletedEmails(localFolderId)
+                            : Lookup<QList<KeptEmailId>>(QList<KeptEmailId>());
 }
 
-bool MailStorageImpl::purgeDeletedEmails(const QStringList &serverUids)
+bool MailStorageImpl::purgeDeletedEmails(const QList<KeptEmailId> &ids)
 {
     if (!storeAvailable())
         return false;
     // The store takes an empty list for all records of the account.
-    return serverUids.isEmpty()
-        || mContext.store->purgeMessageRemovalRecords(mContext.mailAccountId, serverUids);
+    return ids.isEmpty()
+        || mContext.store->purgeMessageRemovalRecords(mContext.mailAccountId, KeptEmailId::texts(ids));
 }
 
 QList<EasFolderItem> MailStorageImpl::addedFolders()
@@ -279,10 +286,11 @@ bool MailStorageImpl::deleteEmailsByLocalIds(const QList<quint64> &ids)
 
 EasEmailItem MailStorageImpl::itemFromMessage(const QString &localId)
 {
-    const QMap<QString, QString> folders =
-        EasDatabase::instance()->localToServerFolderIds(mContext.accountId());
+    const auto folders = EasDatabase::instance()->localToServerFolderIds(mContext.accountId());
+    if (!folders)
+        return EasEmailItem();
     return MailMessageReader(mContext).mailItemFromEmailMessageId(
-        QMailMessageId(localId.toULongLong()), folders, false);
+        QMailMessageId(localId.toULongLong()), *folders, false);
 }
 
 EasEmailItem MailStorageImpl::queryMessage(const QString &localId)
@@ -323,7 +331,11 @@ bool MailStorageImpl::updateMovedEmails(const QList<EasEmailItem> &items)
         return false;
     if (items.isEmpty())
         return true;
-    const auto serverToLocal = EasDatabase::instance()->serverToLocalEmailIds(mContext.accountId());
+    QStringList serverIds;
+    for (const EasEmailItem &item : items)
+        serverIds << item.previousServerId() << item.serverId();
+    const auto serverToLocal =
+        EasDatabase::instance()->serverToLocalEmailIds(mContext.accountId(), serverIds);
     return serverToLocal && MailMovedMessages(mContext).update(items, *serverToLocal);
 }
 
@@ -400,9 +412,10 @@ void MailStorageImpl::cleanUpFolder(const EasFolderItem &folder)
         mFolders.cleanUpFolder(folder);
 }
 
-std::optional<QList<EasFolderItem>> MailStorageImpl::foldersToSynchronize()
+Lookup<QList<EasFolderItem>> MailStorageImpl::foldersToSynchronize()
 {
-    return storeAvailable() && findMailAccount() ? mFolders.foldersToSynchronize() : std::nullopt;
+    return storeAvailable() && findMailAccount() ? mFolders.foldersToSynchronize()
+                                                 : Lookup<QList<EasFolderItem>>::unread();
 }
 
 void MailStorageImpl::onFoldersAdded(QMailFolderIdList ids)

@@ -37,11 +37,11 @@ public:
         QList<EasEmailItem> &added, QList<EasEmailItem> &changed, const QStringList &deleted) override;
     bool addSearchResults(QList<EasEmailItem> &items, QList<quint64> &ids) override;
     bool successfullyUpdatedEmails(QList<EasEmailItem> &items) override;
-    QList<EasEmailItem> addedEmails(const QString &localFolderId) override;
-    QList<EasEmailItem> updatedEmails(const QString &localFolderId) override;
-    QList<EasEmailItem> movedEmails() override;
-    QStringList deletedEmails(const QString &localFolderId) override;
-    bool purgeDeletedEmails(const QStringList &serverUids) override;
+    Lookup<QList<EasEmailItem>> addedEmails(const QString &localFolderId) override;
+    Lookup<QList<EasEmailItem>> updatedEmails(const QString &localFolderId) override;
+    Lookup<QList<EasEmailItem>> movedEmails() override;
+    Lookup<QList<KeptEmailId>> deletedEmails(const QString &localFolderId) override;
+    bool purgeDeletedEmails(const QList<KeptEmailId> &ids) override;
     QList<EasFolderItem> addedFolders() override;
     bool purgeAddedFolders() override;
     QStringList deletedFolders() override;
@@ -71,7 +71,7 @@ public:
     QString serverUidFromMessageId(quint64 messageId) override;
     int estimatedDataSizeFromLocation(quint64 messageId, const QString &location) override;
     void cleanUpFolder(const EasFolderItem &folder) override;
-    std::optional<QList<EasFolderItem>> foldersToSynchronize() override;
+    Lookup<QList<EasFolderItem>> foldersToSynchronize() override;
 
 public Q_SLOTS:
     void onFoldersAdded(QMailFolderIdList ids);

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-// Rows of folders: the collections of an account.
+#include "application/mapping/folderrows.h"
+
 #include "application/base/logging.h"
 #include "application/mapping/databasecolumns.h"
 #include "application/mapping/databasereading.h"
-#include "application/mapping/easdatabase.h"
 #include "protocol/wbxml/wbxmltokens.h"
 
 #include <algorithm>
@@ -86,7 +86,12 @@ EasFolderItem folderOf(const DatabaseStatement &row)
 
 } // namespace
 
-Lookup<EasFolderItem> EasDatabase::folderItemByLocalId(EasAccountId accountId, const QString &localId) const
+FolderRows::FolderRows(const QSqlDatabase &database)
+    : mDatabase(database)
+{
+}
+
+Lookup<EasFolderItem> FolderRows::byLocalId(EasAccountId accountId, const QString &localId) const
 {
     DatabaseStatement select(mDatabase,
         QStringLiteral("SELECT server_id, synckey, type, display_name, saved_in_storage FROM collections "
@@ -102,7 +107,7 @@ Lookup<EasFolderItem> EasDatabase::folderItemByLocalId(EasAccountId accountId, c
         });
 }
 
-Lookup<EasFolderItem> EasDatabase::folderItemByServerId(EasAccountId accountId, const QString &serverId) const
+Lookup<EasFolderItem> FolderRows::byServerId(EasAccountId accountId, const QString &serverId) const
 {
     DatabaseStatement select(mDatabase,
         QStringLiteral("SELECT local_id, synckey, type, display_name, saved_in_storage FROM collections "
@@ -116,7 +121,7 @@ Lookup<EasFolderItem> EasDatabase::folderItemByServerId(EasAccountId accountId, 
         });
 }
 
-Lookup<QList<EasFolderItem>> EasDatabase::emailFolderItems(EasAccountId accountId) const
+Lookup<QList<EasFolderItem>> FolderRows::mailFolders(EasAccountId accountId) const
 {
     DatabaseStatement select(mDatabase,
         QStringLiteral("SELECT local_id, type, server_id, synckey, display_name, saved_in_storage "
@@ -125,7 +130,7 @@ Lookup<QList<EasFolderItem>> EasDatabase::emailFolderItems(EasAccountId accountI
     return DatabaseReading::items(select, CantQueryCollections, folderOf);
 }
 
-Lookup<QList<EasFolderItem>> EasDatabase::calendarFolderItems(EasAccountId accountId) const
+Lookup<QList<EasFolderItem>> FolderRows::calendarFolders(EasAccountId accountId) const
 {
     DatabaseStatement select(mDatabase,
         QStringLiteral("SELECT server_id, server_parent_id, synckey, local_id, local_parent_id, "
@@ -135,8 +140,7 @@ Lookup<QList<EasFolderItem>> EasDatabase::calendarFolderItems(EasAccountId accou
     return DatabaseReading::items(select, "SQL request failed:", folderOf);
 }
 
-Lookup<QList<EasFolderItem>> EasDatabase::folderItemsByFolderType(
-    EasAccountId accountId, EasFolderItem::FolderType type) const
+Lookup<QList<EasFolderItem>> FolderRows::byType(EasAccountId accountId, EasFolderItem::FolderType type) const
 {
     DatabaseStatement select(mDatabase,
         QStringLiteral("SELECT local_id, server_id, synckey, display_name, saved_in_storage, type "
@@ -146,8 +150,7 @@ Lookup<QList<EasFolderItem>> EasDatabase::folderItemsByFolderType(
     return DatabaseReading::items(select, CantQueryCollections, folderOf);
 }
 
-Lookup<EasFolderItem::FolderType> EasDatabase::folderTypeByServerId(
-    EasAccountId accountId, const QString &serverId)
+Lookup<EasFolderItem::FolderType> FolderRows::typeOf(EasAccountId accountId, const QString &serverId) const
 {
     DatabaseStatement select(mDatabase,
         QStringLiteral("SELECT type FROM collections WHERE account_id=%1 AND server_id=?").arg(accountId));
@@ -155,21 +158,21 @@ Lookup<EasFolderItem::FolderType> EasDatabase::folderTypeByServerId(
         [](const DatabaseStatement &row) { return folderOf(row).type(); });
 }
 
-Lookup<QMap<QString, QString>> EasDatabase::serverToLocalFolderIds(EasAccountId accountId) const
+Lookup<QMap<QString, QString>> FolderRows::serverToLocalIds(EasAccountId accountId) const
 {
     DatabaseStatement select(mDatabase,
         QStringLiteral("SELECT server_id, local_id FROM collections WHERE account_id=%1").arg(accountId));
     return DatabaseReading::map(select, 0, CantQueryCollections);
 }
 
-Lookup<QMap<QString, QString>> EasDatabase::localToServerFolderIds(EasAccountId accountId) const
+Lookup<QMap<QString, QString>> FolderRows::localToServerIds(EasAccountId accountId) const
 {
     DatabaseStatement select(mDatabase,
         QStringLiteral("SELECT server_id, local_id FROM collections WHERE account_id=%1").arg(accountId));
     return DatabaseReading::map(select, 1, CantQueryCollections);
 }
 
-Lookup<QMap<QString, QString>> EasDatabase::serverFolderParentIds(EasAccountId accountId) const
+Lookup<QMap<QString, QString>> FolderRows::parentIds(EasAccountId accountId) const
 {
     DatabaseStatement select(mDatabase,
         QStringLiteral("SELECT server_id, server_parent_id FROM collections WHERE account_id=%1")
@@ -177,7 +180,7 @@ Lookup<QMap<QString, QString>> EasDatabase::serverFolderParentIds(EasAccountId a
     return DatabaseReading::map(select, 0, CantQueryCollections);
 }
 
-bool EasDatabase::addFolderItems(EasAccountId accountId, const QList<EasFolderItem> &items)
+bool FolderRows::add(EasAccountId accountId, const QList<EasFolderItem> &items) const
 {
     if (items.isEmpty())
         return true;
@@ -196,13 +199,13 @@ bool EasDatabase::addFolderItems(EasAccountId accountId, const QList<EasFolderIt
     return insert.runBatch() || insert.fail("can't add folder items for account", accountId);
 }
 
-bool EasDatabase::updateFolderItems(EasAccountId accountId, const QList<EasFolderItem> &items)
+bool FolderRows::update(EasAccountId accountId, const QList<EasFolderItem> &items) const
 {
     return std::all_of(items.cbegin(), items.cend(),
-        [this, accountId](const EasFolderItem &item) { return updateFolderItem(accountId, item); });
+        [this, accountId](const EasFolderItem &item) { return updateOne(accountId, item); });
 }
 
-bool EasDatabase::updateFolderItem(EasAccountId accountId, const EasFolderItem &item)
+bool FolderRows::updateOne(EasAccountId accountId, const EasFolderItem &item) const
 {
     // The local binding is always written, so that no caller can lose it.
     QString sql = QStringLiteral("UPDATE collections SET saved_in_storage=?, local_id=?, local_parent_id=?");
@@ -227,19 +230,17 @@ bool EasDatabase::updateFolderItem(EasAccountId accountId, const EasFolderItem &
     return update.run() || update.fail("can't update folder items for account", accountId);
 }
 
-bool EasDatabase::deleteFolderItems(EasAccountId accountId, const QStringList &serverIds)
+bool FolderRows::remove(EasAccountId accountId, const QStringList &serverIds) const
 {
-    return deleteItems("collections", accountId, serverIds, "can't delete folder items for account");
+    if (serverIds.isEmpty())
+        return true;
+    DatabaseStatement removal(mDatabase,
+        QStringLiteral("DELETE FROM collections WHERE server_id=? AND account_id=%1").arg(accountId));
+    removal.bindColumn(QVariant(serverIds).toList());
+    return removal.runBatch() || removal.fail("can't delete folder items for account", accountId);
 }
 
-bool EasDatabase::folderItemsChanges(EasAccountId accountId, const QList<EasFolderItem> &added,
-    const QList<EasFolderItem> &updated, const QStringList &deletedServerIds)
-{
-    return addFolderItems(accountId, added) && updateFolderItems(accountId, updated)
-        && deleteFolderItems(accountId, deletedServerIds);
-}
-
-bool EasDatabase::setSavedInStorage(EasAccountId accountId, const QString &localId, bool saved)
+bool FolderRows::setSavedInStorage(EasAccountId accountId, const QString &localId, bool saved) const
 {
     DatabaseStatement update(mDatabase,
         QStringLiteral("UPDATE collections SET saved_in_storage=? WHERE account_id=? AND local_id=?"));

@@ -1,18 +1,16 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-// Rows of the attachments of events. An attachment belongs to the event, not to an account.
-//
-// Some of the texts start with the Cyrillic capital Es; they are searched for as they are.
+#include "application/mapping/attachmentrows.h"
+
 #include "application/base/logging.h"
 #include "application/mapping/databasecolumns.h"
 #include "application/mapping/databasereading.h"
-#include "application/mapping/easdatabase.h"
-#include "easitems/containers/attachmententity.h"
 #include "easitems/containers/easattachmentcontainer.h"
 
 using DatabaseColumns::stored;
 
 namespace {
 
+// Some of the texts start with the Cyrillic capital Es; they are searched for as they are.
 const StatementFailure CantGetAttachment(
     "Can't execute GET attachment query for event:", "Can't execute PREPARE attachment query for event:");
 
@@ -34,7 +32,12 @@ Lookup<std::optional<EasAttachmentContainer>> attachmentRow(
 
 } // namespace
 
-bool EasDatabase::addCalendarAttachment(const QString &eventId, const EasAttachmentContainer &attachment)
+AttachmentRows::AttachmentRows(const QSqlDatabase &database)
+    : mDatabase(database)
+{
+}
+
+bool AttachmentRows::add(const QString &eventId, const EasAttachmentContainer &attachment) const
 {
     DatabaseStatement insert(mDatabase, QStringLiteral("INSERT OR IGNORE INTO attachments VALUES (?, ?, ?)"));
     insert.bind(stored(eventId))
@@ -50,13 +53,8 @@ bool EasDatabase::addCalendarAttachment(const QString &eventId, const EasAttachm
     return true;
 }
 
-bool EasDatabase::addCalendarAttachment(const QString &eventId, const AttachmentEntity &attachment)
-{
-    return addCalendarAttachment(eventId, static_cast<const EasAttachmentContainer &>(attachment));
-}
-
-Lookup<std::optional<EasAttachmentContainer>> EasDatabase::getAttachmentByFileReference(
-    const QString &eventId, const QString &fileReference)
+Lookup<std::optional<EasAttachmentContainer>> AttachmentRows::byFileReference(
+    const QString &eventId, const QString &fileReference) const
 {
     DatabaseStatement select(mDatabase,
         QStringLiteral("SELECT content_id FROM attachments WHERE file_reference=? AND local_id=? LIMIT 1"));
@@ -65,8 +63,8 @@ Lookup<std::optional<EasAttachmentContainer>> EasDatabase::getAttachmentByFileRe
         [&fileReference](const DatabaseStatement &row) { return attachmentOf(row.text(0), fileReference); });
 }
 
-Lookup<std::optional<EasAttachmentContainer>> EasDatabase::getAttachmentByContentId(
-    const QString &eventId, const QString &contentId)
+Lookup<std::optional<EasAttachmentContainer>> AttachmentRows::byContentId(
+    const QString &eventId, const QString &contentId) const
 {
     DatabaseStatement select(mDatabase,
         QStringLiteral("SELECT file_reference FROM attachments WHERE content_id=? AND local_id=? LIMIT 1"));
@@ -75,7 +73,7 @@ Lookup<std::optional<EasAttachmentContainer>> EasDatabase::getAttachmentByConten
         [&contentId](const DatabaseStatement &row) { return attachmentOf(contentId, row.text(0)); });
 }
 
-Lookup<QList<EasAttachmentContainer>> EasDatabase::getCalendarAttachments(const QString &eventId)
+Lookup<QList<EasAttachmentContainer>> AttachmentRows::ofEvent(const QString &eventId) const
 {
     DatabaseStatement select(
         mDatabase, QStringLiteral("SELECT content_id, file_reference FROM attachments WHERE local_id=?"));
@@ -86,8 +84,8 @@ Lookup<QList<EasAttachmentContainer>> EasDatabase::getCalendarAttachments(const 
         [](const DatabaseStatement &row) { return attachmentOf(row.text(0), row.text(1)); }, eventId);
 }
 
-bool EasDatabase::updateCalendarAttachmentFileRefernce(
-    const QString &eventId, const EasAttachmentContainer &attachment)
+bool AttachmentRows::updateFileReference(
+    const QString &eventId, const EasAttachmentContainer &attachment) const
 {
     DatabaseStatement update(mDatabase,
         QStringLiteral("UPDATE attachments SET file_reference=? WHERE local_id=? AND content_id=?"));
@@ -102,15 +100,7 @@ bool EasDatabase::updateCalendarAttachmentFileRefernce(
     return true;
 }
 
-bool EasDatabase::updateCalendarAttachmentFileRefernce(
-    const QString &eventId, const AttachmentEntity &attachment)
-{
-    return updateCalendarAttachmentFileRefernce(
-        eventId, static_cast<const EasAttachmentContainer &>(attachment));
-}
-
-bool EasDatabase::updateCalendarAttachmentContentId(
-    const QString &eventId, const EasAttachmentContainer &attachment)
+bool AttachmentRows::updateContentId(const QString &eventId, const EasAttachmentContainer &attachment) const
 {
     DatabaseStatement update(mDatabase,
         QStringLiteral(
@@ -119,7 +109,7 @@ bool EasDatabase::updateCalendarAttachmentContentId(
     return update.run() || update.fail("Сan't UPDATE attachment for event:", eventId);
 }
 
-bool EasDatabase::deleteCalendarAttachmentByContentId(const QString &eventId, const QString &contentId)
+bool AttachmentRows::removeByContentId(const QString &eventId, const QString &contentId) const
 {
     DatabaseStatement statement(
         mDatabase, QStringLiteral("DELETE FROM attachments WHERE local_id=? AND content_id=?"));
@@ -127,8 +117,7 @@ bool EasDatabase::deleteCalendarAttachmentByContentId(const QString &eventId, co
         || statement.fail("Сan't DELETE attachment by contentId for event:", eventId);
 }
 
-bool EasDatabase::deleteCalendarAttachmentByFileReference(
-    const QString &eventId, const QString &fileReference)
+bool AttachmentRows::removeByFileReference(const QString &eventId, const QString &fileReference) const
 {
     DatabaseStatement statement(
         mDatabase, QStringLiteral("DELETE FROM attachments WHERE local_id=? AND file_reference=?"));
@@ -136,7 +125,7 @@ bool EasDatabase::deleteCalendarAttachmentByFileReference(
         || statement.fail("Сan't DELETE attachment by fileReference for event:", eventId);
 }
 
-Lookup<Existence> EasDatabase::isCalendarAttachmentExists(const QString &eventId, const QString &uniqueId)
+Lookup<Existence> AttachmentRows::presence(const QString &eventId, const QString &uniqueId) const
 {
     DatabaseStatement select(mDatabase,
         QStringLiteral("SELECT EXISTS(SELECT 1 FROM attachments WHERE local_id = :localId AND "
@@ -144,11 +133,11 @@ Lookup<Existence> EasDatabase::isCalendarAttachmentExists(const QString &eventId
     select.bind(QStringLiteral(":localId"), eventId).bind(QStringLiteral(":uniqueId"), uniqueId);
     const StatementFailure failure(
         "Сan't execute found attachment query for event:", "Сan't prepare found attachment query for event:");
-    const auto presence = [](const DatabaseStatement &row) {
+    const auto presenceOf = [](const DatabaseStatement &row) {
         return std::make_optional(row.value(0).toBool() ? Existence::Present : Existence::Missing);
     };
     const auto answer =
-        DatabaseReading::value(select, failure, std::optional<Existence>(), presence, eventId);
+        DatabaseReading::value(select, failure, std::optional<Existence>(), presenceOf, eventId);
     if (answer && *answer)
         return **answer;
     // The query has one row whatever the table holds.
@@ -157,7 +146,7 @@ Lookup<Existence> EasDatabase::isCalendarAttachmentExists(const QString &eventId
     return Lookup<Existence>::unread();
 }
 
-bool EasDatabase::deleteStrayCalendarAttachments()
+bool AttachmentRows::removeStrays() const
 {
     // The key of an exception is its event's with a separator and a moment behind it.
     const QString moment = QStringLiteral("|yyyy-MM-dd hh:mm:ss");

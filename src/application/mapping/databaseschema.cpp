@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-// The tables of the mapping database, and the steps that bring an older file up to date.
+#include "application/mapping/databaseschema.h"
+
 #include "application/account/easaccount.h"
 #include "application/base/logging.h"
 #include "application/mapping/databasestatement.h"
@@ -46,6 +47,18 @@ const Table Tables[] = {
         "file_reference TEXT,CONSTRAINT attachments_pk PRIMARY KEY (local_id, content_id));" },
 };
 
+// For the questions of one reply about its own items. The rows of contacts have one in their key.
+const Table Indexes[] = {
+    { "emails_server_id", "can't create index",
+        "CREATE INDEX IF NOT EXISTS emails_server_id ON emails (server_id);" },
+    { "emails_local_id", "can't create index",
+        "CREATE INDEX IF NOT EXISTS emails_local_id ON emails (local_id);" },
+    { "calendar_server_id", "can't create index",
+        "CREATE INDEX IF NOT EXISTS calendar_server_id ON calendar (server_id);" },
+    { "calendar_local_id", "can't create index",
+        "CREATE INDEX IF NOT EXISTS calendar_local_id ON calendar (local_id);" },
+};
+
 struct RebuildStep
 {
     StatementFailure failure;
@@ -74,7 +87,32 @@ const RebuildStep ContactsRebuild[] = {
 
 } // namespace
 
-bool EasDatabase::createTables()
+DatabaseSchema::DatabaseSchema(const QSqlDatabase &database)
+    : mDatabase(database)
+{
+}
+
+DatabaseSchema::Result DatabaseSchema::prepare()
+{
+    if (upgradeDb())
+        return createTables() && createIndexes() ? Result::Ready : Result::TryAgain;
+    qCCritical(eas()) << "failed to migrate existing DB to the latest DB version";
+    return mVersionsMissing ? Result::TryAgain : Result::Unusable;
+}
+
+bool DatabaseSchema::createIndexes()
+{
+    for (const Table &index : Indexes) {
+        DatabaseStatement statement(mDatabase, QLatin1String(index.sql));
+        if (!statement.run()) {
+            qCCritical(eas()) << index.failure << index.name << "Error:" << statement.errorText();
+            return false;
+        }
+    }
+    return true;
+}
+
+bool DatabaseSchema::createTables()
 {
     for (const Table &table : Tables) {
         DatabaseStatement statement(mDatabase, QLatin1String(table.sql));
@@ -86,7 +124,7 @@ bool EasDatabase::createTables()
     return true;
 }
 
-bool EasDatabase::createVersionsTable()
+bool DatabaseSchema::createVersionsTable()
 {
     DatabaseStatement create(
         mDatabase, QStringLiteral("CREATE TABLE IF NOT EXISTS versions ( db_version INTEGER );"));
@@ -110,7 +148,7 @@ bool EasDatabase::createVersionsTable()
 }
 
 /** A kill between the first two statements of a new file leaves an empty table of versions and no other. */
-bool EasDatabase::creationWasInterrupted(const QStringList &tables) const
+bool DatabaseSchema::creationWasInterrupted(const QStringList &tables) const
 {
     if (tables != QStringList { QStringLiteral("versions") })
         return false;
@@ -118,7 +156,7 @@ bool EasDatabase::creationWasInterrupted(const QStringList &tables) const
     return statement.run() && !statement.next() && !statement.failed();
 }
 
-bool EasDatabase::readDbVersion(int *version) const
+bool DatabaseSchema::readDbVersion(int *version) const
 {
     DatabaseStatement statement(mDatabase, QStringLiteral("SELECT db_version FROM versions"));
     *version = 0;
@@ -133,13 +171,13 @@ bool EasDatabase::readDbVersion(int *version) const
     return complete || statement.fail("failed to execute sql query on versions table");
 }
 
-bool EasDatabase::saveDbVersion(int version)
+bool DatabaseSchema::saveDbVersion(int version)
 {
     DatabaseStatement statement(mDatabase, QStringLiteral("UPDATE versions SET db_version=%1").arg(version));
     return statement.run() || statement.fail("failed to update the DB version");
 }
 
-bool EasDatabase::upgradeDb()
+bool DatabaseSchema::upgradeDb()
 {
     const QStringList tables = mDatabase.tables();
     const bool versionsKept = tables.contains(QLatin1String("versions"));
@@ -148,7 +186,7 @@ bool EasDatabase::upgradeDb()
         qCInfo(eas()) << "no tables in the DB";
     if ((isNew || !versionsKept) && !createVersionsTable()) {
         qCCritical(eas()) << "failed to create versions table";
-        mTablesMissing = true;
+        mVersionsMissing = true;
         return false;
     }
     if (isNew)
@@ -161,12 +199,12 @@ bool EasDatabase::upgradeDb()
     return upgradeDbFrom(version);
 }
 
-bool EasDatabase::upgradeDbFrom(int version)
+bool DatabaseSchema::upgradeDbFrom(int version)
 {
-    using Step = bool (EasDatabase::*)();
-    static const Step steps[] = { &EasDatabase::upgradeDbToVersion2, &EasDatabase::upgradeDbToVersion3,
-        &EasDatabase::upgradeDbToVersion4, &EasDatabase::upgradeDbToVersion5,
-        &EasDatabase::upgradeDbToVersion6, &EasDatabase::upgradeDbToVersion7 };
+    using Step = bool (DatabaseSchema::*)();
+    static const Step steps[] = { &DatabaseSchema::upgradeDbToVersion2, &DatabaseSchema::upgradeDbToVersion3,
+        &DatabaseSchema::upgradeDbToVersion4, &DatabaseSchema::upgradeDbToVersion5,
+        &DatabaseSchema::upgradeDbToVersion6, &DatabaseSchema::upgradeDbToVersion7 };
 
     if (version < FirstVersion || version > LatestVersion) {
         qCCritical(eas()) << "wrong DB version" << version;
@@ -180,7 +218,7 @@ bool EasDatabase::upgradeDbFrom(int version)
     return true;
 }
 
-bool EasDatabase::upgradeDbToVersion2()
+bool DatabaseSchema::upgradeDbToVersion2()
 {
     DatabaseStatement addName(
         mDatabase, QStringLiteral("ALTER TABLE collections ADD COLUMN display_name TEXT"));
@@ -197,7 +235,7 @@ bool EasDatabase::upgradeDbToVersion2()
     return true;
 }
 
-bool EasDatabase::upgradeDbToVersion3()
+bool DatabaseSchema::upgradeDbToVersion3()
 {
     DatabaseStatement addTimestamp(
         mDatabase, QStringLiteral("ALTER TABLE calendar ADD COLUMN timestamp INTEGER"));
@@ -213,7 +251,7 @@ bool EasDatabase::upgradeDbToVersion3()
 }
 
 /** Gives the events of every known account a first timestamp; those of unknown accounts stay without. */
-void EasDatabase::stampCalendarItems()
+void DatabaseSchema::stampCalendarItems()
 {
     RequestManager *manager = RequestManager::instance();
     QVariantList timestamps;
@@ -236,7 +274,7 @@ void EasDatabase::stampCalendarItems()
         stamp.fail("SQL query failed:");
 }
 
-bool EasDatabase::upgradeDbToVersion4()
+bool DatabaseSchema::upgradeDbToVersion4()
 {
     if (!saveDbVersion(4)) {
         qCCritical(eas()) << CantSaveVersion;
@@ -246,9 +284,9 @@ bool EasDatabase::upgradeDbToVersion4()
     return true;
 }
 
-bool EasDatabase::upgradeDbToVersion5()
+bool DatabaseSchema::upgradeDbToVersion5()
 {
-    if (TestMode) {
+    if (EasDatabase::TestMode) {
         qCInfo(eas()) << "Running in test mode, skip contact deletion";
     } else {
         // All contacts are fetched anew.
@@ -269,7 +307,7 @@ bool EasDatabase::upgradeDbToVersion5()
     return true;
 }
 
-bool EasDatabase::upgradeDbToVersion6()
+bool DatabaseSchema::upgradeDbToVersion6()
 {
     if (!saveDbVersion(6)) {
         qCCritical(eas()) << CantSaveVersion;
@@ -279,9 +317,9 @@ bool EasDatabase::upgradeDbToVersion6()
     return true;
 }
 
-bool EasDatabase::upgradeDbToVersion7()
+bool DatabaseSchema::upgradeDbToVersion7()
 {
-    if (TestMode)
+    if (EasDatabase::TestMode)
         qCInfo(eas()) << "Running in test mode, skip contact deletion";
     else if (!rebuildContactsTable())
         return false;
@@ -293,7 +331,7 @@ bool EasDatabase::upgradeDbToVersion7()
     return true;
 }
 
-bool EasDatabase::rebuildContactsTable()
+bool DatabaseSchema::rebuildContactsTable()
 {
     for (const RebuildStep &step : ContactsRebuild) {
         DatabaseStatement statement(mDatabase, QLatin1String(step.sql));

@@ -1,28 +1,27 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-// Rows of accounts, and the operations that go across all tables.
+#include "application/mapping/accountrows.h"
+
 #include "application/account/easaccount.h"
 #include "application/base/logging.h"
 #include "application/mapping/databasereading.h"
-#include "application/mapping/easdatabase.h"
 #include "application/requestmanager.h"
 #include "application/storagesfactory.h"
 #include "protocol/base/protocolutils.h"
 
 namespace {
 
-constexpr uint ReleaseTimeout = 60000;
 constexpr int HierarchyRowType = 0;
 const char CantQueryAccounts[] = "can't execute accounts table query. Error:";
 const char CantGetFolderSyncKey[] = "can't get a folderSyncKey. Error:";
 const char CollectionsNotInitialized[] = "collections table is not initialized for account";
 
-struct AccountRows
+struct AccountTable
 {
-    const char *table;
+    const char *name;
     const char *failure;
 };
 
-const AccountRows RowsOfAnAccount[] = {
+const AccountTable TablesOfAnAccount[] = {
     { "accounts", "can't delete rows from accounts table. Error:" },
     { "calendar", "can't delete rows from calendar table. Error:" },
     { "contacts", "can't delete rows from contacts table. Error:" },
@@ -38,21 +37,12 @@ Lookup<Existence> presence(DatabaseStatement &select, const StatementFailure &fa
 
 } // namespace
 
-void EasDatabase::onAccountAdded(EasAccountId accountId)
+AccountRows::AccountRows(const QSqlDatabase &database)
+    : mDatabase(database)
 {
-    startDataBaseTimer(ReleaseTimeout);
-    initializeAccount(accountId);
 }
 
-void EasDatabase::onAccountDeleted(EasAccountId accountId)
-{
-    if (StoragesFactory::cleanUpDeletedAccounts({ accountId }))
-        removeAccount(accountId);
-    else
-        qCWarning(eas()) << "failed to clean up storages";
-}
-
-void EasDatabase::initializeAccount(EasAccountId accountId)
+void AccountRows::initialize(EasAccountId accountId) const
 {
     if (!initializeAccountsTable(accountId, 0))
         qCWarning(eas()) << "failed to initialize accounts table for account" << accountId;
@@ -60,7 +50,7 @@ void EasDatabase::initializeAccount(EasAccountId accountId)
         qCWarning(eas()) << "failed to initialize collections table for account" << accountId;
 }
 
-bool EasDatabase::initializeAccountsTable(EasAccountId accountId, quint64 emailAccountId) const
+bool AccountRows::initializeAccountsTable(EasAccountId accountId, quint64 emailAccountId) const
 {
     DatabaseStatement select(mDatabase,
         QStringLiteral("SELECT email_account_id FROM accounts WHERE account_id=%1").arg(accountId));
@@ -72,7 +62,7 @@ bool EasDatabase::initializeAccountsTable(EasAccountId accountId, quint64 emailA
     return insert.run() || insert.fail("Can't add an account row for account", accountId);
 }
 
-bool EasDatabase::initializeCollectionsTable(EasAccountId accountId) const
+bool AccountRows::initializeCollectionsTable(EasAccountId accountId) const
 {
     DatabaseStatement select(mDatabase,
         QStringLiteral("SELECT synckey FROM collections WHERE account_id=%1 AND type=0").arg(accountId));
@@ -88,7 +78,7 @@ bool EasDatabase::initializeCollectionsTable(EasAccountId accountId) const
     return insert.run() || insert.fail("can't create a folderSyncKey row. Error:");
 }
 
-Lookup<quint64> EasDatabase::emailAccountId(EasAccountId accountId) const
+Lookup<quint64> AccountRows::emailAccountId(EasAccountId accountId) const
 {
     if (!initializeAccountsTable(accountId, 0)) {
         qCCritical(eas()) << "accounts table is not initialized";
@@ -100,7 +90,7 @@ Lookup<quint64> EasDatabase::emailAccountId(EasAccountId accountId) const
         [](const DatabaseStatement &row) { return row.value(0).toULongLong(); });
 }
 
-void EasDatabase::setEmailAccountId(EasAccountId accountId, quint64 emailAccountId)
+void AccountRows::setEmailAccountId(EasAccountId accountId, quint64 emailAccountId) const
 {
     if (!initializeAccountsTable(accountId, emailAccountId)) {
         qCCritical(eas()) << "accounts table is not initialized.";
@@ -116,7 +106,7 @@ void EasDatabase::setEmailAccountId(EasAccountId accountId, quint64 emailAccount
                           << "Error:" << update.errorText();
 }
 
-Lookup<QString> EasDatabase::folderSyncKey(EasAccountId accountId) const
+Lookup<QString> AccountRows::folderSyncKey(EasAccountId accountId) const
 {
     const QString initialKey = ProtocolUtils::InitialSyncKey;
     if (!initializeCollectionsTable(accountId)) {
@@ -131,7 +121,7 @@ Lookup<QString> EasDatabase::folderSyncKey(EasAccountId accountId) const
         });
 }
 
-bool EasDatabase::setFolderSyncKey(EasAccountId accountId, const QString &syncKey)
+bool AccountRows::setFolderSyncKey(EasAccountId accountId, const QString &syncKey) const
 {
     if (!initializeCollectionsTable(accountId)) {
         qCCritical(eas()) << CollectionsNotInitialized << accountId;
@@ -147,36 +137,33 @@ bool EasDatabase::setFolderSyncKey(EasAccountId accountId, const QString &syncKe
     return false;
 }
 
-Lookup<EasDatabase::AppDataType> EasDatabase::getAppDataType(const QString &serverId)
+bool AccountRows::remove(EasAccountId accountId) const
 {
-    DatabaseStatement select(mDatabase,
-        QStringLiteral("SELECT 2 FROM contacts WHERE server_id = :server_id_value "
-                       "UNION SELECT 1 FROM emails WHERE server_id = :server_id_value "
-                       "UNION SELECT 3 FROM calendar WHERE server_id = :server_id_value"));
-    select.bind(QStringLiteral(":server_id_value"), serverId);
-    const StatementFailure failure("Can't exec getAppDataType() query for serverId:",
-        "Can't prepare getAppDataType() query for serverId:");
-    return DatabaseReading::value(
-        select, failure, AppDataNone,
-        [](const DatabaseStatement &row) { return AppDataType(row.value(0).toInt()); }, serverId);
-}
-
-void EasDatabase::removeAccount(EasAccountId accountId)
-{
-    startDataBaseTimer(ReleaseTimeout);
-    for (const AccountRows &rows : RowsOfAnAccount) {
-        DatabaseStatement statement(mDatabase,
+    for (const AccountTable &table : TablesOfAnAccount) {
+        DatabaseStatement removal(mDatabase,
             QStringLiteral("DELETE FROM %1 WHERE account_id=%2")
-                .arg(QLatin1String(rows.table))
+                .arg(QLatin1String(table.name))
                 .arg(accountId));
-        if (!statement.run()) {
-            statement.fail(rows.failure);
-            return;
-        }
+        if (!removal.run())
+            return removal.fail(table.failure);
     }
+    return true;
 }
 
-bool EasDatabase::clearAccount(EasAccountId accountId)
+Lookup<QList<EasAccountId>> AccountRows::othersThan(const QList<quint64> &accountIds) const
+{
+    DatabaseStatement select(mDatabase, QStringLiteral("SELECT * FROM accounts"));
+    QList<EasAccountId> others;
+    const bool complete =
+        DatabaseReading::eachRow(select, CantQueryAccounts, [&](const DatabaseStatement &row) {
+            const EasAccountId id = row.value(0).toULongLong();
+            if (!accountIds.contains(id))
+                others.append(id);
+        });
+    return complete ? Lookup<QList<EasAccountId>>(others) : Lookup<QList<EasAccountId>>::unread();
+}
+
+bool AccountRows::clear(EasAccountId accountId) const
 {
     qCInfo(eas()) << "Clearing account with ID:" << accountId;
     // The key goes first: under one that still holds, the server would never send again what has gone here.
@@ -187,7 +174,7 @@ bool EasDatabase::clearAccount(EasAccountId accountId)
         qCWarning(eas()) << "Failed to clean up storages for account ID:" << accountId;
         return false;
     }
-    removeAccount(accountId);
+    remove(accountId);
     setFolderSyncKey(accountId, ProtocolUtils::InitialSyncKey);
     EasAccount *account = RequestManager::instance()->account(accountId);
     if (!account) {
@@ -198,43 +185,13 @@ bool EasDatabase::clearAccount(EasAccountId accountId)
     return true;
 }
 
-bool EasDatabase::finishClearingAccount(EasAccountId accountId)
+bool AccountRows::removeDeleted(const QList<EasAccountId> &accountIds) const
 {
-    const Lookup<QString> key = folderSyncKey(accountId);
-    if (!key || *key != ProtocolUtils::InitialSyncKey)
-        return bool(key);
-    const Lookup<QMap<QString, QString>> folders = serverToLocalFolderIds(accountId);
-    const Lookup<QMap<QString, QString>> messages = serverToLocalEmailIds(accountId);
-    if (!folders || !messages)
-        return false;
-    QStringList left = folders->keys() + messages->keys();
-    left.removeAll(QString()); // the hierarchy itself
-    return left.isEmpty() || clearAccount(accountId);
-}
-
-bool EasDatabase::cleanUp(const QList<quint64> &accountIds)
-{
-    DatabaseStatement select(mDatabase, QStringLiteral("SELECT * FROM accounts"));
-    QList<EasAccountId> gone;
-    QStringList names;
-    const bool complete =
-        DatabaseReading::eachRow(select, CantQueryAccounts, [&](const DatabaseStatement &row) {
-            const EasAccountId id = row.value(0).toULongLong();
-            if (!accountIds.contains(id)) {
-                gone.append(id);
-                names.append(QString::number(id));
-            }
-        });
-    if (!complete)
-        return false;
-    if (gone.isEmpty())
-        return true;
-    qCInfo(eas()) << "accounts for clean up:" << names.join(QStringLiteral(", "));
-    if (!StoragesFactory::cleanUpDeletedAccounts(gone)) {
+    if (!StoragesFactory::cleanUpDeletedAccounts(accountIds)) {
         qCWarning(eas()) << "failed to clean up storages";
         return false;
     }
-    for (const EasAccountId id : qAsConst(gone))
-        removeAccount(id);
+    for (const EasAccountId id : accountIds)
+        remove(id);
     return true;
 }

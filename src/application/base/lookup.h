@@ -43,9 +43,6 @@ public:
     /** For a log line, or where the fallback harms nothing: work must not go on under it. */
     T valueOr(T fallback) const { return mValue.value_or(std::move(fallback)); }
 
-    /** Goes away: the empty value where nothing was read. Ask first, then take the value with `*`. */
-    operator T() const { return mValue.value_or(T()); }
-
 private:
     Lookup() = default;
 
