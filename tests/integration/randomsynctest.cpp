@@ -212,17 +212,20 @@ Snapshot RandomRun::snapshot() const
 QString RandomRun::syncAndCompare()
 {
     // One sync is not always enough: to a request that it knows a server repeats the answer that was lost,
-    // without what came later, and it takes no mark for a message that it has only just moved.
+    // without what came later, and it takes no mark for a message that it has only just moved. What came
+    // later may have saved an item as it was, so equal sides do not say that it has come; until it has, the
+    // next edit on the device is in conflict with it.
     constexpr int Rounds = 3;
+    const int needed = mHadFault ? 2 : 1;
     const Snapshot before = snapshot();
     QString wrong;
-    for (int round = 0; round < Rounds; ++round) {
+    for (int round = 1; round <= Rounds; ++round) {
         const int status = mBed.sync();
         mStory.append(QStringLiteral("a sync ends with %1").arg(status));
         if (status != 0)
             return QStringLiteral("an undisturbed sync ended with %1").arg(status);
         wrong = wrongResult(before, snapshot());
-        if (wrong.isEmpty())
+        if (wrong.isEmpty() && round >= needed)
             break;
     }
     mEditedOnServer.clear();
