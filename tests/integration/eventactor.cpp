@@ -2,6 +2,7 @@
 #include "integration/eventactor.h"
 
 #include "integration/dice.h"
+#include "simulator/eventitem.h"
 #include "support/devicecalendar.h"
 #include "support/pimlisting.h"
 #include "support/synctestbed.h"
@@ -21,10 +22,128 @@ QDateTime wall(int day, int hour)
     return QDateTime(QDate(2036, 3, 3).addDays(day), QTime(hour, 0), QTimeZone(zoneId));
 }
 
+/**
+ * A rule that meets its first day and is read alike by everybody: no days that some months lack, no sets of
+ * days of a month, and no Sunday in every second week.
+ */
+Simulator::EventRule anyRule(Dice &dice, const QDate &first)
+{
+    using Rule = Simulator::EventRule;
+    static const QList<int> types { Rule::Daily, Rule::Weekly, Rule::MonthlyByDay, Rule::MonthlyByWeekDay,
+        Rule::YearlyByDay, Rule::YearlyByWeekDay };
+    const int firstBit = 1 << (first.dayOfWeek() % 7);
+    Rule rule;
+    rule.type = types.at(dice.below(types.size()));
+    rule.interval = 1 + dice.below(2);
+    rule.occurrences = Occurrences;
+    if (rule.type == Rule::Weekly) {
+        rule.dayOfWeek = firstBit | Rule::Wednesday;
+        if (firstBit == Rule::Sunday)
+            rule.interval = 1;
+    } else if (rule.type == Rule::MonthlyByDay || rule.type == Rule::YearlyByDay) {
+        rule.dayOfMonth = first.day();
+    } else if (rule.type != Rule::Daily) {
+        rule.dayOfWeek = firstBit;
+        rule.weekOfMonth = (first.day() + 6) / 7;
+    }
+    if (rule.type == Rule::YearlyByDay || rule.type == Rule::YearlyByWeekDay)
+        rule.monthOfYear = first.month();
+    return rule;
+}
+
+/** The days of a series but for its first. */
+QList<QDate> laterDays(const Simulator::EventRule &rule, const QDate &first)
+{
+    QList<QDate> days;
+    const QDate last = first.addYears(2 * Occurrences);
+    for (QDate day = first.addDays(1); day < last && days.size() < Occurrences - 1; day = day.addDays(1)) {
+        if (rule.meets(day, first))
+            days.append(day);
+    }
+    return days;
+}
+
+/** The same on the device, as one makes it there; without those that are excluded. */
+QList<QDateTime> laterMoments(const DeviceEvent::Ptr &event)
+{
+    return event->recurrence()->timesInInterval(
+        event->dtStart().addSecs(1), event->dtStart().addYears(2 * Occurrences));
+}
+
+void setRule(const DeviceEvent::Ptr &event, Dice &dice)
+{
+    using Rule = Simulator::EventRule;
+    const QDate first = event->dtStart().date();
+    const Rule rule = anyRule(dice, first);
+    KCalendarCore::Recurrence &recurrence = *event->recurrence();
+    QBitArray days(7);
+    for (int day = 1; day <= days.size(); ++day)
+        days.setBit(day - 1, (rule.dayOfWeek & (1 << (day % 7))) != 0);
+    if (rule.type == Rule::Daily) {
+        recurrence.setDaily(rule.interval);
+    } else if (rule.type == Rule::Weekly) {
+        recurrence.setWeekly(rule.interval, days);
+    } else if (rule.type == Rule::MonthlyByDay) {
+        recurrence.setMonthly(rule.interval);
+        recurrence.addMonthlyDate(short(rule.dayOfMonth));
+    } else if (rule.type == Rule::MonthlyByWeekDay) {
+        recurrence.setMonthly(rule.interval);
+        recurrence.addMonthlyPos(short(rule.weekOfMonth), days);
+    } else {
+        recurrence.setYearly(rule.interval);
+        recurrence.addYearlyMonth(short(rule.monthOfYear));
+        if (rule.type == Rule::YearlyByDay)
+            recurrence.addYearlyDate(rule.dayOfMonth);
+        else
+            recurrence.addYearlyPos(short(rule.weekOfMonth), days);
+    }
+    recurrence.setDuration(Occurrences);
+}
+
+/**
+ * An event that both sides have moved, or one has moved and the other has changed, is two events from then
+ * on: all of one name count as one item, in whatever order they are listed.
+ */
+ItemActor::State withCopies(const PimListing::Listing &listing)
+{
+    QMap<QString, QStringList> byName;
+    for (auto event = listing.cbegin(); event != listing.cend(); ++event)
+        byName[event.key().section(QLatin1String(" (copy"), 0, 0)].append(event.value());
+    ItemActor::State state;
+    for (auto name = byName.begin(); name != byName.end(); ++name) {
+        name->sort();
+        state.insert(name.key(), name->join(QStringLiteral(" and ")));
+    }
+    return state;
+}
+
+/** The other of the account's two calendars, once the device has both. */
+QString otherNotebook(const DeviceCalendar &device, EasAccountId accountId, const QString &notebook)
+{
+    const QStringList notebooks = device.notebooksOf(accountId);
+    for (const QString &other : notebooks) {
+        if (other != notebook)
+            return other;
+    }
+    return QString();
+}
+
+void moveOnDevice(
+    DeviceCalendar &device, const DeviceEvent::Ptr &event, const QString &notebook, const QDateTime &now)
+{
+    const DeviceEvent::List parts = DeviceEvent::List { event } + device.calendar->eventInstances(event);
+    for (const DeviceEvent::Ptr &part : parts) {
+        device.calendar->setNotebook(part, notebook);
+        part->setLastModified(now);
+    }
+}
+
 } // namespace
 
 EventActor::EventActor(SyncTestBed &bed)
     : mBed(bed)
+    , mFolders { bed.calendarId(),
+        bed.mailbox().addFolder(QStringLiteral("Second"), Simulator::UserCalendarFolder) }
 {
 }
 
@@ -47,10 +166,9 @@ ItemActor::Edit EventActor::createOnServer(Dice &dice)
             ServerEvent::timed(name, zoneId, QDateTime(wall(day, 0).date(), QTime(8 + dice.below(9), 0)), 45);
     }
     if (kind == 2) {
-        event.rule = Simulator::EventRule();
-        event.rule->occurrences = Occurrences;
+        event.rule = anyRule(dice, event.start.date());
     }
-    mBed.place(event);
+    mBed.mailbox().addItem(dice.pick(mFolders), Simulator::EventItem::make(event));
     static const QStringList kinds { QStringLiteral("days"), QStringLiteral("hours"),
         QStringLiteral("a series") };
     return { name, QStringLiteral("made, ") + kinds.at(kind) };
@@ -58,7 +176,7 @@ ItemActor::Edit EventActor::createOnServer(Dice &dice)
 
 ItemActor::Edit EventActor::createOnDevice(Dice &dice, DeviceCalendar &device)
 {
-    const QString notebook = device.notebookOf(mBed.accountId());
+    const QString notebook = dice.pick(device.notebooksOf(mBed.accountId()));
     if (notebook.isEmpty())
         return {};
     const QString name = newName();
@@ -67,10 +185,8 @@ ItemActor::Edit EventActor::createOnDevice(Dice &dice, DeviceCalendar &device)
     event->setDtStart(wall(dice.below(28), 8 + dice.below(9)));
     event->setDtEnd(event->dtStart().addSecs(3600));
     const bool isSeries = dice.oneIn(2);
-    if (isSeries) {
-        event->recurrence()->setDaily(1);
-        event->recurrence()->setDuration(Occurrences);
-    }
+    if (isSeries)
+        setRule(event, dice);
     device.calendar->addEvent(event, notebook);
     event->setCreated(mBed.clock().currentDateTimeUtc());
     event->setLastModified(mBed.clock().currentDateTimeUtc());
@@ -80,7 +196,8 @@ ItemActor::Edit EventActor::createOnDevice(Dice &dice, DeviceCalendar &device)
 
 ItemActor::Edit EventActor::editServer(Dice &dice, const QSet<QString> &delicate)
 {
-    const auto items = mBed.mailbox().items(mBed.calendarId());
+    const QString folder = dice.pick(mFolders);
+    const auto items = mBed.mailbox().items(folder);
     if (items.isEmpty() || dice.oneIn(3))
         return createOnServer(dice);
     const QString id = items.at(dice.below(items.size())).serverId;
@@ -88,12 +205,17 @@ ItemActor::Edit EventActor::editServer(Dice &dice, const QSet<QString> &delicate
     if (delicate.contains(before.subject))
         return {};
     const QString text = QStringLiteral("s%1").arg(dice.below(1000));
-    const int what = dice.below(7);
+    const int what = dice.below(8);
     if (what == 0) {
         mBed.mailbox().remove(id);
         return { before.subject, QStringLiteral("removed") };
     }
-    const QDate day = before.start.date().addDays(1 + dice.below(Occurrences - 1));
+    if (what == 7) {
+        mBed.mailbox().move(id, mFolders.at(folder == mFolders.constFirst() ? 1 : 0));
+        return { before.subject, QStringLiteral("moved to the other calendar") };
+    }
+    const int occurrence = dice.below(Occurrences - 1);
+    const QDate day = before.rule ? laterDays(*before.rule, before.start.date()).value(occurrence) : QDate();
     if ((what >= 5 && !before.rule) || (what == 4 && before.rule))
         return {};
     mBed.editEvent(id, [&](ServerEvent &event) {
@@ -133,16 +255,26 @@ ItemActor::Edit EventActor::editDevice(Dice &dice, const QSet<QString> &delicate
         return {};
     const DeviceEvent::Ptr event = device.withSummary(name);
     const QString text = QStringLiteral("d%1").arg(dice.below(1000));
-    const int what = dice.below(7);
+    const int what = dice.below(8);
     if (what == 0) {
         device.remove(event, now);
         return { name, QStringLiteral("removed") };
     }
-    const QDate day = event->dtStart().date().addDays(1 + dice.below(Occurrences - 1));
+    const QString notebook = device.calendar->notebook(event);
+    if (what == 7) {
+        const QString other = otherNotebook(device, mBed.accountId(), notebook);
+        if (other.isEmpty())
+            return {};
+        moveOnDevice(device, event, other, now);
+        device.storage->save();
+        return { name, QStringLiteral("moved to the other calendar") };
+    }
+    const int occurrence = dice.below(Occurrences - 1);
+    const QDateTime moment = event->recurs() ? laterMoments(event).value(occurrence) : QDateTime();
     // Whether an occurrence of its own gets longer with its series is a matter of taste.
     if (what == 4 && event->recurs())
         return {};
-    if (what >= 5 && (!event->recurs() || !event->recurrence()->recursOn(day, QTimeZone(zoneId))))
+    if (what >= 5 && !moment.isValid())
         return {};
     if (what == 1) {
         event->setLocation(text);
@@ -157,17 +289,16 @@ ItemActor::Edit EventActor::editDevice(Dice &dice, const QSet<QString> &delicate
     } else if (what == 4) {
         event->setDtEnd(event->allDay() ? event->dtEnd().addDays(1) : event->dtEnd().addSecs(900));
     } else if (what == 5) {
-        const QDateTime moment(day, event->dtStart().time(), event->dtStart().timeZone());
         const auto exception = device.calendar->event(event->uid(), moment);
         if (exception)
             return {};
         event->recurrence()->addExDateTime(moment);
     } else {
-        const DeviceEvent::Ptr exception = device.occurrence(event, day);
+        const DeviceEvent::Ptr exception = device.occurrence(event, moment.date());
         if (!exception)
             return {};
         exception->setLocation(text);
-        device.calendar->addEvent(exception, device.notebookOf(mBed.accountId()));
+        device.calendar->addEvent(exception, notebook);
         exception->setCreated(now);
         exception->setLastModified(now);
     }
@@ -178,10 +309,10 @@ ItemActor::Edit EventActor::editDevice(Dice &dice, const QSet<QString> &delicate
 
 ItemActor::State EventActor::serverState()
 {
-    return PimListing::serverEvents(mBed.mailbox());
+    return withCopies(PimListing::serverEvents(mBed.mailbox()));
 }
 
 ItemActor::State EventActor::deviceState()
 {
-    return PimListing::deviceEvents(mBed.accountId());
+    return withCopies(PimListing::deviceEvents(mBed.accountId()));
 }

@@ -4,11 +4,13 @@
 #include "integration/itemactor.h"
 
 #include <QDate>
+#include <QStringList>
 
 class DeviceCalendar;
 class SyncTestBed;
 
-/** Events and series are made, moved, relabelled and deleted, and single occurrences too. */
+/** Events and series of each kind are made in two calendars, moved between them, relabelled and deleted, and
+ * single occurrences too. */
 class EventActor : public ItemActor
 {
 public:
@@ -25,5 +27,7 @@ private:
     QString newName();
 
     SyncTestBed &mBed;
+    /** The server's identifiers of the two calendars. */
+    const QStringList mFolders;
     int mCreated = 0;
 };

@@ -57,6 +57,17 @@ QString DeviceCalendar::notebookOf(EasAccountId accountId) const
     return {};
 }
 
+QStringList DeviceCalendar::notebooksOf(EasAccountId accountId) const
+{
+    QMap<QString, QString> byName;
+    const auto notebooks = storage->notebooks();
+    for (const auto &notebook : notebooks) {
+        if (notebook->account() == QString::number(accountId))
+            byName.insert(notebook->name(), notebook->uid());
+    }
+    return byName.values();
+}
+
 Event::Ptr DeviceCalendar::occurrence(const Event::Ptr &series, const QDate &day) const
 {
     const QDateTime start(day, series->dtStart().time(), series->dtStart().timeZone());

@@ -20,6 +20,8 @@ public:
     KCalendarCore::Event::Ptr withSummary(const QString &summary) const;
     /** The account's only calendar. */
     QString notebookOf(EasAccountId accountId) const;
+    /** All of an account's, in the order of their names. */
+    QStringList notebooksOf(EasAccountId accountId) const;
     /** An exception to be, which is in no calendar yet; null if the series has no such occurrence. */
     KCalendarCore::Event::Ptr occurrence(const KCalendarCore::Event::Ptr &series, const QDate &day) const;
 

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "support/pimlisting.h"
 
+#include "easitems/eascalendaritem.h"
 #include "simulator/contactitem.h"
 #include "simulator/eventitem.h"
 #include "simulator/mailbox.h"
+#include "storages/calendar/calendarrecurrence.h"
 #include "storages/contacts/contactstoremanager.h"
 #include "support/contactfixture.h"
 #include "support/devicecalendar.h"
@@ -114,18 +116,58 @@ void PimListing::enter(Listing &listing, const QString &name, const QString &val
     listing.insert(key, value);
 }
 
+namespace {
+
+QString ruleText(
+    int type, int interval, int occurrences, int dayOfWeek, int weekOfMonth, int dayOfMonth, int monthOfYear)
+{
+    return QStringLiteral(" rule %1 every %2, %3 times, days %4 of week %5, day %6 of month %7")
+        .arg(type)
+        .arg(interval)
+        .arg(occurrences)
+        .arg(dayOfWeek)
+        .arg(weekOfMonth)
+        .arg(dayOfMonth)
+        .arg(monthOfYear);
+}
+
+QString ruleText(const Event::Ptr &event)
+{
+    EasCalendarItem item;
+    if (!event->recurs() || !CalendarRecurrence::applyRecurrence(event, item, false))
+        return QString();
+    const EasRecurrenceContainer rule = item.recurrence();
+    return ruleText(rule.type(), rule.interval(), rule.occurrences(), rule.dayOfWeek(), rule.weekOfMonth(),
+        rule.dayOfMonth(), rule.monthOfYear());
+}
+
+void enterServerEvent(PimListing::Listing &listing, const Simulator::Event &event, const QString &calendar)
+{
+    QStringList exceptions;
+    for (const Simulator::EventException &exception : event.exceptions) {
+        exceptions.append(exceptionLine(exception.original,
+            exception.isDeleted ? QStringLiteral("none") : textOf(event.detailsOf(exception)).times));
+    }
+    const QString rule = event.rule
+        ? ruleText(event.rule->type, event.rule->interval, event.rule->occurrences, event.rule->dayOfWeek,
+            event.rule->weekOfMonth, event.rule->dayOfMonth, event.rule->monthOfYear)
+        : QString();
+    PimListing::enter(listing, event.subject,
+        calendar + QStringLiteral(": ") + withExceptions(textOf(event), exceptions) + rule);
+}
+
+} // namespace
+
 PimListing::Listing PimListing::serverEvents(const Simulator::Mailbox &mailbox)
 {
     Listing listing;
-    const auto events =
-        itemsOf<Simulator::EventItem>(mailbox, mailbox.folderOfType(Simulator::CalendarFolder).id);
-    for (const Simulator::Event &event : events) {
-        QStringList exceptions;
-        for (const Simulator::EventException &exception : event.exceptions) {
-            exceptions.append(exceptionLine(exception.original,
-                exception.isDeleted ? QStringLiteral("none") : textOf(event.detailsOf(exception)).times));
-        }
-        enter(listing, event.subject, withExceptions(textOf(event), exceptions));
+    const auto folders = mailbox.folders();
+    for (const Simulator::MailFolder &folder : folders) {
+        if (folder.type != Simulator::CalendarFolder && folder.type != Simulator::UserCalendarFolder)
+            continue;
+        const auto events = itemsOf<Simulator::EventItem>(mailbox, folder.id);
+        for (const Simulator::Event &event : events)
+            enterServerEvent(listing, event, folder.name);
     }
     return listing;
 }
@@ -153,7 +195,10 @@ PimListing::Listing PimListing::deviceEvents(EasAccountId accountId)
                 : instance->recurrenceId();
             exceptions.append(exceptionLine(original, textOf(instance.staticCast<Event>()).times));
         }
-        enter(listing, event->summary(), withExceptions(textOf(event), exceptions));
+        const auto notebook = device.storage->notebook(device.calendar->notebook(event));
+        enter(listing, event->summary(),
+            (notebook ? notebook->name() : QString()) + QStringLiteral(": ")
+                + withExceptions(textOf(event), exceptions) + ruleText(event));
     }
     return listing;
 }
