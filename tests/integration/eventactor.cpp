@@ -19,7 +19,7 @@ constexpr int EditInterval = 2000;
 
 QDateTime wall(int day, int hour)
 {
-    return QDateTime(QDate(2036, 3, 3).addDays(day), QTime(hour, 0), QTimeZone(zoneId));
+    return QDateTime(QDate(2031, 3, 3).addDays(day), QTime(hour, 0), QTimeZone(zoneId));
 }
 
 /**
@@ -48,6 +48,9 @@ Simulator::EventRule anyRule(Dice &dice, const QDate &first)
     }
     if (rule.type == Rule::YearlyByDay || rule.type == Rule::YearlyByWeekDay)
         rule.monthOfYear = first.month();
+    // A series ends before 2038, from where on tables of zones are not read alike.
+    if (rule.monthOfYear != 0)
+        rule.interval = 1;
     return rule;
 }
 
