@@ -2,7 +2,6 @@
 #include "easitems/algorithms/syncresponseparser.h"
 
 #include "application/base/logging.h"
-#include "application/mapping/easdatabase.h"
 #include "protocol/wbxml/wbxmltokens.h"
 
 #include <QDebug>
@@ -17,7 +16,7 @@ SyncResponseParser::SyncResponseParser(QObject *parent)
 bool SyncResponseParser::ready() const
 {
     // An item whose class could not be looked up has been passed over, and must not count as read.
-    return WbxmlParserBase::ready() && mParsePhase == Done && !mTypeUnread;
+    return WbxmlParserBase::ready() && mParsePhase == Done && !mItem.typeUnread();
 }
 
 void SyncResponseParser::parse(const QByteArray &data)
@@ -25,7 +24,7 @@ void SyncResponseParser::parse(const QByteArray &data)
     mStatus = 0;
     mLimit = 0;
     mCollections.clear();
-    mTypeUnread = false;
+    mItem.clearTypeUnread();
     mParsePhase = data.isEmpty() ? Done : BeforeRoot;
     WbxmlParserBase::parse(data);
 }
@@ -36,12 +35,7 @@ void SyncResponseParser::onStartElement(uint codePage, uint token)
     if (codePage == AirSync::Sync.page) {
         startAirSyncElement(token);
     } else if (mInAppData) {
-        // An element may be all that an item has, such as the empty flag that takes a flag away, so that it
-        // tells the class already before any text does.
-        setAppDataType(codePage);
-        if (AppDataParserBase *const parser = appDataParser()) {
-            parser->onStartElement(codePage, token);
-        }
+        mItem.onStartElement(codePage, token, itemServerId());
     } else if (isRootStatus(codePage, token)) {
         // This is how a server answers a Sync that it cannot read.
         mParsePhase = SyncLevel;
@@ -90,8 +84,7 @@ void SyncResponseParser::startAirSyncElement(uint token)
         break;
     case AirSync::ApplicationData:
         mInAppData = true;
-        mTypeLookedUp = false;
-        mBodyContainer.clear();
+        mItem.begin();
         break;
     default:
         break;
@@ -101,7 +94,7 @@ void SyncResponseParser::startAirSyncElement(uint token)
 void SyncResponseParser::startCommand(CommandKind kind)
 {
     mCommandKind = kind;
-    mEmailParser.setChangeItem(kind == ChangeKind);
+    mItem.setChangeItem(kind == ChangeKind);
 }
 
 void SyncResponseParser::onEndElement(uint codePage, uint token)
@@ -109,9 +102,7 @@ void SyncResponseParser::onEndElement(uint codePage, uint token)
     if (codePage == AirSync::Sync.page) {
         endAirSyncElement(token);
     } else if (mInAppData) {
-        if (AppDataParserBase *const parser = appDataParser()) {
-            parser->onEndElement(codePage, token);
-        }
+        mItem.onEndElement(codePage, token);
     } else if (isRootStatus(codePage, token)) {
         mParsePhase = Done;
     } else {
@@ -141,7 +132,7 @@ void SyncResponseParser::endAirSyncElement(uint token)
         endCommand(DeleteKind);
         break;
     case AirSync::SoftDelete:
-        appendCurrentCmdToContainer();
+        takeDeletion();
         break;
     case AirSync::Collection:
         mCollections.append(mCurrentCollection);
@@ -149,9 +140,8 @@ void SyncResponseParser::endAirSyncElement(uint token)
         mParsePhase = SyncLevel;
         break;
     case AirSync::ApplicationData:
-        appendCurrentCmdToContainer();
+        takeItem();
         mInAppData = false;
-        mAppDataType = ItemsCommon::None;
         break;
     default:
         break;
@@ -161,9 +151,8 @@ void SyncResponseParser::endAirSyncElement(uint token)
 void SyncResponseParser::endCommand(CommandKind kind)
 {
     if (mParsePhase != InResponses) {
-        if (kind == DeleteKind) {
-            appendCurrentCmdToContainer();
-        }
+        if (kind == DeleteKind)
+            takeDeletion();
         return;
     }
     switch (kind) {
@@ -189,7 +178,7 @@ void SyncResponseParser::onContent(uint codePage, uint token, const QString &tex
     if (codePage == AirSync::Sync.page) {
         airSyncContent(token, text);
     } else if (mInAppData) {
-        parseAppData(codePage, token, text, raw);
+        mItem.onContent(codePage, token, text, raw, itemServerId());
     } else if (isRootStatus(codePage, token)) {
         statusContent(text);
     } else {
@@ -287,4 +276,42 @@ void SyncResponseParser::limitContent(const QString &text)
     } else {
         qCWarning(eas()) << "Cannot convert to int: " << text;
     }
+}
+
+QString SyncResponseParser::itemServerId() const
+{
+    if (mParsePhase == InResponses && mCommandKind == AddKind)
+        return mCurrentAdd.serverId();
+    if (mParsePhase == InResponses && mCommandKind == ChangeKind)
+        return mCurrentChange.serverId();
+    if (mParsePhase == InResponses && mCommandKind == DeleteKind)
+        return mCurrentDelete.serverId();
+    return mCurrentServerId;
+}
+
+SyncItemParser::Use SyncResponseParser::use() const
+{
+    if (mCommandKind == FetchKind)
+        return SyncItemParser::Use::Fetched;
+    // What a server adds to its answer about an upload is no item of its own.
+    if (mParsePhase == InResponses)
+        return SyncItemParser::Use::Ignored;
+    if (mCommandKind == AddKind)
+        return SyncItemParser::Use::Added;
+    return mCommandKind == ChangeKind ? SyncItemParser::Use::Changed : SyncItemParser::Use::Ignored;
+}
+
+void SyncResponseParser::takeItem()
+{
+    mItem.end(mCurrentCollection, use(), mCurrentServerId);
+    // The identifier of a deletion is taken with the deletion's own end.
+    if (mCommandKind != DeleteKind && mCommandKind != SoftDeleteKind)
+        mCurrentServerId.clear();
+}
+
+void SyncResponseParser::takeDeletion()
+{
+    if (!mCurrentServerId.isEmpty())
+        mCurrentCollection.appendDeletedIds(mCurrentServerId);
+    mCurrentServerId.clear();
 }

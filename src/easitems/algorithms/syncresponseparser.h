@@ -1,19 +1,14 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
-#include "easitems/algorithms/calendarappdataparser.h"
-#include "easitems/algorithms/contactsappdataparser.h"
-#include "easitems/algorithms/emailappdataparser.h"
-#include "easitems/itemscommon.h"
+#include "easitems/algorithms/syncitemparser.h"
 #include "protocol/elements/synccollection.h"
 #include "protocol/wbxml/wbxmlparserbase.h"
 
 /**
- * Reads the reply of a Sync into collections with typed items.
+ * Reads the reply of a Sync into collections with typed items, whose data is read by a SyncItemParser.
  *
- * The reply does not always say of which class an item is. The code page of its first field tells, and where
- * that is one which all classes use, the mapping database is asked. An empty reply is ready at once, with
- * status 0 and no collections: nothing has changed.
+ * An empty reply is ready at once, with status 0 and no collections: nothing has changed.
  */
 class SyncResponseParser : public WbxmlParserBase
 {
@@ -58,24 +53,13 @@ private:
     void classContent(const QString &itemClass);
     void limitContent(const QString &text);
 
-    void parseAppData(uint page, uint token, const QString &text, const QByteArray &raw);
-    void parseBodyFields(uint page, uint token, const QString &text);
-    bool setAppDataType(uint page);
-    void lookUpType();
-    AppDataParserBase *appDataParser();
     QString itemServerId() const;
-    void appendCurrentCmdToContainer();
-    template <class Item> using AppendItem = void (SyncCollection::*)(const Item &, const QString &);
-    template <class Parser, class Item>
-    void appendItem(Parser &parser, Item item, AppendItem<Item> added, AppendItem<Item> changed,
-        AppendItem<Item> fetched);
+    SyncItemParser::Use use() const;
+    void takeItem();
+    void takeDeletion();
 
     ParsePhase mParsePhase = BeforeRoot;
     CommandKind mCommandKind = NoKind;
-    ItemsCommon::ItemDataType mAppDataType = ItemsCommon::None;
-    bool mTypeLookedUp = false;
-    /** The class of an item could not be looked up, so that its data was left out. */
-    bool mTypeUnread = false;
     uint mStatus = 0;
     int mLimit = 0;
     bool mInAppData = false;
@@ -85,8 +69,5 @@ private:
     AirSyncResponseDeleteItem mCurrentDelete;
     AirSyncResponseChangeItem mCurrentChange;
     AirSyncResponseAddItem mCurrentAdd;
-    EasBodyContainer mBodyContainer;
-    EmailAppDataParser mEmailParser;
-    CalendarAppDataParser mCalendarParser;
-    ContactsAppDataParser mContactsParser;
+    SyncItemParser mItem;
 };
