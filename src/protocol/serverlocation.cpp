@@ -6,8 +6,8 @@
 
 namespace {
 
-constexpr QLatin1String Secure("https");
-constexpr QLatin1String Plain("http");
+const QLatin1String Secure("https");
+const QLatin1String Plain("http");
 constexpr int HighestPort = 65535;
 
 } // namespace
