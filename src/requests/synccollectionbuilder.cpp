@@ -183,7 +183,7 @@ template <typename Item> void SyncCollectionBuilder::keepWhatFits(QList<Item> &i
     for (const Item &item : qAsConst(items)) {
         if (!mBudget.take(item.localId()))
             continue;
-        mBudget.addBytes(sizeOf(item));
+        mBudget.setBytes(item.localId(), sizeOf(item));
         kept.append(item);
     }
     items = kept;
@@ -247,7 +247,7 @@ void SyncCollectionBuilder::appendContactChanges(SyncCollection &collection, con
     QList<EasContactsItem> added;
     QList<EasContactsItem> changed;
     QStringList deleted;
-    if (!storage->queryChanges(folder, &added, &changed, &deleted)) {
+    if (!storage->queryChanges(folder, &added, &changed, &deleted, &mBudget)) {
         qCWarning(eas()) << "Failed to retreive changes in local contacts";
         return;
     }

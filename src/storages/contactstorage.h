@@ -9,6 +9,7 @@
 
 class EasContactsItem;
 class EasFolderItem;
+class UploadBudget;
 
 /**
  * The device's contact store as the requests see it: contact folders and contacts of one account.
@@ -33,8 +34,9 @@ public:
     virtual bool updateItems(const QString &folderServerId, QList<EasContactsItem> &added,
         QList<EasContactsItem> &changed, const QStringList &deleted) = 0;
     virtual bool cleanUpFolder(const EasFolderItem &folder) = 0;
+    /** With a budget, what does not fit is left out before it is read. */
     virtual bool queryChanges(const EasFolderItem &folder, QList<EasContactsItem> *added,
-        QList<EasContactsItem> *changed, QStringList *deletedServerIds) = 0;
+        QList<EasContactsItem> *changed, QStringList *deletedServerIds, UploadBudget *budget = nullptr) = 0;
     virtual bool uploadedLocalChanges(const QStringList &addedLocalIds, const QStringList &changedLocalIds,
         const QStringList &deletedLocalIds) = 0;
     virtual void setFailedLocalChangesIds(const QStringList &localIds) = 0;

@@ -5,6 +5,7 @@ void UploadBudget::beginFolder(const QSet<QString> &sent)
 {
     mSent = sent;
     mTaken.clear();
+    mBytesTaken.clear();
     mHasLeftOut = false;
 }
 
@@ -21,4 +22,11 @@ bool UploadBudget::take(const QString &id)
     ++mChanges;
     mTaken.insert(id);
     return true;
+}
+
+void UploadBudget::setBytes(const QString &id, qint64 bytes)
+{
+    qint64 &present = mBytesTaken[id];
+    mBytes += bytes - present;
+    present = bytes;
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include <QHash>
 #include <QSet>
 #include <QString>
 
@@ -28,8 +29,8 @@ public:
     bool take(const QString &id);
     /** The name of a deletion, whose item is not in the store any more. */
     static QString deletion(const QString &serverId) { return QLatin1Char('-') + serverId; }
-    /** Notes how long the change is that was taken last. */
-    void addBytes(qint64 bytes) { mBytes += bytes; }
+    /** Notes how long a change is that was taken; the last word about it counts. */
+    void setBytes(const QString &id, qint64 bytes);
 
     bool isSpent() const { return mChanges >= MostChanges || mBytes >= MostBytes; }
     /** Whether a change of the folder did not fit. */
@@ -40,6 +41,7 @@ public:
 private:
     QSet<QString> mSent;
     QSet<QString> mTaken;
+    QHash<QString, qint64> mBytesTaken;
     int mChanges = 0;
     qint64 mBytes = 0;
     bool mHasLeftOut = false;

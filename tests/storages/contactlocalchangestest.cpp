@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "application/mapping/easdatabase.h"
 #include "protocol/wbxml/wbxmltokens.h"
+#include "storages/uploadbudget.h"
 #include "support/contactaccount.h"
 #include "support/logcollector.h"
 #include "support/testmain.h"
@@ -186,6 +187,39 @@ private Q_SLOTS:
         QVERIFY(account.storage().queryChanges(account.folder(), &added, &changed, &deleted));
         for (const EasContactsItem &item : qAsConst(changed))
             QCOMPARE(item.changedFields(), QList<uint>());
+    }
+
+    void whatDoesNotFitIsLeftForTheNextQuery()
+    {
+        ContactAccount account;
+        account.addFolder();
+        QList<EasContactsItem> items;
+        for (int number = 1; number <= 3; ++number)
+            items.append(account.item(QString::number(number), QStringLiteral("Bob")));
+        QVERIFY(account.receive(items));
+        for (const EasContactsItem &item : qAsConst(items))
+            rename(account, account.contact(item.serverId()).id(), QStringLiteral("Eve"));
+
+        UploadBudget budget;
+        for (int number = 1; number < UploadBudget::MostChanges; ++number)
+            QVERIFY(budget.take(QStringLiteral("of another folder ") + QString::number(number)));
+        budget.beginFolder({});
+        QList<EasContactsItem> added;
+        QList<EasContactsItem> changed;
+        QStringList deleted;
+        QVERIFY(account.storage().queryChanges(account.folder(), &added, &changed, &deleted, &budget));
+        QCOMPARE(changed.size(), 1);
+        QVERIFY(budget.hasLeftOut());
+
+        UploadBudget next;
+        next.beginFolder(budget.taken());
+        const QString gone = changed.first().localId();
+        changed.clear();
+        QVERIFY(account.storage().queryChanges(account.folder(), &added, &changed, &deleted, &next));
+        QCOMPARE(changed.size(), 2);
+        for (const EasContactsItem &item : qAsConst(changed))
+            QVERIFY(item.localId() != gone);
+        QVERIFY(!next.hasLeftOut());
     }
 
     void rubbishIsNoIdentifier()

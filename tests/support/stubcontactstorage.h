@@ -50,7 +50,7 @@ public:
     }
     bool cleanUpFolder(const EasFolderItem &) override { return true; }
     bool queryChanges(const EasFolderItem &folder, QList<EasContactsItem> *added,
-        QList<EasContactsItem> *changed, QStringList *deleted) override
+        QList<EasContactsItem> *changed, QStringList *deleted, UploadBudget *) override
     {
         note(QStringLiteral("query ") + folder.serverId());
         *added = localAdded;

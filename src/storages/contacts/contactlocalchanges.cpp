@@ -8,6 +8,7 @@
 #include "storages/contacts/contactfolders.h"
 #include "storages/contacts/contactreader.h"
 #include "storages/contacts/contactstorecontext.h"
+#include "storages/uploadbudget.h"
 
 #include <QtContacts/QContactAvatar>
 #include <QtContacts/QContactManager>
@@ -15,6 +16,22 @@
 QTCONTACTS_USE_NAMESPACE
 using ContactCases::Action;
 using ContactCases::Moment;
+
+namespace {
+
+/** Whether a contact goes up now; its picture is read for that alone. */
+bool fits(const QContact &contact, UploadBudget *budget)
+{
+    return !budget || budget->take(contact.id().toString());
+}
+
+void noteSize(const EasContactsItem &item, UploadBudget *budget)
+{
+    if (budget)
+        budget->setBytes(item.localId(), item.picture().size());
+}
+
+} // namespace
 
 ContactLocalChanges::ContactLocalChanges(const ContactStoreContext &context)
     : mContext(context)
@@ -42,7 +59,7 @@ EasContactsItem ContactLocalChanges::toChangedItem(
 }
 
 bool ContactLocalChanges::queryChanges(const EasFolderItem &folder, QList<EasContactsItem> *added,
-    QList<EasContactsItem> *changed, QStringList *deletedServerIds)
+    QList<EasContactsItem> *changed, QStringList *deletedServerIds, UploadBudget *budget)
 {
     qCDebug(eas()) << "query changes for folder " << folder.serverId();
     const ContactFolders::Lookup present = ContactFolders(mContext).find(folder.serverId());
@@ -60,15 +77,18 @@ bool ContactLocalChanges::queryChanges(const EasFolderItem &folder, QList<EasCon
     // One with a row that is still marked as added is at the server already.
     for (const QContact &contact : fetched.added + fetched.modified) {
         const bool hasRow = rows->hasLocalId(contact.id().toString());
-        if (ContactCases::action(Moment::Query, mStrays.state(contact, hasRow)) == Action::UploadAsChange)
-            changed->append(toChangedItem(contact, folder, *rows));
+        if (ContactCases::action(Moment::Query, mStrays.state(contact, hasRow)) != Action::UploadAsChange
+            || !fits(contact, budget))
+            continue;
+        changed->append(toChangedItem(contact, folder, *rows));
+        noteSize(changed->last(), budget);
     }
     for (const QContact &contact : qAsConst(fetched.deleted)) {
         const QString serverId = rows->serverId(contact.id().toString());
         if (!serverId.isEmpty())
             deletedServerIds->append(serverId);
     }
-    return appendAdded(*present.collection, *rows, folder, added)
+    return appendAdded(*present.collection, *rows, folder, added, budget)
         && forgetLost(missing, fetched.deleted, *rows, folder.serverId());
 }
 
@@ -87,7 +107,7 @@ bool ContactLocalChanges::fetch(
 }
 
 bool ContactLocalChanges::appendAdded(const QContactCollection &collection, const ContactFolderRows &rows,
-    const EasFolderItem &folder, QList<EasContactsItem> *added)
+    const EasFolderItem &folder, QList<EasContactsItem> *added, UploadBudget *budget)
 {
     Contacts strays;
     if (!mStrays.find(collection, rows, &strays))
@@ -98,9 +118,12 @@ bool ContactLocalChanges::appendAdded(const QContactCollection &collection, cons
             mAwaiting.insert(folder.serverId());
             continue;
         }
+        if (!fits(contact, budget))
+            continue;
         const EasContactsItem item = toItem(contact, folder);
         qCDebug(eas()) << "added contacts item local id=" << item.localId();
         added->append(item);
+        noteSize(item, budget);
     }
     return true;
 }

@@ -12,6 +12,7 @@
 #include <QSet>
 #include <QStringList>
 
+class UploadBudget;
 struct ContactStoreContext;
 
 /** Finds what the user changed, by the store's own change flags, and clears them once the server has it. */
@@ -21,7 +22,7 @@ public:
     explicit ContactLocalChanges(const ContactStoreContext &context);
 
     bool queryChanges(const EasFolderItem &folder, QList<EasContactsItem> *added,
-        QList<EasContactsItem> *changed, QStringList *deletedServerIds);
+        QList<EasContactsItem> *changed, QStringList *deletedServerIds, UploadBudget *budget = nullptr);
     /** Whether the latest query left contacts of the folder out until the server has sent everything. */
     bool awaits(const QString &folderServerId) const { return mAwaiting.contains(folderServerId); }
     bool uploadedLocalChanges(const QStringList &addedLocalIds, const QStringList &changedLocalIds,
@@ -40,7 +41,7 @@ private:
     bool fetch(const EasFolderItem &folder, const QtContacts::QContactCollection &collection,
         Fetched *fetched) const;
     bool appendAdded(const QtContacts::QContactCollection &collection, const ContactFolderRows &rows,
-        const EasFolderItem &folder, QList<EasContactsItem> *added);
+        const EasFolderItem &folder, QList<EasContactsItem> *added, UploadBudget *budget);
     /** Local identifiers of rows whose contacts the store does not show. */
     bool findMissing(const QtContacts::QContactCollection &collection, const ContactFolderRows &rows,
         QStringList *missing) const;

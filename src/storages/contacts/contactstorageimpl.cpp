@@ -156,9 +156,9 @@ bool ContactStorageImpl::cleanUpFolder(const EasFolderItem &folder)
 }
 
 bool ContactStorageImpl::queryChanges(const EasFolderItem &folder, QList<EasContactsItem> *added,
-    QList<EasContactsItem> *changed, QStringList *deletedServerIds)
+    QList<EasContactsItem> *changed, QStringList *deletedServerIds, UploadBudget *budget)
 {
-    return storeAvailable() && mLocalChanges.queryChanges(folder, added, changed, deletedServerIds);
+    return storeAvailable() && mLocalChanges.queryChanges(folder, added, changed, deletedServerIds, budget);
 }
 
 bool ContactStorageImpl::uploadedLocalChanges(

@@ -33,7 +33,8 @@ public:
         QList<EasContactsItem> &changed, const QStringList &deleted) override;
     bool cleanUpFolder(const EasFolderItem &folder) override;
     bool queryChanges(const EasFolderItem &folder, QList<EasContactsItem> *added,
-        QList<EasContactsItem> *changed, QStringList *deletedServerIds) override;
+        QList<EasContactsItem> *changed, QStringList *deletedServerIds,
+        UploadBudget *budget = nullptr) override;
     bool uploadedLocalChanges(const QStringList &addedLocalIds, const QStringList &changedLocalIds,
         const QStringList &deletedLocalIds) override;
     void setFailedLocalChangesIds(const QStringList &localIds) override;
