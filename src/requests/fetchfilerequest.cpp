@@ -20,6 +20,7 @@ void FetchFileRequest::startRequest()
     int estimatedSize = 0;
     if (!findFile(*easAccount, &fileReference, &estimatedSize))
         return completeWith(RequestStatusInternalError);
+    mAnnouncedSize = estimatedSize;
     // Of a file without bytes there is no range.
     if (estimatedSize == 0)
         setPartSize(0);
@@ -152,9 +153,11 @@ void FetchFileRequest::takePiece(const Piece &piece)
         mContentType = piece.contentType;
     if (!append(piece))
         return completeWith(RequestStatusInternalError);
-    if (isComplete(piece))
+    // Some servers send nothing now and then for a file that they have announced with its size.
+    const bool isMissing = mData.isEmpty() && mAnnouncedSize > 0;
+    if (!isMissing && isComplete(piece))
         return finish();
-    if (mData.size() == before || mPartSize == 0) {
+    if (isMissing || mData.size() == before || mPartSize == 0) {
         qCWarning(eas()) << "The part of data was not received";
         return completeWith(RequestStatusInternalError);
     }

@@ -70,6 +70,8 @@ private:
     uint mPartSize = 0;
     QByteArray mData;
     QString mContentType;
+    /** What the item says of the file's size; 0 without a word about it. */
+    int mAnnouncedSize = 0;
     /** Of the whole file, as far as the server has said; otherwise -1. */
     int mTotal = -1;
 };

@@ -55,6 +55,9 @@ QString attendees(const Event &event)
     QStringList lines;
     const Attendee::List list = event.attendees();
     for (const Attendee &attendee : list) {
+        // The calendar store lists the organizer, too, as one who has no answer to give.
+        if (attendee.email() == event.organizer().email() && attendee.status() == Attendee::None)
+            continue;
         lines.append(QStringLiteral("%1 <%2> role %3 status %4")
                          .arg(attendee.name(), attendee.email())
                          .arg(attendee.role())

@@ -167,7 +167,16 @@ EventsInteropTest::Listings EventsInteropTest::onDevice()
     Listings listings;
     const DeviceCalendar device;
     const Event::List events = device.series(mAccount);
+    const auto texts = mDav->texts().value_or(QMap<QString, QString>());
+    QStringList untold;
+    for (const QString &text : texts) {
+        if (isUntold(text))
+            untold.append(
+                EventListing::ofText(text, QTimeZone(berlin.toLatin1())).value(QStringLiteral("summary")));
+    }
     for (const Event::Ptr &event : events) {
+        if (untold.contains(event->summary()))
+            continue;
         if (mZoneLost.contains(event->summary()))
             EventListing::moveToZone(event, QTimeZone(berlin.toLatin1()));
         listings.insert(event->summary(), EventListing::of(event, device.calendar->eventInstances(event)));
@@ -229,8 +238,10 @@ void EventsInteropTest::eventsAreTheSame()
     const auto texts = mDav->texts().value_or(QMap<QString, QString>());
     const int untold = int(std::count_if(texts.cbegin(), texts.cend(), isUntold));
     QCOMPARE(texts.size(), events + (withSamples ? EventSamples::all().size() : 0));
-    QVERIFY(untold > 0);
+    QVERIFY(untold > 0 || !withSamples);
     QCOMPARE(onServer().size(), texts.size() - untold);
+    // What the server does not tell is completed, and stands on the device as well.
+    QCOMPARE(DeviceCalendar().series(mAccount).size(), texts.size());
     QCOMPARE(onDevice().size(), texts.size() - untold);
     QCOMPARE(differences(), QString());
     QVERIFY(furtherSyncChangesNothing(*bed));
@@ -364,8 +375,7 @@ void EventsInteropTest::theServerReadsUploadsInItsOwnWay()
         server.value(abroad->summary()).value(QStringLiteral("wall")), QStringLiteral("2030-02-05T00:00"));
     // An exception is looked for at the time of day, in UTC, that the series begins with.
     QCOMPARE(occurrences(summer->summary()).size(), 8);
-    // The last midnight of a series of days is in UTC and the day before.
-    QCOMPARE(occurrences(days->summary()).last(), QStringLiteral("2030-03-18"));
+    QCOMPARE(occurrences(days->summary()).last(), QStringLiteral("2030-03-25"));
     QVERIFY(mDav->leaveThisSecond());
     QVERIFY(furtherSyncChangesNothing(*bed));
 }

@@ -232,6 +232,25 @@ private Q_SLOTS:
         QCOMPARE(request.file, QByteArray("abcdef"));
     }
 
+    void aFileThatWasAnnouncedAndComesEmptyIsNotStored_data()
+    {
+        QTest::addColumn<bool>("inRanges");
+        QTest::newRow("in parts") << true;
+        QTest::newRow("in the single form") << false;
+    }
+    void aFileThatWasAnnouncedAndComesEmptyIsNotStored()
+    {
+        QFETCH(bool, inRanges);
+        if (inRanges)
+            mBed->server.answer(inParts("", { nullptr, "0" }));
+        else
+            mBed->answer(single("", { nullptr, nullptr }));
+        FileRequest request;
+        request.estimatedBytes = 9;
+        QCOMPARE(RequestBed::run(request), int(Request::RequestStatusInternalError));
+        QCOMPARE(request.stored, 0);
+    }
+
     void aFileWithoutBytesIsAFile_data()
     {
         QTest::addColumn<int>("form");
@@ -253,7 +272,8 @@ private Q_SLOTS:
         if (form == 1 || form >= 3)
             mBed->answer(single("", { nullptr, form == 1 ? "0" : nullptr }));
         FileRequest request;
-        request.estimatedBytes = form == 4 ? 0 : 9;
+        constexpr int unknown = -1;
+        request.estimatedBytes = form == 4 ? 0 : form == 2 ? 9 : unknown;
         request.file = "not stored";
         QCOMPARE(RequestBed::run(request), 0);
         QCOMPARE(request.stored, 1);
