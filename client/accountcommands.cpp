@@ -58,8 +58,8 @@ int selectNamed(CommandContext &context, QCommandLineParser &parser, int fewest,
 {
     if (!context.parse(parser, fewest, 1))
         return context.exitStatus();
-    const QString named = parser.positionalArguments().value(0);
-    return named.isEmpty() ? context.selectAccount(id) : context.accounts().find(named, id);
+    context.nameAccount(parser.positionalArguments().value(0));
+    return context.selectAccount(id);
 }
 
 QJsonObject factsOf(EasAccountId id)

@@ -6,6 +6,8 @@
 
 #include <QCommandLineParser>
 
+#include <algorithm>
+#include <iterator>
 #include <unistd.h>
 
 namespace {
@@ -100,4 +102,40 @@ AccountDirectory &CommandContext::accounts()
 int CommandContext::selectAccount(EasAccountId *id)
 {
     return accounts().find(mOptions.account, id);
+}
+
+void CommandContext::nameAccount(const QString &account)
+{
+    if (!account.isEmpty())
+        mOptions.account = account;
+}
+
+int CommandContext::selectAccounts(QList<EasAccountId> *ids)
+{
+    const AccountDirectory &directory = accounts();
+    const QList<EasAccountId> all = directory.usable() ? directory.accounts() : QList<EasAccountId>();
+    if (namesAccount() || all.size() < 2) {
+        EasAccountId id = 0;
+        const int selected = selectAccount(&id);
+        if (selected == ExitSuccess)
+            ids->append(id);
+        return selected;
+    }
+    std::copy_if(all.cbegin(), all.cend(), std::back_inserter(*ids),
+        [&directory](EasAccountId id) { return directory.isEnabled(id); });
+    if (!ids->isEmpty())
+        return ExitSuccess;
+    Output::error(QStringLiteral("all accounts are disabled; see fennel-easctl account enable"));
+    return ExitFailure;
+}
+
+int CommandContext::requireEnabled(const QList<EasAccountId> &ids)
+{
+    const auto disabled =
+        std::find_if(ids.cbegin(), ids.cend(), [this](EasAccountId id) { return !accounts().isEnabled(id); });
+    if (disabled == ids.cend())
+        return ExitSuccess;
+    Output::error(QStringLiteral("account %1 is disabled; enable it with fennel-easctl account enable %1")
+                      .arg(*disabled));
+    return ExitFailure;
 }

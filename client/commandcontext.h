@@ -5,6 +5,7 @@
 #include "client/output.h"
 #include "common/easaccountid.h"
 
+#include <QList>
 #include <QStringList>
 
 #include <memory>
@@ -55,10 +56,16 @@ public:
     static bool isOneOf(const QString &text, const QStringList &words, const QString &what);
 
     AccountDirectory &accounts();
-    /** Whether --account names one. */
+    /** Whether one was named. */
     bool namesAccount() const { return !mOptions.account.isNull(); }
-    /** The account named by --account, or the only one. Another status than success tells of an error. */
+    /** An account that stands behind the command, in place of --account; an empty text names none. */
+    void nameAccount(const QString &account);
+    /** The account that was named, or the only one. Another status than success tells of an error. */
     int selectAccount(EasAccountId *id);
+    /** The account that was named or is the only one, else all that are enabled; the exit status. */
+    int selectAccounts(QList<EasAccountId> *ids);
+    /** Another status than success, after an error, if one of them is disabled. */
+    int requireEnabled(const QList<EasAccountId> &ids);
 
 private:
     bool stop(int exitStatus);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "client/daemonrequest.h"
 
+#include "client/daemonproxy.h"
 #include "client/exitstatus.h"
 #include "client/statustext.h"
 #include "common/easdbusinterfaceproxy.h"
@@ -11,22 +12,13 @@
 #include <QDBusPendingCallWatcher>
 #include <QDBusServiceWatcher>
 
-namespace {
-
-/** How long the daemon may take to start and to give an identifier. */
-constexpr int CallTimeoutMs = 30000;
-
-} // namespace
-
 DaemonRequest::DaemonRequest(EasAccountId accountId)
     : mAccountId(accountId)
-    , mProxy(new EasDBusInterfaceProxy(ExchangeActiveSync::EAS_DBUS_SERVICE_NAME,
-          ExchangeActiveSync::EAS_DBUS_PATH_NAME, QDBusConnection::sessionBus()))
+    , mProxy(DaemonProxy::create())
 {
-    mProxy->setTimeout(CallTimeoutMs);
-    connect(mProxy.data(), &EasDBusInterfaceProxy::requestFinished, this, &DaemonRequest::onFinished);
-    connect(mProxy.data(), &EasDBusInterfaceProxy::requestProgress, this, &DaemonRequest::onProgress);
-    connect(mProxy.data(), &EasDBusInterfaceProxy::syncStarted, this, &DaemonRequest::onSyncStarted);
+    connect(mProxy.get(), &EasDBusInterfaceProxy::requestFinished, this, &DaemonRequest::onFinished);
+    connect(mProxy.get(), &EasDBusInterfaceProxy::requestProgress, this, &DaemonRequest::onProgress);
+    connect(mProxy.get(), &EasDBusInterfaceProxy::syncStarted, this, &DaemonRequest::onSyncStarted);
 }
 
 DaemonRequest::~DaemonRequest() = default;
@@ -57,8 +49,7 @@ void DaemonRequest::onIdentifier(QDBusPendingCallWatcher *watcher)
     watcher->deleteLater();
     const QDBusPendingReply<qulonglong> reply = *watcher;
     if (reply.isError())
-        return end(
-            ExitUnavailable, QStringLiteral("the daemon cannot be reached: %1").arg(reply.error().message()));
+        return end(ExitUnavailable, DaemonProxy::whyUnreachable(reply.error()));
     mRequestId = reply.value();
     if (mEarly.contains(mRequestId))
         finish(mEarly.value(mRequestId));

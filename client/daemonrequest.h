@@ -7,9 +7,9 @@
 #include <QJsonObject>
 #include <QMap>
 #include <QObject>
-#include <QScopedPointer>
 
 #include <functional>
+#include <memory>
 
 class EasDBusInterfaceProxy;
 class QDBusPendingCallWatcher;
@@ -68,7 +68,7 @@ private:
     bool isMine(qulonglong accountId, qulonglong requestId) const;
 
     EasAccountId mAccountId;
-    QScopedPointer<EasDBusInterfaceProxy> mProxy;
+    std::unique_ptr<EasDBusInterfaceProxy> mProxy;
     qulonglong mRequestId = 0;
     /** Ends of requests that were told before the identifier of this one. */
     QMap<qulonglong, int> mEarly;

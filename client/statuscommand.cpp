@@ -3,13 +3,11 @@
 
 #include "client/accountdirectory.h"
 #include "client/commandcontext.h"
+#include "client/daemonproxy.h"
 #include "client/folderdirectory.h"
 #include "client/mailbox.h"
-#include "common/exchangeactivesync.h"
 
 #include <QCommandLineParser>
-#include <QDBusConnection>
-#include <QDBusConnectionInterface>
 
 namespace {
 
@@ -80,8 +78,7 @@ int StatusCommand::print(CommandContext &context)
             return described;
         rows.append(row);
     }
-    const bool isRunning = QDBusConnection::sessionBus().interface()->isServiceRegistered(
-        ExchangeActiveSync::EAS_DBUS_SERVICE_NAME);
+    const bool isRunning = DaemonProxy::isDaemonRunning();
     if (context.output().isJson()) {
         context.output().object(
             {}, { { QStringLiteral("accounts"), rows }, { QStringLiteral("daemonRuns"), isRunning } });

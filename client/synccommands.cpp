@@ -4,25 +4,21 @@
 #include "client/accountdirectory.h"
 #include "client/cancellation.h"
 #include "client/commandcontext.h"
+#include "client/daemonproxy.h"
 #include "client/folderdirectory.h"
 #include "client/requestrun.h"
 #include "client/signalprinter.h"
 #include "client/syncsummary.h"
 #include "common/easdbusinterfaceproxy.h"
-#include "common/exchangeactivesync.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
-#include <QDBusConnectionInterface>
+#include <QDBusConnection>
 #include <QSettings>
 
-#include <algorithm>
-#include <iterator>
+#include <memory>
 
 namespace {
-
-/** How long the daemon may take to start and to answer. */
-constexpr int CallTimeoutMs = 30000;
 
 const QCommandLineOption FolderOption(QStringLiteral("folder"), QString(), QStringLiteral("folder"));
 const QCommandLineOption KindOption(
@@ -33,41 +29,10 @@ const QCommandLineOption HierarchyOption(QStringLiteral("folders-only"));
 /** A call without a result; the exit status. */
 template <class Call> int tell(Call call)
 {
-    EasDBusInterfaceProxy daemon(ExchangeActiveSync::EAS_DBUS_SERVICE_NAME,
-        ExchangeActiveSync::EAS_DBUS_PATH_NAME, QDBusConnection::sessionBus());
-    daemon.setTimeout(CallTimeoutMs);
-    QDBusPendingReply<> reply = call(daemon);
+    const std::unique_ptr<EasDBusInterfaceProxy> daemon = DaemonProxy::create();
+    QDBusPendingReply<> reply = call(*daemon);
     reply.waitForFinished();
-    if (!reply.isError())
-        return ExitSuccess;
-    Output::error(QStringLiteral("the daemon cannot be reached: %1").arg(reply.error().message()));
-    return ExitUnavailable;
-}
-
-/** The accounts that are meant: the one that was named, else all that are enabled. */
-int selectAccounts(CommandContext &context, QList<EasAccountId> *ids)
-{
-    AccountDirectory &directory = context.accounts();
-    const QList<EasAccountId> all = directory.usable() ? directory.accounts() : QList<EasAccountId>();
-    if (!context.namesAccount() && all.size() > 1) {
-        std::copy_if(all.cbegin(), all.cend(), std::back_inserter(*ids),
-            [&directory](EasAccountId id) { return directory.isEnabled(id); });
-        if (!ids->isEmpty())
-            return ExitSuccess;
-        Output::error(QStringLiteral("all accounts are disabled; see fennel-easctl account enable"));
-        return ExitFailure;
-    }
-    EasAccountId id = 0;
-    const int selected = context.selectAccount(&id);
-    if (selected != ExitSuccess)
-        return selected;
-    if (!directory.isEnabled(id)) {
-        Output::error(
-            QStringLiteral("account %1 is disabled; enable it with fennel-easctl account enable %1").arg(id));
-        return ExitFailure;
-    }
-    ids->append(id);
-    return ExitSuccess;
+    return reply.isError() ? DaemonProxy::unreachable(reply.error()) : int(ExitSuccess);
 }
 
 /** What is to be brought in step, by the options of the command. */
@@ -144,9 +109,12 @@ int SyncCommands::sync(CommandContext &context)
     if (!scope.read())
         return ExitUsage;
     QList<EasAccountId> accounts;
-    const int selected = selectAccounts(context, &accounts);
+    const int selected = context.selectAccounts(&accounts);
     if (selected != ExitSuccess)
         return selected;
+    const int enabled = context.requireEnabled(accounts);
+    if (enabled != ExitSuccess)
+        return enabled;
     if (scope.namesFolders() && accounts.size() > 1) {
         Output::error(QStringLiteral("--folder needs --account, as there are several accounts"));
         return ExitUsage;
@@ -197,7 +165,13 @@ int SyncCommands::watch(CommandContext &context)
     if (!context.parse(parser, 0, 0))
         return context.exitStatus();
     SignalPrinter printer(context.output());
-    return printer.start() ? QCoreApplication::exec() : int(ExitUnavailable);
+    if (!printer.start())
+        return ExitUnavailable;
+    // The bus answers behind the wish to listen, so nothing is missed from here on.
+    Output::note(DaemonProxy::isDaemonRunning()
+            ? QStringLiteral("watching the daemon; an interrupt (Ctrl-C) ends it")
+            : QStringLiteral("watching; the daemon does not run, its signals come when it does"));
+    return QCoreApplication::exec();
 }
 
 int SyncCommands::log(CommandContext &context)
@@ -233,9 +207,7 @@ int SyncCommands::quit(CommandContext &context)
     if (!context.parse(parser, 0, 0))
         return context.exitStatus();
     // A call would start it.
-    const QDBusConnection bus = QDBusConnection::sessionBus();
-    if (bus.isConnected()
-        && !bus.interface()->isServiceRegistered(ExchangeActiveSync::EAS_DBUS_SERVICE_NAME)) {
+    if (QDBusConnection::sessionBus().isConnected() && !DaemonProxy::isDaemonRunning()) {
         context.output().done(QStringLiteral("the daemon does not run"));
         return ExitSuccess;
     }
