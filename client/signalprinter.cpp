@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "client/signalprinter.h"
 
+#include "client/busvalue.h"
+#include "client/pushstate.h"
 #include "client/statustext.h"
 #include "client/timetext.h"
 #include "common/easdbusinterfaceproxy.h"
@@ -20,6 +22,25 @@ int statusPosition(const QString &signal)
     return signal.endsWith(QLatin1String("Finished")) || signal == QLatin1String("syncCompleted")
         ? (signal == QLatin1String("getOofFinished") ? -1 : 2)
         : -1;
+}
+
+/** An argument of a signal as people read it. */
+QString text(const QString &signal, int position, const QVariant &value)
+{
+    if (position == statusPosition(signal))
+        return StatusText::name(value.toInt());
+    if (value.type() == QVariant::Map)
+        return signal == QLatin1String("pushStateChanged")
+            ? PushState::sentence(value.toMap())
+            : QString::fromUtf8(
+                QJsonDocument(QJsonObject::fromVariantMap(value.toMap())).toJson(QJsonDocument::Compact));
+    if (value.type() != QVariant::List)
+        return value.toString();
+    QStringList elements;
+    const QVariantList list = value.toList();
+    for (const QVariant &element : list)
+        elements.append(element.toString());
+    return elements.join(QLatin1Char(','));
 }
 
 } // namespace
@@ -47,9 +68,9 @@ void SignalPrinter::onSignal(const QDBusMessage &message)
     QStringList texts;
     const QVariantList values = message.arguments();
     for (int i = 0; i < values.size(); ++i) {
-        arguments.append(QJsonValue::fromVariant(values.at(i)));
-        texts.append(i == statusPosition(message.member()) ? StatusText::name(values.at(i).toInt())
-                                                           : values.at(i).toString());
+        const QVariant value = BusValue::plain(values.at(i));
+        arguments.append(QJsonValue::fromVariant(value));
+        texts.append(text(message.member(), i, value));
     }
     if (mOutput.isJson()) {
         const QJsonObject line { { QStringLiteral("time"), time },
