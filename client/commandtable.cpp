@@ -7,6 +7,7 @@
 #include "client/eventcommands.h"
 #include "client/foldercommands.h"
 #include "client/mailcommands.h"
+#include "client/pushcommands.h"
 #include "client/statuscommand.h"
 #include "client/synccommands.h"
 
@@ -81,6 +82,11 @@ const QList<Command> &CommandTable::commands()
             "[--folder FOLDER ... [--kind mail|calendar|contacts]] [--service mail|calendar|contacts] "
             "[--folders-only]",
             "bring device and server in step, all enabled accounts unless one is named", SyncCommands::sync },
+        { "push on", "[ACCOUNT]", "keep accounts in step by themselves, all enabled ones unless one is named",
+            PushCommands::on },
+        { "push off", "[ACCOUNT]", "synchronise only when told to", PushCommands::off },
+        { "push status", "[ACCOUNT]", "whether push is on, what the server said last and what comes next",
+            PushCommands::status },
         { "folders", "[--kind mail|calendar|contacts]", "the folders of one kind", FolderCommands::list },
         { "folder create", "NAME [--kind mail|calendar|contacts] [--parent FOLDER]",
             "create a folder on the server", FolderCommands::create },

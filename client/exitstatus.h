@@ -9,7 +9,7 @@ enum ExitStatus {
     ExitUsage = 2,
     /** No such account, folder, message, part, event, occurrence or contact. */
     ExitNotFound = 3,
-    /** The daemon or a store of the device cannot be reached. */
+    /** The daemon, the sync scheduler or a store of the device cannot be reached. */
     ExitUnavailable = 4,
     ExitCancelled = 5
 };

@@ -4,6 +4,7 @@
 #include "client/exitstatus.h"
 #include "client/mailscene.h"
 #include "client/stubdaemon.h"
+#include "support/syncscheduler.h"
 #include "support/testmain.h"
 #include "support/waiting.h"
 
@@ -77,22 +78,23 @@ private Q_SLOTS:
 
     void everyCommandPrintsOneDocument()
     {
+        const SyncScheduler scheduler;
         ClientProcess client;
         // In an order in which each finds what it works on.
-        for (const char *line :
-            { "help", "help|mail", "--version", "account|list", "account|show", "account|disable",
-                "account|enable", "account|edit|--name|Other", "sync", "sync|--service|mail",
-                "sync|--folders-only", "sync|--folder|Inbox", "sync|--folder|Calendar|--kind|calendar",
-                "folders", "folders|--kind|calendar", "folders|--kind|contacts", "folder|create|New",
-                "folder|rename|Inbox|Old", "folder|delete|Inbox", "mail|list", "mail|show|@message",
-                "mail|get|@message", "mail|export|@message", "mail|export|@message|@folder/x.eml",
-                "attachment|save|@message|2|-", "attachment|save|@message|2|@folder", "mark|read|@message",
-                "mark|unread|@message", "move|@message|Inbox", "delete|@message", "event|list",
-                "event|month|2024-05", "event|show|@event", "event|add|X|--start|2024-05-03",
-                "event|edit|@event|--location|Here", "event|export", "event|export|@folder/x.ics",
-                "event|delete|@event", "contact|list", "contact|show|@contact", "contact|add|--name|Bob",
-                "contact|edit|@contact|--note|x", "contact|export", "contact|export|@folder/x.vcf",
-                "contact|delete|@contact", "log|info", "quit", "mail|list|--help" }) {
+        for (const char *line : { "help", "help|mail", "--version", "account|list", "account|show",
+                 "account|disable", "account|enable", "account|edit|--name|Other", "sync",
+                 "sync|--service|mail", "sync|--folders-only", "sync|--folder|Inbox",
+                 "sync|--folder|Calendar|--kind|calendar", "folders", "folders|--kind|calendar",
+                 "folders|--kind|contacts", "folder|create|New", "folder|rename|Inbox|Old",
+                 "folder|delete|Inbox", "mail|list", "mail|show|@message", "mail|get|@message",
+                 "mail|export|@message", "mail|export|@message|@folder/x.eml", "attachment|save|@message|2|-",
+                 "attachment|save|@message|2|@folder", "mark|read|@message", "mark|unread|@message",
+                 "move|@message|Inbox", "delete|@message", "event|list", "event|month|2024-05",
+                 "event|show|@event", "event|add|X|--start|2024-05-03", "event|edit|@event|--location|Here",
+                 "event|export", "event|export|@folder/x.ics", "event|delete|@event", "contact|list",
+                 "contact|show|@contact", "contact|add|--name|Bob", "contact|edit|@contact|--note|x",
+                 "contact|export", "contact|export|@folder/x.vcf", "contact|delete|@contact", "push|on",
+                 "push|status", "push|off|@account", "log|info", "quit", "mail|list|--help" }) {
             const int exit = client.run(QStringList { "--json" } + words(QString::fromLatin1(line)));
             QVERIFY2(exit == ExitSuccess, QByteArray(line) + ": " + client.errors());
             QVERIFY2(!client.json().isNull(), QByteArray(line) + ": " + client.output());
@@ -128,8 +130,8 @@ private Q_SLOTS:
     {
         ClientProcess client;
         client.setVariable(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), QStringLiteral("unix:path=/nowhere"));
-        for (const char *line :
-            { "account|list", "account|show", "mail|list", "event|list", "contact|list", "sync" })
+        for (const char *line : { "account|list", "account|show", "mail|list", "event|list", "contact|list",
+                 "sync", "push|on", "push|status", "watch" })
             QVERIFY2(client.run(words(QString::fromLatin1(line))) == ExitUnavailable, line);
     }
 

@@ -113,6 +113,18 @@ qulonglong StubDaemon::downloadMessages(
         accountId);
 }
 
+void StubDaemon::setPushState(qulonglong accountId, const QVariantMap &state)
+{
+    mPushStates.insert(accountId, state);
+    Q_EMIT pushStateChanged(accountId, state);
+}
+
+QVariantMap StubDaemon::pushState(qulonglong accountId)
+{
+    note(QStringLiteral("pushState %1").arg(accountId));
+    return mPushStates.value(accountId);
+}
+
 void StubDaemon::cancelRequest(qulonglong accountId, qulonglong requestId)
 {
     note(QStringLiteral("cancelRequest %1 %2").arg(accountId).arg(requestId));

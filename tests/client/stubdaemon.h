@@ -2,10 +2,10 @@
 #pragma once
 
 #include <QDBusContext>
-#include <QList>
+#include <QMap>
 #include <QObject>
-#include <QPair>
 #include <QStringList>
+#include <QVariantMap>
 
 /**
  * The daemon as clients see it on the bus, in the test process: notes what it is asked for and ends each
@@ -31,6 +31,8 @@ public:
     void setStatus(int status) { mStatus = status; }
     /** The calls so far: "sync 1", "cancelRequest 1 7". */
     QStringList calls() const { return mCalls; }
+    /** What pushState() answers for an account, told as a signal as well. */
+    void setPushState(qulonglong accountId, const QVariantMap &state);
     /** Ends a request that stays open. */
     void end(qulonglong accountId, qulonglong requestId, int status);
 
@@ -48,6 +50,7 @@ public Q_SLOTS:
         qulonglong accountId, qulonglong messageId, const QString &location);
     Q_SCRIPTABLE qulonglong downloadMessages(
         qulonglong accountId, const QList<qulonglong> &messageIds, bool fullContentDownload);
+    Q_SCRIPTABLE QVariantMap pushState(qulonglong accountId);
     Q_SCRIPTABLE void cancelRequest(qulonglong accountId, qulonglong requestId);
     Q_SCRIPTABLE void reconfig();
     Q_SCRIPTABLE void quit();
@@ -55,6 +58,7 @@ public Q_SLOTS:
 Q_SIGNALS:
     Q_SCRIPTABLE void requestFinished(qulonglong accountId, qulonglong requestId, int status);
     Q_SCRIPTABLE void syncStarted(qulonglong accountId, qulonglong requestId);
+    Q_SCRIPTABLE void pushStateChanged(qulonglong accountId, const QVariantMap &state);
     /** For the test, not for the bus. */
     void called();
 
@@ -66,4 +70,5 @@ private:
     int mStatus = 0;
     qulonglong mLast = 0;
     QStringList mCalls;
+    QMap<qulonglong, QVariantMap> mPushStates;
 };

@@ -41,3 +41,16 @@ bool SyncScheduler::isSyncedExternally(uint accountId, const QString &profileNam
     Q_EMIT queried();
     return false;
 }
+
+QStringList SyncScheduler::switches() const
+{
+    return mSwitches;
+}
+
+void SyncScheduler::setSyncedExternally(uint accountId, const QString &profileName, bool on)
+{
+    mSwitches.append(QStringLiteral("%1 %2 %3")
+                         .arg(accountId)
+                         .arg(profileName, on ? QStringLiteral("on") : QStringLiteral("off")));
+    Q_EMIT syncedExternallyStatus(accountId, profileName, on);
+}

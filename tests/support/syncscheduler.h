@@ -5,6 +5,7 @@
 #include <QList>
 #include <QObject>
 #include <QPair>
+#include <QStringList>
 
 /** Stands for the device's sync scheduler: a real service on the private bus, with a connection of its own.
  */
@@ -21,8 +22,11 @@ public:
 
     bool isRegistered() const;
     QList<Query> queries() const;
+    /** The switches that were set: "1 PROFILE on". */
+    QStringList switches() const;
 
 public Q_SLOTS:
+    Q_SCRIPTABLE void setSyncedExternally(uint accountId, const QString &profileName, bool on);
     Q_SCRIPTABLE bool isSyncedExternally(uint accountId, const QString &profileName);
 
 Q_SIGNALS:
@@ -33,5 +37,6 @@ Q_SIGNALS:
 private:
     QDBusConnection mConnection;
     QList<Query> mQueries;
+    QStringList mSwitches;
     bool mRegistered = false;
 };

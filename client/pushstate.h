@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#pragma once
+
+#include <QJsonObject>
+#include <QString>
+#include <QVariantMap>
+
+/** What the daemon tells of an account's push, made readable. */
+namespace PushState {
+
+/**
+ * "enabled", "heartbeat", "folders", "lastAnswer", "lastAnswerName", "lastAnswerAt", "nextStep",
+ * "nextStepName" and "nextStepAt", as far as the daemon told them; heartbeat in seconds.
+ */
+QJsonObject describe(const QVariantMap &state);
+
+/** The same in a line: "on, heartbeat 300 s, 5 folders; last answer: changes; next: waits for changes". */
+QString sentence(const QVariantMap &state);
+
+/** The status of an answer to a ping in words: "changes". */
+QString answerName(int status);
+
+} // namespace PushState
