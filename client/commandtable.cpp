@@ -7,6 +7,7 @@
 #include "client/eventcommands.h"
 #include "client/foldercommands.h"
 #include "client/mailcommands.h"
+#include "client/policycommands.h"
 #include "client/pushcommands.h"
 #include "client/statuscommand.h"
 #include "client/synccommands.h"
@@ -87,6 +88,8 @@ const QList<Command> &CommandTable::commands()
         { "push off", "[ACCOUNT]", "synchronise only when told to", PushCommands::off },
         { "push status", "[ACCOUNT]", "whether push is on, what the server said last and what comes next",
             PushCommands::status },
+        { "policy show", "[ACCOUNT]", "what the server asks of the device, and what the device does not meet",
+            PolicyCommands::show },
         { "folders", "[--kind mail|calendar|contacts]", "the folders of one kind", FolderCommands::list },
         { "folder create", "NAME [--kind mail|calendar|contacts] [--parent FOLDER]",
             "create a folder on the server", FolderCommands::create },

@@ -12,6 +12,8 @@
 #include <QDBusPendingCallWatcher>
 #include <QDBusServiceWatcher>
 
+#include <utility>
+
 DaemonRequest::DaemonRequest(EasAccountId accountId)
     : mAccountId(accountId)
     , mProxy(DaemonProxy::create())
@@ -19,6 +21,11 @@ DaemonRequest::DaemonRequest(EasAccountId accountId)
     connect(mProxy.get(), &EasDBusInterfaceProxy::requestFinished, this, &DaemonRequest::onFinished);
     connect(mProxy.get(), &EasDBusInterfaceProxy::requestProgress, this, &DaemonRequest::onProgress);
     connect(mProxy.get(), &EasDBusInterfaceProxy::syncStarted, this, &DaemonRequest::onSyncStarted);
+    connect(mProxy.get(), &EasDBusInterfaceProxy::provisionRequestFinished, this,
+        &DaemonRequest::onProvisionFinished);
+    mProxy->connection().connect(mProxy->service(), mProxy->path(), mProxy->interface(),
+        QStringLiteral("policyDocumentReceived"), this,
+        SLOT(onPolicyDocument(qulonglong, qulonglong, QVariantMap)));
 }
 
 DaemonRequest::~DaemonRequest() = default;
@@ -51,9 +58,10 @@ void DaemonRequest::onIdentifier(QDBusPendingCallWatcher *watcher)
     if (reply.isError())
         return end(ExitUnavailable, DaemonProxy::whyUnreachable(reply.error()));
     mRequestId = reply.value();
-    if (mEarly.contains(mRequestId))
-        finish(mEarly.value(mRequestId));
-    else if (mIsToBeCancelled)
+    const QList<Act> early = mEarly.take(mRequestId);
+    for (const Act &act : early)
+        act();
+    if (mIsToBeCancelled && !mHasEnded)
         cancel();
 }
 
@@ -69,32 +77,51 @@ void DaemonRequest::abandon(const QString &reason)
     end(ExitCancelled, reason);
 }
 
-bool DaemonRequest::isMine(qulonglong accountId, qulonglong requestId) const
+void DaemonRequest::ifMine(qulonglong accountId, qulonglong requestId, const Act &act)
 {
-    return accountId == mAccountId && requestId == mRequestId && mRequestId != 0;
+    if (accountId != mAccountId)
+        return;
+    if (mRequestId == 0)
+        mEarly[requestId].append(act);
+    else if (requestId == mRequestId)
+        act();
 }
 
 void DaemonRequest::onSyncStarted(qulonglong accountId, qulonglong requestId)
 {
-    if (!isMine(accountId, requestId) || mIsAtWork)
-        return;
-    mIsAtWork = true;
-    Q_EMIT atWork();
+    ifMine(accountId, requestId, [this] {
+        if (std::exchange(mIsAtWork, true))
+            return;
+        Q_EMIT atWork();
+    });
 }
 
 void DaemonRequest::onProgress(
     qulonglong accountId, qulonglong requestId, qlonglong maximum, qlonglong current)
 {
-    if (isMine(accountId, requestId) && maximum > 0)
-        Q_EMIT progressed(maximum, current);
+    ifMine(accountId, requestId, [this, maximum, current] {
+        if (maximum > 0)
+            Q_EMIT progressed(maximum, current);
+    });
+}
+
+void DaemonRequest::onPolicyDocument(qulonglong accountId, qulonglong requestId, const QVariantMap &document)
+{
+    ifMine(accountId, requestId, [this, document] { Q_EMIT policyReceived(document); });
+}
+
+void DaemonRequest::onProvisionFinished(
+    qulonglong accountId, qulonglong requestId, int status, const FailedPolicyMap &failed, int policyStatus)
+{
+    ifMine(accountId, requestId, [this, status, failed, policyStatus] {
+        Q_EMIT policyJudged(failed, policyStatus);
+        finish(status);
+    });
 }
 
 void DaemonRequest::onFinished(qulonglong accountId, qulonglong requestId, int status)
 {
-    if (isMine(accountId, requestId))
-        finish(status);
-    else if (accountId == mAccountId && mRequestId == 0)
-        mEarly.insert(requestId, status);
+    ifMine(accountId, requestId, [this, status] { finish(status); });
 }
 
 void DaemonRequest::finish(int status)

@@ -2,11 +2,13 @@
 #pragma once
 
 #include "common/easaccountid.h"
+#include "common/failedpolicymap.h"
 
 #include <QDBusPendingReply>
 #include <QJsonObject>
 #include <QMap>
 #include <QObject>
+#include <QVariantMap>
 
 #include <functional>
 #include <memory>
@@ -52,26 +54,37 @@ Q_SIGNALS:
     /** The daemon works on this request, no longer on one before it. */
     void atWork();
     void progressed(qlonglong maximum, qlonglong current);
+    /** The policy of the server, by the published names of its values. */
+    void policyReceived(const QVariantMap &document);
+    /** What the device fails of the policy, and what became of it; before ended(). */
+    void policyJudged(const FailedPolicyMap &failed, int policyStatus);
     void ended();
 
 private Q_SLOTS:
     void onFinished(qulonglong accountId, qulonglong requestId, int status);
     void onProgress(qulonglong accountId, qulonglong requestId, qlonglong maximum, qlonglong current);
     void onSyncStarted(qulonglong accountId, qulonglong requestId);
+    void onPolicyDocument(qulonglong accountId, qulonglong requestId, const QVariantMap &document);
+    void onProvisionFinished(qulonglong accountId, qulonglong requestId, int status,
+        const FailedPolicyMap &failed, int policyStatus);
 
 private:
+    using Act = std::function<void()>;
+
     void onIdentifier(QDBusPendingCallWatcher *watcher);
     void watchDaemon();
     void onDaemonGone();
     void finish(int status);
     void end(int exitStatus, const QString &error);
-    bool isMine(qulonglong accountId, qulonglong requestId) const;
+    /** Acts on what was told of a request if it is this one; later, if this one's identifier is not known
+     * yet. */
+    void ifMine(qulonglong accountId, qulonglong requestId, const Act &act);
 
     EasAccountId mAccountId;
     std::unique_ptr<EasDBusInterfaceProxy> mProxy;
     qulonglong mRequestId = 0;
-    /** Ends of requests that were told before the identifier of this one. */
-    QMap<qulonglong, int> mEarly;
+    /** What was told of requests, in order, before the identifier of this one was known. */
+    QMap<qulonglong, QList<Act>> mEarly;
     bool mIsToBeCancelled = false;
     bool mIsAtWork = false;
     bool mHasStatus = false;

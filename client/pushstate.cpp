@@ -62,9 +62,7 @@ QString stepName(const QString &key)
     return key;
 }
 
-} // namespace
-
-QString PushState::answerName(int status)
+QString answerName(int status)
 {
     for (const Answer &answer : Answers) {
         if (answer.status == status)
@@ -72,6 +70,8 @@ QString PushState::answerName(int status)
     }
     return StatusText::name(status);
 }
+
+} // namespace
 
 QJsonObject PushState::describe(const QVariantMap &state)
 {

@@ -17,7 +17,4 @@ QJsonObject describe(const QVariantMap &state);
 /** The same in a line: "on, heartbeat 300 s, 5 folders; last answer: changes; next: waits for changes". */
 QString sentence(const QVariantMap &state);
 
-/** The status of an answer to a ping in words: "changes". */
-QString answerName(int status);
-
 } // namespace PushState

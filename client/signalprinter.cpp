@@ -2,6 +2,8 @@
 #include "client/signalprinter.h"
 
 #include "client/busvalue.h"
+#include "client/policyanswer.h"
+#include "client/policytable.h"
 #include "client/pushstate.h"
 #include "client/statustext.h"
 #include "client/timetext.h"
@@ -16,31 +18,65 @@
 
 namespace {
 
-/** Where the status stands among the arguments of a signal; -1 for signals without one. */
-int statusPosition(const QString &signal)
+QString statusText(const QVariant &value)
 {
-    return signal.endsWith(QLatin1String("Finished")) || signal == QLatin1String("syncCompleted")
-        ? (signal == QLatin1String("getOofFinished") ? -1 : 2)
-        : -1;
+    return StatusText::name(value.toInt());
 }
 
-/** An argument of a signal as people read it. */
+QString pushText(const QVariant &value)
+{
+    return PushState::sentence(value.toMap());
+}
+
+QString documentText(const QVariant &value)
+{
+    return QStringLiteral("policies: %1").arg(value.toMap().size());
+}
+
+QString failedText(const QVariant &value)
+{
+    FailedPolicyMap failed;
+    const QVariantMap numbers = value.toMap();
+    for (auto policy = numbers.cbegin(); policy != numbers.cend(); ++policy)
+        failed.insert(policy.key().toInt(), *policy);
+    return failed.isEmpty()
+        ? QStringLiteral("all met")
+        : QStringLiteral("not met: %1").arg(PolicyTable::failedPolicies(failed).join(QStringLiteral(", ")));
+}
+
+QString outcomeText(const QVariant &value)
+{
+    return QStringLiteral("policy: %1").arg(PolicyAnswer::outcomeName(value.toInt()));
+}
+
+/** Arguments that people read better in words. */
+struct Reading
+{
+    const char *signal;
+    int position;
+    QString (*text)(const QVariant &value);
+};
+
+constexpr Reading Readings[] = {
+    { "requestFinished", 2, &statusText },
+    { "syncCompleted", 2, &statusText },
+    { "searchMessagesFinished", 2, &statusText },
+    { "searchGALFinished", 2, &statusText },
+    { "findMessagesFinished", 2, &statusText },
+    { "provisionRequestFinished", 2, &statusText },
+    { "provisionRequestFinished", 3, &failedText },
+    { "provisionRequestFinished", 4, &outcomeText },
+    { "policyDocumentReceived", 2, &documentText },
+    { "pushStateChanged", 1, &pushText },
+};
+
 QString text(const QString &signal, int position, const QVariant &value)
 {
-    if (position == statusPosition(signal))
-        return StatusText::name(value.toInt());
-    if (value.type() == QVariant::Map)
-        return signal == QLatin1String("pushStateChanged")
-            ? PushState::sentence(value.toMap())
-            : QString::fromUtf8(
-                QJsonDocument(QJsonObject::fromVariantMap(value.toMap())).toJson(QJsonDocument::Compact));
-    if (value.type() != QVariant::List)
-        return value.toString();
-    QStringList elements;
-    const QVariantList list = value.toList();
-    for (const QVariant &element : list)
-        elements.append(element.toString());
-    return elements.join(QLatin1Char(','));
+    for (const Reading &reading : Readings) {
+        if (reading.position == position && signal == QLatin1String(reading.signal))
+            return reading.text(value);
+    }
+    return value.type() == QVariant::List ? value.toStringList().join(QLatin1Char(',')) : value.toString();
 }
 
 } // namespace

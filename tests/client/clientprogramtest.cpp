@@ -81,20 +81,21 @@ private Q_SLOTS:
         const SyncScheduler scheduler;
         ClientProcess client;
         // In an order in which each finds what it works on.
-        for (const char *line : { "help", "help|mail", "--version", "account|list", "account|show",
-                 "account|disable", "account|enable", "account|edit|--name|Other", "sync",
-                 "sync|--service|mail", "sync|--folders-only", "sync|--folder|Inbox",
-                 "sync|--folder|Calendar|--kind|calendar", "folders", "folders|--kind|calendar",
-                 "folders|--kind|contacts", "folder|create|New", "folder|rename|Inbox|Old",
-                 "folder|delete|Inbox", "mail|list", "mail|show|@message", "mail|get|@message",
-                 "mail|export|@message", "mail|export|@message|@folder/x.eml", "attachment|save|@message|2|-",
-                 "attachment|save|@message|2|@folder", "mark|read|@message", "mark|unread|@message",
-                 "move|@message|Inbox", "delete|@message", "event|list", "event|month|2024-05",
-                 "event|show|@event", "event|add|X|--start|2024-05-03", "event|edit|@event|--location|Here",
-                 "event|export", "event|export|@folder/x.ics", "event|delete|@event", "contact|list",
-                 "contact|show|@contact", "contact|add|--name|Bob", "contact|edit|@contact|--note|x",
-                 "contact|export", "contact|export|@folder/x.vcf", "contact|delete|@contact", "push|on",
-                 "push|status", "push|off|@account", "log|info", "quit", "mail|list|--help" }) {
+        for (const char *line :
+            { "help", "help|mail", "--version", "account|list", "account|show", "account|disable",
+                "account|enable", "account|edit|--name|Other", "sync", "sync|--service|mail",
+                "sync|--folders-only", "sync|--folder|Inbox", "sync|--folder|Calendar|--kind|calendar",
+                "folders", "folders|--kind|calendar", "folders|--kind|contacts", "folder|create|New",
+                "folder|rename|Inbox|Old", "folder|delete|Inbox", "mail|list", "mail|show|@message",
+                "mail|get|@message", "mail|export|@message", "mail|export|@message|@folder/x.eml",
+                "attachment|save|@message|2|-", "attachment|save|@message|2|@folder", "mark|read|@message",
+                "mark|unread|@message", "move|@message|Inbox", "delete|@message", "event|list",
+                "event|month|2024-05", "event|show|@event", "event|add|X|--start|2024-05-03",
+                "event|edit|@event|--location|Here", "event|export", "event|export|@folder/x.ics",
+                "event|delete|@event", "contact|list", "contact|show|@contact", "contact|add|--name|Bob",
+                "contact|edit|@contact|--note|x", "contact|export", "contact|export|@folder/x.vcf",
+                "contact|delete|@contact", "push|on", "push|status", "push|off|@account", "policy|show",
+                "log|info", "quit", "mail|list|--help" }) {
             const int exit = client.run(QStringList { "--json" } + words(QString::fromLatin1(line)));
             QVERIFY2(exit == ExitSuccess, QByteArray(line) + ": " + client.errors());
             QVERIFY2(!client.json().isNull(), QByteArray(line) + ": " + client.output());

@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "client/stubdaemon.h"
 
+#include "common/dbustypes.h"
 #include "common/exchangeactivesync.h"
 
 #include <QDBusConnection>
-#include <QDBusMetaType>
 
 StubDaemon::StubDaemon()
 {
-    qDBusRegisterMetaType<QList<qulonglong>>();
+    ExchangeActiveSync::registerDBusTypes();
     QDBusConnection bus = QDBusConnection::sessionBus();
     mIsServing = bus.registerObject(ExchangeActiveSync::EAS_DBUS_PATH_NAME, this,
                      QDBusConnection::ExportScriptableSlots | QDBusConnection::ExportScriptableSignals)
@@ -36,21 +36,43 @@ qulonglong StubDaemon::begin(const QString &call, qulonglong accountId)
         return 0;
     }
     const qulonglong request = ++mLast;
-    // Behind the reply, as the daemon has it.
-    QMetaObject::invokeMethod(
-        this,
-        [this, accountId, request] {
-            Q_EMIT syncStarted(accountId, request);
-            if (mStatus < Open)
-                Q_EMIT requestFinished(accountId, request, mStatus);
-        },
-        Qt::QueuedConnection);
+    if (call.startsWith(QLatin1String("provisionPolicy")))
+        mPolicyRequests.insert(request);
+    if (mIsHasty)
+        tell(accountId, request);
+    else // behind the reply, as the daemon has it
+        QMetaObject::invokeMethod(
+            this, [this, accountId, request] { tell(accountId, request); }, Qt::QueuedConnection);
     return request;
+}
+
+void StubDaemon::tell(qulonglong accountId, qulonglong requestId)
+{
+    Q_EMIT syncStarted(accountId, requestId);
+    if (mPolicyRequests.contains(requestId) && !mDocument.isEmpty())
+        Q_EMIT policyDocumentReceived(accountId, requestId, mDocument);
+    if (mStatus < Open)
+        end(accountId, requestId, mStatus);
 }
 
 void StubDaemon::end(qulonglong accountId, qulonglong requestId, int status)
 {
-    Q_EMIT requestFinished(accountId, requestId, status);
+    if (!mPolicyRequests.remove(requestId))
+        Q_EMIT requestFinished(accountId, requestId, status);
+    else
+        Q_EMIT provisionRequestFinished(accountId, requestId, status, mFailed, mPolicyStatus);
+}
+
+qulonglong StubDaemon::provisionPolicy(qulonglong accountId)
+{
+    return begin(QStringLiteral("provisionPolicy %1").arg(accountId), accountId);
+}
+
+void StubDaemon::setPolicy(const QVariantMap &document, const FailedPolicyMap &failed, int policyStatus)
+{
+    mDocument = document;
+    mFailed = failed;
+    mPolicyStatus = policyStatus;
 }
 
 qulonglong StubDaemon::sync(qulonglong accountId)

@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include "common/failedpolicymap.h"
+
 #include <QDBusContext>
 #include <QMap>
 #include <QObject>
+#include <QSet>
 #include <QStringList>
 #include <QVariantMap>
 
@@ -29,10 +32,14 @@ public:
 
     bool isServing() const { return mIsServing; }
     void setStatus(int status) { mStatus = status; }
+    /** Everything about a request is told before the call for it is answered. */
+    void setHasty(bool isHasty) { mIsHasty = isHasty; }
     /** The calls so far: "sync 1", "cancelRequest 1 7". */
     QStringList calls() const { return mCalls; }
     /** What pushState() answers for an account, told as a signal as well. */
     void setPushState(qulonglong accountId, const QVariantMap &state);
+    /** What provisionPolicy() brings: the document, unless it is empty, what fails, and what became of it. */
+    void setPolicy(const QVariantMap &document, const FailedPolicyMap &failed, int policyStatus);
     /** Ends a request that stays open. */
     void end(qulonglong accountId, qulonglong requestId, int status);
 
@@ -50,6 +57,7 @@ public Q_SLOTS:
         qulonglong accountId, qulonglong messageId, const QString &location);
     Q_SCRIPTABLE qulonglong downloadMessages(
         qulonglong accountId, const QList<qulonglong> &messageIds, bool fullContentDownload);
+    Q_SCRIPTABLE qulonglong provisionPolicy(qulonglong accountId);
     Q_SCRIPTABLE QVariantMap pushState(qulonglong accountId);
     Q_SCRIPTABLE void cancelRequest(qulonglong accountId, qulonglong requestId);
     Q_SCRIPTABLE void reconfig();
@@ -58,17 +66,28 @@ public Q_SLOTS:
 Q_SIGNALS:
     Q_SCRIPTABLE void requestFinished(qulonglong accountId, qulonglong requestId, int status);
     Q_SCRIPTABLE void syncStarted(qulonglong accountId, qulonglong requestId);
+    Q_SCRIPTABLE void policyDocumentReceived(
+        qulonglong accountId, qulonglong requestId, const QVariantMap &policies);
+    Q_SCRIPTABLE void provisionRequestFinished(qulonglong accountId, qulonglong requestId, int status,
+        const FailedPolicyMap &provisionPolicy, int policyStatus);
     Q_SCRIPTABLE void pushStateChanged(qulonglong accountId, const QVariantMap &state);
     /** For the test, not for the bus. */
     void called();
 
 private:
     qulonglong begin(const QString &call, qulonglong accountId);
+    void tell(qulonglong accountId, qulonglong requestId);
     void note(const QString &call);
 
     bool mIsServing = false;
+    bool mIsHasty = false;
     int mStatus = 0;
     qulonglong mLast = 0;
     QStringList mCalls;
     QMap<qulonglong, QVariantMap> mPushStates;
+    /** The requests that end with a policy. */
+    QSet<qulonglong> mPolicyRequests;
+    QVariantMap mDocument;
+    FailedPolicyMap mFailed;
+    int mPolicyStatus = 1;
 };
