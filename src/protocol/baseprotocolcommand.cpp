@@ -154,6 +154,7 @@ void BaseProtocolCommand::start()
         return;
     }
     mStatus = 0;
+    mHttpStatus = 0;
     QNetworkRequest request;
     EasAccount *const commandAccount = account();
     if (!configureNetworkRequest(request, commandName())) {
@@ -161,9 +162,8 @@ void BaseProtocolCommand::start()
         end(false);
         return;
     }
-    prepareRequest(request);
     QByteArray body;
-    if (!encodeBody(*commandAccount, &body)) {
+    if (!prepareRequest(request) || !encodeBody(*commandAccount, &body)) {
         mStatus = EasRequestStatus::RequestStatusInternalError;
         end(false);
         return;
@@ -294,11 +294,18 @@ void BaseProtocolCommand::onReplyFinished()
         qCCritical(eas()) << "No reply";
         return;
     }
+    noteHttpStatus();
     if (mReply->error() != QNetworkReply::NoError)
         mStatus = ProtocolUtils::TransportStatusBase + mReply->error();
     else if (!ReplyHeaders::isAnswer(*mReply))
         return handleError(QNetworkReply::UnknownContentError);
     handleFinished(mReply);
+}
+
+void BaseProtocolCommand::noteHttpStatus()
+{
+    if (mReply)
+        mHttpStatus = mReply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
 }
 
 void BaseProtocolCommand::handleFinished(QNetworkReply *reply)
@@ -328,6 +335,7 @@ void BaseProtocolCommand::handleFinished(QNetworkReply *reply)
 void BaseProtocolCommand::onReplyError(QNetworkReply::NetworkError networkError)
 {
     qCDebug(eas()) << "networkError" << networkError;
+    noteHttpStatus();
     if (mReply && mReply->isOpen()) {
         ExchangeLog::headers(*mReply, account());
         qCDebug(easNetwork()) << "Body: " << ExchangeLog::withoutCredentials(mReply->readAll(), account());

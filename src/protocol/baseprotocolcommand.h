@@ -61,6 +61,8 @@ public:
     virtual EasAccount *account() const;
 
     int status() const { return mStatus; }
+    /** Of the last reply; 0 if none came. The status of a failed exchange tells less. */
+    int httpStatus() const { return mHttpStatus; }
     /** -1 while unknown, both. */
     qint64 bytesReceived() const { return mBytesReceived; }
     qint64 bytesTotal() const { return mBytesTotal; }
@@ -87,7 +89,8 @@ protected:
     virtual ExchangeTexts texts() const;
     /** Appends to an empty body; false, after it logged the reason, if there is nothing to send. */
     virtual bool encodeBody(EasAccount &, QByteArray *) { return true; }
-    virtual void prepareRequest(QNetworkRequest &) {}
+    /** False, after it logged the reason, if the headers cannot be sent. */
+    virtual bool prepareRequest(QNetworkRequest &) { return true; }
     virtual bool parseReply(QNetworkReply *, const QByteArray &) { return true; }
     /** Dumps a body, as WBXML here, in the wire category. Called for sent and received bodies. */
     virtual void logBody(const QByteArray &body) const;
@@ -104,6 +107,7 @@ protected:
     virtual void handleError(QNetworkReply::NetworkError networkError);
     virtual void handleSslErrors(const QList<QSslError> &errors);
 
+    bool isRunning() const { return mStarted; }
     /** Marks the command as running; false if it is already. */
     bool begin();
     /** Lets the reply go and emits finished(), once a run. */
@@ -128,10 +132,12 @@ private Q_SLOTS:
 private:
     Network *network() const;
     bool redirect();
+    void noteHttpStatus();
     void dropReply();
     bool takeReply(QNetworkReply *reply);
 
     int mStatus = 0;
+    int mHttpStatus = 0;
     bool mStarted = false;
     QPointer<QNetworkReply> mReply;
     qint64 mBytesReceived = -1;

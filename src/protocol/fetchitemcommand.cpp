@@ -83,13 +83,14 @@ BaseProtocolCommand::ExchangeTexts FetchItemCommand::texts() const
     return { "Sending fetch item command via POST:", "Received fetch item command reply:", nullptr };
 }
 
-void FetchItemCommand::prepareRequest(QNetworkRequest &request)
+bool FetchItemCommand::prepareRequest(QNetworkRequest &request)
 {
     request.setRawHeader(ProtocolUtils::HeaderConnection, ProtocolUtils::KeepAlive);
     if (mAcceptMultipart) {
         request.setRawHeader(
             ProtocolUtils::HeaderAsAcceptMultiPart, QString(ProtocolUtils::TrueValue).toLatin1());
     }
+    return true;
 }
 
 bool FetchItemCommand::encodeBody(EasAccount &account, QByteArray *body)

@@ -60,7 +60,7 @@ Q_SIGNALS:
 protected:
     QString commandName() const override;
     ExchangeTexts texts() const override;
-    void prepareRequest(QNetworkRequest &request) override;
+    bool prepareRequest(QNetworkRequest &request) override;
     bool encodeBody(EasAccount &account, QByteArray *body) override;
     void logBody(const QByteArray &body) const override;
     bool parseReply(QNetworkReply *reply, const QByteArray &body) override;

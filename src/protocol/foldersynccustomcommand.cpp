@@ -37,10 +37,11 @@ BaseProtocolCommand::ExchangeTexts FolderSyncCustomCommand::texts() const
         "Received folder sync command for 0 key reply:", nullptr };
 }
 
-void FolderSyncCustomCommand::prepareRequest(QNetworkRequest &request)
+bool FolderSyncCustomCommand::prepareRequest(QNetworkRequest &request)
 {
     request.setRawHeader(
         ProtocolUtils::HeaderAsProtocolVersion, EasAccount::encodedProtocolVersion(mVersion));
+    return true;
 }
 
 bool FolderSyncCustomCommand::parseReply(QNetworkReply *reply, const QByteArray &)

@@ -26,7 +26,7 @@ public:
 protected:
     QString commandName() const override;
     ExchangeTexts texts() const override;
-    void prepareRequest(QNetworkRequest &request) override;
+    bool prepareRequest(QNetworkRequest &request) override;
     bool encodeBody(EasAccount &account, QByteArray *body) override;
     bool parseReply(QNetworkReply *reply, const QByteArray &body) override;
 

@@ -35,9 +35,10 @@ void GetAttachmentCommand::configureCommandSpecificQueryValues(QUrlQuery &query)
         ProtocolUtils::QueryAttachmentName, QString::fromLatin1(QUrl::toPercentEncoding(mAttachmentName)));
 }
 
-void GetAttachmentCommand::prepareRequest(QNetworkRequest &request)
+bool GetAttachmentCommand::prepareRequest(QNetworkRequest &request)
 {
     request.setHeader(QNetworkRequest::ContentTypeHeader, QString(ProtocolUtils::ContentTypeMessage));
+    return true;
 }
 
 bool GetAttachmentCommand::encodeBody(EasAccount &account, QByteArray *)

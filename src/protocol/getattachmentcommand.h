@@ -19,7 +19,7 @@ protected:
     QString commandName() const override;
     ExchangeTexts texts() const override;
     void configureCommandSpecificQueryValues(QUrlQuery &query) override;
-    void prepareRequest(QNetworkRequest &request) override;
+    bool prepareRequest(QNetworkRequest &request) override;
     bool encodeBody(EasAccount &account, QByteArray *body) override;
     bool parseReply(QNetworkReply *reply, const QByteArray &body) override;
     /** The files of a mailbox are larger than what else a server says. */

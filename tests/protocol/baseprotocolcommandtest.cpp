@@ -65,10 +65,11 @@ protected:
         *body = sent;
         return encodes;
     }
-    void prepareRequest(QNetworkRequest &request) override
+    bool prepareRequest(QNetworkRequest &request) override
     {
         if (!extraHeader.isEmpty())
             request.setRawHeader(ProtocolUtils::HeaderAsAcceptMultiPart, extraHeader);
+        return true;
     }
     bool parseReply(QNetworkReply *, const QByteArray &body) override
     {
