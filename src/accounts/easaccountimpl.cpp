@@ -164,10 +164,11 @@ void EasAccountImpl::onPasswordReceived()
     Q_EMIT credentialsChanged(id());
 }
 
-void EasAccountImpl::remoteWipeRequested()
+bool EasAccountImpl::remoteWipeRequested()
 {
-    mRemoteWipe->request();
+    const bool recorded = mRemoteWipe->request();
     mRemoteWipe->startRemoteWipeTimeout();
+    return recorded;
 }
 
 void EasAccountImpl::onRemoteWipeStarted()

@@ -54,7 +54,7 @@ public:
     QStringList lastKnownSupportedCommands() const override;
     void setLastKnownSupportedCommands(const QStringList &commands) override;
     ProvisionManager *provisionManager() override;
-    void remoteWipeRequested() override;
+    bool remoteWipeRequested() override;
     bool isReady() const override;
     void credentialsNeedUpdate() override;
     bool isCredentialsNeedUpdate() override;

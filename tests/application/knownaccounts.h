@@ -42,7 +42,7 @@ public:
     QStringList lastKnownSupportedCommands() const override { return {}; }
     void setLastKnownSupportedCommands(const QStringList &) override {}
     ProvisionManager *provisionManager() override { return nullptr; }
-    void remoteWipeRequested() override {}
+    bool remoteWipeRequested() override { return true; }
     void credentialsNeedUpdate() override {}
     bool isCredentialsNeedUpdate() override { return false; }
 

@@ -86,8 +86,12 @@ public:
     void setLastKnownVersions(const QStringList &versions) override { knownVersions = versions; }
     QStringList lastKnownSupportedCommands() const override { return knownCommands; }
     void setLastKnownSupportedCommands(const QStringList &commands) override { knownCommands = commands; }
-    ProvisionManager *provisionManager() override { return nullptr; }
-    void remoteWipeRequested() override { ++wipeRequests; }
+    ProvisionManager *provisionManager() override { return provisions; }
+    bool remoteWipeRequested() override
+    {
+        ++wipeRequests;
+        return recordsWipe;
+    }
     void credentialsNeedUpdate() override { ++blocks; }
     bool isCredentialsNeedUpdate() override { return blocked || blocks > 0; }
     void setAlwaysOn(bool on) override
@@ -126,6 +130,8 @@ public:
     QSharedPointer<ContactStorage> people;
 
     int wipeRequests = 0;
+    bool recordsWipe = true;
+    ProvisionManager *provisions = nullptr;
     /** How often the credentials were marked as refused. */
     int blocks = 0;
     /** How often a server refused the credentials. */

@@ -110,7 +110,9 @@ public:
     virtual void setLastKnownSupportedCommands(const QStringList &commands) = 0;
     /** Null as long as the engine does not handle policies. */
     virtual ProvisionManager *provisionManager() = 0;
-    virtual void remoteWipeRequested() = 0;
+    /** Writes down the server's order to wipe and begins with it a little later; false, after a log line, if
+     * it could not be written down. */
+    virtual bool remoteWipeRequested() = 0;
     /** False while credentials are being fetched. */
     virtual bool isReady() const;
     /** Marks the credentials as refused: the account is blocked until the user enters new ones. */

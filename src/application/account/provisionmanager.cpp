@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "provision/provisionmanager.h"
+#include "application/account/provisionmanager.h"
 
 ProvisionManager::ProvisionManager(EasAccount *account, QObject *parent)
     : QObject(parent)
