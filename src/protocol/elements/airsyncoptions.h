@@ -2,6 +2,7 @@
 #pragma once
 
 #include "common/exchangeactivesync.h"
+#include "easitems/containers/agefilter.h"
 #include "protocol/wbxml/asprotocolitem.h"
 
 #include <QList>
@@ -10,27 +11,13 @@
 class AirSyncBasePreference;
 
 /** How the server is to answer for one collection: age of items, forms of bodies, who wins a conflict. */
-class AirSyncOptions : public AsProtocolItem
+class AirSyncOptions : public AsProtocolItem, public AgeFilter
 {
     Q_OBJECT
 
 public:
     enum ServerClientConflictType : int { ClientReplacesServer = 0, ServerReplacesClient = 1 };
     Q_ENUM(ServerClientConflictType)
-
-    enum FilterType : int {
-        FilterUnset = -1,
-        NoFilter = 0,
-        FilterOneDay = 1,
-        FilterThreeDays = 2,
-        FilterOneWeek = 3,
-        FilterTwoWeeks = 4,
-        FilterOneMonth = 5,
-        FilterThreeMonths = 6,
-        FilterSixMonths = 7,
-        FilterIncompleteTasks = 8
-    };
-    Q_ENUM(FilterType)
 
     enum MimeSupportType : int {
         MimeSupportUnset = -1,
