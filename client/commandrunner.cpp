@@ -1,12 +1,17 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "client/commandrunner.h"
 
+#include "client/accountdirectory.h"
 #include "client/commandcontext.h"
 #include "client/commandtable.h"
+#include "client/completion.h"
 
 #include <QCoreApplication>
 
 namespace {
+
+/** For shells, so it stands in no help. */
+const auto Complete = QStringLiteral("--complete");
 
 bool isHelp(const QString &word)
 {
@@ -19,7 +24,7 @@ QString takeOptions(QStringList &arguments, CommandContext::Options *options)
     const auto account = QStringLiteral("--account");
     while (!arguments.isEmpty() && arguments.first().startsWith(QLatin1Char('-'))) {
         const QString word = arguments.first();
-        if (isHelp(word) || word == QLatin1String("--version"))
+        if (isHelp(word) || word == QLatin1String("--version") || word == Complete)
             break;
         arguments.removeFirst();
         if (word == QLatin1String("--json"))
@@ -68,6 +73,26 @@ int printVersion(Output &output, const QStringList & /* arguments */)
     return ExitSuccess;
 }
 
+/** How accounts can be named in a word; an account store that does not work has none. */
+QStringList accountWords()
+{
+    QStringList words;
+    const AccountDirectory directory;
+    const QList<EasAccountId> ids = directory.accounts();
+    for (const EasAccountId id : ids)
+        words +=
+            QStringList { QString::number(id), directory.emailAddress(id).section(QLatin1Char('@'), 0, 0) };
+    return words;
+}
+
+int printCompletion(Output &output, const QStringList &words)
+{
+    const QStringList candidates = Completion::candidates(words, &accountWords);
+    for (const QString &word : candidates)
+        output.message(word);
+    return ExitSuccess;
+}
+
 int printError(Output & /* output */, const QStringList &error)
 {
     Output::error(error.join(QLatin1Char(' ')));
@@ -85,6 +110,8 @@ int CommandRunner::run(QStringList arguments)
     const QString first = arguments.value(0);
     if (isHelp(first))
         return withoutCommand(options, &printHelp, arguments.mid(1));
+    if (first == Complete)
+        return withoutCommand(options, &printCompletion, arguments.mid(1));
     if (first == QLatin1String("--version"))
         return withoutCommand(options, &printVersion, {});
     const Command *const command = CommandTable::take(arguments);

@@ -136,7 +136,8 @@ const QList<Command> &CommandTable::commands()
             "[--email ADDRESS ...] [--email2|--email3 ADDRESS] "
             "[--mobile|--home-phone|--home-phone2|--work-phone|--work-phone2|--fax|--home-fax|--pager|"
             "--car-phone NUMBER] "
-            "[--home-|--work-street|postcode|city|region|country TEXT] "
+            "[--home-street|--home-postcode|--home-city|--home-region|--home-country TEXT] "
+            "[--work-street|--work-postcode|--work-city|--work-region|--work-country TEXT] "
             "[--birthday|--anniversary DAY] [--spouse TEXT] [--web URL] [--category NAME ...] "
             "[--picture FILE] [--note TEXT] [--folder NAME]",
             "add a contact", ContactCommands::add },
