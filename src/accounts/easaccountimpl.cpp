@@ -70,12 +70,19 @@ void EasAccountImpl::initialize()
         connect(
             mRecord.account(), &Accounts::Account::enabledChanged, this, &EasAccountImpl::onEnabledChanged);
     }
+    connectRemoteWipe();
+    // What an account that is to be wiped would fetch and repair here would only have to go again.
+    if (mRemoteWipe->isRequested())
+        return mRemoteWipe->resume();
     askSyncScheduler();
+    openStorages();
+}
+
+void EasAccountImpl::openStorages()
+{
     mCalendarStorage.reset(mStorages.createCalendarStorage(*this, nullptr));
     retrieveCredentials();
     onEmailConfigurationChanged(id());
-    if (mRemoteWipe->isRemoteWipeRequested())
-        mRemoteWipe->startRemoteWipeTimeout();
 }
 
 void EasAccountImpl::connectCredentials()
@@ -84,7 +91,12 @@ void EasAccountImpl::connectCredentials()
     connect(mCredentials, &AccountCredentials::passwordReceived, this, &EasAccountImpl::onPasswordReceived);
     connect(mCredentials, &AccountCredentials::sslCertificatePasswordReceived, this,
         [this] { Q_EMIT sslCertificateCredentialsChanged(id()); });
-    connect(mRemoteWipe, &RemoteWipe::started, this, &EasAccountImpl::onRemoteWipeStarted);
+}
+
+void EasAccountImpl::connectRemoteWipe()
+{
+    connect(mRemoteWipe, &RemoteWipe::ordered, this, &EasAccountImpl::onRemoteWipeOrdered);
+    connect(mRemoteWipe, &RemoteWipe::begun, this, &EasAccountImpl::onRemoteWipeBegun);
 }
 
 void EasAccountImpl::createConfigurations()
@@ -137,6 +149,8 @@ void EasAccountImpl::onEmailConfigurationChanged(EasAccountId accountId)
         qCWarning(eas()) << "Email configuration is null" << accountId;
         return;
     }
+    if (isRemoteWipeRequested())
+        return;
     if (!mEmailConfiguration->enabled()) {
         qCInfo(eas()) << "email service is disabled in account" << accountId;
         mMailStorage.reset();
@@ -166,16 +180,35 @@ void EasAccountImpl::onPasswordReceived()
 
 bool EasAccountImpl::remoteWipeRequested()
 {
-    const bool recorded = mRemoteWipe->request();
-    mRemoteWipe->startRemoteWipeTimeout();
-    return recorded;
+    return mRemoteWipe->request();
 }
 
-void EasAccountImpl::onRemoteWipeStarted()
+void EasAccountImpl::remoteWipeAcknowledged()
+{
+    mRemoteWipe->acknowledged();
+}
+
+bool EasAccountImpl::isRemoteWipeRequested() const
+{
+    return mRemoteWipe->isRequested();
+}
+
+void EasAccountImpl::onRemoteWipeOrdered()
+{
+    // Without a store, nothing that still comes from the server can be put back.
+    mMailStorage.reset();
+    mCalendarStorage.reset();
+    mContactStorage.reset();
+    setAlwaysOn(false);
+    Q_EMIT remoteWipeOrdered(id());
+}
+
+void EasAccountImpl::onRemoteWipeBegun()
 {
     // Whatever becomes of the wipe, nothing is synchronised any more.
     mCredentials->forget();
     clearAuthenticationCache();
+    Q_EMIT remoteWipeBegun(id());
 }
 
 void EasAccountImpl::onEnabledChanged(const QString &serviceName)
@@ -192,6 +225,7 @@ bool EasAccountImpl::enabled() const
 
 void EasAccountImpl::setAlwaysOn(bool on)
 {
+    on = on && !isRemoteWipeRequested();
     EasAccount::setAlwaysOn(on);
     if (mRecord.contains(mailService())
         && mRecord.value(mailService(), persistentConnectionKey).toBool() != on)
@@ -260,7 +294,7 @@ QSharedPointer<CalendarStorage> EasAccountImpl::calendarStorage() const
 
 QSharedPointer<ContactStorage> EasAccountImpl::contactStorage()
 {
-    if (!mContactStorage)
+    if (!mContactStorage && !isRemoteWipeRequested())
         mContactStorage.reset(mStorages.createContactStorage(*this, nullptr));
     return mContactStorage;
 }

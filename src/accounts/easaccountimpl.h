@@ -55,6 +55,8 @@ public:
     void setLastKnownSupportedCommands(const QStringList &commands) override;
     ProvisionManager *provisionManager() override;
     bool remoteWipeRequested() override;
+    void remoteWipeAcknowledged() override;
+    bool isRemoteWipeRequested() const override;
     bool isReady() const override;
     void credentialsNeedUpdate() override;
     bool isCredentialsNeedUpdate() override;
@@ -68,13 +70,16 @@ private Q_SLOTS:
     void onEmailConfigurationChanged(EasAccountId accountId);
     void onPasswordReceived();
     void onEnabledChanged(const QString &serviceName);
-    void onRemoteWipeStarted();
+    void onRemoteWipeOrdered();
+    void onRemoteWipeBegun();
 
 private:
     void initialize();
     void createConfigurations();
     void askSyncScheduler() const;
     void connectCredentials();
+    void connectRemoteWipe();
+    void openStorages();
 
     QVariant globalValue(const char *key) const;
     void setGlobalValue(const char *key, const QVariant &value);

@@ -16,7 +16,8 @@ namespace {
 
 const QString credentialsIdKey = QStringLiteral("CredentialsId");
 const QString remoteWipeRequestedKey = QStringLiteral("remote_wipe_requested");
-constexpr int remoteWipeDelay = 500;
+constexpr int AcknowledgementPatience = 10000;
+constexpr int StartDelay = 500;
 
 } // namespace
 
@@ -25,6 +26,7 @@ RemoteWipe::RemoteWipe(const AccountRecord &record, EasAccountId accountId, QObj
     , mRecord(record)
     , mAccountId(accountId)
     , mTimer(new QTimer(this))
+    , mRequested(mRecord.value(RecordScope::global(), remoteWipeRequestedKey).toBool())
 {
     mTimer->setSingleShot(true);
     connect(mTimer, &QTimer::timeout, this, &RemoteWipe::onRemoteWipeTimeout);
@@ -32,12 +34,20 @@ RemoteWipe::RemoteWipe(const AccountRecord &record, EasAccountId accountId, QObj
 
 RemoteWipe::~RemoteWipe() = default;
 
-bool RemoteWipe::isRemoteWipeRequested() const
+bool RemoteWipe::request()
 {
-    return mRecord.value(RecordScope::global(), remoteWipeRequestedKey).toBool();
+    if (mRequested)
+        return true;
+    if (!record())
+        return false;
+    mRequested = true;
+    mTimer->start(
+        Clock::instance().timerInterval(AcknowledgementPatience, Clock::Timer::WipeAcknowledgement));
+    Q_EMIT ordered();
+    return true;
 }
 
-bool RemoteWipe::request()
+bool RemoteWipe::record()
 {
     if (mRecord.write(RecordScope::global(), remoteWipeRequestedKey, true))
         return true;
@@ -45,15 +55,22 @@ bool RemoteWipe::request()
     return false;
 }
 
-void RemoteWipe::startRemoteWipeTimeout()
+void RemoteWipe::acknowledged()
 {
-    mTimer->start(Clock::instance().timerInterval(remoteWipeDelay));
+    if (mRequested && !mBegun)
+        resume();
+}
+
+void RemoteWipe::resume()
+{
+    mTimer->start(Clock::instance().timerInterval(StartDelay, Clock::Timer::WipeStart));
 }
 
 void RemoteWipe::onRemoteWipeTimeout()
 {
     qCWarning(eas()) << "trying to wipe the account" << mAccountId;
-    Q_EMIT started();
+    mBegun = true;
+    Q_EMIT begun();
     const quint32 credentialsId = mRecord.value(RecordScope::global(), credentialsIdKey).toUInt();
     SignOn::Identity *const identity = SignOn::Identity::existingIdentity(credentialsId, this);
     if (!identity) {

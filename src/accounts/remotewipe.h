@@ -15,7 +15,7 @@ class Error;
 /**
  * Takes an account off the device because its server demands it: password, attachments, mapping and record.
  *
- * The demand is written down first, so that a wipe that a restart interrupts goes on with the next account
+ * The order is written down first, so that a wipe that a restart interrupts goes on with the next account
  * object. Where the password cannot be removed it stops, and is tried again at the next start. Owned by the
  * account object; main thread only.
  */
@@ -27,16 +27,23 @@ public:
     RemoteWipe(const AccountRecord &record, EasAccountId accountId, QObject *parent);
     ~RemoteWipe() override;
 
-    /** Whether the record holds the demand. */
-    bool isRemoteWipeRequested() const;
-    /** Writes the demand down; false, after a log line, if that failed. */
+    /** Whether a wipe was ordered, now or before a restart. */
+    bool isRequested() const { return mRequested; }
+    /**
+     * Writes the order down and waits for acknowledged(), ten seconds at most. False, after a log line, if it
+     * could not be written: then nothing was ordered.
+     */
     bool request();
-    /** Begins a little later, when the reply to the demand has gone out. */
-    void startRemoteWipeTimeout();
+    /** The server has had its answer, or will not get it: the wipe begins after half a second. */
+    void acknowledged();
+    /** Goes on after a restart, with half a second for the account's start. */
+    void resume();
 
 Q_SIGNALS:
-    /** From here on the account may not be synchronised any more. */
-    void started();
+    /** The order has been written down. */
+    void ordered();
+    /** From here on the account may not be used any more. */
+    void begun();
 
 private Q_SLOTS:
     void onRemoteWipeTimeout();
@@ -44,9 +51,12 @@ private Q_SLOTS:
     void onIdentityRemoveError(const SignOn::Error &error);
 
 private:
+    bool record();
     void wipe();
 
     AccountRecord mRecord;
     EasAccountId mAccountId;
     QTimer *mTimer;
+    bool mRequested;
+    bool mBegun = false;
 };

@@ -28,6 +28,7 @@ Request *AccountQueue::find(qulonglong requestId) const
 void AccountQueue::enter(Request *request)
 {
     mRequests.append(request);
+    followRemoteWipe();
     if (mRequests.size() == 1)
         return startHead();
     qCWarning(eas()) << "Account" << mAccountId << "is busy, request" << request->id() << "added to queue";
@@ -85,6 +86,29 @@ void AccountQueue::askForPassword(EasAccount &owner)
         return;
     mPasswordAsked = true;
     owner.onAuthenticationFailedError();
+}
+
+void AccountQueue::followRemoteWipe()
+{
+    EasAccount *const owner = Engine::accountOf(this, mAccountId);
+    if (!owner)
+        return;
+    connect(owner, &EasAccount::remoteWipeOrdered, this, &AccountQueue::onRemoteWipeOrdered,
+        Qt::UniqueConnection);
+    connect(
+        owner, &EasAccount::remoteWipeBegun, this, &AccountQueue::onRemoteWipeBegun, Qt::UniqueConnection);
+}
+
+void AccountQueue::onRemoteWipeOrdered()
+{
+    if (!isEmpty() && !head()->isProvisioning())
+        head()->cancel();
+}
+
+void AccountQueue::onRemoteWipeBegun()
+{
+    if (!isEmpty())
+        head()->cancel();
 }
 
 void AccountQueue::cancelHungHead()

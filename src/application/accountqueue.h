@@ -46,7 +46,14 @@ public Q_SLOTS:
     /** Starts the head, unless it was started before; for a queue whose head has ended. */
     void startHead();
 
+private Q_SLOTS:
+    /** Cancels a head that runs, unless it is what brings the server its acknowledgement. */
+    void onRemoteWipeOrdered();
+    void onRemoteWipeBegun();
+
 private:
+    /** Those who wait end by themselves at their start. */
+    void followRemoteWipe();
     /** Whether the account's password is on its way; the head starts when that has come. */
     bool waitsForCredentials();
     void askForPassword(EasAccount &owner);

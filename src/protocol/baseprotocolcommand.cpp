@@ -216,12 +216,23 @@ Network *BaseProtocolCommand::network() const
     return engine ? engine->networkManager() : nullptr;
 }
 
+bool BaseProtocolCommand::mayBeSent() const
+{
+    const EasAccount *const wiped = account();
+    if (!wiped || !wiped->isRemoteWipeRequested() || commandName() == ProtocolUtils::CommandProvision)
+        return true;
+    qCWarning(eas()) << "A wipe of account" << mAccountId << "was ordered, not sent:" << commandName();
+    return false;
+}
+
 bool BaseProtocolCommand::post(const QNetworkRequest &request, const QByteArray &body)
 {
     if (mReply) {
         qCWarning(eas()) << "Already active";
         return false;
     }
+    if (!mayBeSent())
+        return false;
     Network *const access = network();
     return takeReply(access ? access->post(mAccountId, request, body) : nullptr);
 }
@@ -233,6 +244,8 @@ bool BaseProtocolCommand::sendCustomRequest(
         qCWarning(eas()) << "Already active";
         return false;
     }
+    if (!mayBeSent())
+        return false;
     auto buffer = std::make_unique<QBuffer>();
     buffer->setData(body);
     buffer->open(QIODevice::ReadOnly);

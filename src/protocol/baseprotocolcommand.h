@@ -131,6 +131,8 @@ private Q_SLOTS:
 
 private:
     Network *network() const;
+    /** False, after a log line, for all but Provision once a wipe of the account was ordered. */
+    bool mayBeSent() const;
     bool redirect();
     void noteHttpStatus();
     void dropReply();

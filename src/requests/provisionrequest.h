@@ -23,6 +23,7 @@ public:
     /** The policies that the device does not meet. */
     FailedPolicyMap provisionPolicies() const;
     int policyStatus() const;
+    bool isProvisioning() const override { return true; }
 
 protected:
     void startRequest() override;

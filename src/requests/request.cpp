@@ -101,7 +101,7 @@ void Request::start()
 {
     if (hasEnded())
         mState = State::Idle;
-    if (refuseBlockedAccount())
+    if (refuseWipedAccount() || refuseBlockedAccount())
         return;
     if (isUnderWay()) {
         qCWarning(eas()) << "tried to start already started request";
@@ -122,6 +122,16 @@ void Request::start()
     case NetworkGate::Closed:
         return finishWith(RequestStatusNoNetwork);
     }
+}
+
+bool Request::refuseWipedAccount()
+{
+    const EasAccount *const wiped = account();
+    if (!wiped || !wiped->isRemoteWipeRequested())
+        return false;
+    qCWarning(eas()) << "Cant start request for account" << mAccountId << ". Its wipe was ordered";
+    finishWith(RequestStatusWipeAcknowledged);
+    return true;
 }
 
 bool Request::refuseBlockedAccount()

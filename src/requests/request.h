@@ -52,6 +52,8 @@ public:
     virtual bool successfullyFinished() const;
     /** Past the network gate and not yet completed. */
     virtual bool started() const;
+    /** Whether it talks with the server about policies or a wipe, itself or by a nested request. */
+    virtual bool isProvisioning() const { return mState == State::Paused; }
     virtual void onNetworkOperationFinished(QNetworkReply *reply);
     virtual void onNetworkError(int error);
 
@@ -123,6 +125,7 @@ private:
     };
 
     bool isUnderWay() const;
+    bool refuseWipedAccount();
     bool refuseBlockedAccount();
     void finish();
     void finishWith(int status);

@@ -31,9 +31,11 @@ public:
     int timerInterval(int milliseconds, Timer) const override
     {
         asked.append(milliseconds);
-        return 1;
+        return milliseconds >= heldFrom ? milliseconds : 1;
     }
 
+    /** Timers of this nominal length or more keep it. */
+    int heldFrom = 100000000;
     mutable QList<int> asked;
 };
 
@@ -364,15 +366,85 @@ private Q_SLOTS:
         FastClock fast;
         Clock::setInstance(&fast);
         QSignalSpy removed(mManager.get(), &Accounts::Manager::accountRemoved);
-        mAccount->remoteWipeRequested();
+        QVERIFY(mAccount->remoteWipeRequested());
         QCOMPARE(mFactory->value(mId, QString(), QStringLiteral("remote_wipe_requested")), QVariant(true));
-        QVERIFY(fast.asked.contains(500));
         QTRY_COMPARE(removed.count(), 1);
         QVERIFY(!QDir(attachments).exists());
         QVERIFY(!AccountFactory::identityExists(identity));
         QVERIFY(mLog->contains(QStringLiteral("trying to wipe the account")));
         QVERIFY(mLog->contains(QStringLiteral("identity removed in account")));
         QVERIFY(mLog->contains(QStringLiteral("removing directory:")));
+    }
+
+    void theWipeWaitsForTheAcknowledgement()
+    {
+        openReady();
+        QSignalSpy ordered(mAccount.get(), &EasAccount::remoteWipeOrdered);
+        QSignalSpy begun(mAccount.get(), &EasAccount::remoteWipeBegun);
+        mAccount->remoteWipeAcknowledged();
+        FastClock fast;
+        fast.heldFrom = 10000;
+        Clock::setInstance(&fast);
+        QVERIFY(!mAccount->isRemoteWipeRequested());
+        QVERIFY(mAccount->remoteWipeRequested());
+        QVERIFY(mAccount->isRemoteWipeRequested());
+        QCOMPARE(fast.asked, QList<int> { 10000 });
+        QCOMPARE(ordered.count(), 1);
+        QVERIFY2(mAccount->remoteWipeRequested(), "a second order");
+        QCOMPARE(fast.asked, QList<int> { 10000 });
+        mAccount->remoteWipeAcknowledged();
+        QCOMPARE(fast.asked, QList<int>({ 10000, 500 }));
+        QCOMPARE(begun.count(), 0);
+        QTRY_COMPARE(begun.count(), 1);
+        QCOMPARE(ordered.count(), 1);
+    }
+
+    void anOrderThatCannotBeWrittenDownIsNone()
+    {
+        openReady();
+        QVERIFY(mFactory->remove(mId));
+        mManager.reset();
+        QSignalSpy ordered(mAccount.get(), &EasAccount::remoteWipeOrdered);
+        FastClock fast;
+        Clock::setInstance(&fast);
+        QVERIFY(!mAccount->remoteWipeRequested());
+        QVERIFY(!mAccount->isRemoteWipeRequested());
+        QVERIFY(mLog->contains(QtWarningMsg, { "failed to write", "remote_wipe_requested" }));
+        QCOMPARE(ordered.count(), 0);
+        QVERIFY(fast.asked.isEmpty());
+    }
+
+    void fromTheOrderOnThereIsNeitherStoreNorPush()
+    {
+        mFactory->setServiceEnabled(mId, AccountFactory::mailService(), true);
+        openReady();
+        QVERIFY(mAccount->mailStorage());
+        QVERIFY(mAccount->calendarStorage());
+        QVERIFY(mAccount->contactStorage());
+        mAccount->setAlwaysOn(true);
+        QVERIFY(mAccount->remoteWipeRequested());
+        QVERIFY(!mAccount->mailStorage());
+        QVERIFY(!mAccount->calendarStorage());
+        QVERIFY(!mAccount->contactStorage());
+        QVERIFY(!mAccount->alwaysOn());
+        mAccount->setAlwaysOn(true);
+        QVERIFY(!mAccount->alwaysOn());
+        QSignalSpy changes(mAccount.get(), &EasAccount::emailConfigurationChanged);
+        mFactory->setValue(mId, AccountFactory::mailService(), QStringLiteral("preview_size"), 4);
+        QTRY_COMPARE(changes.count(), 1);
+        QVERIFY(!mAccount->mailStorage());
+    }
+
+    void anAccountThatIsToBeWipedOpensNothingAtItsStart()
+    {
+        mFactory->setServiceEnabled(mId, AccountFactory::mailService(), true);
+        mFactory->setValue(mId, QString(), QStringLiteral("remote_wipe_requested"), true);
+        open();
+        QVERIFY(mAccount->isRemoteWipeRequested());
+        QVERIFY2(mAccount->isReady(), "no password is fetched");
+        QVERIFY(!mAccount->mailStorage());
+        QVERIFY(!mAccount->calendarStorage());
+        QVERIFY(!mAccount->contactStorage());
     }
 
     void aWipeThatARestartInterruptedGoesOn()

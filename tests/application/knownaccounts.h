@@ -42,7 +42,9 @@ public:
     QStringList lastKnownSupportedCommands() const override { return {}; }
     void setLastKnownSupportedCommands(const QStringList &) override {}
     ProvisionManager *provisionManager() override { return nullptr; }
-    bool remoteWipeRequested() override { return true; }
+    bool remoteWipeRequested() override { return false; }
+    void remoteWipeAcknowledged() override {}
+    bool isRemoteWipeRequested() const override { return false; }
     void credentialsNeedUpdate() override {}
     bool isCredentialsNeedUpdate() override { return false; }
 

@@ -170,6 +170,38 @@ private Q_SLOTS:
             QCOMPARE(finishedStatus(i), -4);
     }
 
+    // An account that is to be wiped
+
+    void anOrderToWipeEndsAllRequestsOfItsAccount()
+    {
+        ProbeRequest *const head = enter(1);
+        enter(2);
+        ProbeRequest *const other = enter(3, OtherAccount);
+        QVERIFY(mAccount->remoteWipeRequested());
+        QCOMPARE(head->cancels, 1);
+        QCOMPARE(finishedIds(), QList<qulonglong>({ 1, 2 }));
+        QCOMPARE(finishedStatus(0), -4);
+        QCOMPARE(finishedStatus(1), -7);
+        QCOMPARE(enter(4)->starts, 0);
+        QCOMPARE(finishedStatus(2), -7);
+        QVERIFY(other->started());
+    }
+
+    void theRequestThatAcknowledgesTheWipeGoesOnUntilItBegins()
+    {
+        ProbeRequest *const head = enter(1);
+        head->provisionWaits = true;
+        head->startProvisionRequest(true);
+        enter(2);
+        QVERIFY(mAccount->remoteWipeRequested());
+        QCOMPARE(mFinished->count(), 0);
+        QVERIFY(head->provision);
+        Q_EMIT mAccount->remoteWipeBegun(Account);
+        QCOMPARE(finishedIds(), QList<qulonglong>({ 1, 2 }));
+        QCOMPARE(finishedStatus(0), -4);
+        QCOMPARE(finishedStatus(1), -7);
+    }
+
     void progressGivesTheMaximumFirst()
     {
         QSignalSpy progress(mManager.data(), &RequestManager::requestProgress);

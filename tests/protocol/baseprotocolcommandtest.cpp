@@ -260,6 +260,23 @@ private Q_SLOTS:
         QCOMPARE(lastRequest().header("X-MS-PolicyKey"), QByteArray("0"));
     }
 
+    void onceAWipeWasOrderedOnlyProvisionIsSent()
+    {
+        mServer->answer(bodyAnswer("reply"));
+        mAccount->wipeOrdered = true;
+        LogCollector log;
+        ProbeCommand sync;
+        QVERIFY(!run(sync));
+        QVERIFY(mServer->requests().isEmpty());
+        QVERIFY(log.contains(QtWarningMsg,
+            { QStringLiteral("A wipe of account"), QStringLiteral("was ordered, not sent:"),
+                QStringLiteral("Sync") }));
+        ProbeCommand provision;
+        provision.name = QStringLiteral("Provision");
+        QVERIFY(run(provision));
+        QCOMPARE(mServer->requests().size(), 1);
+    }
+
     void withoutACookieThereIsNoAuthorization()
     {
         mServer->answer(bodyAnswer("reply"));

@@ -90,6 +90,19 @@ private Q_SLOTS:
                 QStringLiteral(". Credentials need update") }));
     }
 
+    void anAccountThatIsToBeWipedRefuses()
+    {
+        mAccount->wipeOrdered = true;
+        LogCollector log;
+        mRequest->start();
+        QCOMPARE(mRequest->starts, 0);
+        QCOMPARE(mRequest->status(), -7);
+        QCOMPARE(mCompleted->count(), 1);
+        QVERIFY(log.contains(QtWarningMsg,
+            { QStringLiteral("Cant start request for account"), QStringLiteral("7"),
+                QStringLiteral(". Its wipe was ordered") }));
+    }
+
     void aStartedRequestDoesNotStartAgain()
     {
         mRequest->start();

@@ -90,8 +90,14 @@ public:
     bool remoteWipeRequested() override
     {
         ++wipeRequests;
+        if (recordsWipe) {
+            wipeOrdered = true;
+            Q_EMIT remoteWipeOrdered(id());
+        }
         return recordsWipe;
     }
+    void remoteWipeAcknowledged() override { ++wipeAcknowledgements; }
+    bool isRemoteWipeRequested() const override { return wipeOrdered; }
     void credentialsNeedUpdate() override { ++blocks; }
     bool isCredentialsNeedUpdate() override { return blocked || blocks > 0; }
     void setAlwaysOn(bool on) override
@@ -130,7 +136,9 @@ public:
     QSharedPointer<ContactStorage> people;
 
     int wipeRequests = 0;
+    int wipeAcknowledgements = 0;
     bool recordsWipe = true;
+    bool wipeOrdered = false;
     ProvisionManager *provisions = nullptr;
     /** How often the credentials were marked as refused. */
     int blocks = 0;

@@ -110,9 +110,17 @@ public:
     virtual void setLastKnownSupportedCommands(const QStringList &commands) = 0;
     /** Null as long as the engine does not handle policies. */
     virtual ProvisionManager *provisionManager() = 0;
-    /** Writes down the server's order to wipe and begins with it a little later; false, after a log line, if
-     * it could not be written down. */
+    /**
+     * The server orders that the account be wiped. False if the order could not be written down: then nothing
+     * happens, and the acknowledgement has to say so. Otherwise no store can be reached from here on, every
+     * request ends with RequestStatusWipeAcknowledged, no command but Provision is sent, and the wipe begins
+     * after remoteWipeAcknowledged(), or by itself after ten seconds.
+     */
     virtual bool remoteWipeRequested() = 0;
+    /** The exchange that acknowledges the order is over, however it ended. */
+    virtual void remoteWipeAcknowledged() = 0;
+    /** Whether a wipe was ordered, now or before a restart. */
+    virtual bool isRemoteWipeRequested() const = 0;
     /** False while credentials are being fetched. */
     virtual bool isReady() const;
     /** Marks the credentials as refused: the account is blocked until the user enters new ones. */
@@ -132,6 +140,10 @@ Q_SIGNALS:
     void emailConfigurationChanged(EasAccountId accountId);
     void scheduleConfigurationChanged(EasAccountId accountId);
     void readyChanged();
+    /** The order to wipe the account has been written down; its acknowledgement is to follow. */
+    void remoteWipeOrdered(EasAccountId accountId);
+    /** The wipe itself begins, whatever still runs. */
+    void remoteWipeBegun(EasAccountId accountId);
 
 private Q_SLOTS:
     void onAccountConfigChanged(qulonglong accountId);

@@ -31,7 +31,9 @@ public:
         OptionsTimeout, ///< until a server has to have answered OPTIONS
         AccountsCheck, ///< before the engine ends for want of an enabled account
         ProcessEnd, ///< from the end of the engine to that of its process
-        DatabaseRelease ///< from the last use of the mapping to its closing
+        DatabaseRelease, ///< from the last use of the mapping to its closing
+        WipeAcknowledgement, ///< until the acknowledgement of an order to wipe has to have ended
+        WipeStart ///< from there, or from the account's appearance, to the wipe
     };
 
     /** What a timer of this nominal length, in milliseconds, is really started with. */
