@@ -77,13 +77,13 @@ QByteArray withCrLf(const QByteArray &text)
 {
     QByteArray out;
     out.reserve(text.size() + text.size() / 32);
-    for (int i = 0; i < text.size(); ++i) {
-        const char c = text.at(i);
-        if (c == '\n' && (i == 0 || text.at(i - 1) != '\r'))
-            out += '\r';
-        out += c;
+    int begin = 0;
+    for (int feed = text.indexOf('\n'); feed >= 0; feed = text.indexOf('\n', begin)) {
+        out.append(text.constData() + begin, feed - begin);
+        out.append(feed > 0 && text.at(feed - 1) == '\r' ? "\n" : "\r\n");
+        begin = feed + 1;
     }
-    return out;
+    return out.append(text.constData() + begin, text.size() - begin);
 }
 
 QByteArray withLf(const QByteArray &text)

@@ -5,6 +5,7 @@
 #include "application/mapping/easdatabase.h"
 #include "easitems/easemailitem.h"
 #include "protocol/wbxml/wbxmltokens.h"
+#include "storages/mail/mailmessageadder.h"
 #include "storages/mail/mailrecognition.h"
 #include "storages/mail/mailstorecontext.h"
 
@@ -37,7 +38,6 @@ QString texts(const QMailMessageIdList &ids)
 
 MailItemBatch::MailItemBatch(const MailStoreContext &context)
     : mContext(context)
-    , mAdder(context)
     , mChanges(context)
 {
 }
@@ -102,6 +102,7 @@ bool MailItemBatch::addEmailItems(QList<EasEmailItem> &items)
     const std::optional<MailRecognition> recognition = MailRecognition::of(mContext, items);
     if (!recognition)
         return false;
+    const MailMessageAdder adder(mContext);
     MailMessageAdder::Messages messages;
     QSet<QString> taken;
     QList<EasEmailItem> kept;
@@ -117,7 +118,7 @@ bool MailItemBatch::addEmailItems(QList<EasEmailItem> &items)
             qCInfo(eas()) << "not stored, the user has deleted it:" << uid;
             continue;
         }
-        std::unique_ptr<QMailMessage> message = mAdder.messageFor(item, *recognition);
+        std::unique_ptr<QMailMessage> message = adder.messageFor(item, *recognition);
         if (!message)
             return false;
         message->setStatus(QMailMessage::New, true);
@@ -126,7 +127,7 @@ bool MailItemBatch::addEmailItems(QList<EasEmailItem> &items)
         messages.push_back(std::move(message));
         keptOfMessages.append(kept.size() - 1);
     }
-    if (!mAdder.store(messages))
+    if (!adder.store(messages))
         return false;
     for (int i = 0; i < keptOfMessages.size(); ++i)
         kept[keptOfMessages.at(i)].setLocalId(idText(messages[size_t(i)]->id()));

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
-#include "storages/mail/mailmessageadder.h"
 #include "storages/mail/mailmessagechanges.h"
 
 #include <QList>
@@ -63,7 +62,6 @@ private:
         const QList<EasEmailItem> &added, const QList<EasEmailItem> &changed, const QStringList &deleted);
 
     const MailStoreContext &mContext;
-    MailMessageAdder mAdder;
     MailMessageChanges mChanges;
     QSet<QMailMessageId> mAdopted;
 };

@@ -49,7 +49,7 @@ std::unique_ptr<QMailMessage> MailMessageAdder::messageFor(
 bool MailMessageAdder::hasFolder(const EasEmailItem &item) const
 {
     const QMailFolderId folder(item.localCollectionId());
-    if (folder.isValid() && mContext.store->folder(folder).id().isValid())
+    if (folder.isValid() && mWriter.folder(folder).id().isValid())
         return true;
     qCCritical(eas()) << "no local folder for message with server id" << item.serverId() << "of collection"
                       << item.collectionId();

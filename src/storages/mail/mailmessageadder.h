@@ -17,7 +17,8 @@ class QMailMessageMetaData;
 /**
  * Brings the messages of items into the store. One that an interrupted run has left there is adopted: it
  * takes the item's content and keeps its id and what the user did with it meanwhile. Nothing is doubled, and
- * nothing fails for ever on the store's rule that a server uid stands once in an account.
+ * nothing fails for ever on the store's rule that a server uid stands once in an account. An object of the
+ * moment, for one batch of items.
  */
 class MailMessageAdder
 {

@@ -153,11 +153,17 @@ bool MailMessageWriter::addCalendarPart(QMailMessage &message, const EasEmailIte
     return true;
 }
 
+QMailFolder MailMessageWriter::folder(const QMailFolderId &id) const
+{
+    const auto known = mFolders.constFind(id);
+    return known == mFolders.constEnd() ? *mFolders.insert(id, mContext.store->folder(id)) : *known;
+}
+
 void MailMessageWriter::copyFolderFlags(QMailMessage &message) const
 {
     if (!message.parentFolderId().isValid())
         return;
-    const quint64 folderStatus = mContext.store->folder(message.parentFolderId()).status();
+    const quint64 folderStatus = folder(message.parentFolderId()).status();
     if (folderStatus & QMailFolder::Drafts)
         message.setStatus(QMailMessage::Draft, true);
     if (folderStatus & QMailFolder::Trash)

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include <qmailfolder.h>
+
+#include <QHash>
 #include <QString>
 
 #include <memory>
@@ -9,7 +12,10 @@ struct MailStoreContext;
 class EasEmailItem;
 class QMailMessage;
 
-/** Builds a message of the mail store from an item that came from the server. */
+/**
+ * Builds messages of the mail store from items that came from the server. An object of the moment: it asks
+ * the store for a folder once, however many of the items are in it.
+ */
 class MailMessageWriter
 {
 public:
@@ -23,6 +29,9 @@ public:
      */
     std::unique_ptr<QMailMessage> mailMessageFromEmailItem(const EasEmailItem &item) const;
 
+    /** The folder as the store has it; invalid if it has none of that number. */
+    QMailFolder folder(const QMailFolderId &id) const;
+
     /** The store's name for an item: its server id, or its long id if it is a search result. */
     static QString serverUid(const EasEmailItem &item);
 
@@ -33,4 +42,5 @@ private:
     void copyFolderFlags(QMailMessage &message) const;
 
     const MailStoreContext &mContext;
+    mutable QHash<QMailFolderId, QMailFolder> mFolders;
 };
