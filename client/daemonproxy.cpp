@@ -32,6 +32,9 @@ bool DaemonProxy::isDaemonRunning()
 
 QString DaemonProxy::whyUnreachable(const QDBusError &error)
 {
+    if (error.type() == QDBusError::UnknownMethod || error.type() == QDBusError::UnknownInterface)
+        return QStringLiteral("the daemon that runs is older than this program and does not know the call; "
+                              "end it with fennel-easctl quit, then call again");
     return QStringLiteral("the daemon cannot be reached: %1").arg(error.message());
 }
 

@@ -6,6 +6,7 @@
 #include "client/output.h"
 #include "client/policytable.h"
 #include "client/statustext.h"
+#include "common/easrequeststatus.h"
 
 namespace {
 
@@ -16,17 +17,18 @@ struct Outcome
     const char *sentence;
 };
 
-constexpr int NoPolicy = 1;
-
 constexpr Outcome Outcomes[] = {
-    { NoPolicy, "no policy", "The server has no policy for account %1." },
+    { 1, "no policy", "The server has no policy for account %1." },
     { 3, "accepted", "The server has accepted account %1 under its policy." },
     { 4, "accepted without a key",
         "The server has taken the answer of account %1, but has given no key; the one from before stays." },
 };
 
-const Outcome *find(int policyStatus)
+/** A request that failed tells the status of the server's answer, which has other numbers. */
+const Outcome *find(int status, int policyStatus)
 {
+    if (status != EasRequestStatus::RequestStatusSuccess)
+        return nullptr;
     for (const Outcome &outcome : Outcomes) {
         if (outcome.policyStatus == policyStatus)
             return &outcome;
@@ -89,11 +91,10 @@ PolicyAnswer::PolicyAnswer(const DaemonRequest &request)
         });
 }
 
-QString PolicyAnswer::outcomeName(int policyStatus)
+QString PolicyAnswer::outcomeName(int status, int policyStatus)
 {
-    const Outcome *const outcome = find(policyStatus);
-    return outcome ? QString::fromLatin1(outcome->name)
-                   : QStringLiteral("not accepted (%1)").arg(StatusText::name(policyStatus));
+    const Outcome *const outcome = find(status, policyStatus);
+    return outcome ? QString::fromLatin1(outcome->name) : QStringLiteral("not accepted");
 }
 
 bool PolicyAnswer::hasPolicy() const
@@ -104,7 +105,7 @@ bool PolicyAnswer::hasPolicy() const
 QString PolicyAnswer::sentence() const
 {
     QStringList sentences;
-    const Outcome *const outcome = find(mPolicyStatus.value_or(0));
+    const Outcome *const outcome = find(mRequest.status(), mPolicyStatus.value_or(0));
     // What a request failed of was told as an error.
     if (mRequest.exitStatus() == ExitSuccess)
         sentences.append(outcome
@@ -123,7 +124,7 @@ QJsonObject PolicyAnswer::facts() const
     facts[QStringLiteral("id")] = QString::number(mRequest.accountId());
     if (mPolicyStatus) {
         facts[QStringLiteral("policyStatus")] = *mPolicyStatus;
-        facts[QStringLiteral("policyStatusName")] = outcomeName(*mPolicyStatus);
+        facts[QStringLiteral("policyStatusName")] = outcomeName(mRequest.status(), *mPolicyStatus);
     }
     if (hasPolicy())
         facts[QStringLiteral("verdict")] = QLatin1String(textOf(mFailed).key);

@@ -26,8 +26,8 @@ public:
     /** Once the request has ended; prints what has come until then. */
     void print(Output &output) const;
 
-    /** What became of a policy, in words: "no policy", "accepted". */
-    static QString outcomeName(int policyStatus);
+    /** What became of a policy, in words: "no policy", "accepted"; by the status of the request as well. */
+    static QString outcomeName(int status, int policyStatus);
 
 private:
     bool hasPolicy() const;

@@ -6,6 +6,7 @@
 #include "client/daemonproxy.h"
 #include "client/pushstate.h"
 #include "client/scheduler.h"
+#include "client/timetext.h"
 
 #include <QCommandLineParser>
 #include <QDBusPendingReply>
@@ -33,6 +34,22 @@ int readState(EasAccountId account, QVariantMap *state)
         return DaemonProxy::unreachable(reply.error());
     *state = reply.value();
     return ExitSuccess;
+}
+
+/** Moments as people read them; steps of push take seconds, so days alone say nothing. */
+QJsonArray readable(const QJsonArray &rows)
+{
+    QJsonArray shown;
+    for (const QJsonValue &value : rows) {
+        QJsonObject row = value.toObject();
+        for (const char *key : { "lastAnswerAt", "nextStepAt" }) {
+            const auto time = row.find(QLatin1String(key));
+            if (time != row.end())
+                *time = TimeText::brief(time->toString());
+        }
+        shown.append(row);
+    }
+    return shown;
 }
 
 int switchPush(CommandContext &context, const QList<EasAccountId> &ids, bool isOn)
@@ -105,11 +122,12 @@ int PushCommands::status(CommandContext &context)
         context.output().object({}, { { Rows, rows }, { QStringLiteral("daemonRuns"), isRunning } });
         return ExitSuccess;
     }
+    // Narrow enough for an ordinary terminal, so without the accounts' names.
     context.output().rows(
-        { { "id", "ID" }, { "name", "NAME" }, { "enabled", "PUSH" }, { "heartbeat", "HEARTBEAT" },
-            { "folders", "FOLDERS" }, { "lastAnswerName", "LAST ANSWER" }, { "lastAnswerAt", "ANSWERED" },
-            { "nextStepName", "NEXT STEP" }, { "nextStepAt", "DUE" } },
-        rows);
+        { { "id", "ID" }, { "enabled", "PUSH" }, { "heartbeat", "HEARTBEAT" }, { "folders", "FOLDERS" },
+            { "lastAnswerName", "LAST ANSWER" }, { "lastAnswerAt", "AT" }, { "nextStepName", "NEXT STEP" },
+            { "nextStepAt", "DUE" } },
+        readable(rows));
     if (!isRunning)
         context.output().message(QStringLiteral(
             "The daemon does not run, so nothing is pushed; fennel-easctl push on starts it."));

@@ -33,13 +33,14 @@ struct Step
     const char *name;
 };
 
+/** Short enough for a column of a table. */
 constexpr Step Steps[] = {
-    { "ping", "wait for changes" },
+    { "ping", "ping" },
     { "sync", "sync" },
-    { "pause", "go on after a pause" },
-    { "network", "wait for the network" },
-    { "stopped", "try a sync, as push has stopped" },
-    { "off", "nothing" },
+    { "pause", "ping again" },
+    { "network", "once online" },
+    { "stopped", "try again" },
+    { "off", "none" },
 };
 
 // What the daemon calls its facts is what the documents call them.

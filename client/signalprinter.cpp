@@ -18,35 +18,36 @@
 
 namespace {
 
-QString statusText(const QVariant &value)
+QString statusText(const QVariantList &values, int position)
 {
-    return StatusText::name(value.toInt());
+    return StatusText::name(values.at(position).toInt());
 }
 
-QString pushText(const QVariant &value)
+QString pushText(const QVariantList &values, int position)
 {
-    return PushState::sentence(value.toMap());
+    return PushState::sentence(values.at(position).toMap());
 }
 
-QString documentText(const QVariant &value)
+QString documentText(const QVariantList &values, int position)
 {
-    return QStringLiteral("policies: %1").arg(value.toMap().size());
+    return QStringLiteral("policies: %1").arg(values.at(position).toMap().size());
 }
 
-QString failedText(const QVariant &value)
+QString failedText(const QVariantList &values, int position)
 {
     FailedPolicyMap failed;
-    const QVariantMap numbers = value.toMap();
+    const QVariantMap numbers = values.at(position).toMap();
     for (auto policy = numbers.cbegin(); policy != numbers.cend(); ++policy)
         failed.insert(policy.key().toInt(), *policy);
     return failed.isEmpty()
-        ? QStringLiteral("all met")
+        ? QString()
         : QStringLiteral("not met: %1").arg(PolicyTable::failedPolicies(failed).join(QStringLiteral(", ")));
 }
 
-QString outcomeText(const QVariant &value)
+QString outcomeText(const QVariantList &values, int position)
 {
-    return QStringLiteral("policy: %1").arg(PolicyAnswer::outcomeName(value.toInt()));
+    return QStringLiteral("policy: %1")
+        .arg(PolicyAnswer::outcomeName(values.at(position - 2).toInt(), values.at(position).toInt()));
 }
 
 /** Arguments that people read better in words. */
@@ -54,7 +55,7 @@ struct Reading
 {
     const char *signal;
     int position;
-    QString (*text)(const QVariant &value);
+    QString (*text)(const QVariantList &values, int position);
 };
 
 constexpr Reading Readings[] = {
@@ -70,12 +71,13 @@ constexpr Reading Readings[] = {
     { "pushStateChanged", 1, &pushText },
 };
 
-QString text(const QString &signal, int position, const QVariant &value)
+QString text(const QString &signal, const QVariantList &values, int position)
 {
     for (const Reading &reading : Readings) {
         if (reading.position == position && signal == QLatin1String(reading.signal))
-            return reading.text(value);
+            return reading.text(values, position);
     }
+    const QVariant &value = values.at(position);
     return value.type() == QVariant::List ? value.toStringList().join(QLatin1Char(',')) : value.toString();
 }
 
@@ -100,21 +102,21 @@ bool SignalPrinter::start()
 void SignalPrinter::onSignal(const QDBusMessage &message)
 {
     const QString time = TimeText::forPrograms(QDateTime::currentDateTime());
-    QJsonArray arguments;
     QStringList texts;
-    const QVariantList values = message.arguments();
-    for (int i = 0; i < values.size(); ++i) {
-        const QVariant value = BusValue::plain(values.at(i));
-        arguments.append(QJsonValue::fromVariant(value));
-        texts.append(text(message.member(), i, value));
-    }
+    QVariantList values;
+    for (const QVariant &argument : message.arguments())
+        values.append(BusValue::plain(argument));
+    for (int i = 0; i < values.size(); ++i)
+        texts.append(text(message.member(), values, i));
+    texts.removeAll(QString());
     if (mOutput.isJson()) {
         const QJsonObject line { { QStringLiteral("time"), time },
-            { QStringLiteral("signal"), message.member() }, { QStringLiteral("arguments"), arguments } };
+            { QStringLiteral("signal"), message.member() },
+            { QStringLiteral("arguments"), QJsonArray::fromVariantList(values) } };
         std::printf("%s\n", QJsonDocument(line).toJson(QJsonDocument::Compact).constData());
     } else {
         mOutput.message(QStringLiteral("%1  %2 %3")
-                            .arg(TimeText::readable(time), message.member(), texts.join(QLatin1Char(' '))));
+                            .arg(TimeText::brief(time), message.member(), texts.join(QLatin1Char(' '))));
     }
     std::fflush(stdout);
 }

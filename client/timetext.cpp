@@ -20,3 +20,9 @@ QString TimeText::readable(const QString &text)
         QStringLiteral("^\\d{4}-\\d\\d-\\d\\dT\\d\\d:\\d\\d:\\d\\d(Z|[+-]\\d\\d:\\d\\d)$"));
     return moment.match(text).hasMatch() ? forPeople(QDateTime::fromString(text, Qt::ISODate)) : text;
 }
+
+QString TimeText::brief(const QString &text)
+{
+    const QDateTime time = QDateTime::fromString(text, Qt::ISODate).toLocalTime();
+    return time.date() == QDate::currentDate() ? time.toString(QStringLiteral("HH:mm:ss")) : readable(text);
+}

@@ -13,5 +13,7 @@ QString forPrograms(const QDateTime &time);
 QString forPeople(const QDateTime &time);
 /** A text as it is, but a moment that was written for programs as people read it. */
 QString readable(const QString &text);
+/** A moment that was written for programs: "09:30:15" if it is of today, else as people read it. */
+QString brief(const QString &text);
 
 } // namespace TimeText

@@ -53,10 +53,10 @@ ClientProcess::ClientProcess(Place place)
         mTerminal = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC | O_NONBLOCK);
         if (mTerminal >= 0 && grantpt(mTerminal) == 0 && unlockpt(mTerminal) == 0)
             slave = ptsname(mTerminal);
-        const winsize size { 24, 100, 0, 0 };
-        ioctl(mTerminal, TIOCSWINSZ, &size);
     }
     mProcess.reset(new TerminalProcess(slave));
+    if (place == OnTerminal)
+        setColumns(100);
 }
 
 ClientProcess::~ClientProcess()
@@ -65,6 +65,12 @@ ClientProcess::~ClientProcess()
     mProcess->waitForFinished();
     if (mTerminal >= 0)
         ::close(mTerminal);
+}
+
+void ClientProcess::setColumns(unsigned short columns)
+{
+    const winsize size { 24, columns, 0, 0 };
+    ioctl(mTerminal, TIOCSWINSZ, &size);
 }
 
 void ClientProcess::setVariable(const QString &name, const QString &value)

@@ -27,6 +27,9 @@ public:
     /** Its standard input, which is empty otherwise. */
     void setInputFile(const QString &path) { mProcess->setStandardInputFile(path); }
 
+    /** How wide the terminal is; wider than most without. */
+    void setColumns(unsigned short columns);
+
     void setVariable(const QString &name, const QString &value);
 
     void start(const QStringList &arguments);

@@ -125,7 +125,6 @@ private Q_SLOTS:
         ClientProcess client;
         QCOMPARE(client.run({ "policy", "show" }), int(ExitSuccess));
         QVERIFY2(client.output().contains("has not accepted"), client.output());
-        QVERIFY2(client.output().contains("DeviceNotFullyProvisionable"), client.output());
     }
 
     void aRefusedPolicyIsShownBesideTheError()
@@ -137,7 +136,11 @@ private Q_SLOTS:
         const QJsonObject all = client.json().object();
         QCOMPARE(all.value(QStringLiteral("status")).toInt(), -5);
         QCOMPARE(all.value(QStringLiteral("exitStatus")).toInt(), int(ExitFailure));
-        QVERIFY(!all.contains(QStringLiteral("message")) || !text(all, "message").contains("accepted"));
+        // The number is the server's own here, not that of an outcome.
+        QCOMPARE(text(all, "policyStatusName"), QStringLiteral("not accepted"));
+        QCOMPARE(text(all, "message"),
+            QStringLiteral(
+                "The device fails what the policy demands of its lock, which the server was told."));
         // Told by the number alone, as the document has no word of it.
         QCOMPARE(text(policy(client, "DevicePasswordEnabled"), "help"), QStringLiteral("Set a device lock."));
     }
@@ -162,6 +165,15 @@ private Q_SLOTS:
         QCOMPARE(client.waitForEnd(), int(ExitCancelled));
         QVERIFY(mDaemon->calls().contains(QStringLiteral("cancelRequest %1 1").arg(account())));
         QVERIFY2(!client.output().contains("no policy"), client.output());
+    }
+
+    void aCancelledRequestHasNoOutcomeInWatch()
+    {
+        ClientProcess client;
+        client.start({ "watch" });
+        QVERIFY2(client.waitForOutput("watching"), client.errors());
+        Q_EMIT mDaemon->provisionRequestFinished(mScene->accountId(), 7, -4, {}, 1);
+        QVERIFY2(client.waitForOutput("RequestStatusCancelled policy: not accepted\n"), client.output());
     }
 
     void anAbsentDaemonIsSaidSo()

@@ -138,8 +138,38 @@ private Q_SLOTS:
             1714550400);
         QCOMPARE(only.value(QStringLiteral("nextStep")).toString(), QStringLiteral("pause"));
         QCOMPARE(client.run({ "push", "status" }), int(ExitSuccess));
-        for (const char *word : { "heartbeat refused", "480", "go on after a pause" })
+        for (const char *word : { "heartbeat refused", "480", "ping again" })
             QVERIFY2(client.output().contains(word), client.output());
+    }
+
+    void theStateFitsAnOrdinaryTerminal()
+    {
+        QVariantMap state = someState();
+        const qlonglong now = QDateTime::currentSecsSinceEpoch();
+        state[QStringLiteral("lastAnswerAt")] = now;
+        state[QStringLiteral("nextStepAt")] = now;
+        mDaemon->setPushState(mScene->accountId(), state);
+        ClientProcess client(ClientProcess::OnTerminal);
+        client.setColumns(80);
+        QCOMPARE(client.run({ "push", "status" }), int(ExitSuccess));
+        const QByteArray row = client.output().split('\n').at(1);
+        const QByteArray time = QDateTime::fromSecsSinceEpoch(now).toString("HH:mm:ss").toLatin1();
+        QVERIFY2(row.contains("heartbeat refused  " + time) && row.contains("ping again  " + time), row);
+    }
+
+    void anOlderDaemonIsSaidSo()
+    {
+        mDaemon.reset();
+        QObject older;
+        QDBusConnection bus = QDBusConnection::sessionBus();
+        QVERIFY(bus.registerObject(ExchangeActiveSync::EAS_DBUS_PATH_NAME, &older)
+            && bus.registerService(ExchangeActiveSync::EAS_DBUS_SERVICE_NAME));
+        ClientProcess client;
+        const int exit = client.run({ "push", "status" });
+        bus.unregisterService(ExchangeActiveSync::EAS_DBUS_SERVICE_NAME);
+        bus.unregisterObject(ExchangeActiveSync::EAS_DBUS_PATH_NAME);
+        QCOMPARE(exit, int(ExitUnavailable));
+        QVERIFY2(client.errors().contains("older than this program"), client.errors());
     }
 
     void anAccountWithoutAnswersHasNone()
@@ -172,7 +202,7 @@ private Q_SLOTS:
         QVERIFY2(client.waitForOutput("watching"), client.errors());
         mDaemon->setPushState(mScene->accountId(), someState());
         const QByteArray line = "pushStateChanged " + account().toUtf8()
-            + " on, heartbeat 480 s, folders: 7, last answer: heartbeat refused, next: go on after a pause "
+            + " on, heartbeat 480 s, folders: 7, last answer: heartbeat refused, next: ping again "
               "at ";
         QVERIFY2(client.waitForOutput(line), client.output());
         client.type("\003");
