@@ -16,6 +16,7 @@ const QVector<CommandEntry> &commandTable()
         { "FolderUpdate", handleFolderUpdate, "FolderHierarchy:FolderUpdate", Version161 },
         { "MoveItems", handleMoveItems, "Move:MoveItems", Version161 },
         { "ItemOperations", handleItemOperations, "ItemOperations:ItemOperations", Version161 },
+        { "Provision", handleProvision, "Provision:Provision", Version161 },
     };
     return table;
 }

@@ -3,6 +3,7 @@
 
 #include "simulator/devicestate.h"
 #include "simulator/override.h"
+#include "simulator/serverpolicies.h"
 
 #include <QStringList>
 
@@ -25,6 +26,7 @@ struct CommandContext
     const Override &answer; ///< statuses to give in place of the own ones
     Mailbox &mailbox;
     DeviceState &device;
+    ServerPolicies &policies;
     int &lastKey; ///< counts over the whole server, so that no key ever comes twice
     QStringList &failures; ///< what the client did against the protocol
 
@@ -59,6 +61,7 @@ CommandReply handleSync(const CommandContext &context);
 CommandReply handleMoveItems(const CommandContext &context);
 CommandReply handleItemOperations(const CommandContext &context);
 CommandReply handleGetAttachment(const CommandContext &context);
+CommandReply handleProvision(const CommandContext &context);
 
 /** The commands in the order in which OPTIONS names them. */
 struct CommandEntry

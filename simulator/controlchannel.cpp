@@ -15,6 +15,7 @@ using Simulator::Email;
 using Simulator::ItemEntry;
 using Simulator::ItemPtr;
 using Simulator::MailFolder;
+using Simulator::ServerPolicies;
 
 namespace {
 
@@ -49,14 +50,22 @@ const QVector<ControlChannel::Entry> &ControlChannel::entries()
         { "add-folder", 1, &ControlChannel::addFolder, "add-folder NAME [PARENT]" },
         { "rename-folder", 2, &ControlChannel::renameFolder, "rename-folder FOLDER NAME" },
         { "remove-folder", 1, &ControlChannel::removeFolder, "remove-folder FOLDER" },
+        { "policy", 1, &ControlChannel::policy, "policy FILE.xml..." },
+        { "allow-all", 0, &ControlChannel::allowAll, "allow-all [ELEMENT=VALUE...]" },
+        { "no-policy", 0, &ControlChannel::noPolicy, "no-policy" },
+        { "refresh-policy", 0, &ControlChannel::refreshPolicy, "refresh-policy" },
+        { "demand", 2, &ControlChannel::demand, "demand key|compliance|new-keys on|off" },
+        { "wipe", 1, &ControlChannel::wipe, "wipe device|account|off" },
+        { "policy-status", 0, &ControlChannel::policyStatus, "policy-status" },
         { "quit", 0, &ControlChannel::quit, "quit" },
     };
     return table;
 }
 
-ControlChannel::ControlChannel(Simulator::Mailbox &mailbox, QObject *parent)
+ControlChannel::ControlChannel(Simulator::ExchangeServer &server, QObject *parent)
     : QObject(parent)
-    , mMailbox(mailbox)
+    , mServer(server)
+    , mMailbox(server.mailbox())
     , mNotifier(STDIN_FILENO, QSocketNotifier::Read)
 {
     connect(&mNotifier, &QSocketNotifier::activated, this, &ControlChannel::onReadable);
@@ -244,6 +253,86 @@ QString ControlChannel::renameFolder(const Arguments &arguments)
 QString ControlChannel::removeFolder(const Arguments &arguments)
 {
     return done(mMailbox.removeFolder(folderId(arguments.at(0))), noFolder);
+}
+
+QString ControlChannel::policy(const Arguments &arguments)
+{
+    QVector<Simulator::Policy> policies;
+    for (const QString &fileName : arguments) {
+        QFile file(fileName);
+        if (!file.open(QIODevice::ReadOnly))
+            return QStringLiteral("error %1: %2").arg(fileName, file.errorString());
+        QString error;
+        Simulator::Policy policy;
+        policy.document = Simulator::WbxmlNode::fromXml(QString::fromUtf8(file.readAll()), &error);
+        if (policy.document.name() != QLatin1String("Provision:EASProvisionDoc"))
+            return QStringLiteral("error %1: no EASProvisionDoc %2").arg(fileName, error);
+        policies.append(policy);
+    }
+    mServer.changePolicies([&policies](ServerPolicies &all) { all.setPolicies(policies); });
+    return QStringLiteral("ok");
+}
+
+QString ControlChannel::allowAll(const Arguments &arguments)
+{
+    QMap<QString, QString> values;
+    for (const QString &argument : arguments)
+        values.insert(argument.section(QLatin1Char('='), 0, 0), argument.section(QLatin1Char('='), 1));
+    mServer.changePolicies(
+        [&values](ServerPolicies &all) { all.setPolicies({ Simulator::Policy::allowing(values) }); });
+    return QStringLiteral("ok");
+}
+
+QString ControlChannel::noPolicy(const Arguments &)
+{
+    mServer.changePolicies([](ServerPolicies &all) { all.setPolicies({}); });
+    return QStringLiteral("ok");
+}
+
+QString ControlChannel::refreshPolicy(const Arguments &)
+{
+    mServer.changePolicies([](ServerPolicies &all) { all.refresh(); });
+    return QStringLiteral("ok");
+}
+
+QString ControlChannel::demand(const Arguments &arguments)
+{
+    static const QMap<QString, bool ServerPolicies::*> demands {
+        { QStringLiteral("key"), &ServerPolicies::refusesKeyless },
+        { QStringLiteral("compliance"), &ServerPolicies::wantsCompliance },
+        { QStringLiteral("new-keys"), &ServerPolicies::forgetsKeys },
+    };
+    const auto demanded = demands.value(arguments.at(0));
+    if (!demanded)
+        return QStringLiteral("error no such demand: ") + arguments.at(0);
+    const bool on = arguments.at(1) == QLatin1String("on");
+    mServer.changePolicies([demanded, on](ServerPolicies &all) { all.*demanded = on; });
+    return QStringLiteral("ok");
+}
+
+QString ControlChannel::wipe(const Arguments &arguments)
+{
+    static const QMap<QString, Simulator::Wipe> orders {
+        { QStringLiteral("device"), Simulator::Wipe::Device },
+        { QStringLiteral("account"), Simulator::Wipe::Account },
+        { QStringLiteral("off"), Simulator::Wipe::None },
+    };
+    if (!orders.contains(arguments.first()))
+        return QStringLiteral("error no such wipe: ") + arguments.first();
+    const Simulator::Wipe order = orders.value(arguments.first());
+    mServer.changePolicies([order](ServerPolicies &all) { all.orderWipe(order); });
+    return QStringLiteral("ok");
+}
+
+QString ControlChannel::policyStatus(const Arguments &)
+{
+    const ServerPolicies policies = mServer.policies();
+    QString lines;
+    for (auto verdict = policies.verdicts.cbegin(); verdict != policies.verdicts.cend(); ++verdict)
+        lines += QStringLiteral("policy\t%1\t%2\n").arg(verdict.key(), verdict.value());
+    for (auto verdict = policies.wipeVerdicts.cbegin(); verdict != policies.wipeVerdicts.cend(); ++verdict)
+        lines += QStringLiteral("wipe\t%1\t%2\n").arg(verdict.key(), verdict.value());
+    return lines + QStringLiteral("ok %1").arg(policies.list.size());
 }
 
 QString ControlChannel::quit(const Arguments &)

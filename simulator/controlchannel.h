@@ -1,21 +1,22 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
-#include "simulator/mailbox.h"
+#include "simulator/exchangeserver.h"
 
 #include <QObject>
 #include <QSocketNotifier>
 
 /**
- * Commands on standard input that act as the mailbox's other clients would; each is answered by lines of
- * which the last begins with "ok" or "error". Owned by main(), lives in the main thread.
+ * Commands on standard input that act on the first mailbox as its other clients and its administrator would;
+ * each is answered by lines of which the last begins with "ok" or "error". Owned by main(), lives in the main
+ * thread.
  */
 class ControlChannel : public QObject
 {
     Q_OBJECT
 
 public:
-    ControlChannel(Simulator::Mailbox &mailbox, QObject *parent);
+    ControlChannel(Simulator::ExchangeServer &server, QObject *parent);
 
     /** Runs one line and returns the answer. */
     QString run(const QString &line);
@@ -52,12 +53,20 @@ private:
     QString addFolder(const Arguments &arguments);
     QString renameFolder(const Arguments &arguments);
     QString removeFolder(const Arguments &arguments);
+    QString policy(const Arguments &arguments);
+    QString allowAll(const Arguments &arguments);
+    QString noPolicy(const Arguments &arguments);
+    QString refreshPolicy(const Arguments &arguments);
+    QString demand(const Arguments &arguments);
+    QString wipe(const Arguments &arguments);
+    QString policyStatus(const Arguments &arguments);
     QString quit(const Arguments &arguments);
     QString setRead(const Arguments &arguments, bool isRead);
     /** Identifier of a folder named by its path or its identifier. */
     QString folderId(const QString &name) const;
     QString itemId(const QString &folder, const QString &item) const;
 
+    Simulator::ExchangeServer &mServer;
     Simulator::Mailbox &mMailbox;
     QSocketNotifier mNotifier;
     QByteArray mInput;

@@ -3,6 +3,7 @@
 
 #include "simulator/itemshape.h"
 #include "simulator/mailbox.h"
+#include "simulator/serverpolicies.h"
 
 #include <QHash>
 #include <QSet>
@@ -73,6 +74,7 @@ struct DeviceState
 {
     HierarchyState hierarchy;
     QHash<QString, CollectionState> collections;
+    ProvisionState provision;
 };
 
 } // namespace Simulator

@@ -12,6 +12,8 @@ namespace Simulator {
 namespace {
 
 const char wbxmlType[] = "application/vnd.ms-sync.wbxml";
+/** That a device without a policy key is served no more; before 14.0 it is told so by HTTP 403. */
+constexpr int keylessDeviceStatus = 141;
 
 struct Credentials
 {
@@ -27,6 +29,13 @@ Credentials credentials(const RecordedRequest &record)
     const QString pair = QString::fromUtf8(QByteArray::fromBase64(header.mid(6)));
     const QString name = pair.section(QLatin1Char(':'), 0, 0);
     return { name.section(QLatin1Char('\\'), -1), pair.section(QLatin1Char(':'), 1) };
+}
+
+/** Null if the request brings none. */
+QString policyKey(const RecordedRequest &record)
+{
+    const QByteArray key = record.header("X-MS-PolicyKey");
+    return key.isNull() ? QString() : QString::fromUtf8(key);
 }
 
 HttpReply plainReply(int status, const HttpHeaders &headers = {})
@@ -110,7 +119,24 @@ void Dispatcher::setPassword(const QString &name, const QString &password)
 Mailbox &Dispatcher::mailbox(const QString &name)
 {
     const QMutexLocker lock(&mMutex);
-    return mUsers.at(name.isEmpty() ? mFirstUser : name)->mailbox;
+    return user(name).mailbox;
+}
+
+Dispatcher::User &Dispatcher::user(const QString &name) const
+{
+    return *mUsers.at(name.isEmpty() ? mFirstUser : name);
+}
+
+ServerPolicies Dispatcher::policies(const QString &name)
+{
+    const QMutexLocker lock(&mMutex);
+    return user(name).policies;
+}
+
+void Dispatcher::changePolicies(const QString &name, const std::function<void(ServerPolicies &)> &change)
+{
+    const QMutexLocker lock(&mMutex);
+    change(user(name).policies);
 }
 
 void Dispatcher::changeSettings(const std::function<void(ServerSettings &)> &change)
@@ -200,6 +226,13 @@ HttpReply Dispatcher::decide(RecordedRequest &record, const Override &answer)
     return reply;
 }
 
+HttpReply Dispatcher::demandReply(RecordedRequest &record, const CommandEntry &entry, int status) const
+{
+    if (record.version >= Version140 && entry.root)
+        return documentReply(record, statusDocument(entry, status));
+    return plainReply(status == keylessDeviceStatus ? 403 : 449);
+}
+
 HttpReply Dispatcher::optionsReply() const
 {
     QStringList versions;
@@ -232,10 +265,17 @@ HttpReply Dispatcher::runCommand(RecordedRequest &record, const Override &answer
         failures.append(
             QStringLiteral("elements that this version does not know: ") + foreign.join(QLatin1Char(' ')));
     User *user = authenticated(record);
+    DeviceState &device = user->devices[record.deviceId];
+    if (entry->handler != handleProvision) {
+        const int complaint =
+            user->policies.complaint(record.deviceId, device.provision, policyKey(record), record.version);
+        if (complaint != 0)
+            return demandReply(record, *entry, complaint);
+    }
     CommandReply reply;
     user->mailbox.atomically([&] {
-        DeviceState &device = user->devices[record.deviceId];
-        reply = entry->handler({ record, mSettings, answer, user->mailbox, device, mLastKey, failures });
+        reply = entry->handler(
+            { record, mSettings, answer, user->mailbox, device, user->policies, mLastKey, failures });
     });
     for (const QString &failure : qAsConst(failures))
         mScript.addFailure(

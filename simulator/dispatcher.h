@@ -31,6 +31,8 @@ public:
     Mailbox &addUser(const QString &name, const QString &password);
     void setPassword(const QString &name, const QString &password);
     Mailbox &mailbox(const QString &name);
+    ServerPolicies policies(const QString &name);
+    void changePolicies(const QString &name, const std::function<void(ServerPolicies &)> &change);
     void changeSettings(const std::function<void(ServerSettings &)> &change);
     void forgetDevices();
 
@@ -39,12 +41,15 @@ private:
     {
         QString password;
         Mailbox mailbox;
+        ServerPolicies policies;
         std::map<QString, DeviceState> devices;
     };
 
     RecordedRequest read(const HttpRequest &request);
     HttpReply decide(RecordedRequest &record, const Override &answer);
     HttpReply runCommand(RecordedRequest &record, const Override &answer);
+    User &user(const QString &name) const;
+    HttpReply demandReply(RecordedRequest &record, const CommandEntry &entry, int status) const;
     HttpReply optionsReply() const;
     User *authenticated(const RecordedRequest &record);
 

@@ -125,6 +125,16 @@ Mailbox &ExchangeServer::mailbox(const QString &user)
     return d->dispatcher.mailbox(user);
 }
 
+ServerPolicies ExchangeServer::policies(const QString &user) const
+{
+    return d->dispatcher.policies(user);
+}
+
+void ExchangeServer::changePolicies(const std::function<void(ServerPolicies &)> &change, const QString &user)
+{
+    d->dispatcher.changePolicies(user, change);
+}
+
 void ExchangeServer::setVersions(const QStringList &versions)
 {
     QVector<int> numbers;

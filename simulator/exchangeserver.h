@@ -3,6 +3,7 @@
 
 #include "simulator/mailbox.h"
 #include "simulator/script.h"
+#include "simulator/serverpolicies.h"
 
 #include <QObject>
 #include <QSslCertificate>
@@ -45,6 +46,10 @@ public:
     void setPassword(const QString &name, const QString &password);
     /** The mailbox of that user, or of the first one. There must be such a user. */
     Mailbox &mailbox(const QString &user = QString());
+
+    /** What the server asks of the devices of that user, or of the first one; nothing at first. */
+    ServerPolicies policies(const QString &user = QString()) const;
+    void changePolicies(const std::function<void(ServerPolicies &)> &change, const QString &user = QString());
 
     /** Versions that OPTIONS announces and the server accepts, "12.0" to "16.1"; all of them at first. */
     void setVersions(const QStringList &versions);

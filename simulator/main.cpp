@@ -125,7 +125,7 @@ int main(int argc, char **argv)
     if (https && !certificateFile.isEmpty() && !writeCertificate(certificateFile, server.certificate()))
         return fail(QStringLiteral("cannot write ") + certificateFile);
 
-    ControlChannel control(server.mailbox(), nullptr);
+    ControlChannel control(server, nullptr);
     QObject::connect(&control, &ControlChannel::quitRequested, &application, &QCoreApplication::quit);
     if (!parser.isSet(QStringLiteral("quiet"))) {
         QObject::connect(&server, &Simulator::ExchangeServer::replied, &application,

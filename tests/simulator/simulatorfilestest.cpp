@@ -180,8 +180,9 @@ private Q_SLOTS:
         QTemporaryDir directory;
         write(directory, QStringLiteral("all.ics"), calendarText);
         write(directory, QStringLiteral("all.vcf"), contactText);
-        Mailbox mailbox;
-        ControlChannel channel(mailbox, nullptr);
+        ExchangeServer server;
+        Mailbox &mailbox = server.mailbox();
+        ControlChannel channel(server, nullptr);
         const QString calendar = mailbox.folderOfType(CalendarFolder).id;
         const QString added =
             channel.run(QStringLiteral("add ") + directory.filePath(QStringLiteral("all.ics")));

@@ -128,8 +128,8 @@ private Q_SLOTS:
 
     void theControlChannelActsOnTheMailbox()
     {
-        Mailbox mailbox;
-        ControlChannel control(mailbox, nullptr);
+        ExchangeServer server;
+        ControlChannel control(server, nullptr);
         QTemporaryDir directory;
         QFile file(directory.filePath(QStringLiteral("a message.eml")));
         QVERIFY(file.open(QIODevice::WriteOnly));

@@ -52,6 +52,7 @@ private Q_SLOTS:
         playContacts(server, client);
         playEvents(server, client);
         playItems(server, client);
+        playPolicies(server, client);
         QCOMPARE(server.failures(), QStringList());
         const QVector<RecordedRequest> requests = server.requests();
         for (const RecordedRequest &request : requests) {
@@ -101,6 +102,30 @@ private:
         run(QStringLiteral("unknown"));
         server.overrideNext(QStringLiteral("FolderSync"), Override::topStatus(6));
         run(key);
+    }
+
+    static void playPolicies(ExchangeServer &server, SimulatorClient &client)
+    {
+        const QString described = client.version() < QLatin1String("14.1")
+            ? QString()
+            : QStringLiteral(
+                "<DeviceInformation xmlns='Settings'><Set><Model>m</Model></Set></DeviceInformation>");
+        const QString policy = QStringLiteral("<Policies><Policy><PolicyType>MS-EAS-Provisioning-WBXML"
+                                              "</PolicyType>%1</Policy></Policies>");
+        const auto run = [&client](const QByteArray &key, const QString &inner) {
+            client.setHeader("X-MS-PolicyKey", key);
+            return client.post(QStringLiteral("Provision"),
+                QStringLiteral("<Provision xmlns='Provision'>%1</Provision>").arg(inner));
+        };
+        run("0", described + policy.arg(QString()));
+        server.changePolicies([](ServerPolicies &all) { all.setPolicies({ Policy::allowing() }); });
+        const QString key = run("0", described + policy.arg(QString()))
+                                .document.text(QStringLiteral("Policies/Policy/PolicyKey"));
+        run(key.toUtf8(), policy.arg(QStringLiteral("<PolicyKey>%1</PolicyKey><Status>1</Status>").arg(key)));
+        for (const Wipe order : { Wipe::Device, Wipe::Account }) {
+            server.changePolicies([order](ServerPolicies &all) { all.orderWipe(order); });
+            run("0", QString());
+        }
     }
 
     /** Each command twice, of which the second cannot be. Returns the key after them. */
