@@ -29,6 +29,11 @@ done
 for plugin in $(cd "$build" && find . -path '*/fennel-eas/plugins/*.so' ! -path './package/*'); do
     [ -e "$work/tree/$plugin" ] || { echo "not installed: $plugin"; exit 1; }
 done
+# The bus starts each service by the full path of its program.
+for service in "$work"/tree/share/dbus-1/services/*.service; do
+    program=$(sed -n 's/^Exec=//p' "$service")
+    [ -x "$program" ] || { echo "not installed: $program of $service"; exit 1; }
+done
 "$work/tree/bin/fennel-eas" --version
 "$work/tree/bin/fennel-eas" --help > /dev/null
 
