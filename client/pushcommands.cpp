@@ -27,8 +27,7 @@ int selectAccounts(CommandContext &context, QList<EasAccountId> *ids)
 /** What the daemon tells; it is started if need be. The exit status. */
 int readState(EasAccountId account, QVariantMap *state)
 {
-    QDBusPendingReply<QVariantMap> reply =
-        DaemonProxy::create()->asyncCall(QStringLiteral("pushState"), qulonglong(account));
+    QDBusPendingReply<QVariantMap> reply = DaemonProxy::create()->pushState(account);
     reply.waitForFinished();
     if (reply.isError())
         return DaemonProxy::unreachable(reply.error());

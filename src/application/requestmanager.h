@@ -13,6 +13,7 @@
 #include <QObject>
 #include <QPointer>
 #include <QStringList>
+#include <QVariantMap>
 
 #include <functional>
 #include <memory>
@@ -81,6 +82,8 @@ Q_SIGNALS:
         EasAccountId accountId, qulonglong requestId, qlonglong maxValue, qlonglong currentValue);
     void provisionRequestFinished(EasAccountId accountId, qulonglong requestId, int status,
         const FailedPolicyMap &provisionPolicy, int policyStatus);
+    /** The state as it goes to clients; an empty one for an account that has gone. */
+    void pushStateChanged(EasAccountId accountId, const QVariantMap &state);
     void galItemReceived(
         qulonglong accountId, qulonglong requestId, qulonglong matchingId, const GalItem &galItem);
     void accountAdded(EasAccountId accountId);

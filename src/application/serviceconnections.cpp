@@ -57,6 +57,7 @@ void connectReports(const Manager *manager, Service *service)
     QObject::connect(manager, &Manager::requestProgress, service, &Service::reportRequestProgress);
     QObject::connect(manager, &Manager::syncStarted, service, &Service::reportSyncStarted);
     QObject::connect(manager, &Manager::syncCompleted, service, &Service::reportSyncCompleted);
+    QObject::connect(manager, &Manager::pushStateChanged, service, &Service::reportPushState);
     QObject::connect(manager, &Manager::oofStateFetched, service, &Service::reportGetOofFinished);
     QObject::connect(
         manager, &Manager::attendeesAvailableDataReady, service, &Service::attendeesAvailableDataReady);

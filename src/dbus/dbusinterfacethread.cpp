@@ -129,6 +129,11 @@ int DBusInterfaceThread::protocolVersion(qulonglong accountId)
     return mAccounts->protocolVersion(accountId);
 }
 
+QVariantMap DBusInterfaceThread::pushState(qulonglong accountId)
+{
+    return mPushStates.of(accountId);
+}
+
 QString DBusInterfaceThread::emailAddress(qulonglong accountId)
 {
     return mAccounts->emailAddress(accountId);
@@ -382,6 +387,12 @@ void DBusInterfaceThread::reportSyncStarted(qulonglong accountId, qulonglong req
 void DBusInterfaceThread::reportSyncCompleted(qulonglong accountId, qulonglong requestId, int status)
 {
     report(mAdapter, &DBusInterfaceAdapter::syncCompleted, accountId, requestId, status);
+}
+
+void DBusInterfaceThread::reportPushState(qulonglong accountId, const QVariantMap &state)
+{
+    if (mPushStates.change(accountId, state))
+        report(mAdapter, &DBusInterfaceAdapter::pushStateChanged, accountId, mPushStates.of(accountId));
 }
 
 void DBusInterfaceThread::reportGetOofFinished(

@@ -4,11 +4,13 @@
 #include "common/failedpolicymap.h"
 #include "common/galitem.h"
 #include "dbus/peerconnections.h"
+#include "dbus/pushstates.h"
 #include "easitems/containers/easoofcontainer.h"
 
 #include <QList>
 #include <QStringList>
 #include <QThread>
+#include <QVariantMap>
 
 #include <memory>
 
@@ -43,6 +45,7 @@ public Q_SLOTS:
     void reconfig();
     int protocolVersion(qulonglong accountId);
     QString emailAddress(qulonglong accountId);
+    QVariantMap pushState(qulonglong accountId);
     void cancelRequest(qulonglong accountId, qulonglong requestId);
     qulonglong sync(qulonglong accountId);
     qulonglong foldersSync(qulonglong accountId);
@@ -99,6 +102,9 @@ public Q_SLOTS:
         qulonglong accountId, qulonglong requestId, qulonglong matchingId, const GalItem &item);
     void reportSyncStarted(qulonglong accountId, qulonglong requestId);
     void reportSyncCompleted(qulonglong accountId, qulonglong requestId, int status);
+    /** Kept for pushState(), and told on the bus if it is another state than before; an empty one is dropped.
+     */
+    void reportPushState(qulonglong accountId, const QVariantMap &state);
     void reportGetOofFinished(qulonglong accountId, qulonglong requestId, const EasOofContainer &state);
     void attendeesAvailableDataReady(qulonglong requestId, const QStringList &emails,
         const QStringList &names, const QStringList &statuses);
@@ -165,5 +171,6 @@ private:
     QDBusServer *mPeerServer = nullptr;
     PeerConnections mPeerConnections;
     std::unique_ptr<AccountReader> mAccounts;
+    PushStates mPushStates;
     QObject *mPeerObject = nullptr;
 };

@@ -323,6 +323,39 @@ private Q_SLOTS:
         QCOMPARE(oof->messages.value(0).signature(), QStringLiteral("ttbbsssbbs"));
     }
 
+    void theStateOfPushIsAnsweredAsItWasTold()
+    {
+        QObject owner;
+        BusSpy *const changed = spyOn(QStringLiteral("pushStateChanged"), &owner);
+        QVERIFY(changed->connected);
+        const auto state = [](const QDBusMessage &message, int position) {
+            return qdbus_cast<QVariantMap>(message.arguments().value(position));
+        };
+        const QVariantMap off = state(call(QStringLiteral("pushState"), 7ULL), 0);
+        QCOMPARE(off.value(QStringLiteral("nextStep")).toString(), QStringLiteral("off"));
+        QCOMPARE(off.value(QStringLiteral("enabled")), QVariant(false));
+
+        const QVariantMap pings { { QStringLiteral("enabled"), true }, { QStringLiteral("heartbeat"), 480 },
+            { QStringLiteral("lastAnswerAt"), qlonglong(1714550400) },
+            { QStringLiteral("nextStep"), QStringLiteral("ping") } };
+        // The second one says nothing new, the fourth that the account has gone.
+        for (const QVariantMap &told : { pings, pings, off, QVariantMap(), pings, QVariantMap() })
+            QMetaObject::invokeMethod(
+                mThread.get(), [&] { mThread->reportPushState(7, told); }, Qt::BlockingQueuedConnection);
+        QTRY_COMPARE(changed->messages.size(), 4);
+        QCOMPARE(changed->messages.value(0).signature(), QStringLiteral("ta{sv}"));
+        QCOMPARE(changed->messages.value(0).arguments().value(0).toULongLong(), 7ULL);
+        QCOMPARE(state(changed->messages.value(0), 1), pings);
+        QCOMPARE(state(changed->messages.value(1), 1), off);
+        QCOMPARE(state(changed->messages.value(2), 1), pings);
+        QCOMPARE(state(changed->messages.value(3), 1), off);
+
+        QMetaObject::invokeMethod(
+            mThread.get(), [&] { mThread->reportPushState(8, pings); }, Qt::BlockingQueuedConnection);
+        QCOMPARE(state(call(QStringLiteral("pushState"), 8ULL), 0), pings);
+        QCOMPARE(state(call(QStringLiteral("pushState"), 7ULL), 0), off);
+    }
+
     void withoutAnAdapterResultsAreOnlyLogged()
     {
         DBusInterfaceThread idle;
