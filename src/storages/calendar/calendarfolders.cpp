@@ -27,16 +27,15 @@ bool belongsTo(const Notebook::Ptr &notebook, EasAccountId accountId)
         && notebook->account() == QString::number(accountId);
 }
 
-/** The attachments of its events leave the mapping as well. */
+/** With the files of its events and what the mapping has of them; first, because the notebook leads there. */
 bool deleteWithFiles(const CalendarStoreContext &context, const Notebook::Ptr &notebook)
 {
     context.calendar->close();
-    context.storage->loadNotebookIncidences(notebook->uid());
-    const KCalendarCore::Incidence::List incidences = context.calendar->incidences(notebook->uid());
-    if (!context.storage->deleteNotebook(notebook))
+    if (!context.storage->loadNotebookIncidences(notebook->uid()))
         return false;
+    const KCalendarCore::Incidence::List incidences = context.calendar->incidences(notebook->uid());
     CalendarAttachmentService::forget(incidences);
-    return true;
+    return context.storage->deleteNotebook(notebook);
 }
 
 } // namespace

@@ -174,21 +174,28 @@ void ContactAvatars::removeAvatars(const QList<QUrl> &urls) const
     }
 }
 
-void ContactAvatars::removeOrphans(const QSet<QString> &usedPaths) const
+bool ContactAvatars::removeOrphans(const QSet<QString> &usedPaths) const
 {
     const QDir folder(avatarsDirInHome(mAccountId));
     const QFileInfoList files =
         folder.entryInfoList({ QStringLiteral("avatar-*") }, QDir::Files | QDir::NoSymLinks);
+    bool complete = true;
     for (const QFileInfo &file : files) {
-        if (!usedPaths.contains(file.absoluteFilePath())) {
-            qCInfo(eas()) << "Removing avatar file" << file.fileName() << "which no contact has";
-            QFile::remove(file.absoluteFilePath());
-        }
+        if (usedPaths.contains(file.absoluteFilePath()))
+            continue;
+        qCInfo(eas()) << "Removing avatar file" << file.fileName() << "which no contact has";
+        if (QFile::remove(file.absoluteFilePath()))
+            continue;
+        qCWarning(eas()) << "failed to remove avatar file" << file.absoluteFilePath();
+        complete = false;
     }
+    return complete;
 }
 
-void ContactAvatars::removeAll() const
+bool ContactAvatars::removeAll() const
 {
-    removeOrphans({});
+    const bool complete = removeOrphans({});
+    // A folder into which the user has put something stays.
     QDir().rmdir(avatarsDirInHome(mAccountId));
+    return complete;
 }

@@ -37,10 +37,10 @@ public:
 
     /** Removes the files as far as they are the account's. */
     void removeAvatars(const QList<QUrl> &urls) const;
-    /** Removes what no contact names: left by a run that was interrupted. */
-    void removeOrphans(const QSet<QString> &usedPaths) const;
-    /** Removes all of the account's. */
-    void removeAll() const;
+    /** Removes what no contact names: left by a run that was interrupted. False, logged, if some stay. */
+    bool removeOrphans(const QSet<QString> &usedPaths) const;
+    /** Removes all of the account's; false, logged, if some stay. */
+    bool removeAll() const;
 
     bool isOwn(const QUrl &url) const;
 

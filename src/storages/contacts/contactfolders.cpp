@@ -231,13 +231,15 @@ QList<QUrl> ContactFolders::avatarsIn(const QContactCollection &collection) cons
 
 bool ContactFolders::removeCollection(const QContactCollection &collection) const
 {
-    if (!mContext.manager->removeCollection(collection.id()))
-        return mContext.manager->error() == QContactManager::DoesNotExistError;
-    // The store keeps the rows until they are cleared, for a sync that asks what was removed; none does.
-    QContactManager::Error error = QContactManager::NoError;
-    if (auto *engine = mContext.engine())
-        engine->clearChangeFlags(collection.id(), &error);
-    return true;
+    auto *const engine = mContext.engine();
+    if (!engine)
+        return false;
+    // In one step with the rows that the store would else keep for a sync which asks what was removed: cut
+    // short between the two, they would stay for good.
+    QContactManager::Error error = QContactManager::UnspecifiedError;
+    return engine->storeChanges(nullptr, nullptr, { collection.id() },
+               QtContactsSqliteExtensions::ContactManagerEngine::PreserveRemoteChanges, true, &error)
+        || error == QContactManager::DoesNotExistError;
 }
 
 bool ContactFolders::isSentAnew(const QContactCollection &collection)

@@ -50,8 +50,7 @@ bool ContactStorageImpl::cleanUpDeletedAccounts(const QList<EasAccountId> &accou
             qCCritical(eas()) << "unable to delete contact collection: " << collection.id()
                               << " for removed account: " << accountId;
         }
-        if (complete)
-            ContactAvatars(accountId).removeAll();
+        complete = complete && ContactAvatars(accountId).removeAll();
         succeeded = complete && succeeded;
     }
     return succeeded;
