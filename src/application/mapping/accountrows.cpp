@@ -174,8 +174,8 @@ bool AccountRows::clear(EasAccountId accountId) const
         qCWarning(eas()) << "Failed to clean up storages for account ID:" << accountId;
         return false;
     }
-    remove(accountId);
-    setFolderSyncKey(accountId, ProtocolUtils::InitialSyncKey);
+    if (!remove(accountId) || !setFolderSyncKey(accountId, ProtocolUtils::InitialSyncKey))
+        return false;
     EasAccount *account = RequestManager::instance()->account(accountId);
     if (!account) {
         qCCritical(eas()) << "Account with ID: " << accountId << " does not exist!";

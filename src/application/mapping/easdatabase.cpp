@@ -139,10 +139,10 @@ Lookup<EasDatabase::AppDataType> EasDatabase::getAppDataType(const QString &serv
         [](const DatabaseStatement &row) { return AppDataType(row.value(0).toInt()); }, serverId);
 }
 
-void EasDatabase::removeAccount(EasAccountId accountId)
+bool EasDatabase::removeAccount(EasAccountId accountId)
 {
     startDataBaseTimer(ReleaseTimeout);
-    mAccounts.remove(accountId);
+    return mAccounts.remove(accountId);
 }
 
 bool EasDatabase::clearAccount(EasAccountId accountId)

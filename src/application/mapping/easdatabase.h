@@ -84,7 +84,8 @@ public:
         return mAccounts.setFolderSyncKey(accountId, syncKey);
     }
     Lookup<AppDataType> getAppDataType(const QString &serverId);
-    void removeAccount(EasAccountId accountId);
+    /** Deletes the account's rows; false, after a log line, if some are left. */
+    bool removeAccount(EasAccountId accountId);
     /** Wipes the account's stores and rows, so that its next sync starts from nothing. */
     bool clearAccount(EasAccountId accountId);
     /** Does the rest of a clearAccount() that was cut short; false, too, if that cannot be told. */
