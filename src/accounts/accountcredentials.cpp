@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "accounts/accountcredentials.h"
 
+#include "accounts/base/identitykeys.h"
 #include "accounts/signonflow.h"
 #include "application/base/logging.h"
 
@@ -12,12 +13,12 @@ AccountCredentials::AccountCredentials(const AccountRecord &record, EasAccountId
     : QObject(parent)
     , mRecord(record)
     , mAccountId(accountId)
-    , mPassword { "CredentialsId",
+    , mPassword { IdentityKeys::Password,
         { "credentials retrieving is in progress for account",
             "can't find SignOn::Identity for credentials id=", "can't create an AuthSession",
             "Received a SignOn error: type=" },
         &AccountCredentials::passwordReceived, {}, {} }
-    , mSslCertificatePassword { "SslCertCredentialsId",
+    , mSslCertificatePassword { IdentityKeys::CertificatePassphrase,
         { "ssl credentials retrieving is in progress for account",
             "can't find SignOn::Identity for ssl credentials id=",
             "can't create an AuthSession to retrieve SSL certificate credentials",

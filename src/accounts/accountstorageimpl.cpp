@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "accounts/accountstorageimpl.h"
 
+#include "accounts/base/accountrecord.h"
 #include "accounts/base/accountstore.h"
+#include "accounts/base/wipekeys.h"
 #include "accounts/easaccountimpl.h"
+#include "accounts/identitycleanup.h"
 #include "application/base/logging.h"
 #include "application/mapping/easdatabase.h"
 
@@ -48,8 +51,9 @@ EasAccount *AccountStorageImpl::account(EasAccountId id) const
 
 int AccountStorageImpl::enabledAccountsCount() const
 {
-    return static_cast<int>(std::count_if(
-        mAccounts.cbegin(), mAccounts.cend(), [](const EasAccount *account) { return account->enabled(); }));
+    // The engine stays for a wipe, too.
+    return static_cast<int>(std::count_if(mAccounts.cbegin(), mAccounts.cend(),
+        [](const EasAccount *account) { return account->enabled() || account->isRemoteWipeRequested(); }));
 }
 
 bool AccountStorageImpl::isReady() const
@@ -119,10 +123,28 @@ void AccountStorageImpl::initializeAccounts()
             createAccount(record, id);
             qCInfo(eas()) << "initialized EAS account with id" << id;
         }
+        resumeWipes();
         cleanUpDatabase();
+        (new IdentityCleanUp(this))->start();
     }
     qCInfo(eas()) << "Storage is initialized";
     updateReady();
+}
+
+void AccountStorageImpl::resumeWipes()
+{
+    // An account that was switched off after the order is wiped all the same.
+    const Accounts::AccountIdList all = mManager->accountList();
+    for (const Accounts::AccountId id : all) {
+        if (mAccounts.contains(id) || !isEasAccount(id))
+            continue;
+        Accounts::Account *const record = accountRecord(id);
+        if (record
+            && AccountRecord(record)
+                   .value(RecordScope::global(), QLatin1String(WipeKeys::Requested))
+                   .toBool())
+            createAccount(record, id);
+    }
 }
 
 void AccountStorageImpl::cleanUpDatabase()

@@ -48,6 +48,7 @@ private:
     bool isUsable() const { return mManager && mEmailManager; }
     void connectManagers();
     void connectDatabase();
+    void resumeWipes();
     void cleanUpDatabase();
     bool isEasAccount(EasAccountId id) const;
     /** The record of an account; null, after a log line, if it cannot be had. */

@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "accounts/remotewipe.h"
 
+#include "accounts/base/identitykeys.h"
+#include "accounts/base/wipekeys.h"
+#include "accounts/identityremoval.h"
+#include "accounts/identityusers.h"
 #include "application/base/clock.h"
 #include "application/base/logging.h"
 #include "application/mapping/easdatabase.h"
 
 #include <Accounts/Account>
-#include <SignOn/Identity>
 
 #include <QDir>
 #include <QStandardPaths>
@@ -14,10 +17,14 @@
 
 namespace {
 
-const QString credentialsIdKey = QStringLiteral("CredentialsId");
-const QString remoteWipeRequestedKey = QStringLiteral("remote_wipe_requested");
 constexpr int AcknowledgementPatience = 10000;
 constexpr int StartDelay = 500;
+constexpr int RetryDelay = 300000;
+
+int interval(int milliseconds, Clock::Timer timer)
+{
+    return Clock::instance().timerInterval(milliseconds, timer);
+}
 
 } // namespace
 
@@ -26,7 +33,7 @@ RemoteWipe::RemoteWipe(const AccountRecord &record, EasAccountId accountId, QObj
     , mRecord(record)
     , mAccountId(accountId)
     , mTimer(new QTimer(this))
-    , mRequested(mRecord.value(RecordScope::global(), remoteWipeRequestedKey).toBool())
+    , mRequested(mRecord.value(RecordScope::global(), QLatin1String(WipeKeys::Requested)).toBool())
 {
     mTimer->setSingleShot(true);
     connect(mTimer, &QTimer::timeout, this, &RemoteWipe::onRemoteWipeTimeout);
@@ -34,24 +41,28 @@ RemoteWipe::RemoteWipe(const AccountRecord &record, EasAccountId accountId, QObj
 
 RemoteWipe::~RemoteWipe() = default;
 
+// The order
+
 bool RemoteWipe::request()
 {
     if (mRequested)
         return true;
-    if (!record())
+    if (!write(WipeKeys::Requested, true)) {
+        // What is not on the disk must not get there with the next value that is written.
+        mRecord.discard(RecordScope::global(), QLatin1String(WipeKeys::Requested));
         return false;
+    }
     mRequested = true;
-    mTimer->start(
-        Clock::instance().timerInterval(AcknowledgementPatience, Clock::Timer::WipeAcknowledgement));
+    mTimer->start(interval(AcknowledgementPatience, Clock::Timer::WipeAcknowledgement));
     Q_EMIT ordered();
     return true;
 }
 
-bool RemoteWipe::record()
+bool RemoteWipe::write(const char *key, const QVariant &value)
 {
-    if (mRecord.write(RecordScope::global(), remoteWipeRequestedKey, true))
+    if (mRecord.write(RecordScope::global(), QLatin1String(key), value))
         return true;
-    qCWarning(eas()) << "failed to write" << remoteWipeRequestedKey << "of account" << mAccountId;
+    qCWarning(eas()) << "failed to write" << key << "of account" << mAccountId;
     return false;
 }
 
@@ -63,7 +74,7 @@ void RemoteWipe::acknowledged()
 
 void RemoteWipe::resume()
 {
-    mTimer->start(Clock::instance().timerInterval(StartDelay, Clock::Timer::WipeStart));
+    mTimer->start(interval(StartDelay, Clock::Timer::WipeStart));
 }
 
 void RemoteWipe::onRemoteWipeTimeout()
@@ -71,45 +82,109 @@ void RemoteWipe::onRemoteWipeTimeout()
     qCWarning(eas()) << "trying to wipe the account" << mAccountId;
     mBegun = true;
     Q_EMIT begun();
-    const quint32 credentialsId = mRecord.value(RecordScope::global(), credentialsIdKey).toUInt();
-    SignOn::Identity *const identity = SignOn::Identity::existingIdentity(credentialsId, this);
-    if (!identity) {
-        qCWarning(eas()) << "identity is not found for account" << mAccountId;
-        wipe();
-        return;
+    removeIdentities();
+}
+
+// The identities
+
+void RemoteWipe::removeIdentities()
+{
+    write(WipeKeys::Stage, QString::fromLatin1(WipeKeys::StageSignOn));
+    mNotRemoved.clear();
+    for (const char *const key : { IdentityKeys::Password, IdentityKeys::CertificatePassphrase }) {
+        const quint32 identity = mRecord.value(RecordScope::global(), QLatin1String(key)).toUInt();
+        if (identity == 0)
+            qCWarning(eas()) << "identity is not found for account" << mAccountId << key;
+        else if (IdentityUsers::anyBut(mAccountId, identity))
+            qCWarning(eas()) << "identity" << identity << "stays, another account uses it";
+        else
+            startRemoval(identity);
     }
-    connect(identity, &SignOn::Identity::removed, this, &RemoteWipe::onIdentityRemoved);
-    connect(identity, QOverload<const SignOn::Error &>::of(&SignOn::Identity::error), this,
-        &RemoteWipe::onIdentityRemoveError);
-    connect(identity, &SignOn::Identity::removed, identity, &QObject::deleteLater);
-    identity->remove();
+    if (mRemovalsUnderWay == 0)
+        removeData();
 }
 
-void RemoteWipe::onIdentityRemoved()
+void RemoteWipe::startRemoval(quint32 identity)
 {
-    qCInfo(eas()) << "identity removed in account" << mAccountId;
-    wipe();
+    auto *const removal = new IdentityRemoval(identity, this);
+    connect(removal, &IdentityRemoval::finished, this,
+        [this, removal](bool removed) { onIdentityRemoved(*removal, removed); });
+    ++mRemovalsUnderWay;
+    removal->start();
 }
 
-void RemoteWipe::onIdentityRemoveError(const SignOn::Error &error)
+void RemoteWipe::onIdentityRemoved(IdentityRemoval &removal, bool removed)
 {
-    qCWarning(eas()).nospace() << "Received an Identity deletion error: type=" << error.type()
-                               << ", message:" << error.message();
+    removal.deleteLater();
+    if (removed)
+        qCInfo(eas()) << "identity removed in account" << mAccountId;
+    else
+        mNotRemoved.insert(removal.credentialsId());
+    if (--mRemovalsUnderWay == 0)
+        removeData();
 }
 
-void RemoteWipe::wipe()
+// The rest
+
+void RemoteWipe::removeData()
+{
+    using Step = bool (RemoteWipe::*)();
+    static constexpr Step steps[] = {
+        &RemoteWipe::keepWaitingIdentities,
+        &RemoteWipe::removeAttachments,
+        &RemoteWipe::clearStoresAndMapping,
+        &RemoteWipe::removeMappingRows,
+    };
+    write(WipeKeys::Stage, QString::fromLatin1(WipeKeys::StageData));
+    bool complete = true;
+    // Each has its turn, whatever became of those before.
+    for (const Step step : steps)
+        complete = (this->*step)() && complete;
+    // The order goes with the record.
+    if (complete && removeRecord())
+        return;
+    qCWarning(eas()) << "the wipe of account" << mAccountId << "is not complete and will be tried again";
+    mTimer->start(interval(RetryDelay, Clock::Timer::WipeRetry));
+}
+
+bool RemoteWipe::keepWaitingIdentities()
+{
+    return mNotRemoved.isEmpty() || WaitingIdentities().add(mNotRemoved);
+}
+
+bool RemoteWipe::removeAttachments()
 {
     const QString attachments = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation)
         + QStringLiteral("/mail_attachments/%1").arg(mAccountId);
     qCInfo(eas()) << "removing directory:" << attachments;
-    if (!QDir(attachments).removeRecursively())
-        qCWarning(eas()) << "failed to remove attachments directory for account" << mAccountId;
-    if (!EasDatabase::instance()->clearAccount(mAccountId))
-        qCWarning(eas()) << "failed to clear data for account" << mAccountId;
+    if (QDir(attachments).removeRecursively())
+        return true;
+    qCWarning(eas()) << "failed to remove attachments directory for account" << mAccountId;
+    return false;
+}
+
+bool RemoteWipe::clearStoresAndMapping()
+{
+    if (EasDatabase::instance()->clearAccount(mAccountId))
+        return true;
+    qCWarning(eas()) << "failed to clear data for account" << mAccountId;
+    return false;
+}
+
+bool RemoteWipe::removeMappingRows()
+{
+    // An account that was cleared keeps the row from which its next sync would start.
+    return EasDatabase::instance()->removeAccount(mAccountId);
+}
+
+bool RemoteWipe::removeRecord()
+{
     Accounts::Account *const account = mRecord.account();
     if (!account)
-        return;
+        return true;
     account->remove();
-    if (!account->syncAndBlock())
-        qCWarning(eas()) << "failed to remove account" << mAccountId;
+    if (account->syncAndBlock())
+        return true;
+    qCWarning(eas()) << "failed to remove account" << mAccountId;
+    return false;
 }

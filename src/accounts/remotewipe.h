@@ -2,22 +2,24 @@
 #pragma once
 
 #include "accounts/base/accountrecord.h"
+#include "accounts/waitingidentities.h"
 #include "common/easaccountid.h"
 
 #include <QObject>
 
+class IdentityRemoval;
 class QTimer;
 
-namespace SignOn {
-class Error;
-}
-
 /**
- * Takes an account off the device because its server demands it: password, attachments, mapping and record.
+ * Takes an account off the device because its server orders it: secrets, attachments, what the stores hold,
+ * mapping, and at last the record, with which the platform's mail account goes.
  *
- * The order is written down first, so that a wipe that a restart interrupts goes on with the next account
- * object. Where the password cannot be removed it stops, and is tried again at the next start. Owned by the
- * account object; main thread only.
+ * The order stands in the record, so that a wipe that was interrupted goes on with the next account object.
+ * Each step can be done any number of times; the record goes only after all others have succeeded, and what
+ * failed is tried again after five minutes and at the next start. The sign-on service holds nothing up: an
+ * identity that it does not remove is left to IdentityCleanUp.
+ *
+ * Owned by the account object; main thread only.
  */
 class RemoteWipe : public QObject
 {
@@ -47,16 +49,26 @@ Q_SIGNALS:
 
 private Q_SLOTS:
     void onRemoteWipeTimeout();
-    void onIdentityRemoved();
-    void onIdentityRemoveError(const SignOn::Error &error);
 
 private:
-    bool record();
-    void wipe();
+    bool write(const char *key, const QVariant &value);
+    void removeIdentities();
+    void startRemoval(quint32 identity);
+    void onIdentityRemoved(IdentityRemoval &removal, bool removed);
+
+    /** All steps behind the identities. */
+    void removeData();
+    bool keepWaitingIdentities();
+    bool removeAttachments();
+    bool clearStoresAndMapping();
+    bool removeMappingRows();
+    bool removeRecord();
 
     AccountRecord mRecord;
     EasAccountId mAccountId;
     QTimer *mTimer;
     bool mRequested;
     bool mBegun = false;
+    int mRemovalsUnderWay = 0;
+    WaitingIdentities::Identities mNotRemoved;
 };

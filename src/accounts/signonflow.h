@@ -35,11 +35,8 @@ Q_SIGNALS:
     void failed(const SignOn::Error &error);
 
 private:
-    static bool serviceIsAvailable();
     void onResponse(const SignOn::SessionData &data);
     void onError(const SignOn::Error &error);
-    void onServiceGone();
-    void onTimeout();
     /** False if the flow has already ended. */
     bool end();
 

@@ -23,7 +23,7 @@ public:
     virtual QList<EasAccountId> accounts() const = 0;
     /** Null for an unknown identifier. */
     virtual EasAccount *account(EasAccountId id) const = 0;
-    /** How many of the objects stand for an enabled account. */
+    /** How many of the objects stand for an account that is enabled, or still to be wiped. */
     virtual int enabledAccountsCount() const = 0;
     /** True once every account was ready; it never becomes false again. */
     virtual bool isReady() const = 0;

@@ -126,6 +126,24 @@ private Q_SLOTS:
         QCOMPARE(mStorage->account(foreign), nullptr);
     }
 
+    void aDisabledAccountThatIsToBeWipedIsWiped()
+    {
+        AccountOptions disabled;
+        disabled.enabled = false;
+        const EasAccountId id = mFactory->create(disabled);
+        QVERIFY(mFactory->setValue(id, QString(), QStringLiteral("remote_wipe_requested"), true));
+        const EasAccountId other = create();
+        openReady();
+        QVERIFY(mStorage->account(id));
+        QVERIFY(mStorage->account(id)->isRemoteWipeRequested());
+        QVERIFY(!mStorage->account(other)->isRemoteWipeRequested());
+        QVERIFY2(mStorage->enabledAccountsCount() == 2, "the engine stays until the wipe is over");
+        QSignalSpy deleted(mStorage.get(), &AccountStorage::accountDeleted);
+        QTRY_COMPARE(deleted.count(), 1);
+        QCOMPARE(deleted.first().first().toULongLong(), id);
+        QCOMPARE(mStorage->accounts(), QList<EasAccountId> { other });
+    }
+
     void anAccountThatIsCreatedIsAnnouncedOnce()
     {
         openReady();

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "accounts/easaccountimpl.h"
-#include "application/base/clock.h"
 #include "application/base/deviceinformation.h"
 #include "application/storagesfactory.h"
 #include "configurations/connectionaccountconfiguration.h"
@@ -17,27 +16,11 @@
 #include <Accounts/Account>
 #include <Accounts/Manager>
 
-#include <QDir>
-#include <QStandardPaths>
 #include <QtTest>
 
 #include <memory>
 
 namespace {
-
-class FastClock : public Clock
-{
-public:
-    int timerInterval(int milliseconds, Timer) const override
-    {
-        asked.append(milliseconds);
-        return milliseconds >= heldFrom ? milliseconds : 1;
-    }
-
-    /** Timers of this nominal length or more keep it. */
-    int heldFrom = 100000000;
-    mutable QList<int> asked;
-};
 
 const QString credentialsIdKey = QStringLiteral("CredentialsId");
 
@@ -77,7 +60,6 @@ private Q_SLOTS:
         mAccount.reset();
         mManager.reset();
         mLog.reset();
-        Clock::setInstance(nullptr);
         mFactory->remove(mId);
     }
 
@@ -356,149 +338,6 @@ private Q_SLOTS:
         QCOMPARE(mAccount->contactStorage(), contacts);
     }
 
-    void aWipeTakesIdentityAttachmentsAndRecord()
-    {
-        open();
-        QTRY_VERIFY(mAccount->isReady());
-        const quint32 identity = mFactory->value(mId, QString(), credentialsIdKey).toUInt();
-        const QString attachments = attachmentsFolder();
-        QVERIFY(QDir().mkpath(attachments + QStringLiteral("/part")));
-        FastClock fast;
-        Clock::setInstance(&fast);
-        QSignalSpy removed(mManager.get(), &Accounts::Manager::accountRemoved);
-        QVERIFY(mAccount->remoteWipeRequested());
-        QCOMPARE(mFactory->value(mId, QString(), QStringLiteral("remote_wipe_requested")), QVariant(true));
-        QTRY_COMPARE(removed.count(), 1);
-        QVERIFY(!QDir(attachments).exists());
-        QVERIFY(!AccountFactory::identityExists(identity));
-        QVERIFY(mLog->contains(QStringLiteral("trying to wipe the account")));
-        QVERIFY(mLog->contains(QStringLiteral("identity removed in account")));
-        QVERIFY(mLog->contains(QStringLiteral("removing directory:")));
-    }
-
-    void theWipeWaitsForTheAcknowledgement()
-    {
-        openReady();
-        QSignalSpy ordered(mAccount.get(), &EasAccount::remoteWipeOrdered);
-        QSignalSpy begun(mAccount.get(), &EasAccount::remoteWipeBegun);
-        mAccount->remoteWipeAcknowledged();
-        FastClock fast;
-        fast.heldFrom = 10000;
-        Clock::setInstance(&fast);
-        QVERIFY(!mAccount->isRemoteWipeRequested());
-        QVERIFY(mAccount->remoteWipeRequested());
-        QVERIFY(mAccount->isRemoteWipeRequested());
-        QCOMPARE(fast.asked, QList<int> { 10000 });
-        QCOMPARE(ordered.count(), 1);
-        QVERIFY2(mAccount->remoteWipeRequested(), "a second order");
-        QCOMPARE(fast.asked, QList<int> { 10000 });
-        mAccount->remoteWipeAcknowledged();
-        QCOMPARE(fast.asked, QList<int>({ 10000, 500 }));
-        QCOMPARE(begun.count(), 0);
-        QTRY_COMPARE(begun.count(), 1);
-        QCOMPARE(ordered.count(), 1);
-    }
-
-    void anOrderThatCannotBeWrittenDownIsNone()
-    {
-        openReady();
-        QVERIFY(mFactory->remove(mId));
-        mManager.reset();
-        QSignalSpy ordered(mAccount.get(), &EasAccount::remoteWipeOrdered);
-        FastClock fast;
-        Clock::setInstance(&fast);
-        QVERIFY(!mAccount->remoteWipeRequested());
-        QVERIFY(!mAccount->isRemoteWipeRequested());
-        QVERIFY(mLog->contains(QtWarningMsg, { "failed to write", "remote_wipe_requested" }));
-        QCOMPARE(ordered.count(), 0);
-        QVERIFY(fast.asked.isEmpty());
-    }
-
-    void fromTheOrderOnThereIsNeitherStoreNorPush()
-    {
-        mFactory->setServiceEnabled(mId, AccountFactory::mailService(), true);
-        openReady();
-        QVERIFY(mAccount->mailStorage());
-        QVERIFY(mAccount->calendarStorage());
-        QVERIFY(mAccount->contactStorage());
-        mAccount->setAlwaysOn(true);
-        QVERIFY(mAccount->remoteWipeRequested());
-        QVERIFY(!mAccount->mailStorage());
-        QVERIFY(!mAccount->calendarStorage());
-        QVERIFY(!mAccount->contactStorage());
-        QVERIFY(!mAccount->alwaysOn());
-        mAccount->setAlwaysOn(true);
-        QVERIFY(!mAccount->alwaysOn());
-        QSignalSpy changes(mAccount.get(), &EasAccount::emailConfigurationChanged);
-        mFactory->setValue(mId, AccountFactory::mailService(), QStringLiteral("preview_size"), 4);
-        QTRY_COMPARE(changes.count(), 1);
-        QVERIFY(!mAccount->mailStorage());
-    }
-
-    void anAccountThatIsToBeWipedOpensNothingAtItsStart()
-    {
-        mFactory->setServiceEnabled(mId, AccountFactory::mailService(), true);
-        mFactory->setValue(mId, QString(), QStringLiteral("remote_wipe_requested"), true);
-        open();
-        QVERIFY(mAccount->isRemoteWipeRequested());
-        QVERIFY2(mAccount->isReady(), "no password is fetched");
-        QVERIFY(!mAccount->mailStorage());
-        QVERIFY(!mAccount->calendarStorage());
-        QVERIFY(!mAccount->contactStorage());
-    }
-
-    void aWipeThatARestartInterruptedGoesOn()
-    {
-        FastClock fast;
-        Clock::setInstance(&fast);
-        mFactory->setValue(mId, QString(), QStringLiteral("remote_wipe_requested"), true);
-        open();
-        QSignalSpy removed(mManager.get(), &Accounts::Manager::accountRemoved);
-        QVERIFY(fast.asked.contains(500));
-        QTRY_COMPARE(removed.count(), 1);
-    }
-
-    void aWipeWithoutAnIdentityRemovesTheRest()
-    {
-        FastClock fast;
-        Clock::setInstance(&fast);
-        mFactory->setValue(mId, QString(), credentialsIdKey, 0U);
-        mFactory->setValue(mId, QString(), QStringLiteral("remote_wipe_requested"), true);
-        open();
-        QSignalSpy removed(mManager.get(), &Accounts::Manager::accountRemoved);
-        QTRY_COMPARE(removed.count(), 1);
-        QVERIFY(mLog->contains(QStringLiteral("identity is not found for account")));
-    }
-
-    void fromTheWipeOnNothingIsSynchronised()
-    {
-        openReady();
-        QVERIFY(!mAccount->authenticationBasicCookie().isEmpty());
-        FastClock fast;
-        Clock::setInstance(&fast);
-        mAccount->remoteWipeRequested();
-        QVERIFY2(!mAccount->password().isEmpty(), "the demand is still to be answered");
-        QTRY_VERIFY(mLog->contains(QStringLiteral("trying to wipe the account")));
-        QVERIFY(mAccount->password().isEmpty());
-        QVERIFY(mAccount->authenticationBasicCookie().isEmpty());
-        mAccount->retrieveCredentials();
-        QVERIFY(mAccount->isReady());
-    }
-
-    void aWipeThatCannotRemoveTheIdentityStops()
-    {
-        FastClock fast;
-        Clock::setInstance(&fast);
-        mFactory->setValue(mId, QString(), credentialsIdKey, 4711U);
-        mFactory->setValue(mId, QString(), QStringLiteral("remote_wipe_requested"), true);
-        open();
-        QTRY_VERIFY(
-            mLog->contains(QtWarningMsg, { "Received an Identity deletion error: type=", ", message:" }));
-        QVERIFY(!mLog->contains(QStringLiteral("removing directory:")));
-        QTRY_VERIFY(mAccount->isReady());
-        QCOMPARE(mFactory->value(mId, QString(), credentialsIdKey).toUInt(), 4711U);
-    }
-
     void anAccountThatIsRemovedUnderneathReadsAsEmpty()
     {
         openReady();
@@ -547,12 +386,6 @@ private:
         const QVariant value = mine->value(key);
         mine->selectService();
         return value;
-    }
-
-    QString attachmentsFolder() const
-    {
-        return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation)
-            + QStringLiteral("/mail_attachments/%1").arg(mId);
     }
 
     static quint32 storedPassphrase()

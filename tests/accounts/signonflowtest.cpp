@@ -1,23 +1,19 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "accounts/signonflow.h"
 
-#include "application/base/clock.h"
 #include "support/accountfactory.h"
 #include "support/privatebus.h"
+#include "support/scriptedclock.h"
+#include "support/signonservice.h"
 #include "support/testmain.h"
 
 #include <SignOn/Error>
 
-#include <QDBusConnection>
-#include <QDBusConnectionInterface>
 #include <QProcess>
 #include <QtTest>
 
-#include <csignal>
-
 namespace {
 const QString password = QStringLiteral("password");
-const QString serviceName = QStringLiteral("com.google.code.AccountsSSO.SingleSignOn");
 constexpr char withoutServices[] = "FENNEL_TEST_BUS_WITHOUT_SERVICES";
 } // namespace
 
@@ -64,14 +60,15 @@ private Q_SLOTS:
     void aServiceThatIsKilledEndsTheFlow()
     {
         const quint32 id = AccountFactory::storeIdentity(QStringLiteral("alice"), QStringLiteral("s3cret"));
-        const pid_t service = servicePid();
-        QVERIFY(service > 1);
-        QCOMPARE(kill(service, SIGSTOP), 0);
         SignOnFlow flow(nullptr);
         QSignalSpy received(&flow, &SignOnFlow::received);
         QSignalSpy failed(&flow, &SignOnFlow::failed);
-        QCOMPARE(flow.start(id, password, password), SignOnFlow::Started);
-        QCOMPARE(kill(service, SIGKILL), 0);
+        {
+            const SilentSignOnService silent;
+            QVERIFY(silent.isSilent());
+            QCOMPARE(flow.start(id, password, password), SignOnFlow::Started);
+            QVERIFY(SignOnService::kill());
+        }
         QTRY_COMPARE(failed.count(), 1);
         QCOMPARE(received.count(), 0);
         // The bus starts the service again for the next one.
@@ -83,33 +80,20 @@ private Q_SLOTS:
 
     void aServiceThatDoesNotAnswerEndsTheFlow()
     {
-        class ShortClock : public Clock
-        {
-        public:
-            int timerInterval(int milliseconds, Timer) const override
-            {
-                asked.append(milliseconds);
-                return 1;
-            }
-            mutable QList<int> asked;
-        } clock;
         const quint32 id = AccountFactory::storeIdentity(QStringLiteral("alice"), QStringLiteral("s3cret"));
-        const pid_t service = servicePid();
-        QVERIFY(service > 1);
-        QCOMPARE(kill(service, SIGSTOP), 0);
-        Clock::setInstance(&clock);
         SignOnFlow flow(nullptr);
         QSignalSpy received(&flow, &SignOnFlow::received);
         QSignalSpy failed(&flow, &SignOnFlow::failed);
-        const SignOnFlow::StartResult started = flow.start(id, password, password);
-        Clock::setInstance(nullptr);
-        const bool ended = failed.count() == 1 || failed.wait();
+        {
+            const SilentSignOnService silent;
+            QVERIFY(silent.isSilent());
+            const ScriptedClock clock;
+            QCOMPARE(flow.start(id, password, password), SignOnFlow::Started);
+            QTRY_COMPARE(failed.count(), 1);
+            QCOMPARE(clock.intervals, QList<int> { 30000 });
+        }
         // What it says when it wakes up is too late for this flow.
-        QCOMPARE(kill(service, SIGCONT), 0);
-        QCOMPARE(started, SignOnFlow::Started);
-        QVERIFY(ended);
         QCOMPARE(failed.first().first().value<SignOn::Error>().type(), int(SignOn::Error::TimedOut));
-        QCOMPARE(clock.asked, QList<int> { 30000 });
         SignOnFlow next(nullptr);
         QSignalSpy receivedNext(&next, &SignOnFlow::received);
         QCOMPARE(next.start(id, password, password), SignOnFlow::Started);
@@ -139,12 +123,6 @@ private Q_SLOTS:
 
 private:
     static bool isBare() { return qEnvironmentVariableIsSet(withoutServices); }
-
-    static pid_t servicePid()
-    {
-        const auto pid = QDBusConnection::sessionBus().interface()->servicePid(serviceName);
-        return pid.isValid() ? static_cast<pid_t>(pid.value()) : 0;
-    }
 };
 
 FENNEL_REGISTER_TEST(SignOnFlowTest)

@@ -74,6 +74,14 @@ bool AccountRecord::write(const RecordScope &scope, const QString &key, const QV
     return write(scope, Values { { key, value } });
 }
 
+void AccountRecord::discard(const RecordScope &scope, const QString &key)
+{
+    if (!select(scope))
+        return;
+    mAccount->remove(key);
+    mAccount->selectService();
+}
+
 bool AccountRecord::select(const RecordScope &scope) const
 {
     if (!mAccount)

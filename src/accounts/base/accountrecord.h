@@ -50,6 +50,8 @@ public:
     /** Sets the keys and stores the record. */
     bool write(const RecordScope &scope, const Values &values);
     bool write(const RecordScope &scope, const QString &key, const QVariant &value);
+    /** Takes back a value of a new key that could not be stored, so that the next write does not store it. */
+    void discard(const RecordScope &scope, const QString &key);
 
 private:
     /** False if the record lacks the service. */

@@ -33,7 +33,9 @@ public:
         ProcessEnd, ///< from the end of the engine to that of its process
         DatabaseRelease, ///< from the last use of the mapping to its closing
         WipeAcknowledgement, ///< until the acknowledgement of an order to wipe has to have ended
-        WipeStart ///< from there, or from the account's appearance, to the wipe
+        WipeStart, ///< from there, or from the account's appearance, to the wipe
+        WipeRetry, ///< before the next attempt of a wipe that could not be completed
+        SignOnAnswer ///< until the sign-on service has to have answered
     };
 
     /** What a timer of this nominal length, in milliseconds, is really started with. */
