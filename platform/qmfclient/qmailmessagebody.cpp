@@ -4,8 +4,6 @@
 #include "internal/mailvaluedata.h"
 #include "internal/transferencoding.h"
 
-#include <QDebug>
-#include <QFile>
 #include <QTextCodec>
 
 namespace {
@@ -34,14 +32,17 @@ QTextCodec *codecOf(const QMailMessageContentType &type)
 
 } // namespace
 
+QMailMessageBody::QMailMessageBody()
+    : mEncoded(std::make_shared<const BodyOctets>())
+{
+}
+
 QMailMessageBody QMailMessageBody::fromData(const QByteArray &data, const QMailMessageContentType &type,
     TransferEncoding encoding, EncodingStatus status)
 {
-    QMailMessageBody body;
-    body.mEncoding = encoding;
-    body.mContentType = type;
-    body.mEncoded = status == AlreadyEncoded ? data : encodeForTransfer(data, encoding, isText(type));
-    return body;
+    const bool isEncoded = status == AlreadyEncoded;
+    return MailValueAccess::body(
+        isEncoded ? data : encodeForTransfer(data, encoding, isText(type)), encoding, type);
 }
 
 QMailMessageBody QMailMessageBody::fromData(
@@ -54,15 +55,16 @@ QMailMessageBody QMailMessageBody::fromData(
 QMailMessageBody QMailMessageBody::fromFile(const QString &filename, const QMailMessageContentType &type,
     TransferEncoding encoding, EncodingStatus status)
 {
-    QFile file(filename);
-    if (!file.open(QIODevice::ReadOnly))
-        qWarning() << "cannot read the body of a message from" << filename << file.errorString();
-    return fromData(file.readAll(), type, encoding, status);
+    const BodyOctets octets = BodyOctets::ofFile(filename);
+    const bool isEncoded = status == AlreadyEncoded || encoding == NoEncoding || encoding == Binary;
+    return isEncoded ? MailValueAccess::body(octets, encoding, type)
+                     : fromData(octets.all(), type, encoding, status);
 }
 
 QByteArray QMailMessageBody::data(EncodingFormat format) const
 {
-    return format == Decoded ? decodeFromTransfer(mEncoded, mEncoding, isText(mContentType)) : mEncoded;
+    const QByteArray encoded = mEncoded->all();
+    return format == Decoded ? decodeFromTransfer(encoded, mEncoding, isText(mContentType)) : encoded;
 }
 
 QString QMailMessageBody::data() const
@@ -84,10 +86,10 @@ QMailMessageContentType QMailMessageBody::contentType() const
 
 bool QMailMessageBody::isEmpty() const
 {
-    return mEncoded.isEmpty();
+    return mEncoded->isEmpty();
 }
 
 int QMailMessageBody::length() const
 {
-    return mEncoded.size();
+    return mEncoded->size();
 }

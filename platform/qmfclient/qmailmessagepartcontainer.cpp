@@ -100,7 +100,7 @@ void QMailMessagePartContainer::setBody(const QMailMessageBody &body, QMailMessa
         type.setCharset(type.charset().toLower());
     node.multipart = MultipartNone;
     node.parts.clear();
-    node.body = body.data(QMailMessageBody::Encoded);
+    node.body = MailValueAccess::octets(body);
     node.hasBody = !node.body.isEmpty();
     node.setHeader("Content-Type", type.toString(false));
     const QByteArray encoding = transferEncodingName(body.transferEncoding());

@@ -66,7 +66,10 @@ bool SqliteDatabase::open(const QString &fileName, const Schema &schema)
     restrictFile(fileName);
     // One sync to disk a transaction: what a caller was told is stored also outlives a power cut.
     mOpen = run(QStringLiteral("PRAGMA journal_mode = WAL"))
-        && run(QStringLiteral("PRAGMA synchronous = FULL")) && createSchema(schema) && createIndexes(schema);
+        && run(QStringLiteral("PRAGMA synchronous = FULL"))
+        // A long body has the log grow once; it need not stay that long.
+        && run(QStringLiteral("PRAGMA journal_size_limit = 4194304")) && createSchema(schema)
+        && createAdditions(schema);
     if (!mOpen)
         mDatabase.close();
     return mOpen;
@@ -97,9 +100,9 @@ bool SqliteDatabase::createSchema(const Schema &schema)
     return run(QStringLiteral("PRAGMA user_version = %1").arg(schema.version)) && transaction.commit();
 }
 
-bool SqliteDatabase::createIndexes(const Schema &schema)
+bool SqliteDatabase::createAdditions(const Schema &schema)
 {
-    return std::all_of(schema.indexes.cbegin(), schema.indexes.cend(),
+    return std::all_of(schema.additions.cbegin(), schema.additions.cend(),
         [this](const char *statement) { return run(QLatin1String(statement)); });
 }
 

@@ -26,8 +26,8 @@ public:
     {
         int version;
         QVector<const char *> statements;
-        /** Indexes that came later; they are made in files of before as well. */
-        QVector<const char *> indexes = {};
+        /** What came later, if it does not exist; it is made in files of before as well. */
+        QVector<const char *> additions = {};
     };
 
     /** name: of the store, for its connections and log lines. */
@@ -74,7 +74,7 @@ protected:
 
 private:
     bool createSchema(const Schema &schema);
-    bool createIndexes(const Schema &schema);
+    bool createAdditions(const Schema &schema);
     bool execute(const QString &sql, const QVariantList &values, QSqlQuery *&query);
     bool fail(const QSqlQuery &query);
     void rollBack();

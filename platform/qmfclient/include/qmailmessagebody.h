@@ -6,6 +6,10 @@
 #include <QByteArray>
 #include <QString>
 
+#include <memory>
+
+class BodyOctets;
+
 /** The body of a message or part, kept in its transfer encoding. Comes from fromData() or a container's
  * body(). */
 class QMF_EXPORT QMailMessageBody : public QMailMessageBodyFwd
@@ -15,6 +19,7 @@ public:
         TransferEncoding encoding, EncodingStatus status);
     static QMailMessageBody fromData(
         const QString &text, const QMailMessageContentType &type, TransferEncoding encoding);
+    /** Where the octets need not be encoded they stay in the file until the store copies them. */
     static QMailMessageBody fromFile(const QString &filename, const QMailMessageContentType &type,
         TransferEncoding encoding, EncodingStatus status);
 
@@ -30,9 +35,9 @@ public:
 
 private:
     friend struct MailValueAccess;
-    QMailMessageBody() = default;
+    QMailMessageBody();
 
-    QByteArray mEncoded;
+    std::shared_ptr<const BodyOctets> mEncoded;
     TransferEncoding mEncoding = NoEncoding;
     QMailMessageContentType mContentType;
 };

@@ -53,6 +53,15 @@ const SqliteDatabase::Schema schema { 1,
         " PRIMARY KEY (kind, name), UNIQUE (kind, bit)) WITHOUT ROWID",
     },
     {
+        // Bodies too long for the data of their content. They go with their message.
+        "CREATE TABLE IF NOT EXISTS bodies (id INTEGER PRIMARY KEY AUTOINCREMENT, message INTEGER NOT NULL)",
+        "CREATE INDEX IF NOT EXISTS bodies_by_message ON bodies (message)",
+        "CREATE TABLE IF NOT EXISTS body_pieces (body INTEGER NOT NULL, number INTEGER NOT NULL,"
+        " data BLOB NOT NULL, PRIMARY KEY (body, number))",
+        "CREATE TRIGGER IF NOT EXISTS message_without_bodies AFTER DELETE ON messages"
+        " BEGIN DELETE FROM bodies WHERE message = OLD.id; END",
+        "CREATE TRIGGER IF NOT EXISTS body_without_pieces AFTER DELETE ON bodies"
+        " BEGIN DELETE FROM body_pieces WHERE body = OLD.id; END",
         // Read (0x80) here and not elsewhere (0x200), and the other way round: what waits for the server.
         "CREATE INDEX IF NOT EXISTS messages_read_here ON messages (folder)"
         " WHERE (status & 128) <> 0 AND (status & 512) = 0",

@@ -39,6 +39,11 @@ void loadContent(MimeNode &node)
     MailValueAccess::engine(*QMailStore::instance()).messages.loadContent(node.message.toULongLong(), node);
 }
 
+QByteArray storedPiece(quint64 body, int piece)
+{
+    return MailValueAccess::engine(*QMailStore::instance()).messages.bodyPiece(body, piece);
+}
+
 MailStoreEngine::MailStoreEngine(QMailStore &store)
     : messages(database)
     , folders(database)

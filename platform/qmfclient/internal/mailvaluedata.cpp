@@ -25,11 +25,16 @@ MimeNode &MailValueAccess::own(QMailMessagePartContainer &container)
     return *container.mNode;
 }
 
-QMailMessageBody MailValueAccess::body(const QByteArray &encoded, QMailMessageBody::TransferEncoding encoding,
+const BodyOctets &MailValueAccess::octets(const QMailMessageBody &body)
+{
+    return *body.mEncoded;
+}
+
+QMailMessageBody MailValueAccess::body(const BodyOctets &encoded, QMailMessageBody::TransferEncoding encoding,
     const QMailMessageContentType &type)
 {
     QMailMessageBody body;
-    body.mEncoded = encoded;
+    body.mEncoded = std::make_shared<const BodyOctets>(encoded);
     body.mEncoding = encoding;
     body.mContentType = type;
     return body;

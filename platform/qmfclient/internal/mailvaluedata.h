@@ -115,7 +115,8 @@ struct MailValueAccess
     }
     static MimeNode &unloadedOwn(QMailMessagePartContainer &container) { return *container.mNode; }
 
-    static QMailMessageBody body(const QByteArray &encoded, QMailMessageBody::TransferEncoding encoding,
+    static const BodyOctets &octets(const QMailMessageBody &body);
+    static QMailMessageBody body(const BodyOctets &encoded, QMailMessageBody::TransferEncoding encoding,
         const QMailMessageContentType &type);
     static const QList<uint> &indices(const QMailMessagePartContainer::Location &location)
     {

@@ -86,6 +86,7 @@ void readColumns(const QSqlQuery &row, QMailMessageMetaDataData &data)
 MessageTable::MessageTable(MailDatabase &database)
     : mDatabase(database)
     , mFields(database, QStringLiteral("message_fields"))
+    , mBodies(database)
 {
 }
 
@@ -129,7 +130,8 @@ bool MessageTable::add(
         QStringLiteral("INSERT INTO messages (%1, content) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?,"
                        " ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)")
             .arg(QLatin1String(columns));
-    if (content && !insertContent(*content, stored))
+    QList<quint64> bodies;
+    if (content && !insertContent(*content, stored, &bodies))
         return false;
     stored.thread = data.parentThreadId.isValid() ? data.parentThreadId.toULongLong()
                                                   : threadOf(data.inResponseTo.toULongLong());
@@ -139,7 +141,8 @@ bool MessageTable::add(
     stored.id = mDatabase.lastInsertId();
     if (stored.thread == 0)
         stored.thread = stored.id;
-    if (!mFields.save(stored.id, data.fields, true))
+    if (!mFields.save(stored.id, data.fields, true)
+        || (!bodies.isEmpty() && !mBodies.assign(stored.id, bodies)))
         return false;
     changes.add(MailChanges::MessagesAdded, stored.id);
     return noteFolderChange(data.parentFolderId.toULongLong(), changes);
@@ -175,9 +178,15 @@ bool MessageTable::update(
         && noteFolderChange(data.parentFolderId.toULongLong(), changes);
 }
 
-bool MessageTable::insertContent(const MimeNode &content, Stored &stored)
+bool MessageTable::insertContent(const MimeNode &content, Stored &stored, QList<quint64> *bodies)
 {
-    const StoredContent encoded = encodeContent(content);
+    StoredContent encoded;
+    const KeepBody keep = [&](const BodyOctets &octets) {
+        return mBodies.keep(octets, stored.id);
+    };
+    if (!encodeContent(content, keep, &encoded))
+        return false;
+    *bodies = encoded.bodies;
     if (!mDatabase.run(QStringLiteral("INSERT INTO contents (format, data) VALUES (?, ?)"),
             { encoded.format, encoded.data }))
         return false;
@@ -187,10 +196,11 @@ bool MessageTable::insertContent(const MimeNode &content, Stored &stored)
 
 bool MessageTable::replaceContent(const MimeNode &content, Stored &stored)
 {
+    QList<quint64> bodies;
     return mDatabase.run(
                QStringLiteral("DELETE FROM contents WHERE id = (SELECT content FROM messages WHERE id = ?)"),
                { stored.id })
-        && insertContent(content, stored)
+        && insertContent(content, stored, &bodies) && mBodies.assign(stored.id, bodies)
         && mDatabase.run(
             QStringLiteral("UPDATE messages SET content = ? WHERE id = ?"), { stored.content, stored.id });
 }

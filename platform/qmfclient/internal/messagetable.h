@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include "internal/bodytable.h"
 #include "internal/customfieldtable.h"
 #include "internal/mailchanges.h"
 #include "internal/maildatabase.h"
@@ -43,12 +44,13 @@ public:
     bool load(quint64 id, QMailMessageMetaData &message);
     quint64 idOf(const QString &uid, quint64 account);
     void loadContent(quint64 id, MimeNode &node);
+    QByteArray bodyPiece(quint64 body, int piece) { return mBodies.piece(body, piece); }
 
     QMailMessageRemovalRecordList removalRecords(quint64 account, quint64 folder);
     bool purgeRemovalRecords(quint64 account, const QStringList &uids, MailChanges &changes);
 
 private:
-    bool insertContent(const MimeNode &content, Stored &stored);
+    bool insertContent(const MimeNode &content, Stored &stored, QList<quint64> *bodies);
     bool replaceContent(const MimeNode &content, Stored &stored);
     bool isStored(quint64 id);
     quint64 threadOf(quint64 message);
@@ -57,4 +59,5 @@ private:
 
     MailDatabase &mDatabase;
     CustomFieldTable mFields;
+    BodyTable mBodies;
 };

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include "internal/bodyoctets.h"
+
 #include <qmailmessagepart.h>
 
 #include <QByteArray>
@@ -41,7 +43,7 @@ public:
     QList<Header> headers;
     MultipartType multipart = QMailMessagePartContainer::MultipartNone;
     bool hasBody = false;
-    QByteArray body; ///< in its transfer encoding
+    BodyOctets body;
     QList<QMailMessagePart> parts;
     QMailMessagePart::ReferenceType reference = QMailMessagePart::None;
     QMailMessageId referencedMessage;

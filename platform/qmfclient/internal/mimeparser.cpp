@@ -148,7 +148,7 @@ void nameTextLeaves(MimeNode &node, bool part)
             node.setHeader("Content-Type", "text/plain");
         if (node.hasBody && !node.hasHeader("Content-Transfer-Encoding")
             && node.contentType().matches("text"))
-            node.setHeader("Content-Transfer-Encoding", isSevenBit(node.body) ? "7bit" : "8bit");
+            node.setHeader("Content-Transfer-Encoding", isSevenBit(node.body.all()) ? "7bit" : "8bit");
     }
     for (QMailMessagePart &child : node.parts)
         nameTextLeaves(MailValueAccess::own(child), true);

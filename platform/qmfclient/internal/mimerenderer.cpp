@@ -60,7 +60,7 @@ private:
     static bool needsBase64(const MimeNode &node)
     {
         return node.hasBody && node.transferEncoding() == QMailMessageBody::NoEncoding
-            && !isPlainAscii(node.body);
+            && !isPlainAscii(node.body.all());
     }
 
     QByteArray boundaryOf(const MimeNode &node)
@@ -72,7 +72,7 @@ private:
         // base64 holds "=_".
         QCryptographicHash hash(QCryptographicHash::Sha1);
         for (const QMailMessagePart &part : node.parts)
-            hash.addData(MailValueAccess::node(part).body);
+            hash.addData(MailValueAccess::node(part).body.all());
         for (const uint index : node.indices)
             hash.addData(QByteArray::number(index));
         return "=_" + hash.result().toHex().left(24) + '_' + QByteArray::number(mBoundaries);
@@ -110,8 +110,8 @@ private:
             if (target.id().isValid())
                 mOut += target.toRfc2822(mFormat);
         } else if (node.multipart == QMailMessage::MultipartNone) {
-            mOut +=
-                needsBase64(node) ? encodeForTransfer(node.body, QMailMessageBody::Base64, false) : node.body;
+            const QByteArray octets = node.body.all();
+            mOut += needsBase64(node) ? encodeForTransfer(octets, QMailMessageBody::Base64, false) : octets;
         } else {
             renderParts(node);
         }
