@@ -4,6 +4,7 @@
 #include "application/account/easaccount.h"
 #include "application/accountqueue.h"
 #include "application/base/clock.h"
+#include "application/base/fetchedoctets.h"
 #include "application/base/logging.h"
 #include "application/networkmanager.h"
 #include "application/serviceconnections.h"
@@ -97,6 +98,7 @@ RequestManager::~RequestManager()
 
 void RequestManager::init()
 {
+    FetchedOctets::removeLeftBehind();
     setAccountStorage(StoragesFactory::createAccountStorage(this));
     qCInfo(eas()) << "Initialization done";
 }

@@ -29,7 +29,7 @@ bool AttachmentDownloadRequest::findFile(EasAccount &account, QString *fileRefer
 }
 
 bool AttachmentDownloadRequest::storeFile(
-    EasAccount &account, const QString &mediaType, const QByteArray &data, const QString &fileName)
+    EasAccount &account, const QString &mediaType, const FetchedOctets &octets, const QString &fileName)
 {
     // The event knows name and kind of its attachment.
     Q_UNUSED(mediaType)
@@ -39,7 +39,7 @@ bool AttachmentDownloadRequest::storeFile(
         qCCritical(eas()) << "CalendarStorage is null";
         return false;
     }
-    if (storage->updateAttachmentForEvent(data, mUri))
+    if (storage->updateAttachmentForEvent(octets.all(), mUri))
         return true;
     qCCritical(eas()) << "failed to save attachment";
     return false;

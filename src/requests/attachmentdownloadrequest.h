@@ -15,7 +15,7 @@ public:
 
 protected:
     bool findFile(EasAccount &account, QString *fileReference, int *estimatedSize) override;
-    bool storeFile(EasAccount &account, const QString &mediaType, const QByteArray &data,
+    bool storeFile(EasAccount &account, const QString &mediaType, const FetchedOctets &octets,
         const QString &fileName) override;
 
 private:

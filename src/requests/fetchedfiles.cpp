@@ -14,12 +14,12 @@ constexpr qint64 maxHeldBytes = 4 * 1024 * 1024;
 
 bool FetchedFiles::take(MailStorage &storage, quint64 messageId, const MessagePartContent &file)
 {
-    const bool fits = messageId == mMessageId && mBytes + file.data.size() <= maxHeldBytes;
+    const bool fits = messageId == mMessageId && mBytes + file.octets.size() <= maxHeldBytes;
     if (!fits && !flush(storage))
         return false;
     mMessageId = messageId;
     mFiles.append(file);
-    mBytes += file.data.size();
+    mBytes += file.octets.size();
     return mBytes < maxHeldBytes || flush(storage);
 }
 

@@ -35,7 +35,7 @@ FetchItemCommand *FetchFileRequest::newFileCommand(const QString &fileReference)
     command->setFileReference(fileReference);
     command->setAcceptMultipart(mPartSize != 0);
     if (mPartSize != 0)
-        command->setRange(mData.size(), mData.size() + int(mPartSize) - 1);
+        command->setRange(mOctets.size(), mOctets.size() + int(mPartSize) - 1);
     connect(command, &FetchItemCommand::downloadProgress, this, &FetchFileRequest::onDownloadProgress);
     return command;
 }
@@ -85,16 +85,16 @@ bool FetchFileRequest::endsFileOrRanges()
 {
     switch (fileStatus()) {
     case Eas::ItemOperationsStatusFileIsEmpty:
-        if (!mData.isEmpty())
+        if (!mOctets.isEmpty())
             return false;
         break;
     case Eas::ItemOperationsStatusInvalidRange:
-        if (mPartSize != 0 && mData.isEmpty()) {
+        if (mPartSize != 0 && mOctets.isEmpty()) {
             fetchWhole();
             return true;
         }
         // Behind the last byte of a file whose size the server does not say.
-        if (mData.isEmpty() || mTotal >= 0)
+        if (mOctets.isEmpty() || mTotal >= 0)
             return false;
         break;
     default:
@@ -147,17 +147,17 @@ void FetchFileRequest::takePiece(const Piece &piece)
 {
     resetTimeoutFactor();
     clearRetries();
-    const int before = mData.size();
+    const int before = mOctets.size();
     mTotal = piece.total;
     if (!piece.contentType.isEmpty())
         mContentType = piece.contentType;
     if (!append(piece))
         return completeWith(RequestStatusInternalError);
     // Some servers send nothing now and then for a file that they have announced with its size.
-    const bool isMissing = mData.isEmpty() && mAnnouncedSize > 0;
+    const bool isMissing = mOctets.isEmpty() && mAnnouncedSize > 0;
     if (!isMissing && isComplete(piece))
         return finish();
-    if (isMissing || mData.size() == before || mPartSize == 0) {
+    if (isMissing || mOctets.size() == before || mPartSize == 0) {
         qCWarning(eas()) << "The part of data was not received";
         return completeWith(RequestStatusInternalError);
     }
@@ -168,30 +168,29 @@ bool FetchFileRequest::append(const Piece &piece)
 {
     bool isNumber = false;
     const int told = piece.range.section(QLatin1Char('-'), 0, 0).toInt(&isNumber);
-    const int start = isNumber ? told : mData.size();
+    const int start = isNumber ? told : mOctets.size();
     // A server that knows no ranges sends the whole file each time.
-    const bool isWhole = start == 0 && piece.data.size() >= mData.size();
+    const bool isWhole = start == 0 && piece.data.size() >= mOctets.size();
     const bool fits =
-        start == mData.size() && piece.data.size() <= std::numeric_limits<int>::max() / 2 - start;
+        start == mOctets.size() && piece.data.size() <= std::numeric_limits<int>::max() / 2 - start;
     if (isWhole)
-        mData = piece.data;
-    else if (fits)
-        mData.append(piece.data);
-    else
-        qCWarning(eas()) << "the part of data begins at" << start << "and was asked for from" << mData.size();
-    return isWhole || fits;
+        mOctets = FetchedOctets();
+    if (isWhole || fits)
+        return mOctets.append(piece.data);
+    qCWarning(eas()) << "the part of data begins at" << start << "and was asked for from" << mOctets.size();
+    return false;
 }
 
 bool FetchFileRequest::isComplete(const Piece &piece) const
 {
     if (mTotal >= 0)
-        return mData.size() >= mTotal;
+        return mOctets.size() >= mTotal;
     return mPartSize == 0 || piece.data.size() != int(mPartSize);
 }
 
 void FetchFileRequest::requestNextPart()
 {
-    const int start = mData.size();
+    const int start = mOctets.size();
     const int length = mTotal < 0 ? int(mPartSize) : qMin(mTotal - start, int(mPartSize));
     Q_EMIT requestDownloadProgress(accountId(), id(), start, mTotal);
     fetchCommand()->setRange(start, start + length - 1);
@@ -200,7 +199,7 @@ void FetchFileRequest::requestNextPart()
 
 void FetchFileRequest::finish()
 {
-    const int size = mData.size();
+    const int size = mOctets.size();
     if (!store())
         return completeWith(RequestStatusInternalError);
     if (mPartSize != 0)
@@ -217,5 +216,5 @@ bool FetchFileRequest::store()
     QString type;
     QString fileName;
     ExchangeActiveSync::getTypeParts(mContentType, &type, &fileName);
-    return storeFile(*account(), type, mData, fileName);
+    return storeFile(*account(), type, mOctets, fileName);
 }

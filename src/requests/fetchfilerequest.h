@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include "application/base/fetchedoctets.h"
 #include "requests/fetchrequest.h"
 
 #include <QByteArray>
@@ -35,8 +36,8 @@ protected:
 
     /** The server's reference of the file and its size as far as known; false, logged, without one. */
     virtual bool findFile(EasAccount &account, QString *fileReference, int *estimatedSize) = 0;
-    virtual bool storeFile(
-        EasAccount &account, const QString &mediaType, const QByteArray &data, const QString &fileName) = 0;
+    virtual bool storeFile(EasAccount &account, const QString &mediaType, const FetchedOctets &octets,
+        const QString &fileName) = 0;
 
 protected Q_SLOTS:
     void onCommandFinished(bool success) override;
@@ -68,7 +69,7 @@ private:
     bool store();
 
     uint mPartSize = 0;
-    QByteArray mData;
+    FetchedOctets mOctets;
     QString mContentType;
     /** What the item says of the file's size; 0 without a word about it. */
     int mAnnouncedSize = 0;

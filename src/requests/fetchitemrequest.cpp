@@ -32,7 +32,7 @@ bool FetchItemRequest::findFile(EasAccount &account, QString *fileReference, int
 }
 
 bool FetchItemRequest::storeFile(
-    EasAccount &account, const QString &mediaType, const QByteArray &data, const QString &fileName)
+    EasAccount &account, const QString &mediaType, const FetchedOctets &octets, const QString &fileName)
 {
     const QSharedPointer<MailStorage> storage = account.mailStorage();
     if (!storage) {
@@ -40,8 +40,8 @@ bool FetchItemRequest::storeFile(
         return false;
     }
     if (mFiles)
-        return mFiles->take(*storage, mMessageId, { mLocation, mediaType, data, fileName });
-    if (storage->updateMessagePart(mMessageId, mLocation, mediaType, data, fileName))
+        return mFiles->take(*storage, mMessageId, { mLocation, mediaType, octets, fileName });
+    if (storage->updateMessagePart(mMessageId, mLocation, mediaType, octets, fileName))
         return true;
     qCCritical(eas()) << "failed to update attachment";
     return false;

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include "application/base/fetchedoctets.h"
 #include "application/base/lookup.h"
 #include "easitems/easitemscommon.h"
 #include "easitems/emailserverid.h"
 
-#include <QByteArray>
 #include <QList>
 #include <QObject>
 #include <QString>
@@ -23,7 +23,7 @@ struct MessagePartContent
 {
     QString location;
     QString contentType;
-    QByteArray data;
+    FetchedOctets octets;
     QString fileName;
 };
 
@@ -68,7 +68,7 @@ public:
     virtual bool updateMovedEmails(const QList<EasEmailItem> &items) = 0;
     virtual bool updateBodyPart(quint64 messageId, const EasBodyContainer &body) = 0;
     virtual bool updateMessagePart(quint64 messageId, const QString &location, const QString &contentType,
-        const QByteArray &data, const QString &fileName) = 0;
+        const FetchedOctets &octets, const QString &fileName) = 0;
     virtual bool updateCalendarResponsePart(
         quint64 messageId, quint64 replyMessageId, EasItemsCommon::UserResponseType response) = 0;
     virtual bool updateCalendarResponsePart(

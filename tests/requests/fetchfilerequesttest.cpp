@@ -45,10 +45,10 @@ protected:
         return !reference.isEmpty();
     }
     bool storeFile(
-        EasAccount &, const QString &type, const QByteArray &data, const QString &fileName) override
+        EasAccount &, const QString &type, const FetchedOctets &octets, const QString &fileName) override
     {
         ++stored;
-        file = data;
+        file = octets.all();
         mediaType = type;
         name = fileName;
         return isWritable;

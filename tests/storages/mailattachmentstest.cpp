@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "storages/mail/mailattachments.h"
+
+#include "application/base/fetchedoctets.h"
 #include "storages/mail/mailbodywriter.h"
 #include "support/logcollector.h"
 #include "support/mailfixture.h"
@@ -110,7 +112,7 @@ private Q_SLOTS:
         const QStringList wanted { "7-1.2", "7-2", "7-3" };
         QCOMPARE(MailAttachments::locations(message, false), wanted);
         QVERIFY(MailAttachments::locations(message, true).isEmpty());
-        QVERIFY(MailAttachments::fillPart(&message, "7-2", "application/pdf", "%PDF", QString()));
+        QVERIFY(MailAttachments::fillPart(&message, "7-2", "application/pdf", QByteArray("%PDF"), QString()));
         QCOMPARE(MailAttachments::locations(message, false), QStringList({ "7-1.2", "7-3" }));
         QCOMPARE(MailAttachments::locations(message, true), QStringList { "7-2" });
     }
@@ -161,7 +163,7 @@ private Q_SLOTS:
         QCOMPARE(proxy.estimatedDataSize(), 12);
         QCOMPARE(MailAttachments::fileReference(message.partAt(1U)), text);
 
-        QVERIFY(MailAttachments::fillPart(&message, "7-2", "application/pdf", "%PDF-1.7", text));
+        QVERIFY(MailAttachments::fillPart(&message, "7-2", "application/pdf", QByteArray("%PDF-1.7"), text));
         const QMailMessagePart part = message.partAt(1U);
         QCOMPARE(part.contentDisposition().size(), 8);
         QCOMPARE(part.displayName(), text);
@@ -172,9 +174,10 @@ private Q_SLOTS:
     {
         QMailMessage message = messageOf(threeAttachments());
         message.setId(QMailMessageId(7));
-        QVERIFY(MailAttachments::fillPart(&message, "2", "(null)/(null)", "x", QString()));
+        QVERIFY(MailAttachments::fillPart(&message, "2", "(null)/(null)", QByteArray("x"), QString()));
         QVERIFY(message.partAt(1U).contentType().matches("application", "octet-stream"));
-        QVERIFY(MailAttachments::fillPart(&message, "3", "text/calendar; method=REQUEST", "x", QString()));
+        QVERIFY(MailAttachments::fillPart(
+            &message, "3", "text/calendar; method=REQUEST", QByteArray("x"), QString()));
         QVERIFY(message.partAt(2U).contentType().matches("text", "calendar"));
     }
 
@@ -204,7 +207,8 @@ private Q_SLOTS:
         message.setId(QMailMessageId(7));
         QCOMPARE(MailAttachments::partAt(message, location) != nullptr, known);
         LogCollector log;
-        QCOMPARE(MailAttachments::fillPart(&message, location, "text/plain", "x", QString()), known);
+        QCOMPARE(
+            MailAttachments::fillPart(&message, location, "text/plain", QByteArray("x"), QString()), known);
         QCOMPARE(log.contains("can't find attachment part in the message"), !known);
     }
 
@@ -247,7 +251,7 @@ private Q_SLOTS:
     void theSameAttachmentsKeepTheirContent()
     {
         QMailMessage message = messageOf(threeAttachments());
-        QVERIFY(MailAttachments::fillPart(&message, "2", "application/pdf", "%PDF", QString()));
+        QVERIFY(MailAttachments::fillPart(&message, "2", "application/pdf", QByteArray("%PDF"), QString()));
         EasEmailItem again = threeAttachments();
         QList<EasAttachmentContainer> attachments = again.attachments();
         attachments[2].setFileReference("new reference");

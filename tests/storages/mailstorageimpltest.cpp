@@ -558,6 +558,33 @@ private Q_SLOTS:
         QVERIFY(log.contains("can't find attachment part in the message"));
     }
 
+    void aLongAttachmentComesFromItsFile()
+    {
+        MailFixture mail;
+        mail.addFolder("5");
+        EasEmailItem item = mail.item("5:1", "5");
+        item.setAttachments({ MailFixture::attachment("a.bin", "mail/INBOX/5/2", 100) });
+        const quint64 id = mail.addMessage(item).toULongLong();
+        MailStorageImpl storage(&mail.account);
+        const QString location = storage.queryAttachmentsLocations(id, false).value(0);
+        const QByteArray megabyte(1024 * 1024, 'x');
+        FetchedOctets octets;
+        QVERIFY(octets.append(megabyte) && octets.append("end"));
+        QVERIFY(octets.isInFile());
+
+        LogCollector log;
+        FetchedOctets lost;
+        QVERIFY(lost.append(megabyte) && QFile::remove(lost.fileName()));
+        QVERIFY(!storage.updateMessagePart(id, location, "application/pdf", lost, QString()));
+        QVERIFY(log.contains("can't read the attachment that was fetched"));
+        QVERIFY(!storage.isAttachmentDownloaded(id, location));
+
+        QVERIFY(storage.updateMessagePart(id, location, "application/pdf", octets, QString()));
+        const QMailMessage message = mail.message(QMailMessageId(id));
+        QVERIFY(message.partAt(1U).body().data(QMailMessageBody::Decoded) == megabyte + "end");
+        QCOMPARE(message.partAt(1U).contentDisposition().size(), megabyte.size() + 3);
+    }
+
     void hostileTextLandsAsData()
     {
         MailFixture mail;

@@ -115,7 +115,7 @@ const NamedOperation operations[] = {
         } },
     { "updateMessagePart",
         [](MailStorageImpl &storage) {
-            return !storage.updateMessagePart(1, "1", "a/b", "x", "n");
+            return !storage.updateMessagePart(1, "1", "a/b", QByteArray("x"), "n");
         } },
     { "queryAttachmentsLocations",
         [](MailStorageImpl &storage) {

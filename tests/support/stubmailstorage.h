@@ -73,9 +73,9 @@ public:
         return !lockedMessages.contains(messageId);
     }
     bool updateMessagePart(quint64 messageId, const QString &location, const QString &contentType,
-        const QByteArray &data, const QString &fileName) override
+        const FetchedOctets &octets, const QString &fileName) override
     {
-        return updateMessageParts(messageId, { { location, contentType, data, fileName } });
+        return updateMessageParts(messageId, { { location, contentType, octets, fileName } });
     }
     bool updateCalendarResponsePart(quint64, quint64, EasItemsCommon::UserResponseType) override
     {
@@ -104,7 +104,7 @@ public:
     {
         ++writes;
         for (const MessagePartContent &part : parts)
-            files.insert(reference(messageId, part.location), part.data);
+            files.insert(reference(messageId, part.location), part.octets.all());
         return true;
     }
     void cleanUpFolder(const EasFolderItem &) override {}

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "storages/mail/mailattachments.h"
 
+#include "application/base/fetchedoctets.h"
 #include "application/base/logging.h"
 #include "easitems/easemailitem.h"
 #include "storages/mail/mailbodywriter.h"
@@ -188,6 +189,15 @@ bool isLocation(const QString &text, const QMailMessageId &messageId)
     return id == 0 || id == messageId.toULongLong();
 }
 
+/** Long octets stay in their file until the store takes them. */
+QMailMessageBody bodyOf(const FetchedOctets &octets, const QMailMessageContentType &type)
+{
+    const auto encoding = QMailMessageBody::NoEncoding;
+    const auto status = QMailMessageBody::AlreadyEncoded;
+    return octets.isInFile() ? QMailMessageBody::fromFile(octets.fileName(), type, encoding, status)
+                             : QMailMessageBody::fromData(octets.all(), type, encoding, status);
+}
+
 } // namespace
 
 namespace MailAttachments {
@@ -302,7 +312,7 @@ QString fileReference(const QMailMessagePart &part)
 }
 
 bool fillPart(QMailMessage *message, const QString &location, const QString &contentType,
-    const QByteArray &data, const QString &fileName)
+    const FetchedOctets &octets, const QString &fileName)
 {
     if (!partAt(*message, location)) {
         qCWarning(eas()) << "can't find attachment part in the message";
@@ -313,15 +323,19 @@ bool fillPart(QMailMessage *message, const QString &location, const QString &con
     QMailMessageContentDisposition disposition = part.contentDisposition();
     const QString name = fileName.isEmpty() ? part.displayName() : fileName;
     disposition.setFilename(storableFileName(MailHeaderText::singleLine(name)));
-    disposition.setSize(data.size());
+    disposition.setSize(octets.size());
 
     const QPair<QByteArray, QByteArray> media = mediaType(contentType);
     QMailMessageContentType type = part.contentType();
     type.setType(media.first);
     type.setSubType(media.second);
 
-    part.setBody(QMailMessageBody::fromData(
-        data, type, QMailMessageBody::NoEncoding, QMailMessageBody::AlreadyEncoded));
+    const QMailMessageBody body = bodyOf(octets, type);
+    if (body.length() != octets.size()) {
+        qCCritical(eas()) << "can't read the attachment that was fetched";
+        return false;
+    }
+    part.setBody(body);
     part.setContentDisposition(disposition);
     return true;
 }

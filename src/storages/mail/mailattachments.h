@@ -9,6 +9,7 @@
 #include <QStringList>
 
 class EasEmailItem;
+class FetchedOctets;
 class QMailMessage;
 class QMailMessagePart;
 
@@ -51,8 +52,8 @@ bool isAttachment(const QMailMessagePart &part);
 /** The server's name for the content; empty once that has been fetched. */
 QString fileReference(const QMailMessagePart &part);
 
-/** Puts the fetched content into a part; false if there is no such part. */
+/** Puts the fetched content into a part; false, logged, if there is no such part or it cannot be read. */
 bool fillPart(QMailMessage *message, const QString &location, const QString &contentType,
-    const QByteArray &data, const QString &fileName);
+    const FetchedOctets &octets, const QString &fileName);
 
 } // namespace MailAttachments

@@ -44,7 +44,7 @@ bool MailMessageParts::fill(quint64 messageId, const QList<MessagePartContent> &
     if (!message.id().isValid())
         return false;
     for (const MessagePartContent &part : parts) {
-        if (!MailAttachments::fillPart(&message, part.location, part.contentType, part.data, part.fileName))
+        if (!MailAttachments::fillPart(&message, part.location, part.contentType, part.octets, part.fileName))
             return false;
     }
     return mContext.store->updateMessage(&message);

@@ -345,9 +345,9 @@ bool MailStorageImpl::updateBodyPart(quint64 messageId, const EasBodyContainer &
 }
 
 bool MailStorageImpl::updateMessagePart(quint64 messageId, const QString &location,
-    const QString &contentType, const QByteArray &data, const QString &fileName)
+    const QString &contentType, const FetchedOctets &octets, const QString &fileName)
 {
-    return updateMessageParts(messageId, { { location, contentType, data, fileName } });
+    return updateMessageParts(messageId, { { location, contentType, octets, fileName } });
 }
 
 bool MailStorageImpl::updateMessageParts(quint64 messageId, const QList<MessagePartContent> &parts)

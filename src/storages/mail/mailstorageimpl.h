@@ -56,7 +56,7 @@ public:
     bool updateMovedEmails(const QList<EasEmailItem> &items) override;
     bool updateBodyPart(quint64 messageId, const EasBodyContainer &body) override;
     bool updateMessagePart(quint64 messageId, const QString &location, const QString &contentType,
-        const QByteArray &data, const QString &fileName) override;
+        const FetchedOctets &octets, const QString &fileName) override;
     bool updateMessageParts(quint64 messageId, const QList<MessagePartContent> &parts) override;
     void lookForChangesAnew() override;
     /** Not there yet: answers to meeting requests write no calendar part. False. */
