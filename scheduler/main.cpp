@@ -27,7 +27,11 @@ int main(int argc, char **argv)
 
     Synchronizer synchronizer(QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation)
         + QStringLiteral("/eas-fennel/sync-scheduler.conf"));
-    const QDBusConnection bus = QDBusConnection::sessionBus();
+    QDBusConnection bus = QDBusConnection::sessionBus();
+    // The session has ended with its bus.
+    bus.connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
+        QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"), &application,
+        SLOT(quit()));
     if (!synchronizer.serve(bus)) {
         qCritical(
             "fennel-sync-scheduler: cannot serve the session bus: %s", qPrintable(bus.lastError().message()));

@@ -139,6 +139,29 @@ private Q_SLOTS:
         QCOMPARE(broken.readAll(), content);
     }
 
+    void itEndsWithItsBus()
+    {
+        QProcess bus;
+        bus.start(QStringLiteral("dbus-daemon"),
+            { QStringLiteral("--session"), QStringLiteral("--nofork"), QStringLiteral("--print-address") });
+        QVERIFY(bus.waitForReadyRead());
+        const QString address = QString::fromLatin1(bus.readLine().trimmed());
+        const auto name = QStringLiteral("bus-that-ends");
+        QDBusConnection connection = QDBusConnection::connectToBus(address, name);
+        QDBusServiceWatcher watcher(mService, connection, QDBusServiceWatcher::WatchForRegistration);
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), address);
+        QProcess scheduler;
+        scheduler.setProcessEnvironment(environment);
+        scheduler.start(BuildPaths::binary(QStringLiteral("bin/fennel-sync-scheduler")), QStringList());
+        QVERIFY(Waiting::until(
+            [&] { return connection.interface()->isServiceRegistered(mService).value(); }, 60000));
+        QDBusConnection::disconnectFromBus(name);
+        bus.terminate();
+        QVERIFY(bus.waitForFinished() && scheduler.waitForFinished());
+        QCOMPARE(scheduler.exitStatus(), QProcess::NormalExit);
+    }
+
     void aSecondSchedulerEndsWithAnError()
     {
         QProcess second;
