@@ -325,6 +325,14 @@ bool AccountDirectory::remove(EasAccountId id)
     return store(*account);
 }
 
+void AccountDirectory::follow(QObject *context, const std::function<void()> &call) const
+{
+    if (!usable())
+        return;
+    QObject::connect(mManager.get(), &Accounts::Manager::accountCreated, context, call);
+    QObject::connect(mManager.get(), &Accounts::Manager::accountRemoved, context, call);
+}
+
 quint32 AccountDirectory::credentialsId(EasAccountId id) const
 {
     const auto account = load(id);

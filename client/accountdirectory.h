@@ -8,6 +8,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -72,6 +73,9 @@ public:
     bool edit(EasAccountId id, const AccountSettings &settings);
     bool setEnabled(EasAccountId id, bool enabled);
     bool remove(EasAccountId id);
+
+    /** Calls when accounts have come or gone, as long as the context lives. */
+    void follow(QObject *context, const std::function<void()> &call) const;
 
     quint32 credentialsId(EasAccountId id) const;
     QString userName(EasAccountId id) const;

@@ -101,22 +101,25 @@ bool SignalPrinter::start()
 
 void SignalPrinter::onSignal(const QDBusMessage &message)
 {
-    const QString time = TimeText::forPrograms(QDateTime::currentDateTime());
-    QStringList texts;
     QVariantList values;
     for (const QVariant &argument : message.arguments())
         values.append(BusValue::plain(argument));
-    for (int i = 0; i < values.size(); ++i)
-        texts.append(text(message.member(), values, i));
-    texts.removeAll(QString());
+    print(message.member(), values);
+}
+
+void SignalPrinter::print(const QString &signal, const QVariantList &values)
+{
+    const QString time = TimeText::forPrograms(QDateTime::currentDateTime());
     if (mOutput.isJson()) {
-        const QJsonObject line { { QStringLiteral("time"), time },
-            { QStringLiteral("signal"), message.member() },
+        const QJsonObject line { { QStringLiteral("time"), time }, { QStringLiteral("signal"), signal },
             { QStringLiteral("arguments"), QJsonArray::fromVariantList(values) } };
         std::printf("%s\n", QJsonDocument(line).toJson(QJsonDocument::Compact).constData());
     } else {
-        mOutput.message(QStringLiteral("%1  %2 %3")
-                            .arg(TimeText::brief(time), message.member(), texts.join(QLatin1Char(' '))));
+        QStringList texts { signal };
+        for (int i = 0; i < values.size(); ++i)
+            texts.append(text(signal, values, i));
+        texts.removeAll(QString());
+        mOutput.message(QStringLiteral("%1  %2").arg(TimeText::brief(time), texts.join(QLatin1Char(' '))));
     }
     std::fflush(stdout);
 }

@@ -6,7 +6,8 @@
 #include <QDBusMessage>
 #include <QObject>
 
-/** Prints every signal of the daemon as it comes, a line each. On the stack of a command. */
+/** Prints signals as they come, a line each: every one of the daemon, and what it is given. On the stack of
+ * a command. */
 class SignalPrinter : public QObject
 {
     Q_OBJECT
@@ -16,6 +17,7 @@ public:
 
     /** False, after an error, if the bus cannot be listened to. */
     bool start();
+    void print(const QString &signal, const QVariantList &values);
 
 private Q_SLOTS:
     void onSignal(const QDBusMessage &message);

@@ -209,6 +209,20 @@ private Q_SLOTS:
         QCOMPARE(client.waitForEnd(), -1);
     }
 
+    void watchTellsOfAccountsThatComeAndGo()
+    {
+        ClientProcess client;
+        client.start({ "watch" });
+        QVERIFY2(client.waitForOutput("watching"), client.errors());
+        AccountFactory others;
+        const EasAccountId other = others.create();
+        const QByteArray number = QByteArray::number(other) + '\n';
+        QVERIFY2(client.waitForOutput("accountAdded " + number), client.errors());
+        QVERIFY(others.remove(other));
+        QVERIFY2(client.waitForOutput("accountRemoved " + number), client.errors());
+        QVERIFY2(!client.output().contains("accountRemoved " + account().toUtf8()), client.output());
+    }
+
     void watchPrintsMapsAsDocuments()
     {
         ClientProcess client;
