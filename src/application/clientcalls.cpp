@@ -100,7 +100,7 @@ void ClientCalls::onDownloadMessagesRequest(EasAccountId accountId, const QList<
 void ClientCalls::onProvisionPolicyRequest(EasAccountId accountId, qulonglong requestId)
 {
     qCInfo(eas()) << "Provision Policy: account: " << accountId << ", requestId: " << requestId;
-    processNewRequest(new ProvisionRequest(accountId, requestId, false, this));
+    processNewRequest(new ProvisionRequest(accountId, requestId, ProvisionRequest::InitialPolicyKey, this));
 }
 
 void ClientCalls::onMeetingResponseRequest(EasAccountId accountId, qulonglong requestId,

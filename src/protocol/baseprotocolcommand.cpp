@@ -154,7 +154,7 @@ void BaseProtocolCommand::start()
         return;
     }
     mStatus = 0;
-    mHttpStatus = 0;
+    mIsToldToProvision = false;
     QNetworkRequest request;
     EasAccount *const commandAccount = account();
     if (!configureNetworkRequest(request, commandName())) {
@@ -307,18 +307,12 @@ void BaseProtocolCommand::onReplyFinished()
         qCCritical(eas()) << "No reply";
         return;
     }
-    noteHttpStatus();
+    mIsToldToProvision = ReplyHeaders::demandsProvisioning(*mReply);
     if (mReply->error() != QNetworkReply::NoError)
         mStatus = ProtocolUtils::TransportStatusBase + mReply->error();
     else if (!ReplyHeaders::isAnswer(*mReply))
         return handleError(QNetworkReply::UnknownContentError);
     handleFinished(mReply);
-}
-
-void BaseProtocolCommand::noteHttpStatus()
-{
-    if (mReply)
-        mHttpStatus = mReply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
 }
 
 void BaseProtocolCommand::handleFinished(QNetworkReply *reply)
@@ -348,7 +342,7 @@ void BaseProtocolCommand::handleFinished(QNetworkReply *reply)
 void BaseProtocolCommand::onReplyError(QNetworkReply::NetworkError networkError)
 {
     qCDebug(eas()) << "networkError" << networkError;
-    noteHttpStatus();
+    mIsToldToProvision = mReply && ReplyHeaders::demandsProvisioning(*mReply);
     if (mReply && mReply->isOpen()) {
         ExchangeLog::headers(*mReply, account());
         qCDebug(easNetwork()) << "Body: " << ExchangeLog::withoutCredentials(mReply->readAll(), account());

@@ -61,8 +61,9 @@ public:
     virtual EasAccount *account() const;
 
     int status() const { return mStatus; }
-    /** Of the last reply; 0 if none came. The status of a failed exchange tells less. */
-    int httpStatus() const { return mHttpStatus; }
+    /** Whether the last reply demands provisioning by its HTTP status, beside which status() is that of any
+     * unknown HTTP error. */
+    bool isToldToProvision() const { return mIsToldToProvision; }
     /** -1 while unknown, both. */
     qint64 bytesReceived() const { return mBytesReceived; }
     qint64 bytesTotal() const { return mBytesTotal; }
@@ -134,12 +135,11 @@ private:
     /** False, after a log line, for all but Provision once a wipe of the account was ordered. */
     bool mayBeSent() const;
     bool redirect();
-    void noteHttpStatus();
     void dropReply();
     bool takeReply(QNetworkReply *reply);
 
     int mStatus = 0;
-    int mHttpStatus = 0;
+    bool mIsToldToProvision = false;
     bool mStarted = false;
     QPointer<QNetworkReply> mReply;
     qint64 mBytesReceived = -1;

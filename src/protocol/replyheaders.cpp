@@ -38,3 +38,10 @@ bool ReplyHeaders::isAnswer(const QNetworkReply &reply)
     const QVariant status = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute);
     return !status.isValid() || status.toInt() / 100 == 2;
 }
+
+bool ReplyHeaders::demandsProvisioning(const QNetworkReply &reply)
+{
+    constexpr int RetryWith = 449;
+    return reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt() == RetryWith
+        && value(reply, ProtocolUtils::HeaderXMSLocation).isEmpty();
+}

@@ -19,4 +19,7 @@ QStringList supportedCommands(const QNetworkReply &reply);
  * must not pass for one: its empty body reads as "nothing new" or "done". */
 bool isAnswer(const QNetworkReply &reply);
 
+/** HTTP 449 without a location: that is how servers demand provisioning up to 12.1, some at any version. */
+bool demandsProvisioning(const QNetworkReply &reply);
+
 } // namespace ReplyHeaders

@@ -29,11 +29,15 @@ void RequestHeaders::addQueryItem(QUrlQuery &query, const QString &name, const Q
     query.addQueryItem(name, QString::fromLatin1(QUrl::toPercentEncoding(value)));
 }
 
+bool RequestHeaders::fits(const QByteArray &value)
+{
+    return std::none_of(
+        value.cbegin(), value.cend(), [](char c) { return c == '\r' || c == '\n' || c == '\0'; });
+}
+
 bool RequestHeaders::set(QNetworkRequest &request, const char *name, const QByteArray &value)
 {
-    const bool broken =
-        std::any_of(value.cbegin(), value.cend(), [](char c) { return c == '\r' || c == '\n' || c == '\0'; });
-    if (broken) {
+    if (!fits(value)) {
         qCCritical(eas()) << "Refused a value with a line break for the header" << name;
         return false;
     }

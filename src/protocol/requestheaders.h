@@ -17,7 +17,9 @@ QUrl serverUrl(const ConnectionAccountConfiguration &configuration);
 /** Adds a name with its value, encoded in full. */
 void addQueryItem(QUrlQuery &query, const QString &name, const QString &value);
 
-/** Sets a header, unless its value could break out of its line. */
+/** Whether a value stays in the line of its header. */
+bool fits(const QByteArray &value);
+/** Sets a header, unless its value does not fit. */
 bool set(QNetworkRequest &request, const char *name, const QByteArray &value);
 /** The headers that all commands of a known protocol version have, in their order. */
 bool setCommon(

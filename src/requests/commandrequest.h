@@ -33,9 +33,9 @@ public:
     /** Null before the first command and once the last one was dropped. */
     BaseProtocolCommand *currentCommand() const { return mCommand; }
     /** A command of this account whose end comes to onCommandFinished(); the one before is dropped. */
-    template <typename Command> Command *newCommand()
+    template <typename Command, typename... Arguments> Command *newCommand(Arguments... arguments)
     {
-        auto *command = new Command(accountId(), this);
+        auto *command = new Command(accountId(), this, arguments...);
         takeCommand(command);
         return command;
     }

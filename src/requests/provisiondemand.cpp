@@ -3,12 +3,12 @@
 
 #include "protocol/base/eas.h"
 #include "protocol/base/protocolutils.h"
+#include "protocol/baseprotocolcommand.h"
 #include "requests/statustable.h"
 
 namespace {
 
-// 10000 plus a network error, named after HTTP statuses; the first one is what a 503 arrives as.
-constexpr int TransportForbidden = ProtocolUtils::TransportStatusBase + 403;
+// 10000 plus a network error, named after an HTTP status: a 449 arrives as another number.
 constexpr int TransportRetryWith = ProtocolUtils::TransportStatusBase + 449;
 
 using DemandTable = StatusTable<ProvisionDemand>;
@@ -28,8 +28,8 @@ constexpr DemandTable::Row rows[] = {
         ProvisionDemand::Policies },
     { Eas::CommonStatusExtManagedDevicesNotAllowed, QtWarningMsg,
         "Exterally managed devices are not allowed for account %1", ProvisionDemand::Policies },
-    { TransportForbidden, QtCriticalMsg, "remote wipe is requested for account %1 by http status 403",
-        ProvisionDemand::Wipe },
+    { ProtocolUtils::TransportStatusUnavailable, QtCriticalMsg,
+        "remote wipe is requested for account %1 by http status 403", ProvisionDemand::Wipe },
     { TransportRetryWith, QtWarningMsg, "provisioning error for %1 by http status 449",
         ProvisionDemand::Policies },
 };
@@ -38,10 +38,11 @@ static_assert(demands.namesEachStatusOnce());
 
 } // namespace
 
-ProvisionDemand provisionDemand(int status, EasAccountId accountId, bool hasPolicyKey)
+ProvisionDemand provisionDemand(const BaseProtocolCommand &command, EasAccountId accountId)
 {
+    const int status = command.isToldToProvision() ? TransportRetryWith : command.status();
     const DemandTable::Row *const row = demands.find(status);
-    if (!row || (status == TransportForbidden && hasPolicyKey))
+    if (!row)
         return ProvisionDemand::None;
     logStatusText(row->level, row->text, QString::number(accountId));
     return row->verb;

@@ -3,7 +3,9 @@
 
 #include "common/easaccountid.h"
 
-/** What a server wants, by the status of a command, before it does the command's work. */
+class BaseProtocolCommand;
+
+/** What a server wants before it does a command's work. */
 enum class ProvisionDemand {
     None,
     /** The account's policy key must be the default one. */
@@ -14,6 +16,5 @@ enum class ProvisionDemand {
     Wipe
 };
 
-/** The demand of a status, which is written to the log. An account with a policy key is known to the server,
- * so that an unavailable server is no demand for it. */
-ProvisionDemand provisionDemand(int status, EasAccountId accountId, bool hasPolicyKey);
+/** The demand of a finished command, by its status or by HTTP 449, which is written to the log. */
+ProvisionDemand provisionDemand(const BaseProtocolCommand &command, EasAccountId accountId);

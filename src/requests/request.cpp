@@ -8,6 +8,7 @@
 #include "protocol/base/protocolutils.h"
 #include "protocol/baseprotocolcommand.h"
 #include "requests/networkgate.h"
+#include "requests/provisiondemands.h"
 #include "requests/provisionrequest.h"
 #include "requests/versionnegotiator.h"
 
@@ -28,13 +29,14 @@ Request::Request(EasAccountId accountId, qulonglong requestId, QObject *parent)
     : QObject(parent)
     , mAccountId(accountId)
     , mId(requestId)
+    , mDemands(
+          new ProvisionDemands(this, [this](bool remoteWipe) { return createProvisionRequest(remoteWipe); }))
 {
     mResendTimer.setSingleShot(true);
     mResendTimer.setInterval(
         Clock::instance().timerInterval(ProtocolUtils::CommandsRetryTimeout, Clock::Timer::Resend));
     connect(&mResendTimer, &QTimer::timeout, this, &Request::onResendTimer);
-    mDemandTimer.setSingleShot(true);
-    connect(&mDemandTimer, &QTimer::timeout, this, &Request::meetDemand);
+    connect(mDemands, &ProvisionDemands::over, this, &Request::onDemandsOver);
 }
 
 Request::~Request() = default;
@@ -99,8 +101,10 @@ QString Request::commandName() const
 
 void Request::start()
 {
-    if (hasEnded())
+    if (hasEnded()) {
         mState = State::Idle;
+        mDemands->reset();
+    }
     if (refuseWipedAccount() || refuseBlockedAccount())
         return;
     if (isUnderWay()) {
@@ -273,63 +277,29 @@ bool Request::checkProvisionStatus(BaseProtocolCommand *command)
         qCCritical(eas()) << "Command is null!";
         return false;
     }
-    const EasAccount *const provisioned = account();
-    const bool hasPolicyKey = provisioned && !provisioned->policyKey().isEmpty();
-    mDemand = provisionDemand(command->status(), mAccountId, hasPolicyKey);
-    if (mDemand == ProvisionDemand::None)
+    if (!mDemands->take(*command))
         return false;
     mState = State::Paused;
-    mDemandTimer.start(0);
     return true;
-}
-
-void Request::meetDemand()
-{
-    if (mDemand != ProvisionDemand::DefaultKey)
-        return startProvisionRequest(mDemand == ProvisionDemand::Wipe);
-    if (!consumeRetry())
-        return;
-    if (EasAccount *const provisioned = account())
-        provisioned->setPolicyKey(ProtocolUtils::DefaultPolicyKey);
-    resume(true);
 }
 
 void Request::startProvisionRequest(bool remoteWipe)
 {
-    if (mProvisionRequest) {
-        mProvisionRequest->disconnect(this);
-        mProvisionRequest->cancel();
-        mProvisionRequest->deleteLater();
-    }
     mState = State::Paused;
-    mProvisionRequest = createProvisionRequest(remoteWipe);
-    connect(mProvisionRequest, &Request::requestCompleted, this, &Request::onProvisionRequestCompleted);
-    mProvisionRequest->start();
+    mDemands->startProvisionRequest(remoteWipe);
 }
 
 ProvisionRequest *Request::createProvisionRequest(bool remoteWipe)
 {
-    return new ProvisionRequest(mAccountId, mId, remoteWipe, this);
+    return new ProvisionRequest(mAccountId, mId,
+        remoteWipe ? ProvisionRequest::InitialRemoteWipe : ProvisionRequest::InitialPolicyKey, this);
 }
 
-void Request::onProvisionRequestCompleted(EasAccountId accountId, qulonglong requestId)
-{
-    if (!mProvisionRequest || accountId != mAccountId || requestId != mId) {
-        qCWarning(eas()) << "received requestCompleted for unknown request" << requestId;
-        return;
-    }
-    // Let go first: the step that resumes may meet another demand.
-    ProvisionRequest *const provisionRequest = mProvisionRequest;
-    mProvisionRequest.clear();
-    provisionRequest->deleteLater();
-    setStatus(provisionRequest->status());
-    resume(provisionRequest->successfullyFinished());
-}
-
-void Request::resume(bool success)
+void Request::onDemandsOver(bool isMet, int status)
 {
     mState = State::Running;
-    resumeRequest(success);
+    setStatus(status);
+    resumeRequest(isMet);
 }
 
 void Request::resumeRequest(bool success)
@@ -374,7 +344,7 @@ void Request::finish()
         return;
     mState = State::Ended;
     mResendTimer.stop();
-    mDemandTimer.stop();
+    mDemands->stop();
     Q_EMIT requestCompleted(mAccountId, mId);
 }
 
@@ -394,7 +364,9 @@ void Request::cancel()
         mVersionNegotiator.clear();
         return completeCancelled();
     case State::Paused:
-        return mProvisionRequest ? mProvisionRequest->cancel() : completeCancelled();
+        if (!mDemands->cancel())
+            completeCancelled();
+        return;
     case State::Running:
     case State::WaitingToRetry:
         break;

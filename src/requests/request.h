@@ -6,14 +6,15 @@
 #include "common/exchangeactivesync.h"
 #include "requests/attempts.h"
 #include "requests/outcome.h"
-#include "requests/provisiondemand.h"
 
 #include <QObject>
 #include <QPointer>
 #include <QTimer>
+#include <QVariantMap>
 
 class BaseProtocolCommand;
 class EasAccount;
+class ProvisionDemands;
 class ProvisionRequest;
 class QNetworkReply;
 class VersionNegotiator;
@@ -72,6 +73,9 @@ Q_SIGNALS:
     void requestCompleted(EasAccountId accountId, qulonglong requestId);
     void requestDownloadProgress(
         EasAccountId accountId, qulonglong requestId, qlonglong bytesReceived, qlonglong bytesTotal);
+    /** A policy document of the server was read, in this request or in a nested one: its values under their
+     * published names. The verdict on it has not gone out yet. */
+    void policyDocumentReceived(EasAccountId accountId, qulonglong requestId, const QVariantMap &policies);
 
 protected:
     virtual void startRequest() = 0;
@@ -109,7 +113,7 @@ protected:
     void completeCancelled();
 
 private Q_SLOTS:
-    void onProvisionRequestCompleted(EasAccountId accountId, qulonglong requestId);
+    void onDemandsOver(bool isMet, int status);
     void onResendTimer();
     void onVersionNegotiationReady(bool success);
 
@@ -130,8 +134,6 @@ private:
     void finish();
     void finishWith(int status);
     void run();
-    void meetDemand();
-    void resume(bool success);
 
     EasAccountId mAccountId;
     qulonglong mId;
@@ -140,9 +142,6 @@ private:
     Outcome mOutcome;
     Attempts mAttempts;
     QTimer mResendTimer;
-    /** Runs out as soon as the command that brought the demand has unwound. */
-    QTimer mDemandTimer;
-    ProvisionDemand mDemand = ProvisionDemand::None;
+    ProvisionDemands *const mDemands;
     QPointer<VersionNegotiator> mVersionNegotiator;
-    QPointer<ProvisionRequest> mProvisionRequest;
 };

@@ -113,10 +113,10 @@ void ConnectionTest::theServerAnswersWithHttp_data()
 {
     columns();
     row("403, access denied", 403, 10201, "handleError: Network error:", 1);
-    row("449 without a new place", 449, 10299, "handleError: Network error:", 1);
+    row("449 without a new place, a demand that is met in vain", 449, 10299, "by http status 449", 7);
     row("451 without a new place", 451, 10299, "handleError: Network error:", 1);
     row("500, an error of its own", 500, 10401, "handleError: Network error:", 1);
-    row("503, not available, read as a wish to wipe", 503, -5, "by http status 403", 1);
+    row("503, not available, and asked once whether a wipe is meant", 503, 10403, "by http status 403", 2);
 }
 
 void ConnectionTest::theServerAnswersWithHttp()

@@ -59,7 +59,8 @@ void FetchStatusTest::statusRows()
     row("a server error that passes, and it is repeated", 111, 0, RetryLater, 2);
     row("a wish for a policy key, and it is repeated with one", 141, 0,
         "server requires policy key to be submitted for", 2);
-    row("a policy, which is refused", 142, -5, "Provision Policy is in place for account", 1);
+    row("a policy, of which there is none, and it is repeated", 142, 0,
+        "Provision Policy is in place for account", 2);
     row("a status without a rule, and it ends", 14, 14, "unhandled status", 1);
 }
 

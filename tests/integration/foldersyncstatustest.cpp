@@ -61,15 +61,17 @@ void FolderSyncStatusTest::commonRows(const char *unhandled)
         "we should try to send command again later. Timeout (in mseconds):", 2);
     row("a device that cannot be provisioned, and it ends", 139, 139,
         "Device is not fully Provisionable for account", 1);
-    row("a wish to wipe, which is refused", 140, -5, "remote wipe is requested for account", 1);
+    row("a wish to wipe, which nobody ordered, and it is repeated", 140, 0,
+        "remote wipe is requested for account", 2);
     row("a wish for a policy key, and it is repeated with one", 141, 0,
         "server requires policy key to be submitted for", 2);
-    row("a policy, which is refused", 142, -5, "Provision Policy is in place for account", 1);
-    row("a new policy, which is refused", 143, -5, "Policy refresh requested for account", 1);
-    row("a policy key that is not valid, and the policy is refused", 144, -5,
-        "Invalid policy key for account", 1);
-    row("managed devices that are not allowed, and the policy is refused", 145, -5,
-        "Exterally managed devices are not allowed for account", 1);
+    row("a policy, of which there is none, and it is repeated", 142, 0,
+        "Provision Policy is in place for account", 2);
+    row("a new policy, of which there is none, and it is repeated", 143, 0,
+        "Policy refresh requested for account", 2);
+    row("a policy key that is not valid, and it is repeated", 144, 0, "Invalid policy key for account", 2);
+    row("managed devices that are not allowed, and it is repeated", 145, 0,
+        "Exterally managed devices are not allowed for account", 2);
 }
 
 void FolderSyncStatusTest::answer(int times, bool foldersOnly)

@@ -47,9 +47,9 @@ protected:
         if (!acceptResult(currentCommand(), success))
             dropCommand();
     }
-    ProvisionRequest *createProvisionRequest(bool remoteWipe) override
+    ProvisionRequest *createProvisionRequest(bool) override
     {
-        return new ProbeProvision(accountId(), id(), remoteWipe, this);
+        return new ProbeProvision(accountId(), id(), ProvisionRequest::InitialPolicyKey, this);
     }
 };
 
@@ -286,12 +286,53 @@ private Q_SLOTS:
             FinishedCommand command(Account, 141);
             mRequest->acceptResult(&command, true);
         };
-        mRequest->retrySend();
-        mRequest->clearRetries();
+        mRequest->onStart();
         QTRY_COMPARE(mCompleted->count(), 1);
         QCOMPARE(mRequest->status(), 141);
-        // The start of init(), the repetition above, and five more.
+        // The start of init(), the answer to the first demand, and five more.
         QCOMPARE(mRequest->starts, 7);
+    }
+
+    void demandsAreCountedWhateverSucceedsBetweenThem_data()
+    {
+        QTest::addColumn<int>("status");
+        for (const int status : { 140, 141, 142, 143, 144, 145 })
+            QTest::newRow(qPrintable(QString::number(status))) << status;
+    }
+
+    void demandsAreCountedWhateverSucceedsBetweenThem()
+    {
+        QFETCH(int, status);
+        mRequest->onStart = [this, status] {
+            mRequest->clearRetries();
+            FinishedCommand command(Account, status);
+            mRequest->acceptResult(&command, true);
+        };
+        mRequest->onStart();
+        QTRY_COMPARE(mCompleted->count(), 1);
+        QCOMPARE(mRequest->status(), status);
+        QCOMPARE(mRequest->starts, 7);
+        QCOMPARE(mRequest->provisionRuns.size(), status == 141 ? 0 : 6);
+    }
+
+    void anUnavailableServerIsAskedOnceWhetherItMeansAWipe()
+    {
+        FinishedCommand command(Account, 10403);
+        QVERIFY(!mRequest->acceptResult(&command, true));
+        QTRY_COMPARE(mRequest->starts, 2);
+        QVERIFY(mRequest->acceptResult(&command, true));
+        QCOMPARE(mRequest->status(), 10403);
+        QCOMPARE(mRequest->provisionRuns, QList<bool>({ true }));
+    }
+
+    void aDemandThatIsMetWithoutASuccessIsWhatTheRequestEndsWith()
+    {
+        mRequest->provisionOutcome = 0;
+        FinishedCommand command(Account, 143);
+        QVERIFY(!mRequest->acceptResult(&command, true));
+        QTRY_COMPARE(mCompleted->count(), 1);
+        QCOMPARE(mRequest->status(), 143);
+        QCOMPARE(mRequest->starts, 1);
     }
 
     void aStepThatIsResumedAtOnceKeepsItsNewCommand()
@@ -348,22 +389,8 @@ private Q_SLOTS:
         mRequest->startProvisionRequest(true);
         QVERIFY(mRequest->provision != first);
         QCOMPARE(mCompleted->count(), 0);
-        mRequest->provision->completeWith(0);
+        mRequest->provision->completeWith(1);
         QCOMPARE(mRequest->starts, 2);
-    }
-
-    void thisDeviceRefusesPolicies()
-    {
-        LogCollector log;
-        ProvisionRequest request(Account, Id, false, RequestManager::instance());
-        QSignalSpy completed(&request, &Request::requestCompleted);
-        request.start();
-        QCOMPARE(completed.count(), 1);
-        QCOMPARE(request.status(), -5);
-        QVERIFY(!request.successfullyFinished());
-        QVERIFY(request.provisionPolicies().isEmpty());
-        QVERIFY(log.contains(
-            QtCriticalMsg, { QStringLiteral("this device does not apply server policies yet") }));
     }
 };
 

@@ -38,8 +38,7 @@ public:
     using ProvisionRequest::ProvisionRequest;
 
     bool waits = false;
-    int outcome = 0;
-    bool wipe = false;
+    int outcome = 1;
 
 protected:
     void startRequest() override
@@ -76,7 +75,8 @@ public:
     int starts = 0;
     int cancels = 0;
     bool provisionWaits = false;
-    int provisionOutcome = 0;
+    /** 1 lets the request resume. */
+    int provisionOutcome = 1;
     QList<bool> provisionRuns;
     QPointer<ProbeProvision> provision;
 
@@ -98,7 +98,8 @@ protected:
     ProvisionRequest *createProvisionRequest(bool remoteWipe) override
     {
         provisionRuns.append(remoteWipe);
-        provision = new ProbeProvision(accountId(), id(), remoteWipe, this);
+        provision = new ProbeProvision(accountId(), id(),
+            remoteWipe ? ProvisionRequest::InitialRemoteWipe : ProvisionRequest::InitialPolicyKey, this);
         provision->waits = provisionWaits;
         provision->outcome = provisionOutcome;
         return provision;

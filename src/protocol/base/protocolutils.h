@@ -79,6 +79,8 @@ inline constexpr int CommandsOptionsTimeout = 20000;
 inline constexpr int TransportStatusBase = 10000;
 inline constexpr int TransportStatusTimeout = 10004;
 inline constexpr int TransportStatusCancelled = 10005;
+/** HTTP 503. */
+inline constexpr int TransportStatusUnavailable = 10403;
 
 /** Makes an object, in practice a reply, remember its account. */
 void setAccountId(QObject *object, EasAccountId accountId);
