@@ -16,10 +16,24 @@ bool CalendarResultHandler::handle(SyncCollection &collection)
     if (!storage)
         return fail("CalendarStorage is null");
 
-    if (!collectUploaded(collection) || !storeUploaded(*storage) || !storeReceived(*storage, collection))
-        return false;
-    storeSyncTime(*storage, collection);
-    return true;
+    collectSent(collection);
+    if (!readRows(collection))
+        return fail("Failed to read events from EAS DB");
+    return collectUploaded(collection) && storeUploaded(*storage) && storeReceived(*storage, collection)
+        && storeSyncTime(*storage, collection);
+}
+
+bool CalendarResultHandler::readRows(const SyncCollection &collection)
+{
+    QStringList named(mSentDeleted);
+    for (const QList<EasCalendarItem> &items : { mSentChanged, collection.changedCalendarItems() }) {
+        for (const EasCalendarItem &item : items)
+            named.append(item.serverId());
+    }
+    const auto localIds = EasDatabase::instance()->serverToLocalCalendarIds(account().id(), named);
+    if (localIds)
+        mLocalIds = *localIds;
+    return bool(localIds);
 }
 
 const CalendarResultHandler::Kind &CalendarResultHandler::kind() const
@@ -33,15 +47,11 @@ const CalendarResultHandler::Kind &CalendarResultHandler::kind() const
 
 bool CalendarResultHandler::collectUploaded(const SyncCollection &collection)
 {
-    collectSent(collection);
     qCInfo(eas()) << "handleCalendarResults: sending commands to server:"
                   << "A/M/R:" << mSentAdded.size() << "/" << mSentChanged.size() << "/"
                   << mSentDeleted.size();
-    // For the log alone.
-    const QMap<QString, QString> localIds =
-        EasDatabase::instance()->serverToLocalCalendarIds(account().id()).valueOr({});
-    if (!collectUploadedAdds(collection) || !collectUploadedChanges(collection, localIds)
-        || !collectUploadedDeletions(collection, localIds))
+    if (!collectUploadedAdds(collection) || !collectUploadedChanges(collection, mLocalIds)
+        || !collectUploadedDeletions(collection, mLocalIds))
         return false;
     keepRefusedOccurrences(collection);
     returnDeletedOccurrences(collection);
@@ -100,6 +110,7 @@ bool CalendarResultHandler::storeReceived(CalendarStorage &storage, const SyncCo
 {
     QList<EasCalendarItem> added = collection.addedCalendarItems();
     QList<EasCalendarItem> changed = collection.changedCalendarItems();
+    beginAnewFor(collection, unknownChanges(added, changed, mLocalIds));
     QStringList replaced;
     if (!storage.updateItems(added, changed, collection.deletedIds(), replaced))
         return fail("Failed to update calendar items");
@@ -109,19 +120,22 @@ bool CalendarResultHandler::storeReceived(CalendarStorage &storage, const SyncCo
     return true;
 }
 
-void CalendarResultHandler::storeSyncTime(CalendarStorage &storage, const SyncCollection &collection)
+bool CalendarResultHandler::storeSyncTime(CalendarStorage &storage, const SyncCollection &collection)
 {
     // What the server has refused is a change since the old time, and is found again. Nor is there a new
     // time if the changes could not be queried.
     UploadProgress &progress = state().uploads[collection.id()];
     progress.hasRefused = progress.hasRefused || !hasUploadedAll();
     if (progress.isWaiting || progress.hasRefused || collection.queryTime() == 0)
-        return;
+        return true;
+    const auto localFolders = EasDatabase::instance()->serverToLocalFolderIds(account().id());
+    if (!localFolders)
+        return fail("Failed to read folders from EAS DB");
     // Under the old time what was told to the server is asked for once more, and nothing is lost.
-    const QString localFolder =
-        EasDatabase::instance()->serverToLocalFolderIds(account().id()).valueOr({}).value(collection.id());
+    const QString localFolder = localFolders->value(collection.id());
     if (localFolder.isEmpty())
         qCWarning(eas()) << "failed to find local folder id for folder" << collection.id();
     else if (!storage.setSyncTime(localFolder, collection.queryTime()))
         qCWarning(eas()) << "failed to set sync date for calendar:" << localFolder;
+    return true;
 }

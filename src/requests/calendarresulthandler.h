@@ -18,10 +18,14 @@ protected:
     const Kind &kind() const override;
 
 private:
+    bool readRows(const SyncCollection &collection);
     bool collectUploaded(const SyncCollection &collection);
     void returnDeletedOccurrences(const SyncCollection &collection);
     void keepRefusedOccurrences(const SyncCollection &collection);
     bool storeUploaded(CalendarStorage &storage);
     bool storeReceived(CalendarStorage &storage, const SyncCollection &collection);
-    void storeSyncTime(CalendarStorage &storage, const SyncCollection &collection);
+    bool storeSyncTime(CalendarStorage &storage, const SyncCollection &collection);
+
+    /** By server identifiers, of the events that the collection names. */
+    QMap<QString, QString> mLocalIds;
 };

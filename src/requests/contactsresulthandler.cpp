@@ -52,6 +52,7 @@ bool ContactsResultHandler::storeReceived(ContactStorage &storage, const SyncCol
         storage.setFailedLocalChangesIds(failedLocalIds());
     QList<EasContactsItem> added = collection.addedContacts();
     QList<EasContactsItem> changed = collection.changedContacts();
+    beginAnewFor(collection, unknownChanges(added, changed, mLocalIds));
     markUploads(added);
     if (!storage.updateItems(collection.id(), added, changed, collection.deletedIds()))
         return fail("Failed to update contacts items");

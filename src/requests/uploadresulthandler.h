@@ -11,6 +11,8 @@
 
 #include <QDebug>
 #include <QHash>
+#include <QMap>
+#include <QSet>
 
 /**
  * What the results of events and contacts share: the items that a collection carried up, and those of them
@@ -111,6 +113,23 @@ protected:
         for (const QString &serverId : qAsConst(mUploadedDeleted))
             qCInfo(eas()) << kind().removed << serverId << "was deleted";
         return true;
+    }
+
+    /** Received changes of items that neither the mapping, by its server identifiers, nor the reply knows. */
+    QStringList unknownChanges(
+        const QList<Item> &added, const QList<Item> &changed, const QMap<QString, QString> &localIds) const
+    {
+        QSet<QString> named;
+        for (const QList<Item> *items : { &added, &mUploadedAdded }) {
+            for (const Item &item : *items)
+                named.insert(item.serverId());
+        }
+        QStringList unknown;
+        for (const Item &item : changed) {
+            if (!localIds.contains(item.serverId()) && !named.contains(item.serverId()))
+                unknown.append(item.serverId());
+        }
+        return unknown;
     }
 
     /** Whether the server has taken everything that went up. */

@@ -55,7 +55,6 @@ private Q_SLOTS:
     void aCollectionWithoutAKeyDoesNotHoldUpTheOthers();
     void anEmptyReplyToALaterSyncMeansNoChange();
     void keysForACollectionNobodyAskedForAreCounted();
-    void aWindowThatTheServerTakesForReceivedComesAgain();
     void aCollectionThatGoesWhileItIsRepeatedDoesNotStopTheOthers();
 
 private:
@@ -424,36 +423,6 @@ void CollectionStatusTest::keysForACollectionNobodyAskedForAreCounted()
     QCOMPARE(bed.sync(), -2);
     QCOMPARE(count(bed, "Sync"), 6);
     QVERIFY(nextSyncRepairs(bed));
-}
-
-void CollectionStatusTest::aWindowThatTheServerTakesForReceivedComesAgain()
-{
-    SyncTestBed bed;
-    const QString inbox = bed.mailbox().inboxId();
-    QVERIFY(missesOneMessage(bed));
-    // Instead of the message that the device misses, the server tells of a change of it.
-    bed.server().overrideNext(QStringLiteral("Sync"), Override::edited([inbox](WbxmlNode &reply) {
-        for (WbxmlNode &collection : reply.find(QStringLiteral("Collections"))->children()) {
-            if (collection.text(QStringLiteral("CollectionId")) != inbox)
-                continue;
-            WbxmlNode &commands = *collection.find(QStringLiteral("Commands"));
-            const QString serverId = commands.at(QStringLiteral("Add")).text(QStringLiteral("ServerId"));
-            WbxmlNode change(QStringLiteral("AirSync:Change"));
-            change.append(QStringLiteral("ServerId"), serverId);
-            change.append(WbxmlNode(QStringLiteral("AirSync:ApplicationData"),
-                QVector<WbxmlNode> { WbxmlNode(QStringLiteral("Email:Read"), QStringLiteral("1")) }));
-            commands.children() = { change };
-        }
-    }));
-    {
-        const LogCollector log;
-        QCOMPARE(bed.sync(), 0);
-        QVERIFY(log.contains(QtWarningMsg,
-            { QStringLiteral("changes of unknown items, the collection begins anew:"),
-                QStringLiteral("Inbox") }));
-    }
-    QCOMPARE(bed.deviceState(), bed.serverState());
-    QCOMPARE(bed.deviceState().size(), 2);
 }
 
 void CollectionStatusTest::aCollectionThatGoesWhileItIsRepeatedDoesNotStopTheOthers()

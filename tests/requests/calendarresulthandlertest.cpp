@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "requests/calendarresulthandler.h"
 #include "requests/uploadresultscene.h"
+#include "support/hiddentable.h"
 #include "support/logcollector.h"
 #include "support/stubcalendarstorage.h"
 #include "support/testmain.h"
@@ -49,6 +50,42 @@ private Q_SLOTS:
         QVERIFY(!handle(reply));
         QCOMPARE(mScene->status, -2);
         QVERIFY(log.contains(QtCriticalMsg, { QStringLiteral("CalendarStorage is null") }));
+    }
+
+    void rowsThatCannotBeReadAreAFailure()
+    {
+        SyncCollection reply = collection({}, { item<Event>("e1", "9:1") });
+        const HiddenTable hidden("calendar");
+        QVERIFY(!handle(reply));
+        QCOMPARE(mScene->status, -2);
+        QCOMPARE(mScene->store->calls, QStringList());
+    }
+
+    void foldersThatCannotBeReadAreAFailure()
+    {
+        SyncCollection reply = collection({});
+        const HiddenTable hidden("collections");
+        QVERIFY(!handle(reply));
+        QCOMPARE(mScene->status, -2);
+    }
+
+    void aChangeOfAnUnknownEventBeginsTheCollectionAnew()
+    {
+        SyncCollection reply = collection({});
+        reply.appendChangedCalendars(Event(), QStringLiteral("9:77"));
+        QVERIFY(handle(reply));
+        QCOMPARE(mScene->state.collectionsToResync, QStringList(QStringLiteral("9")));
+    }
+
+    void aChangeOfAKnownEventDoesNotBeginAnew()
+    {
+        SyncCollection reply = collection({ item<Event>("new") }, {}, { QStringLiteral("9:2") });
+        answerAdd(reply, "new", "9:7");
+        reply.appendAddedCalendars(Event(), QStringLiteral("9:8"));
+        for (const char *known : { "9:1", "9:2", "9:7", "9:8" }) // there, just deleted, just uploaded, new
+            reply.appendChangedCalendars(Event(), QString::fromLatin1(known));
+        QVERIFY(handle(reply));
+        QCOMPARE(mScene->state.collectionsToResync, QStringList());
     }
 
     void uploadsComeBeforeWhatTheServerSends()

@@ -53,6 +53,25 @@ private Q_SLOTS:
         QVERIFY(log.contains(QtCriticalMsg, { QStringLiteral("ContactStorage is null") }));
     }
 
+    void aChangeOfAnUnknownContactBeginsTheCollectionAnew()
+    {
+        SyncCollection reply = collection({});
+        reply.appendChangedContacts(Contact(), QStringLiteral("3:77"));
+        QVERIFY(handle(reply));
+        QCOMPARE(mScene->state.collectionsToResync, QStringList(QStringLiteral("3")));
+    }
+
+    void aChangeOfAKnownContactDoesNotBeginAnew()
+    {
+        SyncCollection reply = collection({ item<Contact>("new") }, {}, { QStringLiteral("3:2") });
+        answerAdd(reply, "new", "3:7");
+        reply.appendAddedContacts(Contact(), QStringLiteral("3:8"));
+        for (const char *known : { "3:1", "3:2", "3:7", "3:8" }) // there, just deleted, just uploaded, new
+            reply.appendChangedContacts(Contact(), QString::fromLatin1(known));
+        QVERIFY(handle(reply));
+        QCOMPARE(mScene->state.collectionsToResync, QStringList());
+    }
+
     void whatTheServerSendsComesBeforeUploads()
     {
         SyncCollection reply =

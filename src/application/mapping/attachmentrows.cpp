@@ -117,6 +117,12 @@ bool AttachmentRows::removeByContentId(const QString &eventId, const QString &co
         || statement.fail("Сan't DELETE attachment by contentId for event:", eventId);
 }
 
+bool AttachmentRows::removeOfEvent(const QString &eventId) const
+{
+    DatabaseStatement statement(mDatabase, QStringLiteral("DELETE FROM attachments WHERE local_id=?"));
+    return statement.bind(eventId).run() || statement.fail("can't remove attachments of event:", eventId);
+}
+
 bool AttachmentRows::removeByFileReference(const QString &eventId, const QString &fileReference) const
 {
     DatabaseStatement statement(

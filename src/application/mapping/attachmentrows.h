@@ -32,6 +32,7 @@ public:
     bool updateFileReference(const QString &eventId, const EasAttachmentContainer &attachment) const;
     bool updateContentId(const QString &eventId, const EasAttachmentContainer &attachment) const;
     bool removeByContentId(const QString &eventId, const QString &contentId) const;
+    bool removeOfEvent(const QString &eventId) const;
     bool removeByFileReference(const QString &eventId, const QString &fileReference) const;
     /** Whether the event has an attachment with this content identifier or file reference. */
     Lookup<Existence> presence(const QString &eventId, const QString &uniqueId) const;

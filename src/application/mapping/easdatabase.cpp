@@ -151,6 +151,35 @@ bool EasDatabase::clearAccount(EasAccountId accountId)
     return mAccounts.clear(accountId);
 }
 
+bool EasDatabase::folderItemsChanges(EasAccountId accountId, const QList<EasFolderItem> &added,
+    const QList<EasFolderItem> &updated, const QStringList &deletedServerIds)
+{
+    return addFolderItems(accountId, added) && updateFolderItems(accountId, updated)
+        && deleteFolderItems(accountId, deletedServerIds);
+}
+
+bool EasDatabase::emailItemsChanges(EasAccountId accountId, const QList<EasEmailItem> &added,
+    const QList<EasEmailItem> &updated, const QStringList &deletedServerIds)
+{
+    return addEmailItems(accountId, added) && updateEmailItems(accountId, updated)
+        && deleteEmailItems(accountId, deletedServerIds);
+}
+
+bool EasDatabase::calendarItemsChanges(EasAccountId accountId, const QList<EasCalendarItem> &added,
+    const QList<EasCalendarItem> &updated, const QStringList &deletedServerIds,
+    const QStringList &replacedServerIds)
+{
+    return deleteCalendarItems(accountId, replacedServerIds) && addCalendarItems(accountId, added)
+        && updateCalendarItems(accountId, updated) && deleteCalendarItems(accountId, deletedServerIds);
+}
+
+bool EasDatabase::contactsItemsChanges(EasAccountId accountId, const QList<EasContactsItem> &added,
+    const QList<EasContactsItem> &updated, const QStringList &deletedServerIds, const QString &collectionId)
+{
+    return addContactsItems(accountId, added) && updateContactsItems(accountId, updated, collectionId)
+        && deleteContactsItems(accountId, deletedServerIds, collectionId);
+}
+
 bool EasDatabase::finishClearingAccount(EasAccountId accountId)
 {
     const Lookup<QString> key = folderSyncKey(accountId);

@@ -145,11 +145,7 @@ public:
         return mFolders.remove(accountId, serverIds);
     }
     bool folderItemsChanges(EasAccountId accountId, const QList<EasFolderItem> &added,
-        const QList<EasFolderItem> &updated, const QStringList &deletedServerIds)
-    {
-        return addFolderItems(accountId, added) && updateFolderItems(accountId, updated)
-            && deleteFolderItems(accountId, deletedServerIds);
-    }
+        const QList<EasFolderItem> &updated, const QStringList &deletedServerIds);
     bool setSavedInStorage(EasAccountId accountId, const QString &localId, bool saved)
     {
         return mFolders.setSavedInStorage(accountId, localId, saved);
@@ -174,11 +170,7 @@ public:
         return mMail.remove(accountId, serverIds);
     }
     bool emailItemsChanges(EasAccountId accountId, const QList<EasEmailItem> &added,
-        const QList<EasEmailItem> &updated, const QStringList &deletedServerIds)
-    {
-        return addEmailItems(accountId, added) && updateEmailItems(accountId, updated)
-            && deleteEmailItems(accountId, deletedServerIds);
-    }
+        const QList<EasEmailItem> &updated, const QStringList &deletedServerIds);
     Lookup<QStringList> localEmailIds(EasAccountId accountId, const QString &collectionId) const
     {
         return mMail.localIds(accountId, collectionId);
@@ -236,11 +228,7 @@ public:
     }
     bool calendarItemsChanges(EasAccountId accountId, const QList<EasCalendarItem> &added,
         const QList<EasCalendarItem> &updated, const QStringList &deletedServerIds,
-        const QStringList &replacedServerIds)
-    {
-        return deleteCalendarItems(accountId, replacedServerIds) && addCalendarItems(accountId, added)
-            && updateCalendarItems(accountId, updated) && deleteCalendarItems(accountId, deletedServerIds);
-    }
+        const QStringList &replacedServerIds);
     Lookup<QStringList> localCalendarIds(EasAccountId accountId, const QString &collectionId) const
     {
         return mEvents.localIds(accountId, collectionId);
@@ -249,6 +237,12 @@ public:
     {
         return mEvents.serverToLocalIds(accountId);
     }
+    /** Of these events, and the ones that have the same local identifier. */
+    Lookup<QMap<QString, QString>> serverToLocalCalendarIds(
+        EasAccountId accountId, const QStringList &serverIds) const
+    {
+        return mEvents.serverToLocalIds(accountId, serverIds);
+    }
     Lookup<QMap<QString, QString>> localToServerCalendarIds(EasAccountId accountId) const
     {
         return mEvents.localToServerIds(accountId);
@@ -256,6 +250,11 @@ public:
     Lookup<QMap<QString, QString>> serverCalendarIdToCollectionIds(EasAccountId accountId) const
     {
         return mEvents.collectionIds(accountId);
+    }
+    Lookup<QMap<QString, QString>> serverCalendarIdToCollectionIds(
+        EasAccountId accountId, const QStringList &serverIds) const
+    {
+        return mEvents.collectionIds(accountId, serverIds);
     }
     Lookup<QString> serverCalendarIdToCollectionId(EasAccountId accountId, const QString &serverId) const
     {
@@ -299,11 +298,7 @@ public:
     }
     bool contactsItemsChanges(EasAccountId accountId, const QList<EasContactsItem> &added,
         const QList<EasContactsItem> &updated, const QStringList &deletedServerIds,
-        const QString &collectionId = QString())
-    {
-        return addContactsItems(accountId, added) && updateContactsItems(accountId, updated, collectionId)
-            && deleteContactsItems(accountId, deletedServerIds, collectionId);
-    }
+        const QString &collectionId = QString());
     Lookup<QStringList> localContactIds(EasAccountId accountId, const QString &collectionId) const
     {
         return mContacts.localIds(accountId, collectionId);
@@ -352,6 +347,8 @@ public:
     {
         return mAttachments.updateContentId(eventId, attachment);
     }
+    /** All of an event, or of one exception. */
+    bool deleteCalendarAttachments(const QString &eventId) { return mAttachments.removeOfEvent(eventId); }
     bool deleteCalendarAttachmentByContentId(const QString &eventId, const QString &contentId)
     {
         return mAttachments.removeByContentId(eventId, contentId);

@@ -4,33 +4,15 @@
 #include "application/base/logging.h"
 #include "application/mapping/databasereading.h"
 
-#include <functional>
-
 namespace {
 
 // Older libraries take 999 values in a statement, and one of these statements binds each name twice.
 constexpr int MaxNamesOfStatement = 450;
 
-/** "?,?,?" */
+/** "(?,?,?)" */
 QString places(int count)
 {
-    return QStringLiteral("?,").repeated(count).chopped(1);
-}
-
-/** Puts a long list of names to as few statements as possible; false if one of them could not be read. */
-bool inParts(const QStringList &names, const std::function<bool(const QStringList &part)> &read)
-{
-    for (int first = 0; first < names.size(); first += MaxNamesOfStatement) {
-        if (!read(names.mid(first, MaxNamesOfStatement)))
-            return false;
-    }
-    return true;
-}
-
-void bindAll(DatabaseStatement &statement, const QStringList &names)
-{
-    for (const QString &name : names)
-        statement.bind(name);
+    return QLatin1Char('(') + QStringLiteral("?,").repeated(count).chopped(1) + QLatin1Char(')');
 }
 
 } // namespace
@@ -44,6 +26,24 @@ ItemRows::ItemRows(const QSqlDatabase &database, const ItemTable &table)
 DatabaseStatement ItemRows::statement(const QString &sql, EasAccountId accountId) const
 {
     return DatabaseStatement(mDatabase, sql.arg(QLatin1String(mTable.name)).arg(accountId));
+}
+
+Lookup<ItemRows::Map> ItemRows::named(const QString &sql, EasAccountId accountId, const QStringList &names,
+    int keyColumn, const char *failure) const
+{
+    Map map;
+    for (int first = 0; first < names.size(); first += MaxNamesOfStatement) {
+        const QStringList part = names.mid(first, MaxNamesOfStatement);
+        DatabaseStatement select =
+            statement(QString(sql).replace(QLatin1String("%3"), places(part.size())), accountId);
+        for (int times = sql.count(QLatin1String("%3")); times > 0; --times) {
+            for (const QString &name : part)
+                select.bind(name);
+        }
+        if (!DatabaseReading::addToMap(select, keyColumn, failure, &map))
+            return Lookup<Map>::unread();
+    }
+    return map;
 }
 
 bool ItemRows::remove(EasAccountId accountId, const QStringList &serverIds) const
@@ -83,21 +83,11 @@ Lookup<ItemRows::Map> ItemRows::serverToLocalIds(EasAccountId accountId) const
 
 Lookup<ItemRows::Map> ItemRows::serverToLocalIds(EasAccountId accountId, const QStringList &serverIds) const
 {
-    Map ids;
-    const bool complete = inParts(serverIds, [&](const QStringList &part) {
-        const QString named = places(part.size());
-        DatabaseStatement select = statement(
-            QStringLiteral("SELECT server_id, local_id FROM %1 WHERE account_id=%2 AND (server_id IN (")
-                + named
-                + QStringLiteral(") OR local_id IN (SELECT local_id FROM %1 WHERE account_id=%2"
-                                 " AND local_id<>'' AND server_id IN (")
-                + named + QStringLiteral(")))"),
-            accountId);
-        bindAll(select, part);
-        bindAll(select, part);
-        return DatabaseReading::addToMap(select, 0, mTable.cantQuery, &ids);
-    });
-    return complete ? Lookup<Map>(ids) : Lookup<Map>::unread();
+    return named(
+        QStringLiteral("SELECT server_id, local_id FROM %1 WHERE account_id=%2 AND (server_id IN %3 OR "
+                       "local_id IN (SELECT local_id FROM %1 WHERE account_id=%2 AND local_id<>'' AND "
+                       "server_id IN %3))"),
+        accountId, serverIds, 0, mTable.cantQuery);
 }
 
 Lookup<ItemRows::Map> ItemRows::localToServerIds(EasAccountId accountId) const
@@ -109,16 +99,8 @@ Lookup<ItemRows::Map> ItemRows::localToServerIds(EasAccountId accountId) const
 
 Lookup<ItemRows::Map> ItemRows::localToServerIds(EasAccountId accountId, const QStringList &localIds) const
 {
-    Map ids;
-    const bool complete = inParts(localIds, [&](const QStringList &part) {
-        DatabaseStatement select = statement(
-            QStringLiteral("SELECT server_id, local_id FROM %1 WHERE account_id=%2 AND local_id IN (")
-                + places(part.size()) + QLatin1Char(')'),
-            accountId);
-        bindAll(select, part);
-        return DatabaseReading::addToMap(select, 1, mTable.cantQueryByLocalId, &ids);
-    });
-    return complete ? Lookup<Map>(ids) : Lookup<Map>::unread();
+    return named(QStringLiteral("SELECT server_id, local_id FROM %1 WHERE account_id=%2 AND local_id IN %3"),
+        accountId, localIds, 1, mTable.cantQueryByLocalId);
 }
 
 Lookup<ItemRows::Map> ItemRows::collectionIds(EasAccountId accountId) const
@@ -130,16 +112,9 @@ Lookup<ItemRows::Map> ItemRows::collectionIds(EasAccountId accountId) const
 
 Lookup<ItemRows::Map> ItemRows::collectionIds(EasAccountId accountId, const QStringList &serverIds) const
 {
-    Map collections;
-    const bool complete = inParts(serverIds, [&](const QStringList &part) {
-        DatabaseStatement select = statement(
-            QStringLiteral("SELECT server_id, collection_id FROM %1 WHERE account_id=%2 AND server_id IN (")
-                + places(part.size()) + QLatin1Char(')'),
-            accountId);
-        bindAll(select, part);
-        return DatabaseReading::addToMap(select, 0, mTable.cantQuery, &collections);
-    });
-    return complete ? Lookup<Map>(collections) : Lookup<Map>::unread();
+    return named(
+        QStringLiteral("SELECT server_id, collection_id FROM %1 WHERE account_id=%2 AND server_id IN %3"),
+        accountId, serverIds, 0, mTable.cantQuery);
 }
 
 Lookup<QString> ItemRows::collectionId(EasAccountId accountId, const QString &serverId) const

@@ -53,6 +53,13 @@ protected:
     /** A statement whose "%1" is the table and "%2" the account. */
     DatabaseStatement statement(const QString &sql, EasAccountId accountId) const;
 
+    /**
+     * Two columns of the rows that the names tell, in as few statements as possible: "%3" in the statement
+     * stands for "(name, name)" and may be there more than once.
+     */
+    Lookup<Map> named(const QString &sql, EasAccountId accountId, const QStringList &names, int keyColumn,
+        const char *failure) const;
+
 private:
     const QSqlDatabase &mDatabase;
     const ItemTable &mTable;
