@@ -48,25 +48,6 @@ QSharedPointer<AirSyncBasePreference> bodyPreference(EasBodyContainer::BodyType 
     return preference;
 }
 
-/** Bytes of an item on its way, about. */
-qint64 sizeOf(const EasEmailItem &item)
-{
-    return item.body().data().size();
-}
-
-qint64 sizeOf(const EasContactsItem &item)
-{
-    return item.picture().size() + item.body().data().size();
-}
-
-qint64 sizeOf(const EasCalendarItem &item)
-{
-    qint64 size = item.body().data().size();
-    for (const EasAttachmentContainer &attachment : item.attachments())
-        size += attachment.estimatedDataSize();
-    return size;
-}
-
 template <typename Command, typename Items, typename Setter>
 void appendCommand(SyncCollection &collection, const Items &items, Setter setter)
 {
@@ -183,7 +164,7 @@ template <typename Item> void SyncCollectionBuilder::keepWhatFits(QList<Item> &i
     for (const Item &item : qAsConst(items)) {
         if (!mBudget.take(item.localId()))
             continue;
-        mBudget.setBytes(item.localId(), sizeOf(item));
+        mBudget.note(item);
         kept.append(item);
     }
     items = kept;
@@ -205,9 +186,7 @@ bool SyncCollectionBuilder::collectLocalChanges(SyncCollection &collection, cons
         return appendMailChanges(collection, folder);
     if (folder.isCalendar())
         return appendCalendarChanges(collection, folder);
-    if (folder.isContacts())
-        appendContactChanges(collection, folder);
-    return true;
+    return !folder.isContacts() || appendContactChanges(collection, folder);
 }
 
 bool SyncCollectionBuilder::appendMailChanges(SyncCollection &collection, const EasFolderItem &folder)
@@ -236,20 +215,21 @@ bool SyncCollectionBuilder::appendMailChanges(SyncCollection &collection, const 
     return true;
 }
 
-void SyncCollectionBuilder::appendContactChanges(SyncCollection &collection, const EasFolderItem &folder)
+bool SyncCollectionBuilder::appendContactChanges(SyncCollection &collection, const EasFolderItem &folder)
 {
     const auto configuration = mAccount.contactsConfiguration();
     const QSharedPointer<ContactStorage> storage = mAccount.contactStorage();
     if (!configuration)
         qCWarning(eas()) << "contacts config is null";
     if (!configuration || !configuration->syncLocalContacts() || !storage)
-        return;
+        return true;
     QList<EasContactsItem> added;
     QList<EasContactsItem> changed;
     QStringList deleted;
-    if (!storage->queryChanges(folder, &added, &changed, &deleted, &mBudget)) {
+    const LocalQuery answer = storage->queryChanges(folder, &added, &changed, &deleted, &mBudget);
+    if (answer != LocalQuery::Answered) {
         qCWarning(eas()) << "Failed to retreive changes in local contacts";
-        return;
+        return answer != LocalQuery::MappingFailed;
     }
     keepWhatFits(added);
     keepWhatFits(changed);
@@ -257,6 +237,7 @@ void SyncCollectionBuilder::appendContactChanges(SyncCollection &collection, con
     appendCommand<SyncCommandAdd>(collection, added, &SyncCommandAdd::setContactItems);
     appendCommand<SyncCommandChange>(collection, changed, &SyncCommandChange::setContactItems);
     appendCommand<SyncCommandDelete>(collection, deleted, &SyncCommandDelete::setServerIds);
+    return true;
 }
 
 bool SyncCollectionBuilder::appendCalendarChanges(SyncCollection &collection, const EasFolderItem &folder)
@@ -270,14 +251,13 @@ bool SyncCollectionBuilder::appendCalendarChanges(SyncCollection &collection, co
     if (!localFolders)
         return false;
     const QString localFolder = localFolders->value(folder.serverId());
-    if (localFolder.isEmpty())
-        qCWarning(eas()) << "No local folder for serverId:" << folder.serverId();
-    else
-        appendCalendarChanges(collection, *storage, localFolder);
+    if (!localFolder.isEmpty())
+        return appendCalendarChanges(collection, *storage, localFolder);
+    qCWarning(eas()) << "No local folder for serverId:" << folder.serverId();
     return true;
 }
 
-void SyncCollectionBuilder::appendCalendarChanges(
+bool SyncCollectionBuilder::appendCalendarChanges(
     SyncCollection &collection, CalendarStorage &storage, const QString &localFolder)
 {
     qint64 time = 0;
@@ -285,10 +265,12 @@ void SyncCollectionBuilder::appendCalendarChanges(
     QList<EasCalendarItem> added;
     QList<EasCalendarItem> changed;
     QStringList deleted;
-    if (!storage.syncTime(localFolder, time)
-        || !storage.queryLocalUpdates(localFolder, time + 1, newTime, added, changed, deleted)) {
+    const LocalQuery answer = storage.syncTime(localFolder, time)
+        ? storage.queryLocalUpdates(localFolder, time + 1, newTime, added, changed, deleted, &mBudget)
+        : LocalQuery::StoreSilent;
+    if (answer != LocalQuery::Answered) {
         qCWarning(eas()) << "Failed querying local updates";
-        return;
+        return answer != LocalQuery::MappingFailed;
     }
     UploadProgress &progress = mState.uploads[collection.id()];
     // What is changed between two parts is not looked for in the later one.
@@ -319,6 +301,7 @@ void SyncCollectionBuilder::appendCalendarChanges(
         command->setInstanceIds(deletedOccurrences);
         collection.appendCommand(command);
     }
+    return true;
 }
 
 void SyncCollectionBuilder::deferNewExceptions(

@@ -40,9 +40,9 @@ private:
     template <typename Item> void keepWhatFits(QList<Item> &items);
     void keepWhatFits(QStringList &deletedServerIds);
     bool appendMailChanges(SyncCollection &collection, const EasFolderItem &folder);
-    void appendContactChanges(SyncCollection &collection, const EasFolderItem &folder);
+    bool appendContactChanges(SyncCollection &collection, const EasFolderItem &folder);
     bool appendCalendarChanges(SyncCollection &collection, const EasFolderItem &folder);
-    void appendCalendarChanges(
+    bool appendCalendarChanges(
         SyncCollection &collection, CalendarStorage &storage, const QString &localFolder);
     void deferNewExceptions(const SyncCollection &collection, const QList<EasCalendarItem> &added);
     static QList<QPair<QString, QString>> takeDeletedOccurrences(QList<EasCalendarItem> &changed);

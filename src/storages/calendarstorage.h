@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include "storages/localquery.h"
+
 #include <QDateTime>
 #include <QList>
 #include <QObject>
@@ -9,6 +11,7 @@
 
 class EasCalendarItem;
 class EasFolderItem;
+class UploadBudget;
 
 /**
  * The device's calendar store as the requests see it: calendar folders and events of one account.
@@ -39,9 +42,10 @@ public:
         const QString &folderServerId, const QList<QPair<QString, QString>> &instances) = 0;
 
     /** Local changes of a folder made from one time (seconds since the epoch) on; newTime is where the next
-     * query starts. */
-    virtual bool queryLocalUpdates(const QString &localFolderId, qint64 from, qint64 &newTime,
-        QList<EasCalendarItem> &added, QList<EasCalendarItem> &changed, QStringList &deletedServerIds) = 0;
+     * query starts. With a budget, what does not fit is left out before it is read. */
+    virtual LocalQuery queryLocalUpdates(const QString &localFolderId, qint64 from, qint64 &newTime,
+        QList<EasCalendarItem> &added, QList<EasCalendarItem> &changed, QStringList &deletedServerIds,
+        UploadBudget *budget = nullptr) = 0;
 
     /** Seconds since the epoch up to which the folder's local changes are known to the server. */
     virtual bool syncTime(const QString &localFolderId, qint64 &time) = 0;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "common/easaccountid.h"
+#include "storages/localquery.h"
 
 #include <QList>
 #include <QObject>
@@ -35,7 +36,7 @@ public:
         QList<EasContactsItem> &changed, const QStringList &deleted) = 0;
     virtual bool cleanUpFolder(const EasFolderItem &folder) = 0;
     /** With a budget, what does not fit is left out before it is read. */
-    virtual bool queryChanges(const EasFolderItem &folder, QList<EasContactsItem> *added,
+    virtual LocalQuery queryChanges(const EasFolderItem &folder, QList<EasContactsItem> *added,
         QList<EasContactsItem> *changed, QStringList *deletedServerIds, UploadBudget *budget = nullptr) = 0;
     virtual bool uploadedLocalChanges(const QStringList &addedLocalIds, const QStringList &changedLocalIds,
         const QStringList &deletedLocalIds) = 0;

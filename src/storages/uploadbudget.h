@@ -5,6 +5,10 @@
 #include <QSet>
 #include <QString>
 
+class EasCalendarItem;
+class EasContactsItem;
+class EasEmailItem;
+
 /**
  * What still fits into one Sync of the local changes that wait for the server.
  *
@@ -29,8 +33,10 @@ public:
     bool take(const QString &id);
     /** The name of a deletion, whose item is not in the store any more. */
     static QString deletion(const QString &serverId) { return QLatin1Char('-') + serverId; }
-    /** Notes how long a change is that was taken; the last word about it counts. */
-    void setBytes(const QString &id, qint64 bytes);
+    /** Notes how long a change is that was taken, about; the last word about it counts. */
+    void note(const EasEmailItem &item);
+    void note(const EasContactsItem &item);
+    void note(const EasCalendarItem &item);
 
     bool isSpent() const { return mChanges >= MostChanges || mBytes >= MostBytes; }
     /** Whether a change of the folder did not fit. */
@@ -39,6 +45,8 @@ public:
     QSet<QString> taken() const { return mTaken; }
 
 private:
+    void setBytes(const QString &id, qint64 bytes);
+
     QSet<QString> mSent;
     QSet<QString> mTaken;
     QHash<QString, qint64> mBytesTaken;

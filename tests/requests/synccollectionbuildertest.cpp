@@ -225,13 +225,13 @@ private Q_SLOTS:
     void aQueryThatFailsSendsNothing()
     {
         const LogCollector log;
-        mCalendar->answersQueries = false;
+        mCalendar->answersQueries = LocalQuery::StoreSilent;
         mCalendar->newTime = 200;
         mCalendar->localAdded = { item<EasCalendarItem>("new") };
         QVERIFY(types(calendar()).isEmpty());
         QCOMPARE(calendar().queryTime(), qint64(0));
         QVERIFY(log.contains(QtWarningMsg, { QStringLiteral("Failed querying local updates") }));
-        mContacts->answersQueries = false;
+        mContacts->answersQueries = LocalQuery::StoreSilent;
         mContacts->localAdded = { item<EasContactsItem>("new") };
         QVERIFY(types(contacts()).isEmpty());
         QVERIFY(
@@ -244,6 +244,15 @@ private Q_SLOTS:
         SyncCollectionBuilder builder(*mAccount, mState);
         QVERIFY(!builder.setupSyncCollection(folder("9", EasFolderItem::DefaultCalendarFolder)));
         QVERIFY(builder.setupSyncCollection(folder("3", EasFolderItem::DefaultContactsFolder)));
+    }
+
+    void aStoreThatCannotReadTheMappingGivesNoCollection()
+    {
+        SyncCollectionBuilder builder(*mAccount, mState);
+        mCalendar->answersQueries = LocalQuery::MappingFailed;
+        QVERIFY(!builder.setupSyncCollection(folder("9", EasFolderItem::DefaultCalendarFolder)));
+        mContacts->answersQueries = LocalQuery::MappingFailed;
+        QVERIFY(!builder.setupSyncCollection(folder("3", EasFolderItem::DefaultContactsFolder)));
     }
 
     void aFolderWithoutALocalOneSendsNothing()

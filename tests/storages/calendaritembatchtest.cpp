@@ -130,7 +130,8 @@ private Q_SLOTS:
         QList<EasCalendarItem> added;
         QList<EasCalendarItem> changed;
         QStringList deleted;
-        QVERIFY(!mBed->storage->queryLocalUpdates(mBed->notebookUid(), 0, time, added, changed, deleted));
+        QCOMPARE(mBed->storage->queryLocalUpdates(mBed->notebookUid(), 0, time, added, changed, deleted),
+            LocalQuery::MappingFailed);
         QVERIFY(!mBed->storage->updateItems(added = { mBed->item() }, changed, {}, deleted));
         QVERIFY(execute(QStringLiteral("ALTER TABLE away RENAME TO calendar")));
         QCOMPARE(mBed->events().size(), 1);
@@ -250,7 +251,8 @@ private Q_SLOTS:
         QList<EasCalendarItem> updated;
         QStringList deleted;
         qint64 time = 0;
-        QVERIFY(mBed->storage->queryLocalUpdates(mBed->notebookUid(), 0, time, added, updated, deleted));
+        QCOMPARE(mBed->storage->queryLocalUpdates(mBed->notebookUid(), 0, time, added, updated, deleted),
+            LocalQuery::Answered);
         QCOMPARE(updated.size(), 1);
         QCOMPARE(updated.constFirst().subject(), QStringLiteral("Edited at once"));
     }
@@ -470,7 +472,8 @@ private:
         QList<EasCalendarItem> changed;
         QStringList deleted;
         if (!mBed->storage->syncTime(mBed->notebookUid(), from)
-            || !mBed->storage->queryLocalUpdates(mBed->notebookUid(), from, time, added, changed, deleted))
+            || mBed->storage->queryLocalUpdates(mBed->notebookUid(), from, time, added, changed, deleted)
+                != LocalQuery::Answered)
             return { QStringLiteral("failed") };
         QStringList lines;
         for (const EasCalendarItem &item : qAsConst(added))

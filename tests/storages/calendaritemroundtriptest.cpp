@@ -353,7 +353,8 @@ private:
         QList<EasCalendarItem> changed;
         QStringList deleted;
         if (!bed.storage->syncTime(bed.notebookUid(), from)
-            || !bed.storage->queryLocalUpdates(bed.notebookUid(), from, time, added, changed, deleted))
+            || bed.storage->queryLocalUpdates(bed.notebookUid(), from, time, added, changed, deleted)
+                != LocalQuery::Answered)
             qFatal("no answer");
         return added + changed;
     }

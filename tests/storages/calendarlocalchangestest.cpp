@@ -3,6 +3,8 @@
 
 #include "storages/calendar/calendarlocalchecks.h"
 #include "storages/calendar/calendartimestamps.h"
+#include "storages/uploadbudget.h"
+#include "support/hiddentable.h"
 #include "support/logcollector.h"
 #include "support/testmain.h"
 
@@ -28,7 +30,7 @@ private Q_SLOTS:
         // Stored by a sync after the time of the last one, as everything that a sync brings.
         QVERIFY(mScene->saveSynced(event(QStringLiteral("event-2"), mLastSync + 5), QStringLiteral("f1:2")));
         const Found found = query();
-        QVERIFY(found.done && found.isEmpty());
+        QVERIFY(found.answer == LocalQuery::Answered && found.isEmpty());
         QVERIFY(!mChanges->hasLocalUpdates(mScene->notebookUid, mLastSync));
     }
 
@@ -100,7 +102,7 @@ private Q_SLOTS:
             std::reverse(order.begin(), order.end());
         for (const QString &folder : qAsConst(order)) {
             Found found = queryFolder(folder);
-            QVERIFY(found.done && found.updated.isEmpty());
+            QVERIFY(found.answer == LocalQuery::Answered && found.updated.isEmpty());
             if (folder == second) {
                 QVERIFY(found.deleted.isEmpty());
                 QCOMPARE(found.added.size(), 1);
@@ -144,7 +146,7 @@ private Q_SLOTS:
     {
         CalendarTimestamps timestamps(mScene->context);
         QVERIFY(mScene->saveSynced(event(QStringLiteral("event-1")), QStringLiteral("f1:1")));
-        QVERIFY(timestamps.updateTimestampCache(mScene->notebookUid));
+        QCOMPARE(timestamps.updateTimestampCache(mScene->notebookUid), LocalQuery::Answered);
         const CalendarLocalChecks checks(timestamps);
         const Incidence::Ptr todo(new KCalendarCore::Todo);
         todo->setUid(QStringLiteral("to-do"));
@@ -288,8 +290,9 @@ private Q_SLOTS:
     {
         LogCollector log;
         Found found;
-        QVERIFY(!mChanges->queryLocalUpdates(
-            QStringLiteral("f9"), 0, found.queryTime, found.added, found.updated, found.deleted));
+        QCOMPARE(mChanges->queryLocalUpdates(
+                     QStringLiteral("f9"), 0, found.queryTime, found.added, found.updated, found.deleted),
+            LocalQuery::StoreSilent);
         QVERIFY(log.contains(QStringLiteral("No notebook ID:")));
         QVERIFY(!mChanges->touchItems(QStringLiteral("f9"), {}));
         QVERIFY(!mChanges->setSyncTime(QString(), 1));
@@ -299,7 +302,7 @@ private Q_SLOTS:
             { QStringLiteral("notebook pointer is null for local id"), QStringLiteral("no notebook"),
                 QStringLiteral(", refusing to setSyncTime") }));
         mScene->configuration->isEnabled = false;
-        QVERIFY(!query().done);
+        QCOMPARE(query().answer, LocalQuery::StoreSilent);
         QVERIFY(!mChanges->touchItems(mScene->folder, {}));
         QCOMPARE(log.count(QStringLiteral("Calendar sync disabled")), 2);
         QVERIFY(!mChanges->setSyncTime(mScene->notebookUid, 1));
@@ -364,13 +367,41 @@ private Q_SLOTS:
     void aMappingThatCannotBeReadStopsTheSearch()
     {
         QVERIFY(mScene->save(event(QStringLiteral("event-1"), mLastSync + 10)));
-        QSqlQuery rename(QSqlDatabase::database(QStringLiteral("fennel-eas-db")));
-        QVERIFY(rename.exec(QStringLiteral("ALTER TABLE calendar RENAME TO hidden")));
-        LogCollector log;
+        const HiddenTable hidden("calendar");
         const Found found = query();
-        QVERIFY(rename.exec(QStringLiteral("ALTER TABLE hidden RENAME TO calendar")));
-        QVERIFY(!found.done);
+        QCOMPARE(found.answer, LocalQuery::MappingFailed);
         QVERIFY(found.isEmpty());
+    }
+
+    void foldersThatCannotBeReadStopTheSearch()
+    {
+        const HiddenTable hidden("collections");
+        QCOMPARE(query().answer, LocalQuery::MappingFailed);
+    }
+
+    void whatDoesNotFitIsLeftForTheNextSearch()
+    {
+        QVERIFY(mScene->save(event(QStringLiteral("new-event-1"), mLastSync + 10)));
+        QVERIFY(mScene->save(event(QStringLiteral("new-event-2"), mLastSync + 10)));
+        QVERIFY(saveSeries());
+        QVERIFY(mScene->addException(QStringLiteral("series-1"), 2, QStringLiteral("moved")));
+        QVERIFY(mScene->addException(QStringLiteral("series-1"), 3, QStringLiteral("moved as well")));
+        UploadBudget budget;
+        for (int number = 1; number < UploadBudget::MostChanges; ++number)
+            QVERIFY(budget.take(QStringLiteral("of another folder ") + QString::number(number)));
+        budget.beginFolder({});
+        const Found first = query(0, &budget);
+        QCOMPARE(first.added.size() + first.updated.size(), 1);
+        QVERIFY(budget.hasLeftOut());
+
+        UploadBudget next;
+        next.beginFolder(budget.taken());
+        const Found second = query(0, &next);
+        QCOMPARE(second.added.size() + second.updated.size(), 2);
+        QVERIFY(!next.hasLeftOut());
+        const QList<EasCalendarItem> series = first.updated + second.updated;
+        QCOMPARE(series.size(), 1);
+        QCOMPARE(series.constFirst().exceptions().size(), 2);
     }
 
     void theSearchTellsWhenItWas()
@@ -385,11 +416,11 @@ private Q_SLOTS:
         QCOMPARE(CalendarTimestamps::timeToStamp(QDateTime()), EasDatabase::TimestampInvalid);
         QCOMPARE(CalendarTimestamps::timeToStamp(QDateTime::fromSecsSinceEpoch(5)), 5u);
         CalendarTimestamps timestamps(mScene->context);
-        QVERIFY(timestamps.updateTimestampCache(mScene->notebookUid));
+        QCOMPARE(timestamps.updateTimestampCache(mScene->notebookUid), LocalQuery::Answered);
         QCOMPARE(timestamps.eventTimestamp(QStringLiteral("nobody")), EasDatabase::TimestampInvalid);
         QVERIFY(saveSeries());
         QVERIFY(mScene->addException(QStringLiteral("series-1"), 2, QStringLiteral("later")));
-        QVERIFY(timestamps.updateTimestampCache(mScene->notebookUid));
+        QCOMPARE(timestamps.updateTimestampCache(mScene->notebookUid), LocalQuery::Answered);
         QCOMPARE(timestamps.eventTimestamp(QStringLiteral("series-1")), 1700000000u);
         QCOMPARE(timestamps.storedTimestamp(QStringLiteral("series-1")), 1600000000u);
     }

@@ -3,6 +3,7 @@
 #include "protocol/wbxml/wbxmltokens.h"
 #include "storages/uploadbudget.h"
 #include "support/contactaccount.h"
+#include "support/hiddentable.h"
 #include "support/logcollector.h"
 #include "support/testmain.h"
 #include "support/testpictures.h"
@@ -83,7 +84,8 @@ private Q_SLOTS:
         QList<EasContactsItem> added;
         QList<EasContactsItem> changed;
         QStringList deleted;
-        QVERIFY(account.storage().queryChanges(account.folder(), &added, &changed, &deleted));
+        QCOMPARE(account.storage().queryChanges(account.folder(), &added, &changed, &deleted),
+            LocalQuery::Answered);
         const EasContactsItem item = changed.value(0);
         QCOMPARE(item.collectionId(), account.folderId());
         QCOMPARE(item.localId(), account.contact(QStringLiteral("1")).id().toString());
@@ -170,7 +172,8 @@ private Q_SLOTS:
         QList<EasContactsItem> added;
         QList<EasContactsItem> changed;
         QStringList deleted;
-        QVERIFY(account.storage().queryChanges(account.folder(), &added, &changed, &deleted));
+        QCOMPARE(account.storage().queryChanges(account.folder(), &added, &changed, &deleted),
+            LocalQuery::Answered);
         QCOMPARE(changed.size(), 2);
         const QList<uint> picture { Wbxml::Contacts::Picture.key() };
         for (const EasContactsItem &item : qAsConst(changed)) {
@@ -184,7 +187,8 @@ private Q_SLOTS:
         // Once is enough.
         rename(account, contact.id(), QStringLiteral("Again"));
         changed.clear();
-        QVERIFY(account.storage().queryChanges(account.folder(), &added, &changed, &deleted));
+        QCOMPARE(account.storage().queryChanges(account.folder(), &added, &changed, &deleted),
+            LocalQuery::Answered);
         for (const EasContactsItem &item : qAsConst(changed))
             QCOMPARE(item.changedFields(), QList<uint>());
     }
@@ -207,7 +211,8 @@ private Q_SLOTS:
         QList<EasContactsItem> added;
         QList<EasContactsItem> changed;
         QStringList deleted;
-        QVERIFY(account.storage().queryChanges(account.folder(), &added, &changed, &deleted, &budget));
+        QCOMPARE(account.storage().queryChanges(account.folder(), &added, &changed, &deleted, &budget),
+            LocalQuery::Answered);
         QCOMPARE(changed.size(), 1);
         QVERIFY(budget.hasLeftOut());
 
@@ -215,11 +220,24 @@ private Q_SLOTS:
         next.beginFolder(budget.taken());
         const QString gone = changed.first().localId();
         changed.clear();
-        QVERIFY(account.storage().queryChanges(account.folder(), &added, &changed, &deleted, &next));
+        QCOMPARE(account.storage().queryChanges(account.folder(), &added, &changed, &deleted, &next),
+            LocalQuery::Answered);
         QCOMPARE(changed.size(), 2);
         for (const EasContactsItem &item : qAsConst(changed))
             QVERIFY(item.localId() != gone);
         QVERIFY(!next.hasLeftOut());
+    }
+
+    void rowsThatCannotBeReadStopTheSearch()
+    {
+        ContactAccount account;
+        account.addFolder();
+        const HiddenTable hidden("contacts");
+        QList<EasContactsItem> added;
+        QList<EasContactsItem> changed;
+        QStringList deleted;
+        QCOMPARE(account.storage().queryChanges(account.folder(), &added, &changed, &deleted),
+            LocalQuery::MappingFailed);
     }
 
     void rubbishIsNoIdentifier()

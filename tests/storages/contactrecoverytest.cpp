@@ -374,7 +374,8 @@ private Q_SLOTS:
         QList<EasContactsItem> added;
         QList<EasContactsItem> changed;
         QStringList deleted;
-        QVERIFY(account.storage().queryChanges(account.folder(), &added, &changed, &deleted));
+        QCOMPARE(account.storage().queryChanges(account.folder(), &added, &changed, &deleted),
+            LocalQuery::Answered);
         QCOMPARE(changed.value(0).firstName(), QStringLiteral("Edited"));
         QCOMPARE(changed.value(0).yomiFirstName(), QStringLiteral("あだ"));
         QCOMPARE(changed.value(0).yomiLastName(), QStringLiteral("らぶれす"));

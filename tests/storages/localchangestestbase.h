@@ -18,7 +18,7 @@ protected:
     /** What one search finds. */
     struct Found
     {
-        bool done = false;
+        LocalQuery answer = LocalQuery::StoreSilent;
         qint64 queryTime = 0;
         QList<EasCalendarItem> added;
         QList<EasCalendarItem> updated;
@@ -32,13 +32,16 @@ protected:
     /** Between the time of the synced events and that of the user's edits. */
     const qint64 mLastSync = 1650000000;
 
-    Found query(qint64 after = 0) { return queryFolder(mScene->folder, after); }
+    Found query(qint64 after = 0, UploadBudget *budget = nullptr)
+    {
+        return queryFolder(mScene->folder, after, budget);
+    }
 
-    Found queryFolder(const QString &folder, qint64 after = 0)
+    Found queryFolder(const QString &folder, qint64 after = 0, UploadBudget *budget = nullptr)
     {
         Found found;
-        found.done = mChanges->queryLocalUpdates(folder, after == 0 ? mLastSync : after, found.queryTime,
-            found.added, found.updated, found.deleted);
+        found.answer = mChanges->queryLocalUpdates(folder, after == 0 ? mLastSync : after, found.queryTime,
+            found.added, found.updated, found.deleted, budget);
         return found;
     }
 

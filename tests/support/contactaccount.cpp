@@ -134,7 +134,7 @@ QString ContactAccount::localChanges(const QString &folderServerId)
     QList<EasContactsItem> added;
     QList<EasContactsItem> changed;
     QStringList deleted;
-    if (!mStorage->queryChanges(folder(folderServerId), &added, &changed, &deleted))
+    if (mStorage->queryChanges(folder(folderServerId), &added, &changed, &deleted) != LocalQuery::Answered)
         return QStringLiteral("failed");
     const auto text = [](const QList<EasContactsItem> &items) {
         QStringList names;

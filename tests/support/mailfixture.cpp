@@ -34,10 +34,10 @@ bool FakeCalendarStorage::updateItems(
     return true;
 }
 
-bool FakeCalendarStorage::queryLocalUpdates(
-    const QString &, qint64, qint64 &, QList<EasCalendarItem> &, QList<EasCalendarItem> &, QStringList &)
+LocalQuery FakeCalendarStorage::queryLocalUpdates(const QString &, qint64, qint64 &, QList<EasCalendarItem> &,
+    QList<EasCalendarItem> &, QStringList &, UploadBudget *)
 {
-    return true;
+    return LocalQuery::Answered;
 }
 
 bool FakeCalendarStorage::uploadedLocalChanges(

@@ -21,8 +21,8 @@ public:
     bool updateItems(
         QList<EasCalendarItem> &, QList<EasCalendarItem> &, const QStringList &, QStringList &) override;
     bool touchItems(const QString &, const QList<QPair<QString, QString>> &) override { return true; }
-    bool queryLocalUpdates(const QString &, qint64, qint64 &, QList<EasCalendarItem> &,
-        QList<EasCalendarItem> &, QStringList &) override;
+    LocalQuery queryLocalUpdates(const QString &, qint64, qint64 &, QList<EasCalendarItem> &,
+        QList<EasCalendarItem> &, QStringList &, UploadBudget *) override;
     bool syncTime(const QString &, qint64 &) override { return true; }
     bool setSyncTime(const QString &, qint64) override { return true; }
     bool cleanUpFolder(const EasFolderItem &) override { return true; }

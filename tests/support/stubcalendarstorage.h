@@ -23,7 +23,7 @@ public:
     QStringList calls;
     bool takesUploads = true;
     bool takesItems = true;
-    bool answersQueries = true;
+    LocalQuery answersQueries = LocalQuery::Answered;
     qint64 time = 0;
     qint64 newTime = 0;
     QList<EasCalendarItem> localAdded;
@@ -56,8 +56,9 @@ public:
         note(call);
         return takesItems;
     }
-    bool queryLocalUpdates(const QString &folder, qint64 from, qint64 &until, QList<EasCalendarItem> &added,
-        QList<EasCalendarItem> &changed, QStringList &deleted) override
+    LocalQuery queryLocalUpdates(const QString &folder, qint64 from, qint64 &until,
+        QList<EasCalendarItem> &added, QList<EasCalendarItem> &changed, QStringList &deleted,
+        UploadBudget *) override
     {
         note(QStringLiteral("query %1 %2").arg(folder).arg(from));
         added = localAdded;

@@ -22,7 +22,7 @@ public:
     QStringList calls;
     bool takesUploads = true;
     bool takesItems = true;
-    bool answersQueries = true;
+    LocalQuery answersQueries = LocalQuery::Answered;
     bool settlesFolders = true;
     QList<EasContactsItem> localAdded;
     QList<EasContactsItem> localChanged;
@@ -49,7 +49,7 @@ public:
         return takesItems;
     }
     bool cleanUpFolder(const EasFolderItem &) override { return true; }
-    bool queryChanges(const EasFolderItem &folder, QList<EasContactsItem> *added,
+    LocalQuery queryChanges(const EasFolderItem &folder, QList<EasContactsItem> *added,
         QList<EasContactsItem> *changed, QStringList *deleted, UploadBudget *) override
     {
         note(QStringLiteral("query ") + folder.serverId());

@@ -211,7 +211,7 @@ std::optional<QList<EasAttachmentContainer>> CalendarAttachmentService::handleLo
     return containers;
 }
 
-void CalendarAttachmentService::processLocallyAddedAttachments(
+bool CalendarAttachmentService::processLocallyAddedAttachments(
     const QString &eventKey, QList<EasAttachmentContainer> &attachments)
 {
     EasDatabase *database = EasDatabase::instance();
@@ -227,21 +227,27 @@ void CalendarAttachmentService::processLocallyAddedAttachments(
                 << QStringLiteral("Failed to process one calendar attachment, for event with ID: %1 cause "
                                   "it's contentID is empty!")
                        .arg(eventKey);
-        } else if (database->isCalendarAttachmentExists(eventKey, contentId).valueOr(Existence::Missing)
-            == Existence::Present) {
-            qCDebug(eas()) << "Attachment for event:" << eventKey << "and attachemnt, content ID" << contentId
-                           << "already exists. Skipping it.";
         } else {
+            const Lookup<Existence> row = database->isCalendarAttachmentExists(eventKey, contentId);
+            if (!row)
+                return false;
+            if (*row == Existence::Present) {
+                qCDebug(eas()) << "Attachment for event:" << eventKey << "and attachemnt, content ID"
+                               << contentId << "already exists. Skipping it.";
+                continue;
+            }
             qCDebug(eas()) << "Preparing new attachment for the 'new attachment' request."
                            << "For event:" << eventKey << "and attachemnt, content ID" << contentId;
-            if (database->addCalendarAttachment(eventKey, attachment))
-                added.append(attachment);
+            if (!database->addCalendarAttachment(eventKey, attachment))
+                return false;
+            added.append(attachment);
         }
     }
     attachments = added;
+    return true;
 }
 
-QList<EasAttachmentContainer> CalendarAttachmentService::processLocallyDeletedAttachments(
+Lookup<QList<EasAttachmentContainer>> CalendarAttachmentService::processLocallyDeletedAttachments(
     const QString &eventKey, const QList<EasAttachmentContainer> &attachments)
 {
     EasDatabase *database = EasDatabase::instance();
@@ -249,8 +255,10 @@ QList<EasAttachmentContainer> CalendarAttachmentService::processLocallyDeletedAt
     for (const EasAttachmentContainer &attachment : attachments)
         references.append(attachment.fileReference());
     QList<EasAttachmentContainer> deleted;
-    const QList<EasAttachmentContainer> rows = database->getCalendarAttachments(eventKey).valueOr({});
-    for (const EasAttachmentContainer &row : rows) {
+    const Lookup<QList<EasAttachmentContainer>> rows = database->getCalendarAttachments(eventKey);
+    if (!rows)
+        return rows;
+    for (const EasAttachmentContainer &row : *rows) {
         if (row.fileReference().isEmpty()) {
             qCDebug(eas()) << "Failed find if attachment should be deleted, cause fileReference is empty for "
                               "contentId:"
@@ -263,8 +271,9 @@ QList<EasAttachmentContainer> CalendarAttachmentService::processLocallyDeletedAt
                        << "For event:" << eventKey
                        << "and attachemnt with file refernce:" << row.fileReference() << ", content ID"
                        << row.contentId();
-        if (database->deleteCalendarAttachmentByContentId(eventKey, row.contentId()))
-            deleted.append(row);
+        if (!database->deleteCalendarAttachmentByContentId(eventKey, row.contentId()))
+            return Lookup<QList<EasAttachmentContainer>>::unread();
+        deleted.append(row);
     }
     return deleted;
 }
@@ -325,24 +334,23 @@ bool CalendarAttachmentService::saveRemoteAttachment(const QByteArray &data, con
     return false;
 }
 
-void CalendarAttachmentService::forget(const KCalendarCore::Incidence::List &incidences)
+bool CalendarAttachmentService::forget(const KCalendarCore::Incidence::List &incidences)
 {
+    bool forgotten = true;
     for (const KCalendarCore::Incidence::Ptr &incidence : incidences) {
         if (incidence->type() == KCalendarCore::Incidence::TypeEvent)
-            forgetEvent(*incidence.staticCast<Event>());
+            forgotten = forgetEvent(*incidence.staticCast<Event>()) && forgotten;
     }
+    return forgotten;
 }
 
-void CalendarAttachmentService::forgetEvent(const Event &event)
+bool CalendarAttachmentService::forgetEvent(const Event &event)
 {
-    EasDatabase *database = EasDatabase::instance();
-    const QString key = eventKey(event);
-    const QList<EasAttachmentContainer> rows = database->getCalendarAttachments(key).valueOr({});
-    for (const EasAttachmentContainer &row : rows)
-        database->deleteCalendarAttachmentByContentId(key, row.contentId());
+    const bool forgotten = EasDatabase::instance()->deleteCalendarAttachments(eventKey(event));
     const Attachment::List attachments = event.attachments();
     for (const Attachment &attachment : attachments) {
         if (!referenceOf(attachment).isEmpty())
             removeBytes(event, attachment);
     }
+    return forgotten;
 }

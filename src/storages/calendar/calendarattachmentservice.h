@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include "application/base/lookup.h"
 #include "easitems/containers/attachmententity.h"
 
 #include <extendedcalendar.h>
@@ -40,24 +41,24 @@ public:
     std::optional<QList<EasAttachmentContainer>> handleLocalAttachments(
         const KCalendarCore::Event::Ptr &event);
 
-    /** Leaves what is to be uploaded, and enters it in the database. */
-    static void processLocallyAddedAttachments(
+    /** Leaves what is to be uploaded, and enters it in the database. False if the database fails. */
+    static bool processLocallyAddedAttachments(
         const QString &eventKey, QList<EasAttachmentContainer> &attachments);
     /** Those that the database knows and the list does not hold; they leave the database. */
-    static QList<EasAttachmentContainer> processLocallyDeletedAttachments(
+    static Lookup<QList<EasAttachmentContainer>> processLocallyDeletedAttachments(
         const QString &eventKey, const QList<EasAttachmentContainer> &attachments);
 
     /** Stores bytes that were fetched for the attachment with this URI, and touches its event. */
     bool saveRemoteAttachment(const QByteArray &data, const QString &uri, mKCal::ExtendedStorage::Ptr storage,
         mKCal::ExtendedCalendar::Ptr calendar);
 
-    /** Removes the rows and the fetched bytes of events that have gone. */
-    static void forget(const KCalendarCore::Incidence::List &incidences);
+    /** Removes the rows and the fetched bytes of events that have gone. False if the database fails. */
+    static bool forget(const KCalendarCore::Incidence::List &incidences);
 
     static QString fileReference(const QString &uri);
     static int estimatedDataSize(const QString &uri);
     static QString eventKey(const KCalendarCore::Event &event);
 
 private:
-    static void forgetEvent(const KCalendarCore::Event &event);
+    static bool forgetEvent(const KCalendarCore::Event &event);
 };

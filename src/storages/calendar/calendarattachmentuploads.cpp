@@ -7,6 +7,24 @@
 #include <QSet>
 
 #include <algorithm>
+#include <iterator>
+
+namespace {
+
+bool settleDeleted(const QString &eventKey, const QSet<QString> &references)
+{
+    const Lookup<QList<EasAttachmentContainer>> rows =
+        EasDatabase::instance()->getCalendarAttachments(eventKey);
+    if (!rows)
+        return false;
+    QList<EasAttachmentContainer> kept;
+    std::copy_if(rows->cbegin(), rows->cend(), std::back_inserter(kept),
+        [&references](
+            const EasAttachmentContainer &row) { return !references.contains(row.fileReference()); });
+    return bool(CalendarAttachmentService::processLocallyDeletedAttachments(eventKey, kept));
+}
+
+} // namespace
 
 bool CalendarAttachmentUploads::applyAttachments(
     const KCalendarCore::Event::Ptr &event, EasCalendarItem &item)
@@ -42,7 +60,7 @@ bool CalendarAttachmentUploads::applyAttachments(
     return true;
 }
 
-void CalendarAttachmentUploads::settle(const QString &eventKey, const QList<EasAttachmentContainer> &sent)
+bool CalendarAttachmentUploads::settle(const QString &eventKey, const QList<EasAttachmentContainer> &sent)
 {
     QList<EasAttachmentContainer> added;
     QSet<QString> deleted;
@@ -52,15 +70,6 @@ void CalendarAttachmentUploads::settle(const QString &eventKey, const QList<EasA
         else
             deleted.insert(attachment.fileReference());
     }
-    if (!deleted.isEmpty()) {
-        QList<EasAttachmentContainer> kept =
-            EasDatabase::instance()->getCalendarAttachments(eventKey).valueOr({});
-        kept.erase(std::remove_if(kept.begin(), kept.end(),
-                       [&deleted](const EasAttachmentContainer &row) {
-                           return deleted.contains(row.fileReference());
-                       }),
-            kept.end());
-        CalendarAttachmentService::processLocallyDeletedAttachments(eventKey, kept);
-    }
-    CalendarAttachmentService::processLocallyAddedAttachments(eventKey, added);
+    return (deleted.isEmpty() || settleDeleted(eventKey, deleted))
+        && CalendarAttachmentService::processLocallyAddedAttachments(eventKey, added);
 }

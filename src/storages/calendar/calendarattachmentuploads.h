@@ -15,7 +15,8 @@ namespace CalendarAttachmentUploads {
 
 /** From 16.0 on. False if the mapping cannot be read. */
 bool applyAttachments(const KCalendarCore::Event::Ptr &event, EasCalendarItem &item);
-/** The server has taken what went up with an event or an exception. */
-void settle(const QString &eventKey, const QList<EasAttachmentContainer> &sent);
+/** The server has taken what went up with an event or an exception. False if the mapping fails; it may be
+ * settled again. */
+bool settle(const QString &eventKey, const QList<EasAttachmentContainer> &sent);
 
 } // namespace CalendarAttachmentUploads

@@ -33,9 +33,8 @@ bool deleteWithFiles(const CalendarStoreContext &context, const Notebook::Ptr &n
     context.calendar->close();
     if (!context.storage->loadNotebookIncidences(notebook->uid()))
         return false;
-    const KCalendarCore::Incidence::List incidences = context.calendar->incidences(notebook->uid());
-    CalendarAttachmentService::forget(incidences);
-    return context.storage->deleteNotebook(notebook);
+    const bool forgotten = CalendarAttachmentService::forget(context.calendar->incidences(notebook->uid()));
+    return context.storage->deleteNotebook(notebook) && forgotten;
 }
 
 } // namespace
@@ -251,8 +250,7 @@ bool CalendarFolders::cleanUpFolder(const EasFolderItem &folder) const
             [&distinct](const KCalendarCore::Incidence::Ptr &incidence) {
                 return distinct.contains(incidence->uid());
             });
-        CalendarAttachmentService::forget(gone);
-        return true;
+        return CalendarAttachmentService::forget(gone);
     }
     qCCritical(eas()) << "Faled to save changes into the storage";
     return false;

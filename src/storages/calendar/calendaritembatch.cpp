@@ -26,11 +26,15 @@ CalendarItemBatch::CalendarItemBatch(const CalendarStoreContext &context, Calend
 bool CalendarItemBatch::updateItems(QList<EasCalendarItem> &added, QList<EasCalendarItem> &updated,
     const QStringList &deleted, QStringList &replaced)
 {
+    QStringList named(deleted);
+    for (const EasCalendarItem &item : added + updated)
+        named.append(item.serverId());
     // Without the mapping what is known would look new, and come a second time.
-    if (!mRecovery.readMapping() || !collectFolders(added, updated, deleted)
+    if (!mRecovery.readMapping(named) || !collectFolders(added, updated, deleted)
         || !loadFolders(added, updated, deleted))
         return false;
-    sortItems(added, updated, replaced);
+    if (!sortItems(added, updated, replaced))
+        return false;
     if (!handleAddedCalendarItems(added)) {
         qCCritical(eas()) << "Failed adding calendar items";
         return false;
@@ -73,7 +77,7 @@ bool CalendarItemBatch::collectFolders(
     }
     if (!deleted.isEmpty()) {
         const Lookup<QMap<QString, QString>> collections =
-            EasDatabase::instance()->serverCalendarIdToCollectionIds(mContext.accountId());
+            EasDatabase::instance()->serverCalendarIdToCollectionIds(mContext.accountId(), deleted);
         if (!collections)
             return false;
         for (const QString &serverId : deleted) {
@@ -137,26 +141,29 @@ QString CalendarItemBatch::folderOf(const EasCalendarItem &item) const
     return mFolders.value(item.collectionId());
 }
 
-void CalendarItemBatch::sortItems(
+bool CalendarItemBatch::sortItems(
     QList<EasCalendarItem> &added, QList<EasCalendarItem> &updated, QStringList &replaced)
 {
-    takePurged(added, updated, replaced);
-    takeRepeated(added, updated, replaced);
+    if (!takePurged(added, updated, replaced) || !takeRepeated(added, updated, replaced))
+        return false;
     for (EasCalendarItem &item : updated)
         CalendarEventFields::completeWholeItem(item, mContext.protocolVersion());
+    return true;
 }
 
-CalendarRecovery::State CalendarItemBatch::stateOf(const EasCalendarItem &item)
+std::optional<CalendarRecovery::State> CalendarItemBatch::stateOf(const EasCalendarItem &item)
 {
     return mRecovery.stateOf(item.serverId(), folderOf(item));
 }
 
-void CalendarItemBatch::takePurged(
+bool CalendarItemBatch::takePurged(
     QList<EasCalendarItem> &added, QList<EasCalendarItem> &updated, QStringList &replaced)
 {
     QList<EasCalendarItem> kept;
     for (const EasCalendarItem &item : qAsConst(updated)) {
-        const State state = stateOf(item);
+        const std::optional<State> state = stateOf(item);
+        if (!state)
+            return false;
         if (state == State::Unknown && item.parameterHasBeenChanged(EasCalendarItem::StartTimeParameter)) {
             // It could not be understood when it came first.
             added.append(item);
@@ -172,16 +179,19 @@ void CalendarItemBatch::takePurged(
         }
     }
     updated = kept;
+    return true;
 }
 
-void CalendarItemBatch::takeRepeated(
+bool CalendarItemBatch::takeRepeated(
     QList<EasCalendarItem> &added, QList<EasCalendarItem> &updated, QStringList &replaced)
 {
     QMap<QString, EasCalendarItem> fresh;
     QStringList order;
     for (const EasCalendarItem &item : qAsConst(added)) {
         const QString serverId = item.serverId();
-        const State state = replaced.contains(serverId) ? State::Unknown : stateOf(item);
+        const std::optional<State> state = replaced.contains(serverId) ? State::Unknown : stateOf(item);
+        if (!state)
+            return false;
         if (state == State::Edited || state == State::Moved) {
             qCInfo(eas()) << "the server repeats what was changed here since:" << serverId;
             continue;
@@ -199,6 +209,7 @@ void CalendarItemBatch::takeRepeated(
     added.clear();
     for (const QString &serverId : qAsConst(order))
         added.append(fresh.value(serverId));
+    return true;
 }
 
 bool CalendarItemBatch::handleAddedCalendarItems(QList<EasCalendarItem> &items) const
@@ -279,8 +290,7 @@ bool CalendarItemBatch::save()
         qCCritical(eas()) << "failed to purge remotely deleted incidences from storage";
         return false;
     }
-    CalendarAttachmentService::forget(mDeleted);
-    return true;
+    return CalendarAttachmentService::forget(mDeleted);
 }
 
 bool CalendarItemBatch::completeAttachments(const QList<EasCalendarItem> &items) const

@@ -45,10 +45,10 @@ private:
     bool loadFolders(const QList<EasCalendarItem> &added, const QList<EasCalendarItem> &updated,
         const QStringList &deleted);
     QString folderOf(const EasCalendarItem &item) const;
-    void sortItems(QList<EasCalendarItem> &added, QList<EasCalendarItem> &updated, QStringList &replaced);
-    void takeRepeated(QList<EasCalendarItem> &added, QList<EasCalendarItem> &updated, QStringList &replaced);
-    void takePurged(QList<EasCalendarItem> &added, QList<EasCalendarItem> &updated, QStringList &replaced);
-    CalendarRecovery::State stateOf(const EasCalendarItem &item);
+    bool sortItems(QList<EasCalendarItem> &added, QList<EasCalendarItem> &updated, QStringList &replaced);
+    bool takeRepeated(QList<EasCalendarItem> &added, QList<EasCalendarItem> &updated, QStringList &replaced);
+    bool takePurged(QList<EasCalendarItem> &added, QList<EasCalendarItem> &updated, QStringList &replaced);
+    std::optional<CalendarRecovery::State> stateOf(const EasCalendarItem &item);
     bool handleAddedCalendarItems(QList<EasCalendarItem> &items) const;
     bool handleUpdatedCalendarItems(QList<EasCalendarItem> &items) const;
     bool handleDeletedCalendarItems(const QStringList &serverIds);

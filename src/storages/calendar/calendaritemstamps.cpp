@@ -43,7 +43,7 @@ bool CalendarItemStamps::update(const CalendarStoreContext &context, const QStri
     for (const QString &folder : serverFolderIds) {
         CalendarTimestamps timestamps(context);
         const QSet<QString> uids = uidsIn(folder, added) + uidsIn(folder, updated);
-        if (!timestamps.updateTimestampCache(notebooks->value(folder), uids)) {
+        if (timestamps.updateTimestampCache(notebooks->value(folder), uids) != LocalQuery::Answered) {
             qCWarning(eas()) << "Cant load notebook incidences for collection" << folder;
             return false;
         }

@@ -66,6 +66,19 @@ bool CalendarLocalChanges::isEnabled() const
     return configuration && configuration->enabled();
 }
 
+bool CalendarLocalChanges::canBeAsked() const
+{
+    if (!isEnabled()) {
+        qCInfo(eas()) << "Calendar sync disabled";
+        return false;
+    }
+    if (!mContext.isReady()) {
+        qCCritical(eas()) << "No storage";
+        return false;
+    }
+    return true;
+}
+
 bool CalendarLocalChanges::load(const QString &notebookUid) const
 {
     // What is in memory would not be read again, and another process may have changed it.
@@ -90,7 +103,8 @@ bool CalendarLocalChanges::hasLocalUpdates(const QString &notebookUid, qint64 si
     // Each save of a sync asks this; the rest of the calendar does not matter to the answer.
     CalendarTimestamps timestamps(mContext);
     mContext.calendar->close();
-    if (!timestamps.updateTimestampCache(notebookUid, uidsOf(inserted) + uidsOf(modified))) {
+    if (timestamps.updateTimestampCache(notebookUid, uidsOf(inserted) + uidsOf(modified))
+        != LocalQuery::Answered) {
         qCWarning(eas()) << "Can't load notebook incidences for notebook" << notebookUid;
         return false;
     }
@@ -169,47 +183,43 @@ QStringList CalendarLocalChanges::handleLocalUpdates()
     return changed;
 }
 
-bool CalendarLocalChanges::queryLocalUpdates(const QString &folderId, qint64 after, qint64 &queryTime,
-    QList<EasCalendarItem> &added, QList<EasCalendarItem> &updated, QStringList &deleted)
+LocalQuery CalendarLocalChanges::queryLocalUpdates(const QString &folderId, qint64 after, qint64 &queryTime,
+    QList<EasCalendarItem> &added, QList<EasCalendarItem> &updated, QStringList &deleted,
+    UploadBudget *budget)
 {
     qCInfo(eas()) << "Getting local updates for folder:" << folderId << ", after:" << toTime(after);
-    if (!isEnabled()) {
-        qCInfo(eas()) << "Calendar sync disabled";
-        return false;
-    }
-    if (!mContext.isReady()) {
-        qCCritical(eas()) << "No storage";
-        return false;
-    }
+    if (!canBeAsked())
+        return LocalQuery::StoreSilent;
     const Lookup<QMap<QString, QString>> known =
         EasDatabase::instance()->serverToLocalFolderIds(mContext.accountId());
     if (!known)
-        return false;
+        return LocalQuery::MappingFailed;
     const QMap<QString, QString> &notebooks = *known;
     const QString notebookUid =
         notebooks.value(folderId, notebooks.key(folderId).isEmpty() ? QString() : folderId);
     if (notebookUid.isEmpty()) {
         qCWarning(eas()) << "No notebook ID:" << folderId;
-        return false;
+        return LocalQuery::StoreSilent;
     }
-    // What an interruption left would pass for something that the user made.
     CalendarTimestamps timestamps(mContext);
-    if (!CalendarRecovery::removeStrays(mContext, notebookUid)
-        || !timestamps.updateTimestampCache(notebookUid)) {
+    // What an interruption left would pass for something that the user made.
+    LocalQuery answer = CalendarRecovery::removeStrays(mContext, notebookUid);
+    if (answer == LocalQuery::Answered)
+        answer = timestamps.updateTimestampCache(notebookUid);
+    if (answer != LocalQuery::Answered) {
         qCWarning(eas()) << "Failed loading notebook:" << notebookUid;
-        return false;
+        return answer;
     }
-    CalendarLocalQuery query(mContext, timestamps, notebooks.key(notebookUid), notebookUid);
+    CalendarLocalQuery query(mContext, timestamps, notebooks.key(notebookUid), notebookUid, budget);
     if (!query.ask())
-        return false;
+        return LocalQuery::StoreSilent;
     queryTime = Clock::instance().currentDateTimeUtc().toSecsSinceEpoch();
     qCInfo(eas()) << "Query time:" << toTime(queryTime);
-    if (!query.evaluate())
-        return false;
+    answer = query.evaluate();
     added = query.added();
     updated = query.updated();
     deleted = query.deleted();
-    return true;
+    return answer;
 }
 
 bool CalendarLocalChanges::syncTime(const QString &localFolderId, qint64 &time) const
@@ -255,14 +265,8 @@ bool CalendarLocalChanges::touchItems(
     const QString &serverFolderId, const QList<QPair<QString, QString>> &items)
 {
     qCInfo(eas()) << "Getting local items for folder:" << serverFolderId;
-    if (!isEnabled()) {
-        qCInfo(eas()) << "Calendar sync disabled";
+    if (!canBeAsked())
         return false;
-    }
-    if (!mContext.isReady()) {
-        qCCritical(eas()) << "No storage";
-        return false;
-    }
     const Lookup<QMap<QString, QString>> notebooks =
         EasDatabase::instance()->serverToLocalFolderIds(mContext.accountId());
     if (!notebooks)

@@ -2,11 +2,13 @@
 #pragma once
 
 #include "easitems/eascalendaritem.h"
+#include "storages/localquery.h"
 
 #include <QList>
 #include <QPair>
 #include <QStringList>
 
+class UploadBudget;
 struct CalendarStoreContext;
 
 /**
@@ -28,8 +30,9 @@ public:
     QStringList handleLocalUpdates();
     /** The folder's server id, or its local one. All that the server does not know is found, whenever it
      * happened; the time is for the log. */
-    bool queryLocalUpdates(const QString &folderId, qint64 after, qint64 &queryTime,
-        QList<EasCalendarItem> &added, QList<EasCalendarItem> &updated, QStringList &deleted);
+    LocalQuery queryLocalUpdates(const QString &folderId, qint64 after, qint64 &queryTime,
+        QList<EasCalendarItem> &added, QList<EasCalendarItem> &updated, QStringList &deleted,
+        UploadBudget *budget = nullptr);
     /** Pairs of a uid and the start of an occurrence; they count as changed from now on. */
     bool touchItems(const QString &serverFolderId, const QList<QPair<QString, QString>> &items);
     bool uploadedLocalChanges(
@@ -45,6 +48,8 @@ public:
 
 private:
     bool isEnabled() const;
+    /** Logged if not. */
+    bool canBeAsked() const;
     /** Reads a notebook afresh. */
     bool load(const QString &notebookUid) const;
     bool hasDeletions(

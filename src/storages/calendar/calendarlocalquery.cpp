@@ -11,6 +11,7 @@
 #include "storages/calendar/calendaroccurrence.h"
 #include "storages/calendar/calendarstorecontext.h"
 #include "storages/calendar/calendartimestamps.h"
+#include "storages/uploadbudget.h"
 
 #include <algorithm>
 
@@ -28,11 +29,13 @@ Event::Ptr copyOf(const Incidence::Ptr &incidence)
 } // namespace
 
 CalendarLocalQuery::CalendarLocalQuery(const CalendarStoreContext &context,
-    const CalendarTimestamps &timestamps, const QString &serverFolderId, const QString &notebookUid)
+    const CalendarTimestamps &timestamps, const QString &serverFolderId, const QString &notebookUid,
+    UploadBudget *budget)
     : mContext(context)
     , mTimestamps(timestamps)
     , mServerFolderId(serverFolderId)
     , mNotebookUid(notebookUid)
+    , mBudget(budget)
 {
 }
 
@@ -45,10 +48,10 @@ bool CalendarLocalQuery::ask()
     return false;
 }
 
-bool CalendarLocalQuery::evaluate()
+LocalQuery CalendarLocalQuery::evaluate()
 {
     if (!readServerIds())
-        return false;
+        return LocalQuery::MappingFailed;
     evaluatePresent();
     evaluateDeleted();
     evaluateMoved();
@@ -56,7 +59,7 @@ bool CalendarLocalQuery::evaluate()
     processExceptionsChanges(mAddedExceptions, false);
     processExceptionsChanges(mUpdatedExceptions, false);
     processExceptionsChanges(mDeletedExceptions, true);
-    return !mFailed;
+    return mAnswer;
 }
 
 bool CalendarLocalQuery::readServerIds()
@@ -116,8 +119,15 @@ void CalendarLocalQuery::takeChanged(const Incidence::Ptr &incidence, bool isNew
     }
 }
 
+bool CalendarLocalQuery::fits(const QString &uid) const
+{
+    return !mBudget || mBudget->take(uid);
+}
+
 void CalendarLocalQuery::insertItem(const Event::Ptr &event, bool isNew)
 {
+    if (!fits(event->uid()))
+        return;
     if (isNew)
         qCDebug(eas()) << "new item:" << event->uid();
     EasCalendarItem item;
@@ -158,7 +168,9 @@ void CalendarLocalQuery::applyAttachments(const Event::Ptr &event, EasCalendarIt
 {
     // Up to 14.1 events of a server have no attachments.
     if (!mContext.exceptionsGoInSeries() && !CalendarAttachmentUploads::applyAttachments(event, item))
-        mFailed = true;
+        mAnswer = LocalQuery::MappingFailed;
+    if (mBudget)
+        mBudget->note(item);
 }
 
 void CalendarLocalQuery::evaluateDeleted()
@@ -190,7 +202,8 @@ void CalendarLocalQuery::evaluateMoved()
             continue;
         if (!mContext.storage->loadSeries(uid)) {
             qCWarning(eas()) << "cannot look for an event in the other calendars:" << uid;
-            mFailed = true;
+            if (mAnswer == LocalQuery::Answered)
+                mAnswer = LocalQuery::StoreSilent;
         } else if (mContext.calendar->event(uid)) {
             qCInfo(eas()) << "event was moved to another calendar:" << uid;
             takeDeleted(uid);
@@ -288,6 +301,8 @@ void CalendarLocalQuery::applyToSeries(const Event::Ptr &exception, bool deleted
         return;
     }
     if (deleted && CalendarEventProperties::knownDeletions(*series).contains(occurrence.key()))
+        return;
+    if (!fits(uid))
         return;
     // Where exceptions travel within their series, those that are left out would be taken for removed.
     EasCalendarItem item;

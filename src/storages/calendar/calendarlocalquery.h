@@ -2,6 +2,7 @@
 #pragma once
 
 #include "easitems/eascalendaritem.h"
+#include "storages/localquery.h"
 
 #include <KCalendarCore/Event>
 
@@ -10,6 +11,7 @@
 #include <QStringList>
 
 class CalendarTimestamps;
+class UploadBudget;
 struct CalendarStoreContext;
 
 /**
@@ -21,18 +23,19 @@ struct CalendarStoreContext;
  * if the mapping does not have it in this folder, and edited if the mapping has it in another state. What
  * stands deleted, and what the user moved to another calendar, is a deletion to this folder.
  *
- * The notebook is loaded, and the timestamps are those of it. Made for one search.
+ * The notebook is loaded, and the timestamps are those of it. What does not fit into the budget, if there is
+ * one, is left out before it is read. Made for one search.
  */
 class CalendarLocalQuery
 {
 public:
     CalendarLocalQuery(const CalendarStoreContext &context, const CalendarTimestamps &timestamps,
-        const QString &serverFolderId, const QString &notebookUid);
+        const QString &serverFolderId, const QString &notebookUid, UploadBudget *budget);
 
     /** Asks the store. False if it does not answer. */
     bool ask();
-    /** Makes items of the answers. False if the mapping cannot be read. */
-    bool evaluate();
+    /** Makes items of the answers. */
+    LocalQuery evaluate();
 
     QList<EasCalendarItem> added() const { return mAdded.values(); }
     QList<EasCalendarItem> updated() const { return mUpdated.values(); }
@@ -53,6 +56,7 @@ private:
     void takeDeleted(const QString &uid);
     bool isOlderPart(const KCalendarCore::Incidence::Ptr &incidence) const;
     void takeChanged(const KCalendarCore::Incidence::Ptr &incidence, bool isNew);
+    bool fits(const QString &uid) const;
     void insertItem(const KCalendarCore::Event::Ptr &event, bool isNew);
     /** A stamp that is older than the series and all of its exceptions. */
     uint stampBefore(const QString &uid) const;
@@ -68,6 +72,7 @@ private:
     const CalendarTimestamps &mTimestamps;
     const QString mServerFolderId;
     const QString mNotebookUid;
+    UploadBudget *const mBudget;
 
     KCalendarCore::Incidence::List mDeletedIncidences;
     /** In every calendar of the device. */
@@ -81,5 +86,5 @@ private:
     KCalendarCore::Incidence::List mAddedExceptions;
     KCalendarCore::Incidence::List mUpdatedExceptions;
     KCalendarCore::Incidence::List mDeletedExceptions;
-    bool mFailed = false;
+    LocalQuery mAnswer = LocalQuery::Answered;
 };

@@ -18,10 +18,10 @@ CalendarRecovery::CalendarRecovery(const CalendarStoreContext &context)
 {
 }
 
-bool CalendarRecovery::readMapping()
+bool CalendarRecovery::readMapping(const QStringList &serverIds)
 {
     const Lookup<QMap<QString, QString>> mapping =
-        EasDatabase::instance()->serverToLocalCalendarIds(mContext.accountId());
+        EasDatabase::instance()->serverToLocalCalendarIds(mContext.accountId(), serverIds);
     if (mapping)
         mMapping = *mapping;
     return bool(mapping);
@@ -38,7 +38,8 @@ bool CalendarRecovery::load(const QString &notebookUid, const QString &collectio
     return false;
 }
 
-CalendarRecovery::State CalendarRecovery::stateOf(const QString &serverId, const QString &notebookUid)
+std::optional<CalendarRecovery::State> CalendarRecovery::stateOf(
+    const QString &serverId, const QString &notebookUid)
 {
     const auto localId = mMapping.constFind(serverId);
     if (localId == mMapping.constEnd())
@@ -46,14 +47,17 @@ CalendarRecovery::State CalendarRecovery::stateOf(const QString &serverId, const
     if (!mContext.calendar->event(*localId)) {
         if (isDeleted(*localId))
             return State::Deleted;
-        if (!mContext.storage->loadSeries(*localId))
+        if (!mContext.storage->loadSeries(*localId)) {
+            // Taken for purged, it would be made a second time.
             qCWarning(eas()) << "cannot look for an event in the other calendars:" << *localId;
+            return std::nullopt;
+        }
     }
     if (!mContext.calendar->event(*localId))
         return State::Purged;
     if (mContext.calendar->notebook(*localId) != notebookUid)
         return State::Moved;
-    return isEdited(*localId, notebookUid) ? State::Edited : State::Stored;
+    return editState(*localId, notebookUid);
 }
 
 bool CalendarRecovery::isDeleted(const QString &localId) const
@@ -63,15 +67,20 @@ bool CalendarRecovery::isDeleted(const QString &localId) const
     });
 }
 
-bool CalendarRecovery::isEdited(const QString &localId, const QString &notebookUid)
+std::optional<CalendarRecovery::State> CalendarRecovery::editState(
+    const QString &localId, const QString &notebookUid)
 {
-    auto timestamps = mTimestamps.find(notebookUid);
-    if (timestamps == mTimestamps.end()) {
-        timestamps = mTimestamps.emplace(notebookUid, CalendarTimestamps(mContext)).first;
-        if (!timestamps->second.updateTimestampCache(notebookUid))
+    auto known = mTimestamps.find(notebookUid);
+    if (known == mTimestamps.end()) {
+        CalendarTimestamps timestamps(mContext);
+        if (timestamps.updateTimestampCache(notebookUid) != LocalQuery::Answered) {
+            // Taken for untouched, the user's edit would be lost.
             qCWarning(eas()) << "Cant load notebook incidences for collection" << notebookUid;
+            return std::nullopt;
+        }
+        known = mTimestamps.emplace(notebookUid, timestamps).first;
     }
-    return timestamps->second.isChanged(localId);
+    return known->second.isChanged(localId) ? State::Edited : State::Stored;
 }
 
 Incidence::List CalendarRecovery::deletedParts(const QString &localId) const
@@ -82,37 +91,43 @@ Incidence::List CalendarRecovery::deletedParts(const QString &localId) const
     return parts;
 }
 
-bool CalendarRecovery::removeStrays(const CalendarStoreContext &context, const QString &notebookUid)
+LocalQuery CalendarRecovery::removeStrays(const CalendarStoreContext &context, const QString &notebookUid)
 {
     EasDatabase *database = EasDatabase::instance();
     const Lookup<QMap<QString, QString>> known = database->localToServerCalendarIds(context.accountId());
-    if (!known)
-        return false;
     // Rows of attachments come before their event, which an interruption may have kept from being stored.
-    database->deleteStrayCalendarAttachments();
+    if (!known || !database->deleteStrayCalendarAttachments())
+        return LocalQuery::MappingFailed;
     context.calendar->close();
     if (!context.storage->loadNotebookIncidences(notebookUid))
-        return false;
-    Incidence::List strays;
+        return LocalQuery::StoreSilent;
+    Event::List strays;
     const Incidence::List incidences = context.calendar->incidences(notebookUid);
     for (const Incidence::Ptr &incidence : incidences) {
         const Event::Ptr event = incidence.dynamicCast<Event>();
-        if (!event || event->hasRecurrenceId() || known->contains(event->uid())
-            || CalendarOrigin::serverId(*event, context.accountId()).isEmpty())
-            continue;
+        if (event && !event->hasRecurrenceId() && !known->contains(event->uid())
+            && !CalendarOrigin::serverId(*event, context.accountId()).isEmpty())
+            strays.append(event);
+    }
+    return erase(context, strays);
+}
+
+LocalQuery CalendarRecovery::erase(const CalendarStoreContext &context, const Event::List &strays)
+{
+    Incidence::List parts;
+    for (const Event::Ptr &event : strays) {
         qCWarning(eas()) << "Removing an event that was stored and not recorded:" << event->uid();
-        strays.append(event);
-        strays += context.calendar->instances(event);
+        parts.append(event);
+        parts += context.calendar->instances(event);
         context.calendar->deleteEventInstances(event);
         if (!context.calendar->deleteEvent(event))
-            return false;
+            return LocalQuery::StoreSilent;
     }
-    if (strays.isEmpty())
-        return true;
+    if (parts.isEmpty())
+        return LocalQuery::Answered;
     if (!context.storage->save(mKCal::ExtendedStorage::PurgeDeleted))
-        return false;
-    CalendarAttachmentService::forget(strays);
+        return LocalQuery::StoreSilent;
     // The calendar goes on to list by notebook what was deleted from it.
     context.calendar->close();
-    return true;
+    return CalendarAttachmentService::forget(parts) ? LocalQuery::Answered : LocalQuery::MappingFailed;
 }

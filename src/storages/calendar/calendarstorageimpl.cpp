@@ -170,11 +170,14 @@ bool CalendarStorageImpl::touchItems(
     return mLocalChanges.touchItems(folderServerId, instances);
 }
 
-bool CalendarStorageImpl::queryLocalUpdates(const QString &localFolderId, qint64 from, qint64 &newTime,
-    QList<EasCalendarItem> &added, QList<EasCalendarItem> &changed, QStringList &deletedServerIds)
+LocalQuery CalendarStorageImpl::queryLocalUpdates(const QString &localFolderId, qint64 from, qint64 &newTime,
+    QList<EasCalendarItem> &added, QList<EasCalendarItem> &changed, QStringList &deletedServerIds,
+    UploadBudget *budget)
 {
-    return isEnabled() && storeAvailable()
-        && mLocalChanges.queryLocalUpdates(localFolderId, from, newTime, added, changed, deletedServerIds);
+    if (!isEnabled() || !storeAvailable())
+        return LocalQuery::StoreSilent;
+    return mLocalChanges.queryLocalUpdates(
+        localFolderId, from, newTime, added, changed, deletedServerIds, budget);
 }
 
 bool CalendarStorageImpl::syncTime(const QString &localFolderId, qint64 &time)

@@ -35,9 +35,9 @@ public:
     bool updateItems(QList<EasCalendarItem> &added, QList<EasCalendarItem> &changed,
         const QStringList &deleted, QStringList &replaced) override;
     bool touchItems(const QString &folderServerId, const QList<QPair<QString, QString>> &instances) override;
-    bool queryLocalUpdates(const QString &localFolderId, qint64 from, qint64 &newTime,
-        QList<EasCalendarItem> &added, QList<EasCalendarItem> &changed,
-        QStringList &deletedServerIds) override;
+    LocalQuery queryLocalUpdates(const QString &localFolderId, qint64 from, qint64 &newTime,
+        QList<EasCalendarItem> &added, QList<EasCalendarItem> &changed, QStringList &deletedServerIds,
+        UploadBudget *budget = nullptr) override;
     bool syncTime(const QString &localFolderId, qint64 &time) override;
     bool setSyncTime(const QString &localFolderId, qint64 time) override;
     bool cleanUpFolder(const EasFolderItem &folder) override;

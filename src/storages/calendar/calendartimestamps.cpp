@@ -21,24 +21,28 @@ uint CalendarTimestamps::timeToStamp(const QDateTime &time)
     return time.isValid() ? uint(time.toSecsSinceEpoch()) : EasDatabase::TimestampInvalid;
 }
 
-bool CalendarTimestamps::updateTimestampCache(const QString &notebookUid)
+LocalQuery CalendarTimestamps::updateTimestampCache(const QString &notebookUid)
 {
-    if (!readStored() || !mContext.storage->loadNotebookIncidences(notebookUid))
-        return false;
+    if (!readStored())
+        return LocalQuery::MappingFailed;
+    if (!mContext.storage->loadNotebookIncidences(notebookUid))
+        return LocalQuery::StoreSilent;
     enterLoaded(notebookUid);
-    return true;
+    return LocalQuery::Answered;
 }
 
-bool CalendarTimestamps::updateTimestampCache(const QString &notebookUid, const QSet<QString> &uids)
+LocalQuery CalendarTimestamps::updateTimestampCache(const QString &notebookUid, const QSet<QString> &uids)
 {
-    if (notebookUid.isEmpty() || !readStored())
-        return false;
+    if (!readStored())
+        return LocalQuery::MappingFailed;
+    if (notebookUid.isEmpty())
+        return LocalQuery::StoreSilent;
     for (const QString &uid : uids) {
         if (!mContext.storage->loadSeries(uid))
-            return false;
+            return LocalQuery::StoreSilent;
     }
     enterLoaded(notebookUid);
-    return true;
+    return LocalQuery::Answered;
 }
 
 bool CalendarTimestamps::readStored()

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include "storages/localquery.h"
+
 #include <KCalendarCore/Incidence>
 
 #include <QHash>
@@ -33,11 +35,11 @@ public:
 
     /**
      * Rebuilds the cache from the incidences of a notebook, which it loads, and reads the stamps of the
-     * mapping. False if either fails.
+     * mapping.
      */
-    bool updateTimestampCache(const QString &notebookUid);
+    LocalQuery updateTimestampCache(const QString &notebookUid);
     /** The same of these events alone, which costs nothing for the others of the notebook. */
-    bool updateTimestampCache(const QString &notebookUid, const QSet<QString> &uids);
+    LocalQuery updateTimestampCache(const QString &notebookUid, const QSet<QString> &uids);
     /** Of the cache; TimestampInvalid for an event that is not there. */
     uint eventTimestamp(const QString &uid) const;
     /** Whether the event is not as the server knows it; false for one that the server does not know. */

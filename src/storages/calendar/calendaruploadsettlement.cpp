@@ -8,6 +8,8 @@
 #include "storages/calendar/calendareventproperties.h"
 #include "storages/calendar/calendarstorecontext.h"
 
+#include <algorithm>
+
 using KCalendarCore::Event;
 using KCalendarCore::Incidence;
 
@@ -22,8 +24,10 @@ bool CalendarUploadSettlement::settle(const QList<EasCalendarItem> &added,
     if (!readDeleted() || !collectGone(deletedServerIds))
         return false;
     bool changed = false;
-    for (const EasCalendarItem &item : added + updated)
-        settleAttachments(item);
+    for (const EasCalendarItem &item : added + updated) {
+        if (!settleAttachments(item))
+            return false;
+    }
     for (const EasCalendarItem &item : added)
         changed =
             (mContext.exceptionsGoInSeries() ? settleDeletions(item) : forgetDeletions(item)) || changed;
@@ -33,9 +37,7 @@ bool CalendarUploadSettlement::settle(const QList<EasCalendarItem> &added,
         qCWarning(eas()) << "Failed to save";
         return false;
     }
-    if (!purge())
-        qCWarning(eas()) << "cannot erase what was deleted";
-    return true;
+    return purge();
 }
 
 bool CalendarUploadSettlement::readDeleted()
@@ -46,23 +48,30 @@ bool CalendarUploadSettlement::readDeleted()
     return false;
 }
 
-void CalendarUploadSettlement::settleAttachments(const EasCalendarItem &item) const
+bool CalendarUploadSettlement::settleAttachments(const EasCalendarItem &item) const
 {
     const Event::Ptr series = mContext.calendar->event(item.localId());
     if (!series || mContext.exceptionsGoInSeries())
-        return;
-    CalendarAttachmentUploads::settle(CalendarAttachmentService::eventKey(*series), item.attachments());
-    const Event::List exceptions = mContext.calendar->eventInstances(series);
+        return true;
     const QList<EasCalendarItem> sent = item.exceptions();
-    for (const EasCalendarItem &sentException : sent) {
-        for (const Event::Ptr &exception : exceptions) {
-            const CalendarOccurrence occurrence(series, exception->recurrenceId());
-            if (!sentException.attachments().isEmpty()
-                && occurrence.wire(mContext.protocolVersion()) == sentException.exceptionStartTime())
-                CalendarAttachmentUploads::settle(
-                    CalendarAttachmentService::eventKey(*exception), sentException.attachments());
-        }
+    return CalendarAttachmentUploads::settle(CalendarAttachmentService::eventKey(*series), item.attachments())
+        && std::all_of(sent.cbegin(), sent.cend(), [this, &series](const EasCalendarItem &exception) {
+               return exception.attachments().isEmpty() || settleExceptionFiles(series, exception);
+           });
+}
+
+bool CalendarUploadSettlement::settleExceptionFiles(
+    const Event::Ptr &series, const EasCalendarItem &sentException) const
+{
+    const Event::List exceptions = mContext.calendar->eventInstances(series);
+    for (const Event::Ptr &exception : exceptions) {
+        const CalendarOccurrence occurrence(series, exception->recurrenceId());
+        if (occurrence.wire(mContext.protocolVersion()) == sentException.exceptionStartTime()
+            && !CalendarAttachmentUploads::settle(
+                CalendarAttachmentService::eventKey(*exception), sentException.attachments()))
+            return false;
     }
+    return true;
 }
 
 QList<CalendarOccurrence> CalendarUploadSettlement::sentDeletions(
@@ -162,7 +171,12 @@ bool CalendarUploadSettlement::collectGone(const QStringList &deletedServerIds)
 
 bool CalendarUploadSettlement::purge()
 {
-    CalendarAttachmentService::forget(mGoneEvents);
+    // While its rows stay, an event that comes back under the same identifier would pass for one without its
+    // files.
+    if (!CalendarAttachmentService::forget(mGoneEvents))
+        return false;
     const Incidence::List gone = mGoneExceptions + mGoneEvents;
-    return gone.isEmpty() || mContext.storage->purgeDeletedIncidences(gone);
+    if (!gone.isEmpty() && !mContext.storage->purgeDeletedIncidences(gone))
+        qCWarning(eas()) << "cannot erase what was deleted";
+    return true;
 }

@@ -27,13 +27,15 @@ class CalendarUploadSettlement
 public:
     explicit CalendarUploadSettlement(const CalendarStoreContext &context);
 
-    /** False, logged, if the store fails; the same answer may be settled again. */
+    /** False, logged, if store or mapping fail; the same answer may be settled again. */
     bool settle(const QList<EasCalendarItem> &added, const QList<EasCalendarItem> &updated,
         const QStringList &deletedServerIds);
 
 private:
     bool readDeleted();
-    void settleAttachments(const EasCalendarItem &item) const;
+    bool settleAttachments(const EasCalendarItem &item) const;
+    bool settleExceptionFiles(
+        const KCalendarCore::Event::Ptr &series, const EasCalendarItem &sentException) const;
     /** A series that is new goes up without its exceptions where these go up one by one: they follow,
      * whatever another folder knew of them. True if the series has been changed. */
     bool forgetDeletions(const EasCalendarItem &item) const;

@@ -28,7 +28,7 @@ bool fits(const QContact &contact, UploadBudget *budget)
 void noteSize(const EasContactsItem &item, UploadBudget *budget)
 {
     if (budget)
-        budget->setBytes(item.localId(), item.picture().size());
+        budget->note(item);
 }
 
 } // namespace
@@ -58,22 +58,23 @@ EasContactsItem ContactLocalChanges::toChangedItem(
     return item;
 }
 
-bool ContactLocalChanges::queryChanges(const EasFolderItem &folder, QList<EasContactsItem> *added,
+LocalQuery ContactLocalChanges::queryChanges(const EasFolderItem &folder, QList<EasContactsItem> *added,
     QList<EasContactsItem> *changed, QStringList *deletedServerIds, UploadBudget *budget)
 {
     qCDebug(eas()) << "query changes for folder " << folder.serverId();
     const ContactFolders::Lookup present = ContactFolders(mContext).find(folder.serverId());
     if (!present.collection) {
         qCWarning(eas()) << "Unable to find local collection matching server id: " << folder.serverId();
-        return false;
+        return LocalQuery::StoreSilent;
     }
     // Before the changes are fetched: what the user removes after that is missing and no pending removal.
     const auto rows = ContactFolderRows::read(mContext.accountId, folder.serverId());
+    if (!rows)
+        return LocalQuery::MappingFailed;
     QStringList missing;
     Fetched fetched;
-    if (!rows || !findMissing(*present.collection, *rows, &missing)
-        || !fetch(folder, *present.collection, &fetched))
-        return false;
+    if (!findMissing(*present.collection, *rows, &missing) || !fetch(folder, *present.collection, &fetched))
+        return LocalQuery::StoreSilent;
     // One with a row that is still marked as added is at the server already.
     for (const QContact &contact : fetched.added + fetched.modified) {
         const bool hasRow = rows->hasLocalId(contact.id().toString());
@@ -88,8 +89,10 @@ bool ContactLocalChanges::queryChanges(const EasFolderItem &folder, QList<EasCon
         if (!serverId.isEmpty())
             deletedServerIds->append(serverId);
     }
-    return appendAdded(*present.collection, *rows, folder, added, budget)
-        && forgetLost(missing, fetched.deleted, *rows, folder.serverId());
+    if (!appendAdded(*present.collection, *rows, folder, added, budget))
+        return LocalQuery::StoreSilent;
+    return forgetLost(missing, fetched.deleted, *rows, folder.serverId()) ? LocalQuery::Answered
+                                                                          : LocalQuery::MappingFailed;
 }
 
 bool ContactLocalChanges::fetch(

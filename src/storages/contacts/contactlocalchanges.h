@@ -5,6 +5,7 @@
 #include "easitems/easfolderitem.h"
 #include "storages/contacts/contactfolderrows.h"
 #include "storages/contacts/contactstrays.h"
+#include "storages/localquery.h"
 
 #include <QtContacts/QContact>
 #include <QtContacts/QContactCollection>
@@ -21,7 +22,7 @@ class ContactLocalChanges
 public:
     explicit ContactLocalChanges(const ContactStoreContext &context);
 
-    bool queryChanges(const EasFolderItem &folder, QList<EasContactsItem> *added,
+    LocalQuery queryChanges(const EasFolderItem &folder, QList<EasContactsItem> *added,
         QList<EasContactsItem> *changed, QStringList *deletedServerIds, UploadBudget *budget = nullptr);
     /** Whether the latest query left contacts of the folder out until the server has sent everything. */
     bool awaits(const QString &folderServerId) const { return mAwaiting.contains(folderServerId); }

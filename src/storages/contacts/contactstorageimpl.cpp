@@ -154,10 +154,11 @@ bool ContactStorageImpl::cleanUpFolder(const EasFolderItem &folder)
     return storeAvailable() && ContactFolders(mContext).cleanUpFolder(folder);
 }
 
-bool ContactStorageImpl::queryChanges(const EasFolderItem &folder, QList<EasContactsItem> *added,
+LocalQuery ContactStorageImpl::queryChanges(const EasFolderItem &folder, QList<EasContactsItem> *added,
     QList<EasContactsItem> *changed, QStringList *deletedServerIds, UploadBudget *budget)
 {
-    return storeAvailable() && mLocalChanges.queryChanges(folder, added, changed, deletedServerIds, budget);
+    return storeAvailable() ? mLocalChanges.queryChanges(folder, added, changed, deletedServerIds, budget)
+                            : LocalQuery::StoreSilent;
 }
 
 bool ContactStorageImpl::uploadedLocalChanges(

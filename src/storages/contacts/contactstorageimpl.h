@@ -32,7 +32,7 @@ public:
     bool updateItems(const QString &folderServerId, QList<EasContactsItem> &added,
         QList<EasContactsItem> &changed, const QStringList &deleted) override;
     bool cleanUpFolder(const EasFolderItem &folder) override;
-    bool queryChanges(const EasFolderItem &folder, QList<EasContactsItem> *added,
+    LocalQuery queryChanges(const EasFolderItem &folder, QList<EasContactsItem> *added,
         QList<EasContactsItem> *changed, QStringList *deletedServerIds,
         UploadBudget *budget = nullptr) override;
     bool uploadedLocalChanges(const QStringList &addedLocalIds, const QStringList &changedLocalIds,
