@@ -11,7 +11,24 @@
 #include "requests/syncstate.h"
 #include "storages/mailstorage.h"
 
-#include <QSet>
+const MoveItemsResultHandler::Statuses MoveItemsResultHandler::statuses = [] {
+    static constexpr Statuses::Row rows[] = {
+        { Eas::MoveItemsInvalidSourceId, QtWarningMsg, "invalid source message or folder id for message: %1",
+            Verb::AskForSource },
+        { Eas::MoveItemsInvalidDestinationId, QtWarningMsg, "invalid destination id for message: %1",
+            Verb::AskForFolders },
+        { Eas::MoveItemsStatusSuccess, QtInfoMsg, nullptr, Verb::TakeNewName },
+        { Eas::MoveItemsStatusSameSrcDstId, QtWarningMsg,
+            "same source and destination folder ids for message: %1", Verb::KeepName },
+        { Eas::MoveItemsStatusCannotBeMoved, QtWarningMsg,
+            "item can't be moved. Multiple destination folder elements?", Verb::LeaveForNextSync },
+        { Eas::MoveItemsStatusSrcOrDstLocked, QtWarningMsg,
+            "source or destination folder is locked for message: %1", Verb::AgainLater },
+    };
+    constexpr Statuses table(rows);
+    static_assert(table.namesEachStatusOnce());
+    return table;
+}();
 
 MoveItemsResultHandler::MoveItemsResultHandler(EasAccount &account, SyncState &state)
     : mAccount(account)
@@ -48,7 +65,7 @@ bool MoveItemsResultHandler::handle(const MoveItemsCommand &command)
         else
             handleMove(move, *response);
     }
-    return recordMoved();
+    return removeLost() && recordMoved();
 }
 
 bool MoveItemsResultHandler::lookUp(
@@ -75,41 +92,65 @@ bool MoveItemsResultHandler::lookUp(
 void MoveItemsResultHandler::handleMove(const MoveContainer &move, const MoveItemsResponse &response)
 {
     const QString id = move.sourceMessageId();
-    const WireEmailId destination(response.destinationMessageId());
-    const bool isNamed = !destination.text().isEmpty() && destination.isValid();
-    if (response.status() == Eas::MoveItemsStatusSuccess && !isNamed) {
-        // Under no name it would be lost to every later reply; the next sync tells where it is.
-        qCWarning(eas()) << "the server has not named the moved message" << id;
+    const Statuses::Row *row = statuses.find(response.status());
+    if (!row) {
+        qCWarning(eas()) << "received response status" << response.status() << "for message" << id;
         return;
     }
-    switch (response.status()) {
-    case Eas::MoveItemsInvalidSourceId:
-        qCWarning(eas()) << "invalid source message or folder id for message:" << id;
-        if (!move.sourceFolderId().isEmpty())
-            SyncState::addOnce(mState.collectionsToRetry, move.sourceFolderId());
+    logStatusText(row->level, row->text, id);
+    switch (row->verb) {
+    case Verb::TakeNewName:
+        return takeNewName(move, WireEmailId(response.destinationMessageId()));
+    case Verb::KeepName:
+        return appendMoved(move, WireEmailId(id));
+    case Verb::AskForSource:
+        return askForSource(move);
+    case Verb::AskForFolders:
         mFolderSyncNeeded = true;
-        break;
-    case Eas::MoveItemsInvalidDestinationId:
-        qCWarning(eas()) << "invalid destination id for message:" << id;
-        mFolderSyncNeeded = true;
-        break;
-    case Eas::MoveItemsStatusSuccess:
-        appendMoved(move, destination);
-        break;
-    case Eas::MoveItemsStatusSameSrcDstId:
-        qCWarning(eas()) << "same source and destination folder ids for message:" << id;
-        appendMoved(move, WireEmailId(id));
-        break;
-    case Eas::MoveItemsStatusCannotBeMoved:
-        qCWarning(eas()) << "item can't be moved. Multiple destination folder elements?";
-        break;
-    case Eas::MoveItemsStatusSrcOrDstLocked:
-        qCWarning(eas()) << "source or destination folder is locked for message:" << id;
+        return;
+    case Verb::AgainLater:
         mRetryMove = true;
-        break;
-    default:
-        qCWarning(eas()) << "received response status" << response.status() << "for message" << id;
+        return;
+    case Verb::LeaveForNextSync:
+        return;
     }
+}
+
+void MoveItemsResultHandler::takeNewName(const MoveContainer &move, const WireEmailId &wireId)
+{
+    // Under no name it would be lost to every later reply; the next sync tells where it is.
+    if (wireId.text().isEmpty() || !wireId.isValid())
+        qCWarning(eas()) << "the server has not named the moved message" << move.sourceMessageId();
+    else
+        appendMoved(move, wireId);
+}
+
+void MoveItemsResultHandler::askForSource(const MoveContainer &move)
+{
+    if (!move.sourceFolderId().isEmpty())
+        SyncState::addOnce(mState.collectionsToRetry, move.sourceFolderId());
+    mFolderSyncNeeded = true;
+    const KeptEmailId keptId = mIds.kept(move.sourceFolderId(), WireEmailId(move.sourceMessageId()));
+    if (!mIds.contains(keptId))
+        mLost.insert(keptId.text());
+}
+
+bool MoveItemsResultHandler::removeLost()
+{
+    if (mLost.isEmpty())
+        return true;
+    const Lookup<QList<EasEmailItem>> moved = mAccount.mailStorage()->movedEmails();
+    if (!moved)
+        return false;
+    QList<quint64> localIds;
+    for (const EasEmailItem &item : *moved) {
+        if (mLost.contains(item.serverId()))
+            localIds.append(item.localId().toULongLong());
+    }
+    if (localIds.isEmpty())
+        return true;
+    qCWarning(eas()) << "removing moved messages that neither server nor mapping know:" << localIds;
+    return mAccount.mailStorage()->deleteEmailsByLocalIds(localIds);
 }
 
 void MoveItemsResultHandler::appendMoved(const MoveContainer &move, const WireEmailId &wireId)

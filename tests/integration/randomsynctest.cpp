@@ -169,9 +169,8 @@ void RandomRun::syncWithFault()
 bool RandomRun::mayRefuseKeys() const
 {
     // A new item whose upload was not answered is doubled where its folder starts anew before the next sync:
-    // the server has it, and its identifier died with the key. So is one that the server has moved and the
-    // device edited.
-    return !mHadFault && !mEditedOnServer.intersects(mEditedOnDevice);
+    // the server has it, and its identifier died with the key.
+    return !mHadFault;
 }
 
 void RandomRun::syncWithRefusedKeys()

@@ -27,7 +27,16 @@ public:
         return accepts;
     }
 
+    Lookup<QList<EasEmailItem>> movedEmails() override { return waiting; }
+    bool deleteEmailsByLocalIds(const QList<quint64> &ids) override
+    {
+        removed += ids;
+        return accepts;
+    }
+
     bool accepts = true;
+    QList<EasEmailItem> waiting;
+    QList<quint64> removed;
     QStringList moved;
     QStringList mapped;
 };
@@ -154,6 +163,17 @@ private Q_SLOTS:
         QVERIFY(handle({ response("5:1", "1"), response("5:2", "1") }));
         QVERIFY(mFolderSyncNeeded);
         QCOMPARE(mState.collectionsToRetry, QStringList(QStringLiteral("5")));
+    }
+
+    void aMessageThatNeitherSideKnowsIsRemoved()
+    {
+        // Its folder has begun anew since the user moved it, and the server has it somewhere else.
+        QVERIFY(EasDatabase::instance()->deleteEmailItems(Account, { QStringLiteral("5:2") }));
+        mStorage->waiting = { mail("5:1", "1"), mail("5:2", "2") };
+        QVERIFY(handle({ response("5:1", "1"), response("5:2", "1") }));
+        QCOMPARE(mStorage->removed, QList<quint64>({ 2 }));
+        mStorage->accepts = false;
+        QVERIFY(!handle({ response("5:2", "1") }));
     }
 
     void anUnknownDestinationBringsTheFolders()
