@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "client/signalprinter.h"
 
+#include "client/accountwatch.h"
 #include "client/busvalue.h"
 #include "client/policyanswer.h"
 #include "client/policytable.h"
@@ -11,6 +12,7 @@
 #include "common/exchangeactivesync.h"
 
 #include <QDBusConnection>
+#include <QDBusServiceWatcher>
 #include <QDateTime>
 #include <QJsonDocument>
 
@@ -88,15 +90,40 @@ SignalPrinter::SignalPrinter(Output &output)
 {
 }
 
+SignalPrinter::~SignalPrinter() = default;
+
 bool SignalPrinter::start()
 {
     const bool listening = QDBusConnection::sessionBus().connect(ExchangeActiveSync::EAS_DBUS_SERVICE_NAME,
         ExchangeActiveSync::EAS_DBUS_PATH_NAME,
         QString::fromLatin1(EasDBusInterfaceProxy::staticInterfaceName()), QString(), this,
         SLOT(onSignal(QDBusMessage)));
-    if (!listening)
+    if (!listening) {
         Output::error(QStringLiteral("cannot listen on the session bus"));
-    return listening;
+        return false;
+    }
+    followAccounts();
+    followDaemon();
+    return true;
+}
+
+void SignalPrinter::followAccounts()
+{
+    mAccounts = std::make_unique<AccountWatch>();
+    connect(mAccounts.get(), &AccountWatch::added, this,
+        [this](EasAccountId id) { print(QStringLiteral("accountAdded"), { qulonglong(id) }); });
+    connect(mAccounts.get(), &AccountWatch::removed, this,
+        [this](EasAccountId id) { print(QStringLiteral("accountRemoved"), { qulonglong(id) }); });
+}
+
+void SignalPrinter::followDaemon()
+{
+    auto *const daemon = new QDBusServiceWatcher(ExchangeActiveSync::EAS_DBUS_SERVICE_NAME,
+        QDBusConnection::sessionBus(), QDBusServiceWatcher::WatchForOwnerChange, this);
+    connect(daemon, &QDBusServiceWatcher::serviceRegistered, this,
+        [this] { print(QStringLiteral("daemonStarted")); });
+    connect(daemon, &QDBusServiceWatcher::serviceUnregistered, this,
+        [this] { print(QStringLiteral("daemonEnded")); });
 }
 
 void SignalPrinter::onSignal(const QDBusMessage &message)

@@ -6,22 +6,33 @@
 #include <QDBusMessage>
 #include <QObject>
 
-/** Prints signals as they come, a line each: every one of the daemon, and what it is given. On the stack of
- * a command. */
+#include <memory>
+
+class AccountWatch;
+
+/**
+ * Prints what happens as it comes, a line each: every signal of the daemon, the daemon and the accounts as
+ * they come and go. On the stack of a command.
+ */
 class SignalPrinter : public QObject
 {
     Q_OBJECT
 
 public:
     explicit SignalPrinter(Output &output);
+    ~SignalPrinter() override;
 
     /** False, after an error, if the bus cannot be listened to. */
     bool start();
-    void print(const QString &signal, const QVariantList &values);
 
 private Q_SLOTS:
     void onSignal(const QDBusMessage &message);
 
 private:
+    void followAccounts();
+    void followDaemon();
+    void print(const QString &signal, const QVariantList &values = {});
+
     Output &mOutput;
+    std::unique_ptr<AccountWatch> mAccounts;
 };

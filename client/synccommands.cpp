@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "client/synccommands.h"
 
-#include "client/accountwatch.h"
 #include "client/cancellation.h"
 #include "client/commandcontext.h"
 #include "client/daemonproxy.h"
@@ -167,11 +166,6 @@ int SyncCommands::watch(CommandContext &context)
     SignalPrinter printer(context.output());
     if (!printer.start())
         return ExitUnavailable;
-    const AccountWatch accounts;
-    QObject::connect(&accounts, &AccountWatch::added,
-        [&printer](EasAccountId id) { printer.print(QStringLiteral("accountAdded"), { qulonglong(id) }); });
-    QObject::connect(&accounts, &AccountWatch::removed,
-        [&printer](EasAccountId id) { printer.print(QStringLiteral("accountRemoved"), { qulonglong(id) }); });
     // The bus answers behind the wish to listen, so nothing is missed from here on.
     Output::note(DaemonProxy::isDaemonRunning()
             ? QStringLiteral("watching the daemon; an interrupt (Ctrl-C) ends it")

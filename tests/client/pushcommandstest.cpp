@@ -223,6 +223,19 @@ private Q_SLOTS:
         QVERIFY2(!client.output().contains("accountRemoved " + account().toUtf8()), client.output());
     }
 
+    void watchTellsOfADaemonThatComesAndGoes()
+    {
+        ClientProcess client;
+        client.start({ "watch" });
+        QVERIFY2(client.waitForOutput("watching"), client.errors());
+        mDaemon.reset();
+        QVERIFY2(client.waitForOutput("daemonEnded\n"), client.errors());
+        mDaemon = std::make_unique<StubDaemon>();
+        QVERIFY2(client.waitForOutput("daemonStarted\n"), client.errors());
+        mDaemon->setPushState(mScene->accountId(), someState());
+        QVERIFY2(client.waitForOutput("pushStateChanged"), client.errors());
+    }
+
     void watchPrintsMapsAsDocuments()
     {
         ClientProcess client;
