@@ -10,6 +10,7 @@
 #include "configurations/impls/contactsaccountconfigurationimpl.h"
 #include "configurations/impls/emailaccountconfigurationimpl.h"
 #include "configurations/impls/scheduleaccountconfigurationimpl.h"
+#include "provision/provisionmanagerimpl.h"
 #include "storages/calendarstorage.h"
 #include "storages/contactstorage.h"
 #include "storages/mailstorage.h"
@@ -371,7 +372,10 @@ void EasAccountImpl::setLastKnownSupportedCommands(const QStringList &commands)
 
 ProvisionManager *EasAccountImpl::provisionManager()
 {
-    return nullptr;
+    // Not before it is asked for: making it waits for the device's authentication daemon.
+    if (!mProvisionManager)
+        mProvisionManager = new ProvisionManagerImpl(this, this);
+    return mProvisionManager;
 }
 
 bool EasAccountImpl::isReady() const

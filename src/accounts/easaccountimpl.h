@@ -90,6 +90,7 @@ private:
     const StorageCreator &mStorages;
     AccountCredentials *mCredentials;
     RemoteWipe *mRemoteWipe;
+    ProvisionManager *mProvisionManager = nullptr;
     QSharedPointer<CalendarAccountConfiguration> mCalendarConfiguration;
     QSharedPointer<ContactsAccountConfiguration> mContactsConfiguration;
     QSharedPointer<ConnectionAccountConfiguration> mConnectionConfiguration;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "accounts/easaccountimpl.h"
+#include "application/account/provisionmanager.h"
 #include "application/base/deviceinformation.h"
 #include "application/storagesfactory.h"
 #include "configurations/connectionaccountconfiguration.h"
@@ -224,7 +225,10 @@ private Q_SLOTS:
         QVERIFY(mAccount->connectionConfiguration());
         QCOMPARE(mAccount->deviceId(), DeviceInformation::deviceId());
         QCOMPARE(mAccount->deviceType(), QStringLiteral("HalcyonOS"));
-        QCOMPARE(mAccount->provisionManager(), nullptr);
+        ProvisionManager *const manager = mAccount->provisionManager();
+        QVERIFY(manager);
+        QCOMPARE(mAccount->provisionManager(), manager);
+        QCOMPARE(manager->account(), mAccount.get());
         QTRY_VERIFY(mAccount->isReady());
     }
 

@@ -108,7 +108,7 @@ public:
     virtual void setLastKnownVersions(const QStringList &versions) = 0;
     virtual QStringList lastKnownSupportedCommands() const = 0;
     virtual void setLastKnownSupportedCommands(const QStringList &commands) = 0;
-    /** Null as long as the engine does not handle policies. */
+    /** Made at the first call. */
     virtual ProvisionManager *provisionManager() = 0;
     /**
      * The server orders that the account be wiped. False if the order could not be written down: then nothing
