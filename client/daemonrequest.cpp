@@ -23,9 +23,8 @@ DaemonRequest::DaemonRequest(EasAccountId accountId)
     connect(mProxy.get(), &EasDBusInterfaceProxy::syncStarted, this, &DaemonRequest::onSyncStarted);
     connect(mProxy.get(), &EasDBusInterfaceProxy::provisionRequestFinished, this,
         &DaemonRequest::onProvisionFinished);
-    mProxy->connection().connect(mProxy->service(), mProxy->path(), mProxy->interface(),
-        QStringLiteral("policyDocumentReceived"), this,
-        SLOT(onPolicyDocument(qulonglong, qulonglong, QVariantMap)));
+    connect(
+        mProxy.get(), &EasDBusInterfaceProxy::policyDocumentReceived, this, &DaemonRequest::onPolicyDocument);
 }
 
 DaemonRequest::~DaemonRequest() = default;

@@ -149,6 +149,7 @@ void RequestManager::processNewRequest(Request *request)
         request->setParent(this);
     connect(request, &Request::requestCompleted, this, &RequestManager::onRequestCompleted);
     connect(request, &Request::requestDownloadProgress, this, &RequestManager::onRequestDownloadProgress);
+    connect(request, &Request::policyDocumentReceived, this, &RequestManager::policyDocumentReceived);
     if (!isReady()) {
         mPendingRequests.append(request);
         qCDebug(eas()) << "Request" << request->id() << "was added to the queue for account"

@@ -82,6 +82,8 @@ Q_SIGNALS:
         EasAccountId accountId, qulonglong requestId, qlonglong maxValue, qlonglong currentValue);
     void provisionRequestFinished(EasAccountId accountId, qulonglong requestId, int status,
         const FailedPolicyMap &provisionPolicy, int policyStatus);
+    /** The values of a document under their published names, before the verdict on it goes out. */
+    void policyDocumentReceived(EasAccountId accountId, qulonglong requestId, const QVariantMap &policies);
     /** The state as it goes to clients; an empty one for an account that has gone. */
     void pushStateChanged(EasAccountId accountId, const QVariantMap &state);
     void galItemReceived(

@@ -50,6 +50,8 @@ void connectReports(const Manager *manager, Service *service)
     QObject::connect(
         manager, &Manager::provisionRequestFinished, service, &Service::reportProvisionRequestFinished);
     QObject::connect(
+        manager, &Manager::policyDocumentReceived, service, &Service::reportPolicyDocumentReceived);
+    QObject::connect(
         manager, &Manager::searchMessagesFinished, service, &Service::reportSearchMessagesFinished);
     QObject::connect(manager, &Manager::searchGALFinished, service, &Service::reportSearchGALFinished);
     QObject::connect(manager, &Manager::findMessagesFinished, service, &Service::reportFindMessagesFinished);

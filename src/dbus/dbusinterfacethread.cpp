@@ -352,6 +352,12 @@ void DBusInterfaceThread::reportProvisionRequestFinished(qulonglong accountId, q
         provisionPolicy, policyStatus);
 }
 
+void DBusInterfaceThread::reportPolicyDocumentReceived(
+    qulonglong accountId, qulonglong requestId, const QVariantMap &policies)
+{
+    report(mAdapter, &DBusInterfaceAdapter::policyDocumentReceived, accountId, requestId, policies);
+}
+
 void DBusInterfaceThread::reportSearchMessagesFinished(qulonglong accountId, qulonglong requestId, int status,
     uint remainingCount, const QList<qulonglong> &matchingIds)
 {

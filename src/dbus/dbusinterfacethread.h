@@ -92,6 +92,8 @@ public Q_SLOTS:
         qulonglong accountId, qulonglong requestId, qlonglong maxValue, qlonglong currentValue);
     void reportProvisionRequestFinished(qulonglong accountId, qulonglong requestId, int status,
         const FailedPolicyMap &provisionPolicy, int policyStatus);
+    void reportPolicyDocumentReceived(
+        qulonglong accountId, qulonglong requestId, const QVariantMap &policies);
     void reportSearchMessagesFinished(qulonglong accountId, qulonglong requestId, int status,
         uint remainingCount, const QList<qulonglong> &matchingIds);
     void reportSearchGALFinished(qulonglong accountId, qulonglong requestId, int status, uint totalItemsCount,

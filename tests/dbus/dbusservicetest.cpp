@@ -293,6 +293,7 @@ private Q_SLOTS:
     {
         QObject owner;
         BusSpy *const provision = spyOn(QStringLiteral("provisionRequestFinished"), &owner);
+        BusSpy *const document = spyOn(QStringLiteral("policyDocumentReceived"), &owner);
         BusSpy *const messages = spyOn(QStringLiteral("searchMessagesFinished"), &owner);
         BusSpy *const directory = spyOn(QStringLiteral("searchGALFinished"), &owner);
         BusSpy *const found = spyOn(QStringLiteral("findMessagesFinished"), &owner);
@@ -302,6 +303,8 @@ private Q_SLOTS:
         QMetaObject::invokeMethod(thread, [thread] {
             thread->reportProvisionRequestFinished(
                 7, 1, -5, { { 3, 4 }, { 5, QStringLiteral("x") }, { 6, true } }, 2);
+            thread->reportPolicyDocumentReceived(
+                7, 1, { { "AllowCamera", true }, { "MaxAttachmentSize", 4U } });
             thread->reportSearchMessagesFinished(7, 2, 0, 9, { 1, 2 });
             thread->reportSearchGALFinished(7, 3, 0, 9, { 1, 2 });
             thread->reportFindMessagesFinished(7, 4, 0, 9, {});
@@ -316,6 +319,10 @@ private Q_SLOTS:
         QCOMPARE(policies.value(5).toString(), QStringLiteral("x"));
         QCOMPARE(policies.value(6).toBool(), true);
         QCOMPARE(policies.size(), 3);
+        QCOMPARE(document->messages.value(0).signature(), QStringLiteral("tta{sv}"));
+        const auto values = qdbus_cast<QVariantMap>(document->messages.first().arguments().at(2));
+        QCOMPARE(values.value(QStringLiteral("AllowCamera")), QVariant(true));
+        QCOMPARE(values.value(QStringLiteral("MaxAttachmentSize")), QVariant(4U));
         QCOMPARE(messages->messages.value(0).signature(), QStringLiteral("ttiuat"));
         QCOMPARE(directory->messages.value(0).signature(), QStringLiteral("ttiiat"));
         QCOMPARE(found->messages.value(0).signature(), QStringLiteral("ttiuat"));
