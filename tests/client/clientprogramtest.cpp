@@ -185,6 +185,16 @@ private Q_SLOTS:
         QCOMPARE(client.output().count('\n'), 4);
     }
 
+    void aShellIsOfferedTheAccounts()
+    {
+        ClientProcess client;
+        QCOMPARE(client.run({ "--complete", "push", "on", "" }), int(ExitSuccess));
+        QCOMPARE(client.output(), account().toUtf8() + "\nalice\n");
+        client.setVariable(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), QStringLiteral("unix:path=/nowhere"));
+        QCOMPARE(client.run({ "--complete", "push", "on", "" }), int(ExitSuccess));
+        QCOMPARE(client.output(), QByteArray());
+    }
+
     void aFullDeviceIsAnError()
     {
         ClientProcess client;
