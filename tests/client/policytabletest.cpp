@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "client/policytable.h"
 
+#include "easitems/containers/easprovisiondoc.h"
+#include "easitems/containers/provisiondocfields.h"
 #include "support/testmain.h"
 
 #include <QJsonObject>
@@ -113,6 +115,21 @@ private Q_SLOTS:
         QFETCH(FailedPolicyMap, failed);
         QFETCH(QStringList, names);
         QCOMPARE(failedNames(document, failed), names);
+    }
+
+    void everyValueOfADocumentHasWordsAndTheEnginesNumber()
+    {
+        const EasProvisionDoc document;
+        for (const ProvisionDocField &field : ProvisionDocFields::all()) {
+            const QVariant value = field.value(document);
+            const QJsonArray rows = PolicyTable::describe({ { field.name(), value } }, {});
+            QVERIFY2(of(rows, 0, "policy") != field.name(), qPrintable(field.name()));
+            if (field.failedPolicy == 0)
+                continue;
+            const QVariant some = value.type() == QVariant::StringList ? QStringList { "x" } : value;
+            QCOMPARE(failedNames({ { field.name(), some } }, { { field.failedPolicy, some } }),
+                QStringList { field.name() });
+        }
     }
 
     void whatIsLeftOpenIsTheAdministrators()

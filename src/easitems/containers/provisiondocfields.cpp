@@ -28,6 +28,12 @@ struct Field : ProvisionDocField
         field.failedPolicy = failedPolicyNumber;
         return field;
     }
+    Field named(const char *name) const
+    {
+        Field field = *this;
+        field.publishedName = name;
+        return field;
+    }
     Field refusedWith(const char *text) const
     {
         Field field = *this;
@@ -140,7 +146,8 @@ const QVector<ProvisionDocField> &table()
             Provision::RequireSignedSMIMEMessages)
             .number(29),
         flag<&Doc::requireStorageCardEncryption, &Doc::setRequireStorageCardEncryption>(
-            Provision::RequireStorageCardEncryption),
+            Provision::RequireStorageCardEncryption)
+            .named("RequireStorageCardEncryption"),
         unsignedNumber<&Doc::allowBluetooth, &Doc::setAllowBluetooth>(Provision::AllowBluetooth)
             .number(6)
             .refusedWith(NoBluetooth),
@@ -196,6 +203,8 @@ const QVector<ProvisionDocField> &table()
 
 QString ProvisionDocField::name() const
 {
+    if (publishedName)
+        return QString::fromLatin1(publishedName);
     const WBXMLTagEntry *const entry = WbxmlTable::tagEntry(title.page, title.token);
     return entry ? QString::fromLatin1(entry->xmlName) : QString();
 }

@@ -28,6 +28,8 @@ struct ProvisionDocField
     Value value;
     /** 0 if no device is held against it. */
     int failedPolicy = 0;
+    /** Where the table of tags has another name for the element than the published one; else null. */
+    const char *publishedName = nullptr;
 
     /** The published name of the value. */
     QString name() const;
