@@ -396,6 +396,37 @@ private Q_SLOTS:
 
 private:
     QScopedPointer<LogCollector> mLog;
+
+    void aReplyOfWrongElementsDoesNotFillTheLog_data()
+    {
+        QTest::addColumn<uint>("known");
+        QTest::addColumn<uint>("number");
+        QTest::newRow("mail") << Email::Subject.key() << Email::Importance.key();
+        QTest::newRow("events") << Calendar::Subject.key() << Calendar::Reminder.key();
+        QTest::newRow("contacts") << Contacts::FirstName.key() << Contacts::WeightedRank.key();
+    }
+
+    void aReplyOfWrongElementsDoesNotFillTheLog()
+    {
+        QFETCH(uint, known);
+        QFETCH(uint, number);
+        const auto tag = [](uint key) {
+            return Token { quint8(key / 256), quint8(key % 256) };
+        };
+        const WbxmlNode wrong = item(AirSync::Add, "5:1",
+            { node(tag(known), "Known"), node(Tasks::Subject, "foreign"), node(tag(number), "not a number"),
+                node(Tasks::Subject, "foreign"), node(tag(number), "not a number") });
+        const QByteArray bytes = replyWithCommands(QVector<WbxmlNode>(200, wrong));
+        SyncResponseParser parser;
+        const LogCollector log;
+        for (int replies = 1; replies <= 2; ++replies) {
+            parser.parse(bytes);
+            QVERIFY(parser.ready());
+            // The element, and its text.
+            QCOMPARE(log.count(QStringLiteral("unhandled field:")), 2 * replies);
+            QCOMPARE(log.count(QStringLiteral("not a number")), replies);
+        }
+    }
 };
 
 FENNEL_REGISTER_TEST(SyncResponseParserTest)

@@ -3,6 +3,7 @@
 
 #include "application/base/logging.h"
 #include "protocol/wbxml/parserbase.h"
+#include "protocol/wbxml/wbxmltokens.h"
 
 #include <QDebug>
 
@@ -40,11 +41,13 @@ bool AppDataParserBase::stringToUint(const QString &text, uint &value, int base)
 
 void AppDataParserBase::logUnhandledElement(uint page, uint token)
 {
-    qCWarning(eas()) << "unhandled field:"
-                     << ", codePage" << page << ", token" << token;
+    if (mMentions.isFirst("element", Wbxml::key(page, token)))
+        qCWarning(eas()) << "unhandled field:"
+                         << ", codePage" << page << ", token" << token;
 }
 
 void AppDataParserBase::logUnhandledField(const QString &text, uint page, uint token)
 {
-    qCWarning(eas()) << "unhandled field:" << text << ", codePage" << page << ", token" << token;
+    if (mMentions.isFirst("field", Wbxml::key(page, token)))
+        qCWarning(eas()) << "unhandled field:" << text << ", codePage" << page << ", token" << token;
 }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include "protocol/wbxml/mentions.h"
+
 #include <QByteArray>
 #include <QObject>
 #include <QString>
@@ -17,6 +19,9 @@ public:
     explicit AppDataParserBase(QObject *parent = nullptr);
     ~AppDataParserBase() override;
 
+    /** A reply begins: what is wrong with its elements is logged once for each kind. */
+    void beginReply() { mMentions.clear(); }
+
     virtual void onStartElement(uint page, uint token);
     virtual void onEndElement(uint page, uint token);
     virtual void onContent(uint page, uint token, const QString &text, const QByteArray &raw);
@@ -26,6 +31,8 @@ public:
     static bool stringToUint(const QString &text, uint &value, int base = 10);
 
 protected:
-    static void logUnhandledElement(uint page, uint token);
-    static void logUnhandledField(const QString &text, uint page, uint token);
+    void logUnhandledElement(uint page, uint token);
+    void logUnhandledField(const QString &text, uint page, uint token);
+
+    Mentions mMentions;
 };

@@ -157,23 +157,23 @@ FieldResult CalendarAppDataParser::store(uint key, const QString &text, const QB
         storeProposedTime(key, text);
     }
     if (CalendarFields::itemFields().receives(key)) {
-        return CalendarFields::itemFields().take(levelItem(), key, text, raw);
+        return CalendarFields::itemFields().take(levelItem(), key, text, raw, mMentions);
     }
     if (CalendarFields::seriesFields().receives(key)) {
-        return CalendarFields::seriesFields().take(mItem, key, text, raw);
+        return CalendarFields::seriesFields().take(mItem, key, text, raw, mMentions);
     }
     if (CalendarFields::exceptionFields().receives(key)) {
-        return CalendarFields::exceptionFields().take(mException, key, text, raw);
+        return CalendarFields::exceptionFields().take(mException, key, text, raw, mMentions);
     }
     if (CalendarFields::recurrenceFields().receives(key)) {
-        return CalendarFields::recurrenceFields().take(mRecurrence, key, text, raw);
+        return CalendarFields::recurrenceFields().take(mRecurrence, key, text, raw, mMentions);
     }
     if (CalendarFields::attendeeFields().receives(key)) {
-        return CalendarFields::attendeeFields().take(mAttendee, key, text, raw);
+        return CalendarFields::attendeeFields().take(mAttendee, key, text, raw, mMentions);
     }
     const bool isBodySize = key == AirSyncBase::EstimatedDataSize && !inAttachments();
     if (CalendarFields::attachmentFields().receives(key) && !isBodySize) {
-        return CalendarFields::attachmentFields().take(mAttachment, key, text, raw);
+        return CalendarFields::attachmentFields().take(mAttachment, key, text, raw, mMentions);
     }
     return storeOfBody(key, text, raw);
 }
@@ -200,7 +200,7 @@ FieldResult CalendarAppDataParser::storeDisplayName(const QString &text)
 FieldResult CalendarAppDataParser::storeOfBody(uint key, const QString &text, const QByteArray &raw)
 {
     EasBodyContainer body = levelItem().body();
-    const FieldResult result = CalendarFields::bodyFields().take(body, key, text, raw);
+    const FieldResult result = CalendarFields::bodyFields().take(body, key, text, raw, mMentions);
     if (result == FieldResult::Stored) {
         levelItem().setBody(body);
     }

@@ -61,7 +61,7 @@ void ContactsAppDataParser::onContent(uint codePage, uint token, const QString &
         mChildren.append(text);
         break;
     default:
-        switch (ContactsFields::itemFields().take(mItem, tag, text, data)) {
+        switch (ContactsFields::itemFields().take(mItem, tag, text, data, mMentions)) {
         case FieldResult::Stored:
             break;
         case FieldResult::Refused:
@@ -84,11 +84,12 @@ bool ContactsAppDataParser::storeOfBody(uint key, const QString &text, const QBy
         if (stringToInt(text, part)) {
             body.setPart(part);
         } else {
-            qCWarning(eas()) << "Cannot convert to int:" << text;
+            if (mMentions.isFirst("number", key))
+                qCWarning(eas()) << "Cannot convert to int:" << text;
             result = FieldResult::Refused;
         }
     } else {
-        result = ContactsFields::bodyFields().take(body, key, text, data);
+        result = ContactsFields::bodyFields().take(body, key, text, data, mMentions);
     }
     if (result == FieldResult::Unknown) {
         logUnhandledField(text, key / 256, key % 256);

@@ -166,7 +166,7 @@ void EmailAppDataParser::recordChange(uint key)
 template <auto Table, auto Object>
 FieldResult EmailAppDataParser::take(uint key, const QString &text, const QByteArray &raw)
 {
-    return Table().take(this->*Object, key, text, raw);
+    return Table().take(this->*Object, key, text, raw, mMentions);
 }
 
 FieldResult EmailAppDataParser::takeCategory(uint, const QString &text, const QByteArray &)
@@ -184,7 +184,7 @@ FieldResult EmailAppDataParser::takeMeetingPlace(uint, const QString &text, cons
 FieldResult EmailAppDataParser::dropSize(uint key, const QString &text, const QByteArray &raw)
 {
     EasBodyContainer nowhere;
-    return EmailFields::bodyFields().take(nowhere, key, text, raw);
+    return EmailFields::bodyFields().take(nowhere, key, text, raw, mMentions);
 }
 
 void EmailAppDataParser::endBody()

@@ -26,6 +26,7 @@ void ItemOperationsResponseParser::parse(const QByteArray &data)
     mNested = NotNested;
     mInProperties = false;
     mPropertiesParser.reset();
+    mPropertiesParser.beginReply();
     // A fetched message is there already: what comes counts as changes of it.
     mPropertiesParser.setChangeItem(true);
     mMoveItems.clear();

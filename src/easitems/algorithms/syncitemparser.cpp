@@ -34,6 +34,16 @@ const FieldTable<EasBodyContainer> &looseBodyFields()
 
 } // namespace
 
+void SyncItemParser::beginReply()
+{
+    mTypeUnread = false;
+    mMentions.clear();
+    for (AppDataParserBase *parser :
+        { static_cast<AppDataParserBase *>(&mEmailParser), static_cast<AppDataParserBase *>(&mCalendarParser),
+            static_cast<AppDataParserBase *>(&mContactsParser) })
+        parser->beginReply();
+}
+
 void SyncItemParser::setChangeItem(bool isChange)
 {
     mEmailParser.setChangeItem(isChange);
@@ -73,7 +83,9 @@ void SyncItemParser::bodyContent(uint page, uint token, const QString &text)
 {
     if (key(page, token) == AirSyncBase::Body)
         return;
-    if (looseBodyFields().take(mBodyContainer, key(page, token), text, {}) == FieldResult::Unknown)
+    const uint tag = key(page, token);
+    if (looseBodyFields().take(mBodyContainer, tag, text, {}, mMentions) == FieldResult::Unknown
+        && mMentions.isFirst("field", tag))
         qCWarning(eas()) << "unhandled field:" << text << ", codePage" << page << ", token" << token;
 }
 

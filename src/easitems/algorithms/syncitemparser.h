@@ -20,6 +20,8 @@ public:
     /** What a reply says about the item. */
     enum class Use { Added, Changed, Fetched, Ignored };
 
+    /** A reply begins. */
+    void beginReply();
     /** Whether the next items are changes of items that the device has. */
     void setChangeItem(bool isChange);
     /** The data of an item begins. */
@@ -35,7 +37,6 @@ public:
 
     /** Whether the class of an item could not be looked up, so that its data was left out. */
     bool typeUnread() const { return mTypeUnread; }
-    void clearTypeUnread() { mTypeUnread = false; }
 
 private:
     void bodyContent(uint page, uint token, const QString &text);
@@ -57,6 +58,7 @@ private:
     bool mTypeLookedUp = false;
     bool mTypeUnread = false;
     EasBodyContainer mBodyContainer;
+    Mentions mMentions;
     EmailAppDataParser mEmailParser;
     CalendarAppDataParser mCalendarParser;
     ContactsAppDataParser mContactsParser;

@@ -24,7 +24,7 @@ void SyncResponseParser::parse(const QByteArray &data)
     mStatus = 0;
     mLimit = 0;
     mCollections.clear();
-    mItem.clearTypeUnread();
+    mItem.beginReply();
     mParsePhase = data.isEmpty() ? Done : BeforeRoot;
     WbxmlParserBase::parse(data);
 }

@@ -3,6 +3,7 @@
 
 #include "application/base/logging.h"
 #include "easitems/fields/field.h"
+#include "protocol/wbxml/mentions.h"
 
 #include <QDebug>
 #include <QHash>
@@ -16,7 +17,7 @@
 enum class FieldResult {
     /** The table has no such field. */
     Unknown,
-    /** The text does not convert; this has been logged and the item is as it was. */
+    /** The text does not convert; this was logged once for the reply, and the item is as it was. */
     Refused,
     Stored
 };
@@ -55,7 +56,8 @@ public:
 
     bool receives(uint key) const { return mIndexByTag.contains(key); }
 
-    FieldResult take(Item &item, uint key, const QString &text, const QByteArray &raw) const
+    FieldResult take(
+        Item &item, uint key, const QString &text, const QByteArray &raw, Mentions &mentions) const
     {
         const int index = mIndexByTag.value(key, -1);
         if (index < 0) {
@@ -65,7 +67,9 @@ public:
         if (field.take(item, text, raw)) {
             return FieldResult::Stored;
         }
-        qCWarning(eas()) << field.refusal << text;
+        if (mentions.isFirst(field.refusal, key)) {
+            qCWarning(eas()) << field.refusal << text;
+        }
         return FieldResult::Refused;
     }
 

@@ -19,7 +19,7 @@ bool ParserBase::ready() const
 void ParserBase::parse(const QByteArray &data)
 {
     mElementStack.clear();
-    mMentioned.clear();
+    mMentions.clear();
     mRefused = false;
     mState = NotStarted; // a parser that is used again must not show its last result
     if (!data.isEmpty())
@@ -129,11 +129,7 @@ int ParserBase::toStatus(const QString &text, const char *failure)
 bool ParserBase::isFirst(const char *what, uint codePage, uint token)
 {
     constexpr uint TokensOfAPage = 256;
-    const auto subject = qMakePair(what, codePage * TokensOfAPage + token);
-    if (mMentioned.contains(subject))
-        return false;
-    mMentioned.insert(subject);
-    return true;
+    return mMentions.isFirst(what, codePage * TokensOfAPage + token);
 }
 
 void ParserBase::refuse(const char *reason)

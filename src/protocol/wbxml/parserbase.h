@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include "protocol/wbxml/mentions.h"
+
 #include <QByteArray>
 #include <QObject>
-#include <QPair>
-#include <QSet>
 #include <QString>
 #include <QVector>
 
@@ -52,8 +52,7 @@ public:
     static int toStatus(const QString &text, const char *failure = "Cannot convert to int: ");
 
 protected:
-    /** Whether this is the first time in the document that something (a literal) is to be said of a tag; a
-     * large reply of foreign elements must not fill the log. */
+    /** Whether this is the first time in the document that something (a literal) is to be said of a tag. */
     bool isFirst(const char *what, uint codePage, uint token);
     /** Stops a document that passes the bounds of its kind: ready() stays false. */
     void refuse(const char *reason);
@@ -64,7 +63,7 @@ protected:
     QVector<TokenId> mElementStack;
 
 private:
-    QSet<QPair<const char *, uint>> mMentioned;
+    Mentions mMentions;
     bool mRefused = false;
 };
 
