@@ -4,6 +4,7 @@
 #include "storages/calendar/calendarlocalchecks.h"
 #include "storages/calendar/calendartimestamps.h"
 #include "storages/uploadbudget.h"
+#include "support/fixedclock.h"
 #include "support/hiddentable.h"
 #include "support/logcollector.h"
 #include "support/testmain.h"
@@ -371,6 +372,31 @@ private Q_SLOTS:
         const Found found = query();
         QCOMPARE(found.answer, LocalQuery::MappingFailed);
         QVERIFY(found.isEmpty());
+    }
+
+    void anEditInTheSecondOfTheUploadIsFound()
+    {
+        FixedClock clock(QDateTime::fromSecsSinceEpoch(1700000000, Qt::UTC));
+        const qint64 now = clock.now.toSecsSinceEpoch();
+        QVERIFY(mScene->save(event(QStringLiteral("event-1"), now)));
+        QVERIFY(saveSeries());
+        QVERIFY(mScene->addException(QStringLiteral("series-1"), 2, QStringLiteral("moved"), now));
+        Found found = query();
+        QCOMPARE(found.added.size() + found.updated.size(), 2);
+        QVERIFY(acknowledge(found));
+        QVERIFY(query().isEmpty());
+        const auto rename = [](const Event::Ptr &event) {
+            event->setSummary(QStringLiteral("at once"));
+        };
+        QVERIFY(mScene->edit(QStringLiteral("event-1"), rename, now));
+        QVERIFY(mScene->addException(QStringLiteral("series-1"), 4, QStringLiteral("moved, too"), now));
+        clock.now = clock.now.addSecs(5);
+
+        found = query();
+        QCOMPARE(found.added.size(), 0);
+        QCOMPARE(found.updated.size(), 2);
+        QVERIFY(acknowledge(found));
+        QVERIFY(query().isEmpty());
     }
 
     void foldersThatCannotBeReadStopTheSearch()

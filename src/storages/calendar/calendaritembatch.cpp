@@ -58,6 +58,7 @@ bool CalendarItemBatch::updateItems(QList<EasCalendarItem> &added, QList<EasCale
         qCCritical(eas()) << "failed to record attachments";
         return false;
     }
+    mLocalChanges.forgetUploads(added + updated);
     // Without it, the server's changes would come back as the user's.
     if (!mLocalChanges.updateItemsTimestamps(mFolders.keys(), added, updated)) {
         qCCritical(eas()) << "failed to update timestamps";

@@ -210,7 +210,8 @@ LocalQuery CalendarLocalChanges::queryLocalUpdates(const QString &folderId, qint
         qCWarning(eas()) << "Failed loading notebook:" << notebookUid;
         return answer;
     }
-    CalendarLocalQuery query(mContext, timestamps, notebooks.key(notebookUid), notebookUid, budget);
+    CalendarLocalQuery query(
+        mContext, timestamps, mFreshUploads, notebooks.key(notebookUid), notebookUid, budget);
     if (!query.ask())
         return LocalQuery::StoreSilent;
     queryTime = Clock::instance().currentDateTimeUtc().toSecsSinceEpoch();
@@ -324,6 +325,12 @@ bool CalendarLocalChanges::uploadedLocalChanges(
     mContext.calendar->close();
     return updateItemsTimestamps(foldersOf(added, updated), added, updated)
         && CalendarUploadSettlement(mContext).settle(added, updated, deleted);
+}
+
+void CalendarLocalChanges::forgetUploads(const QList<EasCalendarItem> &items)
+{
+    for (const EasCalendarItem &item : items)
+        mFreshUploads.forget(item.localId());
 }
 
 QStringList CalendarLocalChanges::foldersOf(

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "easitems/eascalendaritem.h"
+#include "storages/calendar/calendarfreshuploads.h"
 #include "storages/localquery.h"
 
 #include <QList>
@@ -38,6 +39,9 @@ public:
     bool uploadedLocalChanges(
         QList<EasCalendarItem> &added, QList<EasCalendarItem> &updated, const QStringList &deleted);
 
+    /** Items of the server have been stored. */
+    void forgetUploads(const QList<EasCalendarItem> &items);
+
     /** Gives items whose stamp is not known the one that the store has; they are of these folders. */
     bool updateItemsTimestamps(
         const QStringList &folders, QList<EasCalendarItem> &added, QList<EasCalendarItem> &updated);
@@ -58,4 +62,5 @@ private:
     QStringList foldersOf(const QList<EasCalendarItem> &added, const QList<EasCalendarItem> &updated) const;
 
     const CalendarStoreContext &mContext;
+    CalendarFreshUploads mFreshUploads;
 };

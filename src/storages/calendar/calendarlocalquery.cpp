@@ -7,6 +7,7 @@
 #include "storages/calendar/calendarattachmentuploads.h"
 #include "storages/calendar/calendareventproperties.h"
 #include "storages/calendar/calendareventreader.h"
+#include "storages/calendar/calendarfreshuploads.h"
 #include "storages/calendar/calendarlocalchecks.h"
 #include "storages/calendar/calendaroccurrence.h"
 #include "storages/calendar/calendarstorecontext.h"
@@ -29,10 +30,11 @@ Event::Ptr copyOf(const Incidence::Ptr &incidence)
 } // namespace
 
 CalendarLocalQuery::CalendarLocalQuery(const CalendarStoreContext &context,
-    const CalendarTimestamps &timestamps, const QString &serverFolderId, const QString &notebookUid,
-    UploadBudget *budget)
+    const CalendarTimestamps &timestamps, CalendarFreshUploads &freshUploads, const QString &serverFolderId,
+    const QString &notebookUid, UploadBudget *budget)
     : mContext(context)
     , mTimestamps(timestamps)
+    , mFreshUploads(freshUploads)
     , mServerFolderId(serverFolderId)
     , mNotebookUid(notebookUid)
     , mBudget(budget)
@@ -82,6 +84,8 @@ CalendarLocalQuery::State CalendarLocalQuery::classify(const Incidence::Ptr &inc
     const CalendarLocalChecks checks(mTimestamps);
     if (!mServerIds.contains(incidence->uid()))
         return CalendarLocalChecks::isCandidate(incidence) ? State::New : State::Clean;
+    if (mFreshUploads.isEdited(*incidence, mTimestamps.storedTimestamp(incidence->uid())))
+        return State::Edited;
     return checks.checkNewLocalItem(incidence) && !isOlderPart(incidence) ? State::Edited : State::Clean;
 }
 
@@ -160,8 +164,17 @@ bool CalendarLocalQuery::makeItem(const Event::Ptr &event, bool withExceptions, 
     item.setCollectionId(mServerFolderId);
     // Of the state that goes up: an edit while the upload is under way has another one.
     item.setLocalTimestamp(mTimestamps.eventTimestamp(event->uid()));
+    noteUpload(event->uid());
     applyAttachments(event, item);
     return true;
+}
+
+void CalendarLocalQuery::noteUpload(const QString &uid)
+{
+    const Event::Ptr series = mContext.calendar->event(uid);
+    if (series)
+        mFreshUploads.note(uid, mTimestamps.eventTimestamp(uid),
+            Event::List { series } + mContext.calendar->eventInstances(series));
 }
 
 void CalendarLocalQuery::applyAttachments(const Event::Ptr &event, EasCalendarItem &item)

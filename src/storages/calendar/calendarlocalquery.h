@@ -10,6 +10,7 @@
 #include <QSet>
 #include <QStringList>
 
+class CalendarFreshUploads;
 class CalendarTimestamps;
 class UploadBudget;
 struct CalendarStoreContext;
@@ -30,7 +31,8 @@ class CalendarLocalQuery
 {
 public:
     CalendarLocalQuery(const CalendarStoreContext &context, const CalendarTimestamps &timestamps,
-        const QString &serverFolderId, const QString &notebookUid, UploadBudget *budget);
+        CalendarFreshUploads &freshUploads, const QString &serverFolderId, const QString &notebookUid,
+        UploadBudget *budget);
 
     /** Asks the store. False if it does not answer. */
     bool ask();
@@ -54,6 +56,7 @@ private:
     void evaluateMoved();
     bool isDeletedAnywhere(const QString &uid) const;
     void takeDeleted(const QString &uid);
+    void noteUpload(const QString &uid);
     bool isOlderPart(const KCalendarCore::Incidence::Ptr &incidence) const;
     void takeChanged(const KCalendarCore::Incidence::Ptr &incidence, bool isNew);
     bool fits(const QString &uid) const;
@@ -70,6 +73,7 @@ private:
 
     const CalendarStoreContext &mContext;
     const CalendarTimestamps &mTimestamps;
+    CalendarFreshUploads &mFreshUploads;
     const QString mServerFolderId;
     const QString mNotebookUid;
     UploadBudget *const mBudget;
