@@ -176,8 +176,8 @@ bool SyncCollectionQueue::forgetItems(const EasFolderItem &folder)
             qCWarning(eas()) << "CalendarStorage is null";
             return false;
         }
-        storage->cleanUpFolder(folder);
-        return database->clearCalendarFolder(mAccount.id(), folder.serverId());
+        return storage->cleanUpFolder(folder)
+            && database->clearCalendarFolder(mAccount.id(), folder.serverId());
     }
     if (folder.isContacts())
         return expectContacts(folder);

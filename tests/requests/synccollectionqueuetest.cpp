@@ -4,6 +4,7 @@
 #include "requests/uploadresultscene.h"
 #include "support/fakeconfigurations.h"
 #include "support/logcollector.h"
+#include "support/stubcalendarstorage.h"
 #include "support/stubmailstorage.h"
 #include "support/testmain.h"
 
@@ -195,6 +196,27 @@ private Q_SLOTS:
         QCOMPARE(collections.first().syncKey(), QStringLiteral("0"));
         QCOMPARE(key("1"), QString());
         QVERIFY(EasDatabase::instance()->serverToLocalEmailIds(Account)->isEmpty());
+    }
+
+    void aCalendarThatIsNotClearedKeepsItsRows()
+    {
+        const auto calendar = QSharedPointer<StubCalendarStorage>::create();
+        calendar->takesItems = false;
+        mAccount->events = calendar;
+        EasFolderItem calendarFolder;
+        calendarFolder.setServerId(QStringLiteral("9"));
+        calendarFolder.setSyncKey(QStringLiteral("7"));
+        calendarFolder.setType(EasFolderItem::DefaultCalendarFolder);
+        EasCalendarItem event = item<EasCalendarItem>("e1", "9:1");
+        event.setCollectionId(QStringLiteral("9"));
+        QVERIFY(EasDatabase::instance()->addFolderItems(Account, { calendarFolder }));
+        QVERIFY(EasDatabase::instance()->addCalendarItems(Account, { event }));
+        mState.collectionsToResync = QStringList(QStringLiteral("9"));
+        QList<SyncCollection> collections;
+        QVERIFY(!SyncCollectionQueue(*mAccount, mState).restart(collections));
+        QCOMPARE(EasDatabase::instance()->serverToLocalCalendarIds(Account)->size(), 1);
+        // The next sync begins with it.
+        QCOMPARE(key("9"), QStringLiteral("0"));
     }
 
     void aClearingThatWasCutShortIsFinishedFirst()

@@ -77,7 +77,7 @@ public:
         note(QStringLiteral("time %1 %2").arg(folder).arg(value));
         return takesItems;
     }
-    bool cleanUpFolder(const EasFolderItem &) override { return true; }
+    bool cleanUpFolder(const EasFolderItem &) override { return takesItems; }
     bool uploadedLocalChanges(
         QList<EasCalendarItem> &added, QList<EasCalendarItem> &changed, const QStringList &deleted) override
     {
