@@ -55,6 +55,7 @@ private Q_SLOTS:
     void aCollectionWithoutAKeyDoesNotHoldUpTheOthers();
     void anEmptyReplyToALaterSyncMeansNoChange();
     void keysForACollectionNobodyAskedForAreCounted();
+    void oneCollectionThatIsTooManyIsRepeatedAsItWas();
     void aCollectionThatGoesWhileItIsRepeatedDoesNotStopTheOthers();
 
 private:
@@ -147,8 +148,15 @@ void CollectionStatusTest::aLostKeyStopsTheHandlingOfTheOthers()
 
     QCOMPARE(bed.sync(), 0);
 
-    // All mail was fetched again, from the initial key.
+    // All mail was fetched again: of no collection of that reply was the key kept.
     QCOMPARE(count(bed, "FolderSync"), 3);
+    const auto next = bed.server()
+                          .requests(QStringLiteral("Sync"))
+                          .value(1)
+                          .document.all(QStringLiteral("Collections/Collection"));
+    QVERIFY(next.size() > 2);
+    for (const WbxmlNode &collection : next)
+        QCOMPARE(collection.text(QStringLiteral("SyncKey")), QStringLiteral("0"));
     QCOMPARE(bed.deviceState(), bed.serverState());
 }
 
@@ -423,6 +431,19 @@ void CollectionStatusTest::keysForACollectionNobodyAskedForAreCounted()
     QCOMPARE(bed.sync(), -2);
     QCOMPARE(count(bed, "Sync"), 6);
     QVERIFY(nextSyncRepairs(bed));
+}
+
+void CollectionStatusTest::oneCollectionThatIsTooManyIsRepeatedAsItWas()
+{
+    SyncTestBed bed;
+    QVERIFY(missesOneMessage(bed));
+    const QString inbox = QString::number(bed.deviceFolder(QStringLiteral("Inbox")).toULongLong());
+    bed.server().overrideNext(QStringLiteral("Sync"), Override::topStatus(15));
+    QCOMPARE(bed.syncFolders({ inbox }), 0);
+    const auto syncs = bed.server().requests(QStringLiteral("Sync"));
+    QVERIFY(syncs.size() >= 2);
+    QCOMPARE(syncs.at(0).document.toXml(), syncs.at(1).document.toXml());
+    QCOMPARE(bed.deviceState(), bed.serverState());
 }
 
 void CollectionStatusTest::aCollectionThatGoesWhileItIsRepeatedDoesNotStopTheOthers()

@@ -12,6 +12,7 @@
 
 QTCONTACTS_USE_NAMESPACE
 using Simulator::Contact;
+using Simulator::Override;
 
 /** @short Contacts of a server and a device come into step and stay there, at every protocol version. */
 class ContactSyncTest : public QObject
@@ -31,6 +32,7 @@ private Q_SLOTS:
     void aRemovedPictureGoesFromTheServer();
     void aServerThatForgetsItsKeysDoublesNothing_data() { versions(); }
     void aServerThatForgetsItsKeysDoublesNothing();
+    void manyNewContactsSurviveANewStart();
     void aFolderThatStartsAnewEndsAsTheServerHasIt_data() { versions(); }
     void aFolderThatStartsAnewEndsAsTheServerHasIt();
     void changesInTwoFoldersArrive_data() { versions(); }
@@ -235,6 +237,37 @@ QStringList ContactSyncTest::serverNames(ContactScene &scene, const QString &fol
 QStringList ContactSyncTest::deviceNames(ContactScene &scene, const QString &folder)
 {
     return ContactFixture::names(scene.store().contacts(scene.collection(folder)));
+}
+
+void ContactSyncTest::manyNewContactsSurviveANewStart()
+{
+    // More than one Sync carries: the keys are refused before the first part, and between two of them.
+    constexpr int Many = 130;
+    ContactScene scene(QStringLiteral("14.1"));
+    scene.bed().place(ContactScene::full(1));
+    QCOMPARE(scene.bed().sync(), 0);
+    QStringList wanted { QStringLiteral("First 1") };
+    const auto add = [&](const char *kind) {
+        for (int number = 0; number < Many; ++number) {
+            const QString name = QStringLiteral("%1 %2").arg(QLatin1String(kind)).arg(number);
+            scene.store().addContact(scene.collection(), name);
+            wanted.append(name);
+        }
+    };
+    add("Early");
+    scene.bed().server().overrideNext(QStringLiteral("Sync"), Override::topStatus(3));
+    QCOMPARE(scene.bed().sync(), 0);
+    add("Late");
+    scene.bed().server().overrideNext(QStringLiteral("Sync"), Override());
+    scene.bed().server().overrideNext(QStringLiteral("Sync"), Override::topStatus(3));
+    QCOMPARE(scene.bed().sync(), 0);
+
+    QStringList names = scene.serverNames();
+    names.sort();
+    wanted.sort();
+    QCOMPARE(names, wanted);
+    QCOMPARE(scene.deviceContacts().size(), wanted.size());
+    QVERIFY(scene.furtherSyncIsSilent());
 }
 
 void ContactSyncTest::aFolderThatStartsAnewEndsAsTheServerHasIt()

@@ -79,6 +79,8 @@ void setRule(const DeviceEvent::Ptr &event, Dice &dice)
     const QDate first = event->dtStart().date();
     const Rule rule = anyRule(dice, first);
     KCalendarCore::Recurrence &recurrence = *event->recurrence();
+    // The fifth one of a month is the last one to the protocol.
+    const auto position = short(rule.weekOfMonth == 5 ? -1 : rule.weekOfMonth);
     QBitArray days(7);
     for (int day = 1; day <= days.size(); ++day)
         days.setBit(day - 1, (rule.dayOfWeek & (1 << (day % 7))) != 0);
@@ -91,14 +93,14 @@ void setRule(const DeviceEvent::Ptr &event, Dice &dice)
         recurrence.addMonthlyDate(short(rule.dayOfMonth));
     } else if (rule.type == Rule::MonthlyByWeekDay) {
         recurrence.setMonthly(rule.interval);
-        recurrence.addMonthlyPos(short(rule.weekOfMonth), days);
+        recurrence.addMonthlyPos(position, days);
     } else {
         recurrence.setYearly(rule.interval);
         recurrence.addYearlyMonth(short(rule.monthOfYear));
         if (rule.type == Rule::YearlyByDay)
             recurrence.addYearlyDate(rule.dayOfMonth);
         else
-            recurrence.addYearlyPos(short(rule.weekOfMonth), days);
+            recurrence.addYearlyPos(position, days);
     }
     recurrence.setDuration(Occurrences);
 }

@@ -6,6 +6,28 @@
 using Simulator::Override;
 using namespace StatusScene;
 
+namespace {
+
+/** Another value of a variable while it lives. */
+class EnvironmentVariable
+{
+public:
+    EnvironmentVariable(const char *name, const QByteArray &value)
+        : mName(name)
+        , mBefore(qgetenv(name))
+    {
+        qputenv(mName, value);
+    }
+    ~EnvironmentVariable() { qputenv(mName, mBefore); }
+    Q_DISABLE_COPY(EnvironmentVariable)
+
+private:
+    const char *mName;
+    const QByteArray mBefore;
+};
+
+} // namespace
+
 /** @short What each status of a FolderSync leads to, within a sync and as a request of its own. */
 class FolderSyncStatusTest : public QObject
 {
@@ -22,6 +44,8 @@ private Q_SLOTS:
     void aRequestForFoldersIsAnsweredForEverWith() { answer(ForEver, true); }
     void aFirstSyncIsAnsweredForEverWith_data();
     void aFirstSyncIsAnsweredForEverWith();
+    void aDeviceThatIsNotKnownComesUnderANewIdentifier_data();
+    void aDeviceThatIsNotKnownComesUnderANewIdentifier();
     void theVeryFirstFolderSyncSendsTheInitialKey();
     void aRequestForFoldersWithALostKeyBringsAFullSync();
     void aRequestForFoldersThatTookLongDoesNotCancelItself();
@@ -145,6 +169,41 @@ void FolderSyncStatusTest::aFirstSyncIsAnsweredForEverWith()
     bed.mailbox().deliver(bed.mailbox().inboxId(), SyncTestBed::message(QStringLiteral("one")));
     endsAsTheRowSays(bed, "FolderSync", Override::topStatus(code), ForEver, [&bed] { return bed.sync(); });
     QVERIFY(nextSyncRepairs(bed));
+}
+
+void FolderSyncStatusTest::aDeviceThatIsNotKnownComesUnderANewIdentifier_data()
+{
+    QTest::addColumn<int>("status");
+    QTest::newRow("the identifier is not valid") << 108;
+    QTest::newRow("the type is not valid") << 109;
+}
+
+void FolderSyncStatusTest::aDeviceThatIsNotKnownComesUnderANewIdentifier()
+{
+    QFETCH(int, status);
+    SyncTestBed bed;
+    QVERIFY(missesOneMessage(bed));
+    // The platform tells another number by now; the identifier is computed once until a server refuses it.
+    const EnvironmentVariable uid("PLATFORM_DEVICE_UID", "35" + QByteArray::number(status));
+    bed.server().overrideNext(QStringLiteral("FolderSync"), Override::topStatus(status));
+    QCOMPARE(bed.sync(), 0);
+    const auto deviceIds = [&bed] {
+        QStringList ids;
+        for (const auto &request : bed.server().requests())
+            ids.append(request.deviceId);
+        ids.removeDuplicates();
+        ids.removeAll(QString()); // OPTIONS
+        return ids;
+    };
+    const QStringList before = deviceIds();
+    QCOMPARE(before.size(), 2);
+    for (const QString &id : before)
+        QVERIFY2(!id.isEmpty() && id.size() <= 32, qPrintable(id));
+    // It stays the new one from there on.
+    bed.server().clearRequests();
+    QCOMPARE(bed.sync(), 0);
+    QCOMPARE(deviceIds(), QStringList(before.last()));
+    QCOMPARE(bed.deviceState(), bed.serverState());
 }
 
 void FolderSyncStatusTest::theVeryFirstFolderSyncSendsTheInitialKey()

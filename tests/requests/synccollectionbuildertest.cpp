@@ -6,6 +6,8 @@
 #include "protocol/elements/synccommandadd.h"
 #include "protocol/elements/synccommandchange.h"
 #include "protocol/elements/synccommanddelete.h"
+#include "protocol/wbxml/wbxmlencoder.h"
+#include "protocol/wbxml/wbxmltokens.h"
 #include "requests/syncstate.h"
 #include "requests/uploadresultscene.h"
 #include "support/fakeconfigurations.h"
@@ -14,6 +16,7 @@
 #include "support/stubcalendarstorage.h"
 #include "support/stubcontactstorage.h"
 #include "support/testmain.h"
+#include "support/wbxmldocument.h"
 
 using namespace UploadResultScene;
 
@@ -126,6 +129,12 @@ private Q_SLOTS:
         QVERIFY(tasks.getChanges());
         QVERIFY(!tasks.deletesAsMoves());
         QVERIFY(types(tasks).isEmpty());
+        WbxmlEncoder encoder;
+        encoder.appendElement(Wbxml::AirSync::Collections, true);
+        ofType(EasFolderItem::DefaultTasksFolder).encode(encoder, ExchangeActiveSync::ProtocolVersion141);
+        QCOMPARE(WbxmlDocument::outline(encoder.encoded()),
+            QStringLiteral("Collections(Collection(SyncKey=5,CollectionId=5,DeletesAsMoves=0,GetChanges=1,"
+                           "Options(Conflict=0)))"));
     }
 
     void anyPolicyButOneLetsTheClientWin_data()

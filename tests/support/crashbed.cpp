@@ -95,6 +95,7 @@ void CrashBed::addScenarioRows()
     QTest::newRow("first sync of events and contacts") << FirstPimSync;
     QTest::newRow("later sync of events and contacts") << LaterPimSync;
     QTest::newRow("the device of events and contacts is forgotten") << ForgottenPimDevice;
+    QTest::newRow("more contacts go up than one Sync carries") << LongPimUpload;
 }
 
 void CrashBed::clearDevice()
@@ -169,6 +170,9 @@ void CrashBed::change(Scenario scenario)
     case LaterPimSync:
         mPim.changeBothSides();
         break;
+    case LongPimUpload:
+        mPim.addManyContacts();
+        break;
     case ForgottenPimDevice:
         mPim.changeBothSides();
         mPim.wantServersEdits(CrashPim::Alone);
@@ -182,14 +186,14 @@ void CrashBed::fillMailbox()
     const QString inbox = mailbox().inboxId();
     const QString projects = mailbox().addFolder(QStringLiteral("Projects"), 12, inbox);
     const QString archive = mailbox().addFolder(QStringLiteral("Archive"));
-    mailbox().addFolder(QStringLiteral("Old"));
+    deliver(mailbox().addFolder(QStringLiteral("Old")), QStringLiteral("zero"));
     for (const char *subject : { "one", "two", "three", "four" })
         deliver(inbox, QLatin1String(subject));
     deliver(projects, QStringLiteral("five"));
     deliver(archive, QStringLiteral("six"));
     mailbox().setRead(deliver(archive, QStringLiteral("seven")), true);
     mWanted = QStringList { "Inbox|one|unread", "Inbox|two|unread", "Inbox|three|unread", "Inbox|four|unread",
-        "Inbox/Projects|five|unread", "Archive|six|unread", "Archive|seven|read" };
+        "Inbox/Projects|five|unread", "Archive|six|unread", "Archive|seven|read", "Old|zero|unread" };
 }
 
 bool CrashBed::synchronizeOnce()
@@ -249,7 +253,8 @@ void CrashBed::changeForMove()
     mailbox().move(serverItem(QStringLiteral("four")), mailbox().folderByPath(QStringLiteral("Old")).id);
 
     mWanted = QStringList { "Archive|one|unread", "Inbox/Projects|two|unread", "Inbox|six|unread",
-        "Inbox|three|read", "Old|four|unread", "Inbox/Projects|five|read", "Archive|seven|read" };
+        "Inbox|three|read", "Old|four|unread", "Inbox/Projects|five|read", "Archive|seven|read",
+        "Old|zero|unread" };
 }
 
 QString CrashBed::run(Scenario scenario, const QProcessEnvironment &environment, After after)

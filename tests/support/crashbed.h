@@ -36,6 +36,7 @@ public:
         FirstPimSync, ///< a new device, events and contacts
         LaterPimSync, ///< events and contacts edited on both sides
         ForgottenPimDevice,
+        LongPimUpload, ///< more new contacts here than one Sync carries
     };
 
     CrashBed();

@@ -7,6 +7,7 @@
 #include "simulator/mailbox.h"
 #include "storages/calendar/calendarattachmentservice.h"
 #include "storages/contacts/contactstoremanager.h"
+#include "storages/uploadbudget.h"
 #include "support/contactfixture.h"
 #include "support/devicecalendar.h"
 #include "support/storecheck.h"
@@ -204,6 +205,20 @@ void CrashPim::changeBothSides()
     mServerContacts = PimListing::serverContacts(*mMailbox);
     mWantedEvents = merged(events, mServerEvents, PimListing::deviceEvents(mAccountId));
     mWantedContacts = merged(contacts, mServerContacts, PimListing::deviceContacts(mAccountId));
+}
+
+void CrashPim::addManyContacts()
+{
+    const std::unique_ptr<QContactManager> manager(ContactStoreManager::create(nullptr));
+    QList<QContact> contacts;
+    for (int number = 0; number <= UploadBudget::MostChanges; ++number) {
+        QContact contact = ContactFixture::named(QStringLiteral("Many %1").arg(number));
+        contact.setCollectionId(PimListing::collectionOf(*manager, mAccountId));
+        contacts.append(contact);
+    }
+    if (!manager->saveContacts(&contacts))
+        qFatal("no contacts");
+    changeBothSides();
 }
 
 void CrashPim::wantServersEdits(Besides besides)

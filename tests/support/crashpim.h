@@ -24,6 +24,8 @@ public:
     void fillMailbox();
     /** Edits on both sides, of different items. */
     void changeBothSides();
+    /** More new contacts on the device than one Sync carries, besides the other edits of both sides. */
+    void addManyContacts();
     enum Besides { Alone, AndWhatIsNewHere };
     /** After a new start with the server, which brings back what the device has changed. */
     void wantServersEdits(Besides besides);

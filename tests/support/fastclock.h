@@ -4,8 +4,8 @@
 #include "application/base/clock.h"
 
 /**
- * A clock that makes the delays between attempts short and leaves the other timers alone. It stands in while
- * it lives.
+ * A clock that makes the delays between attempts short, gives the sign-on service more time than a starved
+ * machine takes, and leaves the other timers alone. It stands in while it lives.
  */
 class FastClock : public Clock
 {
@@ -26,6 +26,8 @@ public:
     {
         if (timer == Timer::ProcessEnd)
             return 1;
+        if (timer == Timer::SignOnAnswer)
+            return 20 * milliseconds;
         return mFast && timer == Timer::Resend ? 20 : milliseconds;
     }
 
