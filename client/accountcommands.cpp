@@ -13,6 +13,8 @@ namespace {
 
 const QCommandLineOption PasswordDescriptor(QStringLiteral("password-fd"),
     QStringLiteral("Read the password from this descriptor."), QStringLiteral("n"));
+const QCommandLineOption PasswordCommand(QStringLiteral("password-command"),
+    QStringLiteral("Read the password from this command's output."), QStringLiteral("command"));
 
 const Columns &columnsOfOne()
 {
@@ -30,7 +32,13 @@ int readPassword(const QCommandLineParser &parser, const QString &userName, QStr
 {
     QString error;
     PasswordInput::Outcome outcome = PasswordInput::Outcome::Failed;
-    if (parser.isSet(PasswordDescriptor)) {
+    if (parser.isSet(PasswordDescriptor) && parser.isSet(PasswordCommand)) {
+        Output::error(QStringLiteral("give one of --password-fd and --password-command"));
+        return ExitUsage;
+    }
+    if (parser.isSet(PasswordCommand)) {
+        outcome = PasswordInput::fromCommand(parser.value(PasswordCommand), password, &error);
+    } else if (parser.isSet(PasswordDescriptor)) {
         const std::optional<int> descriptor =
             CommandContext::number(parser, PasswordDescriptor.names().first(), 0, 0, INT_MAX);
         if (!descriptor)
@@ -89,7 +97,7 @@ int AccountCommands::add(CommandContext &context)
 {
     QCommandLineParser parser;
     const AccountOptions options(parser);
-    parser.addOption(PasswordDescriptor);
+    parser.addOptions({ PasswordDescriptor, PasswordCommand });
     if (!context.parse(parser, 1, 1))
         return context.exitStatus();
     AccountSettings settings;
@@ -196,7 +204,7 @@ int AccountCommands::remove(CommandContext &context)
 int AccountCommands::password(CommandContext &context)
 {
     QCommandLineParser parser;
-    parser.addOption(PasswordDescriptor);
+    parser.addOptions({ PasswordDescriptor, PasswordCommand });
     EasAccountId id = 0;
     const int selected = selectNamed(context, parser, 0, &id);
     if (selected != ExitSuccess)

@@ -68,7 +68,8 @@ const QList<Command> &CommandTable::commands()
         { "account add",
             "ADDRESS [--server HOST|URL] [--user NAME] [--domain NAME] [--name TEXT] "
             "[--folders all|inbox|marked] [--protocol-version V] [--past-time 0-8] "
-            "[--without mail|calendar|contacts ...] [--accept-all-certificates] [--password-fd N]",
+            "[--without mail|calendar|contacts ...] [--accept-all-certificates] "
+            "[--password-fd N|--password-command COMMAND]",
             "add an account; the password is asked for", AccountCommands::add },
         { "account edit", "[ACCOUNT] [the options of account add] [--without nothing] [--check-certificates]",
             "change the settings of an account", AccountCommands::edit },
@@ -78,7 +79,8 @@ const QList<Command> &CommandTable::commands()
         { "account disable", "[ACCOUNT]", "stop it", AccountCommands::disable },
         { "account remove", "ACCOUNT", "remove an account and its mail from the device",
             AccountCommands::remove },
-        { "password", "[ACCOUNT] [--password-fd N]", "store a new password", AccountCommands::password },
+        { "password", "[ACCOUNT] [--password-fd N|--password-command COMMAND]", "store a new password",
+            AccountCommands::password },
         { "sync",
             "[--folder FOLDER ... [--kind mail|calendar|contacts]] [--service mail|calendar|contacts] "
             "[--folders-only]",
@@ -105,8 +107,10 @@ const QList<Command> &CommandTable::commands()
             MailCommands::exportMessage },
         { "attachment save", "MESSAGE PART|--all [FILE|FOLDER|-] [--force]",
             "download and save an attachment, or all of them", AttachmentCommands::save },
-        { "mark read", "MESSAGE ...", "mark messages as read", MailCommands::markRead },
-        { "mark unread", "MESSAGE ...", "mark messages as unread", MailCommands::markUnread },
+        { "mark read", "MESSAGE ...|--folder FOLDER", "mark messages as read, or all of a folder",
+            MailCommands::markRead },
+        { "mark unread", "MESSAGE ...|--folder FOLDER", "mark messages as unread, or all of a folder",
+            MailCommands::markUnread },
         { "move", "MESSAGE ... FOLDER", "move messages", MailCommands::move },
         { "delete", "MESSAGE ...", "delete messages", MailCommands::remove },
         { "event list", "[--from DAY] [--to DAY] [--calendar NAME]", "what takes place, by time",

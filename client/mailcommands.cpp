@@ -12,17 +12,33 @@ namespace {
 
 const auto NextSync = QStringLiteral("; the next sync tells the server");
 
-/** Changes the messages that the arguments name. */
-template <class Change> int changeMessages(CommandContext &context, const QString &what, Change change)
+int reportChange(CommandContext &context, const MailSelection &mail, const QString &what)
 {
-    MailSelection mail(context);
-    if (!mail.open(1, -1) || !mail.select(mail.arguments()))
-        return mail.exitStatus();
-    if (!change(mail.store(), mail.messages()))
-        return ExitFailure;
     context.output().done(QStringLiteral("%1 message(s) %2").arg(mail.messages().size()).arg(what) + NextSync,
         { { QStringLiteral("messages"), mail.numbers() } });
     return ExitSuccess;
+}
+
+/** Marks the messages that the arguments name, or those of a folder. */
+int markMessages(CommandContext &context, const QString &what, bool read)
+{
+    MailSelection mail(context);
+    const QCommandLineOption folder(QStringLiteral("folder"), QString(), QStringLiteral("folder"));
+    mail.parser().addOption(folder);
+    if (!mail.parse(0, -1))
+        return mail.exitStatus();
+    const bool isFolder = mail.parser().isSet(folder);
+    if (isFolder != mail.arguments().isEmpty()) {
+        Output::error(QStringLiteral("give messages or --folder"));
+        return ExitUsage;
+    }
+    if (!mail.openStore()
+        || !(isFolder ? mail.selectOfFolder(mail.parser().value(folder), read)
+                      : mail.select(mail.arguments())))
+        return mail.exitStatus();
+    if (!mail.messages().isEmpty() && !mail.store().setStatus(mail.messages(), QMailMessage::Read, read))
+        return ExitFailure;
+    return reportChange(context, mail, what);
 }
 
 /** The options that choose messages for a list. */
@@ -161,18 +177,12 @@ int MailCommands::exportMessage(CommandContext &context)
 
 int MailCommands::markRead(CommandContext &context)
 {
-    return changeMessages(
-        context, QStringLiteral("marked as read"), [](MailBox &box, const QMailMessageIdList &ids) {
-            return box.setStatus(ids, QMailMessage::Read, true);
-        });
+    return markMessages(context, QStringLiteral("marked as read"), true);
 }
 
 int MailCommands::markUnread(CommandContext &context)
 {
-    return changeMessages(
-        context, QStringLiteral("marked as unread"), [](MailBox &box, const QMailMessageIdList &ids) {
-            return box.setStatus(ids, QMailMessage::Read, false);
-        });
+    return markMessages(context, QStringLiteral("marked as unread"), false);
 }
 
 int MailCommands::move(CommandContext &context)
@@ -194,6 +204,9 @@ int MailCommands::move(CommandContext &context)
 
 int MailCommands::remove(CommandContext &context)
 {
-    return changeMessages(context, QStringLiteral("deleted"),
-        [](MailBox &box, const QMailMessageIdList &ids) { return box.remove(ids); });
+    MailSelection mail(context);
+    if (!mail.open(1, -1) || !mail.select(mail.arguments()))
+        return mail.exitStatus();
+    return mail.store().remove(mail.messages()) ? reportChange(context, mail, QStringLiteral("deleted"))
+                                                : int(ExitFailure);
 }

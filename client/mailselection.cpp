@@ -13,6 +13,20 @@ bool MailSelection::select(const QStringList &numbers)
     return true;
 }
 
+bool MailSelection::selectOfFolder(const QString &folder, bool unread)
+{
+    MailFilter filter;
+    if (!findFolder(folder, &filter.folder))
+        return false;
+    const QMailMessageIdList ids = store().messages(filter);
+    for (const QMailMessageId &id : ids) {
+        const bool isUnread = !(QMailMessageMetaData(id).status() & QMailMessage::Read);
+        if (isUnread == unread)
+            mMessages.append(id);
+    }
+    return true;
+}
+
 QJsonArray MailSelection::numbers() const
 {
     QJsonArray array;

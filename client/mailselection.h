@@ -17,6 +17,8 @@ public:
 
     /** False, with exitStatus() set and an error printed, if one does not exist. */
     bool select(const QStringList &numbers);
+    /** All messages of a folder that are marked as read, or that are not. */
+    bool selectOfFolder(const QString &folder, bool unread);
     bool findFolder(const QString &folder, QMailFolderId *id);
 
 private:

@@ -7,8 +7,10 @@
 
 #include <array>
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 #include <poll.h>
+#include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -94,10 +96,34 @@ PasswordInput::Outcome PasswordInput::fromDescriptor(int descriptor, QString *pa
                               : readLine(descriptor, InterruptGuard(), password, error);
 }
 
+PasswordInput::Outcome PasswordInput::fromCommand(const QString &command, QString *password, QString *error)
+{
+    const InterruptGuard interrupts;
+    std::FILE *output = ::popen(command.toLocal8Bit().constData(), "re");
+    if (!output)
+        return fail(error,
+            QStringLiteral("cannot run the password command: %1")
+                .arg(QString::fromLocal8Bit(std::strerror(errno))));
+    const Outcome outcome = readLine(::fileno(output), interrupts, password, error);
+    // A program that cannot write its other lines would end with an error.
+    std::array<char, 4096> rest {};
+    while (outcome != Outcome::Interrupted && ::read(::fileno(output), rest.data(), rest.size()) > 0) {}
+    const int status = ::pclose(output);
+    if (outcome == Outcome::Interrupted || status == 0)
+        return outcome;
+    password->clear();
+    return fail(error,
+        WIFEXITED(status)
+            ? QStringLiteral("the password command ended with status %1").arg(WEXITSTATUS(status))
+            : QStringLiteral("the password command was killed"));
+}
+
 PasswordInput::Outcome PasswordInput::fromTerminal(const QString &prompt, QString *password, QString *error)
 {
     QFile terminal(QStringLiteral("/dev/tty"));
     if (!terminal.open(QIODevice::ReadWrite | QIODevice::Unbuffered))
-        return fail(error, QStringLiteral("no terminal to ask for the password; give it with --password-fd"));
+        return fail(error,
+            QStringLiteral("no terminal to ask for the password; give it with --password-fd or "
+                           "--password-command"));
     return readSilently(terminal.handle(), prompt, password, error);
 }

@@ -123,7 +123,7 @@ QString SyncSummary::sentence(const QJsonObject &counts)
         if (!words.isEmpty())
             kinds.append(QStringLiteral("%1 %2").arg(kind.key(), words.join(QStringLiteral(", "))));
     }
-    return kinds.isEmpty() ? QStringLiteral("nothing new here") : kinds.join(QStringLiteral("; "));
+    return kinds.join(QStringLiteral("; "));
 }
 
 void SyncSummary::end(const DaemonRequest &request)
@@ -137,12 +137,16 @@ void SyncSummary::end(const DaemonRequest &request)
     account[QStringLiteral("id")] = QString::number(request.accountId());
     account[QStringLiteral("counts")] = counts;
     mAccounts.append(account);
-    const QString state = request.exitStatus() == ExitSuccess
-        ? QStringLiteral("account %1 is in step (%2 s): %3")
-        : QStringLiteral("account %1 is not in step (%2 s): %3");
-    mSentences.append(state.arg(request.accountId())
-                          .arg(double(mTimer.elapsed()) / 1000.0, 0, 'f', 1)
-                          .arg(sentence(counts)));
+    const bool isInStep = request.exitStatus() == ExitSuccess;
+    QString text = isInStep ? QStringLiteral("account %1 is in step (%2 s)")
+                            : QStringLiteral("account %1 is not in step (%2 s)");
+    QString changes = sentence(counts);
+    // Where a sync has failed, nobody knows what there is.
+    if (changes.isEmpty() && isInStep)
+        changes = QStringLiteral("nothing new here");
+    if (!changes.isEmpty())
+        text += QStringLiteral(": ") + changes;
+    mSentences.append(text.arg(request.accountId()).arg(double(mTimer.elapsed()) / 1000.0, 0, 'f', 1));
 }
 
 void SyncSummary::print()

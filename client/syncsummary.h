@@ -36,6 +36,7 @@ private:
 
     Kinds itemsOf(EasAccountId account) const;
     static QJsonObject difference(const Items &before, const Items &after);
+    /** Empty if nothing has changed. */
     static QString sentence(const QJsonObject &counts);
 
     CommandContext &mContext;

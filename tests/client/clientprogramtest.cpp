@@ -113,6 +113,7 @@ private Q_SLOTS:
             { "account|add|a@example.com|--past-time|9", ExitUsage },
             { "account|add|a@example.com|--past-time|abc", ExitUsage },
             { "account|add|a@example.com|--password-fd|abc", ExitUsage },
+            { "account|add|a@example.com|--password-fd|0|--password-command|true", ExitUsage },
             { "account|add|a@example.com|--server|ftp://x", ExitUsage }, { "mail|show|99999", ExitNotFound },
             { "--account|nobody|sync", ExitNotFound }, { "event|show|deadbeef", ExitNotFound },
             { "contact|show|99999", ExitNotFound }, { "folder|delete|Nowhere", ExitNotFound } };
@@ -330,6 +331,27 @@ private Q_SLOTS:
         QCOMPARE(client.waitForEnd(), int(ExitSuccess));
         QVERIFY(client.echoes());
         QVERIFY2(!client.output().contains("an0ther"), client.output());
+    }
+
+    void aPasswordComesFromACommand()
+    {
+        ClientProcess client;
+        QCOMPARE(client.run({ "password", "--password-command", "echo an0ther" }), int(ExitSuccess));
+        QVERIFY2(!(client.output() + client.errors()).contains("an0ther"), client.errors());
+        QCOMPARE(client.run({ "password", "--password-command", "exit 7" }), int(ExitFailure));
+        QVERIFY2(client.errors().contains("status 7"), client.errors());
+    }
+
+    void aSyncThatFailedDoesNotSayThatNothingIsNew()
+    {
+        ClientProcess client;
+        QCOMPARE(client.run({ "sync" }), int(ExitSuccess));
+        QVERIFY2(client.output().contains("is in step") && client.output().contains(": nothing new here"),
+            client.output());
+        mDaemon->setStatus(-2);
+        QVERIFY(client.run({ "sync" }) != int(ExitSuccess));
+        QVERIFY2(client.output().contains("is not in step"), client.output());
+        QVERIFY2(!client.output().contains("nothing new"), client.output());
     }
 
     void anEmptyPasswordIsRefused()

@@ -22,6 +22,9 @@ private Q_SLOTS:
     void wrongArgumentsAreAUsageError_data();
     void wrongArgumentsAreAUsageError();
     void aPasswordIsReadUpToTheEndOfItsLine();
+    void aPasswordIsTheFirstLineOfACommandsOutput();
+    void aPasswordCommandThatFailsGivesNone_data();
+    void aPasswordCommandThatFailsGivesNone();
     void aClosedDescriptorIsToldOf();
 };
 
@@ -81,6 +84,40 @@ void CommandTableTest::aPasswordIsReadUpToTheEndOfItsLine()
     QVERIFY(PasswordInput::fromDescriptor(ends[0], &password, &error) == PasswordInput::Outcome::Read);
     QCOMPARE(password, QStringLiteral("pässword with blanks"));
     ::close(ends[0]);
+}
+
+void CommandTableTest::aPasswordIsTheFirstLineOfACommandsOutput()
+{
+    QString password;
+    QString error;
+    // More than a pipe holds: the program must not die of what nobody reads.
+    const QString command = QStringLiteral("printf 's3cret with blanks\\n'; head -c 100000 /dev/zero");
+    QVERIFY2(PasswordInput::fromCommand(command, &password, &error) == PasswordInput::Outcome::Read,
+        qPrintable(error));
+    QCOMPARE(password, QStringLiteral("s3cret with blanks"));
+}
+
+void CommandTableTest::aPasswordCommandThatFailsGivesNone_data()
+{
+    QTest::addColumn<QString>("command");
+    QTest::addColumn<QString>("reason");
+    QTest::newRow("without output") << "true"
+                                    << "empty";
+    QTest::newRow("with a status") << "echo s3cret; exit 3"
+                                   << "status 3";
+    QTest::newRow("not there") << "exec /nowhere/at/all 2>/dev/null"
+                               << "status 127";
+}
+
+void CommandTableTest::aPasswordCommandThatFailsGivesNone()
+{
+    QFETCH(QString, command);
+    QFETCH(QString, reason);
+    QString password;
+    QString error;
+    QVERIFY(PasswordInput::fromCommand(command, &password, &error) == PasswordInput::Outcome::Failed);
+    QVERIFY2(error.contains(reason), qPrintable(error));
+    QVERIFY(password.isEmpty());
 }
 
 void CommandTableTest::aClosedDescriptorIsToldOf()

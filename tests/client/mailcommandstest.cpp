@@ -74,6 +74,19 @@ private Q_SLOTS:
         QVERIFY(isRead(mFirst) && !isRead(mSecond));
     }
 
+    void allMessagesOfAFolderAreMarked()
+    {
+        const QMailMessageId third = mMail->addMessage(mInbox, QStringLiteral("Third"));
+        QCOMPARE(CommandScene::run({ "mark", "read", "--folder", "Inbox" }), int(ExitSuccess));
+        QVERIFY(isRead(mFirst) && isRead(third) && !isRead(mSecond));
+        ClientProcess client;
+        QCOMPARE(client.run({ "--json", "mark", "unread", "--folder", "inbox/projects" }), int(ExitSuccess));
+        QCOMPARE(client.json().object().value(QStringLiteral("messages")).toArray(), QJsonArray());
+        QCOMPARE(CommandScene::run({ "mark", "read" }), int(ExitUsage));
+        QCOMPARE(CommandScene::run({ "mark", "read", text(mFirst), "--folder", "Inbox" }), int(ExitUsage));
+        QCOMPARE(CommandScene::run({ "mark", "read", "--folder", "nowhere" }), int(ExitNotFound));
+    }
+
     void aMessageIsMoved()
     {
         QCOMPARE(CommandScene::run({ "move", text(mFirst), "inbox/projects" }), int(ExitSuccess));
