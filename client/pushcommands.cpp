@@ -123,7 +123,7 @@ int PushCommands::status(CommandContext &context)
     }
     // Narrow enough for an ordinary terminal, so without the accounts' names.
     context.output().rows(
-        { { "id", "ID" }, { "enabled", "PUSH" }, { "heartbeat", "HEARTBEAT" }, { "folders", "FOLDERS" },
+        { { "id", "ID" }, { "enabled", "PUSH" }, { "heartbeat", "BEAT" }, { "folders", "FOLDERS" },
             { "lastAnswerName", "LAST ANSWER" }, { "lastAnswerAt", "AT" }, { "nextStepName", "NEXT STEP" },
             { "nextStepAt", "DUE" } },
         readable(rows));

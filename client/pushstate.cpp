@@ -35,9 +35,9 @@ struct Step
 
 /** Short enough for a column of a table. */
 constexpr Step Steps[] = {
-    { "ping", "ping" },
+    { "ping", "await changes" },
     { "sync", "sync" },
-    { "pause", "ping again" },
+    { "pause", "ping" },
     { "network", "once online" },
     { "stopped", "try again" },
     { "off", "none" },
@@ -108,6 +108,6 @@ QString PushState::sentence(const QVariantMap &state)
     if (facts.contains(NextStep))
         parts.append(QStringLiteral("next: %1").arg(facts.value(NextStepName).toString()));
     if (facts.contains(NextStepAt))
-        parts.last() += QStringLiteral(" at %1").arg(TimeText::readable(facts.value(NextStepAt).toString()));
+        parts.last() += QStringLiteral(" at %1").arg(TimeText::brief(facts.value(NextStepAt).toString()));
     return parts.join(QStringLiteral(", "));
 }

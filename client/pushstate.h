@@ -14,7 +14,7 @@ namespace PushState {
  */
 QJsonObject describe(const QVariantMap &state);
 
-/** The same in a line: "on, heartbeat 300 s, 5 folders; last answer: changes; next: waits for changes". */
+/** The same in a line: "on, heartbeat 300 s, folders: 5, last answer: changes, next: await changes". */
 QString sentence(const QVariantMap &state);
 
 } // namespace PushState
