@@ -2,6 +2,7 @@
 #include "simulator/httpfrontend.h"
 
 #include "simulator/connections.h"
+#include "simulator/connectionthreads.h"
 
 #include <httplib.h>
 
@@ -11,8 +12,6 @@
 namespace Simulator {
 namespace {
 
-// Each connection that is kept alive or held back takes one.
-const size_t workers = 48;
 const int keepAliveSeconds = 60;
 const int gateCheckInterval = 20;
 const int endlessChunk = 65536;
@@ -172,7 +171,7 @@ bool HttpFrontend::start(quint16 port, const QByteArray &certificate, const QByt
     if (!d->server->is_valid())
         return false;
     d->server->new_task_queue = [] {
-        return new httplib::ThreadPool(workers);
+        return new ConnectionThreads;
     };
     d->server->set_tcp_nodelay(true);
     d->server->set_keep_alive_max_count(100000);
@@ -209,7 +208,7 @@ void HttpFrontend::stop()
         return;
     d->stopping.open();
     d->server->stop();
-    // Idle connections would keep their workers until the keep-alive time is over. One that is just being
+    // Idle connections would keep their threads until the keep-alive time is over. One that is just being
     // accepted can slip through the first round.
     do
         shutDownConnections(d->port);

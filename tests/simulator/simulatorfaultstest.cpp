@@ -8,6 +8,8 @@
 #include <QSignalSpy>
 #include <QtTest>
 
+#include <vector>
+
 using namespace Simulator;
 
 namespace {
@@ -187,6 +189,23 @@ private Q_SLOTS:
         QCOMPARE(replied.size(), 0);
         gate->open();
         QCOMPARE(SimulatorClient::finished(reply).status, 200);
+    }
+
+    void clientsThatAreHeldBackHoldUpNoOthers()
+    {
+        const GatePtr gate = std::make_shared<Gate>();
+        mServer->overrideAll(QStringLiteral("FolderSync"), Override().holdUntil(gate));
+        QSignalSpy received(mServer.get(), &ExchangeServer::requestReceived);
+        std::vector<std::unique_ptr<SimulatorClient>> clients;
+        std::vector<QNetworkReply *> replies;
+        for (int i = 0; i < 100; ++i) {
+            clients.push_back(std::make_unique<SimulatorClient>(*mServer));
+            replies.push_back(clients.back()->send(QStringLiteral("FolderSync"), folderSync));
+        }
+        QTRY_COMPARE_WITH_TIMEOUT(received.size(), 100, 30000);
+        gate->open();
+        for (QNetworkReply *reply : replies)
+            QCOMPARE(SimulatorClient::finished(reply).status, 200);
     }
 
     void aDelayTakesItsTime()
