@@ -347,7 +347,9 @@ bool EasAccountImpl::firstSyncCompleted() const
 
 void EasAccountImpl::setFirstSyncCompleted(bool completed)
 {
-    setGlobalValue(firstSyncCompletedKey, completed);
+    // Said after each sync, and each time the account is written its listeners wake.
+    if (firstSyncCompleted() != completed)
+        setGlobalValue(firstSyncCompletedKey, completed);
 }
 
 QStringList EasAccountImpl::lastKnownVersions() const

@@ -120,6 +120,16 @@ private Q_SLOTS:
         QVERIFY(EasDatabase::instance()->serverToLocalFolderIds(Account)->contains(QStringLiteral("9")));
     }
 
+    void aReplyWithoutFoldersWakesNoStore()
+    {
+        mBed->answer(reply("1", "8"));
+        FolderSyncRequest request(Account, Id);
+        QCOMPARE(RequestBed::run(request), 0);
+        QCOMPARE(key(), QStringLiteral("8"));
+        QCOMPARE(
+            mBed->mail->folders.calls + mBed->calendar->folders.calls + mBed->contacts->folders.calls, 0);
+    }
+
     void aStoreThatRefusesLeavesTheOldKey_data()
     {
         QTest::addColumn<QString>("store");
