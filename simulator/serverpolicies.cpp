@@ -113,7 +113,7 @@ int ServerPolicies::complaint(
         return RemoteWipeRequested;
     if (refusesKeyless && key.isNull())
         return LegacyDeviceOnStrictPolicy;
-    if (list.isEmpty())
+    if (list.isEmpty() || !checksKeys)
         return 0;
     if (key.isEmpty() || key == QLatin1String("0"))
         return DeviceNotProvisioned;

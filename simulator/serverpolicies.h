@@ -40,6 +40,7 @@ struct ServerPolicies
 {
     QVector<Policy> list; ///< in the order of the reply; empty: no policy
     int revision = 1; ///< a device that took on an older one has to fetch the policies again
+    bool checksKeys = true; ///< whether a command without a good key is refused
     bool refusesKeyless = false; ///< a command without a policy key is none of a device that can obey
     bool wantsCompliance = false; ///< a device that does not meet all of the policy is refused
     bool forgetsKeys = false; ///< no key is good, not even the one that was just handed out

@@ -302,7 +302,7 @@ private Q_SLOTS:
         DBusInterfaceThread *const thread = mThread.get();
         QMetaObject::invokeMethod(thread, [thread] {
             thread->reportProvisionRequestFinished(
-                7, 1, -5, { { 3, 4 }, { 5, QStringLiteral("x") }, { 6, true } }, 2);
+                7, 1, -5, { { 3, 4U }, { 6, -1 }, { 7, false }, { 42, QStringList { "x" } } }, 2);
             thread->reportPolicyDocumentReceived(
                 7, 1, { { "AllowCamera", true }, { "MaxAttachmentSize", 4U } });
             thread->reportSearchMessagesFinished(7, 2, 0, 9, { 1, 2 });
@@ -316,9 +316,13 @@ private Q_SLOTS:
         QTRY_COMPARE(attendees->messages.size(), 1);
         QCOMPARE(provision->messages.value(0).signature(), QStringLiteral("ttia{iv}i"));
         const auto policies = qdbus_cast<FailedPolicyMap>(provision->messages.first().arguments().at(3));
-        QCOMPARE(policies.value(5).toString(), QStringLiteral("x"));
-        QCOMPARE(policies.value(6).toBool(), true);
-        QCOMPARE(policies.size(), 3);
+        QCOMPARE(policies.value(3), QVariant(4U));
+        QCOMPARE(policies.value(6), QVariant(-1));
+        QCOMPARE(policies.value(7), QVariant(false));
+        QCOMPARE(policies.value(42), QVariant(QStringList { QStringLiteral("x") }));
+        QCOMPARE(policies.value(3).type(), QVariant::UInt);
+        QCOMPARE(policies.value(6).type(), QVariant::Int);
+        QCOMPARE(policies.size(), 4);
         QCOMPARE(document->messages.value(0).signature(), QStringLiteral("tta{sv}"));
         const auto values = qdbus_cast<QVariantMap>(document->messages.first().arguments().at(2));
         QCOMPARE(values.value(QStringLiteral("AllowCamera")), QVariant(true));

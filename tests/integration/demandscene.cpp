@@ -1,0 +1,213 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "integration/demandscene.h"
+
+#include "application/mapping/easdatabase.h"
+#include "application/requestmanager.h"
+#include "integration/fetchscene.h"
+#include "support/devicecalendar.h"
+#include "support/sampleevents.h"
+
+#include <attachmentinfo.h>
+
+using Simulator::Override;
+using namespace StatusScene;
+
+namespace {
+
+const QString root = QStringLiteral("0");
+constexpr int FileSize = 1000;
+
+bool mailIsEqual(SyncTestBed &bed)
+{
+    return bed.deviceState() == bed.serverState() && bed.deviceFolders() == bed.serverFolders();
+}
+
+bool nothingYet(SyncTestBed &bed)
+{
+    bed.mailbox().deliver(bed.mailbox().inboxId(), SyncTestBed::message(QStringLiteral("one")));
+    return true;
+}
+
+bool losesItsKeys(SyncTestBed &bed)
+{
+    if (!missesOneMessage(bed))
+        return false;
+    bed.server().overrideNext(QStringLiteral("Sync"), Override::topStatus(3));
+    return true;
+}
+
+bool movesAMessage(SyncTestBed &bed)
+{
+    bed.mailbox().addFolder(QStringLiteral("Archive"));
+    bed.mailbox().deliver(bed.mailbox().inboxId(), SyncTestBed::message(QStringLiteral("one")));
+    if (bed.sync() != 0)
+        return false;
+    moveOnDevice(bed, "one", QStringLiteral("Archive"));
+    return true;
+}
+
+qulonglong sync(SyncTestBed &bed)
+{
+    return bed.startSync();
+}
+
+qulonglong syncFolders(SyncTestBed &bed)
+{
+    return bed.startFoldersSync();
+}
+
+// Folders
+
+bool hasAFolder(SyncTestBed &bed)
+{
+    bed.mailbox().addFolder(QStringLiteral("Plans"));
+    return bed.sync() == 0;
+}
+
+QString localFolder(SyncTestBed &bed)
+{
+    const auto items = *EasDatabase::instance()->folderItemsByFolderType(
+        bed.accountId(), EasFolderItem::UserCreatedMailFolder);
+    return items.value(0).localId();
+}
+
+/** Identifiers beside those of the bed's own calls. */
+qulonglong nextId()
+{
+    static qulonglong last = 100000;
+    return ++last;
+}
+
+qulonglong createFolder(SyncTestBed &bed)
+{
+    const qulonglong id = nextId();
+    RequestManager::instance()->onCreateFolderRequest(bed.accountId(), QStringLiteral("New"), root, 0, id);
+    return id;
+}
+
+qulonglong renameFolder(SyncTestBed &bed)
+{
+    const qulonglong id = nextId();
+    RequestManager::instance()->onUpdateFolderRequest(
+        bed.accountId(), localFolder(bed), root, QStringLiteral("Done"), id);
+    return id;
+}
+
+qulonglong deleteFolder(SyncTestBed &bed)
+{
+    const qulonglong id = nextId();
+    RequestManager::instance()->onDeleteFolderRequest(bed.accountId(), localFolder(bed), id);
+    return id;
+}
+
+template <int Size> bool hasAMessageWithAFile(SyncTestBed &bed)
+{
+    return FetchScene::receives(bed, { FetchScene::bytesOf(Size) }) != 0;
+}
+
+qulonglong messageWithAFile(SyncTestBed &bed)
+{
+    return bed.deviceMessage(QStringLiteral("files")).toULongLong();
+}
+
+qulonglong fetchFile(SyncTestBed &bed)
+{
+    return bed.startDownloadPart(messageWithAFile(bed), FetchScene::fileLocation(0));
+}
+
+qulonglong fetchMessage(SyncTestBed &bed)
+{
+    return bed.startDownloadMessages({ messageWithAFile(bed) }, true);
+}
+
+template <int Size> bool hasTheFile(SyncTestBed &bed)
+{
+    return FetchScene::fileOnDevice(messageWithAFile(bed), 0) == FetchScene::bytesOf(Size);
+}
+
+// Files of events
+
+QString eventFile()
+{
+    const auto event = DeviceCalendar().withSummary(SampleEvents::meeting().subject);
+    return event && !event->attachments().isEmpty() ? event->attachments().constFirst().uri() : QString();
+}
+
+bool hasAnEventWithAFile(SyncTestBed &bed)
+{
+    Simulator::Event event = SampleEvents::meeting();
+    event.attachments.clear();
+    event.attach(QStringLiteral("plan.bin"), FetchScene::bytesOf(FileSize));
+    bed.place(event);
+    return bed.sync() == 0 && !eventFile().isEmpty();
+}
+
+qulonglong fetchEventFile(SyncTestBed &bed)
+{
+    const qulonglong id = nextId();
+    RequestManager::instance()->onCalendarAttachmentDownloadRequest(bed.accountId(), id, eventFile());
+    return id;
+}
+
+bool hasTheEventFile(SyncTestBed &)
+{
+    return !mKCal::AttachmentInfo(eventFile()).contentLocation().isEmpty();
+}
+
+} // namespace
+
+const QList<DemandScene::Work> &DemandScene::works()
+{
+    constexpr int TwoRanges = FetchScene::RangeSize + FileSize;
+    static const QList<Work> all {
+        { "first folders", "FolderSync", 0, nothingYet, sync, mailIsEqual },
+        { "first keys", "Sync", 0, nothingYet, sync, mailIsEqual },
+        { "first items", "Sync", 1, nothingYet, sync, mailIsEqual },
+        { "later folders", "FolderSync", 0, missesOneMessage, sync, mailIsEqual },
+        { "later items", "Sync", 0, missesOneMessage, sync, mailIsEqual },
+        { "keys anew", "Sync", 0, losesItsKeys, sync, mailIsEqual },
+        { "a move", "MoveItems", 0, movesAMessage, sync,
+            [](SyncTestBed &bed) { return bed.sync() == 0 && mailIsEqual(bed); }, "14.1", false },
+        { "folders alone", "FolderSync", 0, missesOneMessage, syncFolders,
+            [](SyncTestBed &bed) {
+                return bed.deviceFolders() == bed.serverFolders();
+            } },
+        { "a new folder", "FolderCreate", 0, missesOneMessage, createFolder,
+            [](SyncTestBed &bed) {
+                return bed.sync() == 0 && mailIsEqual(bed);
+            } },
+        { "a renamed folder", "FolderUpdate", 0, hasAFolder, renameFolder, mailIsEqual },
+        { "a deleted folder", "FolderDelete", 0, hasAFolder, deleteFolder, mailIsEqual },
+        { "a file", "ItemOperations", 0, hasAMessageWithAFile<FileSize>, fetchFile, hasTheFile<FileSize> },
+        { "the rest of a file", "ItemOperations", 1, hasAMessageWithAFile<TwoRanges>, fetchFile,
+            hasTheFile<TwoRanges> },
+        { "a message", "ItemOperations", 0, hasAMessageWithAFile<FileSize>, fetchMessage,
+            hasTheFile<FileSize> },
+        { "the file of a message", "ItemOperations", 1, hasAMessageWithAFile<FileSize>, fetchMessage,
+            hasTheFile<FileSize> },
+        { "the file of an event", "ItemOperations", 0, hasAnEventWithAFile, fetchEventFile, hasTheEventFile,
+            "16.1" },
+    };
+    return all;
+}
+
+std::unique_ptr<SyncTestBed> DemandScene::bedFor(const Work &work)
+{
+    return std::make_unique<SyncTestBed>(
+        QStringList { QLatin1String(work.version) }, SyncTestBed::everyService());
+}
+
+void DemandScene::answer(SyncTestBed &bed, const Work &work, const Override &override, int times)
+{
+    if (work.passing > 0)
+        bed.server().overrideNext(QLatin1String(work.command), Override(), work.passing);
+    bed.server().overrideNext(QLatin1String(work.command), override, times);
+}
+
+void DemandScene::offerPolicy(SyncTestBed &bed)
+{
+    bed.server().changePolicies([](Simulator::ServerPolicies &all) {
+        all.setPolicies({ Simulator::Policy::allowing() });
+        all.checksKeys = false;
+    });
+}
