@@ -31,6 +31,17 @@ QVector<QString> unknownTo(const QVector<ItemEntry> &entries, const KnownItems &
     return missing;
 }
 
+/** What a device sees of the folder: among deleted messages there may be events that it does not. */
+QVector<ItemEntry> itemsOfTheClass(const MailFolder &folder, const Mailbox &mailbox)
+{
+    const QString className = itemClassOf(folder.type);
+    QVector<ItemEntry> entries = mailbox.items(folder.id);
+    entries.erase(std::remove_if(entries.begin(), entries.end(),
+                      [&className](const ItemEntry &entry) { return entry.item->className() != className; }),
+        entries.end());
+    return entries;
+}
+
 } // namespace
 
 struct CollectionSync::Difference
@@ -186,8 +197,9 @@ WbxmlNode CollectionSync::itemNode(
 }
 
 CollectionSync::Difference CollectionSync::differenceOf(
-    const QVector<ItemEntry> &entries, const CollectionState &state)
+    const MailFolder &folder, const Mailbox &mailbox, const CollectionState &state)
 {
+    const QVector<ItemEntry> entries = itemsOfTheClass(folder, mailbox);
     const QDateTime start = state.options.filterStart(QDateTime::currentDateTimeUtc());
     Difference difference;
     int present = 0;
@@ -208,19 +220,14 @@ CollectionSync::Difference CollectionSync::differenceOf(
     return difference;
 }
 
-QVector<ItemEntry> CollectionSync::itemsOfTheClass() const
+bool hasNews(const MailFolder &folder, const Mailbox &mailbox, const CollectionState &state)
 {
-    const QString className = itemClassOf(mFolder.type);
-    QVector<ItemEntry> entries = mContext.mailbox.items(mId);
-    entries.erase(std::remove_if(entries.begin(), entries.end(),
-                      [&className](const ItemEntry &entry) { return entry.item->className() != className; }),
-        entries.end());
-    return entries;
+    return CollectionSync::differenceOf(folder, mailbox, state).size() > 0;
 }
 
 QVector<WbxmlNode> CollectionSync::changes(CollectionState &state, bool *more)
 {
-    Difference difference = differenceOf(itemsOfTheClass(), state);
+    Difference difference = differenceOf(mFolder, mContext.mailbox, state);
     QVector<WbxmlNode> commands = removals(difference, state);
     int room = mWindow - commands.size();
     ItemShape shape { mContext.version(), QString(), mFolder.type == DraftsFolder, state.options, nullptr };

@@ -8,6 +8,9 @@ namespace Simulator {
 /** Class of the items in a folder of that type: "Email", "Calendar", "Contacts", "Tasks", "Notes". */
 QString itemClassOf(int folderType);
 
+/** Whether a device that knows this much of the folder would get something by a Sync. */
+bool hasNews(const MailFolder &folder, const Mailbox &mailbox, const CollectionState &state);
+
 /** One collection of one Sync request. */
 class CollectionSync
 {
@@ -22,6 +25,8 @@ public:
     bool isSilent() const { return mIsSilent; }
 
 private:
+    friend bool hasNews(const MailFolder &, const Mailbox &, const CollectionState &);
+
     WbxmlNode statusReply(int status, const QString &key) const;
     WbxmlNode startAfresh(CollectionState &state);
     WbxmlNode proceed(CollectionState &state, const QString &key);
@@ -29,9 +34,8 @@ private:
     bool wantsChanges() const;
     /** What differs between the folder and what the device knows of it. */
     struct Difference;
-    static Difference differenceOf(const QVector<ItemEntry> &entries, const CollectionState &state);
-    /** What a device sees of the folder: among deleted messages there may be events that it does not. */
-    QVector<ItemEntry> itemsOfTheClass() const;
+    static Difference differenceOf(
+        const MailFolder &folder, const Mailbox &mailbox, const CollectionState &state);
     QVector<WbxmlNode> removals(const Difference &difference, CollectionState &state) const;
     QVector<WbxmlNode> changes(CollectionState &state, bool *more);
     WbxmlNode itemNode(

@@ -15,6 +15,7 @@ const QVector<CommandEntry> &commandTable()
         { "FolderDelete", handleFolderDelete, "FolderHierarchy:FolderDelete", Version161 },
         { "FolderUpdate", handleFolderUpdate, "FolderHierarchy:FolderUpdate", Version161 },
         { "MoveItems", handleMoveItems, "Move:MoveItems", Version161 },
+        { "Ping", handlePing, "Ping:Ping", Version161 },
         { "ItemOperations", handleItemOperations, "ItemOperations:ItemOperations", Version161 },
         { "Provision", handleProvision, "Provision:Provision", Version161 },
     };

@@ -7,6 +7,8 @@
 
 #include <QStringList>
 
+#include <optional>
+
 namespace Simulator {
 
 struct ServerSettings
@@ -16,6 +18,9 @@ struct ServerSettings
     int windowSize = 100;
     bool reportStaleHierarchy = false;
     bool emptyReplies = true;
+    int shortestHeartbeat = 60; ///< seconds
+    int longestHeartbeat = 3540; ///< seconds
+    int maxPingFolders = 200;
 };
 
 /** What the handler of a command works with; everything stands still while it runs. */
@@ -29,6 +34,7 @@ struct CommandContext
     ServerPolicies &policies;
     int &lastKey; ///< counts over the whole server, so that no key ever comes twice
     QStringList &failures; ///< what the client did against the protocol
+    bool isOverdue = false; ///< the command has waited for as long as it was asked to
 
     QString nextKey() const { return QString::number(++lastKey); }
     int version() const { return request.version; }
@@ -42,6 +48,7 @@ struct CommandReply
     QVector<QByteArray> parts; ///< follow the document in a multipart reply
     QByteArray contentType; ///< with @ref body, in place of a document
     QByteArray body;
+    std::optional<int> wait; ///< nothing to answer yet: ask again after news, or after so many seconds
 
     static CommandReply of(const WbxmlNode &document)
     {
@@ -62,6 +69,7 @@ CommandReply handleMoveItems(const CommandContext &context);
 CommandReply handleItemOperations(const CommandContext &context);
 CommandReply handleGetAttachment(const CommandContext &context);
 CommandReply handleProvision(const CommandContext &context);
+CommandReply handlePing(const CommandContext &context);
 
 /** The commands in the order in which OPTIONS names them. */
 struct CommandEntry

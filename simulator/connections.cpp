@@ -6,6 +6,7 @@
 #include <arpa/inet.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
+#include <poll.h>
 #include <sys/socket.h>
 
 namespace Simulator {
@@ -50,6 +51,16 @@ void acknowledgeAtOnce(int localPort, int peerPort)
         const int on = 1;
         setsockopt(socket, IPPROTO_TCP, TCP_QUICKACK, &on, sizeof(on));
     });
+}
+
+bool isPeerGone(int localPort, int peerPort)
+{
+    bool isThere = false;
+    forConnections(localPort, peerPort, [&isThere](int socket) {
+        pollfd state { socket, POLLRDHUP, 0 };
+        isThere = poll(&state, 1, 0) == 0;
+    });
+    return !isThere;
 }
 
 void allowReuse(int socket)

@@ -16,6 +16,9 @@ void shutDownConnections(int localPort, int peerPort = -1);
  */
 void acknowledgeAtOnce(int localPort, int peerPort);
 
+/** Whether the client of that connection has closed its side, or is gone altogether. */
+bool isPeerGone(int localPort, int peerPort);
+
 /** Lets a server listen again on the port it just left. */
 void allowReuse(int socket);
 

@@ -7,6 +7,7 @@
 
 #include <QHash>
 #include <QSet>
+#include <QStringList>
 
 #include <optional>
 
@@ -69,10 +70,18 @@ struct CollectionState
     QHash<QString, QString> added;
 };
 
+/** What the last Ping of a device asked for, for one that leaves it out. */
+struct PingState
+{
+    int heartbeat = 0; ///< seconds, 0 before the first
+    QStringList folders;
+};
+
 /** All that the server keeps of one device of one user. */
 struct DeviceState
 {
     HierarchyState hierarchy;
+    PingState ping;
     QHash<QString, CollectionState> collections;
     ProvisionState provision;
 };

@@ -104,8 +104,10 @@ Mailbox &Dispatcher::addUser(const QString &name, const QString &password)
         mFirstUser = name;
     mHasOwnUsers = true;
     std::unique_ptr<User> &user = mUsers[name];
-    if (!user)
+    if (!user) {
         user = std::make_unique<User>();
+        user->mailbox.setOnChanged([this] { mWaits.tellNews(); });
+    }
     user->password = password;
     return user->mailbox;
 }
@@ -150,6 +152,7 @@ void Dispatcher::forgetDevices()
     const QMutexLocker lock(&mMutex);
     for (auto &user : mUsers)
         user.second->devices.clear();
+    mWaits.tellNews();
 }
 
 HttpReply Dispatcher::answer(const HttpRequest &request)
@@ -164,8 +167,7 @@ HttpReply Dispatcher::answer(const HttpRequest &request)
         reply.body = answer.mReply->body;
         record.replyDocument = answer.mReply->document;
     } else {
-        const QMutexLocker lock(&mMutex);
-        reply = decide(record, answer);
+        reply = decide(record, answer, request);
     }
     reply.headers += answer.mHeaders;
     reply.transport = answer.mTransport;
@@ -211,7 +213,29 @@ Dispatcher::User *Dispatcher::authenticated(const RecordedRequest &record)
         : nullptr;
 }
 
-HttpReply Dispatcher::decide(RecordedRequest &record, const Override &answer)
+HttpReply Dispatcher::decide(RecordedRequest &record, const Override &answer, const HttpRequest &request)
+{
+    std::optional<Waits::Wait> wait;
+    bool isOverdue = false;
+    for (;;) {
+        if (wait)
+            mWaits.look(*wait);
+        HttpReply reply;
+        {
+            const QMutexLocker lock(&mMutex);
+            reply = decideNow(record, answer, isOverdue);
+        }
+        if (!reply.wait)
+            return reply;
+        // A change between the two would not be news any more: the first look comes after the beginning.
+        if (!wait)
+            wait = mWaits.begin(record.user + QLatin1Char('/') + record.deviceId, request.isClientGone);
+        else
+            isOverdue = !mWaits.waitForNews(*wait, *reply.wait);
+    }
+}
+
+HttpReply Dispatcher::decideNow(RecordedRequest &record, const Override &answer, bool isOverdue)
 {
     HttpReply reply;
     if (!authenticated(record))
@@ -221,7 +245,7 @@ HttpReply Dispatcher::decide(RecordedRequest &record, const Override &answer)
     else if (record.verb != QLatin1String("POST"))
         reply = plainReply(405);
     else
-        reply = runCommand(record, answer);
+        reply = runCommand(record, answer, isOverdue);
     reply.headers += QPair<QByteArray, QByteArray>("MS-Server-ActiveSync", "15.20");
     return reply;
 }
@@ -244,7 +268,7 @@ HttpReply Dispatcher::optionsReply() const
             { "Allow", "OPTIONS,POST" }, { "Public", "OPTIONS,POST" } });
 }
 
-HttpReply Dispatcher::runCommand(RecordedRequest &record, const Override &answer)
+HttpReply Dispatcher::runCommand(RecordedRequest &record, const Override &answer, bool isOverdue)
 {
     const CommandEntry *entry = commandEntry(record.command);
     if (!record.documentError.isEmpty() || record.deviceId.isEmpty()
@@ -274,12 +298,17 @@ HttpReply Dispatcher::runCommand(RecordedRequest &record, const Override &answer
     }
     CommandReply reply;
     user->mailbox.atomically([&] {
-        reply = entry->handler(
-            { record, mSettings, answer, user->mailbox, device, user->policies, mLastKey, failures });
+        reply = entry->handler({ record, mSettings, answer, user->mailbox, device, user->policies, mLastKey,
+            failures, isOverdue });
     });
     for (const QString &failure : qAsConst(failures))
         mScript.addFailure(
             QStringLiteral("request %1 (%2): %3").arg(record.number).arg(record.command, failure));
+    if (reply.wait) {
+        HttpReply waiting;
+        waiting.wait = reply.wait;
+        return waiting;
+    }
     if (answer.mEdit)
         answer.mEdit(reply.document);
     HttpReply result =

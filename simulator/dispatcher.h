@@ -4,6 +4,7 @@
 #include "simulator/command.h"
 #include "simulator/httpfrontend.h"
 #include "simulator/script.h"
+#include "simulator/waits.h"
 
 #include <QMutex>
 
@@ -15,7 +16,8 @@ namespace Simulator {
  * From an HTTP request to its reply: authentication, version, script, command.
  *
  * Owns the users with their mailboxes and devices. Requests are worked on one after the other, whatever
- * thread they come in; waiting for a delayed answer happens outside, in HttpFrontend.
+ * thread they come in. A command that waits for news lets the others pass and looks again with each change;
+ * waiting for a delayed answer happens outside, in HttpFrontend.
  */
 class Dispatcher
 {
@@ -35,6 +37,11 @@ public:
     void changePolicies(const QString &name, const std::function<void(ServerPolicies &)> &change);
     void changeSettings(const std::function<void(ServerSettings &)> &change);
     void forgetDevices();
+    /** The time of all commands that wait is over. */
+    void expireWaits() { mWaits.expireAll(); }
+    /** No command waits any more, until resume(). */
+    void stopWaits() { mWaits.stop(); }
+    void resumeWaits() { mWaits.resume(); }
 
 private:
     struct User
@@ -46,14 +53,17 @@ private:
     };
 
     RecordedRequest read(const HttpRequest &request);
-    HttpReply decide(RecordedRequest &record, const Override &answer);
-    HttpReply runCommand(RecordedRequest &record, const Override &answer);
+    /** The own answer, as soon as there is one. */
+    HttpReply decide(RecordedRequest &record, const Override &answer, const HttpRequest &request);
+    HttpReply decideNow(RecordedRequest &record, const Override &answer, bool isOverdue);
+    HttpReply runCommand(RecordedRequest &record, const Override &answer, bool isOverdue);
     User &user(const QString &name) const;
     HttpReply demandReply(RecordedRequest &record, const CommandEntry &entry, int status) const;
     HttpReply optionsReply() const;
     User *authenticated(const RecordedRequest &record);
 
     Script &mScript;
+    Waits mWaits;
     QMutex mMutex;
     std::map<QString, std::unique_ptr<User>> mUsers;
     QString mFirstUser;

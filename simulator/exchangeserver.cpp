@@ -84,7 +84,9 @@ bool ExchangeServer::start(Scheme scheme, quint16 port)
 
 void ExchangeServer::stop()
 {
+    d->dispatcher.stopWaits();
     d->frontend.reset();
+    d->dispatcher.resumeWaits();
 }
 
 bool ExchangeServer::isListening() const
@@ -162,6 +164,24 @@ void ExchangeServer::setReportStaleHierarchy(bool report)
 void ExchangeServer::setEmptyReplies(bool empty)
 {
     d->dispatcher.changeSettings([empty](ServerSettings &settings) { settings.emptyReplies = empty; });
+}
+
+void ExchangeServer::setHeartbeatLimits(int shortest, int longest)
+{
+    d->dispatcher.changeSettings([shortest, longest](ServerSettings &settings) {
+        settings.shortestHeartbeat = shortest;
+        settings.longestHeartbeat = longest;
+    });
+}
+
+void ExchangeServer::setMaxPingFolders(int count)
+{
+    d->dispatcher.changeSettings([count](ServerSettings &settings) { settings.maxPingFolders = count; });
+}
+
+void ExchangeServer::expirePings()
+{
+    d->dispatcher.expireWaits();
 }
 
 void ExchangeServer::forgetDevices()

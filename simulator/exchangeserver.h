@@ -61,6 +61,12 @@ public:
     void setReportStaleHierarchy(bool report);
     /** From 12.1 a Sync that changes nothing is answered with an empty body; on at first. */
     void setEmptyReplies(bool empty);
+    /** Seconds that a Ping may wait, others get status 5; 60 to 3540 at first. */
+    void setHeartbeatLimits(int shortest, int longest);
+    /** More folders in a Ping get status 6; 200 at first. */
+    void setMaxPingFolders(int count);
+    /** The heartbeats of all Pings that wait are over now. */
+    void expirePings();
     /** Forgets all keys of all devices, as a server that lost its state. */
     void forgetDevices();
 

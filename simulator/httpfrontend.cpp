@@ -73,7 +73,11 @@ public:
 
 void HttpFrontend::Private::answer(const httplib::Request &request, httplib::Response &response)
 {
-    const HttpReply reply = handler(fromLibrary(request));
+    HttpRequest asked = fromLibrary(request);
+    asked.isClientGone = [this, peer = request.remote_port] {
+        return isPeerGone(port, peer);
+    };
+    const HttpReply reply = handler(asked);
     if (!holdBack(reply.transport)) {
         // Nothing can be written to a connection that is shut down, so the client gets not one byte.
         shutDownConnections(port, request.remote_port);

@@ -7,6 +7,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 
 namespace Simulator {
 
@@ -16,6 +17,7 @@ struct HttpRequest
     QByteArray target; ///< path and query as sent
     HttpHeaders headers;
     QByteArray body;
+    std::function<bool()> isClientGone; ///< whether nobody waits for the reply any more
 };
 
 struct HttpReply
@@ -26,6 +28,7 @@ struct HttpReply
     QByteArray body;
     Transport transport;
     std::function<void()> onSending; ///< runs when the delays are over
+    std::optional<int> wait; ///< no reply yet, see CommandReply
 };
 
 /**

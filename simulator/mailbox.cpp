@@ -78,6 +78,12 @@ Mailbox::Mailbox()
 
 Mailbox::~Mailbox() = default;
 
+void Mailbox::tellChanged() const
+{
+    if (mOnChanged)
+        mOnChanged();
+}
+
 QString Mailbox::addFolder(const QString &name, int type, const QString &parentId)
 {
     const QMutexLocker lock(&mMutex);
@@ -85,6 +91,7 @@ QString Mailbox::addFolder(const QString &name, int type, const QString &parentI
         return QString();
     const QString id = QString::number(d->nextFolder++);
     d->folders.push_back({ { id, parentId, name, type }, {}, false });
+    tellChanged();
     return id;
 }
 
@@ -94,6 +101,7 @@ bool Mailbox::renameFolder(const QString &id, const QString &name)
     FolderContent *content = d->content(id);
     if (content)
         content->folder.name = name;
+    tellChanged();
     return content;
 }
 
@@ -112,6 +120,7 @@ bool Mailbox::moveFolder(const QString &id, const QString &parentId)
     }
     std::stable_partition(d->folders.begin(), d->folders.end(),
         [&moved](const FolderContent &entry) { return !moved.contains(entry.folder.id); });
+    tellChanged();
     return true;
 }
 
@@ -144,6 +153,7 @@ bool Mailbox::removeFolder(const QString &id)
     const auto first = std::remove_if(d->folders.begin(), d->folders.end(),
         [&removed](const FolderContent &entry) { return removed.contains(entry.folder.id); });
     d->folders.erase(first, d->folders.end());
+    tellChanged();
     return true;
 }
 
@@ -203,6 +213,7 @@ QString Mailbox::addItem(const QString &folderId, const ItemPtr &item)
     const qint64 number = d->nextItem++;
     const QString serverId = Data::serverId(*content, number);
     content->items.emplace(number, ItemEntry { serverId, item });
+    tellChanged();
     return serverId;
 }
 
@@ -213,6 +224,7 @@ bool Mailbox::replaceItem(const QString &serverId, const ItemPtr &item)
     if (!content || !item)
         return false;
     content->items[Data::number(serverId)].item = item;
+    tellChanged();
     return true;
 }
 
@@ -241,7 +253,10 @@ bool Mailbox::remove(const QString &serverId)
 {
     const QMutexLocker lock(&mMutex);
     FolderContent *content = d->holder(serverId);
-    return content && content->items.erase(Data::number(serverId)) > 0;
+    if (!content || content->items.erase(Data::number(serverId)) == 0)
+        return false;
+    tellChanged();
+    return true;
 }
 
 QString Mailbox::move(const QString &serverId, const QString &folderId)

@@ -105,6 +105,9 @@ public:
     template <class ItemType>
     bool edit(const QString &serverId, const std::function<void(typename ItemType::Value &)> &change);
 
+    /** Called after each change, by whoever changed something; set before the mailbox is used. */
+    void setOnChanged(const std::function<void()> &onChanged) { mOnChanged = onChanged; }
+
     /** Runs @p work with the mailbox standing still for all others. */
     void atomically(const std::function<void()> &work);
 
@@ -112,6 +115,9 @@ private:
     class Data;
     mutable QRecursiveMutex mMutex;
     std::unique_ptr<Data> d;
+    std::function<void()> mOnChanged;
+
+    void tellChanged() const;
 };
 
 template <class ItemType>

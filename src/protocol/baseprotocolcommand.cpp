@@ -2,6 +2,7 @@
 #include "protocol/baseprotocolcommand.h"
 
 #include "application/account/easaccount.h"
+#include "application/base/deadline.h"
 #include "application/base/engine.h"
 #include "application/base/logging.h"
 #include "application/base/network.h"
@@ -142,6 +143,8 @@ void BaseProtocolCommand::end(bool success)
     if (!mStarted)
         return;
     mRedirectTimer.stop();
+    if (mDeadline)
+        mDeadline->stop();
     dropReply();
     mStarted = false;
     Q_EMIT finished(success);
@@ -155,6 +158,7 @@ void BaseProtocolCommand::start()
     }
     mStatus = 0;
     mIsToldToProvision = false;
+    mIsGivenUp = false;
     QNetworkRequest request;
     EasAccount *const commandAccount = account();
     if (!configureNetworkRequest(request, commandName())) {
@@ -172,7 +176,29 @@ void BaseProtocolCommand::start()
     qCDebug(easNetwork()) << texts().sending;
     logBody(body);
     if (!post(request, body))
-        end(false);
+        return end(false);
+    limitWait();
+}
+
+void BaseProtocolCommand::limitWait()
+{
+    const int wait = longestWait();
+    if (wait <= 0)
+        return;
+    if (!mDeadline) {
+        mDeadline = std::make_unique<Deadline>(Clock::Timer::Answer);
+        connect(mDeadline.get(), &Deadline::expired, this, &BaseProtocolCommand::giveUp);
+    }
+    mDeadline->start(wait);
+}
+
+void BaseProtocolCommand::giveUp()
+{
+    qCWarning(easNetwork()) << "no answer for" << longestWait() / 1000
+                            << "s, giving it up. Command:" << commandName();
+    mIsGivenUp = true;
+    mStatus = ProtocolUtils::TransportStatusBase + QNetworkReply::TimeoutError;
+    end(false);
 }
 
 void BaseProtocolCommand::stop()
@@ -187,6 +213,8 @@ void BaseProtocolCommand::stop()
         return;
     }
     mRedirectTimer.stop();
+    if (mDeadline)
+        mDeadline->stop();
     mStarted = false;
     mStatus = ProtocolUtils::TransportStatusCancelled;
     Q_EMIT finished(false);

@@ -9,6 +9,9 @@
 #include <QSslError>
 #include <QTimer>
 
+#include <memory>
+
+class Deadline;
 class EasAccount;
 class Network;
 class QNetworkRequest;
@@ -64,6 +67,8 @@ public:
     /** Whether the last reply demands provisioning by its HTTP status, beside which status() is that of any
      * unknown HTTP error. */
     bool isToldToProvision() const { return mIsToldToProvision; }
+    /** Whether the last run ended because the server said nothing for longestWait(). */
+    bool isGivenUp() const { return mIsGivenUp; }
     /** -1 while unknown, both. */
     qint64 bytesReceived() const { return mBytesReceived; }
     qint64 bytesTotal() const { return mBytesTotal; }
@@ -98,6 +103,10 @@ protected:
 
     /** A reply that grows larger is given up, because it may be without an end; bytes. */
     virtual qint64 maximumReplySize() const { return 64 * 1024 * 1024; }
+
+    /** Milliseconds after which a server without an answer is given up; 0 for a command that waits as long as
+     * its connection lasts. */
+    virtual int longestWait() const { return 0; }
 
     virtual void configureCommandSpecificQueryValues(QUrlQuery &) {}
     virtual bool post(const QNetworkRequest &request, const QByteArray &body);
@@ -137,6 +146,8 @@ private:
     bool redirect();
     void dropReply();
     bool takeReply(QNetworkReply *reply);
+    void limitWait();
+    void giveUp();
 
     int mStatus = 0;
     bool mIsToldToProvision = false;
@@ -147,4 +158,7 @@ private:
     EasAccountId mAccountId;
     /** A redirected command goes out again from the event loop, so that it can be stopped in between. */
     QTimer mRedirectTimer;
+    /** Of commands with a longestWait(). */
+    std::unique_ptr<Deadline> mDeadline;
+    bool mIsGivenUp = false;
 };

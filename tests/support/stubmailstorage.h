@@ -32,6 +32,8 @@ public:
     /** Messages whose bodies cannot be stored. */
     QList<quint64> lockedMessages;
     bool takesEmails = false;
+    QList<EasFolderItem> synchronizedFolders;
+    bool isInitialized = true;
 
     static QString reference(quint64 messageId, const QString &location)
     {
@@ -65,7 +67,7 @@ public:
     EasEmailItem smartQueryMessage(const QString &) override { return {}; }
     bool isReply(const QString &) const override { return false; }
     bool isForward(const QString &) const override { return false; }
-    bool initialized() const override { return true; }
+    bool initialized() const override { return isInitialized; }
     bool updateMovedEmails(const QList<EasEmailItem> &) override { return false; }
     bool updateBodyPart(quint64 messageId, const EasBodyContainer &body) override
     {
@@ -108,5 +110,5 @@ public:
         return true;
     }
     void cleanUpFolder(const EasFolderItem &) override {}
-    Lookup<QList<EasFolderItem>> foldersToSynchronize() override { return QList<EasFolderItem>(); }
+    Lookup<QList<EasFolderItem>> foldersToSynchronize() override { return synchronizedFolders; }
 };

@@ -35,7 +35,11 @@ public:
         WipeAcknowledgement, ///< until the acknowledgement of an order to wipe has to have ended
         WipeStart, ///< from there, or from the account's appearance, to the wipe
         WipeRetry, ///< before the next attempt of a wipe that could not be completed
-        SignOnAnswer ///< until the sign-on service has to have answered
+        SignOnAnswer, ///< until the sign-on service has to have answered
+        Answer, ///< until a command that waits for news gives its server up
+        PushPause, ///< before the next Ping
+        PushRestart, ///< from a stop of push to the sync that starts it again
+        LocalChanges ///< from the last local change to the sync that uploads it
     };
 
     /** What a timer of this nominal length, in milliseconds, is really started with. */

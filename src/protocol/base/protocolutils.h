@@ -23,6 +23,7 @@ inline constexpr QLatin1String InitialSyncKey = latin1("0");
 inline constexpr QLatin1String ClassEmail = latin1("Email");
 inline constexpr QLatin1String ClassContacts = latin1("Contacts");
 inline constexpr QLatin1String ClassCalendar = latin1("Calendar");
+inline constexpr QLatin1String ClassTasks = latin1("Tasks");
 inline constexpr QLatin1String StorageMailbox = latin1("Mailbox");
 
 inline constexpr QLatin1String ContentTypeMultiPart = latin1("application/vnd.ms-sync.multipart");
@@ -72,6 +73,8 @@ inline constexpr char HeaderConnection[] = "Connection";
 /** Milliseconds; the delay of the first retry. */
 inline constexpr int CommandsRetryTimeout = 5000;
 inline constexpr int CommandMaxRetriesCount = 5;
+/** Seconds; servers refuse to let a Ping wait for longer. */
+inline constexpr int LongestHeartbeat = 3540;
 /** Milliseconds. */
 inline constexpr int CommandsOptionsTimeout = 20000;
 
