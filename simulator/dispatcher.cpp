@@ -158,6 +158,7 @@ void Dispatcher::forgetDevices()
 HttpReply Dispatcher::answer(const HttpRequest &request)
 {
     RecordedRequest record = read(request);
+    Waits::Wait wait = mWaits.prepare(request.isClientGone);
     onReceived(record);
     const Override answer = mScript.answerTo(record);
     HttpReply reply;
@@ -167,7 +168,7 @@ HttpReply Dispatcher::answer(const HttpRequest &request)
         reply.body = answer.mReply->body;
         record.replyDocument = answer.mReply->document;
     } else {
-        reply = decide(record, answer, request);
+        reply = decide(record, answer, wait);
     }
     reply.headers += answer.mHeaders;
     reply.transport = answer.mTransport;
@@ -213,13 +214,10 @@ Dispatcher::User *Dispatcher::authenticated(const RecordedRequest &record)
         : nullptr;
 }
 
-HttpReply Dispatcher::decide(RecordedRequest &record, const Override &answer, const HttpRequest &request)
+HttpReply Dispatcher::decide(RecordedRequest &record, const Override &answer, Waits::Wait &wait)
 {
-    std::optional<Waits::Wait> wait;
-    bool isOverdue = false;
-    for (;;) {
-        if (wait)
-            mWaits.look(*wait);
+    for (bool isOverdue = false;;) {
+        mWaits.look(wait);
         HttpReply reply;
         {
             const QMutexLocker lock(&mMutex);
@@ -227,11 +225,9 @@ HttpReply Dispatcher::decide(RecordedRequest &record, const Override &answer, co
         }
         if (!reply.wait)
             return reply;
-        // A change between the two would not be news any more: the first look comes after the beginning.
-        if (!wait)
-            wait = mWaits.begin(record.user + QLatin1Char('/') + record.deviceId, request.isClientGone);
-        else
-            isOverdue = !mWaits.waitForNews(*wait, *reply.wait);
+        if (wait.number == 0)
+            mWaits.begin(wait, record.user + QLatin1Char('/') + record.deviceId);
+        isOverdue = !mWaits.waitForNews(wait, *reply.wait);
     }
 }
 

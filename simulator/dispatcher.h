@@ -54,7 +54,7 @@ private:
 
     RecordedRequest read(const HttpRequest &request);
     /** The own answer, as soon as there is one. */
-    HttpReply decide(RecordedRequest &record, const Override &answer, const HttpRequest &request);
+    HttpReply decide(RecordedRequest &record, const Override &answer, Waits::Wait &wait);
     HttpReply decideNow(RecordedRequest &record, const Override &answer, bool isOverdue);
     HttpReply runCommand(RecordedRequest &record, const Override &answer, bool isOverdue);
     User &user(const QString &name) const;

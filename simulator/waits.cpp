@@ -13,18 +13,23 @@ const std::chrono::milliseconds clientCheckInterval(250);
 
 } // namespace
 
-Waits::Wait Waits::begin(const QString &device, const std::function<bool()> &isClientGone)
+Waits::Wait Waits::prepare(const std::function<bool()> &isClientGone) const
 {
     const QMutexLocker lock(&mMutex);
     Wait wait;
-    wait.device = device;
-    wait.number = ++mLastNumber;
     wait.expiries = mExpiries;
     wait.begin = std::chrono::steady_clock::now();
     wait.isClientGone = isClientGone;
+    return wait;
+}
+
+void Waits::begin(Wait &wait, const QString &device)
+{
+    const QMutexLocker lock(&mMutex);
+    wait.device = device;
+    wait.number = ++mLastNumber;
     mLatest[device] = wait.number;
     mChanged.wakeAll();
-    return wait;
 }
 
 void Waits::look(Wait &wait) const

@@ -26,12 +26,15 @@ public:
         QString device;
         int number = 0; ///< of the device's wait
         quint64 news = 0; ///< what the command knows of
-        quint64 expiries = 0; ///< what had happened before it began
+        quint64 expiries = 0; ///< what had happened before it came
         std::chrono::steady_clock::time_point begin;
         std::function<bool()> isClientGone;
     };
 
-    Wait begin(const QString &device, const std::function<bool()> &isClientGone);
+    /** For a request that has come and may have to wait: what expires from here on counts for it. */
+    Wait prepare(const std::function<bool()> &isClientGone) const;
+    /** It does wait; another wait of the device is over. */
+    void begin(Wait &wait, const QString &device);
     /** Before the command looks at what there is. */
     void look(Wait &wait) const;
     /** Until there is more than at the last look; false if the wait is over after so many seconds. */

@@ -25,6 +25,11 @@ Request *AccountQueue::find(qulonglong requestId) const
     return found != mRequests.cend() ? *found : nullptr;
 }
 
+bool AccountQueue::containsAny(const std::function<bool(const Request *)> &matches) const
+{
+    return std::any_of(mRequests.cbegin(), mRequests.cend(), matches);
+}
+
 void AccountQueue::enter(Request *request)
 {
     mRequests.append(request);

@@ -6,6 +6,8 @@
 #include <QList>
 #include <QObject>
 
+#include <functional>
+
 class Engine;
 class EasAccount;
 class Request;
@@ -32,6 +34,7 @@ public:
     Request *head() const { return mRequests.value(0); }
     /** The first request with an identifier; null without one. */
     Request *find(qulonglong requestId) const;
+    bool containsAny(const std::function<bool(const Request *)> &matches) const;
 
     /** Appends a request, and starts it if the account is idle. */
     void enter(Request *request);

@@ -28,17 +28,22 @@ ClientCalls::ClientCalls(QObject *parent)
 
 ClientCalls::~ClientCalls() = default;
 
+void ClientCalls::forwardSync(const HierarchyRequest &request)
+{
+    connect(&request, &HierarchyRequest::syncStarted, this, &ClientCalls::syncStarted);
+    connect(&request, &HierarchyRequest::syncCompleted, this, &ClientCalls::syncCompleted);
+    connect(&request, &HierarchyRequest::changesReceived, this, &ClientCalls::changesReceived);
+}
+
 void ClientCalls::processNewSyncRequest(SyncRequest *request)
 {
-    connect(request, &SyncRequest::syncStarted, this, &ClientCalls::syncStarted);
-    connect(request, &SyncRequest::syncCompleted, this, &ClientCalls::syncCompleted);
+    forwardSync(*request);
     processNewRequest(request);
 }
 
 void ClientCalls::processNewFolderSyncRequest(FolderSyncRequest *request)
 {
-    connect(request, &FolderSyncRequest::syncStarted, this, &ClientCalls::syncStarted);
-    connect(request, &FolderSyncRequest::syncCompleted, this, &ClientCalls::syncCompleted);
+    forwardSync(*request);
     processNewRequest(request);
 }
 

@@ -10,6 +10,7 @@
 #include <QStringList>
 
 class FolderSyncRequest;
+class HierarchyRequest;
 class Request;
 class SyncRequest;
 
@@ -78,8 +79,12 @@ Q_SIGNALS:
         const QList<qulonglong> &matchingIds);
     void syncStarted(EasAccountId accountId, qulonglong requestId);
     void syncCompleted(EasAccountId accountId, qulonglong requestId, int status);
+    /** A sync brought something new; right before its syncCompleted(). */
+    void changesReceived(EasAccountId accountId);
 
 private:
+    void forwardSync(const HierarchyRequest &request);
+
     /** Which signal tells a client about the end of a request that is not built. */
     enum class ResultSignal {
         RequestFinished,

@@ -13,11 +13,14 @@
 #include "protocol/wbxml/debugtools.h"
 #include "requests/provisionrequest.h"
 #include "requests/request.h"
+#include "requests/syncrequest.h"
 #include "storages/accountstorage.h"
 
 #include <QCoreApplication>
 #include <QPointer>
 #include <QTimer>
+
+#include <algorithm>
 
 namespace {
 
@@ -160,6 +163,17 @@ void RequestManager::processNewRequest(Request *request)
     addRequestInQueue(request);
     if (AccountQueue *const queue = mRequestQueues.value(accountId))
         queue->cancelHungHead();
+}
+
+bool RequestManager::hasFullSync(EasAccountId accountId) const
+{
+    const auto isFullSync = [accountId](const Request *request) {
+        const auto *const sync = qobject_cast<const SyncRequest *>(request);
+        return sync && sync->accountId() == accountId && sync->isFull();
+    };
+    const AccountQueue *const queue = mRequestQueues.value(accountId);
+    return std::any_of(mPendingRequests.cbegin(), mPendingRequests.cend(), isFullSync)
+        || (queue && queue->containsAny(isFullSync));
 }
 
 void RequestManager::addRequestInQueue(Request *request)

@@ -62,6 +62,9 @@ public:
     virtual bool isReady() const;
     QNetworkSession *networkSession(EasAccountId accountId);
 
+    /** Whether a sync of the whole account waits or runs. */
+    bool hasFullSync(EasAccountId accountId) const;
+
     /** Takes a request over: it starts at once if its account is idle. A request that heads the queue for too
      * long is cancelled. */
     void processNewRequest(Request *request) override;

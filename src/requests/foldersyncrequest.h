@@ -28,6 +28,7 @@ protected:
 
     void onCommandFinished(bool success) override;
     virtual void handleFinished(bool success);
+    bool broughtChanges() const override { return mRun.state.hasBroughtChanges; }
 
 private:
     /** Goes on as the phase wants it. */

@@ -142,6 +142,9 @@ SyncPhase::End HierarchyPhase::processFolderSyncFinished(const FolderSyncCommand
         return End::AgainLater;
     }
     succeed();
+    if (!(command.addedItems().isEmpty() && command.updatedItems().isEmpty()
+            && command.deletedItems().isEmpty()))
+        run().state.hasBroughtChanges = true;
     if (!applyFolderChanges(*easAccount, command)) {
         logStatusText(mKind.notApplied.level, mKind.notApplied.text);
         return failInternally();

@@ -5,6 +5,8 @@ void HierarchyRequest::reportRequestCompleted()
 {
     if (hasEnded())
         return;
+    if (broughtChanges())
+        Q_EMIT changesReceived(accountId());
     Q_EMIT syncCompleted(accountId(), id(), status());
     Request::reportRequestCompleted();
 }

@@ -18,7 +18,11 @@ Q_SIGNALS:
     /** The work begins. Never emitted once syncCompleted() was, unless the request starts anew. */
     void syncStarted(EasAccountId accountId, qulonglong requestId);
     void syncCompleted(EasAccountId accountId, qulonglong requestId, int status);
+    /** The server had something to tell; right before syncCompleted(). */
+    void changesReceived(EasAccountId accountId);
 
 protected:
     void reportRequestCompleted() override;
+    /** Whether the server has told of a folder or an item. */
+    virtual bool broughtChanges() const { return false; }
 };

@@ -117,6 +117,8 @@ void SyncReplyProcessor::apply(Result result, const SyncCollection &collection)
     switch (result) {
     case Result::Taken:
         mUpdated.append(collection);
+        if (bearsItems(collection))
+            mState.hasBroughtChanges = true;
         if (bearsItems(collection) && collection.syncKey() != mSentKeys.value(collection.id()))
             mHasProgressed = true;
         if (mState.uploadAnswered(collection.id()))

@@ -32,6 +32,9 @@ public:
     /** Restricts the sync to folders, by their identifiers in the local stores. */
     void setSyncFolders(const QStringList &localFolderIds);
 
+    /** Whether it is about the default folders of all services. */
+    bool isFull() const { return mSyncService == 0 && mSyncFolders.isEmpty(); }
+
     bool started() const override;
 
 public Q_SLOTS:
@@ -47,6 +50,8 @@ protected:
     QString commandName() const override;
 
     void onCommandFinished(bool success) override;
+
+    bool broughtChanges() const override { return mRun.state.hasBroughtChanges; }
 
 private:
     SyncPhase::State requestState() const;

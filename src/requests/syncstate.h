@@ -11,6 +11,8 @@
 /** What a running SyncRequest still has to do. */
 struct SyncState
 {
+    /** The server has told something that the device did not know. */
+    bool hasBroughtChanges = false;
     /** Server identifiers that a MoveItems has just retired. */
     QStringList movedServerIds;
     /** Collections still to be synchronised. */

@@ -93,8 +93,10 @@ public:
     virtual Lookup<QList<EasFolderItem>> foldersToSynchronize() = 0;
 
 Q_SIGNALS:
-    /** The user changed something in this account's mail that the server does not know yet. */
+    /** The user made or removed folders that the server does not know of yet. */
     void changesAvailable();
+    /** The user marked, moved or deleted messages in these folders; the server does not know it yet. */
+    void messagesChanged(const QStringList &localFolderIds);
 
 private:
     EasAccount *mAccount;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "simulatorclient.h"
 #include "support/testmain.h"
+#include "support/waiting.h"
 
 #include <QtTest>
 
@@ -35,9 +36,12 @@ private:
 
     QNetworkReply *waitingPing(int heartbeat = 300)
     {
-        QSignalSpy received(mServer.get(), &ExchangeServer::requestReceived);
+        const int before = mServer->requests(QStringLiteral("Ping")).size();
         QNetworkReply *const reply = mClient->send(QStringLiteral("Ping"), pingXml(heartbeat, { mInbox }));
-        return received.wait(60000) ? reply : nullptr;
+        const auto hasCome = [this, before] {
+            return mServer->requests(QStringLiteral("Ping")).size() > before;
+        };
+        return Waiting::until(hasCome, 60000) ? reply : nullptr;
     }
 
     QString status(const WbxmlNode &reply) { return reply.text(QStringLiteral("Status")); }

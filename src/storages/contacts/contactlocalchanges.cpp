@@ -13,6 +13,8 @@
 #include <QtContacts/QContactAvatar>
 #include <QtContacts/QContactManager>
 
+#include <algorithm>
+
 QTCONTACTS_USE_NAMESPACE
 using ContactCases::Action;
 using ContactCases::Moment;
@@ -93,6 +95,26 @@ LocalQuery ContactLocalChanges::queryChanges(const EasFolderItem &folder, QList<
         return LocalQuery::StoreSilent;
     return forgetLost(missing, fetched.deleted, *rows, folder.serverId()) ? LocalQuery::Answered
                                                                           : LocalQuery::MappingFailed;
+}
+
+bool ContactLocalChanges::hasChanges(const EasFolderItem &folder) const
+{
+    const ContactFolders::Lookup present = ContactFolders(mContext).find(folder.serverId());
+    const auto rows = ContactFolderRows::read(mContext.accountId, folder.serverId());
+    Fetched fetched;
+    if (!present.collection || !rows || !fetch(folder, *present.collection, &fetched))
+        return false;
+    const auto goesUp = [&](const QContact &contact) {
+        const bool hasRow = rows->hasLocalId(contact.id().toString());
+        const Action action = ContactCases::action(Moment::Query, mStrays.state(contact, hasRow));
+        return action == Action::UploadAsChange || action == Action::UploadAsNew;
+    };
+    const auto isKnown = [&](const QContact &contact) {
+        return !rows->serverId(contact.id().toString()).isEmpty();
+    };
+    return std::any_of(fetched.added.cbegin(), fetched.added.cend(), goesUp)
+        || std::any_of(fetched.modified.cbegin(), fetched.modified.cend(), goesUp)
+        || std::any_of(fetched.deleted.cbegin(), fetched.deleted.cend(), isKnown);
 }
 
 bool ContactLocalChanges::fetch(

@@ -24,6 +24,8 @@ public:
 
     LocalQuery queryChanges(const EasFolderItem &folder, QList<EasContactsItem> *added,
         QList<EasContactsItem> *changed, QStringList *deletedServerIds, UploadBudget *budget = nullptr);
+    /** Whether the user has changed anything in the folder that the server does not know. */
+    bool hasChanges(const EasFolderItem &folder) const;
     /** Whether the latest query left contacts of the folder out until the server has sent everything. */
     bool awaits(const QString &folderServerId) const { return mAwaiting.contains(folderServerId); }
     bool uploadedLocalChanges(const QStringList &addedLocalIds, const QStringList &changedLocalIds,

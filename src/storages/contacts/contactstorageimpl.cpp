@@ -11,6 +11,8 @@
 #include "storages/contacts/contactsobserver.h"
 #include "storages/contacts/contactstoremanager.h"
 
+#include <utility>
+
 QTCONTACTS_USE_NAMESPACE
 
 ContactStorageImpl::ContactStorageImpl(EasAccount &account, QObject *parent)
@@ -20,6 +22,8 @@ ContactStorageImpl::ContactStorageImpl(EasAccount &account, QObject *parent)
     , mRecovery(mContext)
 {
     mContext.accountId = account.id();
+    mTellTimer.setSingleShot(true);
+    connect(&mTellTimer, &QTimer::timeout, this, &ContactStorageImpl::tellLocalChanges);
     openStore();
     initializeObserver();
     connect(&account, &EasAccount::contactsConfigurationChanged, this,
@@ -112,13 +116,34 @@ void ContactStorageImpl::onContactsConfigurationChanged(EasAccountId accountId)
 
 void ContactStorageImpl::onLocalChangesAvailable(const QList<QString> &serverFolderIds)
 {
+    for (const QString &serverId : serverFolderIds) {
+        if (!mTouchedFolders.contains(serverId))
+            mTouchedFolders.append(serverId);
+    }
+    // The store tells of the engine's own writes, too. Whose a change is shows when the mapping knows of it.
+    mTellTimer.start(0);
+}
+
+bool ContactStorageImpl::uploadsChanges() const
+{
+    const QSharedPointer<ContactsAccountConfiguration> configuration = mAccount.contactsConfiguration();
+    return configuration && configuration->enabled() && configuration->syncLocalContacts();
+}
+
+void ContactStorageImpl::tellLocalChanges()
+{
+    const QStringList touched = std::exchange(mTouchedFolders, {});
+    if (!uploadsChanges() || !mContext.manager)
+        return;
     const auto localIds = EasDatabase::instance()->serverToLocalFolderIds(mContext.accountId);
     if (!localIds)
         return; // the changes keep their flags, and the next sync finds them
     QStringList folders;
-    for (const QString &serverId : serverFolderIds) {
+    for (const QString &serverId : touched) {
+        EasFolderItem folder;
+        folder.setServerId(serverId);
         const QString localId = localIds->value(serverId);
-        if (!localId.isEmpty() && !folders.contains(localId))
+        if (!localId.isEmpty() && !folders.contains(localId) && mLocalChanges.hasChanges(folder))
             folders.append(localId);
     }
     if (folders.isEmpty())

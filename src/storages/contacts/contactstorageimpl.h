@@ -6,6 +6,8 @@
 #include "storages/contacts/contactstorecontext.h"
 #include "storages/contactstorage.h"
 
+#include <QTimer>
+
 #include <memory>
 
 class ContactsAccountConfiguration;
@@ -48,8 +50,11 @@ public Q_SLOTS:
 private Q_SLOTS:
     void onLocalChangesAvailable(const QList<QString> &serverFolderIds);
     void onContactsConfigurationChanged(EasAccountId accountId);
+    void tellLocalChanges();
 
 private:
+    /** Whether the user's changes go to the server at all. */
+    bool uploadsChanges() const;
     void initializeObserver();
     void releaseObserver();
     bool openStore();
@@ -61,4 +66,8 @@ private:
     ContactLocalChanges mLocalChanges;
     ContactRecovery mRecovery;
     std::unique_ptr<ContactsObserver> mObserver;
+    /** Folders that the store has told of, by server identifiers. */
+    QStringList mTouchedFolders;
+    /** Runs out once the engine has finished what it is writing. */
+    QTimer mTellTimer;
 };

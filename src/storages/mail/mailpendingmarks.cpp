@@ -18,6 +18,17 @@ MailPendingMarks::MailPendingMarks(const MailStoreContext &context)
 {
 }
 
+QMailMessageKey MailPendingMarks::pending()
+{
+    const auto includes = QMailDataComparator::Includes;
+    const auto excludes = QMailDataComparator::Excludes;
+    const QMailMessageKey readHere = QMailMessageKey::status(QMailMessage::Read, includes)
+        & QMailMessageKey::status(QMailMessage::ReadElsewhere, excludes);
+    const QMailMessageKey unreadHere = QMailMessageKey::status(QMailMessage::Read, excludes)
+        & QMailMessageKey::status(QMailMessage::ReadElsewhere, includes);
+    return readHere | unreadHere;
+}
+
 void MailPendingMarks::lookAnew()
 {
     mLooks.clear();
@@ -61,11 +72,5 @@ QMailMessageIdList MailPendingMarks::query(const QMailFolderId &folder, const QM
         & QMailMessageKey::previousParentFolderId(QMailFolderId(), QMailDataComparator::Equal);
     if (among)
         place = place & QMailMessageKey::id(*among);
-    const auto includes = QMailDataComparator::Includes;
-    const auto excludes = QMailDataComparator::Excludes;
-    const QMailMessageKey readHere = QMailMessageKey::status(QMailMessage::Read, includes)
-        & QMailMessageKey::status(QMailMessage::ReadElsewhere, excludes) & place;
-    const QMailMessageKey unreadHere = QMailMessageKey::status(QMailMessage::Read, excludes)
-        & QMailMessageKey::status(QMailMessage::ReadElsewhere, includes) & place;
-    return mContext.store->queryMessages(readHere | unreadHere);
+    return mContext.store->queryMessages(pending() & place);
 }

@@ -7,6 +7,7 @@
 
 #include <qmailid.h>
 
+class QMailMessageKey;
 struct MailStoreContext;
 
 /**
@@ -20,6 +21,9 @@ class MailPendingMarks
 {
 public:
     explicit MailPendingMarks(const MailStoreContext &context);
+
+    /** Messages whose mark is not the one that the server knows. */
+    static QMailMessageKey pending();
 
     /** The next question about a folder looks at all of it. */
     void lookAnew();

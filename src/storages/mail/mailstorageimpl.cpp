@@ -36,6 +36,7 @@ MailStorageImpl::MailStorageImpl(EasAccount *account, QObject *parent)
     , mFolders(mContext, mFolderChanges)
     , mBatch(mContext)
     , mMarks(mContext)
+    , mUserChanges(mContext)
 {
     initializeStorage();
 }
@@ -65,6 +66,8 @@ void MailStorageImpl::initializeStorage()
     // At once, so that a question right after a change knows of it.
     connect(mContext.store, &QMailStore::messagesUpdated, this,
         [this](const QMailMessageIdList &ids) { mMarks.messagesUpdated(ids); });
+    connect(&mUserChanges, &MailUserChanges::found, this, &MailStorageImpl::messagesChanged);
+    mUserChanges.listen();
     bindMailAccount();
 }
 

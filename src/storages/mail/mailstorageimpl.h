@@ -6,6 +6,7 @@
 #include "storages/mail/mailitembatch.h"
 #include "storages/mail/mailpendingmarks.h"
 #include "storages/mail/mailstorecontext.h"
+#include "storages/mail/mailuserchanges.h"
 #include "storages/mailstorage.h"
 
 #include <qmailmessage.h>
@@ -96,4 +97,5 @@ private:
     MailFolderAdapter mFolders;
     MailItemBatch mBatch;
     MailPendingMarks mMarks;
+    MailUserChanges mUserChanges;
 };
