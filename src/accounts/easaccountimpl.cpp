@@ -215,8 +215,12 @@ void EasAccountImpl::onRemoteWipeBegun()
 void EasAccountImpl::onEnabledChanged(const QString &serviceName)
 {
     // The services' own switches come through the configurations.
-    if (serviceName.isEmpty())
-        setAlwaysOn(alwaysOn() && enabled());
+    if (!serviceName.isEmpty())
+        return;
+    setAlwaysOn(alwaysOn() && enabled());
+    // It was switched off with the account; what the user wants is kept by the scheduler.
+    if (enabled())
+        askSyncScheduler();
 }
 
 bool EasAccountImpl::enabled() const

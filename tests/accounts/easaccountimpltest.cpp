@@ -292,6 +292,19 @@ private Q_SLOTS:
         QTRY_COMPARE(scheduler.queries(), QList<SyncScheduler::Query> { expected });
     }
 
+    void theSchedulerIsAskedAgainWhenTheAccountIsSwitchedOn()
+    {
+        SyncScheduler scheduler;
+        QVERIFY(scheduler.isRegistered());
+        open();
+        QTRY_COMPARE(scheduler.queries().size(), 1);
+        QVERIFY(mFactory->setEnabled(mId, false));
+        QTRY_VERIFY(!mAccount->enabled());
+        QVERIFY(mFactory->setEnabled(mId, true));
+        QTRY_COMPARE(scheduler.queries().size(), 2);
+        QCOMPARE(scheduler.queries().last().first, static_cast<uint>(mId));
+    }
+
     void alwaysOnStandsInTheRecord()
     {
         open();
