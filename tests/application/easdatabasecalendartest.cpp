@@ -113,6 +113,15 @@ private Q_SLOTS:
         QCOMPARE(*database()->calendarItemUpdateTime(Account, "uid-7"), expected);
     }
 
+    void ofTwoRowsOfAnEventTheNewerOneTellsTheTime()
+    {
+        // As an event that was moved, and whose old row gets its stamp written anew.
+        QVERIFY(database()->addCalendarItems(Account, { meeting("8:1", "8", "uid-1", 300) }));
+        QVERIFY(database()->updateCalendarItems(Account, { meeting("4:1", "4", "uid-1", 50) }));
+        QCOMPARE(*database()->calendarItemUpdateTime(Account, "uid-1"), 300U);
+        QCOMPARE(database()->calendarItemUpdateTimes(Account)->value("uid-1"), 300U);
+    }
+
     void anUnknownEventHasTheInvalidTime()
     {
         QCOMPARE(*database()->calendarItemUpdateTime(Account, "unknown"), EasDatabase::TimestampInvalid);

@@ -193,6 +193,8 @@ void RandomRun::killDuringSync()
         daemon.killAfterStart(std::chrono::microseconds(moment));
         const int status = daemon.sync(mBed.accountId());
         daemon.kill();
+        if (qEnvironmentVariableIsSet("FENNEL_RANDOM_SEED"))
+            std::fprintf(stderr, "what the daemon said:\n%s\n", daemon.log().constData());
         mStory.append(
             QStringLiteral("a daemon that is killed after %1 us ends with %2").arg(moment).arg(status));
     });

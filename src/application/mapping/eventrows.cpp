@@ -106,10 +106,13 @@ Lookup<QString> EventRows::serverId(EasAccountId accountId, const QString &local
     return complete ? Lookup<QString>(onlyServerId.value()) : Lookup<QString>::unread();
 }
 
+// An event that moves between two calendars has a row of each until the server has deleted the old one: the
+// newer row tells its time, here and below.
 Lookup<uint> EventRows::updateTime(EasAccountId accountId, const QString &localId) const
 {
     DatabaseStatement select(database(),
-        QStringLiteral("SELECT timestamp FROM calendar WHERE account_id=%1 AND local_id=?").arg(accountId));
+        QStringLiteral("SELECT timestamp FROM calendar WHERE account_id=%1 AND local_id=? ORDER BY id DESC")
+            .arg(accountId));
     const Lookup<uint> timestamp = DatabaseReading::value(
         select.bind(localId), CantQueryTimestamp, uint(EasDatabase::TimestampInvalid), stampOf);
     if (!timestamp || *timestamp == EasDatabase::TimestampInvalid)
@@ -123,7 +126,7 @@ Lookup<QMap<QString, uint>> EventRows::updateTimes(EasAccountId accountId) const
 {
     DatabaseStatement select(database(),
         QStringLiteral("SELECT local_id, timestamp FROM calendar WHERE account_id=%1"
-                       " AND timestamp IS NOT NULL")
+                       " AND timestamp IS NOT NULL ORDER BY id")
             .arg(accountId));
     QMap<QString, uint> times;
     const bool complete =
