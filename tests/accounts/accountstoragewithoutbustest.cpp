@@ -5,20 +5,13 @@
 #include "application/storagesfactory.h"
 #include "support/accountregistry.h"
 #include "support/logcollector.h"
+#include "support/ownprocess.h"
 #include "support/testmain.h"
 
-#include <QProcess>
 #include <QtTest>
-
-namespace {
-const QByteArray busVariable = QByteArrayLiteral("DBUS_SESSION_BUS_ADDRESS");
-const QByteArray noBus = QByteArrayLiteral("unix:path=/nonexistent/bus");
-} // namespace
 
 /**
  * A machine without a session bus: the account store cannot be read, and nothing may be taken for deleted.
- *
- * A process keeps the bus that it saw first, so the case runs in a process of its own.
  */
 class AccountStorageWithoutBusTest : public QObject
 {
@@ -27,27 +20,15 @@ class AccountStorageWithoutBusTest : public QObject
 private Q_SLOTS:
     void itStaysWithoutAccountsAndKeepsWhatItHas()
     {
-        if (qgetenv(busVariable.constData()) == noBus)
+        if (OwnProcess::bears(OwnProcess::WithoutBus))
             runWithoutBus();
         else
-            runInOwnProcess();
+            QCOMPARE(
+                OwnProcess::run(OwnProcess::WithoutBus, { QStringLiteral("AccountStorageWithoutBusTest") }),
+                QString());
     }
 
 private:
-    static void runInOwnProcess()
-    {
-        QProcess process;
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(QString::fromLatin1(busVariable), QString::fromLatin1(noBus));
-        process.setProcessEnvironment(environment);
-        process.setProcessChannelMode(QProcess::MergedChannels);
-        process.start(
-            QCoreApplication::applicationFilePath(), { QStringLiteral("AccountStorageWithoutBusTest") });
-        QVERIFY(process.waitForFinished(60000));
-        QVERIFY2(process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0,
-            process.readAll().constData());
-    }
-
     static void runWithoutBus()
     {
         EasDatabase::instance()->setFolderSyncKey(7, QStringLiteral("key"));

@@ -5,18 +5,14 @@
 #include "accounts/waitingidentities.h"
 #include "support/accountfactory.h"
 #include "support/logcollector.h"
+#include "support/ownprocess.h"
 #include "support/privatebus.h"
 #include "support/scriptedclock.h"
 #include "support/signonservice.h"
 #include "support/testmain.h"
 
 #include <QDir>
-#include <QProcess>
 #include <QtTest>
-
-namespace {
-constexpr char withoutServices[] = "FENNEL_TEST_BUS_WITHOUT_SERVICES";
-}
 
 /** Secrets leave the sign-on service, or are tried again; nothing waits for it without an end. */
 class IdentityRemovalTest : public QObject
@@ -91,17 +87,10 @@ private Q_SLOTS:
             QCOMPARE(removed(1), QList<bool> { false });
             return;
         }
-        // A process keeps the bus that it saw first.
-        QProcess process;
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(QString::fromLatin1(withoutServices), QStringLiteral("1"));
-        process.setProcessEnvironment(environment);
-        process.setProcessChannelMode(QProcess::MergedChannels);
-        process.start(QCoreApplication::applicationFilePath(),
-            { QStringLiteral("IdentityRemovalTest"), QStringLiteral("withoutAServiceItFailsAtOnce") });
-        QVERIFY(process.waitForFinished());
-        QVERIFY2(process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0,
-            process.readAll().constData());
+        QCOMPARE(
+            OwnProcess::run(OwnProcess::WithoutServices,
+                { QStringLiteral("IdentityRemovalTest"), QStringLiteral("withoutAServiceItFailsAtOnce") }),
+            QString());
     }
 
     void whatWaitsIsTriedAgainAndForgotten()
@@ -150,7 +139,7 @@ private Q_SLOTS:
     }
 
 private:
-    static bool isBare() { return qEnvironmentVariableIsSet(withoutServices); }
+    static bool isBare() { return OwnProcess::bears(OwnProcess::WithoutServices); }
 
     static quint32 stored()
     {

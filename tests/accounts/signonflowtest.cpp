@@ -2,6 +2,7 @@
 #include "accounts/signonflow.h"
 
 #include "support/accountfactory.h"
+#include "support/ownprocess.h"
 #include "support/privatebus.h"
 #include "support/scriptedclock.h"
 #include "support/signonservice.h"
@@ -9,12 +10,10 @@
 
 #include <SignOn/Error>
 
-#include <QProcess>
 #include <QtTest>
 
 namespace {
 const QString password = QStringLiteral("password");
-constexpr char withoutServices[] = "FENNEL_TEST_BUS_WITHOUT_SERVICES";
 } // namespace
 
 /** One secret from the sign-on service: it comes, or the flow fails; it never hangs. */
@@ -108,21 +107,13 @@ private Q_SLOTS:
             QCOMPARE(flow.start(1, password, password), SignOnFlow::NoSession);
             return;
         }
-        // A process keeps the bus that it saw first.
-        QProcess process;
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(QString::fromLatin1(withoutServices), QStringLiteral("1"));
-        process.setProcessEnvironment(environment);
-        process.setProcessChannelMode(QProcess::MergedChannels);
-        process.start(QCoreApplication::applicationFilePath(),
-            { QStringLiteral("SignOnFlowTest"), QStringLiteral("withoutAServiceItFailsAtOnce") });
-        QVERIFY(process.waitForFinished());
-        QVERIFY2(process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0,
-            process.readAll().constData());
+        QCOMPARE(OwnProcess::run(OwnProcess::WithoutServices,
+                     { QStringLiteral("SignOnFlowTest"), QStringLiteral("withoutAServiceItFailsAtOnce") }),
+            QString());
     }
 
 private:
-    static bool isBare() { return qEnvironmentVariableIsSet(withoutServices); }
+    static bool isBare() { return OwnProcess::bears(OwnProcess::WithoutServices); }
 };
 
 FENNEL_REGISTER_TEST(SignOnFlowTest)

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "application/databasefixture.h"
-#include "application/knownaccounts.h"
 #include "application/mapping/easdatabase.h"
 #include "application/storagescleanup.h"
 #include "support/logcollector.h"
+#include "support/scriptedmanager.h"
 #include "support/testmain.h"
 
 #include <QtTest>
@@ -32,12 +32,12 @@ private Q_SLOTS:
         mFixture = std::make_unique<DatabaseFixture>();
         mFixture->open();
         mStorages = std::make_unique<StoragesCleanUp>();
-        mAccounts = KnownAccounts::install();
+        mAccounts = ScriptedManager::install();
     }
 
     void cleanup()
     {
-        RequestManager::releaseInstance();
+        ScriptedManager::uninstall();
         mStorages.reset();
         mFixture.reset();
     }
@@ -146,7 +146,8 @@ private Q_SLOTS:
     {
         addRowsOf(Account);
         addRowsOf(OtherAccount);
-        KnownAccount *account = mAccounts->add(Account);
+        FakeAccount *account = mAccounts->addAccount(Account);
+        account->firstSyncDone = true;
         const LogCollector log;
         QVERIFY(database()->clearAccount(Account));
         QVERIFY(log.contains(QtInfoMsg, { "Clearing account with ID:", "5" }));
@@ -161,7 +162,7 @@ private Q_SLOTS:
     void anAccountIsNotClearedWhileItsStoresAreNot()
     {
         addRowsOf(Account);
-        mAccounts->add(Account);
+        mAccounts->addAccount(Account);
         mStorages->succeeds = false;
         database()->setFolderSyncKey(Account, "17");
         const LogCollector log;
@@ -188,7 +189,7 @@ private Q_SLOTS:
         QFETCH(QStringList, gone);
         addRowsOf(Account);
         addRowsOf(OtherAccount);
-        mAccounts->add(Account);
+        mAccounts->addAccount(Account);
         database()->setFolderSyncKey(Account, "0");
         for (const QString &table : qAsConst(gone))
             mFixture->execute({ QStringLiteral("DELETE FROM %1 WHERE account_id=5").arg(table) });
@@ -299,7 +300,7 @@ private:
 
     std::unique_ptr<DatabaseFixture> mFixture;
     std::unique_ptr<StoragesCleanUp> mStorages;
-    KnownAccounts *mAccounts = nullptr;
+    ScriptedManager *mAccounts = nullptr;
 };
 
 FENNEL_REGISTER_TEST(EasDatabaseAccountsTest)

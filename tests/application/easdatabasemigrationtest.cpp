@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "application/databasefixture.h"
-#include "application/knownaccounts.h"
 #include "application/mapping/easdatabase.h"
+#include "support/fakeconfigurations.h"
 #include "support/logcollector.h"
+#include "support/scriptedmanager.h"
 #include "support/testmain.h"
 
 #include <QtTest>
@@ -58,6 +59,15 @@ QStringList withoutVersions(QStringList sql)
     return sql;
 }
 
+void addWithCalendar(ScriptedManager &accounts, EasAccountId id, bool enabled, qint64 lastSync)
+{
+    FakeAccount *account = accounts.addAccount(id);
+    const auto calendar = QSharedPointer<FakeCalendarConfiguration>::create(id);
+    calendar->isEnabled = enabled;
+    account->calendar = calendar;
+    account->setLastSyncTime(EasAccount::EmailService, QDateTime::fromSecsSinceEpoch(lastSync));
+}
+
 } // namespace
 
 class EasDatabaseMigrationTest : public QObject
@@ -69,19 +79,17 @@ private Q_SLOTS:
     {
         EasDatabase::TestMode = false;
         mFixture = std::make_unique<DatabaseFixture>();
-        KnownAccounts *accounts = KnownAccounts::install();
-        accounts->add(Account)->setLastSyncTime(
-            EasAccount::EmailService, QDateTime::fromSecsSinceEpoch(1700));
-        accounts->add(CalendarOff, false)
-            ->setLastSyncTime(EasAccount::EmailService, QDateTime::fromSecsSinceEpoch(1800));
-        accounts->add(99, std::nullopt);
+        ScriptedManager *accounts = ScriptedManager::install();
+        addWithCalendar(*accounts, Account, true, 1700);
+        addWithCalendar(*accounts, CalendarOff, false, 1800);
+        accounts->addAccount(99);
     }
 
     void cleanup()
     {
         EasDatabase::TestMode = false;
         mFixture.reset();
-        RequestManager::releaseInstance();
+        ScriptedManager::uninstall();
     }
 
     void aFileOfEachVersionEndsAtVersion7_data()

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "client/clientprocess.h"
 #include "client/commandscene.h"
 #include "client/exitstatus.h"
 #include "client/mailscene.h"
 #include "client/stubdaemon.h"
+#include "support/clientprocess.h"
 #include "support/syncscheduler.h"
 #include "support/testmain.h"
 #include "support/waiting.h"

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "client/clientprocess.h"
 #include "client/commandscene.h"
 #include "client/exitstatus.h"
 #include "client/mailbox.h"
 #include "client/mailscene.h"
 #include "client/stubdaemon.h"
+#include "support/clientprocess.h"
 #include "support/testmain.h"
 
 #include <QJsonArray>

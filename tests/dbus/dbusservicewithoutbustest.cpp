@@ -1,16 +1,11 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "dbus/dbusinterfacethread.h"
 #include "support/logcollector.h"
+#include "support/ownprocess.h"
 #include "support/testmain.h"
 
-#include <QProcess>
 #include <QSignalSpy>
 #include <QtTest>
-
-namespace {
-constexpr char busVariable[] = "DBUS_SESSION_BUS_ADDRESS";
-constexpr char noBus[] = "unix:path=/nonexistent/bus";
-} // namespace
 
 /** The service on a machine without a session bus: it runs without clients. */
 class DBusServiceWithoutBusTest : public QObject
@@ -20,28 +15,14 @@ class DBusServiceWithoutBusTest : public QObject
 private Q_SLOTS:
     void theThreadRunsWithoutClients()
     {
-        // A process keeps the bus that it saw first.
-        if (qgetenv(busVariable) == noBus)
+        if (OwnProcess::bears(OwnProcess::WithoutBus))
             runWithoutBus();
         else
-            runInOwnProcess();
+            QCOMPARE(OwnProcess::run(OwnProcess::WithoutBus, { QStringLiteral("DBusServiceWithoutBusTest") }),
+                QString());
     }
 
 private:
-    static void runInOwnProcess()
-    {
-        QProcess process;
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(QString::fromLatin1(busVariable), QString::fromLatin1(noBus));
-        process.setProcessEnvironment(environment);
-        process.setProcessChannelMode(QProcess::MergedChannels);
-        process.start(
-            QCoreApplication::applicationFilePath(), { QStringLiteral("DBusServiceWithoutBusTest") });
-        QVERIFY(process.waitForFinished(60000));
-        QVERIFY2(process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0,
-            process.readAll().constData());
-    }
-
     static void runWithoutBus()
     {
         const LogCollector log;

@@ -2,7 +2,7 @@
 #include "simulator/exchangeserver.h"
 #include "support/accountfactory.h"
 #include "support/bearer.h"
-#include "support/commandline.h"
+#include "support/clientprocess.h"
 #include "support/daemonprocess.h"
 #include "support/maillisting.h"
 #include "support/privatebus.h"
@@ -55,12 +55,12 @@ private:
     QStringList deletedFiles() const;
 
     Simulator::ExchangeServer mServer;
-    CommandLine mClient;
+    ClientProcess mClient;
     std::unique_ptr<DaemonProcess> mDaemon;
 };
 
 // A check that failed prints what the last command said.
-#define VERIFY_DONE(step) QVERIFY2(step, mClient.output() + mDaemon->log().right(4000))
+#define VERIFY_DONE(step) QVERIFY2(step, mClient.output() + mClient.errors() + mDaemon->log().right(4000))
 
 void AccountStoreTest::initTestCase()
 {

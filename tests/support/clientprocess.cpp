@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "client/clientprocess.h"
+#include "support/clientprocess.h"
 
 #include "support/buildpaths.h"
 #include "support/waiting.h"
@@ -16,7 +16,7 @@
 
 namespace {
 
-constexpr int Patience = 60000;
+constexpr int Patience = 180000;
 
 /** Dies with the test, and has the terminal, if there is one, as its own. */
 class TerminalProcess : public QProcess
@@ -80,12 +80,14 @@ void ClientProcess::setVariable(const QString &name, const QString &value)
     mProcess->setProcessEnvironment(environment);
 }
 
-void ClientProcess::start(const QStringList &arguments)
+void ClientProcess::start(const QStringList &arguments, const QByteArray &input)
 {
     mOutput.clear();
     mErrors.clear();
     mProcess->start(BuildPaths::binary(QStringLiteral("bin/fennel-easctl")), arguments);
     mProcess->waitForStarted();
+    if (!input.isEmpty())
+        mProcess->write(input);
     if (mTerminal < 0)
         mProcess->closeWriteChannel();
 }

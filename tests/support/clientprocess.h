@@ -32,13 +32,19 @@ public:
 
     void setVariable(const QString &name, const QString &value);
 
-    void start(const QStringList &arguments);
+    /** The text is its standard input, unless that is a file or a terminal. */
+    void start(const QStringList &arguments, const QByteArray &input = QByteArray());
     /** The exit status; -1 if it died of a signal or did not end in time. */
     int waitForEnd();
-    int run(const QStringList &arguments)
+    int run(const QStringList &arguments, const QByteArray &input = QByteArray())
     {
-        start(arguments);
+        start(arguments, input);
         return waitForEnd();
+    }
+    /** What a command prints with --json; null unless it succeeded. */
+    QJsonDocument json(const QStringList &arguments)
+    {
+        return run(QStringList(QStringLiteral("--json")) + arguments) == 0 ? json() : QJsonDocument();
     }
     bool isRunning() const { return mProcess->state() != QProcess::NotRunning; }
 
