@@ -4,8 +4,8 @@
 #include "application/base/clock.h"
 
 /**
- * A clock that makes the delays between attempts short, gives the sign-on service more time than a starved
- * machine takes, and leaves the other timers alone. It stands in while it lives.
+ * A clock that makes the delays between attempts and those of push short, gives the sign-on service more time
+ * than a starved machine takes, and leaves the other timers alone. It stands in while it lives.
  */
 class FastClock : public Clock
 {
@@ -28,7 +28,20 @@ public:
             return 1;
         if (timer == Timer::SignOnAnswer)
             return 20 * milliseconds;
-        return mFast && timer == Timer::Resend ? 20 : milliseconds;
+        if (!mFast)
+            return milliseconds;
+        switch (timer) {
+        case Timer::Resend:
+            return 20;
+        case Timer::PushPause:
+        case Timer::LocalChanges:
+            // In proportion: that pauses grow is told by the number of requests.
+            return milliseconds / 100;
+        case Timer::PushRestart:
+            return milliseconds / 1000;
+        default:
+            return milliseconds;
+        }
     }
 
 private:
