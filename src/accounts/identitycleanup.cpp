@@ -27,7 +27,7 @@ void IdentityCleanUp::remove(quint32 identity)
     auto *const removal = new IdentityRemoval(identity, this);
     connect(removal, &IdentityRemoval::finished, this, [this, removal](bool removed) {
         removal->deleteLater();
-        if (removed)
+        if (removed && WaitingIdentities().remove(removal->credentialsId()))
             qCInfo(eas()) << "identity" << removal->credentialsId() << "of a wiped account is gone";
         Q_EMIT tried(removal->credentialsId(), removed);
     });

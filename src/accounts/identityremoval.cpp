@@ -65,8 +65,6 @@ void IdentityRemoval::end(bool removed)
 {
     if (std::exchange(mEnded, true))
         return;
-    if (removed)
-        WaitingIdentities().remove(mCredentialsId);
     // Whoever starts several of them goes on only after the last one has been started.
     QMetaObject::invokeMethod(
         this, [this, removed] { Q_EMIT finished(removed); }, Qt::QueuedConnection);

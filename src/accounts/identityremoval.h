@@ -12,9 +12,9 @@ class Identity;
  * Removes one identity, a stored secret, from the sign-on service.
  *
  * Runs once and ends with exactly one signal, from the event loop, also when the service is absent, goes away
- * or does not answer for thirty seconds. It asks for the identity first and notes that it was shown among the
- * WaitingIdentities, which forget it again once it has gone. Its owner deletes it after the signal with
- * deleteLater(). Main thread only.
+ * or does not answer for thirty seconds. It asks for the identity first and notes among the WaitingIdentities
+ * that it was shown; its owner takes it out again, once nothing names an identity that has gone. The owner
+ * deletes it after the signal with deleteLater(). Main thread only.
  */
 class IdentityRemoval : public QObject
 {

@@ -90,6 +90,7 @@ void RemoteWipe::onRemoteWipeTimeout()
 void RemoteWipe::removeIdentities()
 {
     write(WipeKeys::Stage, QString::fromLatin1(WipeKeys::StageSignOn));
+    mRemoved.clear();
     mNotRemoved.clear();
     for (const char *const key : { IdentityKeys::Password, IdentityKeys::CertificatePassphrase }) {
         const quint32 identity = mRecord.value(RecordScope::global(), QLatin1String(key)).toUInt();
@@ -118,8 +119,7 @@ void RemoteWipe::onIdentityRemoved(IdentityRemoval &removal, bool removed)
     removal.deleteLater();
     if (removed)
         qCInfo(eas()) << "identity removed in account" << mAccountId;
-    else
-        mNotRemoved.insert(removal.credentialsId());
+    (removed ? mRemoved : mNotRemoved).insert(removal.credentialsId());
     if (--mRemovalsUnderWay == 0)
         removeData();
 }
@@ -142,7 +142,7 @@ void RemoteWipe::removeData()
         complete = (this->*step)() && complete;
     // The order goes with the record.
     if (complete && removeRecord())
-        return;
+        return forgetRemovedIdentities();
     qCWarning(eas()) << "the wipe of account" << mAccountId << "is not complete and will be tried again";
     mTimer->start(interval(RetryDelay, Clock::Timer::WipeRetry));
 }
@@ -150,6 +150,13 @@ void RemoteWipe::removeData()
 bool RemoteWipe::keepWaitingIdentities()
 {
     return mNotRemoved.isEmpty() || WaitingIdentities().add(mNotRemoved);
+}
+
+void RemoteWipe::forgetRemovedIdentities()
+{
+    // Not before the record: as long as that names them, the next attempt has to know that they were there.
+    for (const quint32 identity : qAsConst(mRemoved))
+        WaitingIdentities().remove(identity);
 }
 
 bool RemoteWipe::removeAttachments()

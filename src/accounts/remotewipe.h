@@ -63,6 +63,7 @@ private:
     bool clearStoresAndMapping();
     bool removeMappingRows();
     bool removeRecord();
+    void forgetRemovedIdentities();
 
     AccountRecord mRecord;
     EasAccountId mAccountId;
@@ -70,5 +71,6 @@ private:
     bool mRequested;
     bool mBegun = false;
     int mRemovalsUnderWay = 0;
+    WaitingIdentities::Identities mRemoved;
     WaitingIdentities::Identities mNotRemoved;
 };
