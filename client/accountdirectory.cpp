@@ -2,6 +2,7 @@
 #include "client/accountdirectory.h"
 
 #include "accounts/base/accountstore.h"
+#include "accounts/base/wipekeys.h"
 #include "client/exitstatus.h"
 #include "client/output.h"
 
@@ -207,6 +208,17 @@ bool AccountDirectory::isEnabled(EasAccountId id) const
 bool AccountDirectory::isBlocked(EasAccountId id) const
 {
     return describe(id).value(QStringLiteral("blocked")).toBool();
+}
+
+AccountDirectory::Wipe AccountDirectory::wipe(EasAccountId id) const
+{
+    const std::unique_ptr<Accounts::Account> account = load(id);
+    if (!account || !account->value(QLatin1String(WipeKeys::Requested)).toBool())
+        return Wipe::None;
+    const QString stage = account->value(QLatin1String(WipeKeys::Stage)).toString();
+    if (stage == QLatin1String(WipeKeys::StageSignOn))
+        return Wipe::WaitsForSignOn;
+    return stage == QLatin1String(WipeKeys::StageData) ? Wipe::Running : Wipe::Ordered;
 }
 
 bool AccountDirectory::canAdd(const AccountSettings &settings) const

@@ -65,6 +65,9 @@ public:
     bool isEnabled(EasAccountId id) const;
     /** Whether the engine does nothing for it until its password is entered anew. */
     bool isBlocked(EasAccountId id) const;
+    /** How far the wipe is that its server has ordered. */
+    enum class Wipe { None, Ordered, WaitsForSignOn, Running };
+    Wipe wipe(EasAccountId id) const;
 
     /** False, after an error was printed, if no account can be added or there is such a one already. */
     bool canAdd(const AccountSettings &settings) const;

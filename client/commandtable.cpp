@@ -11,6 +11,7 @@
 #include "client/pushcommands.h"
 #include "client/statuscommand.h"
 #include "client/synccommands.h"
+#include "client/wipecommands.h"
 
 #include <QJsonObject>
 #include <QVector>
@@ -92,6 +93,9 @@ const QList<Command> &CommandTable::commands()
             PushCommands::status },
         { "policy show", "[ACCOUNT]", "what the server asks of the device, and what the device does not meet",
             PolicyCommands::show },
+        { "wipe-status", "[ACCOUNT]",
+            "which accounts their servers have ordered to be wiped, and how far that is",
+            WipeCommands::status },
         { "folders", "[--kind mail|calendar|contacts]", "the folders of one kind", FolderCommands::list },
         { "folder create", "NAME [--kind mail|calendar|contacts] [--parent FOLDER]",
             "create a folder on the server", FolderCommands::create },
