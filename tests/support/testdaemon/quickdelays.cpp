@@ -14,6 +14,10 @@ public:
         // The check for accounts is set up before the event loop runs, and ends the process if it comes
         // before the accounts have been read.
         const bool starting = QThread::currentThread()->loopLevel() == 0;
+        if (timer == Timer::WipeRetry)
+            return 20;
+        if (timer == Timer::SignOnAnswer && qEnvironmentVariableIsSet("FENNEL_TEST_IMPATIENT_SIGN_ON"))
+            return 1;
         return starting ? milliseconds : FastClock::timerInterval(milliseconds, timer);
     }
 };

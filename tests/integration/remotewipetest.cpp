@@ -1,0 +1,200 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "accounts/waitingidentities.h"
+#include "common/easrequeststatus.h"
+#include "support/faultshim.h"
+#include "support/signonservice.h"
+#include "support/soak.h"
+#include "support/testmain.h"
+#include "wipescene.h"
+
+#include <QDir>
+#include <QtTest>
+
+Q_DECLARE_METATYPE(Simulator::Wipe)
+
+/**
+ * A wipe goes to its end, whatever interrupts it, and takes everything of its account and nothing of another.
+ * A soak takes every durable step and every statement; otherwise they are walked through with a stride.
+ */
+class RemoteWipeTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { mScene.reset(new WipeScene); }
+    void cleanupTestCase() { mScene.reset(); }
+
+    void nothingOfTheAccountIsLeft();
+    void theServersOrderIsAcknowledgedOnce_data();
+    void theServersOrderIsAcknowledgedOnce();
+    void aDeathAtAnyDurableStep();
+    void aFullDisk_data();
+    void aFullDisk();
+    void aSignOnServiceThatIsSilent();
+    void anIdentityThatTheServiceRefuses();
+    void anOrderBehindABadCertificateIsNotHeard();
+
+private:
+    static FaultShim shim();
+    /** Prepares the device, gives the order and lets a daemon run; what is wrong after another one. */
+    QString wipe(const QProcessEnvironment &environment);
+    QString told(const QString &wrong) const
+    {
+        if (!wrong.isEmpty())
+            qWarning("%s", mScene->log().constData());
+        return wrong;
+    }
+
+    QScopedPointer<WipeScene> mScene;
+};
+
+FaultShim RemoteWipeTest::shim()
+{
+    FaultShim shim(QDir::homePath(), DaemonProcess::program());
+    shim.setFiles({ "fennel_eas.db*", "mailstore.db*", "contacts.db*", "accounts.db*", "db", "db-wal",
+        "db-shm", "avatar-*", "figures.txt", "identities-to-remove*" });
+    return shim;
+}
+
+QString RemoteWipeTest::wipe(const QProcessEnvironment &environment)
+{
+    if (!mScene->begin() || !mScene->orderInRecord())
+        return QStringLiteral("the device cannot be prepared");
+    mScene->run(environment);
+    return told(mScene->finish());
+}
+
+void RemoteWipeTest::nothingOfTheAccountIsLeft()
+{
+    QCOMPARE(wipe(QProcessEnvironment::systemEnvironment()), QString());
+    qInfo("looked at, with the number of rows, files or keys before the wipe:\n%s",
+        qPrintable(mScene->lookedAt()));
+}
+
+void RemoteWipeTest::theServersOrderIsAcknowledgedOnce_data()
+{
+    QTest::addColumn<Simulator::Wipe>("order");
+    QTest::newRow("the device") << Simulator::Wipe::Device;
+    QTest::newRow("the account alone") << Simulator::Wipe::Account;
+}
+
+void RemoteWipeTest::theServersOrderIsAcknowledgedOnce()
+{
+    QFETCH(Simulator::Wipe, order);
+    const QString user = WipeScene::wipedUser();
+    QVERIFY(mScene->begin());
+    mScene->server().changePolicies(
+        [order](Simulator::ServerPolicies &policies) { policies.orderWipe(order); }, user);
+    mScene->server().clearRequests();
+    QCOMPARE(mScene->synchronize(mScene->accountId()), int(EasRequestStatus::RequestStatusWipeAcknowledged));
+    QCOMPARE(told(mScene->finish()), QString());
+    QCOMPARE(mScene->server().requests(QStringLiteral("Provision")).size(), 2);
+    const QMap<QString, QString> verdicts = mScene->server().policies(user).wipeVerdicts;
+    QCOMPARE(verdicts.values(), QStringList { "1" });
+}
+
+void RemoteWipeTest::aDeathAtAnyDurableStep()
+{
+    const FaultShim plain = shim();
+    QCOMPARE(wipe(plain.environment()), QString());
+    const int steps = plain.steps().size();
+    QVERIFY(steps > 30);
+    const int stride = qMax(1, steps / Soak::samples(14, steps));
+    qInfo("%d durable steps, tried in strides of %d", steps, stride);
+    for (int number = 1; number <= steps; number += stride) {
+        FaultShim fault = shim();
+        fault.killAtStep(number);
+        const QString wrong = wipe(fault.environment());
+        QVERIFY2(wrong.isEmpty(),
+            qPrintable(QStringLiteral("killed before step %1 of %2, %3\n")
+                           .arg(number)
+                           .arg(steps)
+                           .arg(fault.steps().value(number - 1))
+                + wrong));
+    }
+}
+
+void RemoteWipeTest::aFullDisk_data()
+{
+    QTest::addColumn<QString>("database");
+    for (const char *const database : { "fennel_eas.db", "mailstore.db", "contacts.db", "db", "accounts.db" })
+        QTest::newRow(database) << QString::fromLatin1(database);
+}
+
+void RemoteWipeTest::aFullDisk()
+{
+    QFETCH(QString, database);
+    FaultShim plain = shim();
+    plain.setDatabase(database);
+    QCOMPARE(wipe(plain.environment()), QString());
+    const int statements = plain.statements().size();
+    QVERIFY(statements > 3);
+    const int stride = qMax(1, statements / Soak::samples(3, statements));
+    qInfo("%d statements, tried in strides of %d", statements, stride);
+    for (int number = 1; number <= statements; number += stride) {
+        FaultShim fault = shim();
+        fault.setDatabase(database);
+        fault.failStatement(number, FaultShim::StatementError::Full);
+        const QString wrong = wipe(fault.environment());
+        QVERIFY2(wrong.isEmpty(),
+            qPrintable(QStringLiteral("failed statement %1 of %2, %3\n")
+                           .arg(number)
+                           .arg(statements)
+                           .arg(fault.statements().value(number - 1))
+                + wrong));
+    }
+}
+
+void RemoteWipeTest::aSignOnServiceThatIsSilent()
+{
+    QVERIFY(mScene->begin());
+    QVERIFY(mScene->orderInRecord());
+    QProcessEnvironment impatient = QProcessEnvironment::systemEnvironment();
+    impatient.insert(QStringLiteral("FENNEL_TEST_IMPATIENT_SIGN_ON"), QStringLiteral("1"));
+    {
+        const SilentSignOnService silent;
+        QVERIFY(silent.isSilent());
+        mScene->run(impatient);
+        QVERIFY2(!mScene->isAccountThere(), "everything else goes");
+        QCOMPARE(WaitingIdentities().all()->size(), 2);
+    }
+    QCOMPARE(told(mScene->finish()), QString());
+}
+
+void RemoteWipeTest::anIdentityThatTheServiceRefuses()
+{
+    constexpr quint32 refused = 4711;
+    QVERIFY(mScene->begin());
+    QVERIFY(mScene->accounts().setValue(
+        mScene->accountId(), QString(), QStringLiteral("SslCertCredentialsId"), refused));
+    QVERIFY(mScene->orderInRecord());
+    mScene->run(QProcessEnvironment::systemEnvironment());
+    QVERIFY(!mScene->isAccountThere());
+    QCOMPARE(*WaitingIdentities().all(), WaitingIdentities::Identities { refused });
+    QVERIFY(mScene->log().contains("Received an Identity deletion error: type="));
+}
+
+void RemoteWipeTest::anOrderBehindABadCertificateIsNotHeard()
+{
+    Simulator::ExchangeServer server;
+    server.addUser(QStringLiteral("carol"), QStringLiteral("s3cret"));
+    server.changePolicies(
+        [](Simulator::ServerPolicies &policies) { policies.orderWipe(Simulator::Wipe::Device); });
+    QVERIFY(server.start(Simulator::ExchangeServer::Https));
+    AccountOptions options;
+    options.userName = QStringLiteral("carol");
+    options.port = server.port();
+    options.secure = true;
+    const EasAccountId id = mScene->accounts().create(options);
+    QVERIFY(id != 0);
+    const int status = mScene->synchronize(id);
+    QVERIFY2(status != 0 && status != DaemonProcess::Died
+            && status != EasRequestStatus::RequestStatusWipeAcknowledged,
+        qPrintable(QString::number(status)));
+    QVERIFY(server.requests().isEmpty());
+    QVERIFY(!mScene->accounts().value(id, QString(), QStringLiteral("remote_wipe_requested")).toBool());
+    QVERIFY(mScene->accounts().remove(id));
+}
+
+FENNEL_REGISTER_TEST(RemoteWipeTest)
+#include "remotewipetest.moc"
