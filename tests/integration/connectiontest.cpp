@@ -145,9 +145,15 @@ void ConnectionTest::anUnavailableServerIsNoWipeOnceThereIsAPolicyKey()
     QVERIFY(missesOneMessage(bed));
     bed.server().overrideNext(QStringLiteral("Sync"), Override::topStatus(141));
     QCOMPARE(bed.sync(), 0);
-    bed.server().overrideNext(QStringLiteral("Sync"), Override::httpStatus(503));
+    bed.server().overrideNext(QStringLiteral("FolderSync"), Override::httpStatus(503));
+    bed.server().changePolicies(
+        [](Simulator::ServerPolicies &policies) { policies.orderWipe(Simulator::Wipe::Device); });
     QCOMPARE(bed.sync(), 10403);
-    QVERIFY(nextSyncRepairs(bed));
+    bed.server().overrideNext(QStringLiteral("FolderSync"), Override::httpStatus(403));
+    QCOMPARE(bed.sync(), 10201);
+    QVERIFY2(!RequestManager::instance()->account(bed.accountId())->isRemoteWipeRequested(),
+        "the server has an order, but neither of these answers is one");
+    QVERIFY(bed.server().policies().wipeVerdicts.isEmpty());
 }
 
 void ConnectionTest::aWrongPasswordBlocksTheAccountUntilThereIsANewOne()
