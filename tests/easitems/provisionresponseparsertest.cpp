@@ -296,6 +296,20 @@ private Q_SLOTS:
         QVERIFY(!parser.ready());
     }
 
+    void aReplyThatIsCutShortIsNoAnswer()
+    {
+        const QByteArray whole = reply({ policy({ node(Provision::AllowCamera, "1") }) });
+        LogCollector log;
+        for (int size = 1; size < whole.size(); ++size) {
+            ProvisionResponseParser parser;
+            parser.parse(whole.left(size));
+            QVERIFY2(!parser.ready(), qPrintable(QString::number(size)));
+        }
+        ProvisionResponseParser parser;
+        parser.parse(whole);
+        QVERIFY(parser.ready());
+    }
+
     void foreignElementsAreLoggedAndLeftOut()
     {
         LogCollector log;
