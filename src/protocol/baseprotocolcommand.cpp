@@ -24,13 +24,6 @@
 
 #include <memory>
 
-namespace {
-
-/** Not in QNetworkReply's enumeration; some versions of Qt pass the HTTP status on. */
-constexpr int RedirectError = 451;
-
-} // namespace
-
 BaseProtocolCommand::BaseProtocolCommand(EasAccountId accountId, QObject *parent)
     : QObject(parent)
     , mAccountId(accountId)
@@ -101,24 +94,9 @@ bool BaseProtocolCommand::configureNetworkRequest(QNetworkRequest &request, cons
     return RequestHeaders::setCommon(request, *commandAccount, *configuration);
 }
 
-void BaseProtocolCommand::queryAddCommand(QUrlQuery &query, const QString &command) const
+void BaseProtocolCommand::queryAdd(QUrlQuery &query, const char *name, const QString &value)
 {
-    RequestHeaders::addQueryItem(query, QStringLiteral("Cmd"), command);
-}
-
-void BaseProtocolCommand::queryAddUser(QUrlQuery &query, const QString &userName) const
-{
-    RequestHeaders::addQueryItem(query, QStringLiteral("User"), userName);
-}
-
-void BaseProtocolCommand::queryAddDeviceId(QUrlQuery &query, const QString &deviceId) const
-{
-    RequestHeaders::addQueryItem(query, QStringLiteral("DeviceId"), deviceId);
-}
-
-void BaseProtocolCommand::queryAddDeviceType(QUrlQuery &query, const QString &deviceType) const
-{
-    RequestHeaders::addQueryItem(query, QStringLiteral("DeviceType"), deviceType);
+    RequestHeaders::addQueryItem(query, QString::fromLatin1(name), value);
 }
 
 bool BaseProtocolCommand::getSslCredentials(
@@ -246,6 +224,10 @@ Network *BaseProtocolCommand::network() const
 
 bool BaseProtocolCommand::mayBeSent() const
 {
+    if (mReply) {
+        qCWarning(eas()) << "Already active";
+        return false;
+    }
     const EasAccount *const wiped = account();
     if (!wiped || !wiped->isRemoteWipeRequested() || commandName() == ProtocolUtils::CommandProvision)
         return true;
@@ -255,10 +237,6 @@ bool BaseProtocolCommand::mayBeSent() const
 
 bool BaseProtocolCommand::post(const QNetworkRequest &request, const QByteArray &body)
 {
-    if (mReply) {
-        qCWarning(eas()) << "Already active";
-        return false;
-    }
     if (!mayBeSent())
         return false;
     Network *const access = network();
@@ -268,10 +246,6 @@ bool BaseProtocolCommand::post(const QNetworkRequest &request, const QByteArray 
 bool BaseProtocolCommand::sendCustomRequest(
     const QNetworkRequest &request, const QByteArray &verb, const QByteArray &body)
 {
-    if (mReply) {
-        qCWarning(eas()) << "Already active";
-        return false;
-    }
     if (!mayBeSent())
         return false;
     auto buffer = std::make_unique<QBuffer>();
@@ -375,6 +349,8 @@ void BaseProtocolCommand::onReplyError(QNetworkReply::NetworkError networkError)
         ExchangeLog::headers(*mReply, account());
         qCDebug(easNetwork()) << "Body: " << ExchangeLog::withoutCredentials(mReply->readAll(), account());
     }
+    // Not in QNetworkReply's enumeration; some versions of Qt pass the HTTP status on.
+    constexpr int RedirectError = 451;
     const bool redirected =
         networkError == QNetworkReply::UnknownContentError || static_cast<int>(networkError) == RedirectError;
     if (!redirected || !redirect())
@@ -384,22 +360,7 @@ void BaseProtocolCommand::onReplyError(QNetworkReply::NetworkError networkError)
 bool BaseProtocolCommand::redirect()
 {
     qCDebug(eas()) << "We should redirect our requests to a different URL";
-    const QByteArray location =
-        mReply ? ReplyHeaders::value(*mReply, ProtocolUtils::HeaderXMSLocation) : QByteArray();
-    if (location.isEmpty())
-        return false;
-    EasAccount *const redirectedAccount = account();
-    if (!redirectedAccount) {
-        qCCritical(eas()) << "No account";
-        return false;
-    }
-    const auto configuration = redirectedAccount->connectionConfiguration();
-    if (!configuration) {
-        qCCritical(eas()) << "No connection config";
-        return false;
-    }
-    qCDebug(eas()) << "we have a correct header" << ExchangeLog::withoutCredentials(location, account());
-    if (!ServerLocation(location).apply(*configuration))
+    if (!mReply || !ServerLocation::follow(*mReply, account()))
         return false;
     dropReply();
     mRedirectTimer.start(0);
@@ -427,16 +388,10 @@ void BaseProtocolCommand::onSslErrors(const QList<QSslError> &errors)
 
 void BaseProtocolCommand::handleSslErrors(const QList<QSslError> &errors)
 {
-    const EasAccount *const sslAccount = account();
-    const auto configuration = sslAccount ? sslAccount->connectionConfiguration() : nullptr;
-    if (!sslAccount)
-        qCCritical(eas()) << "No account";
-    else if (!configuration)
-        qCCritical(eas()) << "No connection config";
-    else if (!configuration->acceptAllCertificates())
-        qCWarning(eas()) << "SSL errors:" << TlsSettings::errorTexts(errors);
-    else if (!mReply)
-        qCWarning(eas()) << "Reply is null";
-    else
+    if (!TlsSettings::passesOver(errors, account()))
+        return;
+    if (mReply)
         mReply->ignoreSslErrors(errors);
+    else
+        qCWarning(eas()) << "Reply is null";
 }

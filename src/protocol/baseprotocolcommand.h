@@ -127,10 +127,13 @@ protected:
     bool getSslCredentials(
         const QString &path, const QString &password, QSslCertificate *certificate, QSslKey *key) const;
     bool connectReply() const;
-    void queryAddUser(QUrlQuery &query, const QString &userName) const;
-    void queryAddCommand(QUrlQuery &query, const QString &command) const;
-    void queryAddDeviceId(QUrlQuery &query, const QString &deviceId) const;
-    void queryAddDeviceType(QUrlQuery &query, const QString &deviceType) const;
+    static void queryAddUser(QUrlQuery &query, const QString &name) { queryAdd(query, "User", name); }
+    static void queryAddCommand(QUrlQuery &query, const QString &name) { queryAdd(query, "Cmd", name); }
+    static void queryAddDeviceId(QUrlQuery &query, const QString &id) { queryAdd(query, "DeviceId", id); }
+    static void queryAddDeviceType(QUrlQuery &query, const QString &type)
+    {
+        queryAdd(query, "DeviceType", type);
+    }
 
 private Q_SLOTS:
     void onReplyDownloadProgress(qint64 bytesReceived, qint64 bytesTotal);
@@ -141,7 +144,9 @@ private Q_SLOTS:
 
 private:
     Network *network() const;
-    /** False, after a log line, for all but Provision once a wipe of the account was ordered. */
+    static void queryAdd(QUrlQuery &query, const char *name, const QString &value);
+    /** False, after a log line, while an exchange runs, and for all but Provision once a wipe of the account
+     * was ordered. */
     bool mayBeSent() const;
     bool redirect();
     void dropReply();

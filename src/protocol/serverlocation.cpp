@@ -1,8 +1,12 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "protocol/serverlocation.h"
 
+#include "application/account/easaccount.h"
 #include "application/base/logging.h"
 #include "configurations/connectionaccountconfiguration.h"
+#include "protocol/base/protocolutils.h"
+#include "protocol/exchangelog.h"
+#include "protocol/replyheaders.h"
 
 namespace {
 
@@ -43,4 +47,22 @@ bool ServerLocation::apply(ConnectionAccountConfiguration &configuration) const
     if (!mUrl.scheme().isEmpty())
         configuration.setScheme(mUrl.scheme());
     return true;
+}
+
+bool ServerLocation::follow(const QNetworkReply &reply, const EasAccount *account)
+{
+    const QByteArray location = ReplyHeaders::value(reply, ProtocolUtils::HeaderXMSLocation);
+    if (location.isEmpty())
+        return false;
+    if (!account) {
+        qCCritical(eas()) << "No account";
+        return false;
+    }
+    const auto configuration = account->connectionConfiguration();
+    if (!configuration) {
+        qCCritical(eas()) << "No connection config";
+        return false;
+    }
+    qCDebug(eas()) << "we have a correct header" << ExchangeLog::withoutCredentials(location, account);
+    return ServerLocation(location).apply(*configuration);
 }

@@ -5,6 +5,8 @@
 #include <QUrl>
 
 class ConnectionAccountConfiguration;
+class EasAccount;
+class QNetworkReply;
 
 /** Where a server says that an account's requests belong: the value of the header X-MS-Location. */
 class ServerLocation
@@ -16,6 +18,10 @@ public:
      * what is no address of a server, and for one that would send a password over a wire in the open that
      * was encrypted so far. */
     bool apply(ConnectionAccountConfiguration &configuration) const;
+
+    /** Takes the account to where a reply says its requests belong; false if it says nothing of it, or,
+     * logged, if the account cannot follow. */
+    static bool follow(const QNetworkReply &reply, const EasAccount *account);
 
 private:
     const char *refusal(const ConnectionAccountConfiguration &configuration) const;

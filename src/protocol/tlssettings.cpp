@@ -55,6 +55,20 @@ bool TlsSettings::readCredentials(
     return QSslCertificate::importPkcs12(&file, key, certificate, nullptr, password.toUtf8());
 }
 
+bool TlsSettings::passesOver(const QList<QSslError> &errors, const EasAccount *account)
+{
+    const auto configuration = account ? account->connectionConfiguration() : nullptr;
+    if (!account)
+        qCCritical(eas()) << "No account";
+    else if (!configuration)
+        qCCritical(eas()) << "No connection config";
+    else if (!configuration->acceptAllCertificates())
+        qCWarning(eas()) << "SSL errors:" << errorTexts(errors);
+    else
+        return true;
+    return false;
+}
+
 QString TlsSettings::errorTexts(const QList<QSslError> &errors)
 {
     QStringList texts;

@@ -20,6 +20,9 @@ bool apply(QNetworkRequest &request, const EasAccount &account);
 /** Reads a PKCS#12 file; false, logged, if it cannot be read. */
 bool readCredentials(
     const QString &path, const QString &password, QSslCertificate *certificate, QSslKey *key);
+/** Whether an exchange of the account goes on in spite of these errors; logged if not. The account may be
+ * null. */
+bool passesOver(const QList<QSslError> &errors, const EasAccount *account);
 /** For the log, in one line. */
 QString errorTexts(const QList<QSslError> &errors);
 
