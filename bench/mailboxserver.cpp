@@ -127,7 +127,9 @@ int main(int argc, char **argv)
         QStringLiteral("users"), QStringLiteral("Users with such a mailbox."), number, QStringLiteral("1"));
     const QCommandLineOption megabytes(
         QStringLiteral("file"), QStringLiteral("Megabytes of a file in a message."), number, none);
-    parser.addOptions({ messages, events, contacts, users, megabytes, recordTo, replayFrom });
+    const QCommandLineOption heartbeat(
+        QStringLiteral("heartbeat"), QStringLiteral("The longest seconds that a Ping may wait."), number);
+    parser.addOptions({ messages, events, contacts, users, megabytes, heartbeat, recordTo, replayFrom });
     parser.process(application);
 
     ExchangeServer server;
@@ -146,6 +148,10 @@ int main(int argc, char **argv)
         fillAsAsked(server.addUser(QStringLiteral("bench%1").arg(user), password));
     if (parser.isSet(megabytes))
         mailbox.deliver(mailbox.inboxId(), MailboxItems::messageWithFile(parser.value(megabytes).toInt()));
+    if (parser.isSet(heartbeat))
+        server.setHeartbeatLimits(1, parser.value(heartbeat).toInt());
+    int requests = 0;
+    QObject::connect(&server, &ExchangeServer::requestReceived, [&requests] { ++requests; });
     if (!server.start())
         return fail(QStringLiteral("cannot listen"));
     if (!parser.isSet(recordTo)) {
@@ -163,6 +169,8 @@ int main(int argc, char **argv)
             mailbox.deliver(mailbox.inboxId(), MailboxItems::message(0));
             return say("ok");
         }
+        if (line == "requests")
+            return say(std::to_string(requests));
         if (line == "count")
             return say(count(mailbox));
         const QStringList complaints = server.finish();
