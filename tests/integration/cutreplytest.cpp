@@ -77,7 +77,7 @@ void CutReplyTest::theLineDrops_data()
 {
     QTest::addColumn<QString>("command");
     QTest::addColumn<int>("fault");
-    for (const char *command : { "OPTIONS", "FolderSync", "Sync", "MoveItems" }) {
+    for (const char *command : { "OPTIONS", "FolderSync", "Sync", "MoveItems", "Provision" }) {
         QTest::addRow("%s: before the body", command) << QString::fromLatin1(command) << 0;
         QTest::addRow("%s: before the first byte", command) << QString::fromLatin1(command) << 1;
         QTest::addRow("%s: the body is no document", command) << QString::fromLatin1(command) << 2;
@@ -100,6 +100,9 @@ void CutReplyTest::theLineDrops()
     bed.mailbox().addFolder(QStringLiteral("Archive"));
     QCOMPARE(bed.sync(), 0);
     changeBothSides(bed, 1);
+    if (command == QLatin1String("Provision"))
+        bed.server().changePolicies(
+            [](Simulator::ServerPolicies &all) { all.setPolicies({ Simulator::Policy::allowing() }); });
     bed.restartEngine();
     bed.server().overrideNext(command, faults[fault], fault == 1 ? 4 : 1);
     const int end = bed.sync();

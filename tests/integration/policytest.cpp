@@ -97,9 +97,12 @@ void PolicyTest::aDeviceIsProvisionedOnceForAPolicy()
     QFETCH(QString, version);
     QVERIFY(start(version));
     setPolicies({ Policy::allowing() });
+    QSignalSpy documents(RequestManager::instance(), &RequestManager::policyDocumentReceived);
     QCOMPARE(mBed->sync(), 0);
     QCOMPARE(mBed->deviceState(), mBed->serverState());
     QCOMPARE(countOf("Provision"), 2);
+    // Clients hear of the policy from whichever request met the demand.
+    QCOMPARE(documents.size(), 1);
     // What a version cannot say reads as not allowed: nearly all at 12.0, the age of events at 16.1.
     const bool isMet = version != QLatin1String("12.0") && version != QLatin1String("16.1");
     QCOMPARE(verdict(), isMet ? QStringLiteral("1") : QStringLiteral("2"));
