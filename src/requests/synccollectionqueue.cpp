@@ -184,8 +184,7 @@ bool SyncCollectionQueue::forgetItems(const EasFolderItem &folder)
     if (!folder.isEmail())
         return true;
     if (const QSharedPointer<MailStorage> storage = mAccount.mailStorage()) {
-        storage->cleanUpFolder(folder);
-        return database->clearEmailFolder(mAccount.id(), folder.serverId());
+        return storage->cleanUpFolder(folder) && database->clearEmailFolder(mAccount.id(), folder.serverId());
     }
     qCWarning(eas()) << "MailStorage is null";
     return true;

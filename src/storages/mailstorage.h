@@ -88,7 +88,8 @@ public:
      */
     virtual void lookForChangesAnew() {}
 
-    virtual void cleanUpFolder(const EasFolderItem &folder) = 0;
+    /** Removes what came from the server into the folder; false, logged, if the store refuses. */
+    virtual bool cleanUpFolder(const EasFolderItem &folder) = 0;
     /** Unread if the mail account or a row cannot be read, which is not the same as no folder. */
     virtual Lookup<QList<EasFolderItem>> foldersToSynchronize() = 0;
 

@@ -198,6 +198,21 @@ private Q_SLOTS:
         QVERIFY(EasDatabase::instance()->serverToLocalEmailIds(Account)->isEmpty());
     }
 
+    void mailThatIsNotClearedKeepsItsRows()
+    {
+        EasEmailItem mail = item<EasEmailItem>("1", "1:1");
+        mail.setCollectionId(QStringLiteral("1"));
+        QVERIFY(EasDatabase::instance()->addEmailItems(Account, { mail }));
+        const auto store = QSharedPointer<StubMailStorage>::create();
+        store->cleansUp = false;
+        mAccount->mails = store;
+        mState.collectionsToResync = QStringList(QStringLiteral("1"));
+        QList<SyncCollection> collections;
+        QVERIFY(!SyncCollectionQueue(*mAccount, mState).restart(collections));
+        QCOMPARE(EasDatabase::instance()->serverToLocalEmailIds(Account)->size(), 1);
+        QCOMPARE(key("1"), QStringLiteral("0"));
+    }
+
     void aCalendarThatIsNotClearedKeepsItsRows()
     {
         const auto calendar = QSharedPointer<StubCalendarStorage>::create();

@@ -350,12 +350,14 @@ private Q_SLOTS:
         mail.addFolder("2");
         mail.addMessage(mail.item("1:1", "1"));
         mail.addMessage(mail.item("2:1", "2"));
-        mail.adapter.cleanUpFolder(*EasDatabase::instance()->folderItemByServerId(mail.accountId(), "1"));
+        QVERIFY(mail.adapter.cleanUpFolder(
+            *EasDatabase::instance()->folderItemByServerId(mail.accountId(), "1")));
         QCOMPARE(mail.messageCount(), 1);
         QVERIFY(mail.context.store->messageRemovalRecords(mail.mailAccountId()).isEmpty());
-        mail.adapter.cleanUpFolder(folderItem("9", EasFolderItem::DefaultCalendarFolder, "Calendar"));
+        QVERIFY(
+            mail.adapter.cleanUpFolder(folderItem("9", EasFolderItem::DefaultCalendarFolder, "Calendar")));
         QVERIFY(log.contains(QtWarningMsg, { "tried to clean up non-email folder" }));
-        mail.adapter.cleanUpFolder(folderItem("1", UserMail, "no local id"));
+        QVERIFY(mail.adapter.cleanUpFolder(folderItem("1", UserMail, "no local id")));
         QVERIFY(log.contains("invalid folder id"));
     }
 
@@ -367,7 +369,8 @@ private Q_SLOTS:
         mail.addMessage(mail.item("1:1", "1"));
         const QMailMessageId moved = mail.addMessage(mail.item("2:1", "2"));
         QMailDisconnected::moveToFolder(QMailMessageIdList { moved }, emptied);
-        mail.adapter.cleanUpFolder(*EasDatabase::instance()->folderItemByServerId(mail.accountId(), "1"));
+        QVERIFY(mail.adapter.cleanUpFolder(
+            *EasDatabase::instance()->folderItemByServerId(mail.accountId(), "1")));
         QCOMPARE(mail.messageCount(), 1);
         QCOMPARE(mail.message(moved).parentFolderId(), emptied);
     }

@@ -34,6 +34,7 @@ public:
     bool takesEmails = false;
     QList<EasFolderItem> synchronizedFolders;
     bool isInitialized = true;
+    bool cleansUp = true;
 
     static QString reference(quint64 messageId, const QString &location)
     {
@@ -109,6 +110,6 @@ public:
             files.insert(reference(messageId, part.location), part.octets.all());
         return true;
     }
-    void cleanUpFolder(const EasFolderItem &) override {}
+    bool cleanUpFolder(const EasFolderItem &) override { return cleansUp; }
     Lookup<QList<EasFolderItem>> foldersToSynchronize() override { return synchronizedFolders; }
 };

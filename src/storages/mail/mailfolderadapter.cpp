@@ -385,21 +385,23 @@ Lookup<QList<EasFolderItem>> MailFolderAdapter::foldersToSynchronize() const
     return items;
 }
 
-void MailFolderAdapter::cleanUpFolder(const EasFolderItem &item)
+bool MailFolderAdapter::cleanUpFolder(const EasFolderItem &item)
 {
     if (!item.isEmail()) {
         qCWarning(eas()) << "tried to clean up non-email folder";
-        return;
+        return true;
     }
     const QMailFolderId id = folderId(item.localId());
     if (!id.isValid()) {
         qCWarning(eas()) << "invalid folder id" << item.localId();
-        return;
+        return true;
     }
     // What the user has just moved here is in another folder on the server, which would not send it again.
     const QMailMessageKey key = QMailMessageKey::parentFolderId(id)
         & QMailMessageKey::parentAccountId(mContext.mailAccountId)
         & QMailMessageKey::previousParentFolderId(QMailFolderId(), QMailDataComparator::Equal);
-    if (!mContext.store->removeMessages(key, QMailStore::NoRemovalRecord))
-        qCWarning(eas()) << "failed to remove messages in folder" << item.localId();
+    if (mContext.store->removeMessages(key, QMailStore::NoRemovalRecord))
+        return true;
+    qCWarning(eas()) << "failed to remove messages in folder" << item.localId();
+    return false;
 }

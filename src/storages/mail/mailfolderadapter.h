@@ -46,7 +46,8 @@ public:
     Lookup<QList<EasFolderItem>> foldersToSynchronize() const;
 
     /** Removes the messages of a folder, not the folder; those stay that wait for their move into it. */
-    void cleanUpFolder(const EasFolderItem &item);
+    /** False if the store refuses; a folder that the store does not have is clean. */
+    bool cleanUpFolder(const EasFolderItem &item);
 
 private:
     bool addFolderItems(QList<EasFolderItem> &items, const QMap<QString, QString> &serverToLocal);

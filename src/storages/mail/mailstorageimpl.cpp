@@ -409,10 +409,9 @@ QString MailStorageImpl::serverUidFromMessageId(quint64 messageId)
     return mContext.store->messageMetaData(QMailMessageId(messageId)).serverUid();
 }
 
-void MailStorageImpl::cleanUpFolder(const EasFolderItem &folder)
+bool MailStorageImpl::cleanUpFolder(const EasFolderItem &folder)
 {
-    if (storeAvailable())
-        mFolders.cleanUpFolder(folder);
+    return storeAvailable() && mFolders.cleanUpFolder(folder);
 }
 
 Lookup<QList<EasFolderItem>> MailStorageImpl::foldersToSynchronize()

@@ -71,7 +71,7 @@ public:
     QString fileReferenceFromLocation(quint64 messageId, const QString &location) override;
     QString serverUidFromMessageId(quint64 messageId) override;
     int estimatedDataSizeFromLocation(quint64 messageId, const QString &location) override;
-    void cleanUpFolder(const EasFolderItem &folder) override;
+    bool cleanUpFolder(const EasFolderItem &folder) override;
     Lookup<QList<EasFolderItem>> foldersToSynchronize() override;
 
 public Q_SLOTS:
