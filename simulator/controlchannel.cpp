@@ -57,6 +57,8 @@ const QVector<ControlChannel::Entry> &ControlChannel::entries()
         { "demand", 2, &ControlChannel::demand, "demand key|compliance|new-keys on|off" },
         { "wipe", 1, &ControlChannel::wipe, "wipe device|account|off" },
         { "policy-status", 0, &ControlChannel::policyStatus, "policy-status" },
+        { "expire-pings", 0, &ControlChannel::expirePings, "expire-pings" },
+        { "heartbeats", 2, &ControlChannel::heartbeats, "heartbeats SHORTEST LONGEST" },
         { "quit", 0, &ControlChannel::quit, "quit" },
     };
     return table;
@@ -333,6 +335,22 @@ QString ControlChannel::policyStatus(const Arguments &)
     for (auto verdict = policies.wipeVerdicts.cbegin(); verdict != policies.wipeVerdicts.cend(); ++verdict)
         lines += QStringLiteral("wipe\t%1\t%2\n").arg(verdict.key(), verdict.value());
     return lines + QStringLiteral("ok %1").arg(policies.list.size());
+}
+
+QString ControlChannel::expirePings(const Arguments &)
+{
+    mServer.expirePings();
+    return QStringLiteral("ok");
+}
+
+QString ControlChannel::heartbeats(const Arguments &arguments)
+{
+    const int shortest = arguments.at(0).toInt();
+    const int longest = arguments.at(1).toInt();
+    if (shortest < 1 || longest < shortest)
+        return QStringLiteral("error no such range of seconds");
+    mServer.setHeartbeatLimits(shortest, longest);
+    return QStringLiteral("ok");
 }
 
 QString ControlChannel::quit(const Arguments &)

@@ -60,6 +60,8 @@ private:
     QString demand(const Arguments &arguments);
     QString wipe(const Arguments &arguments);
     QString policyStatus(const Arguments &arguments);
+    QString expirePings(const Arguments &arguments);
+    QString heartbeats(const Arguments &arguments);
     QString quit(const Arguments &arguments);
     QString setRead(const Arguments &arguments, bool isRead);
     /** Identifier of a folder named by its path or its identifier. */
