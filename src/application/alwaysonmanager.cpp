@@ -100,6 +100,7 @@ void AlwaysOnManager::connectToSignals()
         pushed, &EasAccount::calendarConfigurationChanged, this, &AlwaysOnManager::onConfigAccountChanged);
     connect(
         pushed, &EasAccount::contactsConfigurationChanged, this, &AlwaysOnManager::onConfigAccountChanged);
+    connect(pushed, &EasAccount::credentialsChanged, this, &AlwaysOnManager::onCredentialsChanged);
     connectStores();
 }
 
@@ -361,6 +362,8 @@ void AlwaysOnManager::scheduleRestart()
     if (!mAlwaysOnEnabled || !mNetworkEnabled || mSyncInProgress || mRestartTimer.isActive()
         || mPingTimer.isActive() || mPingRequest)
         return publish();
+    EasAccount *const pushed = account();
+    mWaitsForCredentials = pushed && pushed->isCredentialsNeedUpdate();
     const int minutes = mRestartDelays.take();
     qCWarning(eas()) << "push has stopped for account" << mAccountId << ", full sync in" << minutes << "min";
     mRestartTimer.start(minutes * 60 * 1000);
@@ -371,6 +374,17 @@ void AlwaysOnManager::restart()
 {
     startFullSyncRequest();
     publish();
+}
+
+void AlwaysOnManager::onCredentialsChanged()
+{
+    // Those of an account that is not blocked are fetched anew whenever a server refuses them.
+    EasAccount *const pushed = account();
+    if (!mWaitsForCredentials || !pushed || pushed->isCredentialsNeedUpdate() || !mRestartTimer.isActive())
+        return;
+    mWaitsForCredentials = false;
+    mRestartTimer.stop();
+    restart();
 }
 
 // The network and the user

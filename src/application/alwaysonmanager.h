@@ -57,6 +57,7 @@ private Q_SLOTS:
     void onChangesAvailable(const QStringList &localFolderIds);
     void onStartInternalSync();
     void onPingAnswered(int status);
+    void onCredentialsChanged();
 
 private:
     EasAccount *account() const;
@@ -98,6 +99,8 @@ private:
     /** The server has reported changes, and no sync has looked for them yet. */
     bool mHasReportedChanges = false;
     bool mHasReceivedChanges = false;
+    /** Push has stopped because the server refuses the credentials. */
+    bool mWaitsForCredentials = false;
     /** The sync that push begins with has not succeeded yet. */
     bool mOwesFullSync = false;
     QDateTime mPingStarted;

@@ -312,6 +312,26 @@ private Q_SLOTS:
         QVERIFY(manager()->state().nextStepAt.isValid());
     }
 
+    void newCredentialsOfABlockedAccountStartPushAgain()
+    {
+        mBed->account->setAlwaysOn(true);
+        QVERIFY(waitForCalls(1));
+        syncRuns(10204);
+        // Fetched anew because they were refused; the account is not blocked yet.
+        Q_EMIT mBed->account->credentialsChanged(Account);
+        QVERIFY(waitForCalls(1));
+        mBed->account->blocked = true;
+        jump(60);
+        QVERIFY(waitForCalls(2));
+        syncRuns(-4);
+        Q_EMIT mBed->account->credentialsChanged(Account);
+        QVERIFY(waitForCalls(2));
+        mBed->account->blocked = false;
+        Q_EMIT mBed->account->credentialsChanged(Account);
+        QVERIFY(waitForCalls(3));
+        QCOMPARE(mDaemon->calls.last(), QStringLiteral("sync 7"));
+    }
+
     void aDaemonThatIsNotThereStopsPush()
     {
         mDaemon.reset();
