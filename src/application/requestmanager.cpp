@@ -102,6 +102,20 @@ RequestManager::~RequestManager()
 void RequestManager::init()
 {
     FetchedOctets::removeLeftBehind();
+    if (!mDBusThread)
+        return openAccountStorage();
+    // Behind the thread's way to the bus: each account asks the scheduler at once, whose answer comes as a
+    // signal that is lost to a thread that does not listen yet.
+    QMetaObject::invokeMethod(
+        mDBusThread.get(),
+        [this] {
+            QMetaObject::invokeMethod(this, &RequestManager::openAccountStorage, Qt::QueuedConnection);
+        },
+        Qt::QueuedConnection);
+}
+
+void RequestManager::openAccountStorage()
+{
     setAccountStorage(StoragesFactory::createAccountStorage(this));
     qCInfo(eas()) << "Initialization done";
 }

@@ -113,6 +113,7 @@ private Q_SLOTS:
     void onCheckAccountsCount();
 
 private:
+    void openAccountStorage();
     void checkAccountsCount();
     void quitApplication();
     void addRequestInQueue(Request *request);

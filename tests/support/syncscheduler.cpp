@@ -39,7 +39,9 @@ bool SyncScheduler::isSyncedExternally(uint accountId, const QString &profileNam
 {
     mQueries.append(Query(accountId, profileName));
     Q_EMIT queried();
-    return false;
+    if (mAnswer)
+        Q_EMIT syncedExternallyStatus(accountId, profileName, true);
+    return mAnswer;
 }
 
 QStringList SyncScheduler::switches() const

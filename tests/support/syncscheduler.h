@@ -21,6 +21,8 @@ public:
     ~SyncScheduler() override;
 
     bool isRegistered() const;
+    /** Whether the accounts are always on, which is published at each question. */
+    void setAnswer(bool isOn) { mAnswer = isOn; }
     QList<Query> queries() const;
     /** The switches that were set: "1 PROFILE on". */
     QStringList switches() const;
@@ -39,4 +41,5 @@ private:
     QList<Query> mQueries;
     QStringList mSwitches;
     bool mRegistered = false;
+    bool mAnswer = false;
 };
