@@ -247,7 +247,9 @@ void AlwaysOnManager::onPingAnswered(int status)
         || status == Eas::ChangesOccurred || status == Eas::FolderHierarchySyncRequired;
     if (works)
         mRestartDelays.reset();
-    publish();
+    // Later, when it shows whether the request goes on.
+    QMetaObject::invokeMethod(
+        this, [this] { publish(); }, Qt::QueuedConnection);
 }
 
 void AlwaysOnManager::onPingRequestCompleted(EasAccountId accountId, qulonglong requestId)

@@ -516,6 +516,9 @@ private Q_SLOTS:
             QCOMPARE(state.value(QStringLiteral("enabled")).toBool(), true);
             QCOMPARE(state.value(QStringLiteral("heartbeat")).toInt(), 300);
             QCOMPARE(state.contains(QStringLiteral("nextStepAt")), next == QLatin1String("pause"));
+            // An answer that ends the Ping is told with what follows it.
+            if (next == QLatin1String("ping"))
+                QVERIFY(!state.contains(QStringLiteral("lastAnswer")));
         }
         QCOMPARE(steps,
             QStringList({ QStringLiteral("sync"), QStringLiteral("pause"), QStringLiteral("ping"),
