@@ -133,11 +133,11 @@ bool FolderHierarchyChanges::updateStores(OnFailure onFailure, const char *mailF
     mMailFailed = mail && !mMailStored;
     if (mail && !step(mMailStored, mailFailure))
         return false;
-    if (!step(mAccount.calendarStorage()->updateFolders(mAdded, mUpdated, mDeleted),
-            "failed to update folders in Calendar Storage"))
+    mCalendarFailed = !mAccount.calendarStorage()->updateFolders(mAdded, mUpdated, mDeleted);
+    if (!step(!mCalendarFailed, "failed to update folders in Calendar Storage"))
         return false;
-    step(mAccount.contactStorage()->updateFolders(mAdded, mUpdated, mDeleted),
-        "failed to update folders in Contact Storage");
+    mContactsFailed = !mAccount.contactStorage()->updateFolders(mAdded, mUpdated, mDeleted);
+    step(!mContactsFailed, "failed to update folders in Contact Storage");
     return updated;
 }
 
@@ -206,13 +206,17 @@ bool FolderHierarchyChanges::updateDatabase()
 
 QStringList FolderHierarchyChanges::deletedRows() const
 {
-    if (!mMailFailed)
+    if (!mMailFailed && !mCalendarFailed && !mContactsFailed)
         return mDeleted;
-    // A mail folder that may still be in the store could not be found there again without its row.
+    // A folder that may still be in its store could not be found there again without its row.
     QStringList deleted;
     for (const QString &serverId : mDeleted) {
-        const auto type = EasDatabase::instance()->folderTypeByServerId(mAccountId, serverId);
-        if (type && !EasFolderItem::isEmailFolder(*type))
+        const auto folder = EasDatabase::instance()->folderItemByServerId(mAccountId, serverId);
+        if (!folder)
+            continue;
+        const bool mayBeStored = (mMailFailed && folder->isEmail())
+            || (mCalendarFailed && folder->isCalendar()) || (mContactsFailed && folder->isContacts());
+        if (!mayBeStored)
             deleted.append(serverId);
     }
     return deleted;

@@ -74,5 +74,8 @@ private:
     /** Added folders that have a row, but none in the store yet: a run before failed in between. */
     QSet<QString> mRowsWithoutFolder;
     bool mMailStored = false;
+    // Stores that have refused the changes.
     bool mMailFailed = false;
+    bool mCalendarFailed = false;
+    bool mContactsFailed = false;
 };

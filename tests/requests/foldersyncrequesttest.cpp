@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "requests/foldersyncrequest.h"
+#include "requests/folderhierarchychanges.h"
 
 #include "application/mapping/easdatabase.h"
 #include "requests/syncrequest.h"
@@ -159,6 +160,44 @@ private Q_SLOTS:
         QVERIFY(!EasDatabase::instance()->serverToLocalFolderIds(Account)->contains(QStringLiteral("9")));
         // The later stores are not touched.
         QCOMPARE(mBed->contacts->folders.calls, store == QLatin1String("contacts") ? 1 : 0);
+    }
+
+    void aFolderThatItsStoreKeepsKeepsItsRow_data()
+    {
+        QTest::addColumn<QString>("store");
+        QTest::addColumn<QString>("kept");
+        QTest::newRow("mail") << "mail"
+                              << "20";
+        QTest::newRow("calendar") << "calendar"
+                                  << "21";
+        QTest::newRow("contacts") << "contacts"
+                                  << "22";
+    }
+
+    void aFolderThatItsStoreKeepsKeepsItsRow()
+    {
+        QFETCH(QString, store);
+        QFETCH(QString, kept);
+        FolderChanges changes;
+        for (const auto type : { EasFolderItem::UserCreatedMailFolder,
+                 EasFolderItem::UserCreatedCalendarFolder, EasFolderItem::UserCreatedContactsFolder }) {
+            EasFolderItem folder;
+            folder.setServerId(QString::number(20 + changes.deleted.size()));
+            folder.setType(type);
+            QVERIFY(EasDatabase::instance()->addFolderItems(Account, { folder }));
+            changes.deleted.append(folder.serverId());
+        }
+        StubFolders &refusing = store == QLatin1String("mail") ? mBed->mail->folders
+            : store == QLatin1String("calendar")               ? mBed->calendar->folders
+                                                               : mBed->contacts->folders;
+        refusing.accepts = false;
+        FolderHierarchyChanges hierarchy(*mBed->account, changes);
+        QVERIFY(!hierarchy.updateStores(FolderHierarchyChanges::OnFailure::GoOn, "no mail"));
+        QVERIFY(hierarchy.updateDatabase());
+        // By the next reply, under the old key, it is looked for once more.
+        const QStringList left = EasDatabase::instance()->serverToLocalFolderIds(Account)->keys();
+        for (const QString &serverId : qAsConst(changes.deleted))
+            QCOMPARE(left.contains(serverId), serverId == kept);
     }
 
     void aDatabaseThatRefusesLeavesTheOldKey()
