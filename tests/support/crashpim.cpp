@@ -123,6 +123,16 @@ QContact deviceContact(QContactManager &manager, EasAccountId accountId, const c
     return QContact();
 }
 
+QContactCollectionId defaultCollection(QContactManager &manager, EasAccountId accountId)
+{
+    const QList<QContactCollectionId> ids = PimListing::collectionsOf(manager, accountId);
+    for (const QContactCollectionId &id : ids) {
+        if (manager.collection(id).metaData(QContactCollection::KeyName).toString() != QLatin1String("Old"))
+            return id;
+    }
+    return {};
+}
+
 void setPicture(QContact &contact, const char *fileName, int red)
 {
     QFile file(QDir::homePath() + QLatin1Char('/') + text(fileName));
@@ -182,6 +192,10 @@ void CrashPim::fillCalendar()
     const QString folder = mMailbox->folderOfType(Simulator::CalendarFolder).id;
     for (const ServerEvent &event : events)
         mMailbox->addItem(folder, Simulator::EventItem::make(event));
+    mOldCalendar = mMailbox->addFolder(QStringLiteral("Old"), Simulator::UserCalendarFolder);
+    ServerEvent old = weekly("old", 0, 8);
+    old.attach(QStringLiteral("minutes.txt"), "all agreed");
+    mMailbox->addItem(mOldCalendar, Simulator::EventItem::make(old));
 }
 
 void CrashPim::fillContacts()
@@ -191,6 +205,9 @@ void CrashPim::fillContacts()
     const QString folder = mMailbox->folderOfType(Simulator::ContactsFolder).id;
     for (const Contact &contact : contacts)
         mMailbox->addItem(folder, Simulator::ContactItem::make(contact));
+    mOldContacts = mMailbox->addFolder(QStringLiteral("Old"), Simulator::UserContactsFolder);
+    mMailbox->addItem(
+        mOldContacts, Simulator::ContactItem::make(contact("Olga").setPicture(TestPictures::png(70))));
 }
 
 void CrashPim::changeBothSides()
@@ -213,7 +230,7 @@ void CrashPim::addManyContacts()
     QList<QContact> contacts;
     for (int number = 0; number <= UploadBudget::MostChanges; ++number) {
         QContact contact = ContactFixture::named(QStringLiteral("Many %1").arg(number));
-        contact.setCollectionId(PimListing::collectionOf(*manager, mAccountId));
+        contact.setCollectionId(defaultCollection(*manager, mAccountId));
         contacts.append(contact);
     }
     if (!manager->saveContacts(&contacts))
@@ -254,6 +271,7 @@ void CrashPim::changeServerCalendar()
     mMailbox->edit<Simulator::EventItem>(serverEvent(QStringLiteral("series")),
         [](ServerEvent &event) { event.deleteOccurrence(wall(21, 0).date()); });
     mMailbox->remove(serverEvent(QStringLiteral("gone there")));
+    mMailbox->removeFolder(mOldCalendar);
     ServerEvent fresh = weekly("new there", 0, 10);
     fresh.attach(QStringLiteral("agenda.txt"), "one, two");
     mMailbox->addItem(
@@ -265,6 +283,7 @@ void CrashPim::changeServerContacts()
     mMailbox->edit<Simulator::ContactItem>(serverContact(QStringLiteral("Ada")),
         [](Contact &contact) { contact.setPicture(TestPictures::png(30)); });
     mMailbox->remove(serverContact(QStringLiteral("Bob")));
+    mMailbox->removeFolder(mOldContacts);
     mMailbox->addItem(mMailbox->folderOfType(Simulator::ContactsFolder).id,
         Simulator::ContactItem::make(contact("Flo").setPicture(TestPictures::png(40))));
 }
@@ -273,7 +292,8 @@ void CrashPim::changeDeviceCalendar() const
 {
     const QDateTime now = Clock::instance().currentDateTimeUtc().addSecs(EditDelay);
     DeviceCalendar device;
-    const QString notebook = device.notebookOf(mAccountId);
+    // By name, before the one that the server removes.
+    const QString notebook = device.notebooksOf(mAccountId).value(0);
 
     const DeviceEvent::Ptr fresh(new DeviceEvent);
     fresh->setSummary(QStringLiteral("new here"));
@@ -302,7 +322,7 @@ void CrashPim::changeDeviceContacts() const
 {
     const std::unique_ptr<QContactManager> manager(ContactStoreManager::create(nullptr));
     QContact fresh = ContactFixture::named(QStringLiteral("Gus"));
-    fresh.setCollectionId(PimListing::collectionOf(*manager, mAccountId));
+    fresh.setCollectionId(defaultCollection(*manager, mAccountId));
     setPicture(fresh, "gus.png", 50);
     manager->saveContact(&fresh);
 
@@ -346,14 +366,27 @@ QString CrashPim::wrongStores() const
     for (QStringList *list : { &contacts, &everywhere })
         list->sort();
     return StoreCheck::difference("contacts of all collections", everywhere, contacts)
-        + wrongRows("calendar", Simulator::CalendarFolder, events)
-        + wrongRows("contacts", Simulator::ContactsFolder, contacts) + wrongAttachments()
+        + wrongRows("calendar", itemsOf(Simulator::CalendarFolder, Simulator::UserCalendarFolder), events)
+        + wrongRows("contacts", itemsOf(Simulator::ContactsFolder, Simulator::UserContactsFolder), contacts)
+        + wrongAttachments()
         + StoreCheck::difference("pictures of no contact", PimListing::orphanPictures(mAccountId), {})
         + StoreCheck::damage(calendarFile())
         + StoreCheck::damage(qEnvironmentVariable("CONTACTS_DATA") + QStringLiteral("/contacts.db"));
 }
 
-QString CrashPim::wrongRows(const char *table, int folderType, QStringList localIds) const
+QVector<Simulator::ItemEntry> CrashPim::itemsOf(int folderType, int userFolderType) const
+{
+    QVector<Simulator::ItemEntry> items;
+    const auto folders = mMailbox->folders();
+    for (const Simulator::MailFolder &folder : folders) {
+        if (folder.type == folderType || folder.type == userFolderType)
+            items += mMailbox->items(folder.id);
+    }
+    return items;
+}
+
+QString CrashPim::wrongRows(
+    const char *table, const QVector<Simulator::ItemEntry> &items, QStringList localIds) const
 {
     const auto rows = [&](const char *column) {
         return StoreCheck::ask(StoreCheck::mappingFile(),
@@ -362,7 +395,6 @@ QString CrashPim::wrongRows(const char *table, int folderType, QStringList local
                 .arg(mAccountId));
     };
     QStringList serverIds;
-    const auto items = mMailbox->items(mMailbox->folderOfType(folderType).id);
     for (const Simulator::ItemEntry &entry : items)
         serverIds.append(entry.serverId);
     serverIds.sort();
@@ -375,7 +407,7 @@ QString CrashPim::wrongAttachments() const
 {
     // Before 16.0 devices do not see them.
     QStringList ofServer;
-    const auto items = mMailbox->items(mMailbox->folderOfType(Simulator::CalendarFolder).id);
+    const auto items = itemsOf(Simulator::CalendarFolder, Simulator::UserCalendarFolder);
     for (const Simulator::ItemEntry &entry : items) {
         const auto item = std::dynamic_pointer_cast<const Simulator::EventItem>(entry.item);
         for (const Simulator::EventAttachment &attachment :

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "common/easaccountid.h"
+#include "simulator/mailbox.h"
 #include "support/pimlisting.h"
 
 /**
@@ -46,12 +47,18 @@ private:
     void changeDeviceContacts() const;
     QString serverEvent(const QString &subject) const;
     QString serverContact(const QString &firstName) const;
-    QString wrongRows(const char *table, int folderType, QStringList localIds) const;
+    /** Items of the default folder of a class and of the others. */
+    QVector<Simulator::ItemEntry> itemsOf(int folderType, int userFolderType) const;
+    QString wrongRows(
+        const char *table, const QVector<Simulator::ItemEntry> &items, QStringList localIds) const;
     QString wrongAttachments() const;
 
     EasAccountId mAccountId = 0;
     bool mHasAttachments = false;
     Simulator::Mailbox *mMailbox = nullptr;
+    // Folders with items, which the server removes.
+    QString mOldCalendar;
+    QString mOldContacts;
     Listing mWantedEvents;
     Listing mWantedContacts;
     Listing mServerEvents; ///< after the edits of that side
