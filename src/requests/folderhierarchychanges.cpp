@@ -116,10 +116,7 @@ bool FolderHierarchyChanges::isReady(MailStore mailStore) const
 
 bool FolderHierarchyChanges::updateStores(OnFailure onFailure, const char *mailFailure)
 {
-    // Each sync begins here, and nearly always no folder has changed: no store need look for its account
-    // then.
-    if (mAdded.isEmpty() && mUpdated.isEmpty() && mDeleted.isEmpty())
-        return true;
+    // Without changes, too: the stores make the folders anew here that they have lost.
     bool updated = true;
     const auto step = [&](bool succeeded, const char *failure) {
         if (!succeeded) {

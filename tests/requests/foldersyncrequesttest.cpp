@@ -121,14 +121,15 @@ private Q_SLOTS:
         QVERIFY(EasDatabase::instance()->serverToLocalFolderIds(Account)->contains(QStringLiteral("9")));
     }
 
-    void aReplyWithoutFoldersWakesNoStore()
+    void aReplyWithoutFoldersLetsTheStoresRepairTheirs()
     {
         mBed->answer(reply("1", "8"));
         FolderSyncRequest request(Account, Id);
         QCOMPARE(RequestBed::run(request), 0);
         QCOMPARE(key(), QStringLiteral("8"));
-        QCOMPARE(
-            mBed->mail->folders.calls + mBed->calendar->folders.calls + mBed->contacts->folders.calls, 0);
+        QCOMPARE(mBed->mail->folders.calls, 1);
+        QCOMPARE(mBed->calendar->folders.calls, 1);
+        QCOMPARE(mBed->contacts->folders.calls, 1);
     }
 
     void aStoreThatRefusesLeavesTheOldKey_data()
