@@ -11,10 +11,6 @@
 #include "configurations/impls/emailaccountconfigurationimpl.h"
 #include "configurations/impls/scheduleaccountconfigurationimpl.h"
 #include "provision/provisionmanagerimpl.h"
-#include "storages/calendarstorage.h"
-#include "storages/contactstorage.h"
-#include "storages/mailstorage.h"
-#include "storages/storagecreator.h"
 
 #include <Accounts/Account>
 
@@ -54,9 +50,9 @@ EasAccountImpl::EasAccountImpl(
     Accounts::Account *account, EasAccountId id, const StorageCreator &storages, QObject *parent)
     : EasAccount(id, parent)
     , mRecord(account)
-    , mStorages(storages)
     , mCredentials(new AccountCredentials(mRecord, id, this))
     , mRemoteWipe(new RemoteWipe(mRecord, id, this))
+    , mStores(*this, storages)
 {
     initialize();
 }
@@ -73,15 +69,12 @@ void EasAccountImpl::initialize()
     }
     connectRemoteWipe();
     // What an account that is to be wiped would fetch and repair here would only have to go again.
-    if (mRemoteWipe->isRequested())
+    if (mRemoteWipe->isRequested()) {
+        mStores.close();
         return mRemoteWipe->resume();
+    }
     askSyncScheduler();
-    openStorages();
-}
-
-void EasAccountImpl::openStorages()
-{
-    mCalendarStorage.reset(mStorages.createCalendarStorage(*this, nullptr));
+    mStores.openCalendar();
     retrieveCredentials();
     onEmailConfigurationChanged(id());
 }
@@ -150,16 +143,11 @@ void EasAccountImpl::onEmailConfigurationChanged(EasAccountId accountId)
         qCWarning(eas()) << "Email configuration is null" << accountId;
         return;
     }
-    if (isRemoteWipeRequested())
-        return;
-    if (!mEmailConfiguration->enabled()) {
-        qCInfo(eas()) << "email service is disabled in account" << accountId;
-        mMailStorage.reset();
-        return;
-    }
-    qCInfo(eas()) << "email service is enabled in account" << accountId;
-    if (!mMailStorage)
-        mMailStorage.reset(mStorages.createMailStorage(this, nullptr));
+    const bool enabled = mEmailConfiguration->enabled();
+    qCInfo(eas()) << (enabled ? "email service is enabled in account"
+                              : "email service is disabled in account")
+                  << accountId;
+    mStores.setMailEnabled(enabled);
 }
 
 void EasAccountImpl::onAuthenticationFailedError()
@@ -197,9 +185,7 @@ bool EasAccountImpl::isRemoteWipeRequested() const
 void EasAccountImpl::onRemoteWipeOrdered()
 {
     // Without a store, nothing that still comes from the server can be put back.
-    mMailStorage.reset();
-    mCalendarStorage.reset();
-    mContactStorage.reset();
+    mStores.close();
     setAlwaysOn(false);
     Q_EMIT remoteWipeOrdered(id());
 }
@@ -289,19 +275,17 @@ QSharedPointer<ConnectionAccountConfiguration> EasAccountImpl::connectionConfigu
 
 QSharedPointer<MailStorage> EasAccountImpl::mailStorage() const
 {
-    return mMailStorage;
+    return mStores.mail();
 }
 
 QSharedPointer<CalendarStorage> EasAccountImpl::calendarStorage() const
 {
-    return mCalendarStorage;
+    return mStores.calendar();
 }
 
 QSharedPointer<ContactStorage> EasAccountImpl::contactStorage()
 {
-    if (!mContactStorage && !isRemoteWipeRequested())
-        mContactStorage.reset(mStorages.createContactStorage(*this, nullptr));
-    return mContactStorage;
+    return mStores.contacts();
 }
 
 QString EasAccountImpl::deviceId() const

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include "accounts/accountstores.h"
 #include "accounts/base/accountrecord.h"
 #include "application/account/easaccount.h"
 
@@ -79,7 +80,6 @@ private:
     void askSyncScheduler() const;
     void connectCredentials();
     void connectRemoteWipe();
-    void openStorages();
 
     QVariant globalValue(const char *key) const;
     void setGlobalValue(const char *key, const QVariant &value);
@@ -87,7 +87,6 @@ private:
     void writeMailValues(const AccountRecord::Values &values);
 
     AccountRecord mRecord;
-    const StorageCreator &mStorages;
     AccountCredentials *mCredentials;
     RemoteWipe *mRemoteWipe;
     ProvisionManager *mProvisionManager = nullptr;
@@ -96,7 +95,5 @@ private:
     QSharedPointer<ConnectionAccountConfiguration> mConnectionConfiguration;
     QSharedPointer<EmailAccountConfiguration> mEmailConfiguration;
     QSharedPointer<ScheduleAccountConfiguration> mScheduleConfiguration;
-    QSharedPointer<MailStorage> mMailStorage;
-    QSharedPointer<CalendarStorage> mCalendarStorage;
-    QSharedPointer<ContactStorage> mContactStorage;
+    AccountStores mStores;
 };
