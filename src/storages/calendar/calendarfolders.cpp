@@ -33,8 +33,9 @@ bool deleteWithFiles(const CalendarStoreContext &context, const Notebook::Ptr &n
     context.calendar->close();
     if (!context.storage->loadNotebookIncidences(notebook->uid()))
         return false;
-    const bool forgotten = CalendarAttachmentService::forget(context.calendar->incidences(notebook->uid()));
-    return context.storage->deleteNotebook(notebook) && forgotten;
+    // Where that fails the notebook stays, for another attempt.
+    return CalendarAttachmentService::forget(context.calendar->incidences(notebook->uid()))
+        && context.storage->deleteNotebook(notebook);
 }
 
 } // namespace
