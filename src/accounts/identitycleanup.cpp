@@ -15,7 +15,10 @@ void IdentityCleanUp::start()
 {
     const WaitingIdentities::Identities waiting = WaitingIdentities().all().valueOr({});
     for (const quint32 identity : waiting) {
-        if (IdentityUsers::any(identity))
+        const Lookup<Existence> users = IdentityUsers::any(identity);
+        if (!users)
+            qCWarning(eas()) << "identity" << identity << "waits, the account records cannot be read";
+        else if (*users == Existence::Present)
             qCInfo(eas()) << "identity" << identity << "stays, an account names it";
         else
             remove(identity);

@@ -29,27 +29,38 @@ bool names(Accounts::Account *account, quint32 identity)
     });
 }
 
-} // namespace
-
-bool IdentityUsers::anyBut(EasAccountId accountId, quint32 identity)
+Lookup<Existence> search(
+    Accounts::Manager &manager, const Accounts::AccountIdList &all, EasAccountId except, quint32 identity)
 {
-    const std::shared_ptr<Accounts::Manager> manager = AccountStore::manager();
-    if (!manager)
-        return true;
-    const Accounts::AccountIdList all = manager->accountList();
-    if (manager->lastError().type() != Accounts::Error::NoError)
-        return true;
-    return std::any_of(all.cbegin(), all.cend(), [&](Accounts::AccountId id) {
-        if (id == accountId)
-            return false;
+    for (const Accounts::AccountId id : all) {
+        if (id == except)
+            continue;
         // Read by an object of its own: the shared one may stand at another service.
-        const std::unique_ptr<Accounts::Account> account(
-            Accounts::Account::fromId(manager.get(), id, nullptr));
-        return !account || names(account.get(), identity);
-    });
+        const std::unique_ptr<Accounts::Account> account(Accounts::Account::fromId(&manager, id, nullptr));
+        if (!account)
+            return Lookup<Existence>::unread();
+        if (names(account.get(), identity))
+            return Existence::Present;
+    }
+    return Existence::Missing;
 }
 
-bool IdentityUsers::any(quint32 identity)
+} // namespace
+
+Lookup<Existence> IdentityUsers::anyBut(EasAccountId accountId, quint32 identity)
 {
-    return anyBut(NoAccount, identity);
+    const std::shared_ptr<Accounts::Manager> manager = AccountStore::manager();
+    const Accounts::AccountIdList all = manager ? manager->accountList() : Accounts::AccountIdList();
+    // The manager's latest error may be an old one; a list that has the account could be read.
+    return all.contains(Accounts::AccountId(accountId)) ? search(*manager, all, accountId, identity)
+                                                        : Lookup<Existence>::unread();
+}
+
+Lookup<Existence> IdentityUsers::any(quint32 identity)
+{
+    const std::shared_ptr<Accounts::Manager> manager = AccountStore::manager();
+    const Accounts::AccountIdList all = manager ? manager->accountList() : Accounts::AccountIdList();
+    return manager && manager->lastError().type() == Accounts::Error::NoError
+        ? search(*manager, all, NoAccount, identity)
+        : Lookup<Existence>::unread();
 }

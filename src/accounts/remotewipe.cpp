@@ -96,13 +96,24 @@ void RemoteWipe::removeIdentities()
         const quint32 identity = mRecord.value(RecordScope::global(), QLatin1String(key)).toUInt();
         if (identity == 0)
             qCWarning(eas()) << "identity is not found for account" << mAccountId << key;
-        else if (IdentityUsers::anyBut(mAccountId, identity))
-            qCWarning(eas()) << "identity" << identity << "stays, another account uses it";
         else
-            startRemoval(identity);
+            removeUnlessUsed(identity);
     }
     if (mRemovalsUnderWay == 0)
         removeData();
+}
+
+void RemoteWipe::removeUnlessUsed(quint32 identity)
+{
+    const Lookup<Existence> others = IdentityUsers::anyBut(mAccountId, identity);
+    if (!others) {
+        qCWarning(eas()) << "identity" << identity << "waits, the account records cannot be read";
+        mNotRemoved.insert(identity);
+    } else if (*others == Existence::Present) {
+        qCWarning(eas()) << "identity" << identity << "stays, another account uses it";
+    } else {
+        startRemoval(identity);
+    }
 }
 
 void RemoteWipe::startRemoval(quint32 identity)

@@ -53,6 +53,7 @@ private Q_SLOTS:
 private:
     bool write(const char *key, const QVariant &value);
     void removeIdentities();
+    void removeUnlessUsed(quint32 identity);
     void startRemoval(quint32 identity);
     void onIdentityRemoved(IdentityRemoval &removal, bool removed);
 
