@@ -11,6 +11,7 @@
 #include <QLoggingCategory>
 #include <QtTest>
 
+#include <algorithm>
 #include <cstdio>
 #include <memory>
 #include <vector>
@@ -169,8 +170,13 @@ void RandomRun::syncWithFault()
 bool RandomRun::mayRefuseKeys() const
 {
     // A new item whose upload was not answered is doubled where its folder starts anew before the next sync:
-    // the server has it, and its identifier died with the key.
-    return !mHadFault;
+    // the server has it, and its identifier died with the key. So is a contact that the server has moved and
+    // the device edited.
+    QSet<QString> editedOnBoth = mEditedOnServer;
+    editedOnBoth.intersect(mEditedOnDevice);
+    return !mHadFault && std::none_of(editedOnBoth.cbegin(), editedOnBoth.cend(), [](const QString &name) {
+        return name.startsWith(QLatin1String("contact"));
+    });
 }
 
 void RandomRun::syncWithRefusedKeys()
