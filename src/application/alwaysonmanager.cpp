@@ -6,38 +6,15 @@
 #include "application/base/logging.h"
 #include "application/mapping/easdatabase.h"
 #include "application/pushsyncs.h"
+#include "application/pushverb.h"
 #include "application/requestmanager.h"
 #include "protocol/base/eas.h"
 #include "requests/pingrequest.h"
-#include "requests/statustable.h"
 #include "storages/calendarstorage.h"
 #include "storages/contactstorage.h"
 #include "storages/mailstorage.h"
 
 #include <QNetworkSession>
-
-namespace {
-
-enum class PushVerb { Pause, SyncFolders, SyncHierarchy, PauseForLonger, Stop, EndForGood };
-using PushStatusTable = StatusTable<PushVerb>;
-
-constexpr PushStatusTable::Row rows[] = {
-    { EasRequestStatus::RequestStatusCancelled, QtInfoMsg, "Request canceled", PushVerb::Stop },
-    { EasRequestStatus::RequestStatusWipeAcknowledged, QtInfoMsg, nullptr, PushVerb::EndForGood },
-    { Eas::HeartbeatIntervalExpiredBeforeAnyChangesOccurred, QtInfoMsg, "Ping finished", PushVerb::Pause },
-    { Eas::ChangesOccurred, QtInfoMsg, nullptr, PushVerb::SyncFolders },
-    { Eas::FolderHierarchySyncRequired, QtInfoMsg, nullptr, PushVerb::SyncHierarchy },
-    { Eas::CommonStatusInvalidIds, QtWarningMsg, nullptr, PushVerb::PauseForLonger },
-    { Eas::CommonStatusServerError, QtWarningMsg, nullptr, PushVerb::PauseForLonger },
-    { Eas::CommonStatusHttpServerError, QtWarningMsg, nullptr, PushVerb::PauseForLonger },
-};
-constexpr PushStatusTable statuses(rows);
-static_assert(statuses.namesEachStatusOnce());
-
-/** Seconds after which a Ping that reports changes has waited long enough to be believed. */
-constexpr int LongEnough = 30;
-
-} // namespace
 
 AlwaysOnManager::AlwaysOnManager(EasAccountId accountId, QObject *parent)
     : QObject(parent)
@@ -83,7 +60,7 @@ void AlwaysOnManager::connectToSignals()
     connect(mManager, &RequestManager::syncCompleted, this, &AlwaysOnManager::onSyncCompleted);
     connect(mManager, &RequestManager::changesReceived, this, [this](EasAccountId accountId) {
         if (accountId == mAccountId)
-            mHasReceivedChanges = true;
+            mPauses.changesReceived();
     });
     connect(mManager, &RequestManager::networkStateChanged, this, &AlwaysOnManager::onNetworkStateChanged);
     connect(mManager, &RequestManager::accountDeleted, this, [this](EasAccountId accountId) {
@@ -191,7 +168,7 @@ void AlwaysOnManager::restartPingTimer()
         return;
     }
     mRestartTimer.stop();
-    const int interval = qMax(mTimeoutFactor.seconds(), mEmptyAnswers.seconds()) * 1000;
+    const int interval = mPauses.seconds() * 1000;
     qCInfo(eas()) << "Restart ping timer interval:" << interval;
     mPingTimer.start(interval);
 }
@@ -212,7 +189,7 @@ void AlwaysOnManager::rePing()
         return scheduleRestart();
     }
     stopPingRequest();
-    mPingStarted = Clock::instance().currentDateTimeUtc();
+    mPauses.pingStarted();
     mPingRequest = new PingRequest(mAccountId, 0, mManager);
     connect(mPingRequest, &Request::requestCompleted, this, &AlwaysOnManager::onPingRequestCompleted);
     connect(mPingRequest, &PingRequest::answered, this, &AlwaysOnManager::onPingAnswered);
@@ -236,7 +213,7 @@ void AlwaysOnManager::stopPingRequest()
     stopped->cancel();
     stopped->deleteLater();
     qCInfo(eas()) << "Request canceled";
-    mTimeoutFactor.reset();
+    mPauses.serverRecovered();
 }
 
 void AlwaysOnManager::onPingAnswered(int status)
@@ -266,24 +243,22 @@ void AlwaysOnManager::onPingRequestCompleted(EasAccountId accountId, qulonglong 
 
 void AlwaysOnManager::actOnPing(int status, const QStringList &responseFolders)
 {
-    const PushStatusTable::Row *const row = statuses.find(status);
-    if (row)
-        logStatusText(row->level, row->text);
-    const PushVerb verb = row ? row->verb : PushVerb::Stop;
-    if (row && verb != PushVerb::PauseForLonger)
-        mTimeoutFactor.reset();
+    const PushVerb verb = pushVerb(status);
+    if (verb != PushVerb::PauseForLonger && verb != PushVerb::Fail)
+        mPauses.serverRecovered();
     switch (verb) {
     case PushVerb::Pause:
         return restartPingTimer();
     case PushVerb::SyncFolders:
-        judgeAnswer();
+        mPauses.changesReported();
         return syncFolders(responseFolders);
     case PushVerb::SyncHierarchy:
-        judgeAnswer();
+        mPauses.changesReported();
         return mSyncs->startFoldersSyncRequest();
     case PushVerb::PauseForLonger:
         return repingAfterError(status);
     case PushVerb::Stop:
+    case PushVerb::Fail:
         return scheduleRestart();
     case PushVerb::EndForGood:
         return;
@@ -292,17 +267,9 @@ void AlwaysOnManager::actOnPing(int status, const QStringList &responseFolders)
 
 void AlwaysOnManager::repingAfterError(int status)
 {
-    qCWarning(eas()) << "server error. mTimeoutFactor:" << mTimeoutFactor.seconds() << "status:" << status;
+    qCWarning(eas()) << "server error. mTimeoutFactor:" << mPauses.timeoutFactor() << "status:" << status;
     restartPingTimer();
-    mTimeoutFactor.grow();
-}
-
-void AlwaysOnManager::judgeAnswer()
-{
-    // One that has waited for long has not been answered in a loop.
-    if (mPingStarted.secsTo(Clock::instance().currentDateTimeUtc()) >= LongEnough)
-        mEmptyAnswers.reset();
-    mHasReportedChanges = true;
+    mPauses.serverFailed();
 }
 
 void AlwaysOnManager::syncFolders(const QStringList &serverFolderIds)
@@ -333,7 +300,7 @@ void AlwaysOnManager::onSyncStarted(EasAccountId accountId, qulonglong requestId
     qCInfo(eas()) << "AlwaysOnManager: sync started for account" << accountId << "requestId" << requestId;
     stopPingRequest();
     mSyncInProgress = true;
-    mHasReceivedChanges = false;
+    mPauses.syncStarted();
     publish();
 }
 
@@ -346,12 +313,8 @@ void AlwaysOnManager::onSyncCompleted(EasAccountId accountId, qulonglong request
     mSyncInProgress = false;
     const bool succeeded = status == EasRequestStatus::RequestStatusSuccess;
     if (succeeded) {
-        if (mHasReceivedChanges)
-            mEmptyAnswers.reset();
+        mPauses.syncSucceeded();
         restartPingTimer();
-        if (mHasReportedChanges && !mHasReceivedChanges)
-            mEmptyAnswers.grow();
-        mHasReportedChanges = false;
         mOwesFullSync = false;
     } else {
         scheduleRestart();

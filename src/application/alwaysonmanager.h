@@ -3,8 +3,8 @@
 
 #include "application/alwaysonstate.h"
 #include "application/base/deadline.h"
-#include "application/base/growingpause.h"
 #include "application/localchanges.h"
+#include "application/pushpauses.h"
 #include "application/restartdelays.h"
 #include "common/easaccountid.h"
 
@@ -71,7 +71,6 @@ private:
     void repingAfterError(int status);
     void syncFolders(const QStringList &serverFolderIds);
     void startFullSyncRequest();
-    void judgeAnswer();
     /** The account is gone. */
     void leave();
     /** Push has stopped: a full sync starts it again, later. */
@@ -86,24 +85,17 @@ private:
     QPointer<PingRequest> mPingRequest;
     Deadline mPingTimer;
     Deadline mRestartTimer;
+    PushPauses mPauses;
     RestartDelays mRestartDelays;
     LocalChanges mLocalChanges;
 
     bool mAlwaysOnEnabled = false;
     bool mNetworkEnabled = false;
     bool mSyncInProgress = false;
-    /** A server that fails. */
-    GrowingPause mTimeoutFactor;
-    /** A server that reports changes which are none. */
-    GrowingPause mEmptyAnswers;
-    /** The server has reported changes, and no sync has looked for them yet. */
-    bool mHasReportedChanges = false;
-    bool mHasReceivedChanges = false;
     /** Push has stopped because the server refuses the credentials. */
     bool mWaitsForCredentials = false;
     /** The sync that push begins with has not succeeded yet. */
     bool mOwesFullSync = false;
-    QDateTime mPingStarted;
     AlwaysOnState mState;
     QVariantMap mPublished;
 };
