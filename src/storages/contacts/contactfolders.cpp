@@ -206,8 +206,8 @@ bool ContactFolders::cleanUpFolder(const EasFolderItem &folder) const
     const Lookup present = find(folder.serverId());
     if (!present.complete)
         return false;
-    if (present.collection)
-        files += avatarsIn(*present.collection);
+    if (present.collection && !appendAvatarsIn(*present.collection, &files))
+        return false;
     if (!present.collection) {
         qCWarning(eas()) << "unable to find contact collection for removed folder: " << folder.serverId();
     } else if (!removeCollection(*present.collection)) {
@@ -219,14 +219,18 @@ bool ContactFolders::cleanUpFolder(const EasFolderItem &folder) const
     return true;
 }
 
-QList<QUrl> ContactFolders::avatarsIn(const QContactCollection &collection) const
+bool ContactFolders::appendAvatarsIn(const QContactCollection &collection, QList<QUrl> *files) const
 {
     // The mapping may not know all of them.
-    QList<QUrl> urls;
     const QList<QContact> contacts = mContext.manager->contacts(ContactStoreContext::contactsOf(collection));
+    if (contacts.isEmpty() && mContext.manager->error() != QContactManager::NoError) {
+        qCWarning(eas()) << "failed to list the contacts of collection" << collection.id()
+                         << mContext.manager->error();
+        return false;
+    }
     for (const QContact &contact : contacts)
-        urls.append(contact.detail<QContactAvatar>().imageUrl());
-    return urls;
+        files->append(contact.detail<QContactAvatar>().imageUrl());
+    return true;
 }
 
 bool ContactFolders::removeCollection(const QContactCollection &collection) const
@@ -236,10 +240,11 @@ bool ContactFolders::removeCollection(const QContactCollection &collection) cons
         return false;
     // In one step with the rows that the store would else keep for a sync which asks what was removed: cut
     // short between the two, they would stay for good.
+    // A collection that went meanwhile is told as an error, too, as one is that could not be looked up: the
+    // next attempt does not find it any more.
     QContactManager::Error error = QContactManager::UnspecifiedError;
     return engine->storeChanges(nullptr, nullptr, { collection.id() },
-               QtContactsSqliteExtensions::ContactManagerEngine::PreserveRemoteChanges, true, &error)
-        || error == QContactManager::DoesNotExistError;
+        QtContactsSqliteExtensions::ContactManagerEngine::PreserveRemoteChanges, true, &error);
 }
 
 bool ContactFolders::isSentAnew(const QContactCollection &collection)
