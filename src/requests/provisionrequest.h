@@ -21,7 +21,7 @@ class ProvisionRequest : public CommandRequest
     Q_OBJECT
 
 public:
-    enum ProvisionRequestType {
+    enum ProvisionRequestType : int {
         InitialPolicyKey = ProvisionCommand::InitialPolicyKey,
         InitialRemoteWipe = ProvisionCommand::InitialRemoteWipe
     };

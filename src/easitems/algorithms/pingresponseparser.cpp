@@ -66,7 +66,7 @@ void PingResponseParser::onContent(uint codePage, uint token, const QString &tex
     case Ping::Class:
         break;
     case Ping::Status:
-        mStatus = static_cast<Eas::PingResponseStatus>(toStatus(text));
+        mStatus = toStatus(text);
         break;
     case Ping::HeartbeatInterval:
         mHeartbeatInterval = toNumber(text);

@@ -21,8 +21,8 @@ public:
     void reset();
 
     PingState state() const { return mPingState; }
-    /** A number without a name is a status of all commands. */
-    Eas::PingResponseStatus status() const { return mStatus; }
+    /** An Eas::PingResponseStatus, or a status of all commands. */
+    int status() const { return mStatus; }
     /** Seconds; 0 if the server named none. */
     int heartbeatInterval() const { return mHeartbeatInterval; }
     /** 0 if the server named none. */
@@ -36,7 +36,7 @@ public:
 
 private:
     PingState mPingState = BeforePing;
-    Eas::PingResponseStatus mStatus = Eas::PingStatusUndefined;
+    int mStatus = Eas::PingStatusUndefined;
     int mHeartbeatInterval = 0;
     int mMaxFolders = 0;
     QStringList mFolders;
