@@ -169,8 +169,9 @@ bool CollectionTable::purge(quint64 number)
     return mDatabase.run(QStringLiteral("DELETE FROM collections WHERE id = ?"), { number });
 }
 
-bool CollectionTable::isMarkedDeleted(quint64 number) const
+bool CollectionTable::readMarkedDeleted(quint64 number, bool *marked) const
 {
-    return mDatabase.value(QStringLiteral("SELECT flags FROM collections WHERE id = ?"), { number }).toInt()
-        & deleted;
+    *marked = false;
+    return mDatabase.select(QStringLiteral("SELECT flags FROM collections WHERE id = ?"), { number },
+        [marked](const QSqlQuery &row) { *marked = row.value(0).toInt() & deleted; });
 }

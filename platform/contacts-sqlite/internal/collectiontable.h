@@ -34,7 +34,8 @@ public:
     bool markDeleted(quint64 number);
     bool clearFlags(quint64 number);
     bool purge(quint64 number);
-    bool isMarkedDeleted(quint64 number) const;
+    /** False if it could not be read. */
+    bool readMarkedDeleted(quint64 number, bool *marked) const;
 
 private:
     QList<Row> read(const QString &condition, const QVariantList &values) const;

@@ -138,8 +138,10 @@ ContactSync::Error ContactSync::removeCollection(quint64 number)
 
 ContactSync::Error ContactSync::clearCollectionFlags(quint64 number)
 {
-    const bool cleared = mCollections.isMarkedDeleted(number)
-        ? mContacts.purgeAll(number) && mCollections.purge(number)
-        : mContacts.clearAllFlags(number) && mCollections.clearFlags(number);
+    bool markedDeleted = false;
+    if (!mCollections.readMarkedDeleted(number, &markedDeleted))
+        return QContactManager::UnspecifiedError;
+    const bool cleared = markedDeleted ? mContacts.purgeAll(number) && mCollections.purge(number)
+                                       : mContacts.clearAllFlags(number) && mCollections.clearFlags(number);
     return cleared ? QContactManager::NoError : QContactManager::UnspecifiedError;
 }

@@ -52,7 +52,8 @@ private:
     bool handleDeletedFolders(const QStringList &serverIds) const;
     bool handleDeletedFolder(const QString &serverId) const;
     void rollBack(const QList<QtContacts::QContactCollection> &added) const;
-    QList<QUrl> avatarsIn(const QtContacts::QContactCollection &collection) const;
+    /** False if they could not be listed. */
+    bool appendAvatarsIn(const QtContacts::QContactCollection &collection, QList<QUrl> *files) const;
     void populateCollection(const EasFolderItem &item, QtContacts::QContactCollection *collection) const;
 
     const ContactStoreContext &mContext;
