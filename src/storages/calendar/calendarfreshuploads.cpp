@@ -3,8 +3,6 @@
 
 #include "application/base/clock.h"
 
-#include <KCalendarCore/ICalFormat>
-
 void CalendarFreshUploads::note(const QString &uid, uint stamp, const KCalendarCore::Event::List &parts)
 {
     // What was changed before this second cannot be changed under the same stamp any more.
@@ -24,19 +22,17 @@ void CalendarFreshUploads::forget(const QString &uid)
 bool CalendarFreshUploads::isEdited(const KCalendarCore::Incidence &part, uint stamp) const
 {
     const auto upload = mUploads.constFind(part.uid());
-    return upload != mUploads.cend() && upload->stamp == stamp
-        && upload->contents.value(part.instanceIdentifier()) != contentOf(part);
+    if (upload == mUploads.cend() || upload->stamp != stamp)
+        return false;
+    const KCalendarCore::Incidence::Ptr sent = upload->contents.value(part.instanceIdentifier());
+    return !sent || *sent != *contentOf(part);
 }
 
-QByteArray CalendarFreshUploads::contentOf(const KCalendarCore::Incidence &part)
+KCalendarCore::Incidence::Ptr CalendarFreshUploads::contentOf(const KCalendarCore::Incidence &part)
 {
-    const KCalendarCore::Incidence::Ptr copy(part.clone());
-    const QList<QByteArray> lines = KCalendarCore::ICalFormat().toString(copy).toUtf8().split('\n');
-    QByteArray content;
-    for (const QByteArray &line : lines) {
-        // The engine keeps marks of its own there; the stamp is that of the conversion.
-        if (!line.startsWith("X-") && !line.startsWith("DTSTAMP"))
-            content += line;
-    }
+    const KCalendarCore::Incidence::Ptr content(part.clone());
+    const QList<QByteArray> marks = content->customProperties().keys();
+    for (const QByteArray &mark : marks)
+        content->removeNonKDECustomProperty(mark);
     return content;
 }

@@ -3,7 +3,6 @@
 
 #include <KCalendarCore/Event>
 
-#include <QByteArray>
 #include <QHash>
 #include <QString>
 
@@ -29,10 +28,11 @@ private:
     {
         uint stamp = 0;
         /** By instance identifiers. */
-        QHash<QString, QByteArray> contents;
+        QHash<QString, KCalendarCore::Incidence::Ptr> contents;
     };
 
-    static QByteArray contentOf(const KCalendarCore::Incidence &part);
+    /** A copy without what the engine marks events with. */
+    static KCalendarCore::Incidence::Ptr contentOf(const KCalendarCore::Incidence &part);
 
     QHash<QString, Upload> mUploads;
 };
