@@ -34,7 +34,7 @@ bool MultipartReply::open()
 
 bool MultipartReply::hasNext() const
 {
-    return mIndex < mPartsCount - 2;
+    return mIndex + 2 < mPartsCount;
 }
 
 bool MultipartReply::next()

@@ -38,7 +38,7 @@ private:
     bool readPlace(Place *place, const char *noOffset, const char *noLength);
     bool readDocumentPlace();
     bool readDataPlace();
-    bool isLast() const { return mIndex == mPartsCount - 2; }
+    bool isLast() const { return mIndex + 2 == mPartsCount; }
 
     const QByteArray &mReply;
     QDataStream mStream;
