@@ -23,6 +23,13 @@ class DaemonTest : public QObject
     Q_OBJECT
 
 private:
+    static bool hasMapping()
+    {
+        return QDirIterator(QDir::homePath(), { QStringLiteral("fennel_eas.db") }, QDir::Files | QDir::Hidden,
+            QDirIterator::Subdirectories)
+            .hasNext();
+    }
+
     std::unique_ptr<QProcess> mDaemon;
 
     static QString program() { return BuildPaths::binary(QStringLiteral("bin/fennel-eas")); }
@@ -62,6 +69,8 @@ private Q_SLOTS:
         const QDateTime before = QDateTime::currentDateTime();
         umask(S_IWGRP | S_IWOTH);
         start();
+        // It is on the bus before it opens the accounts.
+        QTRY_VERIFY_WITH_TIMEOUT(hasMapping(), 60000);
         mDaemon->terminate();
         QVERIFY(ends());
         QStringList made;
