@@ -250,15 +250,22 @@ void ProvisionRequest::endReplied(int status)
     step().endsAsReplied ? complete() : completeWith(status);
 }
 
-void ProvisionRequest::handleInitialPolicy()
+bool ProvisionRequest::mayTakePolicies()
 {
     setStatus(RequestStatusSuccess);
     if (orderRemoteWipe(*provisionCommand()))
+        return false;
+    if (account())
+        return true;
+    qCCritical(eas()) << "No account";
+    completeWith(RequestStatusInternalError);
+    return false;
+}
+
+void ProvisionRequest::handleInitialPolicy()
+{
+    if (!mayTakePolicies())
         return;
-    if (!account()) {
-        qCCritical(eas()) << "No account";
-        return completeWith(RequestStatusInternalError);
-    }
     const QList<EasPolicyContainer> policies = provisionCommand()->policies();
     if (policies.isEmpty()) {
         qCInfo(eas()) << "No Policies to apply";
@@ -303,13 +310,8 @@ void ProvisionRequest::acknowledgePolicy(EasPolicyContainer::RequestStatus verdi
 
 void ProvisionRequest::handleAcknowledgePolicy()
 {
-    setStatus(RequestStatusSuccess);
-    if (orderRemoteWipe(*provisionCommand()))
+    if (!mayTakePolicies())
         return;
-    if (!account()) {
-        qCCritical(eas()) << "No account";
-        return completeWith(RequestStatusInternalError);
-    }
     const QList<EasPolicyContainer> policies = provisionCommand()->policies();
     if (policies.isEmpty()) {
         qCCritical(eas()) << "No Policy container in response";

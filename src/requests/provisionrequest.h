@@ -64,6 +64,8 @@ private:
     void handleResponse(const ProvisionCommand &command);
     /** Ends a form whose reply did not lead on; the forms of a wipe keep the reply's status. */
     void endReplied(int status);
+    /** False if the reply orders a wipe, which goes before its policies, or the account has gone. */
+    bool mayTakePolicies();
     void handleInitialPolicy();
     void handleAcknowledgePolicy();
     void handleInitialRemoteWipe();
