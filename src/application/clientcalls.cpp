@@ -35,6 +35,21 @@ void ClientCalls::forwardSync(const HierarchyRequest &request)
     connect(&request, &HierarchyRequest::changesReceived, this, &ClientCalls::changesReceived);
 }
 
+void ClientCalls::processNewRequest(Request *request)
+{
+    processNewRequest(request, [this](EasAccountId accountId, qulonglong requestId, int status) {
+        Q_EMIT requestFinished(accountId, requestId, status);
+    });
+}
+
+void ClientCalls::processNewProvisionRequest(ProvisionRequest *request)
+{
+    processNewRequest(request, [this, request](EasAccountId accountId, qulonglong requestId, int status) {
+        Q_EMIT provisionRequestFinished(
+            accountId, requestId, status, request->provisionPolicies(), request->policyStatus());
+    });
+}
+
 void ClientCalls::processNewSyncRequest(SyncRequest *request)
 {
     forwardSync(*request);
@@ -105,7 +120,8 @@ void ClientCalls::onDownloadMessagesRequest(EasAccountId accountId, const QList<
 void ClientCalls::onProvisionPolicyRequest(EasAccountId accountId, qulonglong requestId)
 {
     qCInfo(eas()) << "Provision Policy: account: " << accountId << ", requestId: " << requestId;
-    processNewRequest(new ProvisionRequest(accountId, requestId, ProvisionRequest::InitialPolicyKey, this));
+    processNewProvisionRequest(
+        new ProvisionRequest(accountId, requestId, ProvisionRequest::InitialPolicyKey, this));
 }
 
 void ClientCalls::onMeetingResponseRequest(EasAccountId accountId, qulonglong requestId,

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "common/easaccountid.h"
+#include "common/failedpolicymap.h"
 #include "easitems/containers/easoofcontainer.h"
 
 #include <QLatin1String>
@@ -9,8 +10,11 @@
 #include <QObject>
 #include <QStringList>
 
+#include <functional>
+
 class FolderSyncRequest;
 class HierarchyRequest;
+class ProvisionRequest;
 class Request;
 class SyncRequest;
 
@@ -29,8 +33,14 @@ public:
     explicit ClientCalls(QObject *parent);
     ~ClientCalls() override;
 
-    /** Takes a request over, whose end will be told to the clients. */
-    virtual void processNewRequest(Request *request) = 0;
+    /** Tells clients of the end of one request, which still exists; every success has the status 0. */
+    using EndReport = std::function<void(EasAccountId accountId, qulonglong requestId, int status)>;
+
+    /** Takes a request over, and reports its one end like this. */
+    virtual void processNewRequest(Request *request, const EndReport &report) = 0;
+    /** Takes a request over that has no result of its own: its end is a requestFinished(). */
+    void processNewRequest(Request *request);
+    void processNewProvisionRequest(ProvisionRequest *request);
     void processNewSyncRequest(SyncRequest *request);
     void processNewFolderSyncRequest(FolderSyncRequest *request);
 
@@ -71,6 +81,8 @@ public Q_SLOTS:
 
 Q_SIGNALS:
     void requestFinished(EasAccountId accountId, qulonglong requestId, int status);
+    void provisionRequestFinished(EasAccountId accountId, qulonglong requestId, int status,
+        const FailedPolicyMap &provisionPolicy, int policyStatus);
     void searchMessagesFinished(EasAccountId accountId, qulonglong requestId, int status, uint remainingCount,
         const QList<qulonglong> &matchingIds);
     void searchGALFinished(EasAccountId accountId, qulonglong requestId, int status, uint totalItemCount,

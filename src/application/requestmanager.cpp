@@ -9,9 +9,9 @@
 #include "application/networkmanager.h"
 #include "application/serviceconnections.h"
 #include "application/storagesfactory.h"
+#include "common/easrequeststatus.h"
 #include "dbus/dbusinterfacethread.h"
 #include "protocol/wbxml/debugtools.h"
-#include "requests/provisionrequest.h"
 #include "requests/request.h"
 #include "requests/syncrequest.h"
 #include "storages/accountstorage.h"
@@ -160,11 +160,14 @@ QNetworkSession *RequestManager::networkSession(EasAccountId accountId)
     return networkManager()->networkSession(accountId);
 }
 
-void RequestManager::processNewRequest(Request *request)
+void RequestManager::processNewRequest(Request *request, const EndReport &report)
 {
     if (!request->parent())
         request->setParent(this);
-    connect(request, &Request::requestCompleted, this, &RequestManager::onRequestCompleted);
+    connect(request, &Request::requestCompleted, this,
+        [this, request, report](EasAccountId accountId, qulonglong requestId) {
+            onRequestCompleted(request, accountId, requestId, report);
+        });
     connect(request, &Request::requestDownloadProgress, this, &RequestManager::onRequestDownloadProgress);
     connect(request, &Request::policyDocumentReceived, this, &RequestManager::policyDocumentReceived);
     if (!isReady()) {
@@ -201,22 +204,14 @@ void RequestManager::addRequestInQueue(Request *request)
     queue->enter(request);
 }
 
-void RequestManager::onRequestCompleted(EasAccountId accountId, qulonglong requestId)
+void RequestManager::onRequestCompleted(
+    Request *request, EasAccountId accountId, qulonglong requestId, const EndReport &report)
 {
     qCDebug(eas()) << "onRequestCompleted:" << requestId << "for account" << accountId;
-    auto *const request = qobject_cast<Request *>(sender());
-    if (!request) {
-        qCCritical(eas()) << "Unexpected sender";
-        return;
-    }
     if (request->id() != requestId)
         qCCritical(eas()) << "Wrong requestId" << requestId << "of request" << request->id();
-    const int status = request->successfullyFinished() ? 0 : request->status();
-    if (const auto *const provision = qobject_cast<ProvisionRequest *>(request))
-        Q_EMIT provisionRequestFinished(
-            accountId, requestId, status, provision->provisionPolicies(), provision->policyStatus());
-    else
-        Q_EMIT requestFinished(accountId, requestId, status);
+    report(accountId, requestId,
+        request->successfullyFinished() ? EasRequestStatus::RequestStatusSuccess : request->status());
     endRequest(request, accountId);
 }
 

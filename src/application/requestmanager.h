@@ -5,7 +5,6 @@
 #include "application/clientcalls.h"
 #include "application/networkmanager.h"
 #include "common/easaccountid.h"
-#include "common/failedpolicymap.h"
 #include "common/galitem.h"
 
 #include <QList>
@@ -67,7 +66,8 @@ public:
 
     /** Takes a request over: it starts at once if its account is idle. A request that heads the queue for too
      * long is cancelled. */
-    void processNewRequest(Request *request) override;
+    void processNewRequest(Request *request, const EndReport &report) override;
+    using ClientCalls::processNewRequest;
 
 public Q_SLOTS:
     virtual void onAccountStorageReady();
@@ -83,8 +83,6 @@ Q_SIGNALS:
     void changesAvailable();
     void requestProgress(
         EasAccountId accountId, qulonglong requestId, qlonglong maxValue, qlonglong currentValue);
-    void provisionRequestFinished(EasAccountId accountId, qulonglong requestId, int status,
-        const FailedPolicyMap &provisionPolicy, int policyStatus);
     /** The values of a document under their published names, before the verdict on it goes out. */
     void policyDocumentReceived(EasAccountId accountId, qulonglong requestId, const QVariantMap &policies);
     /** The state as it goes to clients; an empty one for an account that has gone. */
@@ -107,7 +105,6 @@ protected:
     void setAccountStorage(AccountStorage *storage);
 
 private Q_SLOTS:
-    void onRequestCompleted(EasAccountId accountId, qulonglong requestId);
     void onRequestDownloadProgress(
         EasAccountId accountId, qulonglong requestId, qlonglong bytesReceived, qlonglong bytesTotal);
     void onCheckAccountsCount();
@@ -117,6 +114,8 @@ private:
     void checkAccountsCount();
     void quitApplication();
     void addRequestInQueue(Request *request);
+    void onRequestCompleted(
+        Request *request, EasAccountId accountId, qulonglong requestId, const EndReport &report);
     bool endRequest(Request *request, EasAccountId accountId);
     void dropPendingRequests(EasAccountId accountId, const std::function<bool(const Request &)> &matches);
 

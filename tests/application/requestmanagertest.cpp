@@ -212,6 +212,18 @@ private Q_SLOTS:
         QCOMPARE(progress.first().at(3).toLongLong(), 10);
     }
 
+    void aRequestWithAResultReportsItsEndInItsOwnWay()
+    {
+        QList<int> ends;
+        auto *const request = new ProbeRequest(Account, 1, mManager);
+        mManager->processNewRequest(request, [&ends, request](EasAccountId, qulonglong, int status) {
+            ends.append({ int(request->id()), status });
+        });
+        request->completeWith(1);
+        QCOMPARE(ends, QList<int>({ 1, 0 }));
+        QCOMPARE(mFinished->count(), 0);
+    }
+
     void aProvisionRequestHasASignalOfItsOwn()
     {
         QSignalSpy provisioned(mManager.data(), &RequestManager::provisionRequestFinished);

@@ -53,7 +53,7 @@ void ProvisionTest::aServerWithoutPoliciesSaysSo()
     mServer.forgetRequests();
 
     QSignalSpy ends(manager, &RequestManager::provisionRequestFinished);
-    manager->processNewRequest(
+    manager->processNewProvisionRequest(
         new ProvisionRequest(bed.accountId(), 1001, ProvisionRequest::InitialRemoteWipe));
     QTRY_COMPARE_WITH_TIMEOUT(ends.size(), 1, 60000);
     QCOMPARE(ends.takeFirst().at(2).toInt(), 0);
