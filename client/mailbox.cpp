@@ -3,6 +3,7 @@
 
 #include "client/output.h"
 
+#include <qmailaccount.h>
 #include <qmaildisconnected.h>
 #include <qmailfolderkey.h>
 #include <qmailmessagekey.h>
@@ -175,6 +176,30 @@ bool MailBox::move(const QMailMessageIdList &ids, const QMailFolderId &folder)
 
 bool MailBox::remove(const QMailMessageIdList &ids)
 {
-    return told(
-        QMailStore::instance()->removeMessages(QMailMessageKey::id(ids), QMailStore::CreateRemovalRecord));
+    QMailStore *const store = QMailStore::instance();
+    const QMailMessageKey all = QMailMessageKey::id(ids);
+    // Of what the server never had it is not to be told: such a record would wait for ever.
+    const QMailMessageKey local = QMailMessageKey::serverUid(QString());
+    return told(store->removeMessages(all & local, QMailStore::NoRemovalRecord)
+        && store->removeMessages(all & ~local, QMailStore::CreateRemovalRecord));
+}
+
+void MailBox::place(QMailMessageMetaData &message, QMailFolder::StandardFolder folder) const
+{
+    const QMailFolderId own = QMailAccount(QMailAccountId(mAccountId)).standardFolder(folder);
+    // The account goes on naming a folder that is gone.
+    const bool isThere = QMailFolder(own).id().isValid();
+    message.setParentFolderId(isThere ? own : QMailFolderId(quint64(1)));
+    message.setStatus(QMailMessage::Outbox, folder == QMailFolder::OutboxFolder);
+    message.setStatus(QMailMessage::Draft, folder == QMailFolder::DraftsFolder);
+}
+
+bool MailBox::add(QMailMessage *message)
+{
+    return told(QMailStore::instance()->addMessage(message));
+}
+
+bool MailBox::update(QMailMessageMetaData *message)
+{
+    return told(QMailStore::instance()->updateMessage(message));
 }

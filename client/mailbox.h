@@ -61,6 +61,13 @@ public:
     bool move(const QMailMessageIdList &ids, const QMailFolderId &folder);
     bool remove(const QMailMessageIdList &ids);
 
+    /** Has the message stand in the account's Outbox or Drafts; with the device's own mail where the server
+     * has no such folder. */
+    void place(QMailMessageMetaData &message, QMailFolder::StandardFolder folder) const;
+    /** Each is false, after an error was printed, if the store refused. */
+    bool add(QMailMessage *message);
+    bool update(QMailMessageMetaData *message);
+
 private:
     static QMailFolderIdList ancestry(const QMailFolderId &id);
 

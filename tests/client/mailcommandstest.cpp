@@ -103,6 +103,17 @@ private Q_SLOTS:
         QCOMPARE(mMail->removalRecords(), QStringList(QStringLiteral("uid-First")));
     }
 
+    void aDeletedMessageThatTheServerNeverHadLeavesNoRecord()
+    {
+        QMailMessage draft = QMailMessage::fromRfc2822("Subject: Draft\r\n\r\ntext");
+        draft.setParentAccountId(QMailAccountId(mScene->accountId()));
+        draft.setParentFolderId(mInbox);
+        QVERIFY(QMailStore::instance()->addMessage(&draft));
+        QCOMPARE(CommandScene::run({ "delete", text(draft.id()), text(mFirst) }), int(ExitSuccess));
+        QVERIFY(!QMailMessageMetaData(draft.id()).id().isValid());
+        QCOMPARE(mMail->removalRecords(), QStringList(QStringLiteral("uid-First")));
+    }
+
     void ofSeveralMessagesNoneIsChangedIfOneDoesNotExist()
     {
         QCOMPARE(CommandScene::run({ "mark", "read", text(mFirst), "99999" }), int(ExitNotFound));

@@ -27,6 +27,13 @@ QMailFolderId MailScene::addFolder(const QString &name, const QMailFolderId &par
     return folder.id();
 }
 
+bool MailScene::setStandardFolder(QMailFolder::StandardFolder kind, const QMailFolderId &folder) const
+{
+    QMailAccount account { QMailAccountId(mAccountId) };
+    account.setStandardFolder(kind, folder);
+    return QMailStore::instance()->updateAccount(&account);
+}
+
 QMailMessageId MailScene::addMessage(
     const QMailFolderId &folder, const QString &subject, const QString &from, const QDateTime &date) const
 {

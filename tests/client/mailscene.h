@@ -16,6 +16,7 @@ public:
     }
 
     QMailFolderId addFolder(const QString &name, const QMailFolderId &parent = {}) const;
+    bool setStandardFolder(QMailFolder::StandardFolder kind, const QMailFolderId &folder) const;
     /** A text message with two attachments, of which the second is not on the device. */
     QMailMessageId addMessage(const QMailFolderId &folder, const QString &subject,
         const QString &from = QStringLiteral("Bob <bob@example.com>"),
