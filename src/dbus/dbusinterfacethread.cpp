@@ -7,11 +7,11 @@
 #include "dbus/accountreader.h"
 #include "dbus/dbusinterfaceadapter.h"
 #include "dbus/dbuspeerinterfaceadapter.h"
+#include "protocol/base/protocoltime.h"
 
 #include <QDBusConnection>
 #include <QDBusError>
 #include <QDBusServer>
-#include <QDateTime>
 #include <QDir>
 #include <QFileInfo>
 
@@ -23,11 +23,6 @@ const QString SessionBusName = QStringLiteral("session_bus");
 const QString SchedulerService = QStringLiteral("com.plover.msyncd");
 const QString SchedulerPath = QStringLiteral("/synchronizer");
 const QString SchedulerSignal = QStringLiteral("syncedExternallyStatus");
-
-QDateTime timeFromBus(const QString &text)
-{
-    return QDateTime::fromString(text, Qt::ISODate);
-}
 
 /** A result leaves as a signal of an adapter. */
 template <typename Adapter, typename... Parameters, typename... Arguments>
@@ -317,8 +312,8 @@ qulonglong DBusInterfaceThread::setOofState(qulonglong accountId, bool enabled, 
     EasOofContainer state;
     state.setOofEnabled(enabled);
     state.setTimeRangeEnabled(timeRangeEnabled);
-    state.setStartTime(timeFromBus(startTime));
-    state.setEndTime(timeFromBus(endTime));
+    state.setStartTime(ProtocolTime::fromClient(startTime));
+    state.setEndTime(ProtocolTime::fromClient(endTime));
     state.setInternalMessage(internalMessage);
     state.setExternalMessageEnabled(externalMessageEnabled);
     state.setExternalMessageToAnyone(externalMessageToAnyone);
