@@ -17,6 +17,7 @@ const QVector<CommandEntry> &commandTable()
         { "MoveItems", handleMoveItems, "Move:MoveItems", Version161 },
         { "Ping", handlePing, "Ping:Ping", Version161 },
         { "ItemOperations", handleItemOperations, "ItemOperations:ItemOperations", Version161 },
+        { "Settings", handleSettings, "Settings:Settings", Version161 },
         { "Provision", handleProvision, "Provision:Provision", Version161 },
     };
     return table;

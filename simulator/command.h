@@ -70,6 +70,7 @@ CommandReply handleItemOperations(const CommandContext &context);
 CommandReply handleGetAttachment(const CommandContext &context);
 CommandReply handleProvision(const CommandContext &context);
 CommandReply handlePing(const CommandContext &context);
+CommandReply handleSettings(const CommandContext &context);
 
 /** The commands in the order in which OPTIONS names them. */
 struct CommandEntry

@@ -28,6 +28,7 @@ public:
     std::vector<FolderContent> folders; ///< parents before what lies in them
     int nextFolder = 1;
     qint64 nextItem = 1;
+    OutOfOffice outOfOffice;
 
     FolderContent *content(const QString &id)
     {
@@ -293,6 +294,18 @@ int Mailbox::itemCount(const QString &folderId) const
     const QMutexLocker lock(&mMutex);
     const FolderContent *content = d->content(folderId);
     return content ? int(content->items.size()) : 0;
+}
+
+OutOfOffice Mailbox::outOfOffice() const
+{
+    const QMutexLocker lock(&mMutex);
+    return d->outOfOffice;
+}
+
+void Mailbox::setOutOfOffice(const OutOfOffice &state)
+{
+    const QMutexLocker lock(&mMutex);
+    d->outOfOffice = state;
 }
 
 void Mailbox::atomically(const std::function<void()> &work)

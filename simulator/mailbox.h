@@ -2,6 +2,7 @@
 #pragma once
 
 #include "simulator/item.h"
+#include "simulator/outofoffice.h"
 
 #include <QMutex>
 #include <QMutexLocker>
@@ -104,6 +105,10 @@ public:
     /** Changes what the item holds; false if there is none or it is of another kind. */
     template <class ItemType>
     bool edit(const QString &serverId, const std::function<void(typename ItemType::Value &)> &change);
+
+    /** What the user lets other people know while away; devices read and change it. */
+    OutOfOffice outOfOffice() const;
+    void setOutOfOffice(const OutOfOffice &state);
 
     /** Called after each change, by whoever changed something; set before the mailbox is used. */
     void setOnChanged(const std::function<void()> &onChanged) { mOnChanged = onChanged; }

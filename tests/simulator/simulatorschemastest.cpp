@@ -52,6 +52,7 @@ private Q_SLOTS:
         playContacts(server, client);
         playEvents(server, client);
         playItems(server, client);
+        playSettings(client);
         playPolicies(server, client);
         QCOMPARE(server.failures(), QStringList());
         const QVector<RecordedRequest> requests = server.requests();
@@ -102,6 +103,20 @@ private:
         run(QStringLiteral("unknown"));
         server.overrideNext(QStringLiteral("FolderSync"), Override::topStatus(6));
         run(key);
+    }
+
+    static void playSettings(SimulatorClient &client)
+    {
+        const auto run = [&client](const QString &inner) {
+            client.post(QStringLiteral("Settings"),
+                QStringLiteral("<Settings xmlns='Settings'>%1</Settings>").arg(inner));
+        };
+        run(QStringLiteral("<Oof><Set><OofState>2</OofState><StartTime>2026-05-01T08:00:00.000Z</StartTime>"
+                           "<EndTime>2026-05-08T16:30:00.000Z</EndTime><OofMessage><AppliesToInternal/>"
+                           "<Enabled>1</Enabled><ReplyMessage>Away</ReplyMessage><BodyType>Text</BodyType>"
+                           "</OofMessage></Set></Oof>"));
+        run(QStringLiteral("<Oof><Get><BodyType>Text</BodyType></Get></Oof>"));
+        run(QStringLiteral("<Oof/>"));
     }
 
     static void playPolicies(ExchangeServer &server, SimulatorClient &client)
