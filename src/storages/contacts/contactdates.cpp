@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "storages/contacts/contactdates.h"
 
+#include "protocol/base/protocoltime.h"
+
 #include <QDateTime>
 
 QDate ContactDates::day(const QString &text)
@@ -12,7 +14,5 @@ QDate ContactDates::day(const QString &text)
 
 QString ContactDates::text(const QDate &day)
 {
-    return day.isValid()
-        ? QDateTime(day, QTime(0, 0), Qt::UTC).toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss.zzzZ"))
-        : QString();
+    return day.isValid() ? ProtocolTime::toWire(QDateTime(day, QTime(0, 0), Qt::UTC)) : QString();
 }
