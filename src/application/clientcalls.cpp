@@ -3,14 +3,18 @@
 
 #include "application/base/logging.h"
 #include "easitems/easitemscommon.h"
+#include "protocol/base/protocoltime.h"
 #include "protocol/base/protocolutils.h"
+#include "requests/addresslist.h"
 #include "requests/attachmentdownloadrequest.h"
+#include "requests/attendeesavailablerequest.h"
 #include "requests/fetchmessagesrequest.h"
 #include "requests/fetchpartrequest.h"
 #include "requests/foldercreaterequest.h"
 #include "requests/folderdeleterequest.h"
 #include "requests/foldersyncrequest.h"
 #include "requests/folderupdaterequest.h"
+#include "requests/oofrequest.h"
 #include "requests/provisionrequest.h"
 #include "requests/syncrequest.h"
 
@@ -199,7 +203,11 @@ void ClientCalls::onUpdateFolderRequest(EasAccountId accountId, const QString &f
 void ClientCalls::onGetOofRequest(EasAccountId accountId, qulonglong requestId)
 {
     qCInfo(eas()) << "Get Oof: account: " << accountId << ", requestId: " << requestId;
-    reportNotSupported(accountId, requestId, ProtocolUtils::CommandSettings);
+    auto *const request = new OofRequest(accountId, requestId, OofRequest::Get, this);
+    processNewRequest(request, [this, request](EasAccountId ofAccount, qulonglong id, int status) {
+        onGetOofRequestCompleted(*request, status);
+        Q_EMIT requestFinished(ofAccount, id, status);
+    });
 }
 
 void ClientCalls::onSetOofStateRequest(
@@ -207,7 +215,17 @@ void ClientCalls::onSetOofStateRequest(
 {
     qCInfo(eas()) << "Set Oof State: account: " << accountId << ", enabled: " << state.oofEnabled()
                   << ", timeRangeEnabled: " << state.timeRangeEnabled() << ", requestId: " << requestId;
-    reportNotSupported(accountId, requestId, ProtocolUtils::CommandSettings);
+    auto *const request = new OofRequest(accountId, requestId, OofRequest::Set, this);
+    request->setOofState(state);
+    processNewRequest(request);
+}
+
+void ClientCalls::onGetOofRequestCompleted(const OofRequest &request, int status)
+{
+    qCInfo(eas()) << "Finished: accountId:" << request.accountId() << ", requestId:" << request.id()
+                  << ", status:" << status;
+    if (status == EasRequestStatus::RequestStatusSuccess)
+        Q_EMIT oofStateFetched(request.accountId(), request.id(), request.getOofState());
 }
 
 void ClientCalls::onCalendarAttachmentDownloadRequest(
@@ -253,7 +271,13 @@ void ClientCalls::onAttendeesAvailableRequest(EasAccountId accountId, qulonglong
 {
     qCInfo(eas()) << "Attendees Available: account: " << accountId << ", addresses: " << emailAddresses
                   << ", startTime: " << startTime << ", endTime: " << endTime << ", requestId: " << requestId;
-    reportNotSupported(accountId, requestId, ProtocolUtils::CommandAttendeesAvailable);
+    auto *const request = new AttendeesAvailableRequest(accountId, requestId,
+        { AddressList::addresses(emailAddresses), ProtocolTime::fromClient(startTime),
+            ProtocolTime::fromClient(endTime) },
+        this);
+    connect(request, &AttendeesAvailableRequest::dataReady, this, &ClientCalls::attendeesAvailableDataReady);
+    // The lists, which are empty after a failure, are all that clients are told of the end.
+    processNewRequest(request, [](EasAccountId, qulonglong, int) {});
 }
 
 void ClientCalls::reportNotSupported(

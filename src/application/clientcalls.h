@@ -14,6 +14,7 @@
 
 class FolderSyncRequest;
 class HierarchyRequest;
+class OofRequest;
 class ProvisionRequest;
 class Request;
 class SyncRequest;
@@ -89,6 +90,11 @@ Q_SIGNALS:
         const QList<qulonglong> &matchingIds);
     void findMessagesFinished(EasAccountId accountId, qulonglong requestId, int status, uint remainingCount,
         const QList<qulonglong> &matchingIds);
+    /** Before the requestFinished() of a read that ended well. */
+    void oofStateFetched(EasAccountId accountId, qulonglong requestId, const EasOofContainer &state);
+    /** The one end of that request; empty lists tell of a failure. */
+    void attendeesAvailableDataReady(qulonglong requestId, const QStringList &emails,
+        const QStringList &names, const QStringList &statuses);
     void syncStarted(EasAccountId accountId, qulonglong requestId);
     void syncCompleted(EasAccountId accountId, qulonglong requestId, int status);
     /** A sync brought something new; right before its syncCompleted(). */
@@ -96,6 +102,7 @@ Q_SIGNALS:
 
 private:
     void forwardSync(const HierarchyRequest &request);
+    void onGetOofRequestCompleted(const OofRequest &request, int status);
 
     /** Which signal tells a client about the end of a request that is not built. */
     enum class ResultSignal {

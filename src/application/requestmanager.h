@@ -93,9 +93,6 @@ Q_SIGNALS:
     void accountUpdated(EasAccountId accountId);
     void accountDeleted(EasAccountId accountId);
     void networkStateChanged(EasAccountId accountId, bool enabled);
-    void oofStateFetched(EasAccountId accountId, qulonglong requestId, const EasOofContainer &state);
-    void attendeesAvailableDataReady(qulonglong requestId, const QStringList &emails,
-        const QStringList &names, const QStringList &statuses);
 
 protected:
     /** A manager that serves the clients of this thread; null for none. */

@@ -608,13 +608,30 @@ private Q_SLOTS:
             QCOMPARE(spy->first().at(2).toInt(), -8);
         }
         mManager->onSendMailRequest(Account, 1, 4);
-        mManager->onGetOofRequest(Account, 8);
-        mManager->onSetOofStateRequest(Account, 9, EasOofContainer());
         mManager->onCalendarAttachmentDownloadRequest(Account, 10, {});
-        mManager->onAttendeesAvailableRequest(Account, 11, {}, {}, {});
-        QCOMPARE(finishedIds(), QList<qulonglong>({ 4, 8, 9, 10, 11 }));
+        QCOMPARE(finishedIds(), QList<qulonglong>({ 4, 10 }));
         for (int i = 0; i < mFinished->count(); ++i)
             QCOMPARE(finishedStatus(i), -8);
+    }
+
+    void afterAFailedReadNoSettingsAreTold()
+    {
+        QSignalSpy fetched(mManager.data(), &RequestManager::oofStateFetched);
+        mManager->onGetOofRequest(Account, 8);
+        mManager->onSetOofStateRequest(Account, 9, EasOofContainer());
+        QCOMPARE(finishedIds(), QList<qulonglong>({ 8, 9 }));
+        QCOMPARE(finishedStatus(0), -8);
+        QCOMPARE(finishedStatus(1), -8);
+        QCOMPARE(fetched.count(), 0);
+    }
+
+    void availabilityEndsWithItsListsAlone()
+    {
+        QSignalSpy lists(mManager.data(), &RequestManager::attendeesAvailableDataReady);
+        mManager->onAttendeesAvailableRequest(Account, 11, {}, {}, {});
+        QCOMPARE(lists.count(), 1);
+        QCOMPARE(lists.first(), QVariantList({ 11ULL, QStringList(), QStringList(), QStringList() }));
+        QCOMPARE(finishedIds(), QList<qulonglong>());
     }
 };
 
