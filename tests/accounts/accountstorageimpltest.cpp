@@ -5,9 +5,9 @@
 #include "application/mapping/easdatabase.h"
 #include "application/storagesfactory.h"
 #include "support/accountfactory.h"
-#include "support/accountregistry.h"
 #include "support/logcollector.h"
 #include "support/privatebus.h"
+#include "support/scriptedmanager.h"
 #include "support/testmain.h"
 
 #include <Accounts/Account>
@@ -33,12 +33,14 @@ private Q_SLOTS:
     {
         mFactory = std::make_unique<AccountFactory>();
         mLog = std::make_unique<LogCollector>();
+        mEngine = ScriptedManager::install();
     }
 
     void cleanup()
     {
         QVERIFY2(!mLog->contains(QStringLiteral("s3cret")), "no password in any log line");
         mStorage.reset();
+        ScriptedManager::uninstall();
         mFactory.reset();
         mLog.reset();
         EasDatabase::releaseInstance();
@@ -321,7 +323,7 @@ private:
     void open()
     {
         mStorage = std::make_unique<AccountStorageImpl>(StoragesFactory::storageCreator(), nullptr);
-        AccountRegistry::fresh()->setStorage(mStorage.get());
+        mEngine->present(mStorage.get());
     }
 
     void openReady()
@@ -332,6 +334,7 @@ private:
 
     std::unique_ptr<AccountFactory> mFactory;
     std::unique_ptr<Accounts::Manager> mForeign;
+    ScriptedManager *mEngine = nullptr;
     std::unique_ptr<LogCollector> mLog;
     std::unique_ptr<AccountStorageImpl> mStorage;
 };

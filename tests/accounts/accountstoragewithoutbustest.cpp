@@ -3,9 +3,9 @@
 
 #include "application/mapping/easdatabase.h"
 #include "application/storagesfactory.h"
-#include "support/accountregistry.h"
 #include "support/logcollector.h"
 #include "support/ownprocess.h"
+#include "support/scriptedmanager.h"
 #include "support/testmain.h"
 
 #include <QtTest>
@@ -34,7 +34,7 @@ private:
         EasDatabase::instance()->setFolderSyncKey(7, QStringLiteral("key"));
         const LogCollector log;
         AccountStorageImpl storage(StoragesFactory::storageCreator(), nullptr);
-        AccountRegistry::fresh()->setStorage(&storage);
+        ScriptedManager::install()->present(&storage);
         QVERIFY(log.contains(QtCriticalMsg, { "The account store cannot be used" }));
         QTRY_VERIFY(storage.isReady());
         QCOMPARE(storage.enabledAccountsCount(), 0);

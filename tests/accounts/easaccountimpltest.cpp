@@ -8,9 +8,9 @@
 #include "storages/contactstorage.h"
 #include "storages/mailstorage.h"
 #include "support/accountfactory.h"
-#include "support/accountregistry.h"
 #include "support/logcollector.h"
 #include "support/privatebus.h"
+#include "support/scriptedmanager.h"
 #include "support/syncscheduler.h"
 #include "support/testmain.h"
 
@@ -49,6 +49,7 @@ private Q_SLOTS:
     void init()
     {
         mLog = std::make_unique<LogCollector>();
+        mEngine = ScriptedManager::install();
         AccountOptions options;
         options.mailEnabled = false;
         mId = mFactory->create(options);
@@ -60,6 +61,7 @@ private Q_SLOTS:
         QVERIFY2(!mLog->contains(QStringLiteral("s3cret")), "no password in any log line");
         mAccount.reset();
         mManager.reset();
+        ScriptedManager::uninstall();
         mLog.reset();
         mFactory->remove(mId);
     }
@@ -386,7 +388,7 @@ private:
         mManager = std::make_unique<Accounts::Manager>();
         mAccount =
             std::make_unique<EasAccountImpl>(record(), mId, StoragesFactory::storageCreator(), nullptr);
-        AccountRegistry::fresh()->add(mAccount.get());
+        mEngine->present(mAccount.get());
     }
 
     void openReady()
@@ -413,6 +415,7 @@ private:
 
     std::unique_ptr<AccountFactory> mFactory;
     std::unique_ptr<Accounts::Manager> mManager;
+    ScriptedManager *mEngine = nullptr;
     std::unique_ptr<LogCollector> mLog;
     std::unique_ptr<EasAccountImpl> mAccount;
     EasAccountId mId = 0;

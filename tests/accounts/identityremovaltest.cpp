@@ -7,8 +7,8 @@
 #include "support/logcollector.h"
 #include "support/ownprocess.h"
 #include "support/privatebus.h"
-#include "support/scriptedclock.h"
 #include "support/signonservice.h"
+#include "support/testclock.h"
 #include "support/testmain.h"
 
 #include <QDir>
@@ -77,7 +77,7 @@ private Q_SLOTS:
         const quint32 identity = stored();
         const SilentSignOnService silent;
         QVERIFY(silent.isSilent());
-        const ScriptedClock clock;
+        const TestClock clock;
         QCOMPARE(removed(identity), QList<bool> { false });
         QCOMPARE(clock.intervals, QList<int> { 30000 });
         QVERIFY(!WaitingIdentities().wasShown(identity));
@@ -114,7 +114,7 @@ private Q_SLOTS:
         QVERIFY(WaitingIdentities().add({ identity }));
         const SilentSignOnService silent;
         QVERIFY(silent.isSilent());
-        const ScriptedClock clock;
+        const TestClock clock;
         IdentityCleanUp cleanUp(nullptr);
         QSignalSpy tried(&cleanUp, &IdentityCleanUp::tried);
         cleanUp.start();

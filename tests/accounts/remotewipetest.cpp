@@ -6,12 +6,12 @@
 #include "application/mapping/easdatabase.h"
 #include "application/storagesfactory.h"
 #include "support/accountfactory.h"
-#include "support/accountregistry.h"
 #include "support/logcollector.h"
 #include "support/privatebus.h"
-#include "support/scriptedclock.h"
+#include "support/scriptedmanager.h"
 #include "support/signonservice.h"
 #include "support/storecheck.h"
+#include "support/testclock.h"
 #include "support/testmain.h"
 
 #include <Accounts/Account>
@@ -56,6 +56,7 @@ private Q_SLOTS:
     void init()
     {
         mLog = std::make_unique<LogCollector>();
+        mEngine = ScriptedManager::install();
         AccountOptions options;
         options.mailEnabled = false;
         mId = mFactory->create(options);
@@ -67,6 +68,7 @@ private Q_SLOTS:
         QVERIFY2(!mLog->contains(QStringLiteral("s3cret")), "no password in any log line");
         mAccount.reset();
         mManager.reset();
+        ScriptedManager::uninstall();
         mLog.reset();
         mFactory->remove(mId);
         QFile::remove(WaitingIdentities::defaultFile());
@@ -79,7 +81,7 @@ private Q_SLOTS:
         const quint32 identity = mFactory->value(mId, QString(), credentialsIdKey).toUInt();
         const QString attachments = attachmentsFolder();
         QVERIFY(QDir().mkpath(attachments + QStringLiteral("/part")));
-        ScriptedClock clock;
+        TestClock clock;
         clock.heldFrom = SignOnPatience;
         QSignalSpy removed(mManager.get(), &Accounts::Manager::accountRemoved);
         QVERIFY(mAccount->remoteWipeRequested());
@@ -98,7 +100,7 @@ private Q_SLOTS:
         QSignalSpy ordered(mAccount.get(), &EasAccount::remoteWipeOrdered);
         QSignalSpy begun(mAccount.get(), &EasAccount::remoteWipeBegun);
         mAccount->remoteWipeAcknowledged();
-        ScriptedClock clock;
+        TestClock clock;
         clock.heldFrom = 10000;
         QVERIFY(!mAccount->isRemoteWipeRequested());
         QVERIFY(mAccount->remoteWipeRequested());
@@ -120,7 +122,7 @@ private Q_SLOTS:
         QVERIFY(mFactory->remove(mId));
         mManager.reset();
         QSignalSpy ordered(mAccount.get(), &EasAccount::remoteWipeOrdered);
-        ScriptedClock clock;
+        TestClock clock;
         QVERIFY(!mAccount->remoteWipeRequested());
         QVERIFY(!mAccount->isRemoteWipeRequested());
         QVERIFY(mLog->contains(QtWarningMsg, { "failed to write", "remote_wipe_requested" }));
@@ -163,7 +165,7 @@ private Q_SLOTS:
 
     void aWipeThatARestartInterruptedGoesOn()
     {
-        ScriptedClock clock;
+        TestClock clock;
         clock.heldFrom = SignOnPatience;
         order();
         open();
@@ -174,7 +176,7 @@ private Q_SLOTS:
 
     void aWipeWithoutAnIdentityRemovesTheRest()
     {
-        ScriptedClock clock;
+        TestClock clock;
         clock.heldFrom = SignOnPatience;
         mFactory->setValue(mId, QString(), credentialsIdKey, 0U);
         order();
@@ -188,7 +190,7 @@ private Q_SLOTS:
     {
         openReady();
         QVERIFY(!mAccount->authenticationBasicCookie().isEmpty());
-        ScriptedClock clock;
+        TestClock clock;
         mAccount->remoteWipeRequested();
         QVERIFY2(!mAccount->password().isEmpty(), "the demand is still to be answered");
         QTRY_VERIFY(mLog->contains(QStringLiteral("trying to wipe the account")));
@@ -240,7 +242,7 @@ private Q_SLOTS:
     {
         const quint32 password = mFactory->value(mId, QString(), credentialsIdKey).toUInt();
         order();
-        ScriptedClock clock;
+        TestClock clock;
         open();
         QSignalSpy removed(mManager.get(), &Accounts::Manager::accountRemoved);
         {
@@ -264,7 +266,7 @@ private Q_SLOTS:
         {
             const SilentSignOnService silent;
             QVERIFY(silent.isSilent());
-            ScriptedClock clock;
+            TestClock clock;
             clock.heldFrom = 300000;
             open();
             QTRY_VERIFY(mLog->contains(QtWarningMsg, { "the wipe of account", "is not complete" }));
@@ -281,7 +283,7 @@ private Q_SLOTS:
     void theRecordTellsTheStage()
     {
         order();
-        ScriptedClock clock;
+        TestClock clock;
         clock.heldFrom = SignOnPatience;
         const SilentSignOnService silent;
         QVERIFY(silent.isSilent());
@@ -311,7 +313,7 @@ private:
         Accounts::Account *const record = mManager->account(static_cast<Accounts::AccountId>(mId));
         record->selectService();
         mAccount = std::make_unique<EasAccountImpl>(record, mId, StoragesFactory::storageCreator(), nullptr);
-        AccountRegistry::fresh()->add(mAccount.get());
+        mEngine->present(mAccount.get());
     }
 
     void openReady()
@@ -327,7 +329,7 @@ private:
     void wipe()
     {
         order();
-        ScriptedClock clock;
+        TestClock clock;
         clock.heldFrom = SignOnPatience;
         open();
         QSignalSpy removed(mManager.get(), &Accounts::Manager::accountRemoved);
@@ -360,6 +362,7 @@ private:
 
     std::unique_ptr<AccountFactory> mFactory;
     std::unique_ptr<Accounts::Manager> mManager;
+    ScriptedManager *mEngine = nullptr;
     std::unique_ptr<LogCollector> mLog;
     std::unique_ptr<EasAccountImpl> mAccount;
     EasAccountId mId = 0;

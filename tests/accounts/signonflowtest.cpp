@@ -4,8 +4,8 @@
 #include "support/accountfactory.h"
 #include "support/ownprocess.h"
 #include "support/privatebus.h"
-#include "support/scriptedclock.h"
 #include "support/signonservice.h"
+#include "support/testclock.h"
 #include "support/testmain.h"
 
 #include <SignOn/Error>
@@ -86,7 +86,7 @@ private Q_SLOTS:
         {
             const SilentSignOnService silent;
             QVERIFY(silent.isSilent());
-            const ScriptedClock clock;
+            const TestClock clock;
             QCOMPARE(flow.start(id, password, password), SignOnFlow::Started);
             QTRY_COMPARE(failed.count(), 1);
             QCOMPARE(clock.intervals, QList<int> { 30000 });

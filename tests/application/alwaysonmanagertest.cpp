@@ -91,7 +91,7 @@ private:
     /** The device's clock goes on, and timers that are held come. */
     void jump(int seconds)
     {
-        mBed->clock.millisecondsAhead += qint64(seconds) * 1000;
+        mBed->clock.advance(qint64(seconds) * 1000);
         Q_EMIT ClockWatch::instance().jumped();
     }
 
@@ -122,7 +122,7 @@ private Q_SLOTS:
         mDaemon = std::make_unique<FakeDaemon>();
         QVERIFY(mDaemon->isRegistered());
         mBed = std::make_unique<RequestBed>(QStringList { QStringLiteral("Ping"), QStringLiteral("Sync") });
-        mBed->clock.freeze();
+        mBed->clock.stop();
         mBed->clock.held += { Clock::Timer::PushRestart, Clock::Timer::LocalChanges };
         mBed->account->firstSyncDone = true;
         mBed->account->email.reset(new FakeEmailConfiguration(Account));

@@ -3,7 +3,7 @@
 
 #include "application/base/clockwatch.h"
 #include "application/base/growingpause.h"
-#include "support/scriptedclock.h"
+#include "support/testclock.h"
 #include "support/testmain.h"
 
 #include <QtTest>
@@ -16,7 +16,7 @@ class DeadlineTest : public QObject
 private Q_SLOTS:
     void itComesWithItsTimer()
     {
-        ScriptedClock clock;
+        TestClock clock;
         Deadline deadline(Clock::Timer::PushPause);
         QSignalSpy expired(&deadline, &Deadline::expired);
         deadline.start(5000);
@@ -28,17 +28,17 @@ private Q_SLOTS:
 
     void aClockThatJumpsPastItEndsItAtOnce()
     {
-        ScriptedClock clock;
-        clock.freeze();
+        TestClock clock;
+        clock.stop();
         Deadline deadline(Clock::Timer::Answer);
         QSignalSpy expired(&deadline, &Deadline::expired);
         deadline.start(360000);
         QCOMPARE(deadline.due(), clock.currentDateTimeUtc().addSecs(360));
 
-        clock.millisecondsAhead = 359999;
+        clock.setAhead(359999);
         Q_EMIT ClockWatch::instance().jumped();
         QCOMPARE(expired.count(), 0);
-        clock.millisecondsAhead = 24 * 3600 * 1000;
+        clock.setAhead(24 * 3600 * 1000);
         Q_EMIT ClockWatch::instance().jumped();
         QCOMPARE(expired.count(), 1);
         Q_EMIT ClockWatch::instance().jumped();
@@ -47,12 +47,12 @@ private Q_SLOTS:
 
     void aClockThatIsPutBackLeavesItAlone()
     {
-        ScriptedClock clock;
-        clock.freeze();
+        TestClock clock;
+        clock.stop();
         Deadline deadline(Clock::Timer::Answer);
         QSignalSpy expired(&deadline, &Deadline::expired);
         deadline.start(360000);
-        clock.millisecondsAhead = -24 * 3600 * 1000;
+        clock.setAhead(-24 * 3600 * 1000);
         Q_EMIT ClockWatch::instance().jumped();
         QCOMPARE(expired.count(), 0);
         QVERIFY(deadline.isActive());
@@ -60,12 +60,12 @@ private Q_SLOTS:
 
     void oneThatWasStoppedNeverComes()
     {
-        ScriptedClock clock;
+        TestClock clock;
         Deadline deadline(Clock::Timer::Answer);
         QSignalSpy expired(&deadline, &Deadline::expired);
         deadline.start(360000);
         deadline.stop();
-        clock.millisecondsAhead = 24 * 3600 * 1000;
+        clock.setAhead(24 * 3600 * 1000);
         Q_EMIT ClockWatch::instance().jumped();
         QCOMPARE(expired.count(), 0);
     }

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "application/databasefixture.h"
 #include "application/mapping/easdatabase.h"
 #include "easitems/containers/attachmententity.h"
 #include "easitems/containers/easattachmentcontainer.h"
+#include "support/databasefixture.h"
 #include "support/logcollector.h"
 #include "support/testmain.h"
 

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "application/databasefixture.h"
 #include "application/mapping/easdatabase.h"
 #include "easitems/containers/easattachmentcontainer.h"
 #include "easitems/eascalendaritem.h"
 #include "easitems/eascontactsitem.h"
 #include "easitems/easemailitem.h"
+#include "support/databasefixture.h"
 #include "support/testmain.h"
 
 #include <QtTest>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "application/databasefixture.h"
 #include "application/mapping/easdatabase.h"
 #include "easitems/easemailitem.h"
+#include "support/databasefixture.h"
 #include "support/logcollector.h"
 #include "support/testmain.h"
 

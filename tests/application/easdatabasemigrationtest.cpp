@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "application/databasefixture.h"
 #include "application/mapping/easdatabase.h"
+#include "support/databasefixture.h"
 #include "support/fakeconfigurations.h"
 #include "support/logcollector.h"
 #include "support/scriptedmanager.h"

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "application/mapping/easdatabase.h"
 #include "application/base/clock.h"
-#include "application/databasefixture.h"
+#include "support/databasefixture.h"
 #include "support/logcollector.h"
-#include "support/scriptedclock.h"
+#include "support/testclock.h"
 #include "support/testmain.h"
 
 #include <QDir>
@@ -166,7 +166,7 @@ private Q_SLOTS:
     void theFileIsClosedAMinuteAfterTheLastUseAndOpenedByTheNext()
     {
         mFixture->open();
-        const ScriptedClock clock;
+        const TestClock clock;
         const LogCollector log;
         QVERIFY(EasDatabase::instance()->addFolderItems(Account, { folder("1") }));
         QCOMPARE(clock.intervals, QList<int> { 60000 });
@@ -182,7 +182,7 @@ private Q_SLOTS:
     void eachUsePushesTheReleaseAway()
     {
         mFixture->open();
-        const ScriptedClock clock;
+        const TestClock clock;
         EasDatabase::instance();
         EasDatabase::instance();
         EasDatabase::instance()->onAccountAdded(Account);
@@ -194,7 +194,7 @@ private Q_SLOTS:
         mFixture->open();
         EasDatabase *database = EasDatabase::instance();
         {
-            const ScriptedClock clock;
+            const TestClock clock;
             database->startDataBaseTimer(1);
             QTRY_VERIFY(!connectionIsOpen());
         }

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "application/networkmanager.h"
 #include "protocol/base/protocolutils.h"
-#include "support/accountregistry.h"
 #include "support/bearer.h"
 #include "support/challengeserver.h"
 #include "support/fakeaccount.h"
 #include "support/logcollector.h"
+#include "support/scriptedmanager.h"
 #include "support/testmain.h"
 
 #include <QBuffer>
@@ -29,8 +29,7 @@ private Q_SLOTS:
     void init()
     {
         mAccount = std::make_unique<FakeAccount>(accountId);
-        AccountRegistry *registry = AccountRegistry::fresh();
-        registry->add(mAccount.get());
+        ScriptedManager::install()->present(mAccount.get());
         mServer = std::make_unique<ChallengeServer>();
         mLog = std::make_unique<LogCollector>();
         mNetwork = std::make_unique<NetworkManager>(nullptr);
@@ -42,6 +41,7 @@ private Q_SLOTS:
     {
         QVERIFY2(!mLog->contains(QStringLiteral("s3cret")), "no password in any log line");
         mNetwork.reset();
+        ScriptedManager::uninstall();
         mServer.reset();
         mLog.reset();
         mAccount.reset();

@@ -5,9 +5,9 @@
 #include "support/bearer.h"
 #include "support/logcollector.h"
 #include "support/probes.h"
-#include "support/scriptedclock.h"
 #include "support/scriptedmanager.h"
 #include "support/scriptedserver.h"
+#include "support/testclock.h"
 #include "support/testmain.h"
 
 #include <QLoggingCategory>
@@ -25,7 +25,7 @@ class RequestManagerTest : public QObject
     Q_OBJECT
 
 private:
-    std::unique_ptr<ScriptedClock> mClock;
+    std::unique_ptr<TestClock> mClock;
     QPointer<ScriptedManager> mManager;
     FakeAccount *mAccount = nullptr;
     std::unique_ptr<QSignalSpy> mFinished;
@@ -50,7 +50,7 @@ private Q_SLOTS:
     {
         QLoggingCategory::setFilterRules(QStringLiteral("Fennel.*.debug=true"));
         QVERIFY(Bearer::connectNetwork());
-        mClock = std::make_unique<ScriptedClock>();
+        mClock = std::make_unique<TestClock>();
         mClock->heldFrom = 5000;
         mManager = ScriptedManager::install();
         for (const EasAccountId id : { Account, OtherAccount })
@@ -240,7 +240,7 @@ private Q_SLOTS:
     void aHungHeadIsCancelledAfterTheNextRequestHasEntered()
     {
         ProbeRequest *const head = enter(1);
-        mClock->millisecondsAhead = 300001;
+        mClock->setAhead(300001);
         QString order;
         LogCollector log;
         head->onCancel = [&] {
@@ -254,7 +254,7 @@ private Q_SLOTS:
     void aHungHeadIsCancelledByTheNextRequest()
     {
         ProbeRequest *const head = enter(1);
-        mClock->millisecondsAhead = 300002;
+        mClock->setAhead(300002);
         LogCollector log;
         ProbeRequest *const next = enter(2);
         QVERIFY(log.contains(QtWarningMsg,
@@ -269,7 +269,7 @@ private Q_SLOTS:
     void aHeadOfFourMinutesIsLeftAlone()
     {
         ProbeRequest *const head = enter(1);
-        mClock->millisecondsAhead = 240000;
+        mClock->setAhead(240000);
         enter(2);
         QCOMPARE(head->cancels, 0);
         QCOMPARE(mFinished->count(), 0);
@@ -277,7 +277,7 @@ private Q_SLOTS:
 
     void aRequestThatHasJustStartedIsLeftAlone()
     {
-        mClock->millisecondsAhead = 300002;
+        mClock->setAhead(300002);
         QCOMPARE(enter(1)->cancels, 0);
         QCOMPARE(mFinished->count(), 0);
     }

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "easitems/eastimezone.h"
 
-#include "support/fixedclock.h"
 #include "support/logcollector.h"
+#include "support/testclock.h"
 #include "support/testmain.h"
 
 #include <KCalendarCore/Event>
@@ -141,7 +141,7 @@ class EasTimeZoneTableTest : public QObject
 private Q_SLOTS:
     void foundAgainByName()
     {
-        const FixedClock clock(Now);
+        const TestClock clock(Now);
         QList<Row> rows;
         {
             const LogCollector quiet;
@@ -176,7 +176,7 @@ private Q_SLOTS:
     void foundAgainByRule()
     {
         QFETCH(QDateTime, now);
-        const FixedClock clock(now);
+        const TestClock clock(now);
         QList<Row> rows;
         QSet<QByteArray> unexplained;
         QElapsedTimer timer;

@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "easitems/algorithms/syncresponseparser.h"
 #include "application/mapping/easdatabase.h"
+#include "support/hiddentable.h"
 #include "support/logcollector.h"
 #include "support/testmain.h"
 #include "support/wbxmldocument.h"
 
 #include <QLoggingCategory>
-#include <QSqlDatabase>
-#include <QSqlQuery>
 #include <QtTest>
 
 using namespace Wbxml;
@@ -301,13 +300,13 @@ private Q_SLOTS:
 
     void aReplyWhoseItemsCannotBeLookedUpIsNotReady()
     {
-        QSqlQuery query(QSqlDatabase::database(QStringLiteral("fennel-eas-db")));
-        QVERIFY(query.exec(QStringLiteral("ALTER TABLE emails RENAME TO hidden")));
         SyncResponseParser parser;
-        parser.parse(replyWithCommands({ item(AirSync::Change, "5:1", { body("text") }) }));
+        {
+            const HiddenTable hidden("emails");
+            parser.parse(replyWithCommands({ item(AirSync::Change, "5:1", { body("text") }) }));
+        }
         // Otherwise its key would be stored, and the change would be lost.
         QVERIFY(!parser.ready());
-        QVERIFY(query.exec(QStringLiteral("ALTER TABLE hidden RENAME TO emails")));
         parser.parse(replyWithCommands({ item(AirSync::Change, "5:9", { body("text") }) }));
         QVERIFY(parser.ready());
     }

@@ -162,7 +162,7 @@ void CancelTest::aSyncIsCancelledBeforeItsNextAttempt()
     QFETCH(QString, command);
     SyncTestBed bed;
     QVERIFY(missesOneMessage(bed));
-    bed.clock().setFast(false);
+    bed.clock().setPace(TestClock::Unhurried);
     bed.server().overrideNext(command, Override::topStatus(111));
     {
         const LogCollector log;

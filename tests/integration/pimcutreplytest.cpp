@@ -63,7 +63,7 @@ public:
 private:
     static QStringList emptied(const QString &version)
     {
-        CrashPim::clearDevice();
+        CrashPim().clearDevice();
         // With what it holds of the account before this one.
         for (const char *suffix : { "", "-journal", "-wal", "-shm" })
             QFile::remove(StoreCheck::mappingFile() + QLatin1String(suffix));

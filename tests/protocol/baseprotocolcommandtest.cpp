@@ -6,9 +6,9 @@
 #include "protocol/base/protocolutils.h"
 #include "protocol/serverlocation.h"
 #include "support/logcollector.h"
-#include "support/scriptedclock.h"
 #include "support/scriptedmanager.h"
 #include "support/scriptedserver.h"
+#include "support/testclock.h"
 #include "support/testmain.h"
 
 #include <QLoggingCategory>

@@ -6,9 +6,9 @@
 #include "protocol/foldersynccustomcommand.h"
 #include "protocol/wbxml/wbxmlencoder.h"
 #include "support/logcollector.h"
-#include "support/scriptedclock.h"
 #include "support/scriptedmanager.h"
 #include "support/scriptedserver.h"
+#include "support/testclock.h"
 #include "support/testmain.h"
 
 #include <QSignalSpy>
@@ -120,7 +120,7 @@ private Q_SLOTS:
 
     void noAnswerInTwentySecondsIsATimeout()
     {
-        ScriptedClock clock;
+        TestClock clock;
         ScriptedAnswer hang;
         hang.hang = true;
         mServer->answer(hang);

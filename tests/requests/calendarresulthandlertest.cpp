@@ -257,7 +257,7 @@ private Q_SLOTS:
 
     void aDatabaseThatRefusesIsAFailure()
     {
-        QVERIFY(OwnDatabase::refuse("INSERT", "calendar"));
+        mScene->database.refuse("INSERT", "calendar");
         const LogCollector log;
         SyncCollection up = collection({ item<Event>("new") });
         answerAdd(up, "new", "9:7");

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "requests/contactsresulthandler.h"
 #include "requests/uploadresultscene.h"
+#include "support/hiddentable.h"
 #include "support/logcollector.h"
 #include "support/stubcontactstorage.h"
 #include "support/testmain.h"
@@ -222,7 +223,7 @@ private Q_SLOTS:
 
     void aDatabaseThatCannotBeReadIsAFailure()
     {
-        QVERIFY(OwnDatabase::hide("contacts"));
+        const HiddenTable hidden("contacts");
         const LogCollector log;
         SyncCollection reply = collection({}, {}, { QStringLiteral("3:1") });
         QVERIFY(!handle(reply));
@@ -256,7 +257,7 @@ private Q_SLOTS:
 
     void aDatabaseThatRefusesIsAFailure()
     {
-        QVERIFY(OwnDatabase::refuse("INSERT", "contacts"));
+        mScene->database.refuse("INSERT", "contacts");
         const LogCollector log;
         SyncCollection up = collection({ item<Contact>("new") });
         answerAdd(up, "new", "3:7");

@@ -4,8 +4,8 @@
 #include "support/hiddentable.h"
 #include "support/itemlines.h"
 #include "support/logcollector.h"
-#include "support/scriptedclock.h"
 #include "support/stubmailstorage.h"
+#include "support/testclock.h"
 #include "support/testmain.h"
 
 using namespace UploadResultScene;
@@ -149,7 +149,7 @@ private Q_SLOTS:
 
     void aChangeOfUnknownMailBeginsTheCollectionAnewOnceADay()
     {
-        ScriptedClock clock;
+        TestClock clock;
         const QString warning = QStringLiteral("changes of unknown items, the collection begins anew:");
         EasFolderItem folder;
         folder.setServerId(QStringLiteral("5"));
@@ -167,9 +167,9 @@ private Q_SLOTS:
             QVERIFY(log.contains(QtWarningMsg, { warning, QStringLiteral("Projects") }));
         }
         QCOMPARE(tells(), QStringList());
-        clock.millisecondsAhead = 24 * 60 * 60 * 1000 - 5000;
+        clock.setAhead(24 * 60 * 60 * 1000 - 5000);
         QCOMPARE(tells(), QStringList());
-        clock.millisecondsAhead += 10000;
+        clock.advance(10000);
         QCOMPARE(tells(), QStringList(QStringLiteral("5")));
     }
 
@@ -299,7 +299,7 @@ private Q_SLOTS:
 
     void aDatabaseThatRefusesIsAFailure()
     {
-        QVERIFY(OwnDatabase::refuse("INSERT", "emails"));
+        mScene->database.refuse("INSERT", "emails");
         SyncCollection reply = collection();
         reply.appendAddedEmails(Mail(), QStringLiteral("5:8"));
         const LogCollector log;
@@ -310,7 +310,7 @@ private Q_SLOTS:
 
     void aDatabaseThatCannotBeReadIsAFailure()
     {
-        QVERIFY(OwnDatabase::hide("emails"));
+        const HiddenTable hidden("emails");
         SyncCollection reply = collection();
         reply.appendAddedEmails(Mail(), QStringLiteral("5:1"));
         const LogCollector log;

@@ -9,8 +9,6 @@
 #include "support/wbxmldocument.h"
 
 #include <QSignalSpy>
-#include <QSqlDatabase>
-#include <QSqlQuery>
 #include <QtTest>
 
 using namespace Wbxml;
@@ -513,10 +511,7 @@ private Q_SLOTS:
         QFETCH(int, kind);
         QFETCH(QString, trigger);
         QFETCH(QString, text);
-        QSqlQuery query(QSqlDatabase::database(QStringLiteral("fennel-eas-db")));
-        QVERIFY(query.exec(QStringLiteral("CREATE TRIGGER refuse BEFORE %1 ON collections BEGIN "
-                                          "SELECT RAISE(ABORT, 'refused'); END")
-                               .arg(trigger)));
+        mBed->database.refuse(qPrintable(trigger), "collections");
         answer(reply(Kind(kind), "1", "8", "20"));
         LogCollector log;
         QCOMPARE(run(make(Kind(kind))), -2);

@@ -4,13 +4,12 @@
 
 #include "application/mapping/easdatabase.h"
 #include "requests/syncrequest.h"
+#include "support/hiddentable.h"
 #include "support/logcollector.h"
 #include "support/requestbed.h"
 #include "support/testmain.h"
 #include "support/wbxmldocument.h"
 
-#include <QSqlDatabase>
-#include <QSqlQuery>
 #include <QtTest>
 
 using namespace Wbxml;
@@ -38,12 +37,6 @@ QByteArray replyWithOneFolder(const char *key)
         { node(FolderHierarchy::Add,
             { node(FolderHierarchy::ServerId, "9"), node(FolderHierarchy::ParentId, "0"),
                 node(FolderHierarchy::DisplayName, "New"), node(FolderHierarchy::Type, "12") }) });
-}
-
-bool execute(const char *statement)
-{
-    return QSqlQuery(QSqlDatabase::database(QStringLiteral("fennel-eas-db")))
-        .exec(QString::fromLatin1(statement));
 }
 
 /** The signals of a request, in order. */
@@ -98,7 +91,7 @@ private Q_SLOTS:
     {
         QFETCH(bool, foldersOnly);
         // The key cannot be read, so that the request ends while it is being started.
-        QVERIFY(execute("ALTER TABLE collections RENAME TO hidden"));
+        const HiddenTable hidden("collections");
         QStringList seen;
         if (foldersOnly) {
             FolderSyncRequest request(Account, Id);
@@ -203,8 +196,7 @@ private Q_SLOTS:
 
     void aDatabaseThatRefusesLeavesTheOldKey()
     {
-        QVERIFY(execute("CREATE TRIGGER refuse BEFORE INSERT ON collections BEGIN "
-                        "SELECT RAISE(ABORT, 'refused'); END"));
+        mBed->database.refuse("INSERT", "collections");
         mBed->answer(replyWithOneFolder("8"));
         const LogCollector log;
         FolderSyncRequest request(Account, Id);

@@ -81,7 +81,7 @@ class MoveItemsResultHandlerTest : public QObject
     Q_OBJECT
 
 private:
-    std::unique_ptr<OwnDatabase> mDatabase;
+    std::unique_ptr<DatabaseFixture> mDatabase;
     std::unique_ptr<FakeAccount> mAccount;
     QSharedPointer<MoveStorage> mStorage;
     SyncState mState;
@@ -107,7 +107,7 @@ private:
 private Q_SLOTS:
     void init()
     {
-        mDatabase = std::make_unique<OwnDatabase>();
+        mDatabase = std::make_unique<DatabaseFixture>(DatabaseFixture::Opened);
         mAccount = std::make_unique<FakeAccount>(Account);
         mStorage = QSharedPointer<MoveStorage>::create();
         mAccount->mails = mStorage;
@@ -133,7 +133,7 @@ private Q_SLOTS:
 
     void aMappingThatRefusesLeavesTheStoreAlone()
     {
-        QVERIFY(OwnDatabase::refuse("UPDATE", "emails"));
+        mDatabase->refuse("UPDATE", "emails");
         const LogCollector log;
         QVERIFY(!handle({ response("5:1", "3", "6:1") }));
         QVERIFY(log.contains(QStringLiteral("items are not updated in Eas DB")));

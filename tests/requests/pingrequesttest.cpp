@@ -4,13 +4,12 @@
 #include "application/base/clockwatch.h"
 #include "application/mapping/easdatabase.h"
 #include "support/fakeconfigurations.h"
+#include "support/hiddentable.h"
 #include "support/logcollector.h"
 #include "support/requestbed.h"
 #include "support/testmain.h"
 #include "support/wbxmldocument.h"
 
-#include <QSqlDatabase>
-#include <QSqlQuery>
 #include <QtTest>
 
 #include <memory>
@@ -70,15 +69,14 @@ private:
     /** The server waits as it was asked to before each answer. */
     void letTimePass()
     {
-        mBed->clock.freeze();
-        connect(&mBed->server, &ScriptedServer::received, this,
-            [this] { mBed->clock.millisecondsAhead += 300000; });
+        mBed->clock.stop();
+        connect(&mBed->server, &ScriptedServer::received, this, [this] { mBed->clock.advance(300000); });
     }
 
     /** The device's clock goes on without its timers. */
     void jump(int seconds)
     {
-        mBed->clock.millisecondsAhead += qint64(seconds) * 1000;
+        mBed->clock.advance(qint64(seconds) * 1000);
         Q_EMIT ClockWatch::instance().jumped();
     }
 
@@ -188,8 +186,7 @@ private Q_SLOTS:
 
     void foldersThatCannotBeReadEndTheRequest()
     {
-        QVERIFY(QSqlQuery(QSqlDatabase::database(QStringLiteral("fennel-eas-db")))
-                    .exec(QStringLiteral("ALTER TABLE collections RENAME TO hidden")));
+        const HiddenTable hidden("collections");
         PingRequest request(Account, 0);
         QCOMPARE(run(request), -2);
     }
@@ -222,7 +219,7 @@ private Q_SLOTS:
 
     void aServerThatDoesNotWaitMakesPausesGrow()
     {
-        mBed->clock.freeze();
+        mBed->clock.stop();
         for (int i = 0; i < 4; ++i)
             mBed->answer(reply(1));
         mBed->answer(reply(7));
@@ -234,11 +231,11 @@ private Q_SLOTS:
 
     void oneThatWaitsAgainEndsThePauses()
     {
-        mBed->clock.freeze();
+        mBed->clock.stop();
         int received = 0;
         connect(&mBed->server, &ScriptedServer::received, this, [this, &received] {
             if (++received == 3)
-                mBed->clock.millisecondsAhead += 30000;
+                mBed->clock.advance(30000);
         });
         for (int i = 0; i < 4; ++i)
             mBed->answer(reply(1));
@@ -252,9 +249,8 @@ private Q_SLOTS:
     void aShortHeartbeatIsNotTooQuick()
     {
         mBed->account->setHeartbeatInterval(10);
-        mBed->clock.freeze();
-        connect(&mBed->server, &ScriptedServer::received, this,
-            [this] { mBed->clock.millisecondsAhead += 5000; });
+        mBed->clock.stop();
+        connect(&mBed->server, &ScriptedServer::received, this, [this] { mBed->clock.advance(5000); });
         mBed->answer(reply(1));
         mBed->answer(reply(7));
         PingRequest request(Account, 0);
@@ -265,7 +261,7 @@ private Q_SLOTS:
 
     void aPauseIsCancelled()
     {
-        mBed->clock.freeze();
+        mBed->clock.stop();
         mBed->clock.held.insert(Clock::Timer::PushPause);
         mBed->answer(reply(1));
         PingRequest request(Account, 0, mBed->manager);

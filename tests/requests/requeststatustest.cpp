@@ -6,8 +6,8 @@
 #include "support/bearer.h"
 #include "support/logcollector.h"
 #include "support/probes.h"
-#include "support/scriptedclock.h"
 #include "support/scriptedmanager.h"
+#include "support/testclock.h"
 #include "support/testmain.h"
 
 #include <QSignalSpy>
@@ -59,7 +59,7 @@ class RequestStatusTest : public QObject
     Q_OBJECT
 
 private:
-    std::unique_ptr<ScriptedClock> mClock;
+    std::unique_ptr<TestClock> mClock;
     FakeAccount *mAccount = nullptr;
     std::unique_ptr<ProbeRequest> mRequest;
     std::unique_ptr<QSignalSpy> mCompleted;
@@ -68,7 +68,7 @@ private Q_SLOTS:
     void init()
     {
         QVERIFY(Bearer::connectNetwork());
-        mClock = std::make_unique<ScriptedClock>();
+        mClock = std::make_unique<TestClock>();
         mClock->heldFrom = 1;
         ScriptedManager *const manager = ScriptedManager::install();
         mAccount = manager->addAccount(Account);

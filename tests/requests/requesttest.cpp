@@ -5,9 +5,9 @@
 #include "support/bearer.h"
 #include "support/logcollector.h"
 #include "support/probes.h"
-#include "support/scriptedclock.h"
 #include "support/scriptedmanager.h"
 #include "support/scriptedserver.h"
+#include "support/testclock.h"
 #include "support/testmain.h"
 
 #include <QLoggingCategory>
@@ -26,7 +26,7 @@ class RequestTest : public QObject
     Q_OBJECT
 
 private:
-    std::unique_ptr<ScriptedClock> mClock;
+    std::unique_ptr<TestClock> mClock;
     ScriptedManager *mManager = nullptr;
     FakeAccount *mAccount = nullptr;
     SessionlessNetwork *mSessionless = nullptr;
@@ -46,7 +46,7 @@ private Q_SLOTS:
     {
         QLoggingCategory::setFilterRules(QStringLiteral("Fennel.*.debug=true"));
         QVERIFY(Bearer::connectNetwork());
-        mClock = std::make_unique<ScriptedClock>();
+        mClock = std::make_unique<TestClock>();
         mManager = ScriptedManager::install();
         mAccount = mManager->addAccount(Account);
         mAccount->negotiated({ QStringLiteral("Sync") });
@@ -277,11 +277,11 @@ private Q_SLOTS:
     void aRequestExpiresAfterFiveMinutes()
     {
         QVERIFY(!mRequest->isExpired());
-        mClock->freeze();
+        mClock->stop();
         mRequest->start();
-        mClock->millisecondsAhead = 300000;
+        mClock->setAhead(300000);
         QVERIFY(!mRequest->isExpired());
-        mClock->millisecondsAhead = 300001;
+        mClock->setAhead(300001);
         QVERIFY(mRequest->isExpired());
         mRequest->completeWith(0);
         QVERIFY(!mRequest->isExpired());

@@ -52,7 +52,7 @@ class SyncCollectionBuilderTest : public QObject
 private:
     using Pairs = QList<QPair<QString, QString>>;
 
-    std::unique_ptr<OwnDatabase> mDatabase;
+    std::unique_ptr<DatabaseFixture> mDatabase;
     std::unique_ptr<FakeAccount> mAccount;
     QSharedPointer<StubCalendarStorage> mCalendar;
     QSharedPointer<StubContactStorage> mContacts;
@@ -97,7 +97,7 @@ private:
 private Q_SLOTS:
     void init()
     {
-        mDatabase = std::make_unique<OwnDatabase>();
+        mDatabase = std::make_unique<DatabaseFixture>(DatabaseFixture::Opened);
         mState = SyncState();
         mAccount = std::make_unique<FakeAccount>(Account);
         mAccount->setProtocolVersion(ExchangeActiveSync::ProtocolVersion161);

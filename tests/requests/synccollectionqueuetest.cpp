@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "requests/synccollectionqueue.h"
+#include "support/hiddentable.h"
 
 #include "requests/uploadresultscene.h"
 #include "support/fakeconfigurations.h"
@@ -47,7 +48,7 @@ class SyncCollectionQueueTest : public QObject
     Q_OBJECT
 
 private:
-    std::unique_ptr<OwnDatabase> mDatabase;
+    std::unique_ptr<DatabaseFixture> mDatabase;
     std::unique_ptr<FakeAccount> mAccount;
     SyncState mState;
     QStringList mInitial;
@@ -76,7 +77,7 @@ private:
 private Q_SLOTS:
     void init()
     {
-        mDatabase = std::make_unique<OwnDatabase>();
+        mDatabase = std::make_unique<DatabaseFixture>(DatabaseFixture::Opened);
         mAccount = std::make_unique<FakeAccount>(Account);
         mAccount->mails = QSharedPointer<StubMailStorage>::create();
         mAccount->email = QSharedPointer<FakeEmailConfiguration>::create(Account);
@@ -133,7 +134,7 @@ private Q_SLOTS:
 
     void aDatabaseThatCannotBeReadIsAFailure()
     {
-        QVERIFY(OwnDatabase::hide("collections"));
+        const HiddenTable hidden("collections");
         QVERIFY(!query());
         // What could not be read is not gone.
         QCOMPARE(mState.collectionsToSync.size(), 3);
@@ -162,7 +163,7 @@ private Q_SLOTS:
 
     void aDatabaseThatRefusesAKeyIsAFailure()
     {
-        QVERIFY(OwnDatabase::refuse("UPDATE", "collections"));
+        mDatabase->refuse("UPDATE", "collections");
         const LogCollector log;
         QVERIFY(!store(answered("1", "8")));
         QVERIFY(log.contains(QStringLiteral("failed to update folders in EAS DB")));
@@ -179,7 +180,7 @@ private Q_SLOTS:
 
     void whereAllAreSilentNoneIsLeftOut()
     {
-        QVERIFY(OwnDatabase::execute(QStringLiteral("UPDATE collections SET synckey=''")));
+        mDatabase->execute({ QStringLiteral("UPDATE collections SET synckey=''") });
         QVERIFY(!SyncCollectionQueue(*mAccount, mState).leaveOut(answered("2", "")));
         QCOMPARE(mState.collectionsToSync.size(), 3);
     }
@@ -239,8 +240,7 @@ private Q_SLOTS:
         EasEmailItem mail = item<EasEmailItem>("1", "1:1");
         mail.setCollectionId(QStringLiteral("1"));
         QVERIFY(EasDatabase::instance()->addEmailItems(Account, { mail }));
-        QVERIFY(
-            OwnDatabase::execute(QStringLiteral("UPDATE collections SET synckey='0' WHERE server_id='1'")));
+        mDatabase->execute({ QStringLiteral("UPDATE collections SET synckey='0' WHERE server_id='1'") });
         QVERIFY(query());
         QVERIFY(mInitial.contains(QStringLiteral("1")));
         QVERIFY(EasDatabase::instance()->serverToLocalEmailIds(Account)->isEmpty());

@@ -2,6 +2,7 @@
 #include "requests/syncfolderselection.h"
 #include "requests/uploadresultscene.h"
 #include "support/fakeconfigurations.h"
+#include "support/hiddentable.h"
 #include "support/logcollector.h"
 #include "support/testmain.h"
 
@@ -26,7 +27,7 @@ class SyncFolderSelectionTest : public QObject
     Q_OBJECT
 
 private:
-    std::unique_ptr<OwnDatabase> mDatabase;
+    std::unique_ptr<DatabaseFixture> mDatabase;
     std::unique_ptr<FakeAccount> mAccount;
     QSharedPointer<FakeEmailConfiguration> mMail;
     QSharedPointer<FakeCalendarConfiguration> mCalendar;
@@ -46,7 +47,7 @@ private:
 private Q_SLOTS:
     void init()
     {
-        mDatabase = std::make_unique<OwnDatabase>();
+        mDatabase = std::make_unique<DatabaseFixture>(DatabaseFixture::Opened);
         mAccount = std::make_unique<FakeAccount>(Account);
         mAccount->email = mMail = QSharedPointer<FakeEmailConfiguration>::create(Account);
         mAccount->calendar = mCalendar = QSharedPointer<FakeCalendarConfiguration>::create(Account);
@@ -128,7 +129,7 @@ private Q_SLOTS:
     {
         QFETCH(int, service);
         QFETCH(QStringList, named);
-        QVERIFY(OwnDatabase::hide("collections"));
+        const HiddenTable hidden("collections");
         const LogCollector log;
         QCOMPARE(chosen(service, named), QStringLiteral("failed"));
     }

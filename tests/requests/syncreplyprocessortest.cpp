@@ -51,7 +51,7 @@ class SyncReplyProcessorTest : public QObject
     Q_OBJECT
 
 private:
-    std::unique_ptr<OwnDatabase> mDatabase;
+    std::unique_ptr<DatabaseFixture> mDatabase;
     std::unique_ptr<FakeAccount> mAccount;
     SyncState mState;
     Attempts mAttempts;
@@ -69,7 +69,7 @@ private:
 private Q_SLOTS:
     void init()
     {
-        mDatabase = std::make_unique<OwnDatabase>();
+        mDatabase = std::make_unique<DatabaseFixture>(DatabaseFixture::Opened);
         mAccount = std::make_unique<FakeAccount>(Account);
         mState = SyncState();
         mAttempts = Attempts();

@@ -7,49 +7,16 @@
 #include "protocol/elements/synccommandchange.h"
 #include "protocol/elements/synccommanddelete.h"
 #include "requests/syncstate.h"
+#include "support/databasefixture.h"
 #include "support/fakeaccount.h"
 
 #include <QSharedPointer>
-#include <QSqlDatabase>
-#include <QSqlQuery>
 #include <QtTest>
 
 /** What tests of the result handlers share: an account with a database, and collections as they come back. */
 namespace UploadResultScene {
 
 constexpr EasAccountId Account = 7;
-
-/** An empty mapping database, the engine's as long as this lives. */
-class OwnDatabase
-{
-public:
-    OwnDatabase()
-    {
-        static int counter = 0;
-        const QByteArray path = "result-databases/" + QByteArray::number(++counter) + '/';
-        EasDatabase::initializeInstance(nullptr, path.constData(), "mapping.db");
-    }
-    ~OwnDatabase() { EasDatabase::releaseInstance(); }
-    Q_DISABLE_COPY(OwnDatabase)
-
-    /** No statement of a kind succeeds on that table any more: "INSERT", "UPDATE", "DELETE". */
-    static bool refuse(const char *kind, const char *table)
-    {
-        return execute(QStringLiteral("CREATE TRIGGER refuse BEFORE %1 ON %2 BEGIN "
-                                      "SELECT RAISE(ABORT, 'refused'); END")
-                           .arg(QLatin1String(kind), QLatin1String(table)));
-    }
-    /** That table can be read no more. */
-    static bool hide(const char *table)
-    {
-        return execute(QStringLiteral("ALTER TABLE %1 RENAME TO hidden").arg(QLatin1String(table)));
-    }
-
-    static bool execute(const QString &statement)
-    {
-        return QSqlQuery(QSqlDatabase::database(QStringLiteral("fennel-eas-db"))).exec(statement);
-    }
-};
 
 /** One account whose store of a class is a recording double, and the handler of that class over it. */
 template <class Handler, class Store> class Scene
@@ -71,7 +38,7 @@ public:
         return handled;
     }
 
-    OwnDatabase database;
+    DatabaseFixture database { DatabaseFixture::Opened };
     const QSharedPointer<Store> store;
     FakeAccount account;
     SyncState state;

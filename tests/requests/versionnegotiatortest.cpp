@@ -5,9 +5,9 @@
 #include "support/bearer.h"
 #include "support/logcollector.h"
 #include "support/probes.h"
-#include "support/scriptedclock.h"
 #include "support/scriptedmanager.h"
 #include "support/scriptedserver.h"
+#include "support/testclock.h"
 #include "support/testmain.h"
 
 #include <QSignalSpy>
@@ -48,7 +48,7 @@ class VersionNegotiatorTest : public QObject
     Q_OBJECT
 
 private:
-    std::unique_ptr<ScriptedClock> mClock;
+    std::unique_ptr<TestClock> mClock;
     ScriptedManager *mManager = nullptr;
     FakeAccount *mAccount = nullptr;
     std::unique_ptr<ScriptedServer> mServer;
@@ -72,7 +72,7 @@ private Q_SLOTS:
     void init()
     {
         QVERIFY(Bearer::connectNetwork());
-        mClock = std::make_unique<ScriptedClock>();
+        mClock = std::make_unique<TestClock>();
         mClock->heldFrom = 20000;
         mManager = ScriptedManager::install();
         mAccount = mManager->addAccount(Account);

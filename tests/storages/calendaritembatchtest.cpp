@@ -6,8 +6,8 @@
 #include "storages/calendar/calendarstorageimpl.h"
 #include "support/calendarbed.h"
 #include "support/calendarscene.h"
-#include "support/fixedclock.h"
 #include "support/logcollector.h"
+#include "support/testclock.h"
 #include "support/testmain.h"
 
 #include <KCalendarCore/CalFormat>
@@ -232,7 +232,7 @@ private Q_SLOTS:
 
     void anEditInTheSecondOfADownloadIsFound()
     {
-        const FixedClock clock(QDateTime::currentDateTimeUtc());
+        const TestClock clock(QDateTime::currentDateTimeUtc());
         EasCalendarItem item = mBed->item();
         EasRecurrenceContainer daily;
         daily.setType(EasRecurrenceContainer::DailyRecurrence);
@@ -245,7 +245,7 @@ private Q_SLOTS:
         QVERIFY(mBed->add(item));
         const Event::Ptr event = mBed->event();
         event->setSummary(QStringLiteral("Edited at once"));
-        event->setLastModified(clock.now);
+        event->setLastModified(clock.currentDateTimeUtc());
         QVERIFY(mBed->savedOnDevice());
         QList<EasCalendarItem> added;
         QList<EasCalendarItem> updated;

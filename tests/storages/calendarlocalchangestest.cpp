@@ -4,9 +4,9 @@
 #include "storages/calendar/calendarlocalchecks.h"
 #include "storages/calendar/calendartimestamps.h"
 #include "storages/uploadbudget.h"
-#include "support/fixedclock.h"
 #include "support/hiddentable.h"
 #include "support/logcollector.h"
+#include "support/testclock.h"
 #include "support/testmain.h"
 
 #include <KCalendarCore/Todo>
@@ -376,8 +376,8 @@ private Q_SLOTS:
 
     void anEditInTheSecondOfTheUploadIsFound()
     {
-        FixedClock clock(QDateTime::fromSecsSinceEpoch(1700000000, Qt::UTC));
-        const qint64 now = clock.now.toSecsSinceEpoch();
+        TestClock clock(QDateTime::fromSecsSinceEpoch(1700000000, Qt::UTC));
+        const qint64 now = clock.currentDateTimeUtc().toSecsSinceEpoch();
         QVERIFY(mScene->save(event(QStringLiteral("event-1"), now)));
         QVERIFY(saveSeries());
         QVERIFY(mScene->addException(QStringLiteral("series-1"), 2, QStringLiteral("moved"), now));
@@ -390,7 +390,7 @@ private Q_SLOTS:
         };
         QVERIFY(mScene->edit(QStringLiteral("event-1"), rename, now));
         QVERIFY(mScene->addException(QStringLiteral("series-1"), 4, QStringLiteral("moved, too"), now));
-        clock.now = clock.now.addSecs(5);
+        clock.advance(5000);
 
         found = query();
         QCOMPARE(found.added.size(), 0);

@@ -2,8 +2,8 @@
 #include "easitems/eastimezone.h"
 #include "storages/calendar/calendareventreader.h"
 #include "support/calendarbed.h"
-#include "support/fixedclock.h"
 #include "support/logcollector.h"
+#include "support/testclock.h"
 #include "support/testmain.h"
 
 #include <KCalendarCore/OccurrenceIterator>
@@ -38,7 +38,7 @@ private:
         tzset();
     }
 
-    FixedClock mClock;
+    TestClock mClock;
     QByteArray mBefore;
 };
 

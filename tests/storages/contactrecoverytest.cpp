@@ -3,6 +3,7 @@
 #include "application/mapping/easdatabase.h"
 #include "protocol/wbxml/wbxmltokens.h"
 #include "support/contactaccount.h"
+#include "support/hiddentable.h"
 #include "support/logcollector.h"
 #include "support/storedatabase.h"
 #include "support/testmain.h"
@@ -201,10 +202,11 @@ private Q_SLOTS:
     {
         ContactAccount account;
         sendAnew(account);
-        QVERIFY(account.hideMapping());
-        QVERIFY(!account.storage().allReceived(account.folderId()));
-        QVERIFY(!account.storage().expectAll(ContactAccount::folder()));
-        QVERIFY(account.showMapping());
+        {
+            const HiddenTable hidden("contacts");
+            QVERIFY(!account.storage().allReceived(account.folderId()));
+            QVERIFY(!account.storage().expectAll(ContactAccount::folder()));
+        }
         QCOMPARE(account.names().size(), 3);
     }
 

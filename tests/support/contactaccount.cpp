@@ -4,8 +4,6 @@
 #include "application/mapping/easdatabase.h"
 
 #include <QDir>
-#include <QSqlDatabase>
-#include <QSqlQuery>
 
 QTCONTACTS_USE_NAMESPACE
 
@@ -15,11 +13,6 @@ EasAccountId nextAccountId()
 {
     static EasAccountId last = 500;
     return ++last;
-}
-
-bool executeInMapping(const char *statement)
-{
-    return QSqlQuery(QSqlDatabase::database(QStringLiteral("fennel-eas-db"))).exec(QLatin1String(statement));
 }
 
 } // namespace
@@ -101,16 +94,6 @@ QStringList ContactAccount::rows() const
     QStringList serverIds = rows.values();
     serverIds.sort();
     return serverIds;
-}
-
-bool ContactAccount::hideMapping()
-{
-    return executeInMapping("ALTER TABLE contacts RENAME TO hidden");
-}
-
-bool ContactAccount::showMapping()
-{
-    return executeInMapping("ALTER TABLE hidden RENAME TO contacts");
 }
 
 QContact ContactAccount::contact(const QString &serverId) const

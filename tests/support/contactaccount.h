@@ -43,9 +43,6 @@ public:
         const QStringList &deleted = {});
     /** Server identifiers of the mapping, of folderId(). */
     QStringList rows() const;
-    /** The mapping's contacts can be read no more, until they are shown again. */
-    bool hideMapping();
-    bool showMapping();
     /** The contact as the manager shows it; empty if it is not mapped or gone. */
     QtContacts::QContact contact(const QString &serverId) const;
     QStringList names(const QString &folder = folderId()) const;

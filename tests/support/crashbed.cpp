@@ -1,28 +1,11 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "support/crashbed.h"
 
-#include "simulator/email.h"
 #include "support/bearer.h"
-#include "support/maillisting.h"
 #include "support/storecheck.h"
-#include "support/synctestbed.h"
 
-#include <QDir>
+#include <QFile>
 #include <QTest>
-
-#include <qmaildisconnected.h>
-#include <qmailfolderkey.h>
-#include <qmailmessagekey.h>
-#include <qmailstore.h>
-
-namespace {
-
-QString textOf(const QString &subject)
-{
-    return QStringLiteral("The text of ") + subject;
-}
-
-} // namespace
 
 CrashBed::CrashBed()
 {
@@ -52,9 +35,7 @@ bool CrashBed::isNewStart(Scenario scenario)
 QStringList CrashBed::durableFiles(Scenario scenario)
 {
     // The account store is another program's.
-    return isPim(scenario)
-        ? CrashPim::durableFiles()
-        : QStringList { QStringLiteral("fennel_eas.db*"), QStringLiteral("mailstore.db*") };
+    return isPim(scenario) ? CrashPim::durableFiles() : CrashMail::durableFiles();
 }
 
 QString CrashBed::version() const
@@ -98,15 +79,17 @@ void CrashBed::addScenarioRows()
     QTest::newRow("more contacts go up than one Sync carries") << LongPimUpload;
 }
 
+QVector<CrashScene *> CrashBed::scenes()
+{
+    if (mHasPim)
+        return { &mMail, &mPim };
+    return { &mMail };
+}
+
 void CrashBed::clearDevice()
 {
-    QMailStore *store = QMailStore::instance();
-    const QMailAccountId account(mAccountId);
-    store->removeMessages(QMailMessageKey::parentAccountId(account));
-    store->removeFolders(QMailFolderKey::parentAccountId(account));
-    store->purgeMessageRemovalRecords(account);
-    if (mHasPim)
-        CrashPim::clearDevice();
+    for (const CrashScene *const scene : scenes())
+        scene->clearDevice();
     for (const char *suffix : { "", "-journal", "-wal", "-shm" })
         QFile::remove(StoreCheck::mappingFile() + QLatin1String(suffix));
 }
@@ -131,15 +114,14 @@ bool CrashBed::begin(Scenario scenario)
     clearDevice();
     if (!useAccountFor(scenario) || !startServer())
         return false;
-    mPim.begin(mAccountId, mailbox(), version());
-    mWanted.clear();
-    mHasPim ? mPim.fillMailbox() : fillMailbox();
+    for (CrashScene *const scene : scenes())
+        scene->begin(mAccountId, mServer->mailbox(), version());
+    scenes().last()->fillMailbox();
     if (scenario != FirstSync && scenario != FirstPimSync) {
         if (!synchronizeOnce())
             return false;
         change(scenario);
     }
-    mWanted.sort();
     return true;
 }
 
@@ -150,21 +132,21 @@ void CrashBed::change(Scenario scenario)
     case FirstPimSync:
         break;
     case LaterSync:
-        changeForLaterSync();
+        mMail.changeForLaterSync();
         break;
     case Move:
-        changeForMove();
+        mMail.changeForMove();
         break;
     case RefusedCollection:
-        changeServer();
+        mMail.changeServer();
         mServer->overrideNext(QStringLiteral("Sync"), Simulator::Override::collectionStatus(3));
         break;
     case RefusedKeys:
-        changeServer();
+        mMail.changeServer();
         mServer->overrideNext(QStringLiteral("Sync"), Simulator::Override::topStatus(3));
         break;
     case ForgottenDevice:
-        changeServer();
+        mMail.changeServer();
         mServer->forgetDevices();
         break;
     case LaterPimSync:
@@ -181,21 +163,6 @@ void CrashBed::change(Scenario scenario)
     }
 }
 
-void CrashBed::fillMailbox()
-{
-    const QString inbox = mailbox().inboxId();
-    const QString projects = mailbox().addFolder(QStringLiteral("Projects"), 12, inbox);
-    const QString archive = mailbox().addFolder(QStringLiteral("Archive"));
-    deliver(mailbox().addFolder(QStringLiteral("Old")), QStringLiteral("zero"));
-    for (const char *subject : { "one", "two", "three", "four" })
-        deliver(inbox, QLatin1String(subject));
-    deliver(projects, QStringLiteral("five"));
-    deliver(archive, QStringLiteral("six"));
-    mailbox().setRead(deliver(archive, QStringLiteral("seven")), true);
-    mWanted = QStringList { "Inbox|one|unread", "Inbox|two|unread", "Inbox|three|unread", "Inbox|four|unread",
-        "Inbox/Projects|five|unread", "Archive|six|unread", "Archive|seven|read", "Old|zero|unread" };
-}
-
 bool CrashBed::synchronizeOnce()
 {
     DaemonProcess daemon;
@@ -203,58 +170,6 @@ bool CrashBed::synchronizeOnce()
     if (status != 0)
         qWarning("the first sync ended with %d:\n%s", status, daemon.log().constData());
     return status == 0;
-}
-
-void CrashBed::changeServer()
-{
-    Simulator::Mailbox &server = mailbox();
-    deliver(server.inboxId(), QStringLiteral("eight"));
-    server.setRead(serverItem(QStringLiteral("one")), true);
-    server.remove(serverItem(QStringLiteral("two")));
-    server.remove(serverItem(QStringLiteral("six")));
-    server.renameFolder(server.folderByPath(QStringLiteral("Archive")).id, QStringLiteral("Kept"));
-    server.removeFolder(server.folderByPath(QStringLiteral("Old")).id);
-    mWanted = QStringList { "Inbox|one|read", "Inbox|three|unread", "Inbox|four|unread", "Inbox|eight|unread",
-        "Inbox/Projects|five|unread", "Kept|seven|read" };
-}
-
-void CrashBed::changeForLaterSync()
-{
-    changeServer();
-    deliver(mailbox().addFolder(QStringLiteral("New")), QStringLiteral("nine"));
-    QMailStore *store = QMailStore::instance();
-    const auto here = [this](const char *subject) {
-        return MailListing::deviceMessage(mAccountId, QLatin1String(subject));
-    };
-    store->updateMessagesMetaData(QMailMessageKey::id(here("three")), QMailMessage::Read, true);
-    store->updateMessagesMetaData(QMailMessageKey::id(here("seven")), QMailMessage::Read, false);
-    store->removeMessage(here("four"), QMailStore::CreateRemovalRecord);
-
-    mWanted = QStringList { "Inbox|one|read", "Inbox|three|read", "Inbox|eight|unread",
-        "Inbox/Projects|five|unread", "Kept|seven|unread", "New|nine|unread" };
-}
-
-void CrashBed::changeForMove()
-{
-    QMailStore *store = QMailStore::instance();
-    const auto here = [this](const char *subject) {
-        return MailListing::deviceMessage(mAccountId, QLatin1String(subject));
-    };
-    const auto move = [&](const char *subject, const char *path) {
-        QMailDisconnected::moveToFolder(
-            QMailMessageIdList { here(subject) }, MailListing::deviceFolder(mAccountId, QLatin1String(path)));
-    };
-    move("one", "Archive");
-    move("two", "Inbox/Projects");
-    // Not on a moved message: when the answer to the move is lost, the server reports it as a new one.
-    store->updateMessagesMetaData(QMailMessageKey::id(here("five")), QMailMessage::Read, true);
-    move("six", "Inbox");
-    mailbox().setRead(serverItem(QStringLiteral("three")), true);
-    mailbox().move(serverItem(QStringLiteral("four")), mailbox().folderByPath(QStringLiteral("Old")).id);
-
-    mWanted = QStringList { "Archive|one|unread", "Inbox/Projects|two|unread", "Inbox|six|unread",
-        "Inbox|three|read", "Old|four|unread", "Inbox/Projects|five|read", "Archive|seven|read",
-        "Old|zero|unread" };
 }
 
 QString CrashBed::run(Scenario scenario, const QProcessEnvironment &environment, After after)
@@ -295,25 +210,6 @@ QString CrashBed::finish(DaemonProcess &daemon, After after)
         .arg(QString::fromUtf8(daemon.log()), wrong);
 }
 
-QString CrashBed::deliver(const QString &folderId, const QString &subject)
-{
-    return mailbox().deliver(folderId, SyncTestBed::message(subject, textOf(subject)));
-}
-
-QString CrashBed::serverItem(const QString &subject)
-{
-    const auto folders = mailbox().folders();
-    for (const Simulator::MailFolder &folder : folders) {
-        const auto items = mailbox().items(folder.id);
-        for (const Simulator::ItemEntry &entry : items) {
-            const auto email = std::dynamic_pointer_cast<const Simulator::Email>(entry.item);
-            if (email && email->content().headers().subject == subject)
-                return entry.serverId;
-        }
-    }
-    return QString();
-}
-
 QString CrashBed::whatIsWrong(DaemonProcess &daemon)
 {
     mServer->clearRequests();
@@ -336,9 +232,9 @@ QString CrashBed::whatIsWrong(DaemonProcess &daemon)
     daemon.kill();
     if (status != 0)
         wrong += QStringLiteral("a further sync after the fault ended with %1\n").arg(status);
-    wrong += wrongRequests() + wrongState() + wrongMapping() + (mHasPim ? mPim.wrongStores() : QString())
-        + StoreCheck::damage(StoreCheck::mappingFile())
-        + StoreCheck::damage(qEnvironmentVariable("QMF_DATA") + QStringLiteral("/mailstore.db"));
+    wrong += wrongRequests() + wrongState() + StoreCheck::damage(StoreCheck::mappingFile());
+    for (const CrashScene *const scene : scenes())
+        wrong += scene->wrongStores();
     if (wrong.isEmpty())
         return wrong;
     return wrong + QStringLiteral("the requests of the first sync after the fault:\n") + story
@@ -347,51 +243,10 @@ QString CrashBed::whatIsWrong(DaemonProcess &daemon)
 
 QString CrashBed::wrongState()
 {
-    return (mHasPim ? mPim.wrongState() : QString())
-        + StoreCheck::difference("messages of the device", MailListing::deviceMessages(mAccountId), mWanted)
-        + StoreCheck::difference("messages of the server", MailListing::serverMessages(mailbox()), mWanted)
-        + StoreCheck::difference("folders of the device", MailListing::deviceFolders(mAccountId),
-            MailListing::serverFolders(mailbox()))
-        + wrongContent();
-}
-
-QString CrashBed::wrongContent() const
-{
     QString wrong;
-    QMailStore *store = QMailStore::instance();
-    const QMailAccountId account(mAccountId);
-    const QMailMessageIdList ids = store->queryMessages(QMailMessageKey::parentAccountId(account));
-    for (const QMailMessageId &id : ids) {
-        const QMailMessage message(id);
-        if (message.body().data().trimmed() != textOf(message.subject()))
-            wrong +=
-                QStringLiteral("the text of %1 is \"%2\"\n").arg(message.subject(), message.body().data());
-        if (message.previousParentFolderId().isValid())
-            wrong += QStringLiteral("%1 still waits to be moved\n").arg(message.subject());
-    }
-    if (!store->messageRemovalRecords(account).isEmpty())
-        wrong += QStringLiteral("a deletion still waits to be told\n");
+    for (const CrashScene *const scene : scenes())
+        wrong += scene->wrongState();
     return wrong;
-}
-
-QString CrashBed::wrongMapping() const
-{
-    const auto numbers = [](const auto &ids) {
-        QStringList list;
-        for (const auto &id : ids)
-            list.append(QString::number(id.toULongLong()));
-        list.sort();
-        return list;
-    };
-    const auto rows = [](const char *sql) {
-        return StoreCheck::ask(StoreCheck::mappingFile(), QLatin1String(sql));
-    };
-    const QMailAccountId account(mAccountId);
-    return StoreCheck::difference("rows of messages", rows("SELECT local_id FROM emails"),
-               numbers(QMailStore::instance()->queryMessages(QMailMessageKey::parentAccountId(account))))
-        + StoreCheck::difference("rows of folders",
-            rows("SELECT local_id FROM collections WHERE type IN (1, 2, 3, 4, 5, 6, 12)"),
-            numbers(QMailStore::instance()->queryFolders(QMailFolderKey::parentAccountId(account))));
 }
 
 QString CrashBed::wrongRequests() const

@@ -4,6 +4,7 @@
 #include "common/easaccountid.h"
 #include "simulator/exchangeserver.h"
 #include "support/accountfactory.h"
+#include "support/crashmail.h"
 #include "support/crashpim.h"
 #include "support/daemonprocess.h"
 #include "support/privatebus.h"
@@ -11,6 +12,7 @@
 #include <QProcessEnvironment>
 #include <QScopedPointer>
 #include <QStringList>
+#include <QVector>
 
 #include <chrono>
 
@@ -74,6 +76,8 @@ public:
     std::chrono::microseconds syncDuration() const { return mSyncDuration; }
 
 private:
+    /** Messages are always looked at, other items where the account has them. */
+    QVector<CrashScene *> scenes();
     bool begin(Scenario scenario);
     QString finish(DaemonProcess &daemon, After after);
     QString whatIsWrong(DaemonProcess &daemon);
@@ -82,20 +86,10 @@ private:
     EasAccountId createAccount();
     bool useAccountFor(Scenario scenario);
     QString version() const;
-    void fillMailbox();
     bool synchronizeOnce();
     void change(Scenario scenario);
-    void changeServer();
-    void changeForLaterSync();
-    void changeForMove();
-
-    Simulator::Mailbox &mailbox() { return mServer->mailbox(); }
-    QString deliver(const QString &folderId, const QString &subject);
-    QString serverItem(const QString &subject);
 
     QString wrongState();
-    QString wrongContent() const;
-    QString wrongMapping() const;
     QString wrongRequests() const;
 
     // The account library wants a bus before anything of it is made.
@@ -104,8 +98,8 @@ private:
     QScopedPointer<Simulator::ExchangeServer> mServer;
     quint16 mPort = 0;
     EasAccountId mAccountId = 0;
-    QStringList mWanted;
     bool mHasPim = false; ///< events and contacts in place of messages
+    CrashMail mMail;
     CrashPim mPim;
     int mSyncStatus = 0;
     std::chrono::microseconds mSyncDuration {};

@@ -152,7 +152,7 @@ QStringList CrashPim::durableFiles()
         QStringLiteral("db-wal"), QStringLiteral("db-shm"), QStringLiteral("avatar-*") };
 }
 
-void CrashPim::clearDevice()
+void CrashPim::clearDevice() const
 {
     // The fixture empties the store.
     ContactFixture();
@@ -165,19 +165,12 @@ void CrashPim::clearDevice()
     }
 }
 
-void CrashPim::begin(EasAccountId accountId, Simulator::Mailbox &mailbox, const QString &version)
-{
-    mHasAttachments = version >= QLatin1String("16.0");
-    mAccountId = accountId;
-    mMailbox = &mailbox;
-}
-
 void CrashPim::fillMailbox()
 {
     fillCalendar();
     fillContacts();
-    mWantedEvents = PimListing::serverEvents(*mMailbox);
-    mWantedContacts = PimListing::serverContacts(*mMailbox);
+    mWantedEvents = PimListing::serverEvents(mailbox());
+    mWantedContacts = PimListing::serverContacts(mailbox());
 }
 
 void CrashPim::fillCalendar()
@@ -189,39 +182,39 @@ void CrashPim::fillCalendar()
     const QVector<ServerEvent> events { timed("single", 0, 9), timed("gone there", 1, 11),
         timed("gone here", 2, 11), timed("place", 4, 15), withFile, days, weekly("weekly", 0, 14),
         weekly("series", 0, 17) };
-    const QString folder = mMailbox->folderOfType(Simulator::CalendarFolder).id;
+    const QString folder = mailbox().folderOfType(Simulator::CalendarFolder).id;
     for (const ServerEvent &event : events)
-        mMailbox->addItem(folder, Simulator::EventItem::make(event));
-    mOldCalendar = mMailbox->addFolder(QStringLiteral("Old"), Simulator::UserCalendarFolder);
+        mailbox().addItem(folder, Simulator::EventItem::make(event));
+    mOldCalendar = mailbox().addFolder(QStringLiteral("Old"), Simulator::UserCalendarFolder);
     ServerEvent old = weekly("old", 0, 8);
     old.attach(QStringLiteral("minutes.txt"), "all agreed");
-    mMailbox->addItem(mOldCalendar, Simulator::EventItem::make(old));
+    mailbox().addItem(mOldCalendar, Simulator::EventItem::make(old));
 }
 
 void CrashPim::fillContacts()
 {
     const QVector<Contact> contacts { contact("Ada").setPicture(TestPictures::png(10)), contact("Bob"),
         contact("Cyd").setPicture(TestPictures::png(20)), contact("Dan"), contact("Eve") };
-    const QString folder = mMailbox->folderOfType(Simulator::ContactsFolder).id;
+    const QString folder = mailbox().folderOfType(Simulator::ContactsFolder).id;
     for (const Contact &contact : contacts)
-        mMailbox->addItem(folder, Simulator::ContactItem::make(contact));
-    mOldContacts = mMailbox->addFolder(QStringLiteral("Old"), Simulator::UserContactsFolder);
-    mMailbox->addItem(
+        mailbox().addItem(folder, Simulator::ContactItem::make(contact));
+    mOldContacts = mailbox().addFolder(QStringLiteral("Old"), Simulator::UserContactsFolder);
+    mailbox().addItem(
         mOldContacts, Simulator::ContactItem::make(contact("Olga").setPicture(TestPictures::png(70))));
 }
 
 void CrashPim::changeBothSides()
 {
-    const Listing events = PimListing::serverEvents(*mMailbox);
-    const Listing contacts = PimListing::serverContacts(*mMailbox);
+    const Listing events = PimListing::serverEvents(mailbox());
+    const Listing contacts = PimListing::serverContacts(mailbox());
     changeServerCalendar();
     changeServerContacts();
     changeDeviceCalendar();
     changeDeviceContacts();
-    mServerEvents = PimListing::serverEvents(*mMailbox);
-    mServerContacts = PimListing::serverContacts(*mMailbox);
-    mWantedEvents = merged(events, mServerEvents, PimListing::deviceEvents(mAccountId));
-    mWantedContacts = merged(contacts, mServerContacts, PimListing::deviceContacts(mAccountId));
+    mServerEvents = PimListing::serverEvents(mailbox());
+    mServerContacts = PimListing::serverContacts(mailbox());
+    mWantedEvents = merged(events, mServerEvents, PimListing::deviceEvents(accountId()));
+    mWantedContacts = merged(contacts, mServerContacts, PimListing::deviceContacts(accountId()));
 }
 
 void CrashPim::addManyContacts()
@@ -230,7 +223,7 @@ void CrashPim::addManyContacts()
     QList<QContact> contacts;
     for (int number = 0; number <= UploadBudget::MostChanges; ++number) {
         QContact contact = ContactFixture::named(QStringLiteral("Many %1").arg(number));
-        contact.setCollectionId(defaultCollection(*manager, mAccountId));
+        contact.setCollectionId(defaultCollection(*manager, accountId()));
         contacts.append(contact);
     }
     if (!manager->saveContacts(&contacts))
@@ -254,37 +247,37 @@ void CrashPim::wantServersEdits(Besides besides)
 
 QString CrashPim::serverEvent(const QString &subject) const
 {
-    return find<Simulator::EventItem>(*mMailbox, Simulator::CalendarFolder, subject,
+    return find<Simulator::EventItem>(mailbox(), Simulator::CalendarFolder, subject,
         [](const ServerEvent &event) { return event.subject; });
 }
 
 QString CrashPim::serverContact(const QString &firstName) const
 {
-    return find<Simulator::ContactItem>(*mMailbox, Simulator::ContactsFolder, firstName,
+    return find<Simulator::ContactItem>(mailbox(), Simulator::ContactsFolder, firstName,
         [](const Contact &contact) { return contact.text(QStringLiteral("FirstName")); });
 }
 
 void CrashPim::changeServerCalendar()
 {
-    mMailbox->edit<Simulator::EventItem>(serverEvent(QStringLiteral("single")),
+    mailbox().edit<Simulator::EventItem>(serverEvent(QStringLiteral("single")),
         [](ServerEvent &event) { event.location.name = QStringLiteral("Hall"); });
-    mMailbox->edit<Simulator::EventItem>(serverEvent(QStringLiteral("series")),
+    mailbox().edit<Simulator::EventItem>(serverEvent(QStringLiteral("series")),
         [](ServerEvent &event) { event.deleteOccurrence(wall(21, 0).date()); });
-    mMailbox->remove(serverEvent(QStringLiteral("gone there")));
-    mMailbox->removeFolder(mOldCalendar);
+    mailbox().remove(serverEvent(QStringLiteral("gone there")));
+    mailbox().removeFolder(mOldCalendar);
     ServerEvent fresh = weekly("new there", 0, 10);
     fresh.attach(QStringLiteral("agenda.txt"), "one, two");
-    mMailbox->addItem(
-        mMailbox->folderOfType(Simulator::CalendarFolder).id, Simulator::EventItem::make(fresh));
+    mailbox().addItem(
+        mailbox().folderOfType(Simulator::CalendarFolder).id, Simulator::EventItem::make(fresh));
 }
 
 void CrashPim::changeServerContacts()
 {
-    mMailbox->edit<Simulator::ContactItem>(serverContact(QStringLiteral("Ada")),
+    mailbox().edit<Simulator::ContactItem>(serverContact(QStringLiteral("Ada")),
         [](Contact &contact) { contact.setPicture(TestPictures::png(30)); });
-    mMailbox->remove(serverContact(QStringLiteral("Bob")));
-    mMailbox->removeFolder(mOldContacts);
-    mMailbox->addItem(mMailbox->folderOfType(Simulator::ContactsFolder).id,
+    mailbox().remove(serverContact(QStringLiteral("Bob")));
+    mailbox().removeFolder(mOldContacts);
+    mailbox().addItem(mailbox().folderOfType(Simulator::ContactsFolder).id,
         Simulator::ContactItem::make(contact("Flo").setPicture(TestPictures::png(40))));
 }
 
@@ -293,7 +286,7 @@ void CrashPim::changeDeviceCalendar() const
     const QDateTime now = Clock::instance().currentDateTimeUtc().addSecs(EditDelay);
     DeviceCalendar device;
     // By name, before the one that the server removes.
-    const QString notebook = device.notebooksOf(mAccountId).value(0);
+    const QString notebook = device.notebooksOf(accountId()).value(0);
 
     const DeviceEvent::Ptr fresh(new DeviceEvent);
     fresh->setSummary(QStringLiteral("new here"));
@@ -322,41 +315,41 @@ void CrashPim::changeDeviceContacts() const
 {
     const std::unique_ptr<QContactManager> manager(ContactStoreManager::create(nullptr));
     QContact fresh = ContactFixture::named(QStringLiteral("Gus"));
-    fresh.setCollectionId(defaultCollection(*manager, mAccountId));
+    fresh.setCollectionId(defaultCollection(*manager, accountId()));
     setPicture(fresh, "gus.png", 50);
     manager->saveContact(&fresh);
 
-    QContact edited = deviceContact(*manager, mAccountId, "Cyd");
+    QContact edited = deviceContact(*manager, accountId(), "Cyd");
     QContactName name = edited.detail<QContactName>();
     name.setLastName(QStringLiteral("Changed"));
     edited.saveDetail(&name);
     setPicture(edited, "cyd.png", 60);
     manager->saveContact(&edited);
 
-    manager->removeContact(deviceContact(*manager, mAccountId, "Dan").id());
+    manager->removeContact(deviceContact(*manager, accountId(), "Dan").id());
 }
 
 QString CrashPim::wrongState() const
 {
     using StoreCheck::difference;
     return difference(
-               "events of the device", lines(PimListing::deviceEvents(mAccountId)), lines(mWantedEvents))
-        + difference("events of the server", lines(PimListing::serverEvents(*mMailbox)), lines(mWantedEvents))
+               "events of the device", lines(PimListing::deviceEvents(accountId())), lines(mWantedEvents))
+        + difference("events of the server", lines(PimListing::serverEvents(mailbox())), lines(mWantedEvents))
         + difference(
-            "contacts of the device", lines(PimListing::deviceContacts(mAccountId)), lines(mWantedContacts))
+            "contacts of the device", lines(PimListing::deviceContacts(accountId())), lines(mWantedContacts))
         + difference(
-            "contacts of the server", lines(PimListing::serverContacts(*mMailbox)), lines(mWantedContacts));
+            "contacts of the server", lines(PimListing::serverContacts(mailbox())), lines(mWantedContacts));
 }
 
 QString CrashPim::wrongStores() const
 {
     QStringList events;
-    const DeviceEvent::List series = DeviceCalendar().series(mAccountId);
+    const DeviceEvent::List series = DeviceCalendar().series(accountId());
     for (const DeviceEvent::Ptr &event : series)
         events.append(event->uid());
     QStringList contacts;
     const std::unique_ptr<QContactManager> manager(ContactStoreManager::create(nullptr));
-    const QList<QContact> present = PimListing::contactsOf(*manager, mAccountId);
+    const QList<QContact> present = PimListing::contactsOf(*manager, accountId());
     for (const QContact &contact : present)
         contacts.append(contact.id().toString());
     QStringList everywhere;
@@ -369,7 +362,7 @@ QString CrashPim::wrongStores() const
         + wrongRows("calendar", itemsOf(Simulator::CalendarFolder, Simulator::UserCalendarFolder), events)
         + wrongRows("contacts", itemsOf(Simulator::ContactsFolder, Simulator::UserContactsFolder), contacts)
         + wrongAttachments()
-        + StoreCheck::difference("pictures of no contact", PimListing::orphanPictures(mAccountId), {})
+        + StoreCheck::difference("pictures of no contact", PimListing::orphanPictures(accountId()), {})
         + StoreCheck::damage(calendarFile())
         + StoreCheck::damage(qEnvironmentVariable("CONTACTS_DATA") + QStringLiteral("/contacts.db"));
 }
@@ -377,10 +370,10 @@ QString CrashPim::wrongStores() const
 QVector<Simulator::ItemEntry> CrashPim::itemsOf(int folderType, int userFolderType) const
 {
     QVector<Simulator::ItemEntry> items;
-    const auto folders = mMailbox->folders();
+    const auto folders = mailbox().folders();
     for (const Simulator::MailFolder &folder : folders) {
         if (folder.type == folderType || folder.type == userFolderType)
-            items += mMailbox->items(folder.id);
+            items += mailbox().items(folder.id);
     }
     return items;
 }
@@ -392,7 +385,7 @@ QString CrashPim::wrongRows(
         return StoreCheck::ask(StoreCheck::mappingFile(),
             QStringLiteral("SELECT %1 FROM %2 WHERE account_id = %3")
                 .arg(text(column), text(table))
-                .arg(mAccountId));
+                .arg(accountId()));
     };
     QStringList serverIds;
     for (const Simulator::ItemEntry &entry : items)
@@ -407,17 +400,18 @@ QString CrashPim::wrongAttachments() const
 {
     // Before 16.0 devices do not see them.
     QStringList ofServer;
+    const bool hasAttachments = version() >= QLatin1String("16.0");
     const auto items = itemsOf(Simulator::CalendarFolder, Simulator::UserCalendarFolder);
     for (const Simulator::ItemEntry &entry : items) {
         const auto item = std::dynamic_pointer_cast<const Simulator::EventItem>(entry.item);
         for (const Simulator::EventAttachment &attachment :
-            mHasAttachments ? item->value().attachments : QVector<Simulator::EventAttachment>())
+            hasAttachments ? item->value().attachments : QVector<Simulator::EventAttachment>())
             ofServer.append(item->value().subject + QStringLiteral(": ") + attachment.name);
     }
     QStringList ofDevice;
     QStringList references;
     const DeviceCalendar device;
-    const DeviceEvent::List series = device.series(mAccountId);
+    const DeviceEvent::List series = device.series(accountId());
     for (const DeviceEvent::Ptr &event : series) {
         const KCalendarCore::Attachment::List attachments = event->attachments();
         for (const KCalendarCore::Attachment &attachment : attachments) {

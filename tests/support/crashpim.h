@@ -1,28 +1,27 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
-#include "common/easaccountid.h"
 #include "simulator/mailbox.h"
+#include "support/crashscene.h"
 #include "support/pimlisting.h"
 
 /**
- * Events and contacts of a device and its server in the middle of a fault: what is there at first, what both
- * sides do to it, and whether all of that is found on both sides at the end.
+ * Events and contacts in the middle of a fault.
  *
  * What has to be there at the end is taken from both sides before the sync with the fault: a name that the
  * server has edited as the server has it, every other one as the device has it.
  */
-class CrashPim
+class CrashPim : public CrashScene
 {
 public:
     /** Names of files in which a death leaves something behind; for FaultShim. */
     static QStringList durableFiles();
 
-    /** Removes all events, contacts and pictures of the device. */
-    static void clearDevice();
+    void clearDevice() const override;
+    void fillMailbox() override;
+    QString wrongState() const override;
+    QString wrongStores() const override;
 
-    void begin(EasAccountId accountId, Simulator::Mailbox &mailbox, const QString &version);
-    void fillMailbox();
     /** Edits on both sides, of different items. */
     void changeBothSides();
     /** More new contacts on the device than one Sync carries, besides the other edits of both sides. */
@@ -30,11 +29,6 @@ public:
     enum Besides { Alone, AndWhatIsNewHere };
     /** After a new start with the server, which brings back what the device has changed. */
     void wantServersEdits(Besides besides);
-
-    /** Empty if both sides are as they have to be. */
-    QString wrongState() const;
-    /** Empty if the mapping names what is in the stores, and the stores' files are whole. */
-    QString wrongStores() const;
 
 private:
     using Listing = PimListing::Listing;
@@ -53,9 +47,6 @@ private:
         const char *table, const QVector<Simulator::ItemEntry> &items, QStringList localIds) const;
     QString wrongAttachments() const;
 
-    EasAccountId mAccountId = 0;
-    bool mHasAttachments = false;
-    Simulator::Mailbox *mMailbox = nullptr;
     // Folders with items, which the server removes.
     QString mOldCalendar;
     QString mOldContacts;

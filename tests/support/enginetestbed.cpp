@@ -44,14 +44,14 @@ bool EngineTestBed::start(const AccountOptions &options)
 void EngineTestBed::startEngine()
 {
     // The engine ends by itself when it finds no account after a while; that while has to be the real one.
-    mClock.setFast(false);
+    mClock.setPace(TestClock::Unhurried);
     RequestManager::initializeInstance(static_cast<QObject *>(nullptr));
     RequestManager *manager = RequestManager::instance();
     connect(manager, &RequestManager::requestFinished, this,
         [this](EasAccountId, qulonglong requestId, int status) { mFinished.insert(requestId, status); });
     manager->init();
     QVERIFY(Waiting::until([&] { return manager->isReady() && manager->account(mAccountId); }, mPatience));
-    mClock.setFast(true);
+    mClock.setPace(TestClock::Hurried);
 }
 
 void EngineTestBed::stopEngine()

@@ -3,8 +3,8 @@
 
 #include "common/easaccountid.h"
 #include "support/accountfactory.h"
-#include "support/fastclock.h"
 #include "support/privatebus.h"
+#include "support/testclock.h"
 
 #include <QObject>
 #include <QStringList>
@@ -32,7 +32,7 @@ public:
     bool isReady() const { return mAccountId != 0; }
     EasAccountId accountId() const { return mAccountId; }
     AccountFactory &accounts() { return mAccounts; }
-    FastClock &clock() { return mClock; }
+    TestClock &clock() { return mClock; }
     /** How long a request may take; a minute at first. */
     void setPatience(int milliseconds) { mPatience = milliseconds; }
 
@@ -82,7 +82,7 @@ private:
 
     // The account library wants a bus before anything of it is made.
     bool mHasBus = PrivateBus::ensure();
-    FastClock mClock;
+    TestClock mClock { TestClock::Hurried };
     AccountFactory mAccounts;
     EasAccountId mAccountId = 0;
     int mPatience = 180000;

@@ -14,10 +14,7 @@ RequestBed::RequestBed(const QStringList &commands)
     , calendar(QSharedPointer<StubCalendarStorage>::create())
     , contacts(QSharedPointer<StubContactStorage>::create())
 {
-    static int counter = 0;
     Bearer::connectNetwork();
-    const QByteArray path = "request-databases/" + QByteArray::number(++counter) + '/';
-    EasDatabase::initializeInstance(nullptr, path.constData(), "mapping.db");
     manager = ScriptedManager::install();
     account = manager->addAccount(Account);
     account->negotiated(commands);
@@ -31,7 +28,6 @@ RequestBed::RequestBed(const QStringList &commands)
 RequestBed::~RequestBed()
 {
     ScriptedManager::uninstall();
-    EasDatabase::releaseInstance();
 }
 
 bool RequestBed::isOnline() const

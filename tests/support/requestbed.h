@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
-#include "support/scriptedclock.h"
+#include "support/databasefixture.h"
 #include "support/scriptedmanager.h"
 #include "support/scriptedserver.h"
 #include "support/stubcalendarstorage.h"
 #include "support/stubcontactstorage.h"
 #include "support/stubmailstorage.h"
+#include "support/testclock.h"
 
 /**
  * What a request by itself needs around it: a network, a server of prepared answers, a mapping database of
@@ -37,7 +38,8 @@ public:
     /** Runs a request to its end; its status, -1000 without an end and -1001 with more than one. */
     static int run(Request &request);
 
-    ScriptedClock clock;
+    TestClock clock;
+    const DatabaseFixture database { DatabaseFixture::Opened };
     ScriptedServer server;
     ScriptedManager *manager;
     FakeAccount *account;

@@ -52,6 +52,13 @@ ScriptedManager::ScriptedManager()
 
 ScriptedManager::~ScriptedManager() = default;
 
+EasAccount *ScriptedManager::account(EasAccountId id) const
+{
+    if (EasAccount *const presented = mPresented.value(id))
+        return presented;
+    return mPresentedStorage ? mPresentedStorage->account(id) : RequestManager::account(id);
+}
+
 ScriptedManager *ScriptedManager::install()
 {
     auto *const manager = new ScriptedManager;

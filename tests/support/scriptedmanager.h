@@ -6,7 +6,8 @@
 #include "storages/accountstorage.h"
 #include "support/fakeaccount.h"
 
-#include <memory>
+#include <QHash>
+#include <QPointer>
 
 /** A table of scripted accounts. */
 class ScriptedAccountStorage : public AccountStorage
@@ -49,8 +50,9 @@ public:
 };
 
 /**
- * The request manager without a service thread, over scripted accounts. It is the process's instance from
- * install() until uninstall(). With `network` set, that one stands in for the real network manager.
+ * The request manager without a service thread, over scripted accounts or over those that a test has made. It
+ * is the process's instance from install() until uninstall(). With `network` set, that one stands in for the
+ * real network manager.
  */
 class ScriptedManager : public RequestManager
 {
@@ -63,11 +65,19 @@ public:
     ~ScriptedManager() override;
 
     NetworkManager *networkManager() override { return network ? network : RequestManager::networkManager(); }
+    EasAccount *account(EasAccountId id) const override;
     FakeAccount *addAccount(EasAccountId id) { return storage->add(id); }
+    /** An account of the test's own, found by its identifier as long as it lives. */
+    void present(EasAccount *account) { mPresented.insert(account->id(), account); }
+    /** The accounts are those of this storage, as long as it lives. */
+    void present(AccountStorage *accounts) { mPresentedStorage = accounts; }
 
     NetworkManager *network = nullptr;
     ScriptedAccountStorage *storage = nullptr;
 
 private:
     ScriptedManager();
+
+    QHash<EasAccountId, QPointer<EasAccount>> mPresented;
+    QPointer<AccountStorage> mPresentedStorage;
 };

@@ -1,14 +1,19 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 // Linked with the daemon's own main(): it runs as it is, but waits milliseconds where a device waits seconds.
-#include "support/fastclock.h"
+#include "support/testclock.h"
 
 #include <QThread>
 
 namespace {
 
-class DaemonClock : public FastClock
+class DaemonClock : public TestClock
 {
 public:
+    DaemonClock()
+        : TestClock(Hurried)
+    {
+    }
+
     int timerInterval(int milliseconds, Timer timer) const override
     {
         // The check for accounts is set up before the event loop runs, and ends the process if it comes
@@ -18,7 +23,7 @@ public:
             return 20;
         if (timer == Timer::SignOnAnswer && qEnvironmentVariableIsSet("FENNEL_TEST_IMPATIENT_SIGN_ON"))
             return 1;
-        return starting ? milliseconds : FastClock::timerInterval(milliseconds, timer);
+        return starting ? milliseconds : TestClock::timerInterval(milliseconds, timer);
     }
 };
 

@@ -6,13 +6,14 @@
 #include <QStringList>
 
 /**
- * A mapping database of a test's own: a file below the home folder that the test can prepare by hand before
- * EasDatabase opens it, and look into afterwards, over a connection of its own.
+ * A mapping database of a test's own: a file below the home folder, which is the engine's while this lives. A
+ * test can prepare it by hand before EasDatabase opens it, and look into it over a connection of its own.
  */
 class DatabaseFixture
 {
 public:
-    DatabaseFixture();
+    enum Begin { Closed, Opened };
+    explicit DatabaseFixture(Begin begin = Closed);
     ~DatabaseFixture();
     Q_DISABLE_COPY(DatabaseFixture)
 
@@ -29,6 +30,8 @@ public:
 
     /** Runs statements by hand; a failure fails the test. */
     void execute(const QStringList &statements) const;
+    /** No statement of a kind succeeds on that table any more: "INSERT", "UPDATE", "DELETE". */
+    void refuse(const char *kind, const char *table) const;
     /** The rows of a query, values joined by "|", NULL as "NULL". */
     QStringList rows(const QString &query) const;
     /** Everything in the file: the schema, and the rows of every table. */

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
-#include "application/databasefixture.h"
+#include "support/databasefixture.h"
 
 #include "application/mapping/easdatabase.h"
 
@@ -50,10 +50,12 @@ private:
 
 } // namespace
 
-DatabaseFixture::DatabaseFixture()
+DatabaseFixture::DatabaseFixture(Begin begin)
 {
     static int counter = 0;
     mPath = QByteArray("databases/") + QByteArray::number(++counter) + '/';
+    if (begin == Opened)
+        open();
 }
 
 DatabaseFixture::~DatabaseFixture()
@@ -98,6 +100,13 @@ void DatabaseFixture::execute(const QStringList &statements) const
     const ByHand connection(file());
     for (const QString &statement : statements)
         connection.run(statement);
+}
+
+void DatabaseFixture::refuse(const char *kind, const char *table) const
+{
+    execute(
+        { QStringLiteral("CREATE TRIGGER refuse BEFORE %1 ON %2 BEGIN SELECT RAISE(ABORT, 'refused'); END")
+                .arg(QLatin1String(kind), QLatin1String(table)) });
 }
 
 QStringList DatabaseFixture::rows(const QString &query) const
