@@ -3,6 +3,8 @@
 
 #include "client/accountcommands.h"
 #include "client/attachmentcommands.h"
+#include "client/availabilitycommand.h"
+#include "client/awaycommands.h"
 #include "client/contactcommands.h"
 #include "client/eventcommands.h"
 #include "client/foldercommands.h"
@@ -156,6 +158,16 @@ const QList<Command> &CommandTable::commands()
             ContactCommands::exportCards },
         { "contact import", "FILE [--folder NAME]",
             "add the contacts of a vCard file; - reads standard input", ContactCommands::importCards },
+        { "away show", "[ACCOUNT]", "whether the server answers mail in your absence, and what",
+            AwayCommands::show },
+        { "away set",
+            "[--from TIME|DAY] [--to TIME|DAY] [--message TEXT|--message-file FILE] "
+            "[--external known|all|off] [--external-message TEXT|--external-message-file FILE]",
+            "have the server answer mail in your absence; - as FILE reads standard input",
+            AwayCommands::set },
+        { "away off", "[ACCOUNT]", "stop that", AwayCommands::off },
+        { "availability", "ADDRESS ... [--from TIME|DAY] [--to TIME|DAY]",
+            "when people are free and when not; today unless told otherwise", AvailabilityCommand::show },
         { "status", "", "the accounts, what the device holds of them, and whether the daemon runs",
             StatusCommand::print },
         { "watch", "", "print every signal of the daemon as it comes", SyncCommands::watch },

@@ -11,6 +11,7 @@
 #include <QDBusConnection>
 #include <QDBusPendingCallWatcher>
 #include <QDBusServiceWatcher>
+#include <QDateTime>
 
 #include <utility>
 
@@ -25,6 +26,9 @@ DaemonRequest::DaemonRequest(EasAccountId accountId)
         &DaemonRequest::onProvisionFinished);
     connect(
         mProxy.get(), &EasDBusInterfaceProxy::policyDocumentReceived, this, &DaemonRequest::onPolicyDocument);
+    connect(mProxy.get(), &EasDBusInterfaceProxy::getOofFinished, this, &DaemonRequest::onOofState);
+    connect(mProxy.get(), &EasDBusInterfaceProxy::attendeesAvailableDataReady, this,
+        &DaemonRequest::onAvailability);
 }
 
 DaemonRequest::~DaemonRequest() = default;
@@ -115,6 +119,39 @@ void DaemonRequest::onProvisionFinished(
     ifMine(accountId, requestId, [this, status, failed, policyStatus] {
         Q_EMIT policyJudged(failed, policyStatus);
         finish(status);
+    });
+}
+
+void DaemonRequest::onOofState(qulonglong accountId, qulonglong requestId, bool enabled,
+    bool timeRangeEnabled, const QString &startTime, const QString &endTime, const QString &internalMessage,
+    bool externalMessageEnabled, bool externalMessageToAnyone, const QString &externalMessage)
+{
+    EasOofContainer state;
+    state.setOofEnabled(enabled);
+    state.setTimeRangeEnabled(timeRangeEnabled);
+    state.setStartTime(QDateTime::fromString(startTime, Qt::ISODate));
+    state.setEndTime(QDateTime::fromString(endTime, Qt::ISODate));
+    state.setInternalMessage(internalMessage);
+    state.setExternalMessageEnabled(externalMessageEnabled);
+    state.setExternalMessageToAnyone(externalMessageToAnyone);
+    state.setExternalMessage(externalMessage);
+    ifMine(accountId, requestId, [this, state] { Q_EMIT oofStateReceived(state); });
+}
+
+void DaemonRequest::onAvailability(
+    qulonglong requestId, const QStringList &emails, const QStringList &names, const QStringList &statuses)
+{
+    // The one signal that does not name the account.
+    ifMine(mAccountId, requestId, [this, emails, names, statuses] {
+        if (!emails.isEmpty()) {
+            Q_EMIT availabilityReceived(emails, names, statuses);
+            return end(ExitSuccess, QString());
+        }
+        if (mIsToBeCancelled)
+            return end(ExitCancelled, QStringLiteral("cancelled"));
+        end(ExitFailure,
+            QStringLiteral("The server tells nothing of these people, or it could not be asked. The daemon's "
+                           "log tells more (fennel-easctl log info)."));
     });
 }
 

@@ -3,11 +3,13 @@
 
 #include "common/easaccountid.h"
 #include "common/failedpolicymap.h"
+#include "easitems/containers/easoofcontainer.h"
 
 #include <QDBusPendingReply>
 #include <QJsonObject>
 #include <QMap>
 #include <QObject>
+#include <QStringList>
 #include <QVariantMap>
 
 #include <functional>
@@ -58,6 +60,11 @@ Q_SIGNALS:
     void policyReceived(const QVariantMap &document);
     /** What the device fails of the policy, and what became of it; before ended(). */
     void policyJudged(const FailedPolicyMap &failed, int policyStatus);
+    /** The out-of-office settings that were asked for; before ended(). */
+    void oofStateReceived(const EasOofContainer &state);
+    /** One entry a person in each list; before ended(). Empty lists tell of a failure, and do not come. */
+    void availabilityReceived(
+        const QStringList &emails, const QStringList &names, const QStringList &statuses);
     void ended();
 
 private Q_SLOTS:
@@ -65,6 +72,11 @@ private Q_SLOTS:
     void onProgress(qulonglong accountId, qulonglong requestId, qlonglong maximum, qlonglong current);
     void onSyncStarted(qulonglong accountId, qulonglong requestId);
     void onPolicyDocument(qulonglong accountId, qulonglong requestId, const QVariantMap &document);
+    void onOofState(qulonglong accountId, qulonglong requestId, bool enabled, bool timeRangeEnabled,
+        const QString &startTime, const QString &endTime, const QString &internalMessage,
+        bool externalMessageEnabled, bool externalMessageToAnyone, const QString &externalMessage);
+    void onAvailability(qulonglong requestId, const QStringList &emails, const QStringList &names,
+        const QStringList &statuses);
     void onProvisionFinished(qulonglong accountId, qulonglong requestId, int status,
         const FailedPolicyMap &failed, int policyStatus);
 

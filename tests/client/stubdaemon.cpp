@@ -28,7 +28,7 @@ void StubDaemon::note(const QString &call)
     Q_EMIT called();
 }
 
-qulonglong StubDaemon::begin(const QString &call, qulonglong accountId)
+qulonglong StubDaemon::begin(const QString &call, qulonglong accountId, const End &end)
 {
     note(call);
     if (mStatus == Silent) {
@@ -36,6 +36,8 @@ qulonglong StubDaemon::begin(const QString &call, qulonglong accountId)
         return 0;
     }
     const qulonglong request = ++mLast;
+    if (end)
+        mEnds.insert(request, end);
     if (call.startsWith(QLatin1String("provisionPolicy")))
         mPolicyRequests.insert(request);
     if (mIsHasty)
@@ -57,7 +59,9 @@ void StubDaemon::tell(qulonglong accountId, qulonglong requestId)
 
 void StubDaemon::end(qulonglong accountId, qulonglong requestId, int status)
 {
-    if (!mPolicyRequests.remove(requestId))
+    if (const End ownEnd = mEnds.take(requestId))
+        ownEnd(accountId, requestId, status);
+    else if (!mPolicyRequests.remove(requestId))
         Q_EMIT requestFinished(accountId, requestId, status);
     else
         Q_EMIT provisionRequestFinished(accountId, requestId, status, mFailed, mPolicyStatus);
@@ -73,6 +77,58 @@ void StubDaemon::setPolicy(const QVariantMap &document, const FailedPolicyMap &f
     mDocument = document;
     mFailed = failed;
     mPolicyStatus = policyStatus;
+}
+
+void StubDaemon::endOofRead(qulonglong accountId, qulonglong requestId, int status)
+{
+    if (status == 0)
+        Q_EMIT getOofFinished(accountId, requestId, mOof.oofEnabled(), mOof.timeRangeEnabled(),
+            mOof.startTime().toString(Qt::ISODate), mOof.endTime().toString(Qt::ISODate),
+            mOof.internalMessage(), mOof.externalMessageEnabled(), mOof.externalMessageToAnyone(),
+            mOof.externalMessage());
+    Q_EMIT requestFinished(accountId, requestId, status);
+}
+
+qulonglong StubDaemon::getOofState(qulonglong accountId)
+{
+    return begin(QStringLiteral("getOofState %1").arg(accountId), accountId,
+        [this](qulonglong account, qulonglong request, int status) { endOofRead(account, request, status); });
+}
+
+qulonglong StubDaemon::setOofState(qulonglong accountId, bool enabled, bool timeRangeEnabled,
+    const QString &startTime, const QString &endTime, const QString &internalMessage,
+    bool externalMessageEnabled, bool externalMessageToAnyone, const QString &externalMessage)
+{
+    mOof.setOofEnabled(enabled);
+    mOof.setTimeRangeEnabled(timeRangeEnabled);
+    mOof.setStartTime(QDateTime::fromString(startTime, Qt::ISODate));
+    mOof.setEndTime(QDateTime::fromString(endTime, Qt::ISODate));
+    mOof.setInternalMessage(internalMessage);
+    mOof.setExternalMessageEnabled(externalMessageEnabled);
+    mOof.setExternalMessageToAnyone(externalMessageToAnyone);
+    mOof.setExternalMessage(externalMessage);
+    return begin(QStringLiteral("setOofState %1").arg(accountId), accountId);
+}
+
+void StubDaemon::setAvailability(
+    const QStringList &emails, const QStringList &names, const QStringList &statuses)
+{
+    mEmails = emails;
+    mNames = names;
+    mStatuses = statuses;
+}
+
+qulonglong StubDaemon::attendeesAvailable(
+    qulonglong accountId, const QString &emailAddresses, const QString &startTime, const QString &endTime)
+{
+    const QString call = QStringLiteral("attendeesAvailable %1 ").arg(accountId) + emailAddresses
+        + QStringLiteral(" %1 %2").arg(startTime, endTime);
+    return begin(call, accountId, [this](qulonglong, qulonglong request, int status) {
+        if (status == 0)
+            Q_EMIT attendeesAvailableDataReady(request, mEmails, mNames, mStatuses);
+        else
+            Q_EMIT attendeesAvailableDataReady(request, {}, {}, {});
+    });
 }
 
 qulonglong StubDaemon::sync(qulonglong accountId)

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "common/failedpolicymap.h"
+#include "easitems/containers/easoofcontainer.h"
 
 #include <QDBusContext>
 #include <QMap>
@@ -9,6 +10,8 @@
 #include <QSet>
 #include <QStringList>
 #include <QVariantMap>
+
+#include <functional>
 
 /**
  * The daemon as clients see it on the bus, in the test process: notes what it is asked for and ends each
@@ -40,6 +43,11 @@ public:
     void setPushState(qulonglong accountId, const QVariantMap &state);
     /** What provisionPolicy() brings: the document, unless it is empty, what fails, and what became of it. */
     void setPolicy(const QVariantMap &document, const FailedPolicyMap &failed, int policyStatus);
+    /** What getOofState() brings, and setOofState() has left. */
+    void setOof(const EasOofContainer &state) { mOof = state; }
+    const EasOofContainer &oof() const { return mOof; }
+    /** What attendeesAvailable() brings; empty lists at first. */
+    void setAvailability(const QStringList &emails, const QStringList &names, const QStringList &statuses);
     /** Ends a request that stays open. */
     void end(qulonglong accountId, qulonglong requestId, int status);
 
@@ -58,6 +66,12 @@ public Q_SLOTS:
     Q_SCRIPTABLE qulonglong downloadMessages(
         qulonglong accountId, const QList<qulonglong> &messageIds, bool fullContentDownload);
     Q_SCRIPTABLE qulonglong provisionPolicy(qulonglong accountId);
+    Q_SCRIPTABLE qulonglong getOofState(qulonglong accountId);
+    Q_SCRIPTABLE qulonglong setOofState(qulonglong accountId, bool enabled, bool timeRangeEnabled,
+        const QString &startTime, const QString &endTime, const QString &internalMessage,
+        bool externalMessageEnabled, bool externalMessageToAnyone, const QString &externalMessage);
+    Q_SCRIPTABLE qulonglong attendeesAvailable(qulonglong accountId, const QString &emailAddresses,
+        const QString &startTime, const QString &endTime);
     Q_SCRIPTABLE QVariantMap pushState(qulonglong accountId);
     Q_SCRIPTABLE void cancelRequest(qulonglong accountId, qulonglong requestId);
     Q_SCRIPTABLE void reconfig();
@@ -70,12 +84,22 @@ Q_SIGNALS:
         qulonglong accountId, qulonglong requestId, const QVariantMap &policies);
     Q_SCRIPTABLE void provisionRequestFinished(qulonglong accountId, qulonglong requestId, int status,
         const FailedPolicyMap &provisionPolicy, int policyStatus);
+    Q_SCRIPTABLE void getOofFinished(qulonglong accountId, qulonglong requestId, bool enabled,
+        bool timeRangeEnabled, const QString &startTime, const QString &endTime,
+        const QString &internalMessage, bool externalMessageEnabled, bool externalMessageToAnyone,
+        const QString &externalMessage);
+    Q_SCRIPTABLE void attendeesAvailableDataReady(qulonglong requestId, const QStringList &emails,
+        const QStringList &names, const QStringList &statuses);
     Q_SCRIPTABLE void pushStateChanged(qulonglong accountId, const QVariantMap &state);
     /** For the test, not for the bus. */
     void called();
 
 private:
-    qulonglong begin(const QString &call, qulonglong accountId);
+    using End = std::function<void(qulonglong accountId, qulonglong requestId, int status)>;
+
+    /** A request that ends with requestFinished(), unless it is given another end. */
+    qulonglong begin(const QString &call, qulonglong accountId, const End &end = {});
+    void endOofRead(qulonglong accountId, qulonglong requestId, int status);
     void tell(qulonglong accountId, qulonglong requestId);
     void note(const QString &call);
 
@@ -90,4 +114,9 @@ private:
     QVariantMap mDocument;
     FailedPolicyMap mFailed;
     int mPolicyStatus = 1;
+    EasOofContainer mOof;
+    QStringList mEmails;
+    QStringList mNames;
+    QStringList mStatuses;
+    QMap<qulonglong, End> mEnds;
 };
