@@ -9,8 +9,10 @@
 #include "client/eventcommands.h"
 #include "client/foldercommands.h"
 #include "client/mailcommands.h"
+#include "client/outboxcommand.h"
 #include "client/policycommands.h"
 #include "client/pushcommands.h"
+#include "client/sendcommands.h"
 #include "client/statuscommand.h"
 #include "client/synccommands.h"
 #include "client/wipecommands.h"
@@ -111,6 +113,16 @@ const QList<Command> &CommandTable::commands()
         { "mail get", "MESSAGE ... [--attachments]", "download whole messages", MailCommands::get },
         { "mail export", "MESSAGE [FILE] [--force]", "write a message as it is on the device",
             MailCommands::exportMessage },
+        { "mail send",
+            "[MESSAGE] [--to ADDRESS ...] [--cc ADDRESS ...] [--bcc ADDRESS ...] [--subject TEXT] "
+            "[--body FILE|--text TEXT] [--attach FILE ...] [--draft]",
+            "write and send a message, or send a draft", SendCommands::send },
+        { "mail reply", "MESSAGE [--reply-all] [--whole] [the options of mail send]", "answer a message",
+            SendCommands::reply },
+        { "mail forward", "MESSAGE [--whole] [the options of mail send]", "pass a message on with its files",
+            SendCommands::forward },
+        { "mail outbox", "[MESSAGE ...] [--retry|--to-drafts]",
+            "what waits to be sent and why; try again, or take it back", OutboxCommand::outbox },
         { "attachment save", "MESSAGE PART|--all [FILE|FOLDER|-] [--force]",
             "download and save an attachment, or all of them", AttachmentCommands::save },
         { "mark read", "MESSAGE ...|--folder FOLDER", "mark messages as read, or all of a folder",

@@ -203,3 +203,8 @@ bool MailBox::update(QMailMessageMetaData *message)
 {
     return told(QMailStore::instance()->updateMessage(message));
 }
+
+bool MailBox::update(QMailMessage *message)
+{
+    return told(QMailStore::instance()->updateMessage(message));
+}

@@ -67,6 +67,7 @@ public:
     /** Each is false, after an error was printed, if the store refused. */
     bool add(QMailMessage *message);
     bool update(QMailMessageMetaData *message);
+    bool update(QMailMessage *message);
 
 private:
     static QMailFolderIdList ancestry(const QMailFolderId &id);

@@ -93,17 +93,26 @@ bool appendParts(QMailMessage &message, const OutgoingMessage &outgoing)
     return true;
 }
 
+/** What the engine goes by; the store does not find it out. */
+void setContent(QMailMessage &message)
+{
+    if (message.multipartType() != QMailMessage::MultipartNone)
+        message.setContent(QMailMessage::MultipartContent);
+    else
+        message.setContent(
+            message.hasHtmlBody() ? QMailMessage::HtmlContent : QMailMessage::PlainTextContent);
+}
+
 /** False, after an error was printed, if a file cannot be read. */
 bool fill(QMailMessage &message, const OutgoingMessage &outgoing)
 {
     const bool hasFiles = !outgoing.files.isEmpty() || !outgoing.parts.isEmpty();
+    if (!hasFiles && !outgoing.isSourceAdded)
+        message.setBody(textBody(outgoing.text));
+    else if (!appendParts(message, outgoing))
+        return false;
     message.setStatus(QMailMessage::HasAttachments, hasFiles);
-    if (hasFiles || outgoing.isSourceAdded) {
-        message.setContent(QMailMessage::MultipartContent);
-        return appendParts(message, outgoing);
-    }
-    message.setContent(QMailMessage::PlainTextContent);
-    message.setBody(textBody(outgoing.text));
+    setContent(message);
     return true;
 }
 
@@ -126,20 +135,27 @@ MessageComposer::MessageComposer(CommandContext &context, EasAccountId accountId
         mFrom = QMailAddress(context.accounts().emailAddress(accountId));
 }
 
+void MessageComposer::addOwnHeaders(QMailMessage &message) const
+{
+    const auto messageId = QStringLiteral("Message-ID");
+    message.setMessageType(QMailMessage::Email);
+    message.setParentAccountId(QMailAccountId(mAccountId));
+    if (message.from().isNull() && !mFrom.isNull())
+        message.setFrom(mFrom);
+    if (message.headerFieldText(messageId).isEmpty())
+        message.setHeaderField(messageId, newMessageId(mFrom));
+    message.setDate(QMailTimeStamp::currentDateTime());
+    message.setReceivedDate(message.date());
+}
+
 QMailMessage MessageComposer::headed(const OutgoingMessage &outgoing) const
 {
     QMailMessage message;
-    message.setMessageType(QMailMessage::Email);
-    message.setParentAccountId(QMailAccountId(mAccountId));
-    if (!mFrom.isNull())
-        message.setFrom(mFrom);
+    addOwnHeaders(message);
     message.setTo(outgoing.to);
     message.setCc(outgoing.cc);
     message.setBcc(outgoing.bcc);
     message.setSubject(outgoing.subject);
-    message.setDate(QMailTimeStamp::currentDateTime());
-    message.setReceivedDate(message.date());
-    message.setHeaderField(QStringLiteral("Message-ID"), newMessageId(mFrom));
     setThread(message, outgoing);
     return message;
 }
@@ -148,8 +164,22 @@ QMailMessageId MessageComposer::store(
     const OutgoingMessage &outgoing, QMailFolder::StandardFolder place) const
 {
     QMailMessage message = headed(outgoing);
-    if (!fill(message, outgoing))
-        return {};
+    return fill(message, outgoing) ? add(message, place) : QMailMessageId();
+}
+
+QMailMessageId MessageComposer::storeCopy(
+    const QMailMessage &written, QMailFolder::StandardFolder place) const
+{
+    QMailMessage message = QMailMessage::fromRfc2822(written.toRfc2822(QMailMessage::IdentityFormat));
+    addOwnHeaders(message);
+    message.setResponseType(written.responseType());
+    message.setInResponseTo(written.inResponseTo());
+    setContent(message);
+    return add(message, place);
+}
+
+QMailMessageId MessageComposer::add(QMailMessage &message, QMailFolder::StandardFolder place) const
+{
     message.setSize(sizeOf(message));
     message.setStatus(QMailMessage::ContentAvailable | QMailMessage::PartialContentAvailable, true);
     // Read here as on the server, which does not know it: no mark is to go up.

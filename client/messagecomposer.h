@@ -27,8 +27,13 @@ public:
      */
     QMailMessageId store(const OutgoingMessage &outgoing, QMailFolder::StandardFolder place) const;
 
+    /** The same for a message as it was written elsewhere, which the store has and keeps. */
+    QMailMessageId storeCopy(const QMailMessage &written, QMailFolder::StandardFolder place) const;
+
 private:
     QMailMessage headed(const OutgoingMessage &outgoing) const;
+    void addOwnHeaders(QMailMessage &message) const;
+    QMailMessageId add(QMailMessage &message, QMailFolder::StandardFolder place) const;
 
     EasAccountId mAccountId;
     QMailAddress mFrom;

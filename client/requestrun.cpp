@@ -31,9 +31,10 @@ RequestRun::RequestRun(CommandContext &context)
 
 RequestRun::~RequestRun() = default;
 
-DaemonRequest &RequestRun::add(EasAccountId accountId, DaemonRequest::Call call)
+DaemonRequest &RequestRun::add(EasAccountId accountId, DaemonRequest::Call call, const QString &purpose)
 {
-    mEntries.push_back({ std::make_unique<DaemonRequest>(accountId), std::move(call) });
+    mEntries.push_back({ std::make_unique<DaemonRequest>(accountId), std::move(call),
+        purpose.isEmpty() ? QStringLiteral("account %1").arg(accountId) : purpose });
     DaemonRequest &request = *mEntries.back().request;
     connect(&request, &DaemonRequest::ended, this, &RequestRun::onEnded);
     connect(&request, &DaemonRequest::atWork, this, &RequestRun::showWaiting);
@@ -74,9 +75,7 @@ int RequestRun::report() const
         const int judged = judge(*entry.request, &error);
         if (judged == ExitSuccess)
             continue;
-        Output::error(mEntries.size() == 1
-                ? error
-                : QStringLiteral("account %1: %2").arg(entry.request->accountId()).arg(error));
+        Output::error(mEntries.size() == 1 ? error : QStringLiteral("%1: %2").arg(entry.purpose, error));
         if (result == ExitSuccess)
             result = judged;
     }
@@ -86,6 +85,8 @@ int RequestRun::report() const
 int RequestRun::judge(const DaemonRequest &request, QString *error) const
 {
     *error = request.error();
+    if (request.exitStatus() == ExitFailure && mAccepted.contains(request.status()))
+        return ExitSuccess;
     if (request.exitStatus() == ExitFailure && mExplanations.contains(request.status()))
         *error = StatusText::withName(mExplanations.value(request.status()), request.status());
     // The engine has one status for what was cancelled and for what it does not do for a blocked account.

@@ -6,6 +6,7 @@
 
 #include <QElapsedTimer>
 #include <QObject>
+#include <QSet>
 #include <QTimer>
 
 #include <memory>
@@ -31,10 +32,13 @@ public:
     /** How long the daemon has to end what was cancelled. */
     void setPatience(int milliseconds) { mPatience.setInterval(milliseconds); }
 
-    /** The request is this object's. */
-    DaemonRequest &add(EasAccountId accountId, DaemonRequest::Call call);
+    /** The request is this object's. Of several, errors begin with what each is for: the account unless it is
+     * told. */
+    DaemonRequest &add(EasAccountId accountId, DaemonRequest::Call call, const QString &purpose = QString());
     /** What a status means for these requests, in place of what it means in general. */
     void setExplanation(int status, const QString &sentence) { mExplanations.insert(status, sentence); }
+    /** A status that is no failure of these requests. */
+    void accept(int status) { mAccepted.insert(status); }
     /** Waits for the end of all; prints the errors of those that failed. The exit status of the first such.
      */
     int exec();
@@ -43,12 +47,15 @@ public:
     const DaemonRequest &first() const { return *mEntries.front().request; }
     /** In the order in which they were added. */
     QList<const DaemonRequest *> requests() const;
+    /** The exit status of a request that has ended, and why it failed. */
+    int judge(const DaemonRequest &request, QString *error) const;
 
 private:
     struct Entry
     {
         std::unique_ptr<DaemonRequest> request;
         DaemonRequest::Call call;
+        QString purpose;
     };
 
     void onEnded();
@@ -56,12 +63,11 @@ private:
     void onPatienceEnded();
     void showWaiting();
     int report() const;
-    /** The exit status of a request that failed, and why. */
-    int judge(const DaemonRequest &request, QString *error) const;
 
     CommandContext &mContext;
     std::vector<Entry> mEntries;
     QMap<int, QString> mExplanations;
+    QSet<int> mAccepted;
     bool mIsInterrupted = false;
     ProgressLine mProgress;
     QTimer mPatience;

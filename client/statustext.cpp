@@ -41,6 +41,8 @@ constexpr Row rows[] = {
         "Nothing answers at the server's address and port. Check them with fennel-easctl account show." },
     { TransportBase + QNetworkReply::HostNotFoundError,
         "The server's host name is not known. Check its spelling." },
+    { TransportBase + QNetworkReply::RemoteHostClosedError,
+        "The connection broke before the server had answered. Try again later." },
     { TransportBase + QNetworkReply::TimeoutError, "The server did not answer in time. Try again later." },
     { TransportBase + QNetworkReply::SslHandshakeFailedError,
         "The server's certificate is not trusted. If it is your own server, allow it with "

@@ -53,8 +53,9 @@ void StubDaemon::tell(qulonglong accountId, qulonglong requestId)
     Q_EMIT syncStarted(accountId, requestId);
     if (mPolicyRequests.contains(requestId) && !mDocument.isEmpty())
         Q_EMIT policyDocumentReceived(accountId, requestId, mDocument);
-    if (mStatus < Open)
-        end(accountId, requestId, mStatus);
+    const int status = mOwnEnds.value(requestId, mStatus);
+    if (status < Open)
+        end(accountId, requestId, status);
 }
 
 void StubDaemon::end(qulonglong accountId, qulonglong requestId, int status)
@@ -65,6 +66,13 @@ void StubDaemon::end(qulonglong accountId, qulonglong requestId, int status)
         Q_EMIT requestFinished(accountId, requestId, status);
     else
         Q_EMIT provisionRequestFinished(accountId, requestId, status, mFailed, mPolicyStatus);
+}
+
+qulonglong StubDaemon::sendMail(qulonglong accountId, qulonglong messageId)
+{
+    if (mSender)
+        mOwnEnds.insert(mLast + 1, mSender(messageId));
+    return begin(QStringLiteral("sendMail %1 %2").arg(accountId).arg(messageId), accountId);
 }
 
 qulonglong StubDaemon::provisionPolicy(qulonglong accountId)

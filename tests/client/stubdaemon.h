@@ -48,6 +48,8 @@ public:
     const EasOofContainer &oof() const { return mOof; }
     /** What attendeesAvailable() brings; empty lists at first. */
     void setAvailability(const QStringList &emails, const QStringList &names, const QStringList &statuses);
+    /** What sendMail() does with a message, and the status that it then ends with. */
+    void setSender(const std::function<int(qulonglong messageId)> &sender) { mSender = sender; }
     /** Ends a request that stays open. */
     void end(qulonglong accountId, qulonglong requestId, int status);
 
@@ -65,6 +67,7 @@ public Q_SLOTS:
         qulonglong accountId, qulonglong messageId, const QString &location);
     Q_SCRIPTABLE qulonglong downloadMessages(
         qulonglong accountId, const QList<qulonglong> &messageIds, bool fullContentDownload);
+    Q_SCRIPTABLE qulonglong sendMail(qulonglong accountId, qulonglong messageId);
     Q_SCRIPTABLE qulonglong provisionPolicy(qulonglong accountId);
     Q_SCRIPTABLE qulonglong getOofState(qulonglong accountId);
     Q_SCRIPTABLE qulonglong setOofState(qulonglong accountId, bool enabled, bool timeRangeEnabled,
@@ -106,6 +109,9 @@ private:
     bool mIsServing = false;
     bool mIsHasty = false;
     int mStatus = 0;
+    std::function<int(qulonglong)> mSender;
+    /** The requests that end in a way of their own. */
+    QMap<qulonglong, int> mOwnEnds;
     qulonglong mLast = 0;
     QStringList mCalls;
     QMap<qulonglong, QVariantMap> mPushStates;

@@ -75,7 +75,9 @@ void ClientProcess::setColumns(unsigned short columns)
 
 void ClientProcess::setVariable(const QString &name, const QString &value)
 {
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    QProcessEnvironment environment = mProcess->processEnvironment();
+    if (environment.isEmpty())
+        environment = QProcessEnvironment::systemEnvironment();
     environment.insert(name, value);
     mProcess->setProcessEnvironment(environment);
 }

@@ -1,0 +1,82 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+#include "client/sendstatus.h"
+
+#include "client/exitstatus.h"
+#include "client/requestrun.h"
+#include "common/easrequeststatus.h"
+#include "protocol/base/eas.h"
+
+#include <QNetworkReply>
+
+#include <algorithm>
+#include <array>
+
+namespace {
+
+constexpr int TransportBase = 10000;
+
+struct Row
+{
+    int status;
+    const char *text;
+};
+
+constexpr Row rows[] = {
+    { EasRequestStatus::RequestStatusInternalError,
+        "The engine could not read the message from the mail store, or did not understand the server's "
+        "answer." },
+    { EasRequestStatus::RequestStatusServerStorageFull,
+        "The mailbox on the server is full. Free some space there, then send again." },
+    { EasRequestStatus::RequestStatusCommandNotSupported, "The server lets no mail be sent." },
+    { EasRequestStatus::RequestStatusMessageTooLarge,
+        "The message is too large for the server. Leave out attachments, or make them smaller." },
+    { Eas::CommonStatusInvalidContent, "The server does not take the message as it is written." },
+    { Eas::CommonStatusInvalidMime, "The server does not take the message as it is written." },
+    { Eas::CommonStatusMailboxServerOffline, "The server is down for this mailbox. Send again later." },
+    { Eas::CommonStatusSendQuotaExceeded,
+        "The server sends no more mail for this account for now. Send again later." },
+    { Eas::CommonStatusMessageRecipientUnresolved,
+        "The server does not know one of the recipients. Check their addresses." },
+    { Eas::CommonStatusMessageReplyNotAllowed, "The server does not let this message be answered." },
+    { Eas::CommonStatusMessagePreviouselySent, "The server has sent this message before, so not again." },
+    { Eas::CommonStatusMessageHasNoRecipient, "The server finds no recipient in the message." },
+    { Eas::CommonStatusMailSubmissionFailed,
+        "The server could not pass the message on. Check the addresses, or send again later." },
+    { Eas::CommonStatusMessageReplyFailed, "The server could not make the reply. Try --whole." },
+    { Eas::CommonStatusAttachmentTooLarge,
+        "An attachment is too large for the server. Leave it out, or make it smaller." },
+    { Eas::CommonStatusAccountSendDisabled, "The server lets this account send no mail." },
+};
+
+/** Ends at which the request may have reached the server and the answer has not come back. */
+constexpr std::array<int, 7> LostAnswers { EasRequestStatus::RequestStatusInternalError,
+    TransportBase + QNetworkReply::RemoteHostClosedError, TransportBase + QNetworkReply::TimeoutError,
+    TransportBase + QNetworkReply::TemporaryNetworkFailureError,
+    TransportBase + QNetworkReply::NetworkSessionFailedError,
+    TransportBase + QNetworkReply::UnknownNetworkError, TransportBase + QNetworkReply::ProtocolFailure };
+
+} // namespace
+
+void SendStatus::explain(RequestRun &run)
+{
+    for (const Row &row : rows)
+        run.setExplanation(row.status, QString::fromLatin1(row.text));
+    run.accept(Eas::CommonStatusItemNotFound);
+}
+
+bool SendStatus::isSentWhole(const DaemonRequest &request)
+{
+    return request.exitStatus() == ExitFailure && request.status() == Eas::CommonStatusItemNotFound;
+}
+
+bool SendStatus::mayHaveGone(const DaemonRequest &request)
+{
+    switch (request.exitStatus()) {
+    case ExitFailure:
+        return std::find(LostAnswers.cbegin(), LostAnswers.cend(), request.status()) != LostAnswers.cend();
+    case ExitUnavailable:
+        return request.isAtWork();
+    default:
+        return request.exitStatus() == ExitCancelled;
+    }
+}
