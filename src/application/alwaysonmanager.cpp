@@ -10,9 +10,6 @@
 #include "application/requestmanager.h"
 #include "protocol/base/eas.h"
 #include "requests/pingrequest.h"
-#include "storages/calendarstorage.h"
-#include "storages/contactstorage.h"
-#include "storages/mailstorage.h"
 
 #include <QNetworkSession>
 
@@ -20,8 +17,9 @@ AlwaysOnManager::AlwaysOnManager(EasAccountId accountId, QObject *parent)
     : QObject(parent)
     , mAccountId(accountId)
     , mManager(dynamic_cast<RequestManager *>(Engine::of(this)))
+    , mPing(accountId, mManager)
     , mPingTimer(Clock::Timer::PushPause)
-    , mRestartTimer(Clock::Timer::PushRestart)
+    , mRestart(accountId)
 {
     if (!mManager)
         return;
@@ -29,11 +27,7 @@ AlwaysOnManager::AlwaysOnManager(EasAccountId accountId, QObject *parent)
     connectToSignals();
 }
 
-AlwaysOnManager::~AlwaysOnManager()
-{
-    // It belongs to the engine, which may have gone with it already.
-    delete mPingRequest;
-}
+AlwaysOnManager::~AlwaysOnManager() = default;
 
 EasAccountId AlwaysOnManager::accountId() const
 {
@@ -52,10 +46,14 @@ EasAccount *AlwaysOnManager::account() const
 
 void AlwaysOnManager::connectToSignals()
 {
+    connect(&mPing, &PushPing::answered, this, &AlwaysOnManager::onPingAnswered);
+    connect(&mPing, &PushPing::completed, this, &AlwaysOnManager::onPingCompleted);
+    connect(&mPing, &PushPing::waiting, this, &AlwaysOnManager::publish);
     connect(&mPingTimer, &Deadline::expired, this, &AlwaysOnManager::rePing);
-    connect(&mRestartTimer, &Deadline::expired, this, &AlwaysOnManager::restart);
+    connect(&mRestart, &PushRestart::due, this, &AlwaysOnManager::restart);
+    connect(&mStoreChanges, &StoreChanges::changed, this, &AlwaysOnManager::onChangesAvailable);
     connect(&mLocalChanges, &LocalChanges::due, this, &AlwaysOnManager::onStartInternalSync);
-    connect(mSyncs, &PushSyncs::failed, this, &AlwaysOnManager::scheduleRestart);
+    connect(mSyncs, &PushSyncs::failed, this, [this] { scheduleRestart(); });
     connect(mManager, &RequestManager::syncStarted, this, &AlwaysOnManager::onSyncStarted);
     connect(mManager, &RequestManager::syncCompleted, this, &AlwaysOnManager::onSyncCompleted);
     connect(mManager, &RequestManager::changesReceived, this, [this](EasAccountId accountId) {
@@ -67,39 +65,27 @@ void AlwaysOnManager::connectToSignals()
         if (accountId == mAccountId)
             leave();
     });
-    EasAccount *const pushed = account();
-    if (!pushed) {
+    if (EasAccount *const pushed = account())
+        connectToAccount(*pushed);
+    else
         qCCritical(eas()) << "AlwaysOnManager: account object is null:" << mAccountId;
-        return;
-    }
-    connect(pushed, &EasAccount::emailConfigurationChanged, this, &AlwaysOnManager::onConfigAccountChanged);
-    connect(
-        pushed, &EasAccount::calendarConfigurationChanged, this, &AlwaysOnManager::onConfigAccountChanged);
-    connect(
-        pushed, &EasAccount::contactsConfigurationChanged, this, &AlwaysOnManager::onConfigAccountChanged);
-    connect(pushed, &EasAccount::credentialsChanged, this, &AlwaysOnManager::onCredentialsChanged);
-    connectStores();
 }
 
-void AlwaysOnManager::connectStores()
+void AlwaysOnManager::connectToAccount(EasAccount &pushed)
 {
-    EasAccount *const pushed = account();
-    if (!pushed)
-        return;
-    if (const auto contacts = pushed->contactStorage())
-        connect(contacts.data(), &ContactStorage::changesAvailable, this,
-            &AlwaysOnManager::onChangesAvailable, Qt::UniqueConnection);
-    else
-        qCWarning(eas()) << "contacts storage is null for account" << mAccountId;
-    if (const auto calendar = pushed->calendarStorage())
-        connect(calendar.data(), &CalendarStorage::changesAvailable, this,
-            &AlwaysOnManager::onChangesAvailable, Qt::UniqueConnection);
-    else
-        qCWarning(eas()) << "No calendar storage for account:" << mAccountId;
-    // The mail store comes and goes with the service.
-    if (const auto mail = pushed->mailStorage())
-        connect(mail.data(), &MailStorage::messagesChanged, this, &AlwaysOnManager::onChangesAvailable,
-            Qt::UniqueConnection);
+    connect(&pushed, &EasAccount::emailConfigurationChanged, this, &AlwaysOnManager::onConfigAccountChanged);
+    connect(
+        &pushed, &EasAccount::calendarConfigurationChanged, this, &AlwaysOnManager::onConfigAccountChanged);
+    connect(
+        &pushed, &EasAccount::contactsConfigurationChanged, this, &AlwaysOnManager::onConfigAccountChanged);
+    connect(&pushed, &EasAccount::credentialsChanged, this, &AlwaysOnManager::onCredentialsChanged);
+    mStoreChanges.watch(pushed);
+}
+
+void AlwaysOnManager::watchStores()
+{
+    if (EasAccount *const pushed = account())
+        mStoreChanges.watch(*pushed);
 }
 
 bool AlwaysOnManager::isNetworkConnected() const
@@ -122,12 +108,12 @@ void AlwaysOnManager::setAlwaysOnScheduling(bool enabledAlwaysOn)
         return;
     mAlwaysOnEnabled = enabledAlwaysOn;
     if (mAlwaysOnEnabled) {
-        connectStores();
+        watchStores();
         mOwesFullSync = true;
         startFullSyncRequest();
     } else {
         stopPingRequest();
-        mRestartTimer.stop();
+        mRestart.stop();
         mLocalChanges.clear();
     }
     publish();
@@ -145,7 +131,7 @@ void AlwaysOnManager::onConfigAccountChanged(qulonglong accountId)
     if (accountId != mAccountId)
         return;
     qCInfo(eas()) << "Account config changed for account:" << accountId;
-    connectStores();
+    watchStores();
     restartPingTimer();
     publish();
 }
@@ -167,7 +153,7 @@ void AlwaysOnManager::restartPingTimer()
         qCInfo(eas()) << "Tried Start reping timer, but timer is active alredy";
         return;
     }
-    mRestartTimer.stop();
+    mRestart.stop();
     const int interval = mPauses.seconds() * 1000;
     qCInfo(eas()) << "Restart ping timer interval:" << interval;
     mPingTimer.start(interval);
@@ -190,30 +176,15 @@ void AlwaysOnManager::rePing()
     }
     stopPingRequest();
     mPauses.pingStarted();
-    mPingRequest = new PingRequest(mAccountId, 0, mManager);
-    connect(mPingRequest, &Request::requestCompleted, this, &AlwaysOnManager::onPingRequestCompleted);
-    connect(mPingRequest, &PingRequest::answered, this, &AlwaysOnManager::onPingAnswered);
-    connect(mPingRequest, &PingRequest::waiting, this, [this] {
-        mState.folders = mPingRequest ? mPingRequest->folderCount() : mState.folders;
-        publish();
-    });
-    mPingRequest->start();
-    qCInfo(eas()) << "ping request started";
+    mPing.start();
     publish();
 }
 
 void AlwaysOnManager::stopPingRequest()
 {
     mPingTimer.stop();
-    PingRequest *const stopped = mPingRequest;
-    if (!stopped)
-        return;
-    mPingRequest.clear();
-    stopped->disconnect(this);
-    stopped->cancel();
-    stopped->deleteLater();
-    qCInfo(eas()) << "Request canceled";
-    mPauses.serverRecovered();
+    if (mPing.stop())
+        mPauses.serverRecovered();
 }
 
 void AlwaysOnManager::onPingAnswered(int status)
@@ -223,27 +194,21 @@ void AlwaysOnManager::onPingAnswered(int status)
     const bool works = status == Eas::HeartbeatIntervalExpiredBeforeAnyChangesOccurred
         || status == Eas::ChangesOccurred || status == Eas::FolderHierarchySyncRequired;
     if (works)
-        mRestartDelays.reset();
+        mRestart.serverAnswered();
     // Later, when it shows whether the request goes on.
     QMetaObject::invokeMethod(
         this, [this] { publish(); }, Qt::QueuedConnection);
 }
 
-void AlwaysOnManager::onPingRequestCompleted(EasAccountId accountId, qulonglong requestId)
+void AlwaysOnManager::onPingCompleted(const PingRequest &finished)
 {
-    PingRequest *const finished = mPingRequest;
-    if (accountId != mAccountId || !finished || finished->id() != requestId)
-        return;
-    mPingRequest.clear();
-    finished->deleteLater();
-    qCInfo(eas()) << " requestId:" << requestId << "status:" << finished->status();
-    actOnPing(finished->status(), finished->responseFolders());
+    actOnPing(finished);
     publish();
 }
 
-void AlwaysOnManager::actOnPing(int status, const QStringList &responseFolders)
+void AlwaysOnManager::actOnPing(const PingRequest &finished)
 {
-    const PushVerb verb = pushVerb(status);
+    const PushVerb verb = pushVerb(finished.status());
     if (verb != PushVerb::PauseForLonger && verb != PushVerb::Fail)
         mPauses.serverRecovered();
     switch (verb) {
@@ -251,15 +216,16 @@ void AlwaysOnManager::actOnPing(int status, const QStringList &responseFolders)
         return restartPingTimer();
     case PushVerb::SyncFolders:
         mPauses.changesReported();
-        return syncFolders(responseFolders);
+        return syncFolders(finished.responseFolders());
     case PushVerb::SyncHierarchy:
         mPauses.changesReported();
         return mSyncs->startFoldersSyncRequest();
     case PushVerb::PauseForLonger:
-        return repingAfterError(status);
+        return repingAfterError(finished.status());
     case PushVerb::Stop:
     case PushVerb::Fail:
-        return scheduleRestart();
+        return scheduleRestart(
+            finished.demandsProvisioning() ? PushRestart::Cause::Demand : PushRestart::Cause::Failure);
     case PushVerb::EndForGood:
         return;
     }
@@ -322,16 +288,13 @@ void AlwaysOnManager::onSyncCompleted(EasAccountId accountId, qulonglong request
     publish();
 }
 
-void AlwaysOnManager::scheduleRestart()
+void AlwaysOnManager::scheduleRestart(PushRestart::Cause cause)
 {
-    if (!mAlwaysOnEnabled || !mNetworkEnabled || mSyncInProgress || mRestartTimer.isActive()
-        || mPingTimer.isActive() || mPingRequest)
+    if (!mAlwaysOnEnabled || !mNetworkEnabled || mSyncInProgress || mRestart.isActive()
+        || mPingTimer.isActive() || mPing.isActive())
         return publish();
     EasAccount *const pushed = account();
-    mWaitsForCredentials = pushed && pushed->isCredentialsNeedUpdate();
-    const int minutes = mRestartDelays.take();
-    qCWarning(eas()) << "push has stopped for account" << mAccountId << ", full sync in" << minutes << "min";
-    mRestartTimer.start(minutes * 60 * 1000);
+    mRestart.schedule(cause, pushed && pushed->isCredentialsNeedUpdate());
     publish();
 }
 
@@ -343,13 +306,8 @@ void AlwaysOnManager::restart()
 
 void AlwaysOnManager::onCredentialsChanged()
 {
-    // Those of an account that is not blocked are fetched anew whenever a server refuses them.
-    EasAccount *const pushed = account();
-    if (!mWaitsForCredentials || !pushed || pushed->isCredentialsNeedUpdate() || !mRestartTimer.isActive())
-        return;
-    mWaitsForCredentials = false;
-    mRestartTimer.stop();
-    restart();
+    if (EasAccount *const pushed = account())
+        mRestart.credentialsChanged(pushed->isCredentialsNeedUpdate());
 }
 
 // The network and the user
@@ -364,7 +322,7 @@ void AlwaysOnManager::onNetworkStateChanged(EasAccountId accountId, bool network
     mNetworkEnabled = networkEnabled;
     if (!networkEnabled) {
         stopPingRequest();
-        mRestartTimer.stop();
+        mRestart.stop();
         mLocalChanges.stopWaiting();
     } else if (mOwesFullSync) {
         startFullSyncRequest();
@@ -404,6 +362,7 @@ AlwaysOnState AlwaysOnManager::state() const
 {
     AlwaysOnState state = mState;
     state.isEnabled = mAlwaysOnEnabled;
+    state.folders = mPing.folderCount();
     if (const EasAccount *const pushed = account())
         state.heartbeat = pushed->heartbeatInterval();
     using Step = AlwaysOnState::Step;
@@ -413,14 +372,14 @@ AlwaysOnState AlwaysOnManager::state() const
         state.nextStep = Step::Sync;
     } else if (!mNetworkEnabled) {
         state.nextStep = Step::Network;
-    } else if (mPingRequest) {
+    } else if (mPing.isActive()) {
         state.nextStep = Step::Ping;
     } else if (mPingTimer.isActive()) {
         state.nextStep = Step::Pause;
         state.nextStepAt = mPingTimer.due();
-    } else if (mRestartTimer.isActive()) {
+    } else if (mRestart.isActive()) {
         state.nextStep = Step::Stopped;
-        state.nextStepAt = mRestartTimer.due();
+        state.nextStepAt = mRestart.dueAt();
     } else {
         state.nextStep = mSyncs && mSyncs->isActive() ? Step::Sync : Step::Stopped;
     }

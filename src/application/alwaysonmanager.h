@@ -5,11 +5,12 @@
 #include "application/base/deadline.h"
 #include "application/localchanges.h"
 #include "application/pushpauses.h"
-#include "application/restartdelays.h"
+#include "application/pushping.h"
+#include "application/pushrestart.h"
+#include "application/storechanges.h"
 #include "common/easaccountid.h"
 
 #include <QObject>
-#include <QPointer>
 #include <QStringList>
 
 class EasAccount;
@@ -52,48 +53,47 @@ public Q_SLOTS:
     void onNetworkStateChanged(EasAccountId accountId, bool networkEnabled);
 
 private Q_SLOTS:
-    void onPingRequestCompleted(EasAccountId accountId, qulonglong requestId);
+    void onPingCompleted(const PingRequest &finished);
     void rePing();
     void onChangesAvailable(const QStringList &localFolderIds);
     void onStartInternalSync();
     void onPingAnswered(int status);
     void onCredentialsChanged();
+    void restart();
 
 private:
     EasAccount *account() const;
     void connectToSignals();
-    void connectStores();
+    void connectToAccount(EasAccount &pushed);
+    void watchStores();
     bool isNetworkConnected() const;
 
     void restartPingTimer();
     void stopPingRequest();
-    void actOnPing(int status, const QStringList &responseFolders);
+    void actOnPing(const PingRequest &finished);
     void repingAfterError(int status);
     void syncFolders(const QStringList &serverFolderIds);
     void startFullSyncRequest();
     /** The account is gone. */
     void leave();
     /** Push has stopped: a full sync starts it again, later. */
-    void scheduleRestart();
-    void restart();
+    void scheduleRestart(PushRestart::Cause cause = PushRestart::Cause::Failure);
     /** Tells the clients of the bus, if something has changed for them. */
     void publish();
 
     const EasAccountId mAccountId;
     RequestManager *mManager;
     PushSyncs *mSyncs = nullptr;
-    QPointer<PingRequest> mPingRequest;
+    PushPing mPing;
     Deadline mPingTimer;
-    Deadline mRestartTimer;
     PushPauses mPauses;
-    RestartDelays mRestartDelays;
+    PushRestart mRestart;
+    StoreChanges mStoreChanges;
     LocalChanges mLocalChanges;
 
     bool mAlwaysOnEnabled = false;
     bool mNetworkEnabled = false;
     bool mSyncInProgress = false;
-    /** Push has stopped because the server refuses the credentials. */
-    bool mWaitsForCredentials = false;
     /** The sync that push begins with has not succeeded yet. */
     bool mOwesFullSync = false;
     AlwaysOnState mState;

@@ -8,6 +8,7 @@
 #include "protocol/base/protocolutils.h"
 #include "protocol/pingcommand.h"
 #include "requests/pingfolders.h"
+#include "requests/provisiondemand.h"
 #include "requests/statustable.h"
 
 namespace {
@@ -164,6 +165,7 @@ void PingRequest::onCommandFinished(bool success)
     // A client certificate that cannot be used, a request that could not be built.
     if (!success && command->status() == RequestStatusSuccess)
         setStatus(RequestStatusInternalError);
+    mDemandsProvisioning = isProvisioningDemanded(*command);
     if (status() != ProtocolUtils::TransportStatusCancelled)
         Q_EMIT answered(status());
     if (command->isGivenUp()) {

@@ -32,6 +32,8 @@ public:
 
     /** Server identifiers of the folders that have changed; after status 2. */
     QStringList responseFolders() const { return mResponseFolders; }
+    /** Whether the last Ping ended with a demand for provisioning, which a Ping leaves to the next sync. */
+    bool demandsProvisioning() const { return mDemandsProvisioning; }
     /** How many folders the server is asked to watch. */
     int folderCount() const { return mFolders.size(); }
 
@@ -74,6 +76,7 @@ private:
     bool mHeartbeatTaken = false;
     /** The next repetition is the server's wish, and not counted. */
     bool mRepeatsUncounted = false;
+    bool mDemandsProvisioning = false;
     GrowingPause mQuickAnswers;
     QTimer mPauseTimer;
 };

@@ -36,12 +36,23 @@ constexpr DemandTable::Row rows[] = {
 constexpr DemandTable demands(rows);
 static_assert(demands.namesEachStatusOnce());
 
+const DemandTable::Row *rowOf(const BaseProtocolCommand &command)
+{
+    return demands.find(command.isToldToProvision() ? TransportRetryWith : command.status());
+}
+
 } // namespace
+
+bool isProvisioningDemanded(const BaseProtocolCommand &command)
+{
+    const DemandTable::Row *const row = rowOf(command);
+    return row && row->verb != ProvisionDemand::None
+        && command.status() != ProtocolUtils::TransportStatusUnavailable;
+}
 
 ProvisionDemand provisionDemand(const BaseProtocolCommand &command, EasAccountId accountId)
 {
-    const int status = command.isToldToProvision() ? TransportRetryWith : command.status();
-    const DemandTable::Row *const row = demands.find(status);
+    const DemandTable::Row *const row = rowOf(command);
     if (!row)
         return ProvisionDemand::None;
     logStatusText(row->level, row->text, QString::number(accountId));

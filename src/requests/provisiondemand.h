@@ -16,5 +16,8 @@ enum class ProvisionDemand {
     Wipe
 };
 
+/** Whether a finished command met any demand that its server has put into words. */
+bool isProvisioningDemanded(const BaseProtocolCommand &command);
+
 /** The demand of a finished command, by its status or by HTTP 449, which is written to the log. */
 ProvisionDemand provisionDemand(const BaseProtocolCommand &command, EasAccountId accountId);

@@ -293,6 +293,52 @@ private Q_SLOTS:
         QCOMPARE(manager()->state().nextStepAt, mBed->clock.currentDateTimeUtc().addSecs(60));
     }
 
+    void aDemandForProvisioningIsMetByASyncAtOnce_data()
+    {
+        QTest::addColumn<int>("status");
+        for (const int status : { 140, 141, 142, 143, 144, 145, 449 })
+            QTest::addRow("%d", status) << status;
+    }
+
+    void aDemandForProvisioningIsMetByASyncAtOnce()
+    {
+        QFETCH(int, status);
+        const auto demand = [&] {
+            ScriptedAnswer refusal;
+            refusal.status = status;
+            status == 449 ? mBed->server.answer(refusal) : mBed->answer(reply(status));
+        };
+        demand();
+        begin();
+        QVERIFY(waitForCalls(2));
+        QCOMPARE(mDaemon->calls.last(), QStringLiteral("sync 7"));
+        // It has not helped: the next one waits as after any stop.
+        demand();
+        syncRuns();
+        QVERIFY(waitForStep("stopped"));
+        QCOMPARE(manager()->state().nextStepAt, mBed->clock.currentDateTimeUtc().addSecs(60));
+        jump(60);
+        QVERIFY(waitForCalls(3));
+        // A Ping in between that is answered as it should be makes it a new demand.
+        mBed->answer(reply(7));
+        syncRuns();
+        QVERIFY(waitForCalls(4));
+        demand();
+        syncRuns();
+        QVERIFY(waitForCalls(5));
+        QCOMPARE(mDaemon->calls.last(), QStringLiteral("sync 7"));
+    }
+
+    void aServerThatIsUnavailableMakesNoDemand()
+    {
+        ScriptedAnswer unavailable;
+        unavailable.status = 503;
+        mBed->server.answer(unavailable);
+        begin();
+        QVERIFY(waitForStep("stopped"));
+        QCOMPARE(manager()->state().nextStepAt, mBed->clock.currentDateTimeUtc().addSecs(60));
+    }
+
     void aFailedSyncStopsPush()
     {
         mBed->account->setAlwaysOn(true);
