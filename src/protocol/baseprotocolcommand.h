@@ -118,6 +118,8 @@ protected:
     virtual void handleSslErrors(const QList<QSslError> &errors);
 
     bool isRunning() const { return mStarted; }
+    /** The reply that is coming or being handled; null without one. */
+    const QNetworkReply *reply() const { return mReply; }
     /** Marks the command as running; false if it is already. */
     bool begin();
     /** Lets the reply go and emits finished(), once a run. */

@@ -46,9 +46,26 @@ bool FolderSyncCustomCommand::prepareRequest(QNetworkRequest &request)
 
 bool FolderSyncCustomCommand::parseReply(QNetworkReply *reply, const QByteArray &)
 {
-    mSupportedCommands = ReplyHeaders::supportedCommands(*reply);
-    mVersions = ReplyHeaders::versions(*reply);
+    readHeaders(*reply);
     return true;
+}
+
+void FolderSyncCustomCommand::handleError(QNetworkReply::NetworkError networkError)
+{
+    // A server that wants to be provisioned first has taken the command, and its headers tell as much.
+    if (!isToldToProvision() || !reply())
+        return BaseProtocolCommand::handleError(networkError);
+    readHeaders(*reply());
+    if (mVersions.isEmpty())
+        mVersions = QString::fromLatin1(EasAccount::encodedProtocolVersion(mVersion));
+    setStatus(0);
+    end(true);
+}
+
+void FolderSyncCustomCommand::readHeaders(const QNetworkReply &reply)
+{
+    mSupportedCommands = ReplyHeaders::supportedCommands(reply);
+    mVersions = ReplyHeaders::versions(reply);
 }
 
 bool FolderSyncCustomCommand::encodeBody(EasAccount &, QByteArray *body)

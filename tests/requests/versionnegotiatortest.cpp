@@ -252,6 +252,41 @@ private Q_SLOTS:
             QtWarningMsg, { QStringLiteral("FolderSync didn't return supported commands, guessing them.") }));
     }
 
+    void aServerThatWantsToBeProvisionedFirstHasAVersion_data()
+    {
+        QTest::addColumn<QByteArray>("offered");
+        QTest::addColumn<int>("choice");
+        QTest::newRow("it tells them") << QByteArray("12.0,12.1") << 0x1201;
+        QTest::newRow("it tells none: that of the command") << QByteArray() << 0x1200;
+    }
+
+    void aServerThatWantsToBeProvisionedFirstHasAVersion()
+    {
+        QFETCH(QByteArray, offered);
+        QFETCH(int, choice);
+        ScriptedAnswer demand = offered.isEmpty() ? ScriptedAnswer() : offer(offered, "Sync,Provision");
+        demand.status = 449;
+        mServer->answer(refusal(500));
+        mServer->answer(demand);
+        ProbeRequest request(Account, Id, mManager);
+        run(request);
+        QCOMPARE(request.starts, 1);
+        QCOMPARE(int(mAccount->protocolVersion()), choice);
+        QVERIFY(mAccount->commandIsSupported(QStringLiteral("Provision")));
+    }
+
+    void aServerThatHasMovedIsNoDemand()
+    {
+        ScriptedAnswer moved = refusal(449);
+        moved.headers = { { ProtocolUtils::HeaderXMSLocation, "ftp://example.com/" } };
+        mServer->answer(refusal(500));
+        mServer->answer(moved);
+        ProbeRequest request(Account, Id, mManager);
+        run(request);
+        QCOMPARE(request.starts, 0);
+        QCOMPARE(request.status(), 10299);
+    }
+
     void whenAllSourcesFailTheClientSeesTheLastStatus()
     {
         mServer->answer(refusal(500));
