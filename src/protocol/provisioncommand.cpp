@@ -7,6 +7,7 @@
 #include "easitems/containers/deviceinformationcontainer.h"
 #include "protocol/base/protocolutils.h"
 #include "protocol/requestheaders.h"
+#include "protocol/tlssettings.h"
 #include "protocol/wbxml/wbxmlencoder.h"
 
 using namespace Wbxml;
@@ -122,7 +123,7 @@ void ProvisionCommand::encodeWipeVerdict(WbxmlEncoder &encoder, const EasAccount
     encoder.appendTextElement(Provision::Status, mResultStatus);
 }
 
-bool ProvisionCommand::parseReply(QNetworkReply *, const QByteArray &body)
+bool ProvisionCommand::parseReply(QNetworkReply *reply, const QByteArray &body)
 {
     ProvisionResponseParser parser;
     parser.parse(body);
@@ -133,7 +134,21 @@ bool ProvisionCommand::parseReply(QNetworkReply *, const QByteArray &body)
     setStatus(int(parser.status()));
     mPolicies = parser.policyList();
     mDeviceInformationStatus = parser.deviceInformatonStatus();
-    mRemoteWipeTagPresence = parser.remoteWipeRecieved();
-    mAccountOnlyRemoteWipeTagPresence = parser.accountOnlyRemoteWipeReceived();
+    const bool mayWipe = mayOrderWipe(*reply, parser);
+    mRemoteWipeTagPresence = mayWipe && parser.remoteWipeRecieved();
+    mAccountOnlyRemoteWipeTagPresence = mayWipe && parser.accountOnlyRemoteWipeReceived();
     return true;
+}
+
+bool ProvisionCommand::mayOrderWipe(const QNetworkReply &reply, const ProvisionResponseParser &parser)
+{
+    if (!parser.remoteWipeRecieved() && !parser.accountOnlyRemoteWipeReceived())
+        return false;
+    // An account that accepts all certificates talks to whoever answers; its data is not for them to delete.
+    const QList<QSslError> errors = TlsSettings::certificateErrors(reply);
+    if (errors.isEmpty())
+        return true;
+    qCCritical(eas()) << "an order to wipe account" << accountId()
+                      << "is not obeyed, the server's certificate failed:" << TlsSettings::errorTexts(errors);
+    return false;
 }

@@ -6,6 +6,7 @@
 
 #include <QList>
 
+class ProvisionResponseParser;
 class WbxmlEncoder;
 
 /**
@@ -62,6 +63,8 @@ private:
     static const Form forms[];
 
     const Form &form() const;
+    /** Whether the reply orders a wipe that is to be obeyed: not behind a certificate that failed. */
+    bool mayOrderWipe(const QNetworkReply &reply, const ProvisionResponseParser &parser);
     void encodePolicyRequest(WbxmlEncoder &encoder, const EasAccount &account) const;
     void encodePolicyVerdict(WbxmlEncoder &encoder, const EasAccount &account) const;
     void encodeWipeRequest(WbxmlEncoder &encoder, const EasAccount &account) const;

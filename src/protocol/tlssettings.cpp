@@ -6,6 +6,7 @@
 #include "configurations/connectionaccountconfiguration.h"
 
 #include <QFile>
+#include <QNetworkReply>
 #include <QNetworkRequest>
 #include <QSslCertificate>
 #include <QSslConfiguration>
@@ -67,6 +68,17 @@ bool TlsSettings::passesOver(const QList<QSslError> &errors, const EasAccount *a
     else
         return true;
     return false;
+}
+
+QList<QSslError> TlsSettings::certificateErrors(const QNetworkReply &reply)
+{
+    if (reply.url().scheme() != QLatin1String("https"))
+        return {};
+    // A connection that is used again does not tell its errors again.
+    const QList<QSslCertificate> chain = reply.sslConfiguration().peerCertificateChain();
+    if (chain.isEmpty())
+        return { QSslError(QSslError::NoPeerCertificate) };
+    return QSslCertificate::verify(chain, reply.url().host());
 }
 
 QString TlsSettings::errorTexts(const QList<QSslError> &errors)

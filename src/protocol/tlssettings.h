@@ -4,6 +4,7 @@
 #include <QList>
 
 class EasAccount;
+class QNetworkReply;
 class QNetworkRequest;
 class QSslCertificate;
 class QSslError;
@@ -23,6 +24,9 @@ bool readCredentials(
 /** Whether an exchange of the account goes on in spite of these errors; logged if not. The account may be
  * null. */
 bool passesOver(const QList<QSslError> &errors, const EasAccount *account);
+/** What is wrong with the certificate that the server of a reply has shown, whether or not the account passes
+ * over it; nothing where the connection is not encrypted. */
+QList<QSslError> certificateErrors(const QNetworkReply &reply);
 /** For the log, in one line. */
 QString errorTexts(const QList<QSslError> &errors);
 

@@ -33,6 +33,7 @@ private Q_SLOTS:
     void aSignOnServiceThatIsSilent();
     void anIdentityThatTheServiceRefuses();
     void anOrderBehindABadCertificateIsNotHeard();
+    void anOrderBehindABadCertificateThatTheUserAcceptsIsNotObeyed();
 
 private:
     static FaultShim shim();
@@ -194,6 +195,30 @@ void RemoteWipeTest::anOrderBehindABadCertificateIsNotHeard()
         qPrintable(QString::number(status)));
     QVERIFY(server.requests().isEmpty());
     QVERIFY(!mScene->accounts().value(id, QString(), QStringLiteral("remote_wipe_requested")).toBool());
+    QVERIFY(mScene->accounts().remove(id));
+}
+
+void RemoteWipeTest::anOrderBehindABadCertificateThatTheUserAcceptsIsNotObeyed()
+{
+    Simulator::ExchangeServer server;
+    server.addUser(QStringLiteral("carol"), QStringLiteral("s3cret"));
+    server.changePolicies(
+        [](Simulator::ServerPolicies &policies) { policies.orderWipe(Simulator::Wipe::Device); });
+    QVERIFY(server.start(Simulator::ExchangeServer::Https));
+    AccountOptions options;
+    options.userName = QStringLiteral("carol");
+    options.port = server.port();
+    options.secure = true;
+    options.acceptAllCertificates = true;
+    const EasAccountId id = mScene->accounts().create(options);
+    QVERIFY(id != 0);
+    QCOMPARE(mScene->synchronize(id), 140);
+    QVERIFY(mScene->log().contains("is not obeyed, the server's certificate failed:"));
+    QVERIFY(!mScene->accounts().value(id, QString(), QStringLiteral("remote_wipe_requested")).toBool());
+    const auto requests = server.requests();
+    QVERIFY(requests.size() < 30);
+    for (const Simulator::RecordedRequest &request : requests)
+        QVERIFY2(!request.document.toXml().contains(QLatin1String("RemoteWipe")), qPrintable(request.dump()));
     QVERIFY(mScene->accounts().remove(id));
 }
 
