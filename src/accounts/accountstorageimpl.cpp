@@ -6,6 +6,7 @@
 #include "accounts/base/wipekeys.h"
 #include "accounts/easaccountimpl.h"
 #include "accounts/identitycleanup.h"
+#include "accounts/schedulercalls.h"
 #include "application/base/logging.h"
 #include "application/mapping/easdatabase.h"
 
@@ -199,6 +200,7 @@ void AccountStorageImpl::onAccountCreated(uint id)
 void AccountStorageImpl::onAccountRemoved(uint id)
 {
     qCInfo(eas()) << "received account removed: " << id;
+    SchedulerCalls::forget(id);
     EasAccount *account = mAccounts.take(id);
     if (!account)
         return;

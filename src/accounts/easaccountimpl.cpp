@@ -3,20 +3,13 @@
 
 #include "accounts/accountcredentials.h"
 #include "accounts/remotewipe.h"
+#include "accounts/schedulercalls.h"
 #include "application/base/deviceinformation.h"
 #include "application/base/logging.h"
-#include "configurations/impls/calendaraccountconfigurationimpl.h"
-#include "configurations/impls/connectionaccountconfigurationimpl.h"
-#include "configurations/impls/contactsaccountconfigurationimpl.h"
 #include "configurations/impls/emailaccountconfigurationimpl.h"
-#include "configurations/impls/scheduleaccountconfigurationimpl.h"
 #include "provision/provisionmanagerimpl.h"
 
 #include <Accounts/Account>
-
-#include <QDBusConnection>
-#include <QDBusMessage>
-#include <QDBusPendingCall>
 
 namespace {
 
@@ -52,6 +45,7 @@ EasAccountImpl::EasAccountImpl(
     , mRecord(account)
     , mCredentials(new AccountCredentials(mRecord, id, this))
     , mRemoteWipe(new RemoteWipe(mRecord, id, this))
+    , mConfigurations(mRecord.account(), *this)
     , mStores(*this, storages)
 {
     initialize();
@@ -62,7 +56,7 @@ EasAccountImpl::~EasAccountImpl() = default;
 void EasAccountImpl::initialize()
 {
     connectCredentials();
-    createConfigurations();
+    connectEmailConfiguration();
     if (mRecord.account()) {
         connect(
             mRecord.account(), &Accounts::Account::enabledChanged, this, &EasAccountImpl::onEnabledChanged);
@@ -73,7 +67,7 @@ void EasAccountImpl::initialize()
         mStores.close();
         return mRemoteWipe->resume();
     }
-    askSyncScheduler();
+    SchedulerCalls::ask(id());
     mStores.openCalendar();
     retrieveCredentials();
     onEmailConfigurationChanged(id());
@@ -93,27 +87,9 @@ void EasAccountImpl::connectRemoteWipe()
     connect(mRemoteWipe, &RemoteWipe::begun, this, &EasAccountImpl::onRemoteWipeBegun);
 }
 
-void EasAccountImpl::createConfigurations()
+void EasAccountImpl::connectEmailConfiguration()
 {
-    Accounts::Account *account = mRecord.account();
-    const auto calendar = new CalendarAccountConfigurationImpl(account, id(), nullptr);
-    mCalendarConfiguration.reset(calendar);
-    connect(calendar, &CalendarAccountConfiguration::calendarConfigurationChanged, this,
-        &EasAccount::calendarConfigurationChanged);
-    const auto contacts = new ContactsAccountConfigurationImpl(account, id(), nullptr);
-    mContactsConfiguration.reset(contacts);
-    connect(contacts, &ContactsAccountConfiguration::contactsConfigurationChanged, this,
-        &EasAccount::contactsConfigurationChanged);
-    const auto connection = new ConnectionAccountConfigurationImpl(account, id(), nullptr);
-    mConnectionConfiguration.reset(connection);
-    connect(connection, &ConnectionAccountConfiguration::connectionConfigurationChanged, this,
-        &EasAccount::connectionConfigurationChanged);
-    const auto schedule = new ScheduleAccountConfigurationImpl(account, id(), nullptr);
-    mScheduleConfiguration.reset(schedule);
-    connect(schedule, &ScheduleAccountConfiguration::scheduleConfigurationChanged, this,
-        &EasAccount::scheduleConfigurationChanged);
-    const auto email = new EmailAccountConfigurationImpl(account, id(), nullptr);
-    mEmailConfiguration.reset(email);
+    const EmailAccountConfigurationImpl *const email = mConfigurations.email.data();
     // Who listens to the account's signal finds the mail storage already created or dropped.
     connect(email, &EmailAccountConfiguration::emailConfigurationChanged, this,
         &EasAccountImpl::onEmailConfigurationChanged);
@@ -127,23 +103,9 @@ void EasAccountImpl::createConfigurations()
         &EmailAccountConfigurationImpl::updateCredentialsUpdateCounter);
 }
 
-void EasAccountImpl::askSyncScheduler() const
-{
-    // The answer to the call has no use: the scheduler publishes the state, which comes back as a signal.
-    QDBusMessage call =
-        QDBusMessage::createMethodCall(QStringLiteral("com.plover.msyncd"), QStringLiteral("/synchronizer"),
-            QStringLiteral("com.plover.msyncd"), QStringLiteral("isSyncedExternally"));
-    call << static_cast<uint>(id()) << QStringLiteral("fenneleas-email");
-    QDBusConnection::sessionBus().asyncCall(call);
-}
-
 void EasAccountImpl::onEmailConfigurationChanged(EasAccountId accountId)
 {
-    if (!mEmailConfiguration) {
-        qCWarning(eas()) << "Email configuration is null" << accountId;
-        return;
-    }
-    const bool enabled = mEmailConfiguration->enabled();
+    const bool enabled = mConfigurations.email->enabled();
     qCInfo(eas()) << (enabled ? "email service is enabled in account"
                               : "email service is disabled in account")
                   << accountId;
@@ -206,7 +168,7 @@ void EasAccountImpl::onEnabledChanged(const QString &serviceName)
     setAlwaysOn(alwaysOn() && enabled());
     // It was switched off with the account; what the user wants is kept by the scheduler.
     if (enabled())
-        askSyncScheduler();
+        SchedulerCalls::ask(id());
 }
 
 bool EasAccountImpl::enabled() const
@@ -250,27 +212,27 @@ QString EasAccountImpl::sslCertificatePassword() const
 
 QSharedPointer<CalendarAccountConfiguration> EasAccountImpl::calendarConfiguration() const
 {
-    return mCalendarConfiguration;
+    return mConfigurations.calendar;
 }
 
 QSharedPointer<ContactsAccountConfiguration> EasAccountImpl::contactsConfiguration() const
 {
-    return mContactsConfiguration;
+    return mConfigurations.contacts;
 }
 
 QSharedPointer<EmailAccountConfiguration> EasAccountImpl::emailConfiguration() const
 {
-    return mEmailConfiguration;
+    return mConfigurations.email;
 }
 
 QSharedPointer<ScheduleAccountConfiguration> EasAccountImpl::scheduleConfiguration() const
 {
-    return mScheduleConfiguration;
+    return mConfigurations.schedule;
 }
 
 QSharedPointer<ConnectionAccountConfiguration> EasAccountImpl::connectionConfiguration() const
 {
-    return mConnectionConfiguration;
+    return mConfigurations.connection;
 }
 
 QSharedPointer<MailStorage> EasAccountImpl::mailStorage() const

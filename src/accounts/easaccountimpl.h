@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include "accounts/accountconfigurations.h"
 #include "accounts/accountstores.h"
 #include "accounts/base/accountrecord.h"
 #include "application/account/easaccount.h"
@@ -76,8 +77,7 @@ private Q_SLOTS:
 
 private:
     void initialize();
-    void createConfigurations();
-    void askSyncScheduler() const;
+    void connectEmailConfiguration();
     void connectCredentials();
     void connectRemoteWipe();
 
@@ -90,10 +90,6 @@ private:
     AccountCredentials *mCredentials;
     RemoteWipe *mRemoteWipe;
     ProvisionManager *mProvisionManager = nullptr;
-    QSharedPointer<CalendarAccountConfiguration> mCalendarConfiguration;
-    QSharedPointer<ContactsAccountConfiguration> mContactsConfiguration;
-    QSharedPointer<ConnectionAccountConfiguration> mConnectionConfiguration;
-    QSharedPointer<EmailAccountConfiguration> mEmailConfiguration;
-    QSharedPointer<ScheduleAccountConfiguration> mScheduleConfiguration;
+    const AccountConfigurations mConfigurations;
     AccountStores mStores;
 };

@@ -8,6 +8,7 @@
 #include "support/logcollector.h"
 #include "support/privatebus.h"
 #include "support/scriptedmanager.h"
+#include "support/syncscheduler.h"
 #include "support/testmain.h"
 
 #include <Accounts/Account>
@@ -306,6 +307,17 @@ private Q_SLOTS:
         QVERIFY(mFactory->remove(id));
         QTRY_COMPARE(deleted.count(), 1);
         QVERIFY(*EasDatabase::instance()->folderSyncKey(id) != QStringLiteral("key"));
+    }
+
+    void theSchedulerForgetsAnAccountThatIsRemoved()
+    {
+        const SyncScheduler scheduler;
+        QVERIFY(scheduler.isRegistered());
+        openReady();
+        const EasAccountId id = create();
+        QTRY_VERIFY(mStorage->account(id));
+        QVERIFY(mFactory->remove(id));
+        QTRY_COMPARE(scheduler.switches(), QStringList { QStringLiteral("%1 fenneleas-email off").arg(id) });
     }
 
 private:
