@@ -5,7 +5,9 @@
 #include "application/mapping/easdatabase.h"
 #include "easitems/easfolderitem.h"
 #include "protocol/wbxml/wbxmltokens.h"
-#include "storages/mail/mailfolderchanges.h"
+#include "storages/mail/mailfolderadder.h"
+#include "storages/mail/mailfolderids.h"
+#include "storages/mail/mailfolderkind.h"
 #include "storages/mail/mailfolderremoval.h"
 #include "storages/mail/mailheadertext.h"
 #include "storages/mail/mailstorecontext.h"
@@ -14,65 +16,6 @@
 #include <qmailfolder.h>
 #include <qmailfolderkey.h>
 #include <qmailmessagekey.h>
-
-namespace {
-
-struct FolderKind
-{
-    EasFolderItem::FolderType type;
-    const quint64 &flag;
-    QMailFolder::StandardFolder standardFolder; // 0: none
-};
-
-constexpr QMailFolder::StandardFolder noStandardFolder = QMailFolder::StandardFolder(0);
-
-const FolderKind *kindOf(EasFolderItem::FolderType type)
-{
-    static const FolderKind kinds[] = {
-        { EasFolderItem::UserCreatedGenericFolder, QMailFolder::DeletionPermitted, noStandardFolder },
-        { EasFolderItem::DefaultInboxFolder, QMailFolder::Incoming, QMailFolder::InboxFolder },
-        { EasFolderItem::DefaultDraftsFolder, QMailFolder::Drafts, QMailFolder::DraftsFolder },
-        { EasFolderItem::DefaultDeletedItemsFolder, QMailFolder::Trash, QMailFolder::TrashFolder },
-        { EasFolderItem::DefaultSentItemsFolder, QMailFolder::Sent, QMailFolder::SentFolder },
-        { EasFolderItem::DefaultOutboxFolder, QMailFolder::Outgoing, QMailFolder::OutboxFolder },
-        { EasFolderItem::UserCreatedMailFolder, QMailFolder::DeletionPermitted, noStandardFolder },
-    };
-    for (const FolderKind &kind : kinds) {
-        if (kind.type == type)
-            return &kind;
-    }
-    return nullptr;
-}
-
-QMailFolderId folderId(const QString &text)
-{
-    return QMailFolderId(text.toULongLong());
-}
-
-QString idText(const QMailFolderId &id)
-{
-    return QString::number(id.toULongLong());
-}
-
-/** Each folder behind its parent, as far as that is in the list; folders in a circle stay as they come. */
-QList<EasFolderItem> parentsFirst(const QList<EasFolderItem> &items)
-{
-    QHash<QString, int> unplaced;
-    for (int i = items.size() - 1; i >= 0; --i)
-        unplaced.insert(items.at(i).serverId(), i);
-    QList<EasFolderItem> ordered;
-    for (const EasFolderItem &item : items) {
-        QList<int> chain;
-        for (QString id = item.serverId(); unplaced.contains(id);
-             id = items.at(chain.last()).serverParentId())
-            chain.append(unplaced.take(id));
-        while (!chain.isEmpty())
-            ordered.append(items.at(chain.takeLast()));
-    }
-    return ordered;
-}
-
-} // namespace
 
 MailFolderAdapter::MailFolderAdapter(const MailStoreContext &context, MailFolderChanges &changes)
     : mContext(context)
@@ -96,19 +39,14 @@ bool MailFolderAdapter::updateFolders(
         EasDatabase::instance()->serverToLocalFolderIds(mContext.accountId());
     if (!known)
         return false;
-    QMap<QString, QString> serverToLocal = *known;
-    added = parentsFirst(added);
-    for (EasFolderItem &item : added) {
-        // A row may outlive its folder, which the same call adds again then.
-        const QString parent = serverToLocal.value(item.serverParentId());
-        if (mContext.store->folder(folderId(parent)).id().isValid())
-            item.setLocalParentId(parent);
-    }
-    if (!addFolderItems(added, serverToLocal)) {
+    std::optional<QMailAccount> account = mailAccount();
+    MailFolderAdder adder(mContext, mChanges, *known);
+    if (!account || !adder.add(*account, added)) {
         qCCritical(eas()) << "failed to add folder items";
-        rollBackAddedFolderItems(added);
+        adder.rollBack(added);
         return false;
     }
+    QMap<QString, QString> serverToLocal = *known;
     // A folder may have been moved below one that is new in the same reply.
     for (const EasFolderItem &item : qAsConst(added)) {
         if (!item.localId().isEmpty())
@@ -116,110 +54,15 @@ bool MailFolderAdapter::updateFolders(
     }
     if (!updateFolderItems(changed, serverToLocal)) {
         qCCritical(eas()) << "failed to update folder items";
-        rollBackAddedFolderItems(added);
+        adder.rollBack(added);
         return false;
     }
     if (!deleteFolderItems(deleted, serverToLocal)) {
         qCCritical(eas()) << "failed to delete folder items";
-        rollBackAddedFolderItems(added);
+        adder.rollBack(added);
         return false;
     }
     return true;
-}
-
-bool MailFolderAdapter::addFolderItems(
-    QList<EasFolderItem> &items, const QMap<QString, QString> &serverToLocal)
-{
-    mAdopted.clear();
-    std::optional<QMailAccount> account = mailAccount();
-    if (!account)
-        return false;
-    bool standardFolderSet = false;
-    QMap<QString, QString> addedNow;
-    QSet<QString> taken;
-    for (EasFolderItem &item : items) {
-        if (!item.isEmail())
-            continue;
-        if (!item.serverParentId().isEmpty() && item.localParentId().isEmpty())
-            item.setLocalParentId(addedNow.value(item.serverParentId()));
-        if (!addFolderItem(&item, presentFolder(item, serverToLocal, taken)))
-            return false;
-        addedNow.insert(item.serverId(), item.localId());
-        taken.insert(item.localId());
-        const FolderKind *kind = kindOf(item.type());
-        if (kind && kind->standardFolder != noStandardFolder) {
-            account->setStandardFolder(kind->standardFolder, folderId(item.localId()));
-            standardFolderSet = true;
-        }
-    }
-    return !standardFolderSet || commitStandardFolders(&*account);
-}
-
-bool MailFolderAdapter::addFolderItem(EasFolderItem *item, QMailFolderId present)
-{
-    const std::unique_ptr<QMailFolder> folder = mailFolderFromFolderItem(*item);
-    if (!folder)
-        return false;
-    if (present.isValid()) {
-        mAdopted.insert(present);
-        mChanges.setOwnAddition(present);
-        folder->setId(present);
-        if (!mContext.store->updateFolder(folder.get()))
-            return false;
-    } else {
-        if (!mContext.store->addFolder(folder.get()) || !folder->id().isValid())
-            return false;
-        mChanges.setOwnAddition(folder->id());
-    }
-    item->setLocalId(idText(folder->id()));
-    item->setSavedInStorage(true);
-    return true;
-}
-
-QMailFolderId MailFolderAdapter::presentFolder(
-    const EasFolderItem &item, const QMap<QString, QString> &serverToLocal, const QSet<QString> &taken) const
-{
-    const QMailFolderId mapped = folderId(serverToLocal.value(item.serverId()));
-    if (mapped.isValid() && mContext.store->folder(mapped).id().isValid())
-        return mapped;
-    const QList<QString> mappedIds = serverToLocal.values();
-    const QMailFolderIdList ids =
-        mContext.store->queryFolders(QMailFolderKey::parentAccountId(mContext.mailAccountId)
-            & QMailFolderKey::parentFolderId(folderId(item.localParentId())));
-    for (const QMailFolderId &id : ids) {
-        const QString text = idText(id);
-        if (!mappedIds.contains(text) && !taken.contains(text)
-            && mContext.store->folder(id).displayName() == MailHeaderText::singleLine(item.displayName()))
-            return id;
-    }
-    return QMailFolderId();
-}
-
-std::unique_ptr<QMailFolder> MailFolderAdapter::mailFolderFromFolderItem(const EasFolderItem &item) const
-{
-    const FolderKind *kind = kindOf(item.type());
-    if (!kind)
-        return nullptr;
-    quint64 flags = kind->flag | QMailFolder::MessagesPermitted | QMailFolder::RenamePermitted
-        | QMailFolder::ChildCreationPermitted;
-    const QMailFolderId parentId = folderId(item.localParentId());
-    if (!parentId.isValid()
-        || (mContext.store->folder(parentId).status() & QMailFolder::SynchronizationEnabled))
-        flags |= QMailFolder::SynchronizationEnabled;
-    auto folder = std::make_unique<QMailFolder>(
-        MailHeaderText::singleLine(item.displayName()), parentId, mContext.mailAccountId);
-    folder->setStatus(flags, true);
-    return folder;
-}
-
-bool MailFolderAdapter::commitStandardFolders(QMailAccount *account) const
-{
-    if (mContext.store->updateAccount(account))
-        return true;
-    qCCritical(eas()) << "failed to commit special folder"
-                      << account->standardFolder(QMailFolder::InboxFolder).toULongLong() << "for account"
-                      << mContext.mailAccountId.toULongLong();
-    return false;
 }
 
 bool MailFolderAdapter::updateFolderItems(
@@ -229,7 +72,7 @@ bool MailFolderAdapter::updateFolderItems(
         const QString localId = serverToLocal.value(item.serverId());
         if (localId.isEmpty() || !item.isEmail())
             continue;
-        QMailFolder folder = mContext.store->folder(folderId(localId));
+        QMailFolder folder = mContext.store->folder(MailFolderIds::fromText(localId));
         if (!folder.id().isValid()) {
             qCWarning(eas()) << "invalid local folder id" << localId;
             return false;
@@ -258,8 +101,8 @@ void MailFolderAdapter::setChangesToFolder(
             folder->setDisplayName(MailHeaderText::singleLine(item.displayName()));
             break;
         case Wbxml::FolderHierarchy::Type.key(): {
-            const FolderKind *kind = kindOf(item.type());
-            if (kind && kind->standardFolder != noStandardFolder)
+            const MailFolderKind *const kind = MailFolderKind::of(item.type());
+            if (kind && kind->isStandard())
                 folder->setStatus(kind->flag, true);
             break;
         }
@@ -278,7 +121,7 @@ void MailFolderAdapter::setParentToFolder(
         folder->setParentFolderId(QMailFolderId());
         return;
     }
-    const QMailFolderId parent = folderId(serverToLocal.value(item.serverParentId()));
+    const QMailFolderId parent = MailFolderIds::fromText(serverToLocal.value(item.serverParentId()));
     if (parent.isValid())
         folder->setParentFolderId(parent);
     else
@@ -297,29 +140,13 @@ bool MailFolderAdapter::deleteFolderItems(
             return false;
         if (!EasFolderItem::isEmailFolder(*type))
             continue;
-        const QMailFolderId id = folderId(serverToLocal.value(serverId));
+        const QMailFolderId id = MailFolderIds::fromText(serverToLocal.value(serverId));
         if (id.isValid())
             ids.append(id);
         else
             qCWarning(eas()) << "local id is not found for a server id" << serverId;
     }
     return MailFolderRemoval(mContext, mChanges).remove(ids);
-}
-
-void MailFolderAdapter::rollBackAddedFolderItems(QList<EasFolderItem> &items)
-{
-    QMailFolderIdList ids;
-    for (EasFolderItem &item : items) {
-        const QMailFolderId id = folderId(item.localId());
-        if (!item.isEmail() || !id.isValid())
-            continue;
-        if (!mAdopted.contains(id))
-            ids.append(id);
-        item.setLocalId(QString());
-        item.setSavedInStorage(false);
-    }
-    if (!MailFolderRemoval(mContext, mChanges).remove(ids))
-        qCCritical(eas()) << "failed to remove added items";
 }
 
 void MailFolderAdapter::allowFolderCreation()
@@ -353,7 +180,7 @@ void MailFolderAdapter::updateUserCreatedFoldersStatus()
             qCWarning(eas()) << "local folder id is empty in EAS database, skipping.";
             continue;
         }
-        QMailFolder folder = mContext.store->folder(folderId(item.localId()));
+        QMailFolder folder = mContext.store->folder(MailFolderIds::fromText(item.localId()));
         if (!folder.id().isValid()) {
             qCWarning(eas()) << "Invalid folder id, skipping user created mail folder.";
             continue;
@@ -375,7 +202,7 @@ Lookup<QList<EasFolderItem>> MailFolderAdapter::foldersToSynchronize() const
     const QList<QMailFolderId> ids = account->foldersToSync();
     for (const QMailFolderId &id : ids) {
         const Lookup<EasFolderItem> item =
-            EasDatabase::instance()->folderItemByLocalId(mContext.accountId(), idText(id));
+            EasDatabase::instance()->folderItemByLocalId(mContext.accountId(), MailFolderIds::text(id));
         if (!item)
             return Lookup<QList<EasFolderItem>>::unread();
         // A folder that the server does not know yet cannot be asked for.
@@ -391,7 +218,7 @@ bool MailFolderAdapter::cleanUpFolder(const EasFolderItem &item)
         qCWarning(eas()) << "tried to clean up non-email folder";
         return true;
     }
-    const QMailFolderId id = folderId(item.localId());
+    const QMailFolderId id = MailFolderIds::fromText(item.localId());
     if (!id.isValid()) {
         qCWarning(eas()) << "invalid folder id" << item.localId();
         return true;

@@ -5,13 +5,11 @@
 
 #include <QList>
 #include <QMap>
-#include <QSet>
 #include <QString>
 #include <QStringList>
 
 #include <qmailid.h>
 
-#include <memory>
 #include <optional>
 
 struct MailStoreContext;
@@ -41,26 +39,19 @@ public:
     /** Lets user-created folders of older installations be deleted, renamed and nested. */
     void updateUserCreatedFoldersStatus();
 
-    /** The folders that the mail account's policy says. */
-    /** Unread if the mail account or a row cannot be read. */
+    /** The folders that the mail account's policy says; unread if the mail account or a row cannot be read.
+     */
     Lookup<QList<EasFolderItem>> foldersToSynchronize() const;
 
-    /** Removes the messages of a folder, not the folder; those stay that wait for their move into it. */
-    /** False if the store refuses; a folder that the store does not have is clean. */
+    /** Removes the messages of a folder, not the folder; those stay that wait for their move into it.
+     * False if the store refuses; a folder that the store does not have is clean. */
     bool cleanUpFolder(const EasFolderItem &item);
 
 private:
-    bool addFolderItems(QList<EasFolderItem> &items, const QMap<QString, QString> &serverToLocal);
     bool updateFolderItems(const QList<EasFolderItem> &items, const QMap<QString, QString> &serverToLocal);
     bool deleteFolderItems(const QStringList &serverIds, const QMap<QString, QString> &serverToLocal);
-    void rollBackAddedFolderItems(QList<EasFolderItem> &items);
-    bool addFolderItem(EasFolderItem *item, QMailFolderId present);
-    std::unique_ptr<QMailFolder> mailFolderFromFolderItem(const EasFolderItem &item) const;
-    QMailFolderId presentFolder(const EasFolderItem &item, const QMap<QString, QString> &serverToLocal,
-        const QSet<QString> &taken) const;
     /** As the store has it now; none, after a log line, if it cannot be read. */
     std::optional<QMailAccount> mailAccount() const;
-    bool commitStandardFolders(QMailAccount *account) const;
     void setChangesToFolder(
         QMailFolder *folder, const EasFolderItem &item, const QMap<QString, QString> &serverToLocal) const;
     void setParentToFolder(
@@ -68,5 +59,4 @@ private:
 
     const MailStoreContext &mContext;
     MailFolderChanges &mChanges;
-    QSet<QMailFolderId> mAdopted;
 };

@@ -6,12 +6,10 @@
 #include "application/mapping/easdatabase.h"
 #include "easitems/easemailitem.h"
 #include "easitems/easfolderitem.h"
-#include "storages/mail/mailfolderremoval.h"
-#include "storages/mail/mailfolderrepair.h"
+#include "storages/mail/mailaccountfolders.h"
 #include "storages/mail/maillocalchanges.h"
 #include "storages/mail/mailmessageparts.h"
 #include "storages/mail/mailmessagereader.h"
-#include "storages/mail/mailmessagerepair.h"
 #include "storages/mail/mailmovedmessages.h"
 #include "storages/mail/mailsearchresults.h"
 
@@ -34,6 +32,7 @@ MailStorageImpl::MailStorageImpl(EasAccount *account, QObject *parent)
     , mContext { workingStore(), account, QMailAccountId() }
     , mFolderChanges(mContext)
     , mFolders(mContext, mFolderChanges)
+    , mBinding(mContext, mFolders, mFolderChanges)
     , mBatch(mContext)
     , mMarks(mContext)
     , mUserChanges(mContext)
@@ -60,7 +59,7 @@ void MailStorageImpl::initializeStorage()
     connect(mContext.store, &QMailStore::foldersRemoved, this, &MailStorageImpl::onFoldersRemoved,
         Qt::QueuedConnection);
     connect(
-        mContext.store, &QMailStore::accountsAdded, this, [this] { onAccountsAdded(); },
+        mContext.store, &QMailStore::accountsAdded, this, [this] { mBinding.bindOnce(); },
         Qt::QueuedConnection);
     qRegisterMetaType<QMailAccountIdList>("QMailAccountIdList");
     // At once, so that a question right after a change knows of it.
@@ -68,58 +67,7 @@ void MailStorageImpl::initializeStorage()
         [this](const QMailMessageIdList &ids) { mMarks.messagesUpdated(ids); });
     connect(&mUserChanges, &MailUserChanges::found, this, &MailStorageImpl::messagesChanged);
     mUserChanges.listen();
-    bindMailAccount();
-}
-
-void MailStorageImpl::bindMailAccount()
-{
-    EasDatabase *database = EasDatabase::instance();
-    mContext.mailAccountId = mContext.store->account(QMailAccountId(mContext.accountId())).id();
-    if (mContext.mailAccountId.isValid()) {
-        database->setEmailAccountId(mContext.accountId(), mContext.mailAccountId.toULongLong());
-        handleUnsavedFolders();
-        MailMessageRepair::removeStrays(mContext);
-        MailMessageRepair::purgeStaleRemovals(mContext);
-    } else {
-        const QMailAccountId older(database->emailAccountId(mContext.accountId()).valueOr(0));
-        if (older.isValid())
-            mContext.mailAccountId = mContext.store->account(older).id();
-    }
-    if (!mContext.mailAccountId.isValid())
-        return;
-    mFolders.allowFolderCreation();
-    mFolders.updateUserCreatedFoldersStatus();
-}
-
-void MailStorageImpl::onAccountsAdded()
-{
-    if (!mContext.mailAccountId.isValid())
-        bindMailAccount();
-}
-
-void MailStorageImpl::handleUnsavedFolders()
-{
-    if (!storeAvailable())
-        return;
-    if (!initialized()) {
-        qCWarning(eas()) << "MailStore is not initialized yet";
-        return;
-    }
-    MailFolderRepair repair = MailFolderRepair::find(mContext);
-    qCInfo(eas()) << "Need to add" << repair.added.size() << ", update" << repair.updated.size()
-                  << "and remove" << repair.removed.size() << "email folders";
-    if (repair.isEmpty())
-        return;
-    if (!MailFolderRemoval(mContext, mFolderChanges).remove(repair.removed))
-        qCWarning(eas()) << "failed to remove folders";
-    if (repair.added.isEmpty() && repair.updated.isEmpty())
-        return;
-    if (!updateFolders(repair.added, repair.updated, {})) {
-        qCWarning(eas()) << "failed to update folders";
-        return;
-    }
-    if (!repair.save(mContext))
-        qCWarning(eas()) << "failed to update folder items";
+    mBinding.bindOnce();
 }
 
 bool MailStorageImpl::storeAvailable() const
@@ -130,51 +78,18 @@ bool MailStorageImpl::storeAvailable() const
     return false;
 }
 
-bool MailStorageImpl::findMailAccount()
-{
-    // The store tells of a new account once; what could not be read then may be readable now.
-    if (!initialized())
-        bindMailAccount();
-    if (initialized())
-        return true;
-    qCCritical(eas()) << "there is no mail account for account" << mContext.accountId();
-    return false;
-}
-
 bool MailStorageImpl::initialized() const
 {
-    return mContext.mailAccountId.isValid();
-}
-
-bool MailStorageImpl::removeAccountFolders(QMailStore *store, quint64 accountId)
-{
-    QMailAccountId id = store->account(QMailAccountId(accountId)).id();
-    if (!id.isValid()) {
-        const Lookup<quint64> older = EasDatabase::instance()->emailAccountId(accountId);
-        if (!older)
-            return false;
-        id = QMailAccountId(*older);
-    }
-    // Removal records would be taken for those of other messages, which get their identifiers anew.
-    if (!id.isValid()
-        || (store->removeFolders(QMailFolderKey::parentAccountId(id), QMailStore::NoRemovalRecord)
-            && store->purgeMessageRemovalRecords(id)))
-        return true;
-    qCCritical(eas()) << "failed to remove folders in account" << accountId;
-    return false;
+    return mBinding.isBound();
 }
 
 bool MailStorageImpl::cleanUpAccounts(const QList<quint64> &accountIds)
 {
-    QMailStore *store = workingStore();
-    if (!store) {
-        qCCritical(eas()) << "QMailStore is null";
-        return false;
-    }
-    bool succeeded = true;
-    for (const quint64 accountId : accountIds)
-        succeeded = removeAccountFolders(store, accountId) && succeeded;
-    return succeeded;
+    QMailStore *const store = workingStore();
+    if (store)
+        return MailAccountFolders::remove(*store, accountIds);
+    qCCritical(eas()) << "QMailStore is null";
+    return false;
 }
 
 bool MailStorageImpl::cleanUpDeletedAccounts(const QList<quint64> &)
@@ -185,7 +100,7 @@ bool MailStorageImpl::cleanUpDeletedAccounts(const QList<quint64> &)
 bool MailStorageImpl::updateFolders(
     QList<EasFolderItem> &added, QList<EasFolderItem> &changed, const QStringList &deleted)
 {
-    return storeAvailable() && findMailAccount() && mFolders.updateFolders(added, changed, deleted);
+    return storeAvailable() && mBinding.find() && mFolders.updateFolders(added, changed, deleted);
 }
 
 bool MailStorageImpl::updateEmails(
@@ -416,8 +331,8 @@ bool MailStorageImpl::cleanUpFolder(const EasFolderItem &folder)
 
 Lookup<QList<EasFolderItem>> MailStorageImpl::foldersToSynchronize()
 {
-    return storeAvailable() && findMailAccount() ? mFolders.foldersToSynchronize()
-                                                 : Lookup<QList<EasFolderItem>>::unread();
+    return storeAvailable() && mBinding.find() ? mFolders.foldersToSynchronize()
+                                               : Lookup<QList<EasFolderItem>>::unread();
 }
 
 void MailStorageImpl::onFoldersAdded(QMailFolderIdList ids)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include "storages/mail/mailaccountbinding.h"
 #include "storages/mail/mailfolderadapter.h"
 #include "storages/mail/mailfolderchanges.h"
 #include "storages/mail/mailitembatch.h"
@@ -79,22 +80,16 @@ public Q_SLOTS:
     void onFoldersRemoved(QMailFolderIdList ids);
 
 private:
-    /** Looks for the mail account again if there was none; false, after a log line, if there still is none.
-     */
-    bool findMailAccount();
     void initializeStorage();
-    void bindMailAccount();
-    void handleUnsavedFolders();
-    void onAccountsAdded();
     bool storeAvailable() const;
     bool responseTypeIsOneOf(
         const QString &localId, QMailMessage::ResponseType first, QMailMessage::ResponseType second) const;
     EasEmailItem itemFromMessage(const QString &localId);
-    static bool removeAccountFolders(QMailStore *store, quint64 accountId);
 
     MailStoreContext mContext;
     MailFolderChanges mFolderChanges;
     MailFolderAdapter mFolders;
+    MailAccountBinding mBinding;
     MailItemBatch mBatch;
     MailPendingMarks mMarks;
     MailUserChanges mUserChanges;
