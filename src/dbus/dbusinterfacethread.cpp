@@ -7,13 +7,11 @@
 #include "dbus/accountreader.h"
 #include "dbus/dbusinterfaceadapter.h"
 #include "dbus/dbuspeerinterfaceadapter.h"
+#include "dbus/peerservice.h"
 #include "protocol/base/protocoltime.h"
 
 #include <QDBusConnection>
 #include <QDBusError>
-#include <QDBusServer>
-#include <QDir>
-#include <QFileInfo>
 
 #include <utility>
 
@@ -48,12 +46,8 @@ void DBusInterfaceThread::run()
 {
     ExchangeActiveSync::registerDBusTypes();
     // What is created here belongs to this thread and goes with it.
-    QObject owner;
-    mPeerObject = new QObject(&owner);
-    mPeerAdapter = new DBusPeerInterfaceAdapter(mPeerObject);
-    createPeerServer();
-    if (mPeerServer)
-        mPeerServer->setParent(&owner);
+    mPeers = std::make_unique<PeerService>();
+    connect(&mPeers->server(), &QDBusServer::newConnection, this, &DBusInterfaceThread::newP2PConnection);
     mAccounts = std::make_unique<AccountReader>();
     mAdapter = new DBusInterfaceAdapter(this);
     connectSessionBus();
@@ -66,25 +60,8 @@ void DBusInterfaceThread::run()
     QDBusConnection::disconnectFromBus(SessionBusName);
     const std::unique_ptr<DBusInterfaceAdapter> adapter(mAdapter);
     mAdapter = nullptr;
-    mPeerAdapter = nullptr;
-    mPeerServer = nullptr;
-    mPeerObject = nullptr;
+    mPeers.reset();
     mAccounts.reset();
-}
-
-void DBusInterfaceThread::createPeerServer()
-{
-    const QString address = ExchangeActiveSync::EAS_DBUS_PEER_ADDRESS;
-    const QString folder = QFileInfo(address.section(QLatin1Char('='), 1)).path();
-    if (!QDir().mkpath(folder))
-        qCCritical(eas()) << "Could not create directory for p2p bus socket";
-    mPeerServer = new QDBusServer(address);
-    if (!mPeerServer->isConnected()) {
-        qCCritical(eas()) << "Could not create p2p bus:" << mPeerServer->lastError().message();
-        return;
-    }
-    connect(mPeerServer, &QDBusServer::newConnection, this, &DBusInterfaceThread::newP2PConnection);
-    qCInfo(eas()) << "p2p bus for GAL created";
 }
 
 void DBusInterfaceThread::connectSessionBus()
@@ -105,7 +82,7 @@ void DBusInterfaceThread::connectSessionBus()
 
 void DBusInterfaceThread::newP2PConnection(const QDBusConnection &connection)
 {
-    mPeerConnections.add(connection, mPeerObject);
+    mPeers->add(connection);
 }
 
 void DBusInterfaceThread::leaveConnections()
@@ -116,7 +93,7 @@ void DBusInterfaceThread::leaveConnections()
     bus.unregisterObject(ExchangeActiveSync::EAS_DBUS_PATH_NAME);
     bus.disconnect(SchedulerService, SchedulerPath, SchedulerService, SchedulerSignal, this,
         SIGNAL(alwaysOnStatus(uint, QString, bool)));
-    mPeerConnections.leave();
+    mPeers->leave();
 }
 
 int DBusInterfaceThread::protocolVersion(qulonglong accountId)
@@ -377,7 +354,8 @@ void DBusInterfaceThread::reportFindMessagesFinished(qulonglong accountId, qulon
 void DBusInterfaceThread::reportGalItemReceived(
     qulonglong accountId, qulonglong requestId, qulonglong matchingId, const GalItem &item)
 {
-    report(mPeerAdapter, &DBusPeerInterfaceAdapter::galItemReceived, accountId, requestId, matchingId, item);
+    report(mPeers ? mPeers->adapter() : nullptr, &DBusPeerInterfaceAdapter::galItemReceived, accountId,
+        requestId, matchingId, item);
 }
 
 void DBusInterfaceThread::reportSyncStarted(qulonglong accountId, qulonglong requestId)

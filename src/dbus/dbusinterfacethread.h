@@ -3,7 +3,6 @@
 
 #include "common/failedpolicymap.h"
 #include "common/galitem.h"
-#include "dbus/peerconnections.h"
 #include "dbus/pushstates.h"
 #include "easitems/containers/easoofcontainer.h"
 
@@ -16,9 +15,8 @@
 
 class AccountReader;
 class DBusInterfaceAdapter;
-class DBusPeerInterfaceAdapter;
+class PeerService;
 class QDBusConnection;
-class QDBusServer;
 
 /**
  * The daemon's face on the session bus, on a thread of its own, so that calls are answered while the engine
@@ -163,16 +161,12 @@ private:
     qulonglong queryRequestId();
     /** Calls with a new identifier, which it returns. */
     template <typename Call> qulonglong withRequestId(Call call);
-    void createPeerServer();
     void connectSessionBus();
     void leaveConnections();
 
     qulonglong mLastRequestId = 0;
     DBusInterfaceAdapter *mAdapter = nullptr;
-    DBusPeerInterfaceAdapter *mPeerAdapter = nullptr;
-    QDBusServer *mPeerServer = nullptr;
-    PeerConnections mPeerConnections;
+    std::unique_ptr<PeerService> mPeers;
     std::unique_ptr<AccountReader> mAccounts;
     PushStates mPushStates;
-    QObject *mPeerObject = nullptr;
 };
