@@ -268,6 +268,9 @@ void RequestManager::dropPendingRequests(
         if (request->accountId() != accountId || !matches(*request))
             continue;
         mPendingRequests.removeAll(request);
+        // Of the others that never got as far as a queue clients hear nothing.
+        if (request->isProvisioning())
+            request->cancel();
         request->deleteLater();
     }
 }

@@ -457,6 +457,21 @@ private Q_SLOTS:
         QCOMPARE(kept->starts, 1);
     }
 
+    void aWaitingProvisionRequestThatIsCancelledIsReported()
+    {
+        mManager->storage->isReadyNow = false;
+        QSignalSpy provisioned(mManager.data(), &RequestManager::provisionRequestFinished);
+        mManager->onProvisionPolicyRequest(Account, 5);
+        mManager->onCancelRequest(Account, 5);
+        QCOMPARE(provisioned.count(), 1);
+        QCOMPARE(provisioned.first().at(0).toULongLong(), Account);
+        QCOMPARE(provisioned.first().at(1).toULongLong(), 5ULL);
+        QCOMPARE(provisioned.first().at(2).toInt(), -4);
+        mManager->storage->becomeReady();
+        QCOMPARE(provisioned.count(), 1);
+        QCOMPARE(mFinished->count(), 0);
+    }
+
     void waitingRequestsOfADeletedAccountGo()
     {
         mManager->storage->isReadyNow = false;
