@@ -154,6 +154,22 @@ bool hasTheEventFile(SyncTestBed &)
     return !mKCal::AttachmentInfo(eventFile()).contentLocation().isEmpty();
 }
 
+// Out of office
+
+qulonglong goAway(SyncTestBed &bed)
+{
+    const qulonglong id = nextId();
+    EasOofContainer state;
+    state.setOofEnabled(true);
+    RequestManager::instance()->onSetOofStateRequest(bed.accountId(), id, state);
+    return id;
+}
+
+bool isAway(SyncTestBed &bed)
+{
+    return bed.mailbox().outOfOffice().state == 1;
+}
+
 } // namespace
 
 const QList<DemandScene::Work> &DemandScene::works()
@@ -187,6 +203,7 @@ const QList<DemandScene::Work> &DemandScene::works()
             hasTheFile<FileSize> },
         { "the file of an event", "ItemOperations", 0, hasAnEventWithAFile, fetchEventFile, hasTheEventFile,
             "16.1" },
+        { "an absence", "Settings", 0, missesOneMessage, goAway, isAway },
     };
     return all;
 }
