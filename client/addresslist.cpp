@@ -10,6 +10,9 @@
 
 namespace {
 
+/** What servers take, with room to spare. */
+constexpr int LongestAddress = 320;
+
 bool refuse(const QString &error)
 {
     Output::error(error);
@@ -43,7 +46,7 @@ QString normalise(QMailAddress *address)
     const QRegularExpressionMatch match = wellFormed.match(address->address());
     const QString domain = match.captured(2);
     const QString travelling = isAscii(domain) ? domain : QString::fromLatin1(QUrl::toAce(domain));
-    if (travelling.isEmpty())
+    if (travelling.isEmpty() || address->address().size() > LongestAddress)
         return QStringLiteral("\"%1\" is no mail address").arg(address->toString());
     if (!isAscii(match.captured(1)))
         return QStringLiteral("\"%1\": what stands before the @ can have no letters but a to z")

@@ -55,6 +55,8 @@ QMailMessageBody QMailMessageBody::fromData(
 QMailMessageBody QMailMessageBody::fromFile(const QString &filename, const QMailMessageContentType &type,
     TransferEncoding encoding, EncodingStatus status)
 {
+    if (status == RequiresEncoding && encoding == Base64)
+        return MailValueAccess::body(BodyOctets::ofFileInBase64(filename), encoding, type);
     const BodyOctets octets = BodyOctets::ofFile(filename);
     const bool isEncoded = status == AlreadyEncoded || encoding == NoEncoding || encoding == Binary;
     return isEncoded ? MailValueAccess::body(octets, encoding, type)

@@ -8,8 +8,13 @@
 
 namespace {
 
+/** A line of a header ends after 998 letters, and is broken at blanks alone. */
+const int longestWord = 900;
+
 bool fitsHeader(QStringView word)
 {
+    if (word.size() > longestWord)
+        return false;
     for (const QChar c : word) {
         if (c < QLatin1Char(' ') || c > QLatin1Char('~'))
             return false;

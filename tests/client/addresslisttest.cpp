@@ -61,6 +61,7 @@ private Q_SLOTS:
             << QStringLiteral("Bob") + QChar(0x2028) + QStringLiteral("<a@b.org>");
         QTest::newRow("a NUL") << QStringLiteral("Bob") + QChar(0) + QStringLiteral("<a@b.org>");
         QTest::newRow("umlauts in a mailbox") << QString::fromUtf8("jürgen@x.org");
+        QTest::newRow("4000 letters") << QString(4000, QLatin1Char('x')) + QStringLiteral("@x.org");
         QTest::newRow("an empty group") << QStringLiteral("Friends:;");
     }
 

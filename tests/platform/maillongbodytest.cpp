@@ -158,6 +158,46 @@ private Q_SLOTS:
         QVERIFY(QMailMessage(message.id()).toRfc2822().contains(bytes.toBase64().left(60)));
     }
 
+    void aFileIsEncodedAsItIsRead_data()
+    {
+        QTest::addColumn<int>("size");
+        for (const int size : { 0, 1, 2, 3, 56, 57, 58, 114, 115, pieceSize, 3 * pieceSize + 1 })
+            QTest::addRow("%d octets", size) << size;
+    }
+
+    void aFileIsEncodedAsItIsRead()
+    {
+        QFETCH(int, size);
+        const QByteArray bytes = octets(size);
+        const QMailMessageContentType type("application/octet-stream");
+        const QMailMessageBody expected = QMailMessageBody::fromData(
+            bytes, type, QMailMessageBody::Base64, QMailMessageBody::RequiresEncoding);
+        const QMailMessageBody body = QMailMessageBody::fromFile(
+            fileOf(bytes), type, QMailMessageBody::Base64, QMailMessageBody::RequiresEncoding);
+        QCOMPARE(body.length(), expected.length());
+        QVERIFY(body.data(QMailMessageBody::Encoded) == expected.data(QMailMessageBody::Encoded));
+        QMailMessage message = messageWith({ partOf(body) });
+        QVERIFY(mStore->addMessage(&message));
+        QVERIFY(storedPart(message.id(), 1) == bytes);
+    }
+
+    void aLargeFileIsStoredInLittleMemory()
+    {
+        const qint64 size = 25 * 1024 * 1024;
+        const QString file = mFolder.filePath(QStringLiteral("large"));
+        QFile large(file);
+        QVERIFY(large.open(QIODevice::WriteOnly) && large.resize(size));
+        if (!forgetPeakMemory())
+            QSKIP("this kernel does not forget a peak");
+        const qint64 before = peakMemory();
+        QMailMessage message = messageWith(
+            { partOf(QMailMessageBody::fromFile(file, QMailMessageContentType("application/octet-stream"),
+                QMailMessageBody::Base64, QMailMessageBody::RequiresEncoding)) });
+        QVERIFY(mStore->addMessage(&message));
+        QVERIFY2(peakMemory() - before < size / 2, QByteArray::number(peakMemory() - before));
+        QVERIFY(QFile::remove(file));
+    }
+
     void aFileMayGoBeforeItIsStored()
     {
         const QByteArray bytes = octets(3 * pieceSize);

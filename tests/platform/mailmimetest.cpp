@@ -234,6 +234,56 @@ private Q_SLOTS:
         QVERIFY(!message.toRfc2822(QMailMessage::StorageFormat).contains("AQI="));
     }
 
+    void noLineOfAHeaderIsTooLong_data()
+    {
+        QTest::addColumn<QString>("word");
+        QTest::newRow("letters") << QString(4000, QLatin1Char('x'));
+        QTest::newRow("umlauts") << QString(4000, QChar(0xe4));
+        QTest::newRow("quotes") << QStringLiteral("x\"").repeated(2000);
+    }
+
+    void noLineOfAHeaderIsTooLong()
+    {
+        QFETCH(QString, word);
+        QMailMessage message;
+        message.setSubject(word);
+        message.setTo(QMailAddress(word, QStringLiteral("a@b.org")));
+        QMailMessageContentType type("application/octet-stream");
+        type.setName("=?UTF-8?B?" + word.toUtf8().toBase64() + "?=");
+        message.appendPart(QMailMessagePart::fromData(QByteArray("x"),
+            QMailMessageContentDisposition(QMailMessageContentDisposition::Attachment), type,
+            QMailMessageBody::Base64));
+        message.setMultipartType(QMailMessage::MultipartMixed);
+        const QByteArray sent = message.toRfc2822();
+        for (const QByteArray &line : sent.split('\n'))
+            QVERIFY2(line.size() <= 999, line.left(80)); // with its carriage return
+        const QMailMessage parsed = QMailMessage::fromRfc2822(sent);
+        QCOMPARE(parsed.subject(), word);
+        QCOMPARE(parsed.to().value(0).name(), word);
+        QCOMPARE(parsed.to().value(0).address(), QStringLiteral("a@b.org"));
+        QCOMPARE(parsed.partAt(0).displayName(), word);
+    }
+
+    void aReferenceSaysThatItsTargetHasEightBits()
+    {
+        const QMailMessage target =
+            stored(QMailMessage::fromRfc2822("Subject: t\r\nContent-Type: text/plain; charset=UTF-8\r\n"
+                                             "Content-Transfer-Encoding: 8bit\r\n\r\nGr\xc3\xbc\xc3\x9f"
+                                             "e"));
+        QMailMessage message;
+        message.setMultipartType(QMailMessage::MultipartMixed);
+        message.appendPart(
+            QMailMessagePart::fromMessageReference(target.id(), QMailMessageContentDisposition("attachment"),
+                QMailMessageContentType("message/rfc822"), QMailMessageBody::NoEncoding));
+        const QMailMessage parsed = QMailMessage::fromRfc2822(stored(message).toRfc2822());
+        QCOMPARE(parsed.partAt(0).transferEncoding(), QMailMessageBody::EightBit);
+        QVERIFY(parsed.partAt(0)
+                    .body()
+                    .data(QMailMessageBody::Decoded)
+                    .endsWith("\xc3\xbc\xc3\x9f"
+                              "e"));
+    }
+
     void longAddressListsFoldAfterAComma()
     {
         QList<QMailAddress> many;

@@ -19,7 +19,7 @@ public:
         TransferEncoding encoding, EncodingStatus status);
     static QMailMessageBody fromData(
         const QString &text, const QMailMessageContentType &type, TransferEncoding encoding);
-    /** Where the octets need not be encoded they stay in the file until the store copies them. */
+    /** Octets that need no encoding, or base64, stay in the file until the store copies them. */
     static QMailMessageBody fromFile(const QString &filename, const QMailMessageContentType &type,
         TransferEncoding encoding, EncodingStatus status);
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "internal/bodyoctets.h"
 
+#include "internal/base64lines.h"
 #include "internal/contentloader.h"
 
 #include <QDebug>
@@ -43,6 +44,44 @@ private:
     int mSize = 0;
 };
 
+/** A file as lines of base64. */
+class Base64FileSource : public FileSource
+{
+public:
+    using FileSource::FileSource;
+
+    int size() const override
+    {
+        const int octets = FileSource::size();
+        const int letters = (octets + 2) / 3 * 4;
+        return letters + (octets > 0 ? (octets - 1) / Base64Lines::octetsInLine * lineEnd : 0);
+    }
+
+    QByteArray read(int offset, int length) const override
+    {
+        const int line = offset / wholeLine;
+        const int end = qMin(size(), offset + length);
+        if (end <= offset)
+            return QByteArray();
+        const int octets = ((end - 1) / wholeLine + 1 - line) * Base64Lines::octetsInLine;
+        const QByteArray lines =
+            Base64Lines::encode(FileSource::read(line * Base64Lines::octetsInLine, octets));
+        // Where the file goes on behind the last of these lines, so does the text.
+        return (lines + "\r\n").mid(offset - line * wholeLine, end - offset);
+    }
+
+private:
+    static constexpr int lineEnd = 2;
+    static constexpr int wholeLine = Base64Lines::lettersInLine + lineEnd;
+};
+
+/** Null, after a warning, if the file cannot be read. */
+template <class Source> std::shared_ptr<const BodyOctets::Source> opened(const QString &fileName)
+{
+    auto source = std::make_shared<Source>(fileName);
+    return source->open() ? source : nullptr;
+}
+
 class StoreSource : public BodyOctets::Source
 {
 public:
@@ -83,8 +122,14 @@ private:
 
 BodyOctets BodyOctets::ofFile(const QString &fileName)
 {
-    auto source = std::make_shared<FileSource>(fileName);
-    return source->open() ? BodyOctets(std::shared_ptr<const Source>(source)) : BodyOctets();
+    const auto source = opened<FileSource>(fileName);
+    return source ? BodyOctets(source) : BodyOctets();
+}
+
+BodyOctets BodyOctets::ofFileInBase64(const QString &fileName)
+{
+    const auto source = opened<Base64FileSource>(fileName);
+    return source ? BodyOctets(source) : BodyOctets();
 }
 
 BodyOctets BodyOctets::ofStore(quint64 number, int size)

@@ -42,6 +42,8 @@ public:
 
     /** The file may be removed meanwhile, not changed. Empty, logged, if it cannot be opened. */
     static BodyOctets ofFile(const QString &fileName);
+    /** The same in base64, which is made of the file as it is read. */
+    static BodyOctets ofFileInBase64(const QString &fileName);
     static BodyOctets ofStore(quint64 number, int size);
 
     int size() const { return mSource ? mSource->size() : mOctets.size(); }

@@ -94,6 +94,24 @@ QByteArray wordOf(const QByteArray &bytes)
     return word + "?=";
 }
 
+/** A line ends after 998 letters, and an octet may take three of them. */
+const int longestValue = 300;
+
+/** A value in pieces (RFC 2231, 3), each of which goes into a line. */
+QByteArray inSections(const QByteArray &name, const QByteArray &value, bool plain)
+{
+    QByteArrayList sections;
+    for (int begin = 0; begin < value.size(); begin += longestValue) {
+        const QByteArray section = name + '*' + QByteArray::number(sections.size());
+        const QByteArray piece = value.mid(begin, longestValue);
+        if (plain)
+            sections.append(HeaderParameters::quoted(section, piece));
+        else
+            sections.append(section + (begin == 0 ? "*=UTF-8''" : "*=") + piece.toPercentEncoding());
+    }
+    return sections.join("; ");
+}
+
 bool needsQuotes(const QByteArray &value)
 {
     return !std::all_of(value.cbegin(), value.cend(),
@@ -175,6 +193,8 @@ QByteArray keptInPart(const QMailMessageHeaderField &field)
 QByteArray encoded(const QByteArray &name, const QByteArray &value)
 {
     const bool plain = std::all_of(value.cbegin(), value.cend(), [](char c) { return c >= ' ' && c < 127; });
+    if (value.size() > longestValue)
+        return inSections(name, value, plain);
     if (plain)
         return quoted(name, value);
     return name + "*=UTF-8''" + value.toPercentEncoding();

@@ -12,11 +12,27 @@
 
 namespace {
 
+const int roomForHeaders = 64 * 1024;
 const char preamble[] = "This is a multi-part message in MIME format.\r\n";
 
 bool isPlainAscii(const QByteArray &bytes)
 {
     return std::all_of(bytes.cbegin(), bytes.cend(), [](char c) { return c != '\0' && uchar(c) < 0x80; });
+}
+
+template <class Take> void addPieces(const BodyOctets &octets, Take take)
+{
+    for (int i = 0; i < octets.pieceCount(); ++i)
+        take(octets.piece(i));
+}
+
+/** What the bodies of a message take. */
+int bodySize(const MimeNode &node)
+{
+    int size = node.body.size();
+    for (const QMailMessagePart &part : node.parts)
+        size += bodySize(MailValueAccess::node(part));
+    return size;
 }
 
 class Renderer
@@ -35,6 +51,8 @@ public:
         const MimeNode &node = MailValueAccess::node(mMessage);
         if (mFormat == QMailMessage::IdentityFormat && !node.received.isEmpty() && !node.anyModified())
             return node.received;
+        if (mFormat != QMailMessage::HeaderOnlyFormat)
+            mOut.reserve(bodySize(node) + roomForHeaders);
         renderHeaders(node);
         if (mFormat != QMailMessage::IdentityFormat && !node.hasHeader("Date")) {
             const QMailTimeStamp date =
@@ -72,7 +90,8 @@ private:
         // base64 holds "=_".
         QCryptographicHash hash(QCryptographicHash::Sha1);
         for (const QMailMessagePart &part : node.parts)
-            hash.addData(MailValueAccess::node(part).body.all());
+            addPieces(
+                MailValueAccess::node(part).body, [&hash](const QByteArray &piece) { hash.addData(piece); });
         for (const uint index : node.indices)
             hash.addData(QByteArray::number(index));
         return "=_" + hash.result().toHex().left(24) + '_' + QByteArray::number(mBoundaries);
@@ -105,16 +124,26 @@ private:
 
     void renderContent(const MimeNode &node)
     {
-        if (node.reference == QMailMessagePart::MessageReference) {
-            const QMailMessage target(node.referencedMessage);
-            if (target.id().isValid())
-                mOut += target.toRfc2822(mFormat);
-        } else if (node.multipart == QMailMessage::MultipartNone) {
-            const QByteArray octets = node.body.all();
-            mOut += needsBase64(node) ? encodeForTransfer(octets, QMailMessageBody::Base64, false) : octets;
-        } else {
+        if (node.multipart != QMailMessage::MultipartNone)
             renderParts(node);
+        else if (needsBase64(node))
+            mOut += encodeForTransfer(node.body.all(), QMailMessageBody::Base64, false);
+        else
+            addPieces(node.body, [this](const QByteArray &piece) { mOut += piece; });
+    }
+
+    void renderPart(const MimeNode &node)
+    {
+        renderHeaders(node);
+        if (node.reference != QMailMessagePart::MessageReference) {
+            mOut += "\r\n";
+            return renderContent(node);
         }
+        const QMailMessage target(node.referencedMessage);
+        const QByteArray text = target.id().isValid() ? target.toRfc2822(mFormat) : QByteArray();
+        if (!isPlainAscii(text) && !node.hasHeader("Content-Transfer-Encoding"))
+            mOut += foldedHeader("Content-Transfer-Encoding", "8bit");
+        mOut += "\r\n" + text;
     }
 
     void renderParts(const MimeNode &node)
@@ -127,10 +156,7 @@ private:
             if (mLeftOut.contains(&part))
                 continue;
             mOut += "\r\n--" + boundary + "\r\n";
-            const MimeNode &child = MailValueAccess::node(part);
-            renderHeaders(child);
-            mOut += "\r\n";
-            renderContent(child);
+            renderPart(MailValueAccess::node(part));
         }
         mOut += "\r\n--" + boundary + "--\r\n";
     }

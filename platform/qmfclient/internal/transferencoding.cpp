@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "internal/transferencoding.h"
 
+#include "internal/base64lines.h"
+
 #include <KCodecs>
 
 namespace {
@@ -18,20 +20,6 @@ const EncodingName encodingNames[] = {
     { QMailMessageBody::QuotedPrintable, "quoted-printable" },
     { QMailMessageBody::Binary, "binary" },
 };
-
-QByteArray base64Lines(const QByteArray &octets)
-{
-    const int lineLength = 76;
-    const QByteArray all = octets.toBase64();
-    QByteArray lines;
-    lines.reserve(all.size() + all.size() / lineLength * 2 + 2);
-    for (int start = 0; start < all.size(); start += lineLength) {
-        if (start > 0)
-            lines += "\r\n";
-        lines += all.mid(start, lineLength);
-    }
-    return lines;
-}
 
 /** For content whose line ends are no line ends: each control character is encoded. */
 QByteArray quotedPrintableOctets(const QByteArray &octets)
@@ -95,7 +83,7 @@ QByteArray encodeForTransfer(const QByteArray &octets, QMailMessageBody::Transfe
 {
     switch (encoding) {
     case QMailMessageBody::Base64:
-        return base64Lines(octets);
+        return Base64Lines::encode(octets);
     case QMailMessageBody::QuotedPrintable:
         // For text the line ends stay line ends; of other octets they are content and are encoded.
         return text ? KCodecs::quotedPrintableEncode(withLf(octets), true) : quotedPrintableOctets(octets);
