@@ -5,6 +5,8 @@
 #include "application/mapping/easdatabase.h"
 
 #include <qmailfolderkey.h>
+#include <qmailmessage.h>
+#include <qmailmessagekey.h>
 #include <qmailstore.h>
 
 namespace {
@@ -18,9 +20,13 @@ bool removeAll(QMailStore &store, quint64 accountId)
             return false;
         id = QMailAccountId(*older);
     }
+    // What searches have found lies in no folder of the account.
+    const QMailMessageKey results = QMailMessageKey::parentAccountId(id)
+        & QMailMessageKey::status(QMailMessage::Temporary, QMailDataComparator::Includes);
     // Removal records would be taken for those of other messages, which get their identifiers anew.
     if (!id.isValid()
-        || (store.removeFolders(QMailFolderKey::parentAccountId(id), QMailStore::NoRemovalRecord)
+        || (store.removeMessages(results, QMailStore::NoRemovalRecord)
+            && store.removeFolders(QMailFolderKey::parentAccountId(id), QMailStore::NoRemovalRecord)
             && store.purgeMessageRemovalRecords(id)))
         return true;
     qCCritical(eas()) << "failed to remove folders in account" << accountId;

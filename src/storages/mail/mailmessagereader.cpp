@@ -14,9 +14,6 @@
 
 namespace {
 
-// The class that names it differs between revisions of the store.
-const QMailFolderId localStorageFolder(quint64(1));
-
 QString idText(const QMailMessageId &id)
 {
     return QString::number(id.toULongLong());
@@ -142,7 +139,7 @@ void MailMessageReader::setMove(EasEmailItem *item, const QMailMessageMetaData &
     const QString source = localToServerFolders.value(idText(previous));
     if (!source.isEmpty())
         item->setSourceFolderId(source);
-    else if (previous != localStorageFolder)
+    else if (previous != MailStoreContext::localStorage())
         qCWarning(eas()) << "unknown previous folder id" << previous.toULongLong();
     item->setDestinationFolderId(item->collectionId());
 }

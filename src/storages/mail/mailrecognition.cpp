@@ -158,8 +158,10 @@ std::optional<QStringList> MailRecognition::staleRemovals(const MailStoreContext
     for (auto removal = recognition->mRemovals.cbegin(); removal != recognition->mRemovals.cend();
          ++removal) {
         const bool hasRow = recognition->mCollections.contains(removal.key());
-        const bool hasFolder = std::any_of(removal->cbegin(), removal->cend(),
-            [&context](quint64 id) { return context.store->folder(QMailFolderId(id)).id().isValid(); });
+        const bool hasFolder = std::any_of(removal->cbegin(), removal->cend(), [&context](quint64 number) {
+            const QMailFolderId id(number);
+            return id != MailStoreContext::localStorage() && context.store->folder(id).id().isValid();
+        });
         if (hasRow ? recognition->isStored(removal.key()) : !hasFolder)
             stale.append(removal.key());
     }

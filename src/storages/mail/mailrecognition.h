@@ -74,8 +74,9 @@ public:
     static std::optional<QMap<QString, QString>> removedHere(const MailStoreContext &context);
 
     /**
-     * Identifiers of removal records that tell of no message any more: their folder is gone and they have no
-     * row, or what has their row is in the store. Nothing if the mapping could not be read.
+     * Identifiers of removal records that tell of no message any more: their folder is gone, or was the
+     * store's own, and they have no row, or what has their row is in the store. Nothing if the mapping could
+     * not be read.
      */
     static std::optional<QStringList> staleRemovals(const MailStoreContext &context);
 

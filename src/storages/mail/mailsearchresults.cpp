@@ -25,34 +25,41 @@ bool MailSearchResults::add(QList<EasEmailItem> &items, QList<quint64> &ids)
     if (!recognition)
         return false;
     MailMessageAdder::Messages messages;
-    QHash<QString, QMailMessage *> byUid;
-    std::vector<const QMailMessage *> hits;
+    QHash<QString, const QMailMessage *> made;
     for (const EasEmailItem &item : qAsConst(items)) {
         const QString uid = MailMessageWriter::serverUid(item);
-        QMailMessage *message = uid.isEmpty() ? nullptr : byUid.value(uid);
-        if (!message) {
-            const QMailMessageId known = recognition->stored(uid).id();
-            std::unique_ptr<QMailMessage> made = known.isValid()
-                ? std::make_unique<QMailMessage>(mContext.store->message(known))
-                : mAdder.messageFor(item, *recognition);
-            if (!made)
-                return false;
-            if (!made->id().isValid())
-                made->setStatus(QMailMessage::Temporary, true);
-            message = made.get();
-            byUid.insert(uid, message);
-            messages.push_back(std::move(made));
-        }
-        hits.push_back(message);
+        if (made.contains(uid) || recognition->stored(uid).id().isValid())
+            continue;
+        std::unique_ptr<QMailMessage> message = messageFor(item, *recognition);
+        if (!message)
+            return false;
+        made.insert(uid, message.get());
+        messages.push_back(std::move(message));
     }
     if (!mAdder.store(messages))
         return false;
     ids.clear();
-    for (size_t i = 0; i < hits.size(); ++i) {
-        ids.append(hits[i]->id().toULongLong());
-        items[int(i)].setLocalId(QString::number(ids.last()));
+    for (EasEmailItem &item : items) {
+        const QString uid = MailMessageWriter::serverUid(item);
+        const QMailMessage *const message = made.value(uid);
+        const QMailMessageId id = message ? message->id() : recognition->stored(uid).id();
+        ids.append(id.toULongLong());
+        item.setLocalId(QString::number(ids.last()));
     }
     return true;
+}
+
+std::unique_ptr<QMailMessage> MailSearchResults::messageFor(
+    const EasEmailItem &item, const MailRecognition &recognition) const
+{
+    EasEmailItem hit = item;
+    hit.setLocalCollectionId(MailStoreContext::localStorage().toULongLong());
+    std::unique_ptr<QMailMessage> message = mAdder.messageFor(hit, recognition);
+    if (!message)
+        return nullptr;
+    message->setStatus(QMailMessage::Temporary, true);
+    message->setRestoreFolderId(QMailFolderId(item.localCollectionId()));
+    return message;
 }
 
 bool MailSearchResults::removeEarlier(const QList<EasEmailItem> &items) const

@@ -9,7 +9,11 @@
 struct MailStoreContext;
 class EasEmailItem;
 
-/** Keeps what a search on the server has found as temporary messages of the store. */
+/**
+ * Keeps what a search on the server has found: as temporary messages in the store's own folder, which no sync
+ * looks at and no folder of the account shows. The folder on the server is the one to restore to. An object
+ * of the moment.
+ */
 class MailSearchResults
 {
 public:
@@ -17,12 +21,15 @@ public:
 
     /**
      * Stores the hits in place of earlier ones of the same names; ids come in the order of the items. A hit
-     * that is synchronised anyway is the message that is there.
+     * that is synchronised anyway is the message that is there, which stays as it is.
      */
     bool add(QList<EasEmailItem> &items, QList<quint64> &ids);
 
 private:
     bool removeEarlier(const QList<EasEmailItem> &items) const;
+    /** Null, logged, if it cannot be built. */
+    std::unique_ptr<QMailMessage> messageFor(
+        const EasEmailItem &item, const MailRecognition &recognition) const;
 
     const MailStoreContext &mContext;
     MailMessageAdder mAdder;

@@ -17,6 +17,8 @@
 #include <qmailfolderkey.h>
 #include <qmailmessagekey.h>
 
+#include <QUrl>
+
 namespace {
 
 QMailStore *workingStore()
@@ -116,8 +118,11 @@ bool MailStorageImpl::addSearchResults(QList<EasEmailItem> &items, QList<quint64
     const auto folders = EasDatabase::instance()->serverToLocalFolderIds(mContext.accountId());
     if (!folders)
         return false;
-    for (EasEmailItem &item : items)
-        item.setLocalCollectionId(folders->value(item.collectionId()).toULongLong());
+    for (EasEmailItem &item : items) {
+        // Some servers escape a folder's identifier in the hierarchy and not in a result.
+        const auto escaped = QString::fromLatin1(QUrl::toPercentEncoding(item.collectionId()));
+        item.setLocalCollectionId(folders->value(item.collectionId(), folders->value(escaped)).toULongLong());
+    }
     return MailSearchResults(mContext).add(items, ids);
 }
 

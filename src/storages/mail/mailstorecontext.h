@@ -20,6 +20,10 @@ struct MailStoreContext
     EasAccount *account = nullptr;
     QMailAccountId mailAccountId;
 
+    /** The store's own folder, which belongs to no account: no server knows what lies there. By its number,
+     * because the class that names it differs between revisions of the store. */
+    static QMailFolderId localStorage() { return QMailFolderId(quint64(1)); }
+
     /** 0 without an account. */
     EasAccountId accountId() const;
 };

@@ -12,10 +12,11 @@
 
 namespace {
 
+/** The store's own folder is left out: no sync takes it. */
 void addOnce(QStringList &folders, const QMailFolderId &id)
 {
     const QString text = QString::number(id.toULongLong());
-    if (id.isValid() && !folders.contains(text))
+    if (id.isValid() && id != MailStoreContext::localStorage() && !folders.contains(text))
         folders.append(text);
 }
 
