@@ -2,6 +2,7 @@
 #pragma once
 
 #include "simulator/devicestate.h"
+#include "simulator/directory.h"
 #include "simulator/override.h"
 #include "simulator/serverpolicies.h"
 
@@ -21,6 +22,7 @@ struct ServerSettings
     int shortestHeartbeat = 60; ///< seconds
     int longestHeartbeat = 3540; ///< seconds
     int maxPingFolders = 200;
+    Directory directory;
 };
 
 /** What the handler of a command works with; everything stands still while it runs. */
@@ -70,6 +72,8 @@ CommandReply handleItemOperations(const CommandContext &context);
 CommandReply handleGetAttachment(const CommandContext &context);
 CommandReply handleProvision(const CommandContext &context);
 CommandReply handlePing(const CommandContext &context);
+CommandReply handleSearch(const CommandContext &context);
+CommandReply handleFind(const CommandContext &context);
 CommandReply handleSettings(const CommandContext &context);
 
 /** The commands in the order in which OPTIONS names them. */

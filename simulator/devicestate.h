@@ -77,11 +77,19 @@ struct PingState
     QStringList folders;
 };
 
+/** What the last search of a device found, for its later parts. */
+struct SearchState
+{
+    WbxmlNode query; ///< what was looked for, or the identifier of the search
+    QStringList found; ///< server identifiers, in the order of the results
+};
+
 /** All that the server keeps of one device of one user. */
 struct DeviceState
 {
     HierarchyState hierarchy;
     PingState ping;
+    SearchState search;
     QHash<QString, CollectionState> collections;
     ProvisionState provision;
 };

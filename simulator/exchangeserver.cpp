@@ -8,6 +8,8 @@
 
 #include <QMutexLocker>
 
+#include <utility>
+
 namespace Simulator {
 
 class ExchangeServer::Private
@@ -16,6 +18,14 @@ public:
     Private()
         : dispatcher(script)
     {
+        enterUser(QStringLiteral("user"));
+    }
+
+    /** Into the address list. */
+    void enterUser(const QString &name)
+    {
+        dispatcher.changeSettings(
+            [&name](ServerSettings &settings) { settings.directory.add(Person::user(name)); });
     }
 
     Script script;
@@ -23,6 +33,7 @@ public:
     std::unique_ptr<HttpFrontend> frontend;
     TlsCertificate tls;
     Scheme scheme = Http;
+    bool hasOwnUsers = false;
 
     mutable QMutex requestsMutex;
     QVector<RecordedRequest> requests;
@@ -114,6 +125,9 @@ QSslCertificate ExchangeServer::certificate() const
 
 Mailbox &ExchangeServer::addUser(const QString &name, const QString &password)
 {
+    if (!std::exchange(d->hasOwnUsers, true))
+        changeDirectory([](Directory &directory) { directory.clear(); });
+    d->enterUser(name);
     return d->dispatcher.addUser(name, password);
 }
 
@@ -135,6 +149,11 @@ ServerPolicies ExchangeServer::policies(const QString &user) const
 void ExchangeServer::changePolicies(const std::function<void(ServerPolicies &)> &change, const QString &user)
 {
     d->dispatcher.changePolicies(user, change);
+}
+
+void ExchangeServer::changeDirectory(const std::function<void(Directory &)> &change)
+{
+    d->dispatcher.changeSettings([&change](ServerSettings &settings) { change(settings.directory); });
 }
 
 void ExchangeServer::setVersions(const QStringList &versions)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include "simulator/directory.h"
 #include "simulator/mailbox.h"
 #include "simulator/script.h"
 #include "simulator/serverpolicies.h"
@@ -50,6 +51,9 @@ public:
     /** What the server asks of the devices of that user, or of the first one; nothing at first. */
     ServerPolicies policies(const QString &user = QString()) const;
     void changePolicies(const std::function<void(ServerPolicies &)> &change, const QString &user = QString());
+
+    /** Changes the global address list, which has an entry for each user. */
+    void changeDirectory(const std::function<void(Directory &)> &change);
 
     /** Versions that OPTIONS announces and the server accepts, "12.0" to "16.1"; all of them at first. */
     void setVersions(const QStringList &versions);

@@ -3,6 +3,7 @@
 #include "simulator/controlchannel.h"
 #include "simulator/exchangeserver.h"
 #include "simulator/mailboxdirectory.h"
+#include "simulator/sampleitems.h"
 #include "simulator/samplemailbox.h"
 
 #include <QCommandLineParser>
@@ -53,7 +54,10 @@ void addOptions(QCommandLineParser &parser)
         { QStringLiteral("mailbox"), QStringLiteral("A directory of .eml, .ics and .vcf files as mailbox."),
             QStringLiteral("dir") },
         { QStringLiteral("sample"),
-            QStringLiteral("Fill the mailbox with sample messages, events and contacts.") },
+            QStringLiteral("Fill the mailbox with sample messages, events and contacts, and the address list "
+                           "with people.") },
+        { QStringLiteral("directory"), QStringLiteral("A vCard file whose people stand in the address list."),
+            file },
         { QStringLiteral("window"), QStringLiteral("Items in a reply where the client does not say."), number,
             QStringLiteral("100") },
         { QStringLiteral("quiet"), QStringLiteral("Do not print the dialogue.") },
@@ -73,6 +77,29 @@ bool readPassword(const QString &fileName, QString *password)
     return true;
 }
 
+void fillWithSamples(Simulator::ExchangeServer &server, Simulator::Mailbox &mailbox)
+{
+    Simulator::SampleMailbox::fill(mailbox);
+    server.changeDirectory([](Simulator::Directory &directory) {
+        const QVector<Simulator::Contact> contacts = Simulator::SampleItems::contacts();
+        for (const Simulator::Contact &contact : contacts)
+            directory.add(Simulator::Person::fromContact(contact));
+    });
+}
+
+/** False if nobody is in the file. */
+bool readDirectory(Simulator::ExchangeServer &server, const QString &fileName)
+{
+    QFile file(fileName);
+    bool hasPeople = false;
+    if (file.open(QIODevice::ReadOnly)) {
+        const QByteArray cards = file.readAll();
+        server.changeDirectory(
+            [&](Simulator::Directory &directory) { hasPeople = directory.addCards(cards); });
+    }
+    return hasPeople;
+}
+
 /** What is wrong with the options; empty if all is well. */
 QString setUp(Simulator::ExchangeServer &server, const QCommandLineParser &parser)
 {
@@ -86,7 +113,10 @@ QString setUp(Simulator::ExchangeServer &server, const QCommandLineParser &parse
         server.setCommands(parser.value(QStringLiteral("commands")).split(QLatin1Char(',')));
     server.setWindowSize(parser.value(QStringLiteral("window")).toInt());
     if (parser.isSet(QStringLiteral("sample")))
-        Simulator::SampleMailbox::fill(mailbox);
+        fillWithSamples(server, mailbox);
+    const QString people = parser.value(QStringLiteral("directory"));
+    if (!people.isEmpty() && !readDirectory(server, people))
+        return QStringLiteral("there are no people in ") + people;
     const QString directory = parser.value(QStringLiteral("mailbox"));
     if (!directory.isEmpty() && Simulator::MailboxDirectory::load(directory, mailbox) < 0)
         return QStringLiteral("there is no directory ") + directory;

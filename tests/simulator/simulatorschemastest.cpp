@@ -7,6 +7,7 @@
 
 #include "simulator/contactitem.h"
 #include "simulator/eventitem.h"
+#include "simulator/person.h"
 #include "simulator/protocolversion.h"
 #include "support/testmain.h"
 
@@ -53,6 +54,7 @@ private Q_SLOTS:
         playEvents(server, client);
         playItems(server, client);
         playSettings(client);
+        playSearches(server, client);
         playPolicies(server, client);
         QCOMPARE(server.failures(), QStringList());
         const QVector<RecordedRequest> requests = server.requests();
@@ -298,6 +300,49 @@ private:
             { QStringLiteral("Sync"), QStringLiteral("MoveItems"), QStringLiteral("ItemOperations") }) {
             server.overrideNext(command, Override::topStatus(5));
             client.post(command, SimulatorClient::syncXml(inbox, QStringLiteral("0")));
+        }
+    }
+
+    static void playSearches(ExchangeServer &server, SimulatorClient &client)
+    {
+        server.changeDirectory([](Directory &directory) {
+            directory.add(Person::fromContact(SampleContacts::full()));
+            directory.add(Person::user(QStringLiteral("eva")).setPicture("picture"));
+        });
+        client.post(QStringLiteral("FolderSync"),
+            QStringLiteral("<FolderSync xmlns='FolderHierarchy'><SyncKey>0</SyncKey></FolderSync>"));
+        const int version = versionFromText(client.version());
+        const QString mail =
+            QStringLiteral("<Search xmlns='Search' xmlns:a='AirSync' xmlns:b='AirSyncBase'><Store>"
+                           "<Name>Mailbox</Name><Query><And>%1<a:Class>Email</a:Class></And></Query><Options>"
+                           "<DeepTraversal/><b:BodyPreference><b:Type>1</b:Type></b:BodyPreference>"
+                           "</Options></Store></Search>");
+        client.post(QStringLiteral("Search"), mail.arg(QString()));
+        client.post(QStringLiteral("Search"), mail.arg(QStringLiteral("<FreeText>xyzzy</FreeText>")));
+        const QString picture = QStringLiteral("<Picture><MaxPictures>1</MaxPictures></Picture>");
+        client.post(QStringLiteral("Search"),
+            QStringLiteral("<Search xmlns='Search'><Store><Name>GAL</Name><Query>e</Query>"
+                           "<Options>%1</Options></Store></Search>")
+                .arg(version >= Version141 ? picture : QString()));
+        const QStringList commands = version >= Version161
+            ? QStringList { QStringLiteral("Search"), QStringLiteral("Find") }
+            : QStringList { QStringLiteral("Search") };
+        if (version >= Version161) {
+            const QString find = QStringLiteral("<Find xmlns='Find' xmlns:a='AirSync'><SearchId>1</SearchId>"
+                                                "<ExecuteSearch>%1</ExecuteSearch></Find>");
+            client.post(QStringLiteral("Find"),
+                find.arg(QStringLiteral("<MailBoxSearchCriterion><Query><a:Class>Email</a:Class></Query>"
+                                        "<Options/></MailBoxSearchCriterion>")));
+            client.post(QStringLiteral("Find"),
+                find.arg(QStringLiteral("<GalSearchCriterion><Query>e</Query><Options>%1</Options>"
+                                        "</GalSearchCriterion>")
+                             .arg(picture)));
+        }
+        for (const QString &command : commands) {
+            for (const Override &refusal : { Override::topStatus(110), Override::collectionStatus(2) }) {
+                server.overrideNext(command, refusal);
+                client.post(command, mail.arg(QString()));
+            }
         }
     }
 
