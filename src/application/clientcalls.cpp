@@ -2,6 +2,7 @@
 #include "application/clientcalls.h"
 
 #include "application/base/logging.h"
+#include "application/searchassembly.h"
 #include "easitems/easitemscommon.h"
 #include "protocol/base/protocoltime.h"
 #include "protocol/base/protocolutils.h"
@@ -10,12 +11,15 @@
 #include "requests/attendeesavailablerequest.h"
 #include "requests/fetchmessagesrequest.h"
 #include "requests/fetchpartrequest.h"
+#include "requests/findrequest.h"
 #include "requests/foldercreaterequest.h"
 #include "requests/folderdeleterequest.h"
 #include "requests/foldersyncrequest.h"
 #include "requests/folderupdaterequest.h"
+#include "requests/galsearchrequest.h"
 #include "requests/oofrequest.h"
 #include "requests/provisionrequest.h"
+#include "requests/searchrequest.h"
 #include "requests/syncrequest.h"
 
 namespace {
@@ -52,6 +56,24 @@ void ClientCalls::processNewProvisionRequest(ProvisionRequest *request)
         Q_EMIT provisionRequestFinished(
             accountId, requestId, status, request->provisionPolicies(), request->policyStatus());
     });
+}
+
+void ClientCalls::processNewSearchRequest(ServerSearchRequest *request, const EndReport &report)
+{
+    connect(request, &ServerSearchRequest::galItemReceived, this,
+        [this, request](quint64 matchingId, const GalItem &item) {
+            qCDebug(eas()) << "Got gal item for accountId:" << request->accountId()
+                           << ", requestId:" << request->id();
+            Q_EMIT galItemReceived(request->accountId(), request->id(), matchingId, item);
+        });
+    connect(request, &ServerSearchRequest::resyncFolders, request,
+        [this](EasAccountId resyncedId, qulonglong resyncId) { syncAnew(resyncedId, resyncId); });
+    processNewRequest(request, report);
+}
+
+void ClientCalls::syncAnew(EasAccountId accountId, qulonglong requestId)
+{
+    processNewSyncRequest(new SyncRequest(accountId, requestId, this));
 }
 
 void ClientCalls::processNewSyncRequest(SyncRequest *request)
@@ -97,9 +119,7 @@ void ClientCalls::onFoldersSyncRequest(EasAccountId accountId, qulonglong reques
     auto *const request = new FolderSyncRequest(accountId, requestId, this);
     // The request is the context, because the wish comes after its end, when this one listens no more.
     connect(request, &FolderSyncRequest::resyncFolders, request,
-        [this](EasAccountId resyncedId, qulonglong resyncRequestId) {
-            processNewSyncRequest(new SyncRequest(resyncedId, resyncRequestId, this));
-        });
+        [this](EasAccountId resyncedId, qulonglong resyncId) { syncAnew(resyncedId, resyncId); });
     processNewFolderSyncRequest(request);
 }
 
@@ -243,8 +263,16 @@ void ClientCalls::onSearchMessagesRequest(EasAccountId accountId, const QString 
     qCInfo(eas()) << "Search Messages: account: " << accountId << ", folderId: " << folderId
                   << ", dateFrom: " << dateFrom << ", dateTo: " << dateTo << ", bodyText: " << bodyText
                   << ", limit: " << limit << ", requestId: " << requestId;
-    reportNotSupported(
-        accountId, requestId, ProtocolUtils::CommandSearch, ResultSignal::SearchMessagesFinished);
+    SearchQuery query;
+    const int refusal =
+        SearchAssembly::mailQuery(accountId, { folderId, dateFrom, dateTo, bodyText, limit }, &query);
+    if (refusal != EasRequestStatus::RequestStatusSuccess)
+        return Q_EMIT searchMessagesFinished(accountId, requestId, refusal, 0, {});
+    auto *const request =
+        new SearchRequest(accountId, requestId, query, SearchAssembly::mailOptions(limit), this);
+    processNewSearchRequest(request, [this, request](EasAccountId account, qulonglong id, int status) {
+        Q_EMIT searchMessagesFinished(account, id, status, request->remainingCount(), request->matchingIds());
+    });
 }
 
 void ClientCalls::onSearchGALRequest(EasAccountId accountId, const QString &queryString, int rangeMin,
@@ -254,7 +282,16 @@ void ClientCalls::onSearchGALRequest(EasAccountId accountId, const QString &quer
                   << ", rangeMin: " << rangeMin << ", rangeMax: " << rangeMax
                   << ", rebuildResults: " << rebuildResults << ", deepTraversal: " << deepTraversal
                   << ", requestId: " << requestId;
-    reportNotSupported(accountId, requestId, ProtocolUtils::CommandSearch, ResultSignal::SearchGALFinished);
+    if (queryString.isEmpty()) {
+        qCWarning(eas()) << "A directory search without a text";
+        return Q_EMIT searchGALFinished(
+            accountId, requestId, EasRequestStatus::RequestStatusBadRequest, 0, {});
+    }
+    auto *const request = new GalSearchRequest(accountId, requestId, queryString, this);
+    request->setOptions(SearchAssembly::directoryOptions(rangeMin, rangeMax, rebuildResults, deepTraversal));
+    processNewSearchRequest(request, [this, request](EasAccountId account, qulonglong id, int status) {
+        Q_EMIT searchGALFinished(account, id, status, request->totalItemsCount(), request->matchingIds());
+    });
 }
 
 void ClientCalls::onFindRequest(EasAccountId accountId, const QString &folderId, const QString &searchQuery,
@@ -263,7 +300,17 @@ void ClientCalls::onFindRequest(EasAccountId accountId, const QString &folderId,
     qCInfo(eas()) << "Find: account: " << accountId << ", folderId: " << folderId
                   << ", query: " << searchQuery << ", searchType: " << searchType << ", limit: " << limit
                   << ", requestId: " << requestId;
-    reportNotSupported(accountId, requestId, ProtocolUtils::CommandFind, ResultSignal::FindMessagesFinished);
+    FindCommand::Query query;
+    const int refusal =
+        SearchAssembly::findQuery(accountId, folderId, searchQuery, searchType, limit, &query);
+    if (refusal != EasRequestStatus::RequestStatusSuccess)
+        return Q_EMIT findMessagesFinished(accountId, requestId, refusal, 0, {});
+    auto *const request = new FindRequest(accountId, requestId, this);
+    request->setQuery(query);
+    request->setOptions(SearchAssembly::findOptions(query, limit));
+    processNewSearchRequest(request, [this, request](EasAccountId account, qulonglong id, int status) {
+        Q_EMIT findMessagesFinished(account, id, status, request->remainingCount(), request->matchingIds());
+    });
 }
 
 void ClientCalls::onAttendeesAvailableRequest(EasAccountId accountId, qulonglong requestId,
@@ -280,23 +327,8 @@ void ClientCalls::onAttendeesAvailableRequest(EasAccountId accountId, qulonglong
     processNewRequest(request, [](EasAccountId, qulonglong, int) {});
 }
 
-void ClientCalls::reportNotSupported(
-    EasAccountId accountId, qulonglong requestId, QLatin1String command, ResultSignal result)
+void ClientCalls::reportNotSupported(EasAccountId accountId, qulonglong requestId, QLatin1String command)
 {
-    constexpr int Status = EasRequestStatus::RequestStatusCommandNotSupported;
     qCWarning(eas()) << "Command not supported:" << command;
-    switch (result) {
-    case ResultSignal::RequestFinished:
-        Q_EMIT requestFinished(accountId, requestId, Status);
-        break;
-    case ResultSignal::SearchMessagesFinished:
-        Q_EMIT searchMessagesFinished(accountId, requestId, Status, 0, {});
-        break;
-    case ResultSignal::SearchGALFinished:
-        Q_EMIT searchGALFinished(accountId, requestId, Status, 0, {});
-        break;
-    case ResultSignal::FindMessagesFinished:
-        Q_EMIT findMessagesFinished(accountId, requestId, Status, 0, {});
-        break;
-    }
+    Q_EMIT requestFinished(accountId, requestId, EasRequestStatus::RequestStatusCommandNotSupported);
 }

@@ -3,6 +3,7 @@
 
 #include "common/easaccountid.h"
 #include "common/failedpolicymap.h"
+#include "common/galitem.h"
 #include "easitems/containers/easoofcontainer.h"
 
 #include <QLatin1String>
@@ -17,6 +18,7 @@ class HierarchyRequest;
 class OofRequest;
 class ProvisionRequest;
 class Request;
+class ServerSearchRequest;
 class SyncRequest;
 
 /**
@@ -42,6 +44,7 @@ public:
     /** Takes a request over that has no result of its own: its end is a requestFinished(). */
     void processNewRequest(Request *request);
     void processNewProvisionRequest(ProvisionRequest *request);
+    void processNewSearchRequest(ServerSearchRequest *request, const EndReport &report);
     void processNewSyncRequest(SyncRequest *request);
     void processNewFolderSyncRequest(FolderSyncRequest *request);
 
@@ -95,6 +98,9 @@ Q_SIGNALS:
     /** The one end of that request; empty lists tell of a failure. */
     void attendeesAvailableDataReady(qulonglong requestId, const QStringList &emails,
         const QStringList &names, const QStringList &statuses);
+    /** Each entry that was found, before the end of its request. */
+    void galItemReceived(
+        qulonglong accountId, qulonglong requestId, qulonglong matchingId, const GalItem &galItem);
     void syncStarted(EasAccountId accountId, qulonglong requestId);
     void syncCompleted(EasAccountId accountId, qulonglong requestId, int status);
     /** A sync brought something new; right before its syncCompleted(). */
@@ -104,17 +110,11 @@ private:
     void forwardSync(const HierarchyRequest &request);
     void onGetOofRequestCompleted(const OofRequest &request, int status);
 
-    /** Which signal tells a client about the end of a request that is not built. */
-    enum class ResultSignal {
-        RequestFinished,
-        SearchMessagesFinished,
-        SearchGALFinished,
-        FindMessagesFinished
-    };
+    /** Starts a full sync once a refresh of the folders has had to clear the account. */
+    void syncAnew(EasAccountId accountId, qulonglong requestId);
 
     /** The one place for calls whose request does not exist yet. */
-    void reportNotSupported(EasAccountId accountId, qulonglong requestId, QLatin1String command,
-        ResultSignal result = ResultSignal::RequestFinished);
+    void reportNotSupported(EasAccountId accountId, qulonglong requestId, QLatin1String command);
     bool acceptMeetingResponse(
         EasAccountId accountId, qulonglong requestId, int userResponse, const QString &respondedId);
 };

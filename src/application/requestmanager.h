@@ -5,7 +5,6 @@
 #include "application/clientcalls.h"
 #include "application/networkmanager.h"
 #include "common/easaccountid.h"
-#include "common/galitem.h"
 
 #include <QList>
 #include <QMap>
@@ -87,8 +86,6 @@ Q_SIGNALS:
     void policyDocumentReceived(EasAccountId accountId, qulonglong requestId, const QVariantMap &policies);
     /** The state as it goes to clients; an empty one for an account that has gone. */
     void pushStateChanged(EasAccountId accountId, const QVariantMap &state);
-    void galItemReceived(
-        qulonglong accountId, qulonglong requestId, qulonglong matchingId, const GalItem &galItem);
     void accountAdded(EasAccountId accountId);
     void accountUpdated(EasAccountId accountId);
     void accountDeleted(EasAccountId accountId);

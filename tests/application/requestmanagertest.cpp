@@ -610,18 +610,8 @@ private Q_SLOTS:
                 { QStringLiteral("Wrong args, userResponse:"), QStringLiteral(", requestMessageId:") }));
     }
 
-    void commandsThatDoNotExistYetAreRefusedByTheirOwnSignal()
+    void commandsThatDoNotExistYetAreRefused()
     {
-        QSignalSpy messages(mManager.data(), &RequestManager::searchMessagesFinished);
-        QSignalSpy directory(mManager.data(), &RequestManager::searchGALFinished);
-        QSignalSpy found(mManager.data(), &RequestManager::findMessagesFinished);
-        mManager->onSearchMessagesRequest(Account, {}, {}, {}, {}, 10, 1);
-        mManager->onSearchGALRequest(Account, {}, 0, 9, false, false, 2);
-        mManager->onFindRequest(Account, {}, {}, 0, 10, 3);
-        for (const QSignalSpy *spy : { &messages, &directory, &found }) {
-            QCOMPARE(spy->count(), 1);
-            QCOMPARE(spy->first().at(2).toInt(), -8);
-        }
         mManager->onSendMailRequest(Account, 1, 4);
         mManager->onCalendarAttachmentDownloadRequest(Account, 10, {});
         QCOMPARE(finishedIds(), QList<qulonglong>({ 4, 10 }));

@@ -32,6 +32,10 @@ public:
     /** Messages whose bodies cannot be stored. */
     QList<quint64> lockedMessages;
     bool takesEmails = false;
+    /** What a search has found; the messages are numbered from here on. */
+    static constexpr quint64 FirstSearchResult = 100;
+    QList<EasEmailItem> searchResults;
+    bool takesSearchResults = true;
     QList<EasFolderItem> synchronizedFolders;
     bool isInitialized = true;
     bool cleansUp = true;
@@ -52,7 +56,13 @@ public:
     {
         return takesEmails;
     }
-    bool addSearchResults(QList<EasEmailItem> &, QList<quint64> &) override { return false; }
+    bool addSearchResults(QList<EasEmailItem> &items, QList<quint64> &ids) override
+    {
+        searchResults = items;
+        for (int i = 0; takesSearchResults && i < items.size(); ++i)
+            ids.append(FirstSearchResult + quint64(i));
+        return takesSearchResults;
+    }
     bool successfullyUpdatedEmails(QList<EasEmailItem> &) override { return false; }
     Lookup<QList<EasEmailItem>> addedEmails(const QString &) override { return QList<EasEmailItem>(); }
     Lookup<QList<EasEmailItem>> updatedEmails(const QString &) override { return QList<EasEmailItem>(); }
