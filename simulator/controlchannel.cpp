@@ -59,6 +59,7 @@ const QVector<ControlChannel::Entry> &ControlChannel::entries()
         { "policy-status", 0, &ControlChannel::policyStatus, "policy-status" },
         { "expire-pings", 0, &ControlChannel::expirePings, "expire-pings" },
         { "heartbeats", 2, &ControlChannel::heartbeats, "heartbeats SHORTEST LONGEST" },
+        { "as", 2, &ControlChannel::actAs, "as USER COMMAND..." },
         { "quit", 0, &ControlChannel::quit, "quit" },
     };
     return table;
@@ -67,7 +68,6 @@ const QVector<ControlChannel::Entry> &ControlChannel::entries()
 ControlChannel::ControlChannel(Simulator::ExchangeServer &server, QObject *parent)
     : QObject(parent)
     , mServer(server)
-    , mMailbox(server.mailbox())
     , mNotifier(STDIN_FILENO, QSocketNotifier::Read)
 {
     connect(&mNotifier, &QSocketNotifier::activated, this, &ControlChannel::onReadable);
@@ -102,9 +102,19 @@ void ControlChannel::onReadable()
     }
 }
 
+Simulator::Mailbox &ControlChannel::mailbox() const
+{
+    return mServer.mailbox(mUser);
+}
+
 QString ControlChannel::run(const QString &line)
 {
-    QStringList arguments = QProcess::splitCommand(line);
+    return runFor(QString(), QProcess::splitCommand(line));
+}
+
+QString ControlChannel::runFor(const QString &user, QStringList arguments)
+{
+    mUser = user;
     const QString name = arguments.isEmpty() ? QString() : arguments.takeFirst();
     for (const Entry &entry : entries()) {
         if (name != QLatin1String(entry.name))
@@ -118,14 +128,25 @@ QString ControlChannel::run(const QString &line)
 
 QString ControlChannel::folderId(const QString &name) const
 {
-    const QString byPath = mMailbox.folderByPath(name).id;
-    return byPath.isEmpty() ? mMailbox.folder(name).id : byPath;
+    const QString byPath = mailbox().folderByPath(name).id;
+    return byPath.isEmpty() ? mailbox().folder(name).id : byPath;
 }
 
 QString ControlChannel::itemId(const QString &folder, const QString &item) const
 {
     const QString id = item.contains(QLatin1Char(':')) ? item : folderId(folder) + QLatin1Char(':') + item;
-    return mMailbox.item(id) ? id : QString();
+    return mailbox().item(id) ? id : QString();
+}
+
+void ControlChannel::changePolicies(const std::function<void(ServerPolicies &)> &change)
+{
+    mServer.changePolicies(change, mUser);
+}
+
+QString ControlChannel::actAs(const Arguments &arguments)
+{
+    const QString user = arguments.first();
+    return mServer.hasUser(user) ? runFor(user, arguments.mid(1)) : QStringLiteral("error no such user");
 }
 
 QString ControlChannel::deliver(const Arguments &arguments)
@@ -133,19 +154,19 @@ QString ControlChannel::deliver(const Arguments &arguments)
     QFile file(arguments.at(0));
     if (!file.open(QIODevice::ReadOnly))
         return QStringLiteral("error %1: %2").arg(file.fileName(), file.errorString());
-    const QString folder = arguments.size() > 1 ? folderId(arguments.at(1)) : mMailbox.inboxId();
-    const QString id = mMailbox.deliver(folder, file.readAll(), QDateTime::currentDateTimeUtc());
+    const QString folder = arguments.size() > 1 ? folderId(arguments.at(1)) : mailbox().inboxId();
+    const QString id = mailbox().deliver(folder, file.readAll(), QDateTime::currentDateTimeUtc());
     return id.isEmpty() ? noFolder : QStringLiteral("ok ") + id;
 }
 
 QString ControlChannel::remove(const Arguments &arguments)
 {
-    return done(mMailbox.remove(itemId(arguments.at(0), arguments.at(1))), noItem);
+    return done(mailbox().remove(itemId(arguments.at(0), arguments.at(1))), noItem);
 }
 
 QString ControlChannel::setRead(const Arguments &arguments, bool isRead)
 {
-    return done(mMailbox.setRead(itemId(arguments.at(0), arguments.at(1)), isRead), noItem);
+    return done(mailbox().setRead(itemId(arguments.at(0), arguments.at(1)), isRead), noItem);
 }
 
 QString ControlChannel::read(const Arguments &arguments)
@@ -163,17 +184,17 @@ QString ControlChannel::move(const Arguments &arguments)
     const QString id = itemId(arguments.at(0), arguments.at(1));
     if (id.isEmpty())
         return noItem;
-    const QString moved = mMailbox.move(id, folderId(arguments.at(2)));
+    const QString moved = mailbox().move(id, folderId(arguments.at(2)));
     return moved.isEmpty() ? noFolder : QStringLiteral("ok ") + moved;
 }
 
 QString ControlChannel::list(const Arguments &arguments)
 {
-    const QString folder = arguments.isEmpty() ? mMailbox.inboxId() : folderId(arguments.first());
+    const QString folder = arguments.isEmpty() ? mailbox().inboxId() : folderId(arguments.first());
     if (folder.isEmpty())
         return noFolder;
     QString lines;
-    const QVector<ItemEntry> entries = mMailbox.items(folder);
+    const QVector<ItemEntry> entries = mailbox().items(folder);
     for (const ItemEntry &entry : entries) {
         const auto email = std::dynamic_pointer_cast<const Email>(entry.item);
         const QString mark = !email ? entry.item->className()
@@ -191,14 +212,14 @@ QString ControlChannel::add(const Arguments &arguments)
     const QString folder = arguments.size() > 1 ? folderId(arguments.at(1)) : QString();
     if (arguments.size() > 1 && folder.isEmpty())
         return noFolder;
-    const QStringList ids = Simulator::MailboxDirectory::loadFile(arguments.at(0), mMailbox, folder);
+    const QStringList ids = Simulator::MailboxDirectory::loadFile(arguments.at(0), mailbox(), folder);
     return ids.isEmpty() ? QStringLiteral("error nothing in ") + arguments.at(0)
                          : QStringLiteral("ok ") + ids.join(QLatin1Char(' '));
 }
 
 QString ControlChannel::show(const Arguments &arguments)
 {
-    const ItemPtr item = mMailbox.item(itemId(arguments.at(0), arguments.at(1)));
+    const ItemPtr item = mailbox().item(itemId(arguments.at(0), arguments.at(1)));
     if (!item)
         return noItem;
     const QStringList lines = Simulator::ItemText::lines(item);
@@ -208,33 +229,33 @@ QString ControlChannel::show(const Arguments &arguments)
 QString ControlChannel::set(const Arguments &arguments)
 {
     const QString id = itemId(arguments.at(0), arguments.at(1));
-    return done(Simulator::ItemText::setField(mMailbox, id, arguments.at(2), arguments.at(3)), notSet);
+    return done(Simulator::ItemText::setField(mailbox(), id, arguments.at(2), arguments.at(3)), notSet);
 }
 
 QString ControlChannel::setOccurrence(const Arguments &arguments)
 {
     const QString id = itemId(arguments.at(0), arguments.at(1));
     const QDate day = QDate::fromString(arguments.at(2), Qt::ISODate);
-    return done(
-        Simulator::ItemText::setOccurrenceField(mMailbox, id, day, arguments.at(3), arguments.at(4)), notSet);
+    return done(Simulator::ItemText::setOccurrenceField(mailbox(), id, day, arguments.at(3), arguments.at(4)),
+        notSet);
 }
 
 QString ControlChannel::deleteOccurrence(const Arguments &arguments)
 {
     const QString id = itemId(arguments.at(0), arguments.at(1));
     const QDate day = QDate::fromString(arguments.at(2), Qt::ISODate);
-    return done(Simulator::ItemText::deleteOccurrence(mMailbox, id, day), notSet);
+    return done(Simulator::ItemText::deleteOccurrence(mailbox(), id, day), notSet);
 }
 
 QString ControlChannel::folders(const Arguments &)
 {
     QString lines;
-    const QVector<MailFolder> all = mMailbox.folders();
+    const QVector<MailFolder> all = mailbox().folders();
     for (const MailFolder &folder : all) {
         lines += QStringLiteral("%1\t%2\t%3\t%4\t%5\n")
                      .arg(folder.id, folder.parentId)
                      .arg(folder.type)
-                     .arg(mMailbox.itemCount(folder.id))
+                     .arg(mailbox().itemCount(folder.id))
                      .arg(folder.name);
     }
     return lines + QStringLiteral("ok %1").arg(all.size());
@@ -243,18 +264,18 @@ QString ControlChannel::folders(const Arguments &)
 QString ControlChannel::addFolder(const Arguments &arguments)
 {
     const QString parent = arguments.size() > 1 ? folderId(arguments.at(1)) : QStringLiteral("0");
-    const QString id = mMailbox.addFolder(arguments.at(0), Simulator::UserMailFolder, parent);
+    const QString id = mailbox().addFolder(arguments.at(0), Simulator::UserMailFolder, parent);
     return id.isEmpty() ? noFolder : QStringLiteral("ok ") + id;
 }
 
 QString ControlChannel::renameFolder(const Arguments &arguments)
 {
-    return done(mMailbox.renameFolder(folderId(arguments.at(0)), arguments.at(1)), noFolder);
+    return done(mailbox().renameFolder(folderId(arguments.at(0)), arguments.at(1)), noFolder);
 }
 
 QString ControlChannel::removeFolder(const Arguments &arguments)
 {
-    return done(mMailbox.removeFolder(folderId(arguments.at(0))), noFolder);
+    return done(mailbox().removeFolder(folderId(arguments.at(0))), noFolder);
 }
 
 QString ControlChannel::policy(const Arguments &arguments)
@@ -271,7 +292,7 @@ QString ControlChannel::policy(const Arguments &arguments)
             return QStringLiteral("error %1: no EASProvisionDoc %2").arg(fileName, error);
         policies.append(policy);
     }
-    mServer.changePolicies([&policies](ServerPolicies &all) { all.setPolicies(policies); });
+    changePolicies([&policies](ServerPolicies &all) { all.setPolicies(policies); });
     return QStringLiteral("ok");
 }
 
@@ -280,20 +301,20 @@ QString ControlChannel::allowAll(const Arguments &arguments)
     QMap<QString, QString> values;
     for (const QString &argument : arguments)
         values.insert(argument.section(QLatin1Char('='), 0, 0), argument.section(QLatin1Char('='), 1));
-    mServer.changePolicies(
+    changePolicies(
         [&values](ServerPolicies &all) { all.setPolicies({ Simulator::Policy::allowing(values) }); });
     return QStringLiteral("ok");
 }
 
 QString ControlChannel::noPolicy(const Arguments &)
 {
-    mServer.changePolicies([](ServerPolicies &all) { all.setPolicies({}); });
+    changePolicies([](ServerPolicies &all) { all.setPolicies({}); });
     return QStringLiteral("ok");
 }
 
 QString ControlChannel::refreshPolicy(const Arguments &)
 {
-    mServer.changePolicies([](ServerPolicies &all) { all.refresh(); });
+    changePolicies([](ServerPolicies &all) { all.refresh(); });
     return QStringLiteral("ok");
 }
 
@@ -308,7 +329,7 @@ QString ControlChannel::demand(const Arguments &arguments)
     if (!demanded)
         return QStringLiteral("error no such demand: ") + arguments.at(0);
     const bool on = arguments.at(1) == QLatin1String("on");
-    mServer.changePolicies([demanded, on](ServerPolicies &all) { all.*demanded = on; });
+    changePolicies([demanded, on](ServerPolicies &all) { all.*demanded = on; });
     return QStringLiteral("ok");
 }
 
@@ -322,13 +343,13 @@ QString ControlChannel::wipe(const Arguments &arguments)
     if (!orders.contains(arguments.first()))
         return QStringLiteral("error no such wipe: ") + arguments.first();
     const Simulator::Wipe order = orders.value(arguments.first());
-    mServer.changePolicies([order](ServerPolicies &all) { all.orderWipe(order); });
+    changePolicies([order](ServerPolicies &all) { all.orderWipe(order); });
     return QStringLiteral("ok");
 }
 
 QString ControlChannel::policyStatus(const Arguments &)
 {
-    const ServerPolicies policies = mServer.policies();
+    const ServerPolicies policies = mServer.policies(mUser);
     QString lines;
     for (auto verdict = policies.verdicts.cbegin(); verdict != policies.verdicts.cend(); ++verdict)
         lines += QStringLiteral("policy\t%1\t%2\n").arg(verdict.key(), verdict.value());

@@ -7,9 +7,9 @@
 #include <QSocketNotifier>
 
 /**
- * Commands on standard input that act on the first mailbox as its other clients and its administrator would;
- * each is answered by lines of which the last begins with "ok" or "error". Owned by main(), lives in the main
- * thread.
+ * Commands on standard input that act on the mailbox of the first user, or of one who is named, as its other
+ * clients and its administrator would; each is answered by lines of which the last begins with "ok" or
+ * "error". Owned by main(), lives in the main thread.
  */
 class ControlChannel : public QObject
 {
@@ -38,6 +38,10 @@ private:
     static const QVector<Entry> &entries();
 
     void onReadable();
+    QString runFor(const QString &user, QStringList arguments);
+    Simulator::Mailbox &mailbox() const;
+    void changePolicies(const std::function<void(Simulator::ServerPolicies &)> &change);
+    QString actAs(const Arguments &arguments);
     QString deliver(const Arguments &arguments);
     QString remove(const Arguments &arguments);
     QString read(const Arguments &arguments);
@@ -69,7 +73,7 @@ private:
     QString itemId(const QString &folder, const QString &item) const;
 
     Simulator::ExchangeServer &mServer;
-    Simulator::Mailbox &mMailbox;
+    QString mUser; ///< for whom the present command acts; empty for the first user
     QSocketNotifier mNotifier;
     QByteArray mInput;
 };

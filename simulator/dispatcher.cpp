@@ -118,6 +118,12 @@ void Dispatcher::setPassword(const QString &name, const QString &password)
     mUsers.at(name)->password = password;
 }
 
+bool Dispatcher::hasUser(const QString &name)
+{
+    const QMutexLocker lock(&mMutex);
+    return mUsers.count(name) != 0;
+}
+
 Mailbox &Dispatcher::mailbox(const QString &name)
 {
     const QMutexLocker lock(&mMutex);

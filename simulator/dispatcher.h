@@ -32,6 +32,7 @@ public:
 
     Mailbox &addUser(const QString &name, const QString &password);
     void setPassword(const QString &name, const QString &password);
+    bool hasUser(const QString &name);
     Mailbox &mailbox(const QString &name);
     ServerPolicies policies(const QString &name);
     void changePolicies(const QString &name, const std::function<void(ServerPolicies &)> &change);

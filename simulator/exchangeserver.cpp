@@ -136,6 +136,11 @@ void ExchangeServer::setPassword(const QString &name, const QString &password)
     d->dispatcher.setPassword(name, password);
 }
 
+bool ExchangeServer::hasUser(const QString &name) const
+{
+    return d->dispatcher.hasUser(name);
+}
+
 Mailbox &ExchangeServer::mailbox(const QString &user)
 {
     return d->dispatcher.mailbox(user);

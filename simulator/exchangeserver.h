@@ -45,6 +45,7 @@ public:
      */
     Mailbox &addUser(const QString &name, const QString &password);
     void setPassword(const QString &name, const QString &password);
+    bool hasUser(const QString &name) const;
     /** The mailbox of that user, or of the first one. There must be such a user. */
     Mailbox &mailbox(const QString &user = QString());
 

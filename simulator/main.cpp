@@ -41,6 +41,9 @@ void addOptions(QCommandLineParser &parser)
         { QStringLiteral("certificate"), QStringLiteral("Write that certificate there, as PEM."), file },
         { QStringLiteral("user"), QStringLiteral("Name of the user."), QStringLiteral("name"),
             QStringLiteral("user") },
+        { QStringLiteral("other-user"),
+            QStringLiteral("Name of one more user, with an empty mailbox and the same password."),
+            QStringLiteral("name") },
         { QStringLiteral("password-file"),
             QStringLiteral(
                 "Read the password from the first line of the file; otherwise it is taken from %1, or "
@@ -107,6 +110,8 @@ QString setUp(Simulator::ExchangeServer &server, const QCommandLineParser &parse
     if (!readPassword(parser.value(QStringLiteral("password-file")), &password))
         return QStringLiteral("cannot read the password file");
     Simulator::Mailbox &mailbox = server.addUser(parser.value(QStringLiteral("user")), password);
+    for (const QString &name : parser.values(QStringLiteral("other-user")))
+        server.addUser(name, password);
     if (parser.isSet(QStringLiteral("versions")))
         server.setVersions(parser.value(QStringLiteral("versions")).split(QLatin1Char(',')));
     if (parser.isSet(QStringLiteral("commands")))

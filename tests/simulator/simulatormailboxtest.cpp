@@ -163,6 +163,23 @@ private Q_SLOTS:
         QTRY_COMPARE(quit.size(), 1);
     }
 
+    void theControlChannelActsForAnotherUserToo()
+    {
+        ExchangeServer server;
+        server.addUser(QStringLiteral("alice"), QStringLiteral("secret"));
+        Mailbox &bob = server.addUser(QStringLiteral("bob"), QStringLiteral("secret"));
+        ControlChannel control(server, nullptr);
+        QVERIFY(control.run(QStringLiteral("as bob add-folder Plans")).startsWith(QLatin1String("ok ")));
+        QVERIFY(!bob.folderByPath(QStringLiteral("Plans")).id.isEmpty());
+        QVERIFY(!control.run(QStringLiteral("folders")).contains(QLatin1String("Plans")));
+        QCOMPARE(control.run(QStringLiteral("as bob wipe account")), QStringLiteral("ok"));
+        QCOMPARE(server.policies(QStringLiteral("bob")).wipeFor(QStringLiteral("d"), 0x1601), Wipe::Account);
+        QCOMPARE(server.policies().wipeFor(QStringLiteral("d"), 0x1601), Wipe::None);
+        QVERIFY(
+            control.run(QStringLiteral("as nobody list")).startsWith(QLatin1String("error no such user")));
+        QVERIFY(control.run(QStringLiteral("as bob")).startsWith(QLatin1String("error usage")));
+    }
+
     void theExecutableSaysWhereItListensAndObeysItsInput()
     {
         const QString program = BuildPaths::binary(QStringLiteral("bin/fennel-exchange-simulator"));
