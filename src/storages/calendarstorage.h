@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include "easitems/easitemscommon.h"
 #include "storages/localquery.h"
 
 #include <QDateTime>
@@ -58,12 +59,23 @@ public:
     /** A time as the protocol writes it. */
     virtual QString formatTime(const QDateTime &time) const = 0;
 
+    /** The iCalendar reply to an invitation, which asks for one by its method unless it is an event of the
+     * store. Empty, with the reason in the log, for what is no invitation. With an occurrence the reply is
+     * about that one alone. */
+    virtual QString encodeMeetingResponse(const QString &requestData,
+        EasItemsCommon::UserResponseType response, bool allowMissingMethod,
+        const QDateTime &occurrence = {}) const = 0;
+
     /** iCalendar data for the meeting request of a mail, or an empty array. */
     virtual QByteArray iTIPRequestData(const class EasMeetingRequestContainer &request,
-        const QString &organizer, const QString &description) = 0;
+        const QString &summary, const QString &description) = 0;
 
-    /** An event of the store, by its local identifier, as iCalendar; empty if there is none. */
-    virtual QString getEventIcal(const QString &localId) const = 0;
+    /** An event of the store, by its local identifier, as iCalendar; empty if there is none. With the
+     * original start of an occurrence that is not as its series says, that occurrence. */
+    virtual QString getEventIcal(const QString &localId, const QDateTime &occurrence = {}) const = 0;
+    /** How the protocol names the occurrence of an event that starts then; empty if there is no such event.
+     */
+    virtual QString instanceId(const QString &localId, const QDateTime &start) const = 0;
 
     /** The server's reference of an attachment, by its URI; empty if it has none. */
     virtual QString fileReferenceForAttachment(const QString &uri) const = 0;

@@ -6,6 +6,7 @@
 #include "easitems/easitemscommon.h"
 #include "easitems/emailserverid.h"
 
+#include <QDateTime>
 #include <QList>
 #include <QObject>
 #include <QString>
@@ -69,10 +70,13 @@ public:
     virtual bool updateBodyPart(quint64 messageId, const EasBodyContainer &body) = 0;
     virtual bool updateMessagePart(quint64 messageId, const QString &location, const QString &contentType,
         const FetchedOctets &octets, const QString &fileName) = 0;
-    virtual bool updateCalendarResponsePart(
-        quint64 messageId, quint64 replyMessageId, EasItemsCommon::UserResponseType response) = 0;
-    virtual bool updateCalendarResponsePart(
-        quint64 replyMessageId, const QString &eventId, EasItemsCommon::UserResponseType response) = 0;
+    /** Puts the iCalendar reply to an invitation into the message that answers it; with an occurrence, by its
+     * original start, the reply is about that one alone. False if no reply could be made or stored. */
+    virtual bool updateCalendarResponsePart(quint64 replyMessageId, quint64 invitationId,
+        EasItemsCommon::UserResponseType response, const QDateTime &occurrence = {}) = 0;
+    /** The same for an answer to an event of the calendar, by its local identifier. */
+    virtual bool updateCalendarResponsePart(quint64 replyMessageId, const QString &eventId,
+        EasItemsCommon::UserResponseType response, const QDateTime &occurrence = {}) = 0;
     virtual QStringList queryAttachmentsLocations(quint64 messageId, bool onlyDownloaded) = 0;
     virtual bool isAttachmentDownloaded(quint64 messageId, const QString &location) = 0;
     virtual EasItemsCommon::TBoolean isAttachmentPart(quint64 messageId, const QString &location) = 0;

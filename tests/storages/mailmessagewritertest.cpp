@@ -219,9 +219,23 @@ private Q_SLOTS:
         if (!calendarPart)
             return;
         QCOMPARE(mail.calendar->organizer, message->from().toString());
+        QCOMPARE(mail.calendar->summary, message->subject());
         QCOMPARE(mail.calendar->description, QStringLiteral("Text of 5:1"));
         QCOMPARE(message->customField(ExchangeActiveSync::MESSAGE_GLOBAL_OBJ_ID),
             QString::fromLatin1(globalObjId));
+    }
+
+    void theOrganizerOfTheMeetingCountsNotTheSender()
+    {
+        MailFixture mail;
+        mail.addFolder("5");
+        EasEmailItem item = mail.item("5:1", "5");
+        item.setMessageClass(ExchangeActiveSync::MESSAGE_CLASS_MEETING_REQUEST);
+        EasMeetingRequestContainer request = meeting("id");
+        request.setOrganizer("olga@example.com");
+        item.setMeetingRequest(request);
+        QVERIFY(MailMessageWriter(mail.context).mailMessageFromEmailItem(item));
+        QCOMPARE(mail.calendar->organizer, QStringLiteral("olga@example.com"));
     }
 
     void aCalendarWithoutAnswerLosesNoMessage()

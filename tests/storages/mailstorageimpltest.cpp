@@ -618,17 +618,6 @@ private Q_SLOTS:
             other.context.store->countFolders(QMailFolderKey::parentAccountId(other.mailAccountId())), 1);
         QVERIFY(MailStorageImpl::cleanUpDeletedAccounts({ mail.accountId() }));
     }
-
-    void answersToMeetingsHaveNoCalendarPartYet()
-    {
-        LogCollector log;
-        MailFixture mail;
-        MailStorageImpl storage(&mail.account);
-        QVERIFY(!storage.updateCalendarResponsePart(1, quint64(2), EasItemsCommon::UserResponseAccepted));
-        QVERIFY(!storage.updateCalendarResponsePart(
-            2, QStringLiteral("uid"), EasItemsCommon::UserResponseAccepted));
-        QCOMPARE(log.count("no calendar part is written for the answer"), 2);
-    }
 };
 
 FENNEL_REGISTER_TEST(MailStorageImplTest)

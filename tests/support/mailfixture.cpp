@@ -46,10 +46,27 @@ bool FakeCalendarStorage::uploadedLocalChanges(
     return true;
 }
 
-QByteArray FakeCalendarStorage::iTIPRequestData(
-    const EasMeetingRequestContainer &, const QString &from, const QString &text)
+QString FakeCalendarStorage::encodeMeetingResponse(const QString &requestData,
+    EasItemsCommon::UserResponseType response, bool allowMissingMethod, const QDateTime &occurrence) const
 {
-    organizer = from;
+    if (refusesToAnswer)
+        return {};
+    const QString kind = allowMissingMethod ? QStringLiteral("event") : QStringLiteral("request");
+    return QStringLiteral("%1 to %2 %3 %4")
+        .arg(QString::number(response), kind, requestData, occurrence.toUTC().toString(Qt::ISODate))
+        .trimmed();
+}
+
+QString FakeCalendarStorage::getEventIcal(const QString &localId, const QDateTime &) const
+{
+    return events.value(localId);
+}
+
+QByteArray FakeCalendarStorage::iTIPRequestData(
+    const EasMeetingRequestContainer &request, const QString &subject, const QString &text)
+{
+    organizer = request.organizer();
+    summary = subject;
     description = text;
     return mICalendar;
 }

@@ -10,6 +10,8 @@
 #include <qmailmessage.h>
 #include <qmailstore.h>
 
+#include <QMap>
+
 /** A calendar that answers the question for the data of a meeting with a fixed text. */
 class FakeCalendarStorage : public CalendarStorage
 {
@@ -29,16 +31,25 @@ public:
     bool uploadedLocalChanges(
         QList<EasCalendarItem> &, QList<EasCalendarItem> &, const QStringList &) override;
     QString formatTime(const QDateTime &) const override { return {}; }
-    QString getEventIcal(const QString &) const override { return {}; }
+    QString encodeMeetingResponse(const QString &requestData, EasItemsCommon::UserResponseType response,
+        bool allowMissingMethod, const QDateTime &occurrence) const override;
+    QString getEventIcal(const QString &localId, const QDateTime &occurrence) const override;
+    QString instanceId(const QString &, const QDateTime &) const override { return {}; }
     QString fileReferenceForAttachment(const QString &) const override { return QString(); }
     int estimatedDataSizeForAttachment(const QString &) const override { return 0; }
     bool updateAttachmentForEvent(const QByteArray &, const QString &) override { return true; }
     bool initStorage() override { return true; }
     QByteArray iTIPRequestData(
-        const EasMeetingRequestContainer &, const QString &organizer, const QString &description) override;
+        const EasMeetingRequestContainer &, const QString &subject, const QString &text) override;
 
+    /** As the last invitation had them. */
     QString organizer;
+    QString summary;
     QString description;
+    /** The iCalendar data of events, by their local identifiers. */
+    QMap<QString, QString> events;
+    /** Invitations are none to it. */
+    bool refusesToAnswer = false;
 
 private:
     QByteArray mICalendar;

@@ -89,7 +89,16 @@ public:
     {
         return {};
     }
-    QString getEventIcal(const QString &) const override { return {}; }
+    QString encodeMeetingResponse(
+        const QString &, EasItemsCommon::UserResponseType, bool, const QDateTime &) const override
+    {
+        return {};
+    }
+    QString getEventIcal(const QString &, const QDateTime &) const override { return {}; }
+    QString instanceId(const QString &localId, const QDateTime &start) const override
+    {
+        return localId + QLatin1Char('@') + start.toUTC().toString(Qt::ISODate);
+    }
     QString fileReferenceForAttachment(const QString &) const override { return QString(); }
     int estimatedDataSizeForAttachment(const QString &) const override { return 0; }
     bool updateAttachmentForEvent(const QByteArray &, const QString &) override { return true; }

@@ -36,6 +36,9 @@ public:
     static constexpr quint64 FirstSearchResult = 100;
     QList<EasEmailItem> searchResults;
     bool takesSearchResults = true;
+    /** "REPLY: RESPONSE to message ID" or "REPLY: RESPONSE to EVENT OCCURRENCE", of each calendar part. */
+    QStringList calendarParts;
+    bool makesCalendarParts = true;
     QList<EasFolderItem> synchronizedFolders;
     bool isInitialized = true;
     bool cleansUp = true;
@@ -90,13 +93,21 @@ public:
     {
         return updateMessageParts(messageId, { { location, contentType, octets, fileName } });
     }
-    bool updateCalendarResponsePart(quint64, quint64, EasItemsCommon::UserResponseType) override
+    bool updateCalendarResponsePart(quint64 replyId, quint64 invitationId,
+        EasItemsCommon::UserResponseType response, const QDateTime &occurrence) override
     {
-        return false;
+        return updateCalendarResponsePart(
+            replyId, QStringLiteral("message %1").arg(invitationId), response, occurrence);
     }
-    bool updateCalendarResponsePart(quint64, const QString &, EasItemsCommon::UserResponseType) override
+    bool updateCalendarResponsePart(quint64 replyId, const QString &eventId,
+        EasItemsCommon::UserResponseType response, const QDateTime &occurrence) override
     {
-        return false;
+        calendarParts.append(QStringLiteral("%1: %2 to %3 %4")
+                                 .arg(replyId)
+                                 .arg(int(response))
+                                 .arg(eventId, occurrence.toUTC().toString(Qt::ISODate))
+                                 .trimmed());
+        return makesCalendarParts;
     }
     QStringList queryAttachmentsLocations(quint64 messageId, bool onlyDownloaded) override
     {

@@ -6,12 +6,14 @@
 #include "application/base/logging.h"
 #include "common/privilegedfolder.h"
 #include "configurations/calendaraccountconfiguration.h"
+#include "configurations/emailaccountconfiguration.h"
 #include "easitems/eascalendaritem.h"
 #include "easitems/easfolderitem.h"
 #include "storages/calendar/calendarattachmentservice.h"
 #include "storages/calendar/calendaritembatch.h"
-
-#include <KCalendarCore/ICalFormat>
+#include "storages/calendar/calendarmeetings.h"
+#include "storages/calendar/meetinginvitation.h"
+#include "storages/calendar/meetingreply.h"
 
 namespace {
 
@@ -206,21 +208,36 @@ QString CalendarStorageImpl::formatTime(const QDateTime &time) const
     return ExchangeActiveSync::dateTimeToString(time);
 }
 
-QByteArray CalendarStorageImpl::iTIPRequestData(
-    const EasMeetingRequestContainer &request, const QString &organizer, const QString &description)
+QString CalendarStorageImpl::encodeMeetingResponse(const QString &requestData,
+    EasItemsCommon::UserResponseType response, bool allowMissingMethod, const QDateTime &occurrence) const
 {
-    Q_UNUSED(request)
-    Q_UNUSED(organizer)
-    Q_UNUSED(description)
-    return QByteArray();
+    qCDebug(eas()) << "User response code: " << response;
+    qCDebug(easNetwork()) << "Request data:" << requestData;
+    const QSharedPointer<EmailAccountConfiguration> configuration = mContext.account->emailConfiguration();
+    if (!configuration) {
+        qCWarning(eas()) << "No email configuration";
+        return {};
+    }
+    MeetingReply reply(configuration->emailAddress(), response);
+    reply.allowMissingMethod(allowMissingMethod);
+    reply.setOccurrence(occurrence);
+    return reply.encode(requestData);
 }
 
-QString CalendarStorageImpl::getEventIcal(const QString &localId) const
+QByteArray CalendarStorageImpl::iTIPRequestData(
+    const EasMeetingRequestContainer &request, const QString &summary, const QString &description)
 {
-    if (!storeAvailable() || !mContext.storage->loadSeries(localId))
-        return QString();
-    const KCalendarCore::Event::Ptr event = mContext.calendar->event(localId);
-    return event ? KCalendarCore::ICalFormat().toICalString(event) : QString();
+    return MeetingInvitation(request, mContext.protocolVersion()).encode(summary, description);
+}
+
+QString CalendarStorageImpl::getEventIcal(const QString &localId, const QDateTime &occurrence) const
+{
+    return storeAvailable() ? CalendarMeetings(mContext).iCal(localId, occurrence) : QString();
+}
+
+QString CalendarStorageImpl::instanceId(const QString &localId, const QDateTime &start) const
+{
+    return storeAvailable() ? CalendarMeetings(mContext).instanceId(localId, start) : QString();
 }
 
 QString CalendarStorageImpl::fileReferenceForAttachment(const QString &uri) const

@@ -44,10 +44,12 @@ public:
     bool uploadedLocalChanges(QList<EasCalendarItem> &added, QList<EasCalendarItem> &changed,
         const QStringList &deletedServerIds) override;
     QString formatTime(const QDateTime &time) const override;
-    /** Not there yet: invitations get no calendar part. Empty. */
-    QByteArray iTIPRequestData(const EasMeetingRequestContainer &request, const QString &organizer,
+    QString encodeMeetingResponse(const QString &requestData, EasItemsCommon::UserResponseType response,
+        bool allowMissingMethod, const QDateTime &occurrence = {}) const override;
+    QByteArray iTIPRequestData(const EasMeetingRequestContainer &request, const QString &summary,
         const QString &description) override;
-    QString getEventIcal(const QString &localId) const override;
+    QString getEventIcal(const QString &localId, const QDateTime &occurrence = {}) const override;
+    QString instanceId(const QString &localId, const QDateTime &start) const override;
     QString fileReferenceForAttachment(const QString &uri) const override;
     int estimatedDataSizeForAttachment(const QString &uri) const override;
     bool updateAttachmentForEvent(const QByteArray &data, const QString &uri) override;

@@ -16,6 +16,18 @@ bool isCalendarPart(const QMailMessagePartContainer &part)
     return part.contentType().matches("text", "calendar");
 }
 
+/** The first calendar part of the container, or null. */
+template <typename Container> Container *firstCalendarPart(Container &container)
+{
+    if (isCalendarPart(container) && container.hasBody())
+        return &container;
+    for (uint i = 0; i < container.partCount(); ++i) {
+        if (Container *const found = firstCalendarPart<Container>(container.partAt(i)))
+            return found;
+    }
+    return nullptr;
+}
+
 /** The multipart in this container that holds a calendar part, or null. */
 QMailMessagePartContainer *calendarAlternative(QMailMessagePartContainer &container)
 {
@@ -48,6 +60,12 @@ QMailMessagePartContainer &textTarget(QMailMessage &message)
     if (alternative && alternative->partCount() > 1 && !isCalendarPart(alternative->partAt(0)))
         return alternative->partAt(0);
     return message;
+}
+
+QMailMessagePart madeCalendarPart(const QByteArray &iCalendar, const QByteArray &type)
+{
+    return QMailMessagePart::fromData(
+        iCalendar, QMailMessageContentDisposition(), QMailMessageContentType(type), QMailMessageBody::Base64);
 }
 
 void appendCalendarPart(QMailMessage &message, const QMailMessagePart &calendar)
@@ -187,10 +205,22 @@ QString bodyText(const QMailMessage &message)
 
 void addCalendarPart(QMailMessage &message, const QByteArray &iCalendar)
 {
-    const QMailMessageContentType type("text/calendar;method=REQUEST;charset=UTF-8");
-    appendCalendarPart(message,
-        QMailMessagePart::fromData(
-            iCalendar, QMailMessageContentDisposition(), type, QMailMessageBody::Base64));
+    appendCalendarPart(message, madeCalendarPart(iCalendar, "text/calendar;method=REQUEST;charset=UTF-8"));
+}
+
+std::optional<QMailMessageBody> calendarBody(const QMailMessage &message)
+{
+    const auto *const part = firstCalendarPart<const QMailMessagePartContainer>(message);
+    return part ? std::make_optional(part->body()) : std::nullopt;
+}
+
+void setCalendarReply(QMailMessage &message, const QByteArray &iCalendar)
+{
+    const QMailMessagePart reply = madeCalendarPart(iCalendar, "text/calendar;method=REPLY;charset=UTF-8");
+    if (auto *const part = firstCalendarPart<QMailMessagePartContainer>(message))
+        part->setBody(reply.body());
+    else
+        appendCalendarPart(message, reply);
 }
 
 void rebuildWithoutAttachments(QMailMessage &message)

@@ -4,6 +4,10 @@
 #include <QByteArray>
 #include <QString>
 
+#include <qmailmessagebody.h>
+
+#include <optional>
+
 class EasBodyContainer;
 class QMailMessage;
 class QMailMessagePartContainer;
@@ -32,8 +36,15 @@ void setPreview(QMailMessage &message, const QString &preview);
 /** The text of the plain or else the HTML body; empty if there is neither. */
 QString bodyText(const QMailMessage &message);
 
-/** Moves the content into a first part and appends the iCalendar data as the alternative to it. */
+/** Moves the content into a first part and appends the iCalendar data of an invitation as the alternative to
+ * it. */
 void addCalendarPart(QMailMessage &message, const QByteArray &iCalendar);
+
+/** The iCalendar data of a message, wherever they stand in it; nothing if it has none. */
+std::optional<QMailMessageBody> calendarBody(const QMailMessage &message);
+
+/** Puts the iCalendar reply to an invitation in the place of the calendar part, or beside the content. */
+void setCalendarReply(QMailMessage &message, const QByteArray &iCalendar);
 
 /**
  * Drops all attachments, inline ones too, and leaves the text body and, if there is one, the calendar part.

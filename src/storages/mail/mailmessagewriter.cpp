@@ -145,8 +145,10 @@ bool MailMessageWriter::addCalendarPart(QMailMessage &message, const EasEmailIte
         qCCritical(eas()) << "No calendar storage object";
         return false;
     }
-    const QByteArray iCalendar =
-        calendar->iTIPRequestData(item.meetingRequest(), message.from().toString(), description);
+    EasMeetingRequestContainer request = item.meetingRequest();
+    if (request.organizer().isEmpty())
+        request.setOrganizer(message.from().toString());
+    const QByteArray iCalendar = calendar->iTIPRequestData(request, message.subject(), description);
     // Without calendar data the message is still a message, and it must not be lost for that.
     if (!iCalendar.isEmpty())
         MailBodyWriter::addCalendarPart(message, iCalendar);

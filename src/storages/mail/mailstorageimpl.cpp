@@ -8,6 +8,7 @@
 #include "easitems/easfolderitem.h"
 #include "storages/mail/mailaccountfolders.h"
 #include "storages/mail/maillocalchanges.h"
+#include "storages/mail/mailmeetingreply.h"
 #include "storages/mail/mailmessageparts.h"
 #include "storages/mail/mailmessagereader.h"
 #include "storages/mail/mailmovedmessages.h"
@@ -283,17 +284,18 @@ void MailStorageImpl::lookForChangesAnew()
     mMarks.lookAnew();
 }
 
-bool MailStorageImpl::updateCalendarResponsePart(quint64 messageId, quint64, EasItemsCommon::UserResponseType)
+bool MailStorageImpl::updateCalendarResponsePart(quint64 replyMessageId, quint64 invitationId,
+    EasItemsCommon::UserResponseType response, const QDateTime &occurrence)
 {
-    qCWarning(eas()) << "no calendar part is written for the answer to message" << messageId;
-    return false;
+    return storeAvailable()
+        && MailMeetingReply(mContext, replyMessageId, response, occurrence).answerMessage(invitationId);
 }
 
-bool MailStorageImpl::updateCalendarResponsePart(
-    quint64 replyMessageId, const QString &, EasItemsCommon::UserResponseType)
+bool MailStorageImpl::updateCalendarResponsePart(quint64 replyMessageId, const QString &eventId,
+    EasItemsCommon::UserResponseType response, const QDateTime &occurrence)
 {
-    qCWarning(eas()) << "no calendar part is written for the answer in message" << replyMessageId;
-    return false;
+    return storeAvailable()
+        && MailMeetingReply(mContext, replyMessageId, response, occurrence).answerEvent(eventId);
 }
 
 QStringList MailStorageImpl::queryAttachmentsLocations(quint64 messageId, bool onlyDownloaded)

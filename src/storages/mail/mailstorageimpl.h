@@ -61,11 +61,10 @@ public:
         const FetchedOctets &octets, const QString &fileName) override;
     bool updateMessageParts(quint64 messageId, const QList<MessagePartContent> &parts) override;
     void lookForChangesAnew() override;
-    /** Not there yet: answers to meeting requests write no calendar part. False. */
-    bool updateCalendarResponsePart(
-        quint64 messageId, quint64 replyMessageId, EasItemsCommon::UserResponseType response) override;
-    bool updateCalendarResponsePart(
-        quint64 replyMessageId, const QString &eventId, EasItemsCommon::UserResponseType response) override;
+    bool updateCalendarResponsePart(quint64 replyMessageId, quint64 invitationId,
+        EasItemsCommon::UserResponseType response, const QDateTime &occurrence = {}) override;
+    bool updateCalendarResponsePart(quint64 replyMessageId, const QString &eventId,
+        EasItemsCommon::UserResponseType response, const QDateTime &occurrence = {}) override;
     QStringList queryAttachmentsLocations(quint64 messageId, bool onlyDownloaded) override;
     bool isAttachmentDownloaded(quint64 messageId, const QString &location) override;
     EasItemsCommon::TBoolean isAttachmentPart(quint64 messageId, const QString &location) override;
