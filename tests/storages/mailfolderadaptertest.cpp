@@ -361,6 +361,35 @@ private Q_SLOTS:
         QVERIFY(log.contains("invalid folder id"));
     }
 
+    void anEmptiedFolderKeepsWhatTheServerNeverHad()
+    {
+        Folders mail;
+        const QMailFolderId drafts = mail.addFolder("1", EasFolderItem::DefaultDraftsFolder);
+        mail.addMessage(mail.item("1:1", "1"));
+        const QMailMessageId draft = mail.addUnsent(drafts);
+        QVERIFY(mail.adapter.cleanUpFolder(
+            *EasDatabase::instance()->folderItemByServerId(mail.accountId(), "1")));
+        QCOMPARE(mail.messageCount(), 1);
+        QCOMPARE(mail.message(draft).parentFolderId(), drafts);
+    }
+
+    void aRemovedFolderLeavesWhatTheServerNeverHad()
+    {
+        Folders mail;
+        const QMailFolderId outbox = mail.addFolder("1", EasFolderItem::DefaultOutboxFolder);
+        const QMailFolderId below = mail.addStoreFolder(QStringLiteral("below"), outbox);
+        mail.addMessage(mail.item("1:1", "1"));
+        const QMailMessageIdList unsent { mail.addUnsent(outbox), mail.addUnsent(below) };
+        QList<EasFolderItem> none;
+        QVERIFY(mail.adapter.updateFolders(none, {}, { QStringLiteral("1") }));
+        QCOMPARE(mail.folderCount(), 0);
+        QCOMPARE(mail.messageCount(), 2);
+        for (const QMailMessageId &id : unsent) {
+            QCOMPARE(mail.message(id).parentFolderId(), MailStoreContext::localStorage());
+            QVERIFY(mail.message(id).status() & QMailMessage::Outbox);
+        }
+    }
+
     void anEmptiedFolderKeepsWhatWaitsForItsMove()
     {
         Folders mail;

@@ -447,6 +447,16 @@ private Q_SLOTS:
         QVERIFY(mail.context.store->messageRemovalRecords(mail.mailAccountId()).isEmpty());
     }
 
+    void anAccountThatBeginsAnewKeepsWhatTheServerNeverHad()
+    {
+        MailFixture mail;
+        const QMailMessageId unsent = mail.addUnsent(mail.addFolder("5"));
+        mail.addMessage(mail.item("5:1", "5"));
+        QVERIFY(MailStorageImpl::cleanUpAccounts({ mail.accountId() }));
+        QCOMPARE(mail.messageCount(), 1);
+        QVERIFY(mail.message(unsent).id().isValid());
+    }
+
     void aSyncLooksForChangesAnew()
     {
         MailFixture mail;

@@ -160,6 +160,18 @@ QMailMessageId MailFixture::addMessage(const EasEmailItem &item)
     return message->id();
 }
 
+QMailMessageId MailFixture::addUnsent(const QMailFolderId &folder)
+{
+    QMailMessage message;
+    message.setParentAccountId(mailAccountId());
+    message.setParentFolderId(folder);
+    message.setSubject(QStringLiteral("unsent"));
+    message.setStatus(QMailMessage::Outgoing | QMailMessage::Outbox, true);
+    if (!context.store->addMessage(&message))
+        qFatal("no unsent message");
+    return message.id();
+}
+
 void MailFixture::map(const EasEmailItem &item, const QMailMessageId &id)
 {
     EasEmailItem row = item;

@@ -87,6 +87,8 @@ public:
 
     /** The message of an item, stored and mapped. */
     QMailMessageId addMessage(const EasEmailItem &item);
+    /** A message of the user's that waits to be sent. */
+    QMailMessageId addUnsent(const QMailFolderId &folder);
     void map(const EasEmailItem &item, const QMailMessageId &id);
 
     QMailMessage message(const QMailMessageId &id) const;

@@ -3,6 +3,7 @@
 
 #include "application/base/logging.h"
 #include "application/mapping/easdatabase.h"
+#include "storages/mail/mailunsent.h"
 
 #include <qmailfolderkey.h>
 #include <qmailmessage.h>
@@ -25,7 +26,8 @@ bool removeAll(QMailStore &store, quint64 accountId)
         & QMailMessageKey::status(QMailMessage::Temporary, QMailDataComparator::Includes);
     // Removal records would be taken for those of other messages, which get their identifiers anew.
     if (!id.isValid()
-        || (store.removeMessages(results, QMailStore::NoRemovalRecord)
+        || (MailUnsent::rescue(store, id, QMailMessageKey())
+            && store.removeMessages(results, QMailStore::NoRemovalRecord)
             && store.removeFolders(QMailFolderKey::parentAccountId(id), QMailStore::NoRemovalRecord)
             && store.purgeMessageRemovalRecords(id)))
         return true;

@@ -11,6 +11,7 @@
 #include "storages/mail/mailfolderremoval.h"
 #include "storages/mail/mailheadertext.h"
 #include "storages/mail/mailstorecontext.h"
+#include "storages/mail/mailunsent.h"
 
 #include <qmailaccount.h>
 #include <qmailfolder.h>
@@ -223,10 +224,12 @@ bool MailFolderAdapter::cleanUpFolder(const EasFolderItem &item)
         qCWarning(eas()) << "invalid folder id" << item.localId();
         return true;
     }
-    // What the user has just moved here is in another folder on the server, which would not send it again.
+    // What the user has just moved here is in another folder on the server, and what was written here is in
+    // none; the server would send neither again.
     const QMailMessageKey key = QMailMessageKey::parentFolderId(id)
         & QMailMessageKey::parentAccountId(mContext.mailAccountId)
-        & QMailMessageKey::previousParentFolderId(QMailFolderId(), QMailDataComparator::Equal);
+        & QMailMessageKey::previousParentFolderId(QMailFolderId(), QMailDataComparator::Equal)
+        & ~MailUnsent::key(mContext.mailAccountId);
     if (mContext.store->removeMessages(key, QMailStore::NoRemovalRecord))
         return true;
     qCWarning(eas()) << "failed to remove messages in folder" << item.localId();

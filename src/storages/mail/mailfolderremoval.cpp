@@ -5,6 +5,7 @@
 #include "application/mapping/easdatabase.h"
 #include "storages/mail/mailfolderchanges.h"
 #include "storages/mail/mailstorecontext.h"
+#include "storages/mail/mailunsent.h"
 
 #include <qmailfolderkey.h>
 #include <qmailmessagekey.h>
@@ -29,7 +30,9 @@ bool MailFolderRemoval::remove(const QMailFolderIdList &ids) const
     if (ids.isEmpty())
         return true;
     Plan plan { ids, {} };
-    if (!findDescendants(&plan) || !moveToRoot(plan.kept) || !returnMovedMessages(plan.removed))
+    if (!findDescendants(&plan) || !moveToRoot(plan.kept) || !returnMovedMessages(plan.removed)
+        || !MailUnsent::rescue(
+            *mContext.store, mContext.mailAccountId, QMailMessageKey::parentFolderId(plan.removed)))
         return false;
     mChanges.setOwnRemoval(plan.removed);
     return mContext.store->removeFolders(

@@ -11,8 +11,8 @@ class MailFolderChanges;
  *
  * A folder below a removed one goes along if it has no row in the mapping. With a row it is a folder of the
  * server, which tells of its removal by name; until then it stands at the root. A message whose move into a
- * removed folder has not been uploaded returns to the folder in which the server has it. An object of the
- * moment; main thread only.
+ * removed folder has not been uploaded returns to the folder in which the server has it; one that the server
+ * never had goes to the store's own folder. An object of the moment; main thread only.
  */
 class MailFolderRemoval
 {
