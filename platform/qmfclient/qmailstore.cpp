@@ -199,7 +199,8 @@ bool QMailStore::removeAccount(const QMailAccountId &id)
 bool QMailStore::removeFolder(const QMailFolderId &id, MessageRemovalOption option)
 {
     if (!mEngine->folders.exists(id.toULongLong())) {
-        mEngine->database.setLastError(InvalidId);
+        if (mEngine->database.lastError() == NoError)
+            mEngine->database.setLastError(InvalidId);
         return false;
     }
     return mEngine->write([&](MailChanges &changes) {

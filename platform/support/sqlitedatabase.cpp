@@ -79,13 +79,16 @@ bool SqliteDatabase::createSchema(const Schema &schema)
 {
     mOpen = true; // As far as transactions need it.
     const QString versionQuery = QStringLiteral("PRAGMA user_version");
-    if (value(versionQuery).toInt() == schema.version)
+    if (value(versionQuery).value_or(QVariant()).toInt() == schema.version)
         return true;
     Transaction transaction(*this);
     if (!transaction.isActive())
         return false;
     // Another process may have been quicker.
-    const int version = value(versionQuery).toInt();
+    const std::optional<QVariant> stored = value(versionQuery);
+    if (!stored)
+        return false;
+    const int version = stored->toInt();
     if (version == schema.version)
         return true;
     if (version != 0) {
@@ -109,7 +112,7 @@ bool SqliteDatabase::createAdditions(const Schema &schema)
 bool SqliteDatabase::execute(const QString &sql, const QVariantList &values, QSqlQuery *&query)
 {
     if (!mDatabase.isOpen()) {
-        noteResult(Failed);
+        noteFailure();
         return false;
     }
     auto found = mStatements.find(sql);
@@ -172,14 +175,14 @@ QList<quint64> SqliteDatabase::numbers(const QString &sql, const QVariantList &v
     return list;
 }
 
-QVariant SqliteDatabase::value(const QString &sql, const QVariantList &values)
+std::optional<QVariant> SqliteDatabase::value(const QString &sql, const QVariantList &values)
 {
     QVariant result;
-    select(sql, values, [&result](const QSqlQuery &row) {
+    const bool isRead = select(sql, values, [&result](const QSqlQuery &row) {
         if (!result.isValid())
             result = row.value(0);
     });
-    return result;
+    return isRead ? std::make_optional(result) : std::nullopt;
 }
 
 void SqliteDatabase::noteResult(Result) {}
@@ -188,10 +191,19 @@ bool SqliteDatabase::fail(const QSqlQuery &query)
 {
     const int constraint = 19;
     const int code = query.lastError().nativeErrorCode().toInt() & 0xff;
-    if (code != constraint)
-        qWarning().noquote() << mName << query.lastError().text() << "in" << query.lastQuery();
-    noteResult(code == constraint ? ConstraintFailed : Failed);
+    if (code == constraint) {
+        noteResult(ConstraintFailed);
+        return false;
+    }
+    qWarning().noquote() << mName << query.lastError().text() << "in" << query.lastQuery();
+    noteFailure();
     return false;
+}
+
+void SqliteDatabase::noteFailure()
+{
+    mHasFailed = true;
+    noteResult(Failed);
 }
 
 void SqliteDatabase::rollBack()
@@ -205,8 +217,9 @@ SqliteDatabase::Transaction::Transaction(SqliteDatabase &database)
     : mDatabase(database)
     , mActive(database.isOpen() && database.run(QStringLiteral("BEGIN IMMEDIATE")))
 {
+    mDatabase.mHasFailed = false;
     if (!mActive)
-        mDatabase.noteResult(Failed);
+        mDatabase.noteFailure();
 }
 
 SqliteDatabase::Transaction::~Transaction()
@@ -217,7 +230,9 @@ SqliteDatabase::Transaction::~Transaction()
 
 bool SqliteDatabase::Transaction::commit()
 {
-    if (mActive && mDatabase.run(QStringLiteral("COMMIT")))
+    if (mDatabase.mHasFailed)
+        mDatabase.noteResult(Failed);
+    else if (mActive && mDatabase.run(QStringLiteral("COMMIT")))
         mActive = false;
     return !mActive;
 }

@@ -9,6 +9,7 @@
 #include <QVector>
 
 #include <functional>
+#include <optional>
 
 /**
  * A SQLite database that several processes share: readers never wait for a writer, and writers wait for each
@@ -47,12 +48,19 @@ public:
     bool select(const QString &sql, const QVariantList &values, const RowHandler &row);
     /** The first column of all rows. */
     QList<quint64> numbers(const QString &sql, const QVariantList &values = {});
-    /** The first column of the first row, invalid without one. */
-    QVariant value(const QString &sql, const QVariantList &values = {});
+    /** The first column of the first row, invalid without one; nothing if it could not be read. */
+    [[nodiscard]] std::optional<QVariant> value(const QString &sql, const QVariantList &values = {});
+    /** Whether there is a row; false, too, if that could not be read. */
+    bool has(const QString &sql, const QVariantList &values)
+    {
+        return value(sql, values).value_or(QVariant()).isValid();
+    }
     quint64 lastInsertId() const { return mLastInsertId; }
     int changedRows() const { return mChangedRows; }
 
-    /** Takes the write lock at once; rolls back unless commit() was called and succeeded. */
+    /** Takes the write lock at once; rolls back unless commit() was called and succeeded. A statement that
+     * could not be carried out, a question too, has it fail: what was written after it rests on rows that
+     * were not read. */
     class Transaction
     {
     public:
@@ -77,6 +85,7 @@ private:
     bool createAdditions(const Schema &schema);
     bool execute(const QString &sql, const QVariantList &values, QSqlQuery *&query);
     bool fail(const QSqlQuery &query);
+    void noteFailure();
     void rollBack();
 
     const QString mName;
@@ -86,4 +95,6 @@ private:
     quint64 mLastInsertId = 0;
     int mChangedRows = 0;
     bool mOpen = false;
+    /** A statement has failed since the last transaction began. */
+    bool mHasFailed = false;
 };

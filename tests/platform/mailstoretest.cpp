@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "platform/mailfixture.h"
+#include "support/storedatabase.h"
 #include "support/testmain.h"
 
 #include <QSignalSpy>
@@ -69,6 +70,23 @@ private Q_SLOTS:
     }
 
     void cleanup() { QVERIFY(mStore->removeAccount(mAccount)); }
+
+    void whatCannotBeReadIsNotTakenForGone()
+    {
+        QMailMessage message = newMessage(mAccount, mInbox);
+        QVERIFY(mStore->addMessage(&message));
+        message.setSubject(QStringLiteral("Changed"));
+        StoreDatabase::execute(StoreDatabase::Mail, QStringLiteral("ALTER TABLE messages RENAME TO hidden"));
+        QVERIFY(!mStore->updateMessage(&message));
+        QCOMPARE(mStore->lastError(), QMailStore::StorageInaccessible);
+        StoreDatabase::execute(StoreDatabase::Mail, QStringLiteral("ALTER TABLE hidden RENAME TO messages"));
+        StoreDatabase::execute(StoreDatabase::Mail, QStringLiteral("ALTER TABLE folders RENAME TO hidden"));
+        QVERIFY(!mStore->removeFolder(mInbox, QMailStore::NoRemovalRecord));
+        QCOMPARE(mStore->lastError(), QMailStore::StorageInaccessible);
+        StoreDatabase::execute(StoreDatabase::Mail, QStringLiteral("ALTER TABLE hidden RENAME TO folders"));
+        QVERIFY(mStore->updateMessage(&message));
+        QCOMPARE(mStore->message(message.id()).subject(), QStringLiteral("Changed"));
+    }
 
     void anAccountKeepsTheIdThatWasChosen()
     {

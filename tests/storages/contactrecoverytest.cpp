@@ -332,7 +332,7 @@ private Q_SLOTS:
         account.addFolder();
         QVERIFY(account.receive({ named(account, 1), named(account, 2) }));
         const QString lost = account.contact(QStringLiteral("1")).id().toString();
-        StoreDatabase::execute(
+        StoreDatabase::execute(StoreDatabase::Contacts,
             QStringLiteral("DELETE FROM contacts WHERE id = %1").arg(account.storeNumber(lost)));
         QCOMPARE(account.localChanges(), none());
         QVERIFY(account.receive({}, { named(account, 1) }));
@@ -345,10 +345,11 @@ private Q_SLOTS:
         account.addFolder();
         QVERIFY(account.receive({ named(account, 1) }));
         // The store has marked the contact, and the mark cannot be cleared.
-        StoreDatabase::execute(QStringLiteral("CREATE TRIGGER refuse BEFORE DELETE ON contacts "
-                                              "BEGIN SELECT RAISE(ABORT, 'refused'); END"));
+        StoreDatabase::execute(StoreDatabase::Contacts,
+            QStringLiteral("CREATE TRIGGER refuse BEFORE DELETE ON contacts "
+                           "BEGIN SELECT RAISE(ABORT, 'refused'); END"));
         const bool removed = account.receive({}, {}, { QStringLiteral("1") });
-        StoreDatabase::execute(QStringLiteral("DROP TRIGGER refuse"));
+        StoreDatabase::execute(StoreDatabase::Contacts, QStringLiteral("DROP TRIGGER refuse"));
         QVERIFY(!removed);
         QCOMPARE(account.localChanges(), none());
         account.restart();

@@ -155,10 +155,11 @@ private Q_SLOTS:
         QList<EasFolderItem> none;
         QList<EasFolderItem> added { account.folder() };
         const LogCollector log;
-        StoreDatabase::execute(QStringLiteral("CREATE TRIGGER refuse BEFORE INSERT ON collections "
-                                              "BEGIN SELECT RAISE(ABORT, 'refused'); END"));
+        StoreDatabase::execute(StoreDatabase::Contacts,
+            QStringLiteral("CREATE TRIGGER refuse BEFORE INSERT ON collections "
+                           "BEGIN SELECT RAISE(ABORT, 'refused'); END"));
         const bool takesFolders = account.storage().updateFolders(added, none, {});
-        StoreDatabase::execute(QStringLiteral("DROP TRIGGER refuse"));
+        StoreDatabase::execute(StoreDatabase::Contacts, QStringLiteral("DROP TRIGGER refuse"));
         QVERIFY(!takesFolders);
         QVERIFY(log.contains(QStringLiteral("Failed to save new folder as local collection: ")));
         QVERIFY(log.contains(QStringLiteral("Failed to add contacts folders")));

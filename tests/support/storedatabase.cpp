@@ -4,12 +4,23 @@
 #include <QSqlDatabase>
 #include <QSqlQuery>
 
-void StoreDatabase::execute(const QString &statement)
+namespace {
+
+QString fileOf(StoreDatabase::Store store)
 {
-    const QString name = QStringLiteral("contacts-by-hand");
+    return store == StoreDatabase::Mail
+        ? qEnvironmentVariable("QMF_DATA") + QLatin1String("/mailstore.db")
+        : qEnvironmentVariable("CONTACTS_DATA") + QLatin1String("/contacts.db");
+}
+
+} // namespace
+
+void StoreDatabase::execute(Store store, const QString &statement)
+{
+    const QString name = QStringLiteral("store-by-hand");
     {
         QSqlDatabase database = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
-        database.setDatabaseName(qEnvironmentVariable("CONTACTS_DATA") + QLatin1String("/contacts.db"));
+        database.setDatabaseName(fileOf(store));
         if (!database.open() || !QSqlQuery(database).exec(statement))
             qFatal("%s", qPrintable(statement));
     }

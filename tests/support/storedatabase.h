@@ -3,10 +3,12 @@
 
 #include <QString>
 
-/** The file of the bundled contact store, for faults that no interface makes. */
+/** The files of the bundled stores, for faults that no interface makes. */
 namespace StoreDatabase {
 
+enum Store { Contacts, Mail };
+
 /** Over a connection of its own; a statement that fails ends the process. */
-void execute(const QString &statement);
+void execute(Store store, const QString &statement);
 
 } // namespace StoreDatabase

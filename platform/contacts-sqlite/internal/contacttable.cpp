@@ -79,9 +79,9 @@ QContact ContactTable::contact(quint64 number) const
 
 quint64 ContactTable::collectionOf(quint64 number) const
 {
-    return mDatabase
-        .value(QStringLiteral("SELECT collection FROM contacts WHERE id = ? AND ") + notDeleted(), { number })
-        .toULongLong();
+    const auto collection = mDatabase.value(
+        QStringLiteral("SELECT collection FROM contacts WHERE id = ? AND ") + notDeleted(), { number });
+    return collection.value_or(QVariant()).toULongLong();
 }
 
 QList<QContact> ContactTable::withDeleted(quint64 collection) const

@@ -119,9 +119,9 @@ bool IncidenceRows::eraseDeleted(const Incidence::Ptr &incidence)
 
 QDateTime IncidenceRows::deletedDate(const Incidence::Ptr &incidence)
 {
-    const QVariant time = mDatabase.value(
+    const std::optional<QVariant> time = mDatabase.value(
         QLatin1String("SELECT MAX(deleted) FROM incidences") + sameIncidence, identity(incidence));
-    return time.isNull() ? QDateTime() : QDateTime::fromSecsSinceEpoch(time.toLongLong(), Qt::UTC);
+    return !time || time->isNull() ? QDateTime() : QDateTime::fromSecsSinceEpoch(time->toLongLong(), Qt::UTC);
 }
 
 } // namespace mKCal

@@ -98,7 +98,7 @@ Notebook::Ptr fromRow(const QSqlQuery &row)
 
 bool NotebookRows::isEmpty()
 {
-    return mDatabase.value(QStringLiteral("SELECT COUNT(*) FROM notebooks")).toInt() == 0;
+    return mDatabase.value(QStringLiteral("SELECT COUNT(*) FROM notebooks")) == QVariant(0);
 }
 
 bool NotebookRows::read(Notebook::List *notebooks, QString *defaultUid)
@@ -107,9 +107,9 @@ bool NotebookRows::read(Notebook::List *notebooks, QString *defaultUid)
         QStringLiteral("SELECT uid, name, description, color, flags, plugin, account, sync_profile,"
                        " attachment_size, sync_date, modified, created, properties FROM notebooks"),
         {}, [notebooks](const QSqlQuery &row) { notebooks->append(fromRow(row)); });
-    *defaultUid =
-        mDatabase.value(QStringLiteral("SELECT value FROM settings WHERE name = 'default'")).toString();
-    return done;
+    const auto uid = mDatabase.value(QStringLiteral("SELECT value FROM settings WHERE name = 'default'"));
+    *defaultUid = uid.value_or(QVariant()).toString();
+    return done && uid;
 }
 
 bool NotebookRows::write(const Notebook::Ptr &notebook)

@@ -13,9 +13,12 @@ bool AccountTable::add(QMailAccount &account, quint64 lowestId, MailChanges &cha
 {
     QMailAccountData &data = MailValueAccess::data(account);
     quint64 id = data.id.toULongLong();
-    if (id == 0)
-        id = qMax(lowestId,
-            mDatabase.value(QStringLiteral("SELECT COALESCE(MAX(id), 0) + 1 FROM accounts")).toULongLong());
+    if (id == 0) {
+        const auto next = mDatabase.value(QStringLiteral("SELECT COALESCE(MAX(id), 0) + 1 FROM accounts"));
+        if (!next)
+            return false;
+        id = qMax(lowestId, next->toULongLong());
+    }
     if (!mDatabase.run(QStringLiteral("INSERT INTO accounts (id, own) VALUES (?, 1)"), { id }))
         return false;
     const QMailAccountId before = data.id;
@@ -64,7 +67,7 @@ bool AccountTable::remove(quint64 id)
 
 bool AccountTable::noteForeign(quint64 id)
 {
-    if (mDatabase.value(QStringLiteral("SELECT 1 FROM accounts WHERE id = ?"), { id }).isValid())
+    if (mDatabase.has(QStringLiteral("SELECT 1 FROM accounts WHERE id = ?"), { id }))
         return true;
     return mDatabase.run(QStringLiteral("INSERT OR IGNORE INTO accounts (id, own) VALUES (?, 0)"), { id });
 }
@@ -100,8 +103,7 @@ bool AccountTable::load(quint64 id, QMailAccount &account)
 
 bool AccountTable::isOwn(quint64 id)
 {
-    return mDatabase.value(QStringLiteral("SELECT 1 FROM accounts WHERE id = ? AND own = 1"), { id })
-        .isValid();
+    return mDatabase.has(QStringLiteral("SELECT 1 FROM accounts WHERE id = ? AND own = 1"), { id });
 }
 
 QList<quint64> AccountTable::own()

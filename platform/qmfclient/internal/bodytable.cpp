@@ -21,7 +21,7 @@ quint64 BodyTable::keep(const BodyOctets &octets, quint64 message)
 bool BodyTable::belongsTo(quint64 number, quint64 message)
 {
     const QString sql = QStringLiteral("SELECT 1 FROM bodies WHERE id = ? AND message = ?");
-    return message != 0 && mDatabase.value(sql, { number, message }).isValid();
+    return message != 0 && mDatabase.has(sql, { number, message });
 }
 
 bool BodyTable::write(quint64 number, const BodyOctets &octets)
@@ -62,5 +62,6 @@ QByteArray BodyTable::piece(quint64 number, int piece)
     return mDatabase
         .value(
             QStringLiteral("SELECT data FROM body_pieces WHERE body = ? AND number = ?"), { number, piece })
+        .value_or(QVariant())
         .toByteArray();
 }

@@ -84,6 +84,7 @@ int FolderTable::count(const MailKeyNode &key)
     return mDatabase
         .value(
             QStringLiteral("SELECT COUNT(*) FROM folders WHERE %1").arg(compiled.condition), compiled.values)
+        .value_or(QVariant())
         .toInt();
 }
 
@@ -113,7 +114,7 @@ bool FolderTable::load(quint64 id, QMailFolder &folder)
 
 bool FolderTable::exists(quint64 id)
 {
-    return id != 0 && mDatabase.value(QStringLiteral("SELECT 1 FROM folders WHERE id = ?"), { id }).isValid();
+    return id != 0 && mDatabase.has(QStringLiteral("SELECT 1 FROM folders WHERE id = ?"), { id });
 }
 
 QList<quint64> FolderTable::withDescendants(quint64 id)

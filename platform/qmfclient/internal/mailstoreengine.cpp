@@ -181,9 +181,9 @@ quint64 MailStoreEngine::flagMask(
         if (fixed[i].name == std::string_view(wanted.constData(), std::size_t(wanted.size())))
             return fixed[i].mask;
     }
-    const QVariant bit = database.value(
+    const std::optional<QVariant> bit = database.value(
         QStringLiteral("SELECT bit FROM status_flags WHERE kind = ? AND name = ?"), { kind, name });
-    return bit.isValid() ? quint64(1) << bit.toInt() : 0;
+    return bit && bit->isValid() ? quint64(1) << bit->toInt() : 0;
 }
 
 bool MailStoreEngine::registerFlag(
@@ -193,9 +193,11 @@ bool MailStoreEngine::registerFlag(
     if (flagMask(kind, fixed, fixedCount, name) != 0)
         return true;
     return write([&](MailChanges &) {
-        const QVariant highest =
+        const std::optional<QVariant> highest =
             database.value(QStringLiteral("SELECT MAX(bit) FROM status_flags WHERE kind = ?"), { kind });
-        const int bit = highest.isNull() ? int(fixedCount) : highest.toInt() + 1;
+        if (!highest)
+            return false;
+        const int bit = highest->isNull() ? int(fixedCount) : highest->toInt() + 1;
         if (name.isEmpty() || bit > lastBit) {
             database.setLastError(QMailStore::ConstraintFailure);
             return false;

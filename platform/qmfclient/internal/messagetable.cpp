@@ -92,14 +92,13 @@ MessageTable::MessageTable(MailDatabase &database)
 
 bool MessageTable::isStored(quint64 id)
 {
-    return id != 0
-        && mDatabase.value(QStringLiteral("SELECT 1 FROM messages WHERE id = ?"), { id }).isValid();
+    return id != 0 && mDatabase.has(QStringLiteral("SELECT 1 FROM messages WHERE id = ?"), { id });
 }
 
 quint64 MessageTable::threadOf(quint64 message)
 {
     const QString sql = QStringLiteral("SELECT COALESCE(thread, id) FROM messages WHERE id = ?");
-    return message == 0 ? 0 : mDatabase.value(sql, { message }).toULongLong();
+    return message == 0 ? 0 : mDatabase.value(sql, { message }).value_or(QVariant()).toULongLong();
 }
 
 void MessageTable::takeOver(const Stored &stored, QMailMessageMetaData &message)
@@ -159,8 +158,10 @@ bool MessageTable::update(
     }
     if ((!data.modified && !data.fields.touched && !content) || !isStored(id))
         return true;
-    const quint64 oldFolder =
-        mDatabase.value(QStringLiteral("SELECT folder FROM messages WHERE id = ?"), { id }).toULongLong();
+    const auto oldFolder =
+        mDatabase.value(QStringLiteral("SELECT folder FROM messages WHERE id = ?"), { id });
+    if (!oldFolder)
+        return false;
     stored.id = id;
     if (data.modified) {
         static const QString update =
@@ -174,7 +175,7 @@ bool MessageTable::update(
     changes.add(MailChanges::MessagesUpdated, id);
     if (content)
         changes.add(MailChanges::MessageContentsModified, id);
-    return noteFolderChange(oldFolder, changes)
+    return noteFolderChange(oldFolder->toULongLong(), changes)
         && noteFolderChange(data.parentFolderId.toULongLong(), changes);
 }
 
@@ -306,6 +307,7 @@ int MessageTable::count(const MailKeyNode &key)
     return mDatabase
         .value(
             QStringLiteral("SELECT COUNT(*) FROM messages WHERE %1").arg(compiled.condition), compiled.values)
+        .value_or(QVariant())
         .toInt();
 }
 
@@ -339,6 +341,7 @@ quint64 MessageTable::idOf(const QString &uid, quint64 account)
         .value(QStringLiteral(
                    "SELECT id FROM messages WHERE account = ? AND server_uid = ? AND server_uid <> ''"),
             { account, uid })
+        .value_or(QVariant())
         .toULongLong();
 }
 
