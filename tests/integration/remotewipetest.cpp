@@ -28,6 +28,7 @@ private Q_SLOTS:
     void theServersOrderIsAcknowledgedOnce_data();
     void theServersOrderIsAcknowledgedOnce();
     void aDeathAtAnyDurableStep();
+    void aDeathAtAnyDurableStepAcknowledgesNothingTwice();
     void aFullDisk_data();
     void aFullDisk();
     void aSignOnServiceThatIsSilent();
@@ -39,6 +40,8 @@ private:
     static FaultShim shim();
     /** Prepares the device, gives the order and lets a daemon run; what is wrong after another one. */
     QString wipe(const QProcessEnvironment &environment);
+    /** The same where the server gives the order, and what it was told. */
+    QString wipeForServer(const QProcessEnvironment &environment);
     QString told(const QString &wrong) const
     {
         if (!wrong.isEmpty())
@@ -63,6 +66,34 @@ QString RemoteWipeTest::wipe(const QProcessEnvironment &environment)
         return QStringLiteral("the device cannot be prepared");
     mScene->run(environment);
     return told(mScene->finish());
+}
+
+QString RemoteWipeTest::wipeForServer(const QProcessEnvironment &environment)
+{
+    const QString user = WipeScene::wipedUser();
+    Simulator::ExchangeServer &server = mScene->server();
+    server.changePolicies([](Simulator::ServerPolicies &policies) { policies = {}; }, user);
+    if (!mScene->begin())
+        return QStringLiteral("the device cannot be prepared");
+    server.changePolicies(
+        [](Simulator::ServerPolicies &policies) { policies.orderWipe(Simulator::Wipe::Device); }, user);
+    server.clearRequests();
+    mScene->runOrdered(environment);
+    // Of an order that was not written down a new daemon knows nothing, and the server has to give it again.
+    if (mScene->isAccountThere() && !mScene->isOrderRecorded())
+        mScene->synchronize(mScene->accountId());
+    QString wrong = mScene->finish();
+    int acknowledgements = 0;
+    const auto provisions = server.requests(QStringLiteral("Provision"));
+    for (const Simulator::RecordedRequest &provision : provisions)
+        acknowledgements += provision.document.toXml().contains(QLatin1String("RemoteWipe")) ? 1 : 0;
+    if (acknowledgements > 1)
+        wrong += QStringLiteral("acknowledged %1 times\n").arg(acknowledgements);
+    const QStringList verdicts = server.policies(user).wipeVerdicts.values();
+    if (verdicts.size() > acknowledgements
+        || (!verdicts.isEmpty() && verdicts != QStringList { QStringLiteral("1") }))
+        wrong += QStringLiteral("the server was told %1\n").arg(verdicts.join(QLatin1Char(' ')));
+    return told(wrong);
 }
 
 void RemoteWipeTest::nothingOfTheAccountIsLeft()
@@ -106,6 +137,29 @@ void RemoteWipeTest::aDeathAtAnyDurableStep()
         FaultShim fault = shim();
         fault.killAtStep(number);
         const QString wrong = wipe(fault.environment());
+        QVERIFY2(wrong.isEmpty(),
+            qPrintable(QStringLiteral("killed before step %1 of %2, %3\n")
+                           .arg(number)
+                           .arg(steps)
+                           .arg(fault.steps().value(number - 1))
+                + wrong));
+    }
+}
+
+void RemoteWipeTest::aDeathAtAnyDurableStepAcknowledgesNothingTwice()
+{
+    const FaultShim plain = shim();
+    QCOMPARE(wipeForServer(plain.environment()), QString());
+    QCOMPARE(mScene->server().policies(WipeScene::wipedUser()).wipeVerdicts.values(),
+        QStringList { QStringLiteral("1") });
+    const int steps = plain.steps().size();
+    QVERIFY(steps > 30);
+    const int stride = qMax(1, steps / Soak::samples(6, steps));
+    qInfo("%d durable steps, tried in strides of %d", steps, stride);
+    for (int number = 1; number <= steps; number += stride) {
+        FaultShim fault = shim();
+        fault.killAtStep(number);
+        const QString wrong = wipeForServer(fault.environment());
         QVERIFY2(wrong.isEmpty(),
             qPrintable(QStringLiteral("killed before step %1 of %2, %3\n")
                            .arg(number)

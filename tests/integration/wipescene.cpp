@@ -176,10 +176,27 @@ bool WipeScene::isAccountThere() const
     return mStore->accountList().contains(Accounts::AccountId(mWiped));
 }
 
+bool WipeScene::isOrderRecorded() const
+{
+    return mAccounts.value(mWiped, QString(), QStringLiteral("remote_wipe_requested")).toBool();
+}
+
 void WipeScene::run(const QProcessEnvironment &environment)
 {
     DaemonProcess daemon(environment);
     daemon.start();
+    waitForEnd(daemon);
+}
+
+void WipeScene::runOrdered(const QProcessEnvironment &environment)
+{
+    DaemonProcess daemon(environment);
+    daemon.sync(mWiped);
+    waitForEnd(daemon);
+}
+
+void WipeScene::waitForEnd(DaemonProcess &daemon)
+{
     // A store that could not be opened at the start stays closed, however often the daemon tries again.
     const auto hasGivenUp = [&] {
         return daemon.log().count("will be tried again") >= Attempts;

@@ -45,6 +45,10 @@ public:
     /** Lets a daemon run in this environment until the account is gone, or the daemon, or the daemon has
      * failed several times. */
     void run(const QProcessEnvironment &environment);
+    /** The same for a daemon that hears of the order from the server, in the sync that it is asked for. */
+    void runOrdered(const QProcessEnvironment &environment);
+    /** Whether the order stands in the account's record. */
+    bool isOrderRecorded() const;
     /** Lets another daemon run until nothing of the account is left; what is wrong then, or empty. */
     QString finish();
     /** What the daemons have said since begin(). */
@@ -54,6 +58,8 @@ public:
     QString lookedAt() const;
 
 private:
+    void waitForEnd(DaemonProcess &daemon);
+
     struct Places
     {
         std::unique_ptr<DeviceTraces> traces;
