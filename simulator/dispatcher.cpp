@@ -98,6 +98,7 @@ Dispatcher::Dispatcher(Script &script)
 Mailbox &Dispatcher::addUser(const QString &name, const QString &password)
 {
     const QMutexLocker lock(&mMutex);
+    const QMutexLocker usersLock(&mUsersMutex);
     if (!mHasOwnUsers)
         mUsers.clear();
     if (mUsers.empty())
@@ -126,7 +127,7 @@ bool Dispatcher::hasUser(const QString &name)
 
 Mailbox &Dispatcher::mailbox(const QString &name)
 {
-    const QMutexLocker lock(&mMutex);
+    const QMutexLocker lock(&mUsersMutex);
     return user(name).mailbox;
 }
 

@@ -66,6 +66,9 @@ private:
     Script &mScript;
     Waits mWaits;
     QMutex mMutex;
+    /** Of the list of users, beside mMutex for those who change it: who has a mailbox stand still may look up
+     * others, while a command that holds mMutex waits for it. */
+    QMutex mUsersMutex;
     std::map<QString, std::unique_ptr<User>> mUsers;
     QString mFirstUser;
     bool mHasOwnUsers = false;

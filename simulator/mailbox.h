@@ -113,7 +113,8 @@ public:
     /** Called after each change, by whoever changed something; set before the mailbox is used. */
     void setOnChanged(const std::function<void()> &onChanged) { mOnChanged = onChanged; }
 
-    /** Runs @p work with the mailbox standing still for all others. */
+    /** Runs @p work with the mailbox standing still for all others. Of its server the work may look up
+     * mailboxes; its other methods wait for commands, and these for the mailbox. */
     void atomically(const std::function<void()> &work);
 
 private:

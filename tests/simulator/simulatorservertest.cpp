@@ -5,6 +5,9 @@
 #include <QSignalSpy>
 #include <QtTest>
 
+#include <chrono>
+#include <future>
+
 using namespace Simulator;
 
 namespace {
@@ -96,6 +99,22 @@ private Q_SLOTS:
         const QByteArray secret = QByteArray("user:secret").toBase64();
         QVERIFY(request.header("Authorization").contains(secret));
         QVERIFY(!request.dump().contains(QString::fromLatin1(secret)));
+    }
+
+    void aMailboxIsFoundWhileACommandIsCarriedOut()
+    {
+        ExchangeServer server;
+        QVERIFY(server.start());
+        std::future<Mailbox *> lookUp;
+        bool isFound = false;
+        server.overrideNext(QStringLiteral("FolderSync"), Override::edited([&](WbxmlNode &) {
+            lookUp = std::async(std::launch::async, [&server] { return &server.mailbox(); });
+            isFound = lookUp.wait_for(std::chrono::minutes(1)) == std::future_status::ready;
+        }));
+        SimulatorClient client(server);
+        client.post(QStringLiteral("FolderSync"), folderSync.arg(0));
+        QVERIFY(isFound);
+        QCOMPARE(lookUp.get(), &server.mailbox());
     }
 
     void itListensAgainOnTheSamePortWithItsStateKept()
