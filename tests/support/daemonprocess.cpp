@@ -8,7 +8,6 @@
 
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
-#include <QDBusPendingReply>
 #include <QDBusServiceWatcher>
 #include <QProcess>
 
@@ -74,9 +73,21 @@ void DaemonProcess::connectToService()
 
 int DaemonProcess::sync(EasAccountId accountId)
 {
+    return runRequest([&](EasDBusInterfaceProxy &proxy) { return proxy.sync(accountId); });
+}
+
+int DaemonProcess::downloadPart(EasAccountId accountId, qulonglong messageId, const QString &location)
+{
+    return runRequest([&](EasDBusInterfaceProxy &proxy) {
+        return proxy.downloadMessagePart(accountId, messageId, location);
+    });
+}
+
+int DaemonProcess::runRequest(const Call &call)
+{
     if (!mProxy && !start())
         return hasDied() ? Died : NeverEnded;
-    const QDBusPendingReply<qulonglong> reply = mProxy->sync(accountId);
+    const QDBusPendingReply<qulonglong> reply = call(*mProxy);
     const auto hasFinished = [&] {
         return reply.isFinished() && !reply.isError() && mFinished.contains(reply.value());
     };

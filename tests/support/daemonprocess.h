@@ -3,6 +3,7 @@
 
 #include "common/easaccountid.h"
 
+#include <QDBusPendingReply>
 #include <QMap>
 #include <QObject>
 #include <QProcessEnvironment>
@@ -10,6 +11,7 @@
 
 #include <chrono>
 #include <condition_variable>
+#include <functional>
 #include <mutex>
 #include <optional>
 #include <thread>
@@ -39,6 +41,8 @@ public:
     bool start();
     /** Starts it if need be, runs a full sync to its end and returns its status, Died or NeverEnded. */
     int sync(EasAccountId accountId);
+    /** The same for the part of a message. */
+    int downloadPart(EasAccountId accountId, qulonglong messageId, const QString &location);
     void kill();
     /** SIGKILL so long after the start, by a thread that no event loop delays. */
     void killAfterStart(std::chrono::microseconds delay) { mLife = delay; }
@@ -49,6 +53,9 @@ public:
     QByteArray log() const { return mLog; }
 
 private:
+    using Call = std::function<QDBusPendingReply<qulonglong>(EasDBusInterfaceProxy &)>;
+
+    int runRequest(const Call &call);
     void connectToService();
     void startTimer();
     void stopTimer();
