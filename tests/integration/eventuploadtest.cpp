@@ -271,6 +271,37 @@ private Q_SLOTS:
         QVERIFY(nothingMoreGoesUp(bed));
     }
 
+    void anEventThatGoesInTheSecondOfItsCreation_data()
+    {
+        QTest::addColumn<bool>("hasGoneUp");
+        QTest::newRow("before it has gone up") << false;
+        QTest::newRow("after it has gone up") << true;
+    }
+
+    void anEventThatGoesInTheSecondOfItsCreation()
+    {
+        QFETCH(bool, hasGoneUp);
+        SyncTestBed bed({ QStringLiteral("14.1") }, SyncTestBed::everyService());
+        QVERIFY(bed.isReady());
+        QCOMPARE(bed.sync(), 0);
+        bed.clock().stop();
+        QVERIFY(addOnDevice(bed, QStringLiteral("Short")));
+        if (hasGoneUp) {
+            QCOMPARE(bed.sync(), 0);
+            QCOMPARE(subjects(bed), QStringList { QStringLiteral("Short") });
+        }
+        {
+            DeviceCalendar device;
+            QVERIFY(
+                device.remove(device.withSummary(QStringLiteral("Short")), bed.clock().currentDateTimeUtc()));
+        }
+        QCOMPARE(bed.sync(), 0);
+        QCOMPARE(subjects(bed), QStringList());
+        QVERIFY(nothingMoreGoesUp(bed));
+        QCOMPARE(subjects(bed), QStringList());
+        QCOMPARE(deviceSubjects(), QStringList());
+    }
+
     void aDeletedExceptionGoesUp_data() { versions(); }
     void aDeletedExceptionGoesUp()
     {
