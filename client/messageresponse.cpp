@@ -8,6 +8,7 @@
 #include <QRegularExpression>
 
 #include <algorithm>
+#include <iterator>
 
 namespace {
 
@@ -45,6 +46,16 @@ QString textOf(const QMailMessage &message)
     QString text = MailView::text(message);
     text.remove(QChar(QChar::Null)).replace(QLatin1String("\r\n"), QLatin1String("\n"));
     return text;
+}
+
+/** A part as it can travel: what was downloaded has no encoding that keeps its line ends. */
+QMailMessagePart encoded(const QMailMessagePart &part)
+{
+    QMailMessagePart copy(part);
+    if (part.hasBody() && part.transferEncoding() == QMailMessageBody::NoEncoding)
+        copy.setBody(QMailMessageBody::fromData(part.body().data(QMailMessageBody::Decoded),
+            part.contentType(), QMailMessageBody::Base64, QMailMessageBody::RequiresEncoding));
+    return copy;
 }
 
 /** The parts of a message that are files. */
@@ -132,8 +143,10 @@ OutgoingMessage MessageResponse::forward() const
 {
     OutgoingMessage outgoing = begun(QMailMessage::Forward);
     outgoing.subject = prefixed("Fwd: ", "^fwd?:", mSource.subject());
-    if (!isSourceAdded())
-        outgoing.parts = filesOf(mSource);
+    if (isSourceAdded())
+        return outgoing;
+    const QList<QMailMessagePart> files = filesOf(mSource);
+    std::transform(files.cbegin(), files.cend(), std::back_inserter(outgoing.parts), encoded);
     return outgoing;
 }
 

@@ -38,7 +38,6 @@ constexpr Row rows[] = {
     { Eas::CommonStatusMessageRecipientUnresolved,
         "The server does not know one of the recipients. Check their addresses." },
     { Eas::CommonStatusMessageReplyNotAllowed, "The server does not let this message be answered." },
-    { Eas::CommonStatusMessagePreviouselySent, "The server has sent this message before, so not again." },
     { Eas::CommonStatusMessageHasNoRecipient, "The server finds no recipient in the message." },
     { Eas::CommonStatusMailSubmissionFailed,
         "The server could not pass the message on. Check the addresses, or send again later." },

@@ -146,8 +146,11 @@ private Q_SLOTS:
         QVERIFY(!response.lacksContent(true));
         response.setWhole(true);
         QVERIFY(response.lacksContent(true));
-        QVERIFY(mail.fillSecondPart(id, "now here"));
+        // As a download puts it there: its line ends are its own.
         QMailMessage filled(id);
+        QMailMessagePart &part = filled.partAt(2);
+        part.setBody(QMailMessageBody::fromData(QByteArray("now\nhere\r"), part.contentType(),
+            QMailMessageBody::NoEncoding, QMailMessageBody::AlreadyEncoded));
         filled.setStatus(QMailMessage::ContentAvailable, true);
         QVERIFY(QMailStore::instance()->updateMessage(&filled));
         MessageResponse complete(id, QMailAddress());
@@ -155,7 +158,10 @@ private Q_SLOTS:
         QVERIFY(!complete.lacksContent(true));
         const OutgoingMessage forward = complete.forward();
         QCOMPARE(forward.parts.size(), 2);
-        QCOMPARE(forward.parts.at(1).body().data(QMailMessageBody::Decoded), QByteArray("now here"));
+        const QMailMessagePart &sent = forward.parts.at(1);
+        QCOMPARE(sent.transferEncoding(), QMailMessageBody::Base64);
+        QCOMPARE(sent.body().data(QMailMessageBody::Decoded), QByteArray("now\nhere\r"));
+        QCOMPARE(sent.displayName(), QStringLiteral("there.txt"));
     }
 };
 
