@@ -15,7 +15,6 @@ namespace {
 const auto Json = QStringLiteral("json");
 const auto Progress = QStringLiteral("progress");
 const auto Account = QStringLiteral("account");
-const auto Help = QStringLiteral("help");
 
 } // namespace
 
@@ -49,8 +48,7 @@ bool CommandContext::refuse(const QString &error)
 bool CommandContext::parse(QCommandLineParser &parser, int fewest, int most)
 {
     parser.addOptions({ QCommandLineOption(Json), QCommandLineOption(Progress),
-        QCommandLineOption(Account, QString(), Account),
-        QCommandLineOption(QStringList { QStringLiteral("h"), Help }) });
+        QCommandLineOption(Account, QString(), Account) });
     const bool isParsed = parser.parse(QStringList { QLatin1String(mCommand.name) } + mArguments);
     if (parser.isSet(Json))
         mOutput.setJson(true);
@@ -59,10 +57,6 @@ bool CommandContext::parse(QCommandLineParser &parser, int fewest, int most)
         mOptions.account = parser.value(Account);
     if (!isParsed)
         return refuse(parser.errorText());
-    if (parser.isSet(Help)) {
-        mOutput.done(CommandTable::usage(mCommand));
-        return stop(ExitSuccess);
-    }
     const int count = parser.positionalArguments().size();
     if (count < fewest || (most >= 0 && count > most))
         return refuse(QStringLiteral("wrong number of arguments\n") + CommandTable::usage(mCommand));

@@ -41,7 +41,7 @@ public:
     /**
      * Parses the arguments; the parser has the command's own options already. The positional arguments are
      * counted against the two limits (-1: any). False, with exitStatus() set, if the command is not to go on:
-     * wrong arguments were explained, or help was asked for.
+     * wrong arguments were explained.
      */
     bool parse(QCommandLineParser &parser, int fewest, int most);
     int exitStatus() const { return mExitStatus; }

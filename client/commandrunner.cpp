@@ -65,6 +65,17 @@ int printHelp(Output &output, const QStringList &arguments)
     return ExitSuccess;
 }
 
+bool asksForHelp(const QStringList &arguments)
+{
+    return arguments.contains(QStringLiteral("--help")) || arguments.contains(QStringLiteral("-h"));
+}
+
+int printUsage(Output &output, const QStringList &usage)
+{
+    output.done(usage.first());
+    return ExitSuccess;
+}
+
 int printVersion(Output &output, const QStringList & /* arguments */)
 {
     const QString version = QCoreApplication::applicationVersion();
@@ -117,6 +128,11 @@ int CommandRunner::run(QStringList arguments)
     const Command *const command = CommandTable::take(arguments);
     if (!command)
         return withoutCommand(options, &printError, { CommandTable::unknown(arguments) });
+    if (asksForHelp(arguments)) {
+        // Before the command begins, so that none does what it was asked to explain.
+        options.json = options.json || arguments.contains(QStringLiteral("--json"));
+        return withoutCommand(options, &printUsage, { CommandTable::usage(*command) });
+    }
     CommandContext context(*command, arguments, options);
     return context.output().finish(command->run(context));
 }

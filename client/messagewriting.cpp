@@ -12,11 +12,15 @@ MessageWriting::MessageWriting(CommandContext &context)
 {
 }
 
-int MessageWriting::open(int fewestArguments, int mostArguments)
+bool MessageWriting::open(int fewestArguments, int mostArguments)
 {
-    if (!mMail.open(fewestArguments, mostArguments))
-        return mMail.exitStatus();
-    return mOptions.isDraft() ? int(ExitSuccess) : mContext.requireEnabled({ mMail.account() });
+    if (!mMail.open(fewestArguments, mostArguments)) {
+        mExitStatus = mMail.exitStatus();
+        return false;
+    }
+    if (!mOptions.isDraft())
+        mExitStatus = mContext.requireEnabled({ mMail.account() });
+    return mExitStatus == ExitSuccess;
 }
 
 int MessageWriting::finish(OutgoingMessage outgoing, const QString &earlier)

@@ -7,8 +7,7 @@
 
 /**
  * What the commands that write a message share: the options for it, the account that it is from, and the way
- * from what the user said to a message that is sent or kept. On the stack of a command; the steps return an
- * exit status, after an error was printed where it is another than success.
+ * from what the user said to a message that is sent or kept. On the stack of a command.
  */
 class MessageWriting
 {
@@ -18,8 +17,10 @@ public:
     MailSelection &mail() { return mMail; }
     /** Whether an option says something of the message. */
     bool saysSomething() const { return mOptions.saysSomething() || mText.isGiven(); }
-    /** Parses the arguments and opens the store of an account that can send. */
-    int open(int fewestArguments, int mostArguments);
+    /** Parses the arguments and opens the store of an account that can send. False if the command is to end
+     * with exitStatus(). */
+    bool open(int fewestArguments, int mostArguments);
+    int exitStatus() const { return mExitStatus; }
 
     /** Adds what the user says, writes the text in front of an earlier one, and sends the message or keeps
      * it. */
@@ -30,4 +31,5 @@ private:
     MailSelection mMail;
     ComposeOptions mOptions;
     MessageText mText;
+    int mExitStatus = ExitSuccess;
 };

@@ -42,21 +42,17 @@ public:
     }
 
     MessageWriting &writing() { return mWriting; }
+    int exitStatus() const { return mExitStatus; }
 
-    int open()
+    /** False if the command is to end with exitStatus(). */
+    bool open()
     {
-        const int opened = mWriting.open(1, 1);
-        if (opened != ExitSuccess)
-            return opened;
         MailSelection &mail = mWriting.mail();
+        if (!mWriting.open(1, 1))
+            return end(mWriting.exitStatus());
         if (!mail.select({ mail.argument() }))
-            return mail.exitStatus();
-        if (!begun().lacksContent(mIsForward))
-            return ExitSuccess;
-        const int fetched = fetch(mContext, mail.account(), mail.message());
-        if (fetched == ExitSuccess && begun().lacksContent(mIsForward))
-            return fail(ExitFailure, QStringLiteral("message %1 did not come whole").arg(mail.argument()));
-        return fetched;
+            return end(mail.exitStatus());
+        return !begun().lacksContent(mIsForward) || fetchSource();
     }
 
     /** From the message as it is now. */
@@ -69,9 +65,26 @@ public:
     }
 
 private:
+    bool end(int exitStatus)
+    {
+        mExitStatus = exitStatus;
+        return false;
+    }
+
+    bool fetchSource()
+    {
+        MailSelection &mail = mWriting.mail();
+        const int fetched = fetch(mContext, mail.account(), mail.message());
+        if (fetched != ExitSuccess)
+            return end(fetched);
+        return !begun().lacksContent(mIsForward)
+            || end(fail(ExitFailure, QStringLiteral("message %1 did not come whole").arg(mail.argument())));
+    }
+
     CommandContext &mContext;
     MessageWriting mWriting;
     bool mIsForward;
+    int mExitStatus = ExitSuccess;
 };
 
 /** Sends a message that was kept, or that waits; the exit status. */
@@ -96,9 +109,8 @@ int sendKept(CommandContext &context, MailSelection &mail)
 int SendCommands::send(CommandContext &context)
 {
     MessageWriting writing(context);
-    const int opened = writing.open(0, 1);
-    if (opened != ExitSuccess)
-        return opened;
+    if (!writing.open(0, 1))
+        return writing.exitStatus();
     MailSelection &mail = writing.mail();
     if (mail.arguments().isEmpty())
         return writing.finish({});
@@ -113,9 +125,8 @@ int SendCommands::reply(CommandContext &context)
     QCommandLineParser &parser = command.writing().mail().parser();
     const QCommandLineOption all(QStringLiteral("reply-all"));
     parser.addOption(all);
-    const int opened = command.open();
-    if (opened != ExitSuccess)
-        return opened;
+    if (!command.open())
+        return command.exitStatus();
     const MessageResponse response = command.begun();
     return command.writing().finish(response.reply(parser.isSet(all)), response.quotation());
 }
@@ -123,9 +134,8 @@ int SendCommands::reply(CommandContext &context)
 int SendCommands::forward(CommandContext &context)
 {
     ResponseCommand command(context, true);
-    const int opened = command.open();
-    if (opened != ExitSuccess)
-        return opened;
+    if (!command.open())
+        return command.exitStatus();
     const MessageResponse response = command.begun();
     return command.writing().finish(response.forward(), response.forwardedText());
 }

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "client/commandscene.h"
+#include "client/commandtable.h"
 #include "client/exitstatus.h"
 #include "client/mailscene.h"
 #include "client/stubdaemon.h"
@@ -103,6 +104,20 @@ private Q_SLOTS:
             QVERIFY2(!client.json().isNull(), QByteArray(line) + ": " + client.output());
             QVERIFY2(!client.json().object().contains(QStringLiteral("error")), line);
         }
+    }
+
+    void everyCommandTellsHowItIsCalled()
+    {
+        ClientProcess client;
+        for (const Command &command : CommandTable::commands()) {
+            const QStringList words = QString::fromLatin1(command.name).split(QLatin1Char(' '));
+            const int exit = client.run(words + QStringList(QStringLiteral("--help")));
+            QVERIFY2(exit == ExitSuccess, command.name);
+            QVERIFY2(client.errors().isEmpty(), command.name + QByteArray(": ") + client.errors());
+            QVERIFY2(client.output().startsWith(QByteArray("usage: fennel-easctl ") + command.name),
+                client.output());
+        }
+        QVERIFY(mDaemon->calls().isEmpty());
     }
 
     void anErrorStandsInTheDocument()
