@@ -83,8 +83,8 @@ private:
 
 void printForPeople(Output &output, const QJsonObject &message)
 {
-    static const Columns heads { { "from", "from" }, { "to", "to" }, { "cc", "cc" }, { "date", "date" },
-        { "subject", "subject" }, { "folder", "folder" } };
+    static const Columns heads { { "from", "from" }, { "to", "to" }, { "cc", "cc" }, { "bcc", "bcc" },
+        { "date", "date" }, { "subject", "subject" }, { "folder", "folder" } };
     output.object(heads, message);
     const QString text = message.value(QStringLiteral("text")).toString();
     output.message(QLatin1Char('\n')

@@ -42,6 +42,7 @@ QJsonObject MailView::describeWhole(const QMailMessage &message)
     QJsonObject object = describeMessage(message);
     object[QStringLiteral("to")] = addresses(message.to());
     object[QStringLiteral("cc")] = addresses(message.cc());
+    object[QStringLiteral("bcc")] = addresses(message.bcc());
     object[QStringLiteral("text")] = text(message);
     object[QStringLiteral("parts")] = parts(message);
     object[QStringLiteral("serverId")] = message.serverUid();

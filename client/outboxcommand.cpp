@@ -36,8 +36,8 @@ QJsonObject describe(const QMailMessageId &id)
 
 void list(Output &output, const QMailMessageIdList &waiting)
 {
-    static const Columns columns { { "id", "ID" }, { "date", "DATE" }, { "to", "TO" },
-        { "subject", "SUBJECT" }, { "tried", "LAST TRY" } };
+    static const Columns columns { { "id", "ID" }, { "to", "TO" }, { "subject", "SUBJECT" },
+        { "tried", "LAST TRY" } };
     if (waiting.isEmpty())
         output.message(QStringLiteral("nothing waits to be sent"));
     QJsonArray rows;
