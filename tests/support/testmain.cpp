@@ -8,6 +8,9 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <cerrno>
+#include <cstring>
+#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -73,10 +76,26 @@ TestRegistration::TestRegistration(const char *name, Factory factory)
     entries().push_back({ QString::fromLatin1(name), std::move(factory) });
 }
 
-int main(int argc, char **argv)
+namespace {
+
+/** The process that has its environment already; its children, which have this as well, are others. */
+constexpr char IsolatedProcess[] = "FENNEL_TEST_PROCESS";
+
+/** Begins the program anew in a home of its own: constants of libraries have read the environment before
+ * main().
+ */
+void beginIsolated(char **argv)
 {
     QTemporaryDir home(temporaryTemplate());
+    home.setAutoRemove(false);
     isolateEnvironment(home.path());
+    qputenv(IsolatedProcess, QByteArray::number(getpid()));
+    execv("/proc/self/exe", argv);
+    qFatal("cannot begin anew: %s", strerror(errno));
+}
+
+int runTests(int argc, char **argv)
+{
     QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("fennel-eas-test"));
 
@@ -96,4 +115,16 @@ int main(int argc, char **argv)
     if (run == 0)
         qCritical("no test class is called %s", qPrintable(wanted));
     return run == 0 || failed > 0 ? 1 : 0;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    if (qgetenv(IsolatedProcess) != QByteArray::number(getpid()))
+        beginIsolated(argv);
+    const QString home = qEnvironmentVariable("HOME");
+    const int result = runTests(argc, argv);
+    QDir(home).removeRecursively();
+    return result;
 }
