@@ -6,6 +6,7 @@
 #include "integration/fetchscene.h"
 #include "support/devicecalendar.h"
 #include "support/sampleevents.h"
+#include "support/serversearches.h"
 
 #include <attachmentinfo.h>
 
@@ -170,6 +171,30 @@ bool isAway(SyncTestBed &bed)
     return bed.mailbox().outOfOffice().state == 1;
 }
 
+// Searches
+
+bool isFound(SyncTestBed &bed)
+{
+    const auto results = QMailMessageKey::status(QMailMessage::Temporary, QMailDataComparator::Includes)
+        & QMailMessageKey::parentAccountId(QMailAccountId(bed.accountId()));
+    return QMailStore::instance()->countMessages(results) == 1;
+}
+
+qulonglong searchMail(SyncTestBed &bed)
+{
+    return ServerSearches::startMail(bed.accountId(), { QStringLiteral("new") });
+}
+
+qulonglong searchPeople(SyncTestBed &bed)
+{
+    return ServerSearches::startPeople(bed.accountId(), QStringLiteral("user"));
+}
+
+qulonglong findMail(SyncTestBed &bed)
+{
+    return ServerSearches::startFind(bed.accountId(), QStringLiteral("new"), {}, 0);
+}
+
 } // namespace
 
 const QList<DemandScene::Work> &DemandScene::works()
@@ -204,6 +229,12 @@ const QList<DemandScene::Work> &DemandScene::works()
         { "the file of an event", "ItemOperations", 0, hasAnEventWithAFile, fetchEventFile, hasTheEventFile,
             "16.1" },
         { "an absence", "Settings", 0, missesOneMessage, goAway, isAway },
+        { "a search", "Search", 0, missesOneMessage, searchMail, isFound },
+        { "a search for people", "Search", 0, missesOneMessage, searchPeople,
+            [](SyncTestBed &) {
+                return true;
+            } },
+        { "a find", "Find", 0, missesOneMessage, findMail, isFound, "16.1" },
     };
     return all;
 }

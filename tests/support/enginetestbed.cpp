@@ -12,6 +12,7 @@
 #include <QTest>
 
 #include <qmailfolderkey.h>
+#include <qmailmessage.h>
 #include <qmailmessagekey.h>
 #include <qmailstore.h>
 
@@ -47,8 +48,13 @@ void EngineTestBed::startEngine()
     mClock.setPace(TestClock::Unhurried);
     RequestManager::initializeInstance(static_cast<QObject *>(nullptr));
     RequestManager *manager = RequestManager::instance();
-    connect(manager, &RequestManager::requestFinished, this,
-        [this](EasAccountId, qulonglong requestId, int status) { mFinished.insert(requestId, status); });
+    const auto note = [this](EasAccountId, qulonglong requestId, int status) {
+        mFinished.insert(requestId, status);
+    };
+    connect(manager, &RequestManager::requestFinished, this, note);
+    connect(manager, &RequestManager::searchMessagesFinished, this, note);
+    connect(manager, &RequestManager::searchGALFinished, this, note);
+    connect(manager, &RequestManager::findMessagesFinished, this, note);
     manager->init();
     QVERIFY(Waiting::until([&] { return manager->isReady() && manager->account(mAccountId); }, mPatience));
     mClock.setPace(TestClock::Hurried);
@@ -185,8 +191,8 @@ QMailFolderId EngineTestBed::deviceFolder(const QString &path) const
 
 QMailMessageIdList EngineTestBed::deviceMessages() const
 {
-    return QMailStore::instance()->queryMessages(
-        QMailMessageKey::parentAccountId(QMailAccountId(mAccountId)));
+    return QMailStore::instance()->queryMessages(QMailMessageKey::parentAccountId(QMailAccountId(mAccountId))
+        & QMailMessageKey::status(QMailMessage::Temporary, QMailDataComparator::Excludes));
 }
 
 QString EngineTestBed::devicePath(QMailFolderId id)

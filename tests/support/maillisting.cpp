@@ -29,7 +29,9 @@ QString devicePath(QMailFolderId id)
 
 QMailMessageIdList messageIds(EasAccountId accountId)
 {
-    return QMailStore::instance()->queryMessages(QMailMessageKey::parentAccountId(QMailAccountId(accountId)));
+    // What a search has found is no part of what is synchronised.
+    return QMailStore::instance()->queryMessages(QMailMessageKey::parentAccountId(QMailAccountId(accountId))
+        & QMailMessageKey::status(QMailMessage::Temporary, QMailDataComparator::Excludes));
 }
 
 QMailFolderIdList folderIds(EasAccountId accountId)
