@@ -10,8 +10,10 @@
 #include "client/foldercommands.h"
 #include "client/mailcommands.h"
 #include "client/outboxcommand.h"
+#include "client/peoplecommand.h"
 #include "client/policycommands.h"
 #include "client/pushcommands.h"
+#include "client/searchcommand.h"
 #include "client/sendcommands.h"
 #include "client/statuscommand.h"
 #include "client/synccommands.h"
@@ -131,6 +133,11 @@ const QList<Command> &CommandTable::commands()
             MailCommands::markUnread },
         { "move", "MESSAGE ... FOLDER", "move messages", MailCommands::move },
         { "delete", "MESSAGE ...", "delete messages", MailCommands::remove },
+        { "search", "[TEXT ...] [--folder FOLDER] [--from DAY] [--to DAY] [--limit N] [--find]",
+            "the messages on the server that hold a text; mail get fetches them whole",
+            SearchCommand::search },
+        { "people", "TEXT ... [--limit N] [--pictures FOLDER]",
+            "people in the server's address list, by parts of their names", PeopleCommand::people },
         { "event list", "[--from DAY] [--to DAY] [--calendar NAME]", "what takes place, by time",
             EventCommands::list },
         { "event month", "[YYYY-MM] [--calendar NAME]", "a month as a sheet", EventCommands::month },

@@ -29,6 +29,9 @@ DaemonRequest::DaemonRequest(EasAccountId accountId)
     connect(mProxy.get(), &EasDBusInterfaceProxy::getOofFinished, this, &DaemonRequest::onOofState);
     connect(mProxy.get(), &EasDBusInterfaceProxy::attendeesAvailableDataReady, this,
         &DaemonRequest::onAvailability);
+    connect(mProxy.get(), &EasDBusInterfaceProxy::searchMessagesFinished, this, &DaemonRequest::onMatches);
+    connect(mProxy.get(), &EasDBusInterfaceProxy::findMessagesFinished, this, &DaemonRequest::onMatches);
+    connect(mProxy.get(), &EasDBusInterfaceProxy::searchGALFinished, this, &DaemonRequest::onMatches);
 }
 
 DaemonRequest::~DaemonRequest() = default;
@@ -152,6 +155,16 @@ void DaemonRequest::onAvailability(
         end(ExitFailure,
             QStringLiteral("The server tells nothing of these people, or it could not be asked. The daemon's "
                            "log tells more (fennel-easctl log info)."));
+    });
+}
+
+void DaemonRequest::onMatches(
+    qulonglong accountId, qulonglong requestId, int status, uint count, const QList<qulonglong> &matches)
+{
+    ifMine(accountId, requestId, [this, status, count, matches] {
+        if (status == EasRequestStatus::RequestStatusSuccess)
+            Q_EMIT matchesReceived(matches, count);
+        finish(status);
     });
 }
 

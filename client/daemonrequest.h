@@ -42,6 +42,8 @@ public:
     void abandon(const QString &reason);
 
     EasAccountId accountId() const { return mAccountId; }
+    /** 0 before the daemon has told it. */
+    qulonglong requestId() const { return mRequestId; }
     bool hasEnded() const { return mHasEnded; }
     bool isAtWork() const { return mIsAtWork; }
     /** How it ended: the status of the command line, and a sentence where it failed. */
@@ -65,6 +67,9 @@ Q_SIGNALS:
     /** One entry a person in each list; before ended(). Empty lists tell of a failure, and do not come. */
     void availabilityReceived(
         const QStringList &emails, const QStringList &names, const QStringList &statuses);
+    /** What a search has found, and how many more messages or how many people in all there are; before
+     * ended(). */
+    void matchesReceived(const QList<qulonglong> &matches, uint count);
     void ended();
 
 private Q_SLOTS:
@@ -79,6 +84,9 @@ private Q_SLOTS:
         const QStringList &statuses);
     void onProvisionFinished(qulonglong accountId, qulonglong requestId, int status,
         const FailedPolicyMap &failed, int policyStatus);
+
+    void onMatches(
+        qulonglong accountId, qulonglong requestId, int status, uint count, const QList<qulonglong> &matches);
 
 private:
     using Act = std::function<void()>;

@@ -107,6 +107,12 @@ int MailBox::count(const QMailFolderId &id, bool unreadOnly)
     return QMailStore::instance()->countMessages(key);
 }
 
+QMailMessageKey MailBox::ownMessages() const
+{
+    return QMailMessageKey::parentAccountId(QMailAccountId(mAccountId))
+        & QMailMessageKey::status(QMailMessage::Temporary, QMailDataComparator::Excludes);
+}
+
 int MailBox::waiting() const
 {
     const auto has = [](quint64 status) {
@@ -119,19 +125,18 @@ int MailBox::waiting() const
         QMailMessageKey::previousParentFolderId(QMailFolderId(), QMailDataComparator::NotEqual);
     const QMailAccountId account(mAccountId);
     QMailStore *const store = QMailStore::instance();
-    return store->countMessages(QMailMessageKey::parentAccountId(account) & (readHere | unreadHere | moved))
+    return store->countMessages(ownMessages() & (readHere | unreadHere | moved))
         + store->messageRemovalRecords(account).size();
 }
 
 QMailMessageIdList MailBox::allMessages() const
 {
-    return QMailStore::instance()->queryMessages(
-        QMailMessageKey::parentAccountId(QMailAccountId(mAccountId)));
+    return QMailStore::instance()->queryMessages(ownMessages());
 }
 
 QMailMessageIdList MailBox::messages(const MailFilter &filter) const
 {
-    QMailMessageKey key = QMailMessageKey::parentAccountId(QMailAccountId(mAccountId));
+    QMailMessageKey key = ownMessages();
     if (filter.folder.isValid())
         key &= QMailMessageKey::parentFolderId(filter.folder);
     if (filter.isUnreadOnly)
@@ -178,8 +183,10 @@ bool MailBox::remove(const QMailMessageIdList &ids)
 {
     QMailStore *const store = QMailStore::instance();
     const QMailMessageKey all = QMailMessageKey::id(ids);
-    // Of what the server never had it is not to be told: such a record would wait for ever.
-    const QMailMessageKey local = QMailMessageKey::serverUid(QString());
+    // Of what the server never had, and of what a search has found, it is not to be told: such a record would
+    // wait for ever.
+    const QMailMessageKey local = QMailMessageKey::serverUid(QString())
+        | QMailMessageKey::status(QMailMessage::Temporary, QMailDataComparator::Includes);
     return told(store->removeMessages(all & local, QMailStore::NoRemovalRecord)
         && store->removeMessages(all & ~local, QMailStore::CreateRemovalRecord));
 }

@@ -7,6 +7,7 @@
 #include <QString>
 #include <qmailfolder.h>
 #include <qmailmessage.h>
+#include <qmailmessagekey.h>
 
 /** Which messages a list is to show; what is not set selects all. */
 struct MailFilter
@@ -49,7 +50,7 @@ public:
     /** Messages that were read, moved or deleted here and that the server has not been told of. */
     int waiting() const;
 
-    /** In no order. */
+    /** All that is synchronised, in no order. */
     QMailMessageIdList allMessages() const;
     /** Newest first. */
     QMailMessageIdList messages(const MailFilter &filter) const;
@@ -70,6 +71,8 @@ public:
     bool update(QMailMessage *message);
 
 private:
+    /** Without what searches have found. */
+    QMailMessageKey ownMessages() const;
     static QMailFolderIdList ancestry(const QMailFolderId &id);
 
     EasAccountId mAccountId;

@@ -18,6 +18,7 @@ QJsonArray addresses(const QList<QMailAddress> &list)
 
 QJsonObject MailView::describeMessage(const QMailMessageMetaData &message)
 {
+    const bool isFound = message.status() & QMailMessage::Temporary;
     return {
         { QStringLiteral("id"), QString::number(message.id().toULongLong()) },
         { QStringLiteral("date"), TimeText::forPrograms(message.date().toUTC()) },
@@ -25,7 +26,9 @@ QJsonObject MailView::describeMessage(const QMailMessageMetaData &message)
         { QStringLiteral("subject"), message.subject() },
         { QStringLiteral("read"), bool(message.status() & QMailMessage::Read) },
         { QStringLiteral("attachments"), bool(message.status() & QMailMessage::HasAttachments) },
-        { QStringLiteral("folder"), MailBox::path(message.parentFolderId()) },
+        // What a search has found is kept apart from the folder that it is in on the server.
+        { QStringLiteral("folder"),
+            MailBox::path(isFound ? message.restoreFolderId() : message.parentFolderId()) },
         { QStringLiteral("size"), double(message.size()) },
     };
 }
@@ -86,9 +89,9 @@ QString MailView::text(const QMailMessage &message)
     return {};
 }
 
-QString MailView::safeFileName(const QMailMessagePart &part)
+QString MailView::safeFileName(const QString &text, const QString &fallback)
 {
-    QString name = part.displayName();
+    QString name = text;
     for (QChar &character : name) {
         const bool harmful = character == QLatin1Char('/') || character == QLatin1Char('\\')
             || character.category() == QChar::Other_Control || character.category() == QChar::Other_Format;
@@ -100,5 +103,10 @@ QString MailView::safeFileName(const QMailMessagePart &part)
     // A file system counts bytes, and 255 of them is what most allow.
     while (name.toUtf8().size() > 200)
         name.chop(1);
-    return name.isEmpty() ? QStringLiteral("attachment") : name;
+    return name.isEmpty() ? fallback : name;
+}
+
+QString MailView::safeFileName(const QMailMessagePart &part)
+{
+    return safeFileName(part.displayName(), QStringLiteral("attachment"));
 }

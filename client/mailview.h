@@ -22,6 +22,9 @@ const Columns &partColumns();
 /** The text of a message, HTML turned into text; empty if it is not on the device. */
 QString text(const QMailMessage &message);
 
+/** A file name that cannot lead out of a folder and is short enough to get an ending; the fallback for a text
+ * of which nothing is left. */
+QString safeFileName(const QString &text, const QString &fallback);
 /** A file name for a part that cannot lead out of a folder, whatever the server called it. */
 QString safeFileName(const QMailMessagePart &part);
 

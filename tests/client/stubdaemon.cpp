@@ -68,6 +68,58 @@ void StubDaemon::end(qulonglong accountId, qulonglong requestId, int status)
         Q_EMIT provisionRequestFinished(accountId, requestId, status, mFailed, mPolicyStatus);
 }
 
+void StubDaemon::setMatches(const QList<qulonglong> &matches, uint count)
+{
+    mMatches = matches;
+    mMatchCount = count;
+}
+
+template <class Count>
+StubDaemon::End StubDaemon::searchEnd(
+    void (StubDaemon::*signal)(qulonglong, qulonglong, int, Count, const QList<qulonglong> &))
+{
+    return [this, signal](qulonglong accountId, qulonglong requestId, int status) {
+        if (mSearcher)
+            mSearcher(accountId, requestId);
+        const bool isFound = status == 0;
+        Q_EMIT(this->*signal)
+        (accountId, requestId, status, Count(isFound ? mMatchCount : 0),
+            isFound ? mMatches : QList<qulonglong>());
+    };
+}
+
+int StubDaemon::protocolVersion(qulonglong)
+{
+    return 0x1401;
+}
+
+qulonglong StubDaemon::searchMessages(qulonglong accountId, const QString &folderId, const QString &dateFrom,
+    const QString &dateTo, const QString &bodyText, qulonglong limit)
+{
+    return begin(
+        QStringLiteral("searchMessages %1|%2|%3|%4|%5|%6")
+            .arg(QString::number(accountId), folderId, dateFrom, dateTo, bodyText, QString::number(limit)),
+        accountId, searchEnd(&StubDaemon::searchMessagesFinished));
+}
+
+qulonglong StubDaemon::searchGAL(
+    qulonglong accountId, const QString &queryString, int rangeMin, int rangeMax, bool, bool)
+{
+    return begin(QStringLiteral("searchGAL %1|%2|%3-%4")
+                     .arg(QString::number(accountId), queryString, QString::number(rangeMin),
+                         QString::number(rangeMax)),
+        accountId, searchEnd(&StubDaemon::searchGALFinished));
+}
+
+qulonglong StubDaemon::find(qulonglong accountId, const QString &folderId, const QString &searchQuery,
+    int searchType, qulonglong limit)
+{
+    return begin(QStringLiteral("find %1|%2|%3|%4|%5")
+                     .arg(QString::number(accountId), folderId, searchQuery, QString::number(searchType),
+                         QString::number(limit)),
+        accountId, searchEnd(&StubDaemon::findMessagesFinished));
+}
+
 qulonglong StubDaemon::sendMail(qulonglong accountId, qulonglong messageId)
 {
     if (mSender)

@@ -50,6 +50,13 @@ public:
     void setAvailability(const QStringList &emails, const QStringList &names, const QStringList &statuses);
     /** What sendMail() does with a message, and the status that it then ends with. */
     void setSender(const std::function<int(qulonglong messageId)> &sender) { mSender = sender; }
+    /** What searches bring; of messages so many more, of people so many in all. */
+    void setMatches(const QList<qulonglong> &matches, uint count);
+    /** Runs before a search ends. */
+    void setSearcher(const std::function<void(qulonglong accountId, qulonglong requestId)> &searcher)
+    {
+        mSearcher = searcher;
+    }
     /** Ends a request that stays open. */
     void end(qulonglong accountId, qulonglong requestId, int status);
 
@@ -75,6 +82,13 @@ public Q_SLOTS:
         bool externalMessageEnabled, bool externalMessageToAnyone, const QString &externalMessage);
     Q_SCRIPTABLE qulonglong attendeesAvailable(qulonglong accountId, const QString &emailAddresses,
         const QString &startTime, const QString &endTime);
+    Q_SCRIPTABLE int protocolVersion(qulonglong accountId);
+    Q_SCRIPTABLE qulonglong searchMessages(qulonglong accountId, const QString &folderId,
+        const QString &dateFrom, const QString &dateTo, const QString &bodyText, qulonglong limit);
+    Q_SCRIPTABLE qulonglong searchGAL(qulonglong accountId, const QString &queryString, int rangeMin,
+        int rangeMax, bool rebuildResults, bool deepTraversal);
+    Q_SCRIPTABLE qulonglong find(qulonglong accountId, const QString &folderId, const QString &searchQuery,
+        int searchType, qulonglong limit);
     Q_SCRIPTABLE QVariantMap pushState(qulonglong accountId);
     Q_SCRIPTABLE void cancelRequest(qulonglong accountId, qulonglong requestId);
     Q_SCRIPTABLE void reconfig();
@@ -93,6 +107,12 @@ Q_SIGNALS:
         const QString &externalMessage);
     Q_SCRIPTABLE void attendeesAvailableDataReady(qulonglong requestId, const QStringList &emails,
         const QStringList &names, const QStringList &statuses);
+    Q_SCRIPTABLE void searchMessagesFinished(qulonglong accountId, qulonglong requestId, int status,
+        uint remainingCount, const QList<qulonglong> &matchingIds);
+    Q_SCRIPTABLE void searchGALFinished(qulonglong accountId, qulonglong requestId, int status,
+        int totalItemsCount, const QList<qulonglong> &matchingIds);
+    Q_SCRIPTABLE void findMessagesFinished(qulonglong accountId, qulonglong requestId, int status,
+        uint remainingCount, const QList<qulonglong> &matchingIds);
     Q_SCRIPTABLE void pushStateChanged(qulonglong accountId, const QVariantMap &state);
     /** For the test, not for the bus. */
     void called();
@@ -102,6 +122,9 @@ private:
 
     /** A request that ends with requestFinished(), unless it is given another end. */
     qulonglong begin(const QString &call, qulonglong accountId, const End &end = {});
+    /** Ends a search with a signal of the daemon. */
+    template <class Count>
+    End searchEnd(void (StubDaemon::*signal)(qulonglong, qulonglong, int, Count, const QList<qulonglong> &));
     void endOofRead(qulonglong accountId, qulonglong requestId, int status);
     void tell(qulonglong accountId, qulonglong requestId);
     void note(const QString &call);
@@ -110,6 +133,9 @@ private:
     bool mIsHasty = false;
     int mStatus = 0;
     std::function<int(qulonglong)> mSender;
+    std::function<void(qulonglong, qulonglong)> mSearcher;
+    QList<qulonglong> mMatches;
+    uint mMatchCount = 0;
     /** The requests that end in a way of their own. */
     QMap<qulonglong, int> mOwnEnds;
     qulonglong mLast = 0;
