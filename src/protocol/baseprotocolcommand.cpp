@@ -136,6 +136,7 @@ void BaseProtocolCommand::start()
     }
     mStatus = 0;
     mIsToldToProvision = false;
+    mHttpStatus = 0;
     mIsGivenUp = false;
     QNetworkRequest request;
     EasAccount *const commandAccount = account();
@@ -303,13 +304,19 @@ void BaseProtocolCommand::handleDownloadProgress(qint64 bytesReceived, qint64 by
     qCDebug(eas()) << "progress" << bytesReceived << "/" << bytesTotal;
 }
 
+void BaseProtocolCommand::noteHttpStatus(const QNetworkReply &reply)
+{
+    mIsToldToProvision = ReplyHeaders::demandsProvisioning(reply);
+    mHttpStatus = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+}
+
 void BaseProtocolCommand::onReplyFinished()
 {
     if (!mReply) {
         qCCritical(eas()) << "No reply";
         return;
     }
-    mIsToldToProvision = ReplyHeaders::demandsProvisioning(*mReply);
+    noteHttpStatus(*mReply);
     if (mReply->error() != QNetworkReply::NoError)
         mStatus = ProtocolUtils::TransportStatusBase + mReply->error();
     else if (!ReplyHeaders::isAnswer(*mReply))
@@ -344,7 +351,8 @@ void BaseProtocolCommand::handleFinished(QNetworkReply *reply)
 void BaseProtocolCommand::onReplyError(QNetworkReply::NetworkError networkError)
 {
     qCDebug(eas()) << "networkError" << networkError;
-    mIsToldToProvision = mReply && ReplyHeaders::demandsProvisioning(*mReply);
+    if (mReply)
+        noteHttpStatus(*mReply);
     if (mReply && mReply->isOpen()) {
         ExchangeLog::headers(*mReply, account());
         qCDebug(easNetwork()) << "Body: " << ExchangeLog::withoutCredentials(mReply->readAll(), account());

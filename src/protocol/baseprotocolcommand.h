@@ -67,6 +67,8 @@ public:
     /** Whether the last reply demands provisioning by its HTTP status, beside which status() is that of any
      * unknown HTTP error. */
     bool isToldToProvision() const { return mIsToldToProvision; }
+    /** HTTP status of the last reply, 0 without one; status() tells apart only what Qt has a name for. */
+    int httpStatus() const { return mHttpStatus; }
     /** Whether the last run ended because the server said nothing for longestWait(). */
     bool isGivenUp() const { return mIsGivenUp; }
     /** -1 while unknown, both. */
@@ -152,12 +154,15 @@ private:
     bool mayBeSent() const;
     bool redirect();
     void dropReply();
+    /** Notes what the status of a reply cannot say. */
+    void noteHttpStatus(const QNetworkReply &reply);
     bool takeReply(QNetworkReply *reply);
     void limitWait();
     void giveUp();
 
     int mStatus = 0;
     bool mIsToldToProvision = false;
+    int mHttpStatus = 0;
     bool mStarted = false;
     QPointer<QNetworkReply> mReply;
     qint64 mBytesReceived = -1;
