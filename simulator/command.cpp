@@ -9,6 +9,9 @@ const QVector<CommandEntry> &commandTable()
 {
     static const QVector<CommandEntry> table {
         { "Sync", handleSync, "AirSync:Sync", Version161 },
+        { "SendMail", handleSendMail, "ComposeMail:SendMail", Version161 },
+        { "SmartForward", handleSmartForward, "ComposeMail:SmartForward", Version161 },
+        { "SmartReply", handleSmartReply, "ComposeMail:SmartReply", Version161 },
         { "GetAttachment", handleGetAttachment, nullptr, Version121 },
         { "FolderSync", handleFolderSync, "FolderHierarchy:FolderSync", Version161 },
         { "FolderCreate", handleFolderCreate, "FolderHierarchy:FolderCreate", Version161 },

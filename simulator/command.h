@@ -4,6 +4,7 @@
 #include "simulator/devicestate.h"
 #include "simulator/directory.h"
 #include "simulator/override.h"
+#include "simulator/postoffice.h"
 #include "simulator/serverpolicies.h"
 
 #include <QStringList>
@@ -23,6 +24,8 @@ struct ServerSettings
     int longestHeartbeat = 3540; ///< seconds
     int maxPingFolders = 200;
     Directory directory;
+    qint64 largestMessage = 0; ///< bytes that a user may send at once; 0: any
+    qint64 mailboxQuota = 0; ///< bytes of all messages of a user; 0: no limit
 };
 
 /** What the handler of a command works with; everything stands still while it runs. */
@@ -34,6 +37,7 @@ struct CommandContext
     Mailbox &mailbox;
     DeviceState &device;
     ServerPolicies &policies;
+    PostOffice &post;
     int &lastKey; ///< counts over the whole server, so that no key ever comes twice
     QStringList &failures; ///< what the client did against the protocol
     bool isOverdue = false; ///< the command has waited for as long as it was asked to
@@ -75,6 +79,9 @@ CommandReply handlePing(const CommandContext &context);
 CommandReply handleSearch(const CommandContext &context);
 CommandReply handleFind(const CommandContext &context);
 CommandReply handleSettings(const CommandContext &context);
+CommandReply handleSendMail(const CommandContext &context);
+CommandReply handleSmartReply(const CommandContext &context);
+CommandReply handleSmartForward(const CommandContext &context);
 
 /** The commands in the order in which OPTIONS names them. */
 struct CommandEntry

@@ -92,6 +92,8 @@ struct DeviceState
     SearchState search;
     QHash<QString, CollectionState> collections;
     ProvisionState provision;
+    /** ClientIds of the messages that the device has sent. */
+    QSet<QString> sentClientIds;
 };
 
 } // namespace Simulator

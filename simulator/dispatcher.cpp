@@ -99,8 +99,10 @@ Mailbox &Dispatcher::addUser(const QString &name, const QString &password)
 {
     const QMutexLocker lock(&mMutex);
     const QMutexLocker usersLock(&mUsersMutex);
-    if (!mHasOwnUsers)
+    if (!mHasOwnUsers) {
         mUsers.clear();
+        mPost.clear();
+    }
     if (mUsers.empty())
         mFirstUser = name;
     mHasOwnUsers = true;
@@ -108,6 +110,7 @@ Mailbox &Dispatcher::addUser(const QString &name, const QString &password)
     if (!user) {
         user = std::make_unique<User>();
         user->mailbox.setOnChanged([this] { mWaits.tellNews(); });
+        mPost.addUser(name, &user->mailbox);
     }
     user->password = password;
     return user->mailbox;
@@ -160,6 +163,12 @@ void Dispatcher::forgetDevices()
     for (auto &user : mUsers)
         user.second->devices.clear();
     mWaits.tellNews();
+}
+
+QVector<OutboundMail> Dispatcher::outbound()
+{
+    const QMutexLocker lock(&mMutex);
+    return mPost.outbound();
 }
 
 HttpReply Dispatcher::answer(const HttpRequest &request)
@@ -301,8 +310,8 @@ HttpReply Dispatcher::runCommand(RecordedRequest &record, const Override &answer
     }
     CommandReply reply;
     user->mailbox.atomically([&] {
-        reply = entry->handler({ record, mSettings, answer, user->mailbox, device, user->policies, mLastKey,
-            failures, isOverdue });
+        reply = entry->handler({ record, mSettings, answer, user->mailbox, device, user->policies, mPost,
+            mLastKey, failures, isOverdue });
     });
     for (const QString &failure : qAsConst(failures))
         mScript.addFailure(

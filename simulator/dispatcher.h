@@ -3,6 +3,7 @@
 
 #include "simulator/command.h"
 #include "simulator/httpfrontend.h"
+#include "simulator/postoffice.h"
 #include "simulator/script.h"
 #include "simulator/waits.h"
 
@@ -38,6 +39,8 @@ public:
     void changePolicies(const QString &name, const std::function<void(ServerPolicies &)> &change);
     void changeSettings(const std::function<void(ServerSettings &)> &change);
     void forgetDevices();
+    /** Messages that have left the server. */
+    QVector<OutboundMail> outbound();
     /** The time of all commands that wait is over. */
     void expireWaits() { mWaits.expireAll(); }
     /** No command waits any more, until resume(). */
@@ -70,6 +73,7 @@ private:
      * others, while a command that holds mMutex waits for it. */
     QMutex mUsersMutex;
     std::map<QString, std::unique_ptr<User>> mUsers;
+    PostOffice mPost;
     QString mFirstUser;
     bool mHasOwnUsers = false;
     ServerSettings mSettings;

@@ -203,6 +203,21 @@ void ExchangeServer::setMaxPingFolders(int count)
     d->dispatcher.changeSettings([count](ServerSettings &settings) { settings.maxPingFolders = count; });
 }
 
+void ExchangeServer::setLargestMessage(qint64 bytes)
+{
+    d->dispatcher.changeSettings([bytes](ServerSettings &settings) { settings.largestMessage = bytes; });
+}
+
+void ExchangeServer::setMailboxQuota(qint64 bytes)
+{
+    d->dispatcher.changeSettings([bytes](ServerSettings &settings) { settings.mailboxQuota = bytes; });
+}
+
+QVector<OutboundMail> ExchangeServer::outbound() const
+{
+    return d->dispatcher.outbound();
+}
+
 void ExchangeServer::expirePings()
 {
     d->dispatcher.expireWaits();

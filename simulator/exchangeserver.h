@@ -3,6 +3,7 @@
 
 #include "simulator/directory.h"
 #include "simulator/mailbox.h"
+#include "simulator/postoffice.h"
 #include "simulator/script.h"
 #include "simulator/serverpolicies.h"
 
@@ -70,6 +71,13 @@ public:
     void setHeartbeatLimits(int shortest, int longest);
     /** More folders in a Ping get status 6; 200 at first. */
     void setMaxPingFolders(int count);
+    /** A larger message is refused with status 115, HTTP 507 below 14.0; 0, as at first: none is. */
+    void setLargestMessage(qint64 bytes);
+    /** A message that would make the mailbox of its sender larger is refused with status 113, HTTP 507 below
+     * 14.0; 0, as at first: none is. */
+    void setMailboxQuota(qint64 bytes);
+    /** What users have sent to people without a mailbox here. */
+    QVector<OutboundMail> outbound() const;
     /** The heartbeats of all Pings that wait are over now. */
     void expirePings();
     /** Forgets all keys of all devices, as a server that lost its state. */

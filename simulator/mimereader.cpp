@@ -176,6 +176,19 @@ EmailHeaders MimeReader::headers() const
     return headers;
 }
 
+QStringList MimeReader::recipients() const
+{
+    KMime::Message &message = d->message;
+    const QVector<KMime::Types::Mailbox> all =
+        mailboxes(message.to(false)) + mailboxes(message.cc(false)) + mailboxes(message.bcc(false));
+    QStringList addresses;
+    for (const KMime::Types::Mailbox &mailbox : all) {
+        if (mailbox.hasAddress())
+            addresses.append(QString::fromUtf8(mailbox.address()));
+    }
+    return addresses;
+}
+
 QDateTime MimeReader::date() const
 {
     return d->message.date(false) ? d->message.date(false)->dateTime() : QDateTime();

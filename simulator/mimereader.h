@@ -21,6 +21,8 @@ public:
     ~MimeReader();
 
     EmailHeaders headers() const;
+    /** Addresses of To, Cc and Bcc, without names. */
+    QStringList recipients() const;
     /** As the header tells; invalid if there is none. */
     QDateTime date() const;
     QString plainText() const;
