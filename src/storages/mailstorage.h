@@ -65,6 +65,15 @@ public:
     virtual EasEmailItem smartQueryMessage(const QString &localId) = 0;
     virtual bool isReply(const QString &localId) const = 0;
     virtual bool isForward(const QString &localId) const = 0;
+    /** Moves a message that was not sent into Drafts, where the user finds and edits it. */
+    virtual bool moveToDrafts(const QString &localId) = 0;
+    /** Where the user finds a message that was sent. */
+    enum class SentCopy {
+        OnServer, ///< the server keeps one in Sent Items, which a sync brings
+        KeptHere ///< the message itself, in the device's folder of sent ones
+    };
+    /** Takes a message that was sent out of the Outbox; one that has gone meanwhile is as good. */
+    virtual bool settleSent(const QString &localId, SentCopy copy) = 0;
     virtual bool initialized() const = 0;
     virtual bool updateMovedEmails(const QList<EasEmailItem> &items) = 0;
     virtual bool updateBodyPart(quint64 messageId, const EasBodyContainer &body) = 0;

@@ -16,7 +16,7 @@ public:
 
     bool enabled() const override { return isEnabled; }
     bool conversationMode() const override { return false; }
-    bool saveInSentItems() const override { return true; }
+    bool saveInSentItems() const override { return savesSent; }
     bool signatureEnabled() const override { return false; }
     bool firstSyncCompleted() const override { return true; }
     void setFirstSyncCompleted(bool) override {}
@@ -26,6 +26,7 @@ public:
     QString emailAddress() const override { return QStringLiteral("alice@example.com"); }
 
     bool isEnabled = true;
+    bool savesSent = true;
     int preview = 100;
     int pastTime = 0;
 };

@@ -21,6 +21,23 @@ public:
     {
     }
 
+    /** A message that waits to be sent. */
+    struct Outgoing
+    {
+        EasEmailItem whole;
+        EasEmailItem smart;
+        bool isReply = false;
+        bool isForward = false;
+    };
+    /** By local identifiers. */
+    QMap<QString, Outgoing> outgoing;
+    /** What became of them. */
+    QStringList drafts;
+    QStringList removedAsSent;
+    QStringList keptAsSent;
+    /** Whether a message can be taken out of the Outbox. */
+    bool settles = true;
+
     QMap<quint64, QString> serverUids;
     StubFolders folders;
     /** Of attachments that are still to be fetched; their references are "MESSAGE/LOCATION". */
@@ -77,10 +94,20 @@ public:
     QStringList deletedFolders() override { return {}; }
     bool purgeDeletedFolders() override { return false; }
     bool deleteEmailsByLocalIds(const QList<quint64> &) override { return false; }
-    EasEmailItem queryMessage(const QString &) override { return {}; }
-    EasEmailItem smartQueryMessage(const QString &) override { return {}; }
-    bool isReply(const QString &) const override { return false; }
-    bool isForward(const QString &) const override { return false; }
+    EasEmailItem queryMessage(const QString &localId) override { return outgoing.value(localId).whole; }
+    EasEmailItem smartQueryMessage(const QString &localId) override { return outgoing.value(localId).smart; }
+    bool isReply(const QString &localId) const override { return outgoing.value(localId).isReply; }
+    bool isForward(const QString &localId) const override { return outgoing.value(localId).isForward; }
+    bool moveToDrafts(const QString &localId) override
+    {
+        drafts.append(localId);
+        return true;
+    }
+    bool settleSent(const QString &localId, SentCopy copy) override
+    {
+        (copy == SentCopy::OnServer ? removedAsSent : keptAsSent).append(localId);
+        return settles;
+    }
     bool initialized() const override { return isInitialized; }
     bool updateMovedEmails(const QList<EasEmailItem> &) override { return false; }
     bool updateBodyPart(quint64 messageId, const EasBodyContainer &body) override

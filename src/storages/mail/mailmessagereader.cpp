@@ -54,8 +54,14 @@ MailMessageReader::MailMessageReader(const MailStoreContext &context)
 EasEmailItem MailMessageReader::mailItemFromEmailMessageId(
     const QMailMessageId &id, const QMap<QString, QString> &localToServerFolders, bool markRead) const
 {
+    return mailItemFromEmailMessage(
+        id.isValid() ? mContext.store->message(id) : QMailMessage(), localToServerFolders, markRead);
+}
+
+EasEmailItem MailMessageReader::mailItemFromEmailMessage(
+    const QMailMessage &message, const QMap<QString, QString> &localToServerFolders, bool markRead) const
+{
     EasEmailItem item;
-    const QMailMessage message = id.isValid() ? mContext.store->message(id) : QMailMessage();
     if (!message.id().isValid()) {
         qCWarning(eas()) << "local email id is invalid";
         return item;

@@ -26,6 +26,10 @@ public:
     EasEmailItem mailItemFromEmailMessageId(
         const QMailMessageId &id, const QMap<QString, QString> &localToServerFolders, bool markRead) const;
 
+    /** The same of a message that was read before. */
+    EasEmailItem mailItemFromEmailMessage(
+        const QMailMessage &message, const QMap<QString, QString> &localToServerFolders, bool markRead) const;
+
     /**
      * What the store knows of a message without its content: names, place, marks and addresses. An empty item
      * for a message that is not stored.

@@ -10,8 +10,8 @@
 #include "storages/mail/maillocalchanges.h"
 #include "storages/mail/mailmeetingreply.h"
 #include "storages/mail/mailmessageparts.h"
-#include "storages/mail/mailmessagereader.h"
 #include "storages/mail/mailmovedmessages.h"
+#include "storages/mail/mailoutgoing.h"
 #include "storages/mail/mailsearchresults.h"
 
 #include <qmailaccount.h>
@@ -208,45 +208,34 @@ bool MailStorageImpl::deleteEmailsByLocalIds(const QList<quint64> &ids)
     return false;
 }
 
-EasEmailItem MailStorageImpl::itemFromMessage(const QString &localId)
-{
-    const auto folders = EasDatabase::instance()->localToServerFolderIds(mContext.accountId());
-    if (!folders)
-        return EasEmailItem();
-    return MailMessageReader(mContext).mailItemFromEmailMessageId(
-        QMailMessageId(localId.toULongLong()), *folders, false);
-}
-
 EasEmailItem MailStorageImpl::queryMessage(const QString &localId)
 {
-    return storeAvailable() ? itemFromMessage(localId) : EasEmailItem();
+    return storeAvailable() ? MailOutgoing(mContext).message(localId) : EasEmailItem();
 }
 
 EasEmailItem MailStorageImpl::smartQueryMessage(const QString &localId)
 {
-    return storeAvailable() ? itemFromMessage(localId) : EasEmailItem();
-}
-
-bool MailStorageImpl::responseTypeIsOneOf(
-    const QString &localId, QMailMessage::ResponseType first, QMailMessage::ResponseType second) const
-{
-    if (!storeAvailable())
-        return false;
-    const QMailMessageId id(localId.toULongLong());
-    if (!id.isValid())
-        return false;
-    const QMailMessage::ResponseType type = mContext.store->messageMetaData(id).responseType();
-    return type == first || type == second;
+    return storeAvailable() ? MailOutgoing(mContext).smartMessage(localId) : EasEmailItem();
 }
 
 bool MailStorageImpl::isReply(const QString &localId) const
 {
-    return responseTypeIsOneOf(localId, QMailMessage::Reply, QMailMessage::ReplyToAll);
+    return storeAvailable() && MailOutgoing(mContext).isReply(localId);
 }
 
 bool MailStorageImpl::isForward(const QString &localId) const
 {
-    return responseTypeIsOneOf(localId, QMailMessage::Forward, QMailMessage::ForwardPart);
+    return storeAvailable() && MailOutgoing(mContext).isForward(localId);
+}
+
+bool MailStorageImpl::moveToDrafts(const QString &localId)
+{
+    return storeAvailable() && MailOutgoing(mContext).moveToDrafts(localId);
+}
+
+bool MailStorageImpl::settleSent(const QString &localId, SentCopy copy)
+{
+    return storeAvailable() && MailOutgoing(mContext).settleSent(localId, copy);
 }
 
 bool MailStorageImpl::updateMovedEmails(const QList<EasEmailItem> &items)

@@ -49,11 +49,12 @@ public:
     QStringList deletedFolders() override;
     bool purgeDeletedFolders() override;
     bool deleteEmailsByLocalIds(const QList<quint64> &ids) override;
-    /** The message without its MIME text, which only sending needs. */
     EasEmailItem queryMessage(const QString &localId) override;
     EasEmailItem smartQueryMessage(const QString &localId) override;
     bool isReply(const QString &localId) const override;
     bool isForward(const QString &localId) const override;
+    bool moveToDrafts(const QString &localId) override;
+    bool settleSent(const QString &localId, SentCopy copy) override;
     bool initialized() const override;
     bool updateMovedEmails(const QList<EasEmailItem> &items) override;
     bool updateBodyPart(quint64 messageId, const EasBodyContainer &body) override;
@@ -81,9 +82,6 @@ public Q_SLOTS:
 private:
     void initializeStorage();
     bool storeAvailable() const;
-    bool responseTypeIsOneOf(
-        const QString &localId, QMailMessage::ResponseType first, QMailMessage::ResponseType second) const;
-    EasEmailItem itemFromMessage(const QString &localId);
 
     MailStoreContext mContext;
     MailFolderChanges mFolderChanges;
