@@ -20,6 +20,7 @@
 #include "requests/oofrequest.h"
 #include "requests/provisionrequest.h"
 #include "requests/searchrequest.h"
+#include "requests/sendmailrequest.h"
 #include "requests/syncrequest.h"
 
 namespace {
@@ -192,7 +193,7 @@ void ClientCalls::onSendMailRequest(EasAccountId accountId, qulonglong messageId
 {
     qCInfo(eas()) << "Send Mail: account: " << accountId << ", messageId: " << messageId
                   << ", requestId: " << requestId;
-    reportNotSupported(accountId, requestId, ProtocolUtils::CommandSendMail);
+    processNewRequest(new SendMailRequest(accountId, requestId, messageId, this));
 }
 
 void ClientCalls::onCreateFolderRequest(EasAccountId accountId, const QString &name,

@@ -610,7 +610,7 @@ private Q_SLOTS:
                 { QStringLiteral("Wrong args, userResponse:"), QStringLiteral(", requestMessageId:") }));
     }
 
-    void commandsThatDoNotExistYetAreRefused()
+    void commandsThatAreNotOfferedAreRefused()
     {
         mManager->onSendMailRequest(Account, 1, 4);
         mManager->onCalendarAttachmentDownloadRequest(Account, 10, {});

@@ -121,6 +121,17 @@ qulonglong EngineTestBed::startDownloadPart(qulonglong messageId, const QString 
     return mLastRequestId;
 }
 
+qulonglong EngineTestBed::startSendMail(qulonglong messageId)
+{
+    RequestManager::instance()->onSendMailRequest(mAccountId, messageId, ++mLastRequestId);
+    return mLastRequestId;
+}
+
+int EngineTestBed::sendMail(qulonglong messageId)
+{
+    return waitFor(startSendMail(messageId));
+}
+
 int EngineTestBed::sync()
 {
     return waitFor(startSync());

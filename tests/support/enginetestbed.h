@@ -49,6 +49,8 @@ public:
     qulonglong startFoldersSync();
     qulonglong startDownloadMessages(const QList<qulonglong> &messageIds, bool attachments);
     qulonglong startDownloadPart(qulonglong messageId, const QString &location);
+    qulonglong startSendMail(qulonglong messageId);
+    int sendMail(qulonglong messageId);
     int syncFolders(const QStringList &localFolderIds);
     int syncService(int service);
     int foldersSync();
