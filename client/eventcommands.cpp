@@ -145,6 +145,9 @@ int EventCommands::add(CommandContext &context)
     event->setSummary(events.argument());
     if (!options.apply(*event, context.accounts().emailAddress(events.account())))
         return ExitUsage;
+    // Without a status it would take no time in the eyes of other people, as a day such as a birthday does.
+    if (!event->allDay())
+        event->setStatus(Event::StatusConfirmed);
     if (!events.store().add(event, calendar) || !events.store().save())
         return ExitFailure;
     context.output().done(

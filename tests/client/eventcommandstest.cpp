@@ -60,6 +60,8 @@ private Q_SLOTS:
         const Event::Ptr event = load(store, mScene->event(QStringLiteral("Plain")));
         QVERIFY(event && !event->allDay());
         QCOMPARE(event->dtStart().secsTo(event->dtEnd()), qint64(3600));
+        // Who adds it is busy then.
+        QCOMPARE(event->status(), KCalendarCore::Incidence::StatusConfirmed);
     }
 
     void aStartThatIsADayLastsWholeDays()
@@ -70,6 +72,7 @@ private Q_SLOTS:
         EventStore store(mScene->accountId());
         const Event::Ptr holiday = load(store, mScene->event(QStringLiteral("Holiday")));
         QVERIFY(holiday && holiday->allDay());
+        QCOMPARE(holiday->status(), KCalendarCore::Incidence::StatusNone);
         QCOMPARE(holiday->dtStart().date(), QDate(2024, 5, 9));
         QCOMPARE(holiday->dtEnd().date(), QDate(2024, 5, 11));
         const Event::Ptr day = store.find(mScene->event(QStringLiteral("Day")));
