@@ -22,6 +22,7 @@ const QVector<CommandEntry> &commandTable()
         { "Find", handleFind, "Find:Find", Version161 },
         { "Ping", handlePing, "Ping:Ping", Version161 },
         { "ItemOperations", handleItemOperations, "ItemOperations:ItemOperations", Version161 },
+        { "ResolveRecipients", handleResolveRecipients, "ResolveRecipients:ResolveRecipients", Version161 },
         { "Settings", handleSettings, "Settings:Settings", Version161 },
         { "Provision", handleProvision, "Provision:Provision", Version161 },
     };

@@ -79,6 +79,7 @@ CommandReply handlePing(const CommandContext &context);
 CommandReply handleSearch(const CommandContext &context);
 CommandReply handleFind(const CommandContext &context);
 CommandReply handleSettings(const CommandContext &context);
+CommandReply handleResolveRecipients(const CommandContext &context);
 CommandReply handleSendMail(const CommandContext &context);
 CommandReply handleSmartReply(const CommandContext &context);
 CommandReply handleSmartForward(const CommandContext &context);

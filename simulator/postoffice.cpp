@@ -19,16 +19,21 @@ void PostOffice::addUser(const QString &name, Mailbox *mailbox)
     mMailboxes[boxName(name)] = mailbox;
 }
 
+Mailbox *PostOffice::mailboxOf(const QString &address) const
+{
+    const auto found = mMailboxes.find(boxName(address));
+    return found == mMailboxes.end() ? nullptr : found->second;
+}
+
 void PostOffice::deliver(const QStringList &recipients, const QByteArray &message)
 {
     QSet<Mailbox *> reached;
     for (const QString &recipient : recipients) {
-        const auto found = mMailboxes.find(boxName(recipient));
-        if (found == mMailboxes.end()) {
+        Mailbox *const mailbox = mailboxOf(recipient);
+        if (!mailbox) {
             mOutbound.append({ recipient, message });
             continue;
         }
-        Mailbox *const mailbox = found->second;
         if (reached.contains(mailbox))
             continue;
         reached.insert(mailbox);

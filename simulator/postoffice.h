@@ -29,6 +29,9 @@ public:
     void addUser(const QString &name, Mailbox *mailbox);
     void clear() { mMailboxes.clear(); }
 
+    /** Null for an address of nobody here. */
+    Mailbox *mailboxOf(const QString &address) const;
+
     /** Puts the message into the Inbox of each recipient, once into each; what is for other people is kept
      * in outbound(). */
     void deliver(const QStringList &recipients, const QByteArray &message);

@@ -54,6 +54,7 @@ private Q_SLOTS:
         playEvents(server, client);
         playItems(server, client);
         playSettings(client);
+        playAvailability(client);
         playSearches(server, client);
         playPolicies(server, client);
         QCOMPARE(server.failures(), QStringList());
@@ -119,6 +120,19 @@ private:
                            "</OofMessage></Set></Oof>"));
         run(QStringLiteral("<Oof><Get><BodyType>Text</BodyType></Get></Oof>"));
         run(QStringLiteral("<Oof/>"));
+    }
+
+    static void playAvailability(SimulatorClient &client)
+    {
+        const QString span = client.version() < QLatin1String("14")
+            ? QString()
+            : QStringLiteral("<Availability><StartTime>2026-05-04T08:00:00.000Z</StartTime>"
+                             "<EndTime>2026-05-04T12:00:00.000Z</EndTime></Availability>");
+        for (const char *people : { "<To>user@example.com</To><To>nobody@example.com</To>", "" })
+            client.post(QStringLiteral("ResolveRecipients"),
+                QStringLiteral("<ResolveRecipients xmlns='ResolveRecipients'>%1<Options>%2</Options>"
+                               "</ResolveRecipients>")
+                    .arg(QLatin1String(people), span));
     }
 
     static void playPolicies(ExchangeServer &server, SimulatorClient &client)
