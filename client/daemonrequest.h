@@ -46,6 +46,8 @@ public:
     qulonglong requestId() const { return mRequestId; }
     bool hasEnded() const { return mHasEnded; }
     bool isAtWork() const { return mIsAtWork; }
+    /** The daemon has taken it on. */
+    bool isAccepted() const { return mRequestId != 0; }
     /** How it ended: the status of the command line, and a sentence where it failed. */
     int exitStatus() const { return mExitStatus; }
     QString error() const { return mError; }

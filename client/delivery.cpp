@@ -43,8 +43,11 @@ int Delivery::send(const QMailMessageIdList &ids)
     const QList<const DaemonRequest *> requests = run.requests();
     for (int i = 0; i < ids.size(); ++i) {
         QString error;
-        const bool isSent = run.judge(*requests.at(i), &error) == ExitSuccess;
-        settle(ids.at(i), *requests.at(i), isSent ? QString() : error);
+        const int judged = run.judge(*requests.at(i), &error);
+        if (judged == ExitSuccess)
+            noteSent(ids.at(i), *requests.at(i));
+        else
+            noteFailed(ids.at(i), error, SendStatus::mayHaveGone(*requests.at(i), judged));
     }
     if (ids.size() == 1)
         mContext.output().addFacts(run.first().describe());
@@ -52,28 +55,27 @@ int Delivery::send(const QMailMessageIdList &ids)
     return result;
 }
 
-void Delivery::settle(const QMailMessageId &id, const DaemonRequest &request, const QString &error)
+void Delivery::noteSent(const QMailMessageId &id, const DaemonRequest &request)
 {
-    const QString number = numberOf(id);
-    if (error.isEmpty()) {
-        mSent.append(number);
-        if (SendStatus::isSentWhole(request))
-            Output::note(QStringLiteral("the server no longer has the original of message %1, so that it is "
-                                        "sent as a whole")
-                             .arg(number));
-        return;
-    }
+    mSent.append(numberOf(id));
+    if (SendStatus::isSentWhole(request))
+        Output::note(QStringLiteral(
+            "the server no longer has the original of message %1, so that it is sent as a whole")
+                         .arg(numberOf(id)));
+}
+
+void Delivery::noteFailed(const QMailMessageId &id, const QString &error, bool mayHaveGone)
+{
     const Outbox::State state = Outbox::state(id);
     // The account may have gone meanwhile, and its mail with it.
     if (state == Outbox::State::Other)
         return;
-    const bool mayHaveGone = SendStatus::mayHaveGone(request);
     const auto doubt = QStringLiteral(" It may have gone out all the same: look into Sent Items before you "
                                       "send it again.");
     mOutbox.noteFailure(id, mayHaveGone ? error + doubt : error);
     if (mayHaveGone)
-        Output::note(named({ number }) + QLatin1Char(':') + doubt);
-    (state == Outbox::State::Draft ? mDrafts : mWaiting).append(number);
+        Output::note(named({ numberOf(id) }) + QLatin1Char(':') + doubt);
+    (state == Outbox::State::Draft ? mDrafts : mWaiting).append(numberOf(id));
 }
 
 void Delivery::tell(bool isSent)

@@ -20,7 +20,8 @@ public:
     int send(const QMailMessageIdList &ids);
 
 private:
-    void settle(const QMailMessageId &id, const DaemonRequest &request, const QString &error);
+    void noteSent(const QMailMessageId &id, const DaemonRequest &request);
+    void noteFailed(const QMailMessageId &id, const QString &error, bool mayHaveGone);
     void tell(bool isSent);
 
     CommandContext &mContext;

@@ -38,8 +38,8 @@ void list(Output &output, const QMailMessageIdList &waiting)
 {
     static const Columns columns { { "id", "ID" }, { "to", "TO" }, { "subject", "SUBJECT" },
         { "tried", "LAST TRY" } };
-    if (waiting.isEmpty())
-        output.message(QStringLiteral("nothing waits to be sent"));
+    if (waiting.isEmpty() && !output.isJson())
+        return output.message(QStringLiteral("nothing waits to be sent"));
     QJsonArray rows;
     for (const QMailMessageId &id : waiting)
         rows.append(describe(id));

@@ -68,14 +68,15 @@ bool SendStatus::isSentWhole(const DaemonRequest &request)
     return request.exitStatus() == ExitFailure && request.status() == Eas::CommonStatusItemNotFound;
 }
 
-bool SendStatus::mayHaveGone(const DaemonRequest &request)
+bool SendStatus::mayHaveGone(const DaemonRequest &request, int exitStatus)
 {
-    switch (request.exitStatus()) {
+    switch (exitStatus) {
     case ExitFailure:
         return std::find(LostAnswers.cbegin(), LostAnswers.cend(), request.status()) != LostAnswers.cend();
     case ExitUnavailable:
-        return request.isAtWork();
+    case ExitCancelled:
+        return request.isAccepted();
     default:
-        return request.exitStatus() == ExitCancelled;
+        return false;
     }
 }

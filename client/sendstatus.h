@@ -12,7 +12,8 @@ void explain(RequestRun &run);
 
 /** The server no longer has the original of a reply or a forward, so that the engine sends the whole. */
 bool isSentWhole(const DaemonRequest &request);
-/** Whether the server may have had the message although its answer did not come. */
-bool mayHaveGone(const DaemonRequest &request);
+/** Whether the server may have had the message although its answer did not come; by how the run judges the
+ * request. */
+bool mayHaveGone(const DaemonRequest &request, int exitStatus);
 
 } // namespace SendStatus
