@@ -225,6 +225,21 @@ private Q_SLOTS:
             QString::fromLatin1(globalObjId));
     }
 
+    void theIdentifierOfTheEventMakesAnInvitationToo()
+    {
+        MailFixture mail;
+        mail.addFolder("5");
+        EasEmailItem item = mail.item("5:1", "5");
+        item.setMessageClass(ExchangeActiveSync::MESSAGE_CLASS_MEETING_REQUEST);
+        EasMeetingRequestContainer request;
+        request.setCalendarMessageId("of 16.0");
+        item.setMeetingRequest(request);
+        const auto message = MailMessageWriter(mail.context).mailMessageFromEmailItem(item);
+        QVERIFY(message);
+        QVERIFY(has(*message, QMailMessage::CalendarInvitation));
+        QVERIFY(hasCalendarPart(*message));
+    }
+
     void theOrganizerOfTheMeetingCountsNotTheSender()
     {
         MailFixture mail;

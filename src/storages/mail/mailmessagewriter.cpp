@@ -23,6 +23,12 @@ QString globalObjectId(const EasEmailItem &item)
     return QString::fromLatin1(item.meetingRequest().globalObjId());
 }
 
+/** From 16.0 on the identifier of the event takes the place of the global one. */
+bool isIdentified(const EasMeetingRequestContainer &request)
+{
+    return !request.globalObjId().isEmpty() || !request.calendarMessageId().isEmpty();
+}
+
 QMap<QString, QString> customFields(const EasEmailItem &item)
 {
     QMap<QString, QString> fields;
@@ -127,7 +133,7 @@ bool MailMessageWriter::setMeeting(QMailMessage &message, const EasEmailItem &it
     const bool decline = messageClass.startsWith(ExchangeActiveSync::MESSAGE_CLASS_MEETING_REQUEST_DECLINE);
     const bool invitation = !cancelled
         && messageClass.startsWith(ExchangeActiveSync::MESSAGE_CLASS_MEETING_REQUEST)
-        && !globalObjectId(item).isEmpty();
+        && isIdentified(item.meetingRequest());
 
     message.setStatus(QMailMessage::CalendarInvitation, invitation);
     message.setStatus(QMailMessage::CalendarCancellation, cancelled);
