@@ -18,6 +18,7 @@ const QVector<CommandEntry> &commandTable()
         { "FolderDelete", handleFolderDelete, "FolderHierarchy:FolderDelete", Version161 },
         { "FolderUpdate", handleFolderUpdate, "FolderHierarchy:FolderUpdate", Version161 },
         { "MoveItems", handleMoveItems, "Move:MoveItems", Version161 },
+        { "MeetingResponse", handleMeetingResponse, "MeetingResponse:MeetingResponse", Version161 },
         { "Search", handleSearch, "Search:Search", Version161 },
         { "Find", handleFind, "Find:Find", Version161 },
         { "Ping", handlePing, "Ping:Ping", Version161 },

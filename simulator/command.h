@@ -76,6 +76,7 @@ CommandReply handleItemOperations(const CommandContext &context);
 CommandReply handleGetAttachment(const CommandContext &context);
 CommandReply handleProvision(const CommandContext &context);
 CommandReply handlePing(const CommandContext &context);
+CommandReply handleMeetingResponse(const CommandContext &context);
 CommandReply handleSearch(const CommandContext &context);
 CommandReply handleFind(const CommandContext &context);
 CommandReply handleSettings(const CommandContext &context);

@@ -57,7 +57,7 @@ public:
     const QDateTime &received() const { return mReceived; }
     const EmailHeaders &headers() const { return mHeaders; }
     const QVector<AttachmentInfo> &attachmentInfos() const { return mAttachmentInfos; }
-    /** The iCalendar part of a meeting request, empty for all others. */
+    /** The iCalendar part of a meeting request or a cancellation, empty for all others. */
     const QByteArray &meetingRequest() const { return mMeetingRequest; }
     bool isSmime() const;
     EmailBodies bodies() const;

@@ -75,6 +75,21 @@ QString messageClassOf(KMime::Content *content)
     return QStringLiteral("IPM.Note");
 }
 
+/** Of invitations, cancellations and answers; empty for any other text. */
+QString meetingClassOf(const QByteArray &calendar)
+{
+    if (calendar.contains("METHOD:REQUEST"))
+        return QStringLiteral("IPM.Schedule.Meeting.Request");
+    if (calendar.contains("METHOD:CANCEL"))
+        return QStringLiteral("IPM.Schedule.Meeting.Canceled");
+    if (!calendar.contains("METHOD:REPLY"))
+        return QString();
+    if (calendar.contains("PARTSTAT=ACCEPTED"))
+        return QStringLiteral("IPM.Schedule.Meeting.Resp.Pos");
+    return calendar.contains("PARTSTAT=DECLINED") ? QStringLiteral("IPM.Schedule.Meeting.Resp.Neg")
+                                                  : QStringLiteral("IPM.Schedule.Meeting.Resp.Tent");
+}
+
 QString fileNameOf(KMime::Content *content)
 {
     const KMime::Headers::ContentDisposition *disposition = content->contentDisposition(false);
@@ -114,6 +129,8 @@ public:
     KMime::Content *html = nullptr;
     KMime::Content *calendar = nullptr;
     QVector<KMime::Content *> attachments;
+
+    QByteArray calendarText() const { return calendar ? calendar->decodedContent() : QByteArray(); }
 
     void sort(KMime::Content *content)
     {
@@ -171,8 +188,9 @@ EmailHeaders MimeReader::headers() const
     headers.subject = message.subject(false) ? message.subject(false)->asUnicodeString() : QString();
     headers.threadTopic = withoutReplyMarks(headers.subject);
     headers.importance = importanceOf(&message);
-    headers.messageClass =
-        calendar().isEmpty() ? messageClassOf(&message) : QStringLiteral("IPM.Schedule.Meeting.Request");
+    headers.messageClass = meetingClassOf(d->calendarText());
+    if (headers.messageClass.isEmpty())
+        headers.messageClass = messageClassOf(&message);
     return headers;
 }
 
@@ -206,8 +224,8 @@ QString MimeReader::htmlText() const
 
 QByteArray MimeReader::calendar() const
 {
-    const QByteArray text = d->calendar ? d->calendar->decodedContent() : QByteArray();
-    return text.contains("METHOD:REQUEST") ? text : QByteArray();
+    const QByteArray text = d->calendarText();
+    return text.contains("METHOD:REQUEST") || text.contains("METHOD:CANCEL") ? text : QByteArray();
 }
 
 QVector<MimeAttachment> MimeReader::attachments() const

@@ -27,7 +27,7 @@ public:
     QDateTime date() const;
     QString plainText() const;
     QString htmlText() const;
-    /** The iCalendar text that asks for a meeting. */
+    /** The iCalendar text that asks for a meeting or cancels one. */
     QByteArray calendar() const;
     QVector<MimeAttachment> attachments() const;
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "simulator/postoffice.h"
 
+#include "simulator/meetings.h"
+
 #include <QDateTime>
 #include <QSet>
 
@@ -37,7 +39,8 @@ void PostOffice::deliver(const QStringList &recipients, const QByteArray &messag
         if (reached.contains(mailbox))
             continue;
         reached.insert(mailbox);
-        mailbox->deliver(mailbox->inboxId(), message, QDateTime::currentDateTimeUtc());
+        Meetings::arrive(
+            *mailbox, mailbox->deliver(mailbox->inboxId(), message, QDateTime::currentDateTimeUtc()));
     }
 }
 

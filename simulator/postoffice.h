@@ -32,8 +32,8 @@ public:
     /** Null for an address of nobody here. */
     Mailbox *mailboxOf(const QString &address) const;
 
-    /** Puts the message into the Inbox of each recipient, once into each; what is for other people is kept
-     * in outbound(). */
+    /** Puts the message into the Inbox of each recipient, once into each, and an invitation into the calendar
+     * as well; what is for other people is kept in outbound(). */
     void deliver(const QStringList &recipients, const QByteArray &message);
     const QVector<OutboundMail> &outbound() const { return mOutbound; }
 
