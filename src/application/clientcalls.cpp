@@ -5,7 +5,6 @@
 #include "application/searchassembly.h"
 #include "easitems/easitemscommon.h"
 #include "protocol/base/protocoltime.h"
-#include "protocol/base/protocolutils.h"
 #include "requests/addresslist.h"
 #include "requests/attachmentdownloadrequest.h"
 #include "requests/attendeesavailablerequest.h"
@@ -17,6 +16,7 @@
 #include "requests/foldersyncrequest.h"
 #include "requests/folderupdaterequest.h"
 #include "requests/galsearchrequest.h"
+#include "requests/meetingresponserequest.h"
 #include "requests/oofrequest.h"
 #include "requests/provisionrequest.h"
 #include "requests/searchrequest.h"
@@ -151,7 +151,7 @@ void ClientCalls::onProvisionPolicyRequest(EasAccountId accountId, qulonglong re
 
 void ClientCalls::onMeetingResponseRequest(EasAccountId accountId, qulonglong requestId,
     qulonglong requestMessageId, qlonglong instanceId, int userResponse, qulonglong replyMessageId,
-    const QString &newStartTime, const QString &newEndTime, const QString &)
+    const QString &newStartTime, const QString &newEndTime, const QString &newTimeComment)
 {
     qCInfo(eas()) << "Meeting Response: account: " << accountId << ", requestMessageId: " << requestMessageId
                   << ", instanceId: " << instanceId << ", userResponse: " << userResponse
@@ -160,12 +160,16 @@ void ClientCalls::onMeetingResponseRequest(EasAccountId accountId, qulonglong re
     if (!acceptMeetingResponse(accountId, requestId, userResponse,
             requestMessageId != 0 ? QString::number(requestMessageId) : QString()))
         return;
-    reportNotSupported(accountId, requestId, ProtocolUtils::CommandMeetingResponse);
+    auto *const request = new MeetingResponseRequest(accountId, requestId, this);
+    request->setOptions({ newStartTime, newEndTime, newTimeComment });
+    request->appendRequest(static_cast<EasItemsCommon::UserResponseType>(userResponse), requestMessageId,
+        instanceId, replyMessageId);
+    processNewRequest(request);
 }
 
 void ClientCalls::onMeetingResponseCalendarRequest(EasAccountId accountId, qulonglong requestId,
     const QString &requestEventId, qlonglong instanceId, int userResponse, qulonglong replyMessageId,
-    const QString &newStartTime, const QString &newEndTime, const QString &)
+    const QString &newStartTime, const QString &newEndTime, const QString &newTimeComment)
 {
     qCInfo(eas()) << "Meeting Response Calendar: account: " << accountId
                   << ", requestEventId: " << requestEventId << ", instanceId: " << instanceId
@@ -174,7 +178,11 @@ void ClientCalls::onMeetingResponseCalendarRequest(EasAccountId accountId, qulon
                   << ", requestId: " << requestId;
     if (!acceptMeetingResponse(accountId, requestId, userResponse, requestEventId))
         return;
-    reportNotSupported(accountId, requestId, ProtocolUtils::CommandMeetingResponse);
+    auto *const request = new MeetingResponseRequest(accountId, requestId, this);
+    request->setOptions({ newStartTime, newEndTime, newTimeComment });
+    request->appendRequestEvent(static_cast<EasItemsCommon::UserResponseType>(userResponse), requestEventId,
+        instanceId, replyMessageId);
+    processNewRequest(request);
 }
 
 bool ClientCalls::acceptMeetingResponse(
@@ -326,10 +334,4 @@ void ClientCalls::onAttendeesAvailableRequest(EasAccountId accountId, qulonglong
     connect(request, &AttendeesAvailableRequest::dataReady, this, &ClientCalls::attendeesAvailableDataReady);
     // The lists, which are empty after a failure, are all that clients are told of the end.
     processNewRequest(request, [](EasAccountId, qulonglong, int) {});
-}
-
-void ClientCalls::reportNotSupported(EasAccountId accountId, qulonglong requestId, QLatin1String command)
-{
-    qCWarning(eas()) << "Command not supported:" << command;
-    Q_EMIT requestFinished(accountId, requestId, EasRequestStatus::RequestStatusCommandNotSupported);
 }

@@ -6,7 +6,6 @@
 #include "common/galitem.h"
 #include "easitems/containers/easoofcontainer.h"
 
-#include <QLatin1String>
 #include <QList>
 #include <QObject>
 #include <QStringList>
@@ -23,8 +22,7 @@ class SyncRequest;
 
 /**
  * What the calls of clients build: one handler a call, which makes its request and hands it over. The
- * identifier of a request was given to it by the service thread. A call whose request does not exist yet is
- * answered at once, with RequestStatusCommandNotSupported.
+ * identifier of a request was given to it by the service thread.
  *
  * The RequestManager is the one that takes the requests over, as their parent. Main thread only.
  */
@@ -113,8 +111,6 @@ private:
     /** Starts a full sync once a refresh of the folders has had to clear the account. */
     void syncAnew(EasAccountId accountId, qulonglong requestId);
 
-    /** The one place for calls whose request does not exist yet. */
-    void reportNotSupported(EasAccountId accountId, qulonglong requestId, QLatin1String command);
     bool acceptMeetingResponse(
         EasAccountId accountId, qulonglong requestId, int userResponse, const QString &respondedId);
 };

@@ -70,6 +70,8 @@ void CommandRequest::perform(RequestVerb verb)
         return completeWith(RequestStatusBadRequest);
     case RequestVerb::RefuseTooLarge:
         return completeWith(RequestStatusMessageTooLarge);
+    case RequestVerb::ReportStorageFull:
+        return completeWith(RequestStatusServerStorageFull);
     case RequestVerb::Cancel:
         return completeCancelled();
     case RequestVerb::RetryLater:

@@ -15,6 +15,8 @@ enum class RequestVerb {
     Refuse,
     /** The request ends with RequestStatusMessageTooLarge. */
     RefuseTooLarge,
+    /** The request ends with RequestStatusServerStorageFull. */
+    ReportStorageFull,
     /** The request ends with RequestStatusCancelled. */
     Cancel,
     /** The step goes out again after the delay. */

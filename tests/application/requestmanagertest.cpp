@@ -590,7 +590,7 @@ private Q_SLOTS:
         QTest::newRow("response below the range") << 0 << 5ULL << QStringLiteral("uid") << -3;
         QTest::newRow("response above the range") << 4 << 5ULL << QStringLiteral("uid") << -3;
         QTest::newRow("nothing to respond to") << 1 << 0ULL << QString() << -3;
-        QTest::newRow("a good one, which cannot be sent yet") << 3 << 5ULL << QStringLiteral("uid") << -8;
+        QTest::newRow("a good one, which the server does not offer") << 3 << 5ULL << QStringLiteral("uid") << -8;
     }
 
     void meetingResponsesAreChecked()

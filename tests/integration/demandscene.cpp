@@ -4,7 +4,9 @@
 #include "application/mapping/easdatabase.h"
 #include "application/requestmanager.h"
 #include "integration/fetchscene.h"
+#include "simulator/meetings.h"
 #include "support/devicecalendar.h"
+#include "support/outgoingmail.h"
 #include "support/sampleevents.h"
 #include "support/serversearches.h"
 
@@ -195,6 +197,51 @@ qulonglong findMail(SyncTestBed &bed)
     return ServerSearches::startFind(bed.accountId(), QStringLiteral("new"), {}, 0);
 }
 
+// Meetings
+
+const QByteArray invitation =
+    "From: olga@example.com\r\nTo: user@example.com\r\nSubject: Plans\r\nMIME-Version: 1.0\r\n"
+    "Content-Type: text/calendar; method=REQUEST\r\n\r\nBEGIN:VCALENDAR\r\nVERSION:2.0\r\nMETHOD:REQUEST\r\n"
+    "BEGIN:VEVENT\r\nUID:plans\r\nDTSTAMP:20300101T080000Z\r\nDTSTART:20300110T080000Z\r\n"
+    "DTEND:20300110T090000Z\r\nSUMMARY:Plans\r\nORGANIZER:mailto:olga@example.com\r\n"
+    "ATTENDEE:mailto:user@example.com\r\nEND:VEVENT\r\nEND:VCALENDAR\r\n";
+
+bool hasAnInvitation(SyncTestBed &bed)
+{
+    Simulator::Meetings::arrive(bed.mailbox(), bed.mailbox().deliver(bed.mailbox().inboxId(), invitation));
+    return bed.sync() == 0;
+}
+
+quint64 replyMessage(SyncTestBed &bed)
+{
+    const QMailMessage reply = QMailMessage::fromRfc2822(
+        "From: user@example.com\r\nTo: olga@example.com\r\nSubject: Accepted: Plans\r\n\r\nYes.\r\n");
+    return OutgoingMail::putIntoOutbox(reply, QMailAccountId(bed.accountId())).toULongLong();
+}
+
+qulonglong acceptInvitation(SyncTestBed &bed)
+{
+    const qulonglong id = nextId();
+    RequestManager::instance()->onMeetingResponseRequest(bed.accountId(), id,
+        bed.deviceMessage(QStringLiteral("Plans")).toULongLong(), 0, 1, replyMessage(bed), {}, {}, {});
+    return id;
+}
+
+qulonglong acceptEvent(SyncTestBed &bed)
+{
+    const qulonglong id = nextId();
+    const auto event = DeviceCalendar().withSummary(QStringLiteral("Plans"));
+    RequestManager::instance()->onMeetingResponseCalendarRequest(
+        bed.accountId(), id, event ? event->uid() : QString(), 0, 1, replyMessage(bed), {}, {}, {});
+    return id;
+}
+
+bool hasAccepted(SyncTestBed &bed)
+{
+    const QVector<Simulator::Event> events = bed.serverEvents();
+    return events.size() == 1 && events.first().responseType == 3 && bed.server().outbound().size() == 1;
+}
+
 } // namespace
 
 const QList<DemandScene::Work> &DemandScene::works()
@@ -226,6 +273,9 @@ const QList<DemandScene::Work> &DemandScene::works()
             hasTheFile<FileSize> },
         { "the file of a message", "ItemOperations", 1, hasAMessageWithAFile<FileSize>, fetchMessage,
             hasTheFile<FileSize> },
+        { "an answer to an invitation", "MeetingResponse", 0, hasAnInvitation, acceptInvitation,
+            hasAccepted },
+        { "the mail with an answer", "SendMail", 0, hasAnInvitation, acceptEvent, hasAccepted },
         { "the file of an event", "ItemOperations", 0, hasAnEventWithAFile, fetchEventFile, hasTheEventFile,
             "16.1" },
         { "an absence", "Settings", 0, missesOneMessage, goAway, isAway },

@@ -56,6 +56,9 @@ public:
     /** "REPLY: RESPONSE to message ID" or "REPLY: RESPONSE to EVENT OCCURRENCE", of each calendar part. */
     QStringList calendarParts;
     bool makesCalendarParts = true;
+    /** Messages that were to be deleted, and whether they can be. */
+    QList<quint64> deleted;
+    bool deletesEmails = false;
     QList<EasFolderItem> synchronizedFolders;
     bool isInitialized = true;
     bool cleansUp = true;
@@ -93,7 +96,11 @@ public:
     bool purgeAddedFolders() override { return false; }
     QStringList deletedFolders() override { return {}; }
     bool purgeDeletedFolders() override { return false; }
-    bool deleteEmailsByLocalIds(const QList<quint64> &) override { return false; }
+    bool deleteEmailsByLocalIds(const QList<quint64> &ids) override
+    {
+        deleted.append(ids);
+        return deletesEmails;
+    }
     EasEmailItem queryMessage(const QString &localId) override { return outgoing.value(localId).whole; }
     EasEmailItem smartQueryMessage(const QString &localId) override { return outgoing.value(localId).smart; }
     bool isReply(const QString &localId) const override { return outgoing.value(localId).isReply; }
