@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "requests/addresslist.h"
 
+#include <QSet>
+
 #include <algorithm>
 
 namespace {
@@ -11,31 +13,54 @@ bool isSeparator(QChar character)
         || character == QLatin1Char('\r');
 }
 
-/** The position behind the quotes that begin at `start`; behind the one quote if nothing closes them. */
-int afterQuotes(const QString &text, int start)
+/**
+ * Calls visit(position) for each character outside quotes, in order, and quotes are no such characters. One
+ * that nothing closes is a character as any other, and so are those behind it.
+ */
+template <typename Visit> void visitUnquoted(const QString &text, Visit visit)
 {
-    for (int i = start + 1; i < text.size(); ++i) {
-        if (text.at(i) == QLatin1Char('\\'))
-            ++i;
-        else if (text.at(i) == QLatin1Char('"'))
-            return i + 1;
+    bool quotesCount = true;
+    int opening = -1;
+    for (int i = 0; i < text.size() || opening >= 0; ++i) {
+        if (i >= text.size()) {
+            i = opening;
+            opening = -1;
+            quotesCount = false;
+        } else if (opening >= 0) {
+            if (text.at(i) == QLatin1Char('\\'))
+                ++i;
+            else if (text.at(i) == QLatin1Char('"'))
+                opening = -1;
+        } else if (quotesCount && text.at(i) == QLatin1Char('"')) {
+            opening = i;
+        } else {
+            visit(i);
+        }
     }
-    return start + 1;
 }
 
-/** The first position from `start` on, outside quotes, of which the function is true; else the size. */
-template <typename Wanted> int find(const QString &text, int start, Wanted isWanted)
+QStringList entriesOf(const QString &text)
 {
-    int i = start;
-    while (i < text.size() && !isWanted(text.at(i)))
-        i = text.at(i) == QLatin1Char('"') ? afterQuotes(text, i) : i + 1;
-    return qMin(i, text.size());
+    QStringList entries;
+    int start = 0;
+    visitUnquoted(text, [&](int position) {
+        if (!isSeparator(text.at(position)))
+            return;
+        entries.append(text.mid(start, position - start));
+        start = position + 1;
+    });
+    entries.append(text.mid(start));
+    return entries;
 }
 
 QString bareAddress(const QString &entry)
 {
-    const int opening = find(entry, 0, [](QChar character) { return character == QLatin1Char('<'); });
-    if (opening == entry.size())
+    int opening = -1;
+    visitUnquoted(entry, [&](int position) {
+        if (opening < 0 && entry.at(position) == QLatin1Char('<'))
+            opening = position;
+    });
+    if (opening < 0)
         return entry.trimmed();
     const int closing = entry.indexOf(QLatin1Char('>'), opening);
     return entry.mid(opening + 1, closing < 0 ? -1 : closing - opening - 1).trimmed();
@@ -52,12 +77,13 @@ bool hasControls(const QString &text)
 QStringList AddressList::addresses(const QString &text)
 {
     QStringList found;
-    for (int start = 0; start < text.size();) {
-        const int end = find(text, start, isSeparator);
-        const QString address = bareAddress(text.mid(start, end - start));
-        if (!address.isEmpty() && !hasControls(address) && !found.contains(address, Qt::CaseInsensitive))
-            found.append(address);
-        start = end + 1;
+    QSet<QString> known;
+    for (const QString &entry : entriesOf(text)) {
+        const QString address = bareAddress(entry);
+        if (address.isEmpty() || hasControls(address) || known.contains(address.toLower()))
+            continue;
+        known.insert(address.toLower());
+        found.append(address);
     }
     return found;
 }

@@ -37,6 +37,17 @@ private Q_SLOTS:
             << QStringList("c@example.com");
     }
 
+    void aLongTextTakesNoLongerThanItsLength()
+    {
+        // Each of these would be looked through to the end for what closes it.
+        QCOMPARE(
+            AddressList::addresses(QLatin1Char('"') + QStringLiteral("\\\",").repeated(100000)).size(), 2);
+        QStringList many;
+        for (int i = 0; i < 50000; ++i)
+            many.append(QString::number(i) + QStringLiteral("@example.com"));
+        QCOMPARE(AddressList::addresses(many.join(',')), many);
+    }
+
     void addressesAreTakenApart()
     {
         QFETCH(QString, text);
