@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "client/commandrunner.h"
+#include "common/busthread.h"
 
 #include <QCoreApplication>
 
@@ -11,5 +12,7 @@ int main(int argc, char **argv)
     QCoreApplication::setApplicationName(QStringLiteral("fennel-easctl"));
     QCoreApplication::setApplicationVersion(QStringLiteral(FENNEL_EAS_VERSION));
     std::setlocale(LC_ALL, "");
-    return CommandRunner::run(QCoreApplication::arguments().mid(1));
+    const int status = CommandRunner::run(QCoreApplication::arguments().mid(1));
+    BusThread::settle();
+    return status;
 }

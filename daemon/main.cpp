@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "application/mapping/easdatabase.h"
 #include "application/requestmanager.h"
+#include "common/busthread.h"
 #include "protocol/wbxml/debugtools.h"
 #include "quitsignals.h"
 
@@ -39,5 +40,6 @@ int main(int argc, char **argv)
     });
     const int code = QCoreApplication::exec();
     EasDatabase::releaseInstance();
+    BusThread::settle();
     return code;
 }

@@ -31,7 +31,10 @@ QString waitingIdentities()
     QString lines;
     const QSet<quint32> waiting = WaitingIdentities().all().valueOr({});
     for (const quint32 identity : waiting)
-        lines += QStringLiteral("identity %1 still waits to be removed\n").arg(identity);
+        lines += QStringLiteral("identity %1 still waits to be removed and is %2\n")
+                     .arg(identity)
+                     .arg(AccountFactory::identityExists(identity) ? QStringLiteral("there")
+                                                                   : QStringLiteral("gone"));
     return lines;
 }
 

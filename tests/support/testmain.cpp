@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "support/testmain.h"
+#include "common/busthread.h"
 #include "support/buildpaths.h"
 
 #include <QCoreApplication>
@@ -114,6 +115,7 @@ int runTests(int argc, char **argv)
     }
     if (run == 0)
         qCritical("no test class is called %s", qPrintable(wanted));
+    BusThread::settle();
     return run == 0 || failed > 0 ? 1 : 0;
 }
 
