@@ -4,6 +4,7 @@
 
 #include "application/mapping/easdatabase.h"
 #include "easitems/easemailitem.h"
+#include "easitems/easfolderitem.h"
 
 #include <QCoreApplication>
 #include <QLoggingCategory>
@@ -35,6 +36,21 @@ QStringList serverIds(const QList<EasEmailItem> &items)
     return ids;
 }
 
+/** What a sync without writing wants to know, give or take. */
+void ask(EasDatabase &database, const EasEmailItem &arrived)
+{
+    const QString folder = arrived.collectionId();
+    (void)database.folderSyncKey(account);
+    (void)database.serverToLocalFolderIds(account);
+    (void)database.localToServerFolderIds(account);
+    (void)database.folderItemByServerId(account, folder);
+    (void)database.folderItemByLocalId(account, folder);
+    (void)database.folderTypeByServerId(account, folder);
+    (void)database.emailFolderItems(account);
+    (void)database.emailCollectionIds(account, { arrived.serverId() });
+    (void)database.serverToLocalEmailIds(account, QStringList { arrived.serverId() });
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -58,6 +74,15 @@ int main(int argc, char **argv)
     BenchRow::print("look-up of the messages of one reply",
         1e3 * BenchRow::seconds([database, &ids] { (void)database->emailCollectionIds(account, ids); }),
         "ms");
+    EasFolderItem folder;
+    folder.setServerId(QStringLiteral("5"));
+    folder.setLocalId(QStringLiteral("5"));
+    folder.setType(EasFolderItem::DefaultInboxFolder);
+    if (!database->addFolderItems(account, { folder }))
+        return 1;
+    const EasEmailItem arrived = window(mailboxSize).constFirst();
+    BenchRow::print("questions of a sync that brings one message",
+        1e6 * BenchRow::seconds([database, &arrived] { ask(*database, arrived); }), "us");
     EasDatabase::releaseInstance();
     return 0;
 }

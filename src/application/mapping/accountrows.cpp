@@ -37,8 +37,8 @@ Lookup<Existence> presence(DatabaseStatement &select, const StatementFailure &fa
 
 } // namespace
 
-AccountRows::AccountRows(const QSqlDatabase &database)
-    : mDatabase(database)
+AccountRows::AccountRows(PreparedStatements &statements)
+    : mStatements(statements)
 {
 }
 
@@ -52,26 +52,26 @@ void AccountRows::initialize(EasAccountId accountId) const
 
 bool AccountRows::initializeAccountsTable(EasAccountId accountId, quint64 emailAccountId) const
 {
-    DatabaseStatement select(mDatabase,
+    DatabaseStatement select(mStatements,
         QStringLiteral("SELECT email_account_id FROM accounts WHERE account_id=%1").arg(accountId));
     const Lookup<Existence> row = presence(select, CantQueryAccounts);
     if (!row || *row == Existence::Present)
         return bool(row);
-    DatabaseStatement insert(mDatabase, QStringLiteral("INSERT INTO accounts VALUES (?, ?)"));
+    DatabaseStatement insert(mStatements, QStringLiteral("INSERT INTO accounts VALUES (?, ?)"));
     insert.bind(accountId).bind(emailAccountId);
     return insert.run() || insert.fail("Can't add an account row for account", accountId);
 }
 
 bool AccountRows::initializeCollectionsTable(EasAccountId accountId) const
 {
-    DatabaseStatement select(mDatabase,
+    DatabaseStatement select(mStatements,
         QStringLiteral("SELECT synckey FROM collections WHERE account_id=%1 AND type=0").arg(accountId));
     const Lookup<Existence> row = presence(select, CantGetFolderSyncKey);
     if (!row || *row == Existence::Present)
         return bool(row);
     const QString empty = QStringLiteral("");
     DatabaseStatement insert(
-        mDatabase, QStringLiteral("INSERT INTO collections VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"));
+        mStatements, QStringLiteral("INSERT INTO collections VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"));
     insert.bind(QVariant(QVariant::Int)).bind(accountId);
     insert.bind(empty).bind(empty).bind(empty).bind(empty);
     insert.bind(QString(ProtocolUtils::InitialSyncKey)).bind(HierarchyRowType).bind(empty).bind(0);
@@ -84,7 +84,7 @@ Lookup<quint64> AccountRows::emailAccountId(EasAccountId accountId) const
         qCCritical(eas()) << "accounts table is not initialized";
         return Lookup<quint64>::unread();
     }
-    DatabaseStatement select(mDatabase,
+    DatabaseStatement select(mStatements,
         QStringLiteral("SELECT email_account_id FROM accounts WHERE account_id=%1").arg(accountId));
     return DatabaseReading::value(select, CantQueryAccounts, quint64(0),
         [](const DatabaseStatement &row) { return row.value(0).toULongLong(); });
@@ -96,7 +96,7 @@ void AccountRows::setEmailAccountId(EasAccountId accountId, quint64 emailAccount
         qCCritical(eas()) << "accounts table is not initialized.";
         return;
     }
-    DatabaseStatement update(mDatabase,
+    DatabaseStatement update(mStatements,
         QStringLiteral("UPDATE accounts SET email_account_id=%1 WHERE account_id=%2")
             .arg(emailAccountId)
             .arg(accountId));
@@ -113,7 +113,7 @@ Lookup<QString> AccountRows::folderSyncKey(EasAccountId accountId) const
         qCCritical(eas()) << CollectionsNotInitialized << accountId;
         return Lookup<QString>::unread();
     }
-    DatabaseStatement select(mDatabase,
+    DatabaseStatement select(mStatements,
         QStringLiteral("SELECT synckey FROM collections WHERE account_id=%1 AND type=0").arg(accountId));
     return DatabaseReading::value(
         select, CantGetFolderSyncKey, initialKey, [&initialKey](const DatabaseStatement &row) {
@@ -127,7 +127,7 @@ bool AccountRows::setFolderSyncKey(EasAccountId accountId, const QString &syncKe
         qCCritical(eas()) << CollectionsNotInitialized << accountId;
         return false;
     }
-    DatabaseStatement update(mDatabase,
+    DatabaseStatement update(mStatements,
         QStringLiteral("UPDATE collections SET synckey=? WHERE account_id=%1 AND type=0").arg(accountId));
     if (update.bind(syncKey).run())
         return true;
@@ -140,7 +140,7 @@ bool AccountRows::setFolderSyncKey(EasAccountId accountId, const QString &syncKe
 bool AccountRows::remove(EasAccountId accountId) const
 {
     for (const AccountTable &table : TablesOfAnAccount) {
-        DatabaseStatement removal(mDatabase,
+        DatabaseStatement removal(mStatements,
             QStringLiteral("DELETE FROM %1 WHERE account_id=%2")
                 .arg(QLatin1String(table.name))
                 .arg(accountId));
@@ -152,7 +152,7 @@ bool AccountRows::remove(EasAccountId accountId) const
 
 Lookup<QList<EasAccountId>> AccountRows::othersThan(const QList<quint64> &accountIds) const
 {
-    DatabaseStatement select(mDatabase, QStringLiteral("SELECT * FROM accounts"));
+    DatabaseStatement select(mStatements, QStringLiteral("SELECT * FROM accounts"));
     QList<EasAccountId> others;
     const bool complete =
         DatabaseReading::eachRow(select, CantQueryAccounts, [&](const DatabaseStatement &row) {

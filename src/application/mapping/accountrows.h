@@ -7,7 +7,7 @@
 #include <QList>
 #include <QString>
 
-class QSqlDatabase;
+class PreparedStatements;
 
 /**
  * The row of each account, the row of its hierarchy with the key of FolderSync, and what concerns all rows of
@@ -18,7 +18,7 @@ class QSqlDatabase;
 class AccountRows
 {
 public:
-    explicit AccountRows(const QSqlDatabase &database);
+    explicit AccountRows(PreparedStatements &statements);
 
     /** Makes the rows of a new account; a failure is logged and made good by the next use. */
     void initialize(EasAccountId accountId) const;
@@ -44,5 +44,5 @@ private:
     bool initializeAccountsTable(EasAccountId accountId, quint64 emailAccountId) const;
     bool initializeCollectionsTable(EasAccountId accountId) const;
 
-    const QSqlDatabase &mDatabase;
+    PreparedStatements &mStatements;
 };

@@ -32,14 +32,15 @@ Lookup<std::optional<EasAttachmentContainer>> attachmentRow(
 
 } // namespace
 
-AttachmentRows::AttachmentRows(const QSqlDatabase &database)
-    : mDatabase(database)
+AttachmentRows::AttachmentRows(PreparedStatements &statements)
+    : mStatements(statements)
 {
 }
 
 bool AttachmentRows::add(const QString &eventId, const EasAttachmentContainer &attachment) const
 {
-    DatabaseStatement insert(mDatabase, QStringLiteral("INSERT OR IGNORE INTO attachments VALUES (?, ?, ?)"));
+    DatabaseStatement insert(
+        mStatements, QStringLiteral("INSERT OR IGNORE INTO attachments VALUES (?, ?, ?)"));
     insert.bind(stored(eventId))
         .bind(stored(attachment.contentId()))
         .bind(stored(attachment.fileReference()));
@@ -56,7 +57,7 @@ bool AttachmentRows::add(const QString &eventId, const EasAttachmentContainer &a
 Lookup<std::optional<EasAttachmentContainer>> AttachmentRows::byFileReference(
     const QString &eventId, const QString &fileReference) const
 {
-    DatabaseStatement select(mDatabase,
+    DatabaseStatement select(mStatements,
         QStringLiteral("SELECT content_id FROM attachments WHERE file_reference=? AND local_id=? LIMIT 1"));
     select.bind(fileReference).bind(eventId);
     return attachmentRow(select, eventId,
@@ -66,7 +67,7 @@ Lookup<std::optional<EasAttachmentContainer>> AttachmentRows::byFileReference(
 Lookup<std::optional<EasAttachmentContainer>> AttachmentRows::byContentId(
     const QString &eventId, const QString &contentId) const
 {
-    DatabaseStatement select(mDatabase,
+    DatabaseStatement select(mStatements,
         QStringLiteral("SELECT file_reference FROM attachments WHERE content_id=? AND local_id=? LIMIT 1"));
     select.bind(contentId).bind(eventId);
     return attachmentRow(select, eventId,
@@ -76,7 +77,7 @@ Lookup<std::optional<EasAttachmentContainer>> AttachmentRows::byContentId(
 Lookup<QList<EasAttachmentContainer>> AttachmentRows::ofEvent(const QString &eventId) const
 {
     DatabaseStatement select(
-        mDatabase, QStringLiteral("SELECT content_id, file_reference FROM attachments WHERE local_id=?"));
+        mStatements, QStringLiteral("SELECT content_id, file_reference FROM attachments WHERE local_id=?"));
     const StatementFailure failure("Can't execute GET attachments query for event:",
         "Can't execute PREPARE attachments query for event:");
     return DatabaseReading::items(
@@ -87,7 +88,7 @@ Lookup<QList<EasAttachmentContainer>> AttachmentRows::ofEvent(const QString &eve
 bool AttachmentRows::updateFileReference(
     const QString &eventId, const EasAttachmentContainer &attachment) const
 {
-    DatabaseStatement update(mDatabase,
+    DatabaseStatement update(mStatements,
         QStringLiteral("UPDATE attachments SET file_reference=? WHERE local_id=? AND content_id=?"));
     update.bind(stored(attachment.fileReference())).bind(eventId).bind(attachment.contentId());
     if (!update.run())
@@ -102,7 +103,7 @@ bool AttachmentRows::updateFileReference(
 
 bool AttachmentRows::updateContentId(const QString &eventId, const EasAttachmentContainer &attachment) const
 {
-    DatabaseStatement update(mDatabase,
+    DatabaseStatement update(mStatements,
         QStringLiteral(
             "UPDATE OR IGNORE attachments SET content_id=? WHERE local_id=? AND file_reference=?"));
     update.bind(stored(attachment.contentId())).bind(eventId).bind(attachment.fileReference());
@@ -112,28 +113,28 @@ bool AttachmentRows::updateContentId(const QString &eventId, const EasAttachment
 bool AttachmentRows::removeByContentId(const QString &eventId, const QString &contentId) const
 {
     DatabaseStatement statement(
-        mDatabase, QStringLiteral("DELETE FROM attachments WHERE local_id=? AND content_id=?"));
+        mStatements, QStringLiteral("DELETE FROM attachments WHERE local_id=? AND content_id=?"));
     return statement.bind(eventId).bind(contentId).run()
         || statement.fail("Сan't DELETE attachment by contentId for event:", eventId);
 }
 
 bool AttachmentRows::removeOfEvent(const QString &eventId) const
 {
-    DatabaseStatement statement(mDatabase, QStringLiteral("DELETE FROM attachments WHERE local_id=?"));
+    DatabaseStatement statement(mStatements, QStringLiteral("DELETE FROM attachments WHERE local_id=?"));
     return statement.bind(eventId).run() || statement.fail("can't remove attachments of event:", eventId);
 }
 
 bool AttachmentRows::removeByFileReference(const QString &eventId, const QString &fileReference) const
 {
     DatabaseStatement statement(
-        mDatabase, QStringLiteral("DELETE FROM attachments WHERE local_id=? AND file_reference=?"));
+        mStatements, QStringLiteral("DELETE FROM attachments WHERE local_id=? AND file_reference=?"));
     return statement.bind(eventId).bind(fileReference).run()
         || statement.fail("Сan't DELETE attachment by fileReference for event:", eventId);
 }
 
 Lookup<Existence> AttachmentRows::presence(const QString &eventId, const QString &uniqueId) const
 {
-    DatabaseStatement select(mDatabase,
+    DatabaseStatement select(mStatements,
         QStringLiteral("SELECT EXISTS(SELECT 1 FROM attachments WHERE local_id = :localId AND "
                        "(content_id = :uniqueId OR file_reference = :uniqueId))"));
     select.bind(QStringLiteral(":localId"), eventId).bind(QStringLiteral(":uniqueId"), uniqueId);
@@ -156,7 +157,7 @@ bool AttachmentRows::removeStrays() const
 {
     // The key of an exception is its event's with a separator and a moment behind it.
     const QString moment = QStringLiteral("|yyyy-MM-dd hh:mm:ss");
-    DatabaseStatement statement(mDatabase,
+    DatabaseStatement statement(mStatements,
         QStringLiteral("DELETE FROM attachments WHERE file_reference <> '' "
                        "AND local_id NOT IN (SELECT local_id FROM calendar WHERE local_id IS NOT NULL) "
                        "AND substr(local_id, 1, length(local_id) - %1) "

@@ -9,7 +9,7 @@
 #include <optional>
 
 class EasAttachmentContainer;
-class QSqlDatabase;
+class PreparedStatements;
 
 /**
  * Rows of the attachments of events. An attachment belongs to the event, which is named by its local
@@ -20,7 +20,7 @@ class QSqlDatabase;
 class AttachmentRows
 {
 public:
-    explicit AttachmentRows(const QSqlDatabase &database);
+    explicit AttachmentRows(PreparedStatements &statements);
 
     /** An attachment with this content identifier that is there already is left as it is. */
     bool add(const QString &eventId, const EasAttachmentContainer &attachment) const;
@@ -40,5 +40,5 @@ public:
     bool removeStrays() const;
 
 private:
-    const QSqlDatabase &mDatabase;
+    PreparedStatements &mStatements;
 };

@@ -32,8 +32,8 @@ void bindCollection(DatabaseStatement &statement, const QString &collectionId, i
 
 } // namespace
 
-ContactRows::ContactRows(const QSqlDatabase &database)
-    : ItemRows(database, Contacts)
+ContactRows::ContactRows(PreparedStatements &statements)
+    : ItemRows(statements, Contacts)
 {
 }
 
@@ -43,7 +43,7 @@ bool ContactRows::add(EasAccountId accountId, const QList<EasContactsItem> &item
         return true;
     const StatementFailure failure(
         "Can't add contacts items for account:", "Can't execute PREPARE contacts query for account:");
-    return DatabaseStatement::insertRows(database(),
+    return DatabaseStatement::insertRows(statements(),
         QStringLiteral(
             "INSERT OR IGNORE INTO contacts (account_id, server_id, collection_id, local_id, avatar_url)"),
         QStringLiteral("(%1, ?, ?, ?, ?)").arg(accountId),
@@ -57,7 +57,7 @@ bool ContactRows::update(
 {
     if (items.isEmpty())
         return true;
-    DatabaseStatement update(database(),
+    DatabaseStatement update(statements(),
         QStringLiteral("UPDATE contacts SET account_id=?, server_id=?, collection_id=?, local_id=?, "
                        "avatar_url=? WHERE server_id=? AND account_id=%1%2")
             .arg(accountId)
@@ -87,7 +87,7 @@ bool ContactRows::remove(
 
 Lookup<QStringList> ContactRows::localIds(EasAccountId accountId, const QString &collectionId) const
 {
-    DatabaseStatement select(database(),
+    DatabaseStatement select(statements(),
         QStringLiteral("SELECT local_id FROM contacts WHERE account_id=%1%2")
             .arg(accountId)
             .arg(collectionFilter(collectionId)));
@@ -99,7 +99,7 @@ Lookup<QStringList> ContactRows::localIds(EasAccountId accountId, const QString 
 Lookup<QMap<QString, QString>> ContactRows::localToServerIds(
     EasAccountId accountId, const QString &collectionId) const
 {
-    DatabaseStatement select(database(),
+    DatabaseStatement select(statements(),
         QStringLiteral("SELECT server_id, local_id FROM contacts WHERE account_id=%1%2")
             .arg(accountId)
             .arg(collectionFilter(collectionId)));
@@ -110,7 +110,7 @@ Lookup<QMap<QString, QString>> ContactRows::localToServerIds(
 
 Lookup<QMap<QString, QUrl>> ContactRows::avatarUrls(EasAccountId accountId) const
 {
-    DatabaseStatement select(database(),
+    DatabaseStatement select(statements(),
         QStringLiteral("SELECT local_id, avatar_url FROM contacts WHERE account_id=%1").arg(accountId));
     QMap<QString, QUrl> urls;
     const bool complete = DatabaseReading::eachRow(select, CantQueryContacts,

@@ -12,7 +12,7 @@ class EasContactsItem;
 class ContactRows : public ItemRows
 {
 public:
-    explicit ContactRows(const QSqlDatabase &database);
+    explicit ContactRows(PreparedStatements &statements);
 
     /** A contact that is there already, by server, folder and local identifier, is left as it is. */
     bool add(EasAccountId accountId, const QList<EasContactsItem> &items) const;

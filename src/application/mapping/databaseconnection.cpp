@@ -25,7 +25,7 @@ void restrict(const QString &path, QFile::Permissions permissions)
 DatabaseConnection::~DatabaseConnection()
 {
     // No handle may be alive when the connection is removed.
-    mDatabase.close();
+    close();
     mDatabase = QSqlDatabase();
     QSqlDatabase::removeDatabase(QLatin1String(ConnectionName));
 }
@@ -43,6 +43,7 @@ bool DatabaseConnection::open()
 {
     if (mDatabase.isOpen())
         return true;
+    mStatements.clear();
     // Without a name the driver would open a temporary file of its own and lose what it is given.
     const bool isNamed = !mDatabase.databaseName().isEmpty() || nameFile();
     return isNamed && openFile();
@@ -50,6 +51,7 @@ bool DatabaseConnection::open()
 
 void DatabaseConnection::close()
 {
+    mStatements.clear();
     mDatabase.close();
 }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include "application/mapping/preparedstatements.h"
+
 #include <QSqlDatabase>
 #include <QString>
 
@@ -25,12 +27,14 @@ public:
 
     /** Statements are made with this; it stays the same object while the connection lives. */
     const QSqlDatabase &database() const { return mDatabase; }
+    PreparedStatements &statements() { return mStatements; }
 
 private:
     bool nameFile();
     bool openFile();
 
     QSqlDatabase mDatabase;
+    PreparedStatements mStatements { mDatabase };
     QString mFolder;
     QString mFile;
 };

@@ -2,6 +2,7 @@
 #include "application/mapping/databasestatement.h"
 
 #include "application/base/logging.h"
+#include "application/mapping/preparedstatements.h"
 
 #include <QSqlDatabase>
 #include <QSqlError>
@@ -24,6 +25,29 @@ DatabaseStatement::DatabaseStatement(const QSqlDatabase &database, const QString
     mPrepared = mQuery.prepare(sql);
 }
 
+DatabaseStatement::DatabaseStatement(PreparedStatements &statements, const QString &sql)
+    : mStatements(&statements)
+    , mSql(sql)
+    , mQuery(statements.take(sql))
+{
+    // A query that is null has no driver; one that was kept knows its text.
+    mPrepared = !mQuery.lastQuery().isEmpty();
+    if (mPrepared)
+        return;
+    mQuery = QSqlQuery(statements.database());
+    mQuery.setForwardOnly(true);
+    mPrepared = mQuery.prepare(sql);
+}
+
+DatabaseStatement::~DatabaseStatement()
+{
+    // One that has failed, or has values bound and never ran, is not worth the doubt.
+    if (!mStatements || !mHasRun || mFailed)
+        return;
+    mQuery.finish();
+    mStatements->keep(mSql, mQuery);
+}
+
 DatabaseStatement &DatabaseStatement::bind(const QVariant &value)
 {
     mQuery.addBindValue(value);
@@ -44,12 +68,14 @@ DatabaseStatement &DatabaseStatement::bindColumn(const QVariantList &values)
 
 bool DatabaseStatement::run()
 {
+    mHasRun = true;
     mFailed = !mPrepared || !mQuery.exec();
     return !mFailed;
 }
 
 bool DatabaseStatement::runBatch()
 {
+    mHasRun = true;
     mFailed = true;
     if (!mPrepared)
         return false;
@@ -67,7 +93,7 @@ bool DatabaseStatement::runBatch()
     return !mFailed;
 }
 
-bool DatabaseStatement::insertRows(const QSqlDatabase &database, const QString &into, const QString &row,
+bool DatabaseStatement::insertRows(PreparedStatements &statements, const QString &into, const QString &row,
     const QList<QVariantList> &columns, const StatementFailure &failure, EasAccountId accountId)
 {
     const int count = columns.constFirst().size();
@@ -78,7 +104,7 @@ bool DatabaseStatement::insertRows(const QSqlDatabase &database, const QString &
         for (int i = first; i < end; ++i)
             rows.append(row);
         DatabaseStatement insert(
-            database, into + QStringLiteral(" VALUES ") + rows.join(QStringLiteral(", ")));
+            statements, into + QStringLiteral(" VALUES ") + rows.join(QStringLiteral(", ")));
         for (int i = first; i < end; ++i) {
             for (const QVariantList &column : columns)
                 insert.bind(column.at(i));

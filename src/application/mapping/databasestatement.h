@@ -9,6 +9,8 @@
 
 #include <optional>
 
+class PreparedStatements;
+
 /** What is logged when a statement fails; some statements tell a refused text from a failed run. */
 struct StatementFailure
 {
@@ -38,7 +40,12 @@ struct StatementFailure
 class DatabaseStatement
 {
 public:
+    /** Prepared anew, for statements that run once. */
     DatabaseStatement(const QSqlDatabase &database, const QString &sql);
+    /** Prepared once a connection; kept for the next one of the same text. */
+    DatabaseStatement(PreparedStatements &statements, const QString &sql);
+    ~DatabaseStatement();
+    Q_DISABLE_COPY(DatabaseStatement)
 
     DatabaseStatement &bind(const QVariant &value);
     DatabaseStatement &bind(const QString &placeholder, const QVariant &value);
@@ -53,7 +60,7 @@ public:
      * Inserts rows, given by their columns, in as few statements as possible, each of which is all or
      * nothing: `into` is "INSERT INTO table", `row` is "(NULL, ?, ?)" with a place for each column.
      */
-    static bool insertRows(const QSqlDatabase &database, const QString &into, const QString &row,
+    static bool insertRows(PreparedStatements &statements, const QString &into, const QString &row,
         const QList<QVariantList> &columns, const StatementFailure &failure, EasAccountId accountId);
 
     /** Steps to the next row. False at the end of the rows, and on an error: failed() tells them apart. */
@@ -74,9 +81,12 @@ public:
     const char *failureText(const StatementFailure &failure) const;
 
 private:
+    PreparedStatements *mStatements = nullptr;
+    QString mSql;
     QSqlQuery mQuery;
     QList<QVariantList> mColumns;
     QString mRefusal;
     bool mPrepared;
+    bool mHasRun = false;
     bool mFailed = false;
 };

@@ -56,12 +56,12 @@ void EasDatabase::releaseInstance()
 
 EasDatabase::EasDatabase(QObject *parent)
     : QObject(parent)
-    , mAccounts(mConnection.database())
-    , mFolders(mConnection.database())
-    , mMail(mConnection.database())
-    , mEvents(mConnection.database())
-    , mContacts(mConnection.database())
-    , mAttachments(mConnection.database())
+    , mAccounts(mConnection.statements())
+    , mFolders(mConnection.statements())
+    , mMail(mConnection.statements())
+    , mEvents(mConnection.statements())
+    , mContacts(mConnection.statements())
+    , mAttachments(mConnection.statements())
 {
     mReleaseTimer.setSingleShot(true);
     connect(&mReleaseTimer, &QTimer::timeout, this, &EasDatabase::onReleaseDatabaseTimer);
@@ -127,7 +127,7 @@ void EasDatabase::onAccountDeleted(EasAccountId accountId)
 
 Lookup<EasDatabase::AppDataType> EasDatabase::getAppDataType(const QString &serverId)
 {
-    DatabaseStatement select(mConnection.database(),
+    DatabaseStatement select(mConnection.statements(),
         QStringLiteral("SELECT 2 FROM contacts WHERE server_id = :server_id_value "
                        "UNION SELECT 1 FROM emails WHERE server_id = :server_id_value "
                        "UNION SELECT 3 FROM calendar WHERE server_id = :server_id_value"));

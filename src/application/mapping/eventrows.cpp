@@ -53,8 +53,8 @@ private:
 
 } // namespace
 
-EventRows::EventRows(const QSqlDatabase &database)
-    : ItemRows(database, Events)
+EventRows::EventRows(PreparedStatements &statements)
+    : ItemRows(statements, Events)
 {
 }
 
@@ -62,7 +62,7 @@ bool EventRows::add(EasAccountId accountId, const QList<EasCalendarItem> &items)
 {
     if (items.isEmpty())
         return true;
-    return DatabaseStatement::insertRows(database(), QStringLiteral("INSERT INTO calendar"),
+    return DatabaseStatement::insertRows(statements(), QStringLiteral("INSERT INTO calendar"),
         QStringLiteral("(NULL, %1, ?, ?, ?, ?)").arg(accountId),
         { column(items, &EasCalendarItem::serverId), column(items, &EasCalendarItem::collectionId),
             column(items, &EasCalendarItem::localId), column(items, &EasCalendarItem::localTimestamp) },
@@ -73,7 +73,7 @@ bool EventRows::update(EasAccountId accountId, const QList<EasCalendarItem> &ite
 {
     if (items.isEmpty())
         return true;
-    DatabaseStatement update(database(),
+    DatabaseStatement update(statements(),
         QStringLiteral("UPDATE calendar SET account_id=?, server_id=?, collection_id=?, local_id=?, "
                        "timestamp=? WHERE server_id=? AND account_id=%1")
             .arg(accountId));
@@ -88,7 +88,7 @@ bool EventRows::update(EasAccountId accountId, const QList<EasCalendarItem> &ite
 
 Lookup<QString> EventRows::collectionId(EasAccountId accountId, const QString &serverId) const
 {
-    DatabaseStatement select(database(),
+    DatabaseStatement select(statements(),
         QStringLiteral("SELECT collection_id FROM calendar WHERE account_id=%1 AND server_id=?")
             .arg(accountId));
     OnlyValue onlyCollection("EAS collection id not unique for server id:", serverId);
@@ -99,7 +99,7 @@ Lookup<QString> EventRows::collectionId(EasAccountId accountId, const QString &s
 
 Lookup<QString> EventRows::serverId(EasAccountId accountId, const QString &localId) const
 {
-    DatabaseStatement select(database(),
+    DatabaseStatement select(statements(),
         QStringLiteral("SELECT server_id FROM calendar WHERE account_id=%1 AND local_id=?").arg(accountId));
     OnlyValue onlyServerId("EAS server id not unique for local id:", localId);
     const bool complete = DatabaseReading::eachRow(select.bind(localId), CantQuery, std::ref(onlyServerId));
@@ -110,7 +110,7 @@ Lookup<QString> EventRows::serverId(EasAccountId accountId, const QString &local
 // newer row tells its time, here and below.
 Lookup<uint> EventRows::updateTime(EasAccountId accountId, const QString &localId) const
 {
-    DatabaseStatement select(database(),
+    DatabaseStatement select(statements(),
         QStringLiteral("SELECT timestamp FROM calendar WHERE account_id=%1 AND local_id=? ORDER BY id DESC")
             .arg(accountId));
     const Lookup<uint> timestamp = DatabaseReading::value(
@@ -124,7 +124,7 @@ Lookup<uint> EventRows::updateTime(EasAccountId accountId, const QString &localI
 
 Lookup<QMap<QString, uint>> EventRows::updateTimes(EasAccountId accountId) const
 {
-    DatabaseStatement select(database(),
+    DatabaseStatement select(statements(),
         QStringLiteral("SELECT local_id, timestamp FROM calendar WHERE account_id=%1"
                        " AND timestamp IS NOT NULL ORDER BY id")
             .arg(accountId));

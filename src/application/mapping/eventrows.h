@@ -11,7 +11,7 @@ class EasCalendarItem;
 class EventRows : public ItemRows
 {
 public:
-    explicit EventRows(const QSqlDatabase &database);
+    explicit EventRows(PreparedStatements &statements);
 
     bool add(EasAccountId accountId, const QList<EasCalendarItem> &items) const;
     bool update(EasAccountId accountId, const QList<EasCalendarItem> &items) const;

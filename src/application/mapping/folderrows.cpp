@@ -86,14 +86,14 @@ EasFolderItem folderOf(const DatabaseStatement &row)
 
 } // namespace
 
-FolderRows::FolderRows(const QSqlDatabase &database)
-    : mDatabase(database)
+FolderRows::FolderRows(PreparedStatements &statements)
+    : mStatements(statements)
 {
 }
 
 Lookup<EasFolderItem> FolderRows::byLocalId(EasAccountId accountId, const QString &localId) const
 {
-    DatabaseStatement select(mDatabase,
+    DatabaseStatement select(mStatements,
         QStringLiteral("SELECT server_id, synckey, type, display_name, saved_in_storage FROM collections "
                        "WHERE account_id=%1 AND local_id=?")
             .arg(accountId));
@@ -109,7 +109,7 @@ Lookup<EasFolderItem> FolderRows::byLocalId(EasAccountId accountId, const QStrin
 
 Lookup<EasFolderItem> FolderRows::byServerId(EasAccountId accountId, const QString &serverId) const
 {
-    DatabaseStatement select(mDatabase,
+    DatabaseStatement select(mStatements,
         QStringLiteral("SELECT local_id, synckey, type, display_name, saved_in_storage FROM collections "
                        "WHERE account_id=%1 AND server_id=?")
             .arg(accountId));
@@ -123,7 +123,7 @@ Lookup<EasFolderItem> FolderRows::byServerId(EasAccountId accountId, const QStri
 
 Lookup<QList<EasFolderItem>> FolderRows::mailFolders(EasAccountId accountId) const
 {
-    DatabaseStatement select(mDatabase,
+    DatabaseStatement select(mStatements,
         QStringLiteral("SELECT local_id, type, server_id, synckey, display_name, saved_in_storage "
                        "FROM collections WHERE account_id=%1 AND type IN (1, 2, 3, 4, 5, 6, 12, 1)")
             .arg(accountId));
@@ -132,7 +132,7 @@ Lookup<QList<EasFolderItem>> FolderRows::mailFolders(EasAccountId accountId) con
 
 Lookup<QList<EasFolderItem>> FolderRows::calendarFolders(EasAccountId accountId) const
 {
-    DatabaseStatement select(mDatabase,
+    DatabaseStatement select(mStatements,
         QStringLiteral("SELECT server_id, server_parent_id, synckey, local_id, local_parent_id, "
                        "display_name, saved_in_storage, type FROM collections "
                        "WHERE account_id=%1 AND type IN (8, 13)")
@@ -142,7 +142,7 @@ Lookup<QList<EasFolderItem>> FolderRows::calendarFolders(EasAccountId accountId)
 
 Lookup<QList<EasFolderItem>> FolderRows::byType(EasAccountId accountId, EasFolderItem::FolderType type) const
 {
-    DatabaseStatement select(mDatabase,
+    DatabaseStatement select(mStatements,
         QStringLiteral("SELECT local_id, server_id, synckey, display_name, saved_in_storage, type "
                        "FROM collections WHERE account_id=%1 AND type=%2")
             .arg(accountId)
@@ -152,7 +152,7 @@ Lookup<QList<EasFolderItem>> FolderRows::byType(EasAccountId accountId, EasFolde
 
 Lookup<EasFolderItem::FolderType> FolderRows::typeOf(EasAccountId accountId, const QString &serverId) const
 {
-    DatabaseStatement select(mDatabase,
+    DatabaseStatement select(mStatements,
         QStringLiteral("SELECT type FROM collections WHERE account_id=%1 AND server_id=?").arg(accountId));
     return DatabaseReading::value(select.bind(serverId), CantQueryCollections, EasFolderItem::UnknownFolder,
         [](const DatabaseStatement &row) { return folderOf(row).type(); });
@@ -160,21 +160,21 @@ Lookup<EasFolderItem::FolderType> FolderRows::typeOf(EasAccountId accountId, con
 
 Lookup<QMap<QString, QString>> FolderRows::serverToLocalIds(EasAccountId accountId) const
 {
-    DatabaseStatement select(mDatabase,
+    DatabaseStatement select(mStatements,
         QStringLiteral("SELECT server_id, local_id FROM collections WHERE account_id=%1").arg(accountId));
     return DatabaseReading::map(select, 0, CantQueryCollections);
 }
 
 Lookup<QMap<QString, QString>> FolderRows::localToServerIds(EasAccountId accountId) const
 {
-    DatabaseStatement select(mDatabase,
+    DatabaseStatement select(mStatements,
         QStringLiteral("SELECT server_id, local_id FROM collections WHERE account_id=%1").arg(accountId));
     return DatabaseReading::map(select, 1, CantQueryCollections);
 }
 
 Lookup<QMap<QString, QString>> FolderRows::parentIds(EasAccountId accountId) const
 {
-    DatabaseStatement select(mDatabase,
+    DatabaseStatement select(mStatements,
         QStringLiteral("SELECT server_id, server_parent_id FROM collections WHERE account_id=%1")
             .arg(accountId));
     return DatabaseReading::map(select, 0, CantQueryCollections);
@@ -185,7 +185,7 @@ bool FolderRows::add(EasAccountId accountId, const QList<EasFolderItem> &items) 
     if (items.isEmpty())
         return true;
     DatabaseStatement insert(
-        mDatabase, QStringLiteral("INSERT INTO collections VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"));
+        mStatements, QStringLiteral("INSERT INTO collections VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"));
     insert.bindColumn(DatabaseColumns::assignedIds(items.size()))
         .bindColumn(DatabaseColumns::repeated(accountId, items.size()))
         .bindColumn(column(items, &EasFolderItem::serverId))
@@ -224,7 +224,7 @@ bool FolderRows::updateOne(EasAccountId accountId, const EasFolderItem &item) co
     sql += QStringLiteral(" WHERE server_id=? AND account_id=?");
     values << item.serverId() << accountId;
 
-    DatabaseStatement update(mDatabase, sql);
+    DatabaseStatement update(mStatements, sql);
     for (const QVariant &value : qAsConst(values))
         update.bind(value);
     return update.run() || update.fail("can't update folder items for account", accountId);
@@ -234,7 +234,7 @@ bool FolderRows::remove(EasAccountId accountId, const QStringList &serverIds) co
 {
     if (serverIds.isEmpty())
         return true;
-    DatabaseStatement removal(mDatabase,
+    DatabaseStatement removal(mStatements,
         QStringLiteral("DELETE FROM collections WHERE server_id=? AND account_id=%1").arg(accountId));
     removal.bindColumn(QVariant(serverIds).toList());
     return removal.runBatch() || removal.fail("can't delete folder items for account", accountId);
@@ -242,7 +242,7 @@ bool FolderRows::remove(EasAccountId accountId, const QStringList &serverIds) co
 
 bool FolderRows::setSavedInStorage(EasAccountId accountId, const QString &localId, bool saved) const
 {
-    DatabaseStatement update(mDatabase,
+    DatabaseStatement update(mStatements,
         QStringLiteral("UPDATE collections SET saved_in_storage=? WHERE account_id=? AND local_id=?"));
     update.bind(saved).bind(accountId).bind(localId);
     return update.run() || update.fail("can't update folder items for account", accountId);

@@ -10,7 +10,7 @@
 #include <QString>
 #include <QStringList>
 
-class QSqlDatabase;
+class PreparedStatements;
 
 /**
  * Rows of folders: the collections of an account. A folder that has no row is the default item.
@@ -22,7 +22,7 @@ class FolderRows
 public:
     using Map = QMap<QString, QString>;
 
-    explicit FolderRows(const QSqlDatabase &database);
+    explicit FolderRows(PreparedStatements &statements);
 
     /** The local identifier stands in the default item as well. */
     Lookup<EasFolderItem> byLocalId(EasAccountId accountId, const QString &localId) const;
@@ -46,5 +46,5 @@ public:
 private:
     bool updateOne(EasAccountId accountId, const EasFolderItem &item) const;
 
-    const QSqlDatabase &mDatabase;
+    PreparedStatements &mStatements;
 };

@@ -17,15 +17,15 @@ QString places(int count)
 
 } // namespace
 
-ItemRows::ItemRows(const QSqlDatabase &database, const ItemTable &table)
-    : mDatabase(database)
+ItemRows::ItemRows(PreparedStatements &statements, const ItemTable &table)
+    : mStatements(statements)
     , mTable(table)
 {
 }
 
 DatabaseStatement ItemRows::statement(const QString &sql, EasAccountId accountId) const
 {
-    return DatabaseStatement(mDatabase, sql.arg(QLatin1String(mTable.name)).arg(accountId));
+    return DatabaseStatement(mStatements, sql.arg(QLatin1String(mTable.name)).arg(accountId));
 }
 
 Lookup<ItemRows::Map> ItemRows::named(const QString &sql, EasAccountId accountId, const QStringList &names,

@@ -9,7 +9,7 @@
 #include <QStringList>
 
 class DatabaseStatement;
-class QSqlDatabase;
+class PreparedStatements;
 
 /** One of the three tables of items, and what is logged when one of its statements fails. */
 struct ItemTable
@@ -32,7 +32,7 @@ class ItemRows
 public:
     using Map = QMap<QString, QString>;
 
-    ItemRows(const QSqlDatabase &database, const ItemTable &table);
+    ItemRows(PreparedStatements &statements, const ItemTable &table);
 
     bool remove(EasAccountId accountId, const QStringList &serverIds) const;
     bool clearFolder(EasAccountId accountId, const QString &collectionId) const;
@@ -48,7 +48,7 @@ public:
     Lookup<QString> collectionId(EasAccountId accountId, const QString &serverId) const;
 
 protected:
-    const QSqlDatabase &database() const { return mDatabase; }
+    PreparedStatements &statements() const { return mStatements; }
     const ItemTable &table() const { return mTable; }
     /** A statement whose "%1" is the table and "%2" the account. */
     DatabaseStatement statement(const QString &sql, EasAccountId accountId) const;
@@ -61,6 +61,6 @@ protected:
         const char *failure) const;
 
 private:
-    const QSqlDatabase &mDatabase;
+    PreparedStatements &mStatements;
     const ItemTable &mTable;
 };

@@ -19,8 +19,8 @@ const ItemTable Emails { "emails", CantQueryEmails, CantQueryEmails, CantQueryEm
 
 } // namespace
 
-MailRows::MailRows(const QSqlDatabase &database)
-    : ItemRows(database, Emails)
+MailRows::MailRows(PreparedStatements &statements)
+    : ItemRows(statements, Emails)
 {
 }
 
@@ -28,7 +28,7 @@ bool MailRows::add(EasAccountId accountId, const QList<EasEmailItem> &items) con
 {
     if (items.isEmpty())
         return true;
-    return DatabaseStatement::insertRows(database(), QStringLiteral("INSERT INTO emails"),
+    return DatabaseStatement::insertRows(statements(), QStringLiteral("INSERT INTO emails"),
         QStringLiteral("(NULL, %1, ?, ?, ?)").arg(accountId),
         { column(items, &EasEmailItem::serverId), column(items, &EasEmailItem::collectionId),
             column(items, &EasEmailItem::localId) },
@@ -40,7 +40,7 @@ bool MailRows::update(EasAccountId accountId, const QList<EasEmailItem> &items) 
     for (const EasEmailItem &item : items) {
         if (!item.changedFields().contains(Wbxml::AirSync::CollectionId))
             continue;
-        DatabaseStatement update(database(),
+        DatabaseStatement update(statements(),
             QStringLiteral("UPDATE emails SET collection_id=:folder WHERE server_id=:id"
                            " AND account_id=%1 AND collection_id<>:folder")
                 .arg(accountId));
@@ -66,7 +66,7 @@ bool MailRows::updateMoved(EasAccountId accountId, const QList<EasEmailItem> &it
                           << accountId << ". Check duplications in Eas DB";
         return false;
     }
-    DatabaseStatement update(database(),
+    DatabaseStatement update(statements(),
         QStringLiteral("UPDATE emails SET server_id=?, collection_id=? WHERE account_id=%1 AND id=?")
             .arg(accountId));
     update.bindColumn(column(items, &EasEmailItem::serverId))
@@ -78,7 +78,7 @@ bool MailRows::updateMoved(EasAccountId accountId, const QList<EasEmailItem> &it
 bool MailRows::selectMovedRows(
     EasAccountId accountId, const QList<EasEmailItem> &items, QVariantList *rowIds) const
 {
-    DatabaseStatement select(database(),
+    DatabaseStatement select(statements(),
         QStringLiteral("SELECT id FROM emails WHERE account_id=%1 AND server_id=?").arg(accountId));
     for (const EasEmailItem &item : items) {
         if (!select.bind(item.previousServerId()).run())

@@ -12,7 +12,7 @@ class EasEmailItem;
 class MailRows : public ItemRows
 {
 public:
-    explicit MailRows(const QSqlDatabase &database);
+    explicit MailRows(PreparedStatements &statements);
 
     bool add(EasAccountId accountId, const QList<EasEmailItem> &items) const;
     /** Writes the folder of items that have changed it, and nothing else. */
