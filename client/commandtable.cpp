@@ -13,6 +13,7 @@
 #include "client/peoplecommand.h"
 #include "client/policycommands.h"
 #include "client/pushcommands.h"
+#include "client/respondcommand.h"
 #include "client/searchcommand.h"
 #include "client/sendcommands.h"
 #include "client/statuscommand.h"
@@ -156,6 +157,10 @@ const QList<Command> &CommandTable::commands()
             EventCommands::exportCalendar },
         { "event import", "FILE [--calendar NAME]",
             "add the events of an iCalendar file; - reads standard input", EventCommands::importCalendar },
+        { "respond",
+            "MESSAGE|EVENT accept|tentative|decline [--occurrence START] [--propose START END] "
+            "[--comment TEXT]",
+            "answer an invitation, for the whole series or one occurrence", RespondCommand::run },
         { "contact list", "[TEXT] [--folder NAME]", "the contacts, or those that match a text",
             ContactCommands::list },
         { "contact show", "CONTACT", "a contact with everything that is known", ContactCommands::show },

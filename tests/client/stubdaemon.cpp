@@ -90,7 +90,7 @@ StubDaemon::End StubDaemon::searchEnd(
 
 int StubDaemon::protocolVersion(qulonglong)
 {
-    return 0x1401;
+    return mProtocolVersion;
 }
 
 qulonglong StubDaemon::searchMessages(qulonglong accountId, const QString &folderId, const QString &dateFrom,
@@ -125,6 +125,34 @@ qulonglong StubDaemon::sendMail(qulonglong accountId, qulonglong messageId)
     if (mSender)
         mOwnEnds.insert(mLast + 1, mSender(messageId));
     return begin(QStringLiteral("sendMail %1 %2").arg(accountId).arg(messageId), accountId);
+}
+
+qulonglong StubDaemon::meetingResponse(qulonglong accountId, qulonglong requestMessageId, int userResponse,
+    qlonglong instanceId, qulonglong replyMessageId, const QString &newStartTime, const QString &newEndTime,
+    const QString &newTimeComment)
+{
+    return begin(QStringLiteral("meetingResponse %1 %2 %3 %4 %5 %6 %7 %8")
+                     .arg(accountId)
+                     .arg(requestMessageId)
+                     .arg(userResponse)
+                     .arg(instanceId)
+                     .arg(replyMessageId)
+                     .arg(newStartTime, newEndTime, newTimeComment),
+        accountId);
+}
+
+qulonglong StubDaemon::meetingResponseCalendar(qulonglong accountId, const QString &requestEventId,
+    int userResponse, qlonglong instanceId, qulonglong replyMessageId, const QString &newStartTime,
+    const QString &newEndTime, const QString &newTimeComment)
+{
+    return begin(QStringLiteral("meetingResponseCalendar %1 %2 %3 %4 %5 %6 %7 %8")
+                     .arg(accountId)
+                     .arg(requestEventId)
+                     .arg(userResponse)
+                     .arg(instanceId)
+                     .arg(replyMessageId)
+                     .arg(newStartTime, newEndTime, newTimeComment),
+        accountId);
 }
 
 qulonglong StubDaemon::provisionPolicy(qulonglong accountId)

@@ -57,6 +57,8 @@ public:
     {
         mSearcher = searcher;
     }
+    /** What protocolVersion() answers; 14.1 at first. */
+    void setProtocolVersion(int version) { mProtocolVersion = version; }
     /** Ends a request that stays open. */
     void end(qulonglong accountId, qulonglong requestId, int status);
 
@@ -75,6 +77,13 @@ public Q_SLOTS:
     Q_SCRIPTABLE qulonglong downloadMessages(
         qulonglong accountId, const QList<qulonglong> &messageIds, bool fullContentDownload);
     Q_SCRIPTABLE qulonglong sendMail(qulonglong accountId, qulonglong messageId);
+    Q_SCRIPTABLE qulonglong meetingResponse(qulonglong accountId, qulonglong requestMessageId,
+        int userResponse, qlonglong instanceId, qulonglong replyMessageId, const QString &newStartTime,
+        const QString &newEndTime, const QString &newTimeComment);
+    Q_SCRIPTABLE qulonglong meetingResponseCalendar(qulonglong accountId, const QString &requestEventId,
+        int userResponse, qlonglong instanceId, qulonglong replyMessageId, const QString &newStartTime,
+        const QString &newEndTime, const QString &newTimeComment);
+    Q_SCRIPTABLE int protocolVersion(qulonglong accountId);
     Q_SCRIPTABLE qulonglong provisionPolicy(qulonglong accountId);
     Q_SCRIPTABLE qulonglong getOofState(qulonglong accountId);
     Q_SCRIPTABLE qulonglong setOofState(qulonglong accountId, bool enabled, bool timeRangeEnabled,
@@ -82,7 +91,6 @@ public Q_SLOTS:
         bool externalMessageEnabled, bool externalMessageToAnyone, const QString &externalMessage);
     Q_SCRIPTABLE qulonglong attendeesAvailable(qulonglong accountId, const QString &emailAddresses,
         const QString &startTime, const QString &endTime);
-    Q_SCRIPTABLE int protocolVersion(qulonglong accountId);
     Q_SCRIPTABLE qulonglong searchMessages(qulonglong accountId, const QString &folderId,
         const QString &dateFrom, const QString &dateTo, const QString &bodyText, qulonglong limit);
     Q_SCRIPTABLE qulonglong searchGAL(qulonglong accountId, const QString &queryString, int rangeMin,
@@ -132,6 +140,7 @@ private:
     bool mIsServing = false;
     bool mIsHasty = false;
     int mStatus = 0;
+    int mProtocolVersion = 0x1401;
     std::function<int(qulonglong)> mSender;
     std::function<void(qulonglong, qulonglong)> mSearcher;
     QList<qulonglong> mMatches;
