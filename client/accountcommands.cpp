@@ -3,6 +3,7 @@
 
 #include "client/accountdirectory.h"
 #include "client/accountoptions.h"
+#include "client/accountsettings.h"
 #include "client/commandcontext.h"
 #include "client/credentials.h"
 #include "client/passwordinput.h"

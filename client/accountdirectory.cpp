@@ -3,6 +3,8 @@
 
 #include "accounts/base/accountstore.h"
 #include "accounts/base/wipekeys.h"
+#include "client/accountfields.h"
+#include "client/accountsettings.h"
 #include "client/exitstatus.h"
 #include "client/output.h"
 
@@ -14,84 +16,12 @@
 namespace {
 
 const auto Provider = QStringLiteral("fenneleas");
-const auto MailServiceType = QStringLiteral("e-mail");
-
-const auto Host = QStringLiteral("connection/server_address");
-const auto GlobalHost = QStringLiteral("network/server_address");
-const auto UserName = QStringLiteral("default_credentials_username");
-const auto EmailAddress = QStringLiteral("connection/emailaddress");
-const auto PreferredVersion = QStringLiteral("connection/preferred_protocol_version");
-const auto FolderPolicy = QStringLiteral("folderSyncPolicy");
-const auto PastTime = QStringLiteral("sync_past_time");
 const auto CredentialsId = QStringLiteral("CredentialsId");
-const auto Port = QStringLiteral("connection/port");
-const auto Secure = QStringLiteral("connection/secure_connection");
-const auto AcceptAll = QStringLiteral("connection/accept_all_certificates");
-const auto Domain = QStringLiteral("connection/domain");
 const auto NeedUpdate = QStringLiteral("CredentialsNeedUpdate");
 const auto SyncLocal = QStringLiteral("sync_local");
 const auto UpdateCounter = QStringLiteral("credentials_update_counter");
 
-struct ServiceName
-{
-    const char *name;
-    const char *service;
-};
-
-constexpr ServiceName Services[] = {
-    { "mail", "fenneleas-email" },
-    { "calendar", "fenneleas-calendars" },
-    { "contacts", "fenneleas-contacts" },
-};
-
-struct FolderChoice
-{
-    const char *word;
-    const char *policy;
-};
-
-constexpr FolderChoice FolderChoices[] = {
-    { "all", "ignore-flags" },
-    { "inbox", "inbox-only" },
-    { "marked", "follow-flags" },
-};
-
-/** The word for a policy; the policy itself if it is another program's. */
-QString folderWord(const QString &policy)
-{
-    for (const FolderChoice &choice : FolderChoices) {
-        if (policy == QLatin1String(choice.policy))
-            return QLatin1String(choice.word);
-    }
-    return policy;
-}
-
-QString folderPolicy(const QString &word)
-{
-    for (const FolderChoice &choice : FolderChoices) {
-        if (word == QLatin1String(choice.word))
-            return QLatin1String(choice.policy);
-    }
-    return word;
-}
-
 } // namespace
-
-QStringList AccountDirectory::folderChoices()
-{
-    QStringList words;
-    for (const FolderChoice &choice : FolderChoices)
-        words.append(QLatin1String(choice.word));
-    return words;
-}
-
-QStringList AccountDirectory::serviceNames()
-{
-    QStringList names;
-    for (const ServiceName &service : Services)
-        names.append(QLatin1String(service.name));
-    return names;
-}
 
 AccountDirectory::AccountDirectory()
 {
@@ -125,11 +55,11 @@ QList<EasAccountId> AccountDirectory::accounts() const
 
 QStringList AccountDirectory::namesOf(EasAccountId id) const
 {
-    const auto account = load(id);
-    if (!account)
+    const QJsonObject account = describe(id);
+    if (account.isEmpty())
         return {};
-    account->selectService();
-    return { account->displayName(), account->valueAsString(EmailAddress) };
+    return { account.value(QStringLiteral("name")).toString(),
+        account.value(QStringLiteral("address")).toString() };
 }
 
 int AccountDirectory::find(const QString &wanted, EasAccountId *id) const
@@ -175,29 +105,8 @@ int AccountDirectory::find(const QString &wanted, EasAccountId *id) const
 
 QJsonObject AccountDirectory::describe(EasAccountId id) const
 {
-    QJsonObject object;
     const auto account = load(id);
-    if (!account)
-        return object;
-    account->selectService();
-    object[QStringLiteral("id")] = QString::number(id);
-    object[QStringLiteral("name")] = account->displayName();
-    object[QStringLiteral("user")] = account->valueAsString(UserName);
-    object[QStringLiteral("address")] = account->valueAsString(EmailAddress);
-    object[QStringLiteral("versions")] = account->valueAsString(QStringLiteral("last_known_versions"));
-    object[QStringLiteral("protocolVersion")] = account->valueAsString(PreferredVersion);
-    object[QStringLiteral("folders")] = folderWord(account->valueAsString(FolderPolicy));
-    object[QStringLiteral("enabled")] = account->enabled();
-    object[QStringLiteral("services")] = QJsonArray::fromStringList(enabledServices(*account));
-    account->selectService(mailService(*account));
-    object[QStringLiteral("server")] = account->valueAsString(Host);
-    object[QStringLiteral("port")] = account->valueAsInt(Port);
-    object[QStringLiteral("secure")] = account->valueAsBool(Secure);
-    object[QStringLiteral("domain")] = account->valueAsString(Domain);
-    object[QStringLiteral("acceptAll")] = account->valueAsBool(AcceptAll);
-    object[QStringLiteral("pastTime")] = account->valueAsInt(PastTime);
-    object[QStringLiteral("blocked")] = account->valueAsBool(NeedUpdate);
-    return object;
+    return account ? AccountFields::describe(*mManager, *account) : QJsonObject();
 }
 
 bool AccountDirectory::isEnabled(EasAccountId id) const
@@ -225,7 +134,7 @@ bool AccountDirectory::canAdd(const AccountSettings &settings) const
 {
     if (!usable())
         return false;
-    if (!mManager->service(QLatin1String(Services[0].service)).isValid()) {
+    if (!AccountFields::isProviderInstalled(*mManager)) {
         Output::error(QStringLiteral("the account provider's description is not installed"));
         return false;
     }
@@ -266,7 +175,7 @@ EasAccountId AccountDirectory::add(const AccountSettings &settings, quint32 cred
     account->setValue(QStringLiteral("conflict_policy"), 1);
     account->selectService(mManager->service(QStringLiteral("fenneleas-contacts")));
     account->setValue(SyncLocal, true);
-    apply(*account, settings);
+    AccountFields::apply(*mManager, *account, settings);
     return store(*account) ? account->id() : 0;
 }
 
@@ -275,47 +184,8 @@ bool AccountDirectory::edit(EasAccountId id, const AccountSettings &settings)
     const auto account = load(id);
     if (!account)
         return false;
-    apply(*account, settings);
+    AccountFields::apply(*mManager, *account, settings);
     return store(*account);
-}
-
-void AccountDirectory::apply(Accounts::Account &account, const AccountSettings &settings)
-{
-    const auto put = [&account](const QString &key, const auto &value) {
-        if (value)
-            account.setValue(key, *value);
-    };
-    account.selectService();
-    if (settings.name)
-        account.setDisplayName(*settings.name);
-    put(UserName, settings.userName);
-    put(EmailAddress, settings.emailAddress);
-    put(PreferredVersion, settings.protocolVersion);
-    if (settings.folders)
-        account.setValue(FolderPolicy, folderPolicy(*settings.folders));
-    if (settings.server)
-        account.setValue(GlobalHost, settings.server->host);
-
-    account.selectService(mailService(account));
-    if (settings.server) {
-        account.setValue(Host, settings.server->host);
-        account.setValue(Port, settings.server->port);
-        account.setValue(Secure, settings.server->isSecure);
-    }
-    put(AcceptAll, settings.acceptAllCertificates);
-    put(Domain, settings.domain);
-    put(PastTime, settings.pastTime);
-    // The sender of new messages, as the device's mail applications read it.
-    put(QStringLiteral("emailaddress"), settings.emailAddress);
-    if (settings.name != settings.emailAddress)
-        put(QStringLiteral("fullName"), settings.name);
-
-    for (const ServiceName &known : Services) {
-        if (!settings.services)
-            continue;
-        account.selectService(mManager->service(QLatin1String(known.service)));
-        account.setEnabled(settings.services->contains(QLatin1String(known.name)));
-    }
 }
 
 bool AccountDirectory::setEnabled(EasAccountId id, bool enabled)
@@ -353,17 +223,12 @@ quint32 AccountDirectory::credentialsId(EasAccountId id) const
 
 QString AccountDirectory::userName(EasAccountId id) const
 {
-    const auto account = load(id);
-    return account ? account->valueAsString(UserName) : QString();
+    return describe(id).value(QStringLiteral("user")).toString();
 }
 
 QString AccountDirectory::emailAddress(EasAccountId id) const
 {
-    const auto account = load(id);
-    if (!account)
-        return {};
-    account->selectService();
-    return account->valueAsString(EmailAddress);
+    return describe(id).value(QStringLiteral("address")).toString();
 }
 
 bool AccountDirectory::credentialsChanged(EasAccountId id, quint32 credentialsId)
@@ -373,7 +238,7 @@ bool AccountDirectory::credentialsChanged(EasAccountId id, quint32 credentialsId
         return false;
     account->selectService();
     account->setValue(CredentialsId, credentialsId);
-    account->selectService(mailService(*account));
+    account->selectService(AccountFields::mailService(*account));
     account->setValue(NeedUpdate, false);
     account->setValue(UpdateCounter, account->valueAsInt(UpdateCounter) + 1);
     return store(*account);
@@ -383,23 +248,6 @@ std::unique_ptr<Accounts::Account> AccountDirectory::load(EasAccountId id) const
 {
     return std::unique_ptr<Accounts::Account>(
         Accounts::Account::fromId(mManager.get(), Accounts::AccountId(id)));
-}
-
-QStringList AccountDirectory::enabledServices(Accounts::Account &account) const
-{
-    QStringList names;
-    for (const ServiceName &service : Services) {
-        account.selectService(mManager->service(QLatin1String(service.service)));
-        if (account.enabled())
-            names.append(QLatin1String(service.name));
-    }
-    account.selectService();
-    return names;
-}
-
-Accounts::Service AccountDirectory::mailService(const Accounts::Account &account)
-{
-    return account.services(MailServiceType).value(0);
 }
 
 bool AccountDirectory::store(Accounts::Account &account)

@@ -10,32 +10,8 @@
 
 #include <functional>
 #include <memory>
-#include <optional>
 
-/** Where a server is. */
-struct ServerAddress
-{
-    QString host;
-    int port = 0;
-    bool isSecure = true;
-};
-
-/** What the user tells of an account; what is not told stays as it is. */
-struct AccountSettings
-{
-    std::optional<QString> name;
-    std::optional<QString> emailAddress;
-    std::optional<QString> userName;
-    std::optional<QString> domain;
-    std::optional<ServerAddress> server;
-    std::optional<bool> acceptAllCertificates;
-    std::optional<QString> protocolVersion;
-    /** "all", "inbox" or "marked". */
-    std::optional<QString> folders;
-    std::optional<int> pastTime;
-    /** Of "mail", "calendar" and "contacts". */
-    std::optional<QStringList> services;
-};
+struct AccountSettings;
 
 /**
  * The engine's accounts in the account store: finds, describes, adds, switches and removes them. On the
@@ -48,12 +24,6 @@ public:
 
     /** False, after an error was printed, if the account store does not work. */
     bool usable() const;
-
-    /** What an account can synchronise, by the names that the command line uses. */
-    static QStringList serviceNames();
-
-    /** Which of an account's mail folders can be synchronised, by the words of the command line. */
-    static QStringList folderChoices();
 
     QList<EasAccountId> accounts() const;
     /**
@@ -89,9 +59,6 @@ public:
 private:
     std::unique_ptr<Accounts::Account> load(EasAccountId id) const;
     QStringList namesOf(EasAccountId id) const;
-    QStringList enabledServices(Accounts::Account &account) const;
-    void apply(Accounts::Account &account, const AccountSettings &settings);
-    static Accounts::Service mailService(const Accounts::Account &account);
     static bool store(Accounts::Account &account);
 
     std::shared_ptr<Accounts::Manager> mManager;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "client/accountoptions.h"
 
+#include "client/accountfields.h"
 #include "client/commandcontext.h"
 
 #include <QUrl>
@@ -61,7 +62,7 @@ bool AccountOptions::read(AccountSettings *settings) const
         return false;
     if (settings->folders
         && !CommandContext::isOneOf(
-            *settings->folders, AccountDirectory::folderChoices(), QStringLiteral("--folders")))
+            *settings->folders, AccountFields::folderChoices(), QStringLiteral("--folders")))
         return false;
     if (settings->userName && settings->userName->isEmpty())
         return refuse(QStringLiteral("--user needs a name"));
@@ -100,12 +101,12 @@ bool AccountOptions::readServices(AccountSettings *settings) const
     if (!mParser.isSet(Without))
         return true;
     const QStringList without = mParser.values(Without);
-    QStringList left = AccountDirectory::serviceNames();
+    QStringList left = AccountFields::serviceNames();
     for (const QString &name : without) {
         // "nothing" gives an account all of them back.
         if (name == QLatin1String("nothing"))
             continue;
-        if (!CommandContext::isOneOf(name, AccountDirectory::serviceNames(), QStringLiteral("--without")))
+        if (!CommandContext::isOneOf(name, AccountFields::serviceNames(), QStringLiteral("--without")))
             return false;
         left.removeAll(name);
     }
@@ -127,9 +128,9 @@ bool AccountOptions::complete(const QString &emailAddress, AccountSettings *sett
     settings->userName = settings->userName.value_or(emailAddress);
     settings->domain = settings->domain.value_or(QString());
     settings->protocolVersion = settings->protocolVersion.value_or(QString());
-    settings->folders = settings->folders.value_or(AccountDirectory::folderChoices().first());
+    settings->folders = settings->folders.value_or(AccountFields::folderChoices().first());
     settings->pastTime = settings->pastTime.value_or(0);
     settings->acceptAllCertificates = settings->acceptAllCertificates.value_or(false);
-    settings->services = settings->services.value_or(AccountDirectory::serviceNames());
+    settings->services = settings->services.value_or(AccountFields::serviceNames());
     return true;
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
-#include "client/accountdirectory.h"
+#include "client/accountsettings.h"
 
 #include <QCommandLineParser>
 
