@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "internal/contactsengine.h"
 
+#include "internal/changelists.h"
+#include "internal/contactedits.h"
 #include "internal/contactids.h"
 #include "internal/contactsync.h"
 #include "internal/detailcodec.h"
@@ -237,58 +239,13 @@ bool ContactsEngine::saveContacts(QList<QContact> *contacts,
     Error refused = QContactManager::NoError;
     const bool committed = commit(error, [&](ContactChanges &changes) {
         for (int i = 0; i < contacts->size(); ++i)
-            noteFirst(errorMap, &refused, i, save(&(*contacts)[i], typeMask, changes));
+            noteFirst(errorMap, &refused, i,
+                ContactEdits(mContacts, mCollections, changes).save((*contacts)[i], typeMask));
         return QContactManager::NoError;
     });
     if (committed)
         *error = refused;
     return *error == QContactManager::NoError;
-}
-
-ContactsEngine::Error ContactsEngine::save(
-    QContact *contact, const QList<QContactDetail::DetailType> &typeMask, ContactChanges &changes)
-{
-    const Error error = DetailCodec::check(*contact);
-    if (error != QContactManager::NoError)
-        return error;
-    quint64 collection = ContactIds::number(contact->collectionId());
-    if (contact->id().isNull()) {
-        if (collection == 0)
-            collection = ContactIds::localCollection;
-        if (collection == ContactIds::aggregateCollection || !mCollections.exists(collection))
-            return QContactManager::BadArgumentError;
-        if (!mContacts.insert(contact, collection, ContactTable::Local))
-            return QContactManager::UnspecifiedError;
-        changes.add(ContactChanges::ContactsAdded, ContactIds::number(contact->id()));
-    } else {
-        const quint64 number = ContactIds::number(contact->id());
-        QContact merged = mContacts.contact(number);
-        if (merged.id().isNull())
-            return QContactManager::DoesNotExistError;
-        const quint64 present = ContactIds::number(merged.collectionId());
-        if (collection != 0 && collection != present)
-            return QContactManager::BadArgumentError;
-        collection = present;
-        if (typeMask.isEmpty()) {
-            merged = *contact;
-        } else {
-            for (const QContactDetail::DetailType type : typeMask) {
-                const QList<QContactDetail> old = merged.details(type);
-                for (QContactDetail detail : old)
-                    merged.removeDetail(&detail, QContact::IgnoreAccessConstraints);
-                const QList<QContactDetail> now = contact->details(type);
-                for (QContactDetail detail : now)
-                    merged.saveDetail(&detail, QContact::IgnoreAccessConstraints);
-            }
-        }
-        if (!mContacts.update(merged, ContactTable::Local))
-            return QContactManager::UnspecifiedError;
-        changes.add(ContactChanges::ContactsChanged, number);
-    }
-    // What the store has made of it: times, label, flags.
-    *contact = mContacts.contact(ContactIds::number(contact->id()));
-    changes.add(ContactChanges::CollectionContactsChanged, collection);
-    return QContactManager::NoError;
 }
 
 bool ContactsEngine::removeContacts(
@@ -297,27 +254,13 @@ bool ContactsEngine::removeContacts(
     Error refused = QContactManager::NoError;
     const bool committed = commit(error, [&](ContactChanges &changes) {
         for (int i = 0; i < contactIds.size(); ++i)
-            noteFirst(errorMap, &refused, i, remove(contactIds.at(i), changes));
+            noteFirst(errorMap, &refused, i,
+                ContactEdits(mContacts, mCollections, changes).remove(contactIds.at(i)));
         return QContactManager::NoError;
     });
     if (committed)
         *error = refused;
     return *error == QContactManager::NoError;
-}
-
-ContactsEngine::Error ContactsEngine::remove(const QContactId &id, ContactChanges &changes)
-{
-    const quint64 number = ContactIds::number(id);
-    const quint64 collection = mContacts.collectionOf(number);
-    if (collection == 0)
-        return QContactManager::DoesNotExistError;
-    // The device's own address book is not synchronised, so no flags of it are ever cleared.
-    const bool isLocal = collection == ContactIds::localCollection;
-    if (!(isLocal ? mContacts.purge(number) : mContacts.remove(number, ContactTable::Local)))
-        return QContactManager::UnspecifiedError;
-    changes.add(ContactChanges::ContactsRemoved, number);
-    changes.add(ContactChanges::CollectionContactsChanged, collection);
-    return QContactManager::NoError;
 }
 
 bool ContactsEngine::validateContact(const QContact &contact, Error *error) const
@@ -362,15 +305,7 @@ bool ContactsEngine::saveCollection(QContactCollection *collection, Error *error
         return false;
     }
     return commit(error, [&](ContactChanges &changes) {
-        const bool added = collection->id().isNull();
-        if (!added && !mCollections.exists(ContactIds::number(collection->id())))
-            return QContactManager::DoesNotExistError;
-        if (!(added ? mCollections.insert(collection, CollectionTable::Local)
-                    : mCollections.update(*collection, CollectionTable::Local)))
-            return QContactManager::UnspecifiedError;
-        changes.add(added ? ContactChanges::CollectionsAdded : ContactChanges::CollectionsChanged,
-            ContactIds::number(collection->id()));
-        return QContactManager::NoError;
+        return ContactEdits(mContacts, mCollections, changes).saveCollection(*collection);
     });
 }
 
@@ -402,29 +337,6 @@ bool ContactsEngine::clearChangeFlags(const QContactCollectionId &collectionId, 
             .clearCollectionFlags(ContactIds::number(collectionId));
     });
 }
-
-namespace {
-
-/** Deleted beats added beats modified. */
-template <typename Item> struct ChangeLists
-{
-    QList<Item> *added;
-    QList<Item> *modified;
-    QList<Item> *deleted;
-    QList<Item> *unmodified;
-
-    void sortIn(const Item &item, int flags) const
-    {
-        QList<Item> *list = flags & QContactStatusFlags::IsDeleted ? deleted
-            : flags & QContactStatusFlags::IsAdded                 ? added
-            : flags & QContactStatusFlags::IsModified              ? modified
-                                                                   : unmodified;
-        if (list)
-            list->append(item);
-    }
-};
-
-} // namespace
 
 bool ContactsEngine::fetchCollectionChanges(int accountId, const QString &applicationName,
     QList<QContactCollection> *added, QList<QContactCollection> *modified, QList<QContactCollection> *deleted,
@@ -470,22 +382,7 @@ bool ContactsEngine::storeChanges(QHash<QContactCollection *, QList<QContact> *>
     const ContactSync::ContactsByCollection modified =
         modifiedCollections ? *modifiedCollections : ContactSync::ContactsByCollection();
     return commit(error, [&](ContactChanges &changes) {
-        ContactSync sync(mContacts, mCollections, changes);
-        Error result = sync.storeAdded(added);
-        if (result == QContactManager::NoError)
-            result = sync.storeModified(modified);
-        for (int i = 0; i < deletedCollections.size() && result == QContactManager::NoError; ++i)
-            result = sync.removeCollection(ContactIds::number(deletedCollections.at(i)));
-
-        QList<QContactCollectionId> touched;
-        for (const QContactCollection *collection : added.keys() + modified.keys())
-            touched.append(collection->id());
-        if (!clearChangeFlags)
-            touched.clear();
-        // Nothing is left to be told of collections that are removed here.
-        touched += deletedCollections;
-        for (int i = 0; i < touched.size() && result == QContactManager::NoError; ++i)
-            result = sync.clearCollectionFlags(ContactIds::number(touched.at(i)));
-        return result;
+        return ContactSync(mContacts, mCollections, changes)
+            .store(added, modified, deletedCollections, clearChangeFlags);
     });
 }

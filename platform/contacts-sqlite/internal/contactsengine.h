@@ -79,9 +79,6 @@ private:
     void leaveList();
     /** One transaction: committed and told if the work gives no error. */
     bool commit(Error *error, const Work &work);
-    Error save(QContact *contact, const QList<QtContacts::QContactDetail::DetailType> &typeMask,
-        ContactChanges &changes);
-    Error remove(const QContactId &id, ContactChanges &changes);
     /** Of what was read last. */
     Error readError() const;
     void onTold(const ContactChanges &changes);

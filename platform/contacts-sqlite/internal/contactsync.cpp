@@ -15,6 +15,27 @@ ContactSync::ContactSync(ContactTable &contacts, CollectionTable &collections, C
 {
 }
 
+ContactSync::Error ContactSync::store(const ContactsByCollection &added, const ContactsByCollection &modified,
+    const QList<QContactCollectionId> &deleted, bool clearsFlags)
+{
+    Error result = storeAdded(added);
+    if (result == QContactManager::NoError)
+        result = storeModified(modified);
+    for (int i = 0; i < deleted.size() && result == QContactManager::NoError; ++i)
+        result = removeCollection(ContactIds::number(deleted.at(i)));
+
+    QList<QContactCollectionId> touched;
+    if (clearsFlags) {
+        for (const QContactCollection *collection : added.keys() + modified.keys())
+            touched.append(collection->id());
+    }
+    // Nothing is left to be told of collections that are removed here.
+    touched += deleted;
+    for (int i = 0; i < touched.size() && result == QContactManager::NoError; ++i)
+        result = clearCollectionFlags(ContactIds::number(touched.at(i)));
+    return result;
+}
+
 ContactSync::Error ContactSync::storeAdded(const ContactsByCollection &collections)
 {
     for (auto it = collections.cbegin(); it != collections.cend(); ++it) {

@@ -19,13 +19,16 @@ public:
 
     ContactSync(ContactTable &contacts, CollectionTable &collections, ContactChanges &changes);
 
-    Error storeAdded(const ContactsByCollection &collections);
-    Error storeModified(const ContactsByCollection &collections);
+    /** All of it or, with an error, something that is not to be committed. */
+    Error store(const ContactsByCollection &added, const ContactsByCollection &modified,
+        const QList<QtContacts::QContactCollectionId> &deleted, bool clearsFlags);
     Error removeCollection(quint64 number);
     /** Of the collection and its contacts; purges what is deleted. */
     Error clearCollectionFlags(quint64 number);
 
 private:
+    Error storeAdded(const ContactsByCollection &collections);
+    Error storeModified(const ContactsByCollection &collections);
     Error insert(QtContacts::QContact contact, quint64 collection, QList<QtContacts::QContact> *stored);
     Error update(
         const QtContacts::QContact &contact, quint64 collection, QList<QtContacts::QContact> *stored);
