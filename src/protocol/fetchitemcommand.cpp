@@ -123,6 +123,14 @@ void FetchItemCommand::encodeFileReference(WbxmlEncoder &encoder) const
     encoder.setCurrentNodeToParent();
 }
 
+Lookup<QString> FetchItemCommand::collectionIdOf(
+    MailStorage &storage, quint64 localId, const QString &serverId) const
+{
+    const Lookup<QString> synchronised =
+        EasDatabase::instance()->collectionServerIdFromEmailItemId(accountId(), serverId);
+    return synchronised && synchronised->isEmpty() ? storage.collectionIdOfResult(localId) : synchronised;
+}
+
 bool FetchItemCommand::encodeMessages(EasAccount &account, WbxmlEncoder &encoder) const
 {
     const QSharedPointer<MailStorage> storage = account.mailStorage();
@@ -132,14 +140,13 @@ bool FetchItemCommand::encodeMessages(EasAccount &account, WbxmlEncoder &encoder
     }
     for (const quint64 localId : mLocalIds) {
         const QString serverId = storage->serverUidFromMessageId(localId);
-        const Lookup<QString> collectionId =
-            EasDatabase::instance()->collectionServerIdFromEmailItemId(accountId(), serverId);
+        const Lookup<QString> collectionId = collectionIdOf(*storage, localId, serverId);
         if (!collectionId)
             return false;
         encoder.appendElement(ItemOperations::Fetch, true);
         encoder.appendTextElement(ItemOperations::Store, mStore);
         if (collectionId->isEmpty()) {
-            // In no folder that is known: a search result.
+            // In no folder that is known: a search result with a long identifier.
             encoder.appendTextElement(Search::LongId, serverId);
         } else {
             encoder.appendTextElement(AirSync::CollectionId, *collectionId);

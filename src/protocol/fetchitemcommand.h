@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
+#include "application/base/lookup.h"
 #include "easitems/itemoperationsfetchitem.h"
 #include "protocol/baseprotocolcommand.h"
 
@@ -8,6 +9,7 @@
 #include <QHash>
 #include <QList>
 
+class MailStorage;
 class WbxmlEncoder;
 
 /**
@@ -76,6 +78,8 @@ protected:
 private:
     void encodeFileReference(WbxmlEncoder &encoder) const;
     bool encodeMessages(EasAccount &account, WbxmlEncoder &encoder) const;
+    /** The folder on the server; empty for a result of a search that only has a long identifier. */
+    Lookup<QString> collectionIdOf(MailStorage &storage, quint64 localId, const QString &serverId) const;
     bool processParts(const QByteArray &data);
 
     int mRangeStart = -1;

@@ -79,10 +79,10 @@ void ServerSearchRequest::onCommandFinished(bool success)
     if (isOfStore(status()))
         handleStore(status());
     else if (!handleStatus(status(), statuses()))
-        completeUnread(success);
+        endUnhandled(success);
 }
 
-void ServerSearchRequest::completeUnread(bool success)
+void ServerSearchRequest::endUnhandled(bool success)
 {
     if (success)
         qCCritical(eas()) << "Unhandled Search status: " << status();

@@ -86,7 +86,7 @@ private:
     void handleStore(int storeStatus);
     void startFolderSyncRequest();
     void onFolderSyncRequestCompleted(quint64 requestId);
-    void completeUnread(bool success);
+    void endUnhandled(bool success);
     void fail();
     bool deliver();
     bool deliverMessages();

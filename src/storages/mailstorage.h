@@ -91,6 +91,11 @@ public:
     virtual EasItemsCommon::TBoolean isAttachmentPart(quint64 messageId, const QString &location) = 0;
     virtual QString fileReferenceFromLocation(quint64 messageId, const QString &location) = 0;
     virtual QString serverUidFromMessageId(quint64 messageId) = 0;
+    /**
+     * The folder on the server of a message that a search has found and that is known by its place there;
+     * empty for all others, also for results that have a long identifier.
+     */
+    virtual Lookup<QString> collectionIdOfResult(quint64) { return QString(); }
     virtual int estimatedDataSizeFromLocation(quint64 messageId, const QString &location) = 0;
     /** Stores what was fetched for several attachments of a message, and writes the message once. */
     virtual bool updateMessageParts(quint64 messageId, const QList<MessagePartContent> &parts) = 0;

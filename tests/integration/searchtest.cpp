@@ -197,6 +197,26 @@ private Q_SLOTS:
         QVERIFY(isResult(found.ids.constFirst()));
     }
 
+    void aResultOfAFindCanBeReadWhole()
+    {
+        QVERIFY(start(QStringLiteral("16.1")));
+        const QString text = QStringLiteral("plan ") + QString(1000, QLatin1Char('x'));
+        deliver(QStringLiteral("long"), text);
+        const ServerSearches::Result found = mSearches->find(QStringLiteral("long"));
+        QCOMPARE(found.ids.size(), 1);
+        QVERIFY(isResult(found.ids.constFirst()));
+        QCOMPARE(mBed->downloadMessages({ found.ids.constFirst() }, false), 0);
+        const QMailMessage message { QMailMessageId(found.ids.constFirst()) };
+        const QMailMessagePartContainer *const plain = message.findPlainTextContainer();
+        QVERIFY(plain);
+        QCOMPARE(plain->body().data().trimmed(), text);
+        // It is still a result, and becomes the message of its folder with the next sync.
+        QVERIFY(isResult(found.ids.constFirst()));
+        QCOMPARE(mBed->sync(), 0);
+        QVERIFY(!isResult(found.ids.constFirst()));
+        QCOMPARE(mBed->deviceState(), mBed->serverState());
+    }
+
     void mailIsSearchedByFolderAndTime()
     {
         QVERIFY(start(QStringLiteral("14.1")));

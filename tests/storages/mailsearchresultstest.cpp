@@ -89,6 +89,21 @@ private Q_SLOTS:
         QVERIFY(!message.restoreFolderId().isValid());
     }
 
+    void aResultWithoutALongIdentifierIsKnownByItsFolder()
+    {
+        MailFixture mail;
+        const QMailFolderId inbox = mail.addFolder("5", EasFolderItem::DefaultInboxFolder);
+        const QMailMessageId synchronised = mail.addMessage(mail.item("5:1", "5"));
+        QList<EasEmailItem> items { mail.item("5:2", "5"), hit(mail, QStringLiteral("long"), "5"),
+            mail.item("5:1", "5") };
+        QList<quint64> ids;
+        QVERIFY(MailSearchResults(mail.context).add(items, ids));
+        QCOMPARE(MailSearchResults::folderOf(mail.context, ids.at(0)), inbox);
+        QVERIFY(!MailSearchResults::folderOf(mail.context, ids.at(1)).isValid());
+        QCOMPARE(ids.at(2), synchronised.toULongLong());
+        QVERIFY(!MailSearchResults::folderOf(mail.context, ids.at(2)).isValid());
+    }
+
     void whatTheUserDoesToAResultStaysOnTheDevice()
     {
         MailFixture mail;

@@ -11,6 +11,13 @@
 
 #include <QHash>
 
+namespace {
+
+/** The custom field of a result that the server knows by its folder and its identifier there. */
+const QString foundByPlace = QStringLiteral("X-Fennel-EAS-FoundByPlace");
+
+} // namespace
+
 MailSearchResults::MailSearchResults(const MailStoreContext &context)
     : mContext(context)
     , mAdder(context)
@@ -59,7 +66,17 @@ std::unique_ptr<QMailMessage> MailSearchResults::messageFor(
         return nullptr;
     message->setStatus(QMailMessage::Temporary, true);
     message->setRestoreFolderId(QMailFolderId(item.localCollectionId()));
+    if (item.longId().isEmpty())
+        message->setCustomField(foundByPlace, QStringLiteral("1"));
     return message;
+}
+
+QMailFolderId MailSearchResults::folderOf(const MailStoreContext &context, quint64 messageId)
+{
+    const QMailMessageMetaData message = context.store->messageMetaData(QMailMessageId(messageId));
+    const bool isResult = message.status() & QMailMessage::Temporary;
+    return isResult && !message.customField(foundByPlace).isEmpty() ? message.restoreFolderId()
+                                                                    : QMailFolderId();
 }
 
 bool MailSearchResults::removeEarlier(const QList<EasEmailItem> &items) const

@@ -25,6 +25,9 @@ public:
      */
     bool add(QList<EasEmailItem> &items, QList<quint64> &ids);
 
+    /** The folder in which the server has a result without a long identifier; invalid for other messages. */
+    static QMailFolderId folderOf(const MailStoreContext &context, quint64 messageId);
+
 private:
     bool removeEarlier(const QList<EasEmailItem> &items) const;
     /** Null, logged, if it cannot be built. */

@@ -313,6 +313,17 @@ int MailStorageImpl::estimatedDataSizeFromLocation(quint64 messageId, const QStr
     return storeAvailable() ? MailMessageParts(mContext).estimatedSize(messageId, location) : 0;
 }
 
+Lookup<QString> MailStorageImpl::collectionIdOfResult(quint64 messageId)
+{
+    const QMailFolderId folder =
+        storeAvailable() ? MailSearchResults::folderOf(mContext, messageId) : QMailFolderId();
+    if (!folder.isValid())
+        return QString();
+    const Lookup<EasFolderItem> item = EasDatabase::instance()->folderItemByLocalId(
+        mContext.accountId(), QString::number(folder.toULongLong()));
+    return item ? Lookup<QString>(item->serverId()) : Lookup<QString>::unread();
+}
+
 QString MailStorageImpl::serverUidFromMessageId(quint64 messageId)
 {
     if (!storeAvailable())

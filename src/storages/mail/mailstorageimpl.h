@@ -71,6 +71,7 @@ public:
     EasItemsCommon::TBoolean isAttachmentPart(quint64 messageId, const QString &location) override;
     QString fileReferenceFromLocation(quint64 messageId, const QString &location) override;
     QString serverUidFromMessageId(quint64 messageId) override;
+    Lookup<QString> collectionIdOfResult(quint64 messageId) override;
     int estimatedDataSizeFromLocation(quint64 messageId, const QString &location) override;
     bool cleanUpFolder(const EasFolderItem &folder) override;
     Lookup<QList<EasFolderItem>> foldersToSynchronize() override;
