@@ -117,8 +117,8 @@ int main(int argc, char **argv)
         QStringLiteral("messages"), QStringLiteral("Messages in the Inbox."), number, none);
     const QCommandLineOption events(
         QStringLiteral("events"), QStringLiteral("Events in the Calendar."), number, none);
-    const QCommandLineOption contacts(
-        QStringLiteral("contacts"), QStringLiteral("Contacts in Contacts."), number, none);
+    const QCommandLineOption contacts(QStringLiteral("contacts"),
+        QStringLiteral("Contacts in Contacts and in the address list."), number, none);
     const QCommandLineOption recordTo(
         QStringLiteral("record"), QStringLiteral("Keep the answers there at the end."), file);
     const QCommandLineOption replayFrom(
@@ -146,6 +146,10 @@ int main(int argc, char **argv)
         fillAsAsked(mailbox);
     for (int user = 2; user <= parser.value(users).toInt(); ++user)
         fillAsAsked(server.addUser(QStringLiteral("bench%1").arg(user), password));
+    server.changeDirectory([&](Directory &directory) {
+        for (int i = 0; i < parser.value(contacts).toInt(); ++i)
+            directory.add(Person::fromContact(MailboxItems::contact(i)));
+    });
     if (parser.isSet(megabytes))
         mailbox.deliver(mailbox.inboxId(), MailboxItems::messageWithFile(parser.value(megabytes).toInt()));
     if (parser.isSet(heartbeat))
