@@ -291,11 +291,9 @@ void ClientCalls::onSearchGALRequest(EasAccountId accountId, const QString &quer
                   << ", rangeMin: " << rangeMin << ", rangeMax: " << rangeMax
                   << ", rebuildResults: " << rebuildResults << ", deepTraversal: " << deepTraversal
                   << ", requestId: " << requestId;
-    if (queryString.isEmpty()) {
-        qCWarning(eas()) << "A directory search without a text";
-        return Q_EMIT searchGALFinished(
-            accountId, requestId, EasRequestStatus::RequestStatusBadRequest, 0, {});
-    }
+    const int refusal = SearchAssembly::acceptPeople(queryString);
+    if (refusal != EasRequestStatus::RequestStatusSuccess)
+        return Q_EMIT searchGALFinished(accountId, requestId, refusal, 0, {});
     auto *const request = new GalSearchRequest(accountId, requestId, queryString, this);
     request->setOptions(SearchAssembly::directoryOptions(rangeMin, rangeMax, rebuildResults, deepTraversal));
     processNewSearchRequest(request, [this, request](EasAccountId account, qulonglong id, int status) {

@@ -67,6 +67,11 @@ QSharedPointer<AirSyncBasePreference> preference(EasBodyContainer::BodyType type
 
 } // namespace
 
+int SearchAssembly::acceptPeople(const QString &text)
+{
+    return text.isEmpty() ? refuse("A directory search without a text") : Sound;
+}
+
 int SearchAssembly::mailQuery(EasAccountId accountId, const MailSearch &search, SearchQuery *query)
 {
     QString folder;
@@ -121,8 +126,10 @@ int SearchAssembly::findQuery(EasAccountId accountId, const QString &folderId, c
     query->kind = FindCommand::Type(searchType);
     query->freeText = text;
     const int limitStatus = acceptLimit(limit);
-    if (limitStatus != Sound || query->kind == FindCommand::AddressList)
+    if (limitStatus != Sound)
         return limitStatus;
+    if (query->kind == FindCommand::AddressList)
+        return acceptPeople(text);
     return translateFolder(accountId, folderId, &query->collectionId);
 }
 

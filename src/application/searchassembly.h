@@ -31,6 +31,8 @@ int mailQuery(EasAccountId accountId, const MailSearch &search, SearchQuery *que
 /** The form of the results: a short text or the MIME of each message. */
 SearchOptions mailOptions(qulonglong limit);
 
+/** What people are looked for by must not be empty. */
+int acceptPeople(const QString &text);
 /** People with their pictures. */
 SearchOptions directoryOptions(int rangeMin, int rangeMax, bool rebuildResults, bool deepTraversal);
 

@@ -262,7 +262,10 @@ private Q_SLOTS:
     void peopleOfNoNameAreRefused()
     {
         mBed->manager->onSearchGALRequest(Account, {}, 0, 9, false, false, 7);
+        mBed->manager->onFindRequest(Account, {}, {}, 1, 9, 7);
         QCOMPARE(statusOf(*mPeople), -3);
+        QCOMPARE(statusOf(*mFound), -3);
+        QVERIFY(mBed->sent().isEmpty());
     }
 
     void aFindGoesToMailOrPeople()
