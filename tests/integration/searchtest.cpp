@@ -430,6 +430,48 @@ private Q_SLOTS:
         QCOMPARE(mSearches->people(QStringLiteral("user")).status, 0);
     }
 
+    void aMillionResultsAreRefused()
+    {
+        QVERIFY(start(QStringLiteral("14.1")));
+        const auto many = [](Simulator::WbxmlNode &reply) {
+            Simulator::WbxmlNode *const store = reply.find(QStringLiteral("Response/Store"));
+            const Simulator::WbxmlNode result = store->at(QStringLiteral("Result"));
+            QVector<Simulator::WbxmlNode> &children = store->children();
+            for (int i = 0; i < 1000000; ++i)
+                children.append(result);
+        };
+        mBed->server().overrideNext(QStringLiteral("Search"), Override::edited(many));
+        const ServerSearches::Result result = mSearches->mail({ QStringLiteral("plan") });
+        QCOMPARE(result.status, -2);
+        QVERIFY(result.ids.isEmpty());
+        QCOMPARE(mBed->deviceState(), mBed->serverState());
+        QCOMPARE(mSearches->mail({ QStringLiteral("plan") }).status, 0);
+    }
+
+    void aPictureOfAHundredMegabytesIsRefused()
+    {
+        QVERIFY(start(QStringLiteral("14.1")));
+        mBed->server().changeDirectory([](Simulator::Directory &directory) {
+            directory.add(person(0));
+            directory.add(person(1));
+        });
+        const auto largeBy = [](int size) {
+            return Override::edited([size](Simulator::WbxmlNode &reply) {
+                reply.find(QStringLiteral("Response/Store/Result/Properties/GAL:Picture/Data"))
+                    ->setText(QString(size, QLatin1Char('A')));
+            });
+        };
+        mBed->server().overrideNext(QStringLiteral("Search"), largeBy(100 * 1024 * 1024));
+        QCOMPARE(mSearches->people(QStringLiteral("person")).status, -2);
+        // A smaller one is dropped, and its person stays.
+        mBed->server().overrideNext(QStringLiteral("Search"), largeBy(10 * 1024 * 1024));
+        const ServerSearches::Result result = mSearches->people(QStringLiteral("person"));
+        QCOMPARE(result.status, 0);
+        QCOMPARE(result.people.size(), 2);
+        QCOMPARE(result.people.at(0).pictureData(), QString());
+        QCOMPARE(QByteArray::fromBase64(result.people.at(1).pictureData().toLatin1()), picture(1));
+    }
+
     void aReplyThatIsCutIsNoResult()
     {
         QVERIFY(start(QStringLiteral("14.1")));
