@@ -20,18 +20,28 @@ IdentityRemoval::~IdentityRemoval() = default;
 
 void IdentityRemoval::start()
 {
-    mIdentity = SignOn::Identity::existingIdentity(mCredentialsId, this);
-    if (!mIdentity)
-        return end(true);
     if (!SignOnPatience::serviceIsAvailable())
         return onError(
             SignOn::Error(SignOn::Error::ServiceNotAvailable, QStringLiteral("There is no sign-on service")));
+    const auto *const patience = new SignOnPatience(this);
+    connect(patience, &SignOnPatience::exhausted, this, &IdentityRemoval::onError);
+    ask();
+}
+
+void IdentityRemoval::ask()
+{
+    if (mIdentity) {
+        mIdentity->disconnect(this);
+        mIdentity->deleteLater();
+    }
+    mIdentity = SignOn::Identity::existingIdentity(mCredentialsId, this);
+    if (!mIdentity)
+        return end(true);
     connect(mIdentity, &SignOn::Identity::info, this, &IdentityRemoval::onShown);
     connect(mIdentity, &SignOn::Identity::removed, this, [this] { end(true); });
     connect(mIdentity, QOverload<const SignOn::Error &>::of(&SignOn::Identity::error), this,
         &IdentityRemoval::onError);
-    const auto *const patience = new SignOnPatience(this);
-    connect(patience, &SignOnPatience::exhausted, this, &IdentityRemoval::onError);
+    mShown = false;
     mIdentity->queryInfo();
 }
 
@@ -50,6 +60,11 @@ void IdentityRemoval::onError(const SignOn::Error &error)
         return;
     qCWarning(eas()).nospace() << "Received an Identity deletion error: type=" << error.type()
                                << ", message:" << error.message();
+    // The library asks for a shown identity once more at times, and may hear of its end before that of the
+    // removal.
+    const bool isDoubtful = error.type() == SignOn::Error::PermissionDenied && mShown;
+    if (isDoubtful && !std::exchange(mHasAskedAgain, true))
+        return ask();
     end(isGone(error));
 }
 

@@ -32,6 +32,7 @@ Q_SIGNALS:
     void finished(bool removed);
 
 private:
+    void ask();
     void onShown();
     void onError(const SignOn::Error &error);
     /** Whether an error says that there is no such identity any more. */
@@ -41,5 +42,6 @@ private:
     quint32 mCredentialsId;
     SignOn::Identity *mIdentity = nullptr;
     bool mShown = false;
+    bool mHasAskedAgain = false;
     bool mEnded = false;
 };
