@@ -93,6 +93,40 @@ bool replay(ExchangeServer &server, const QString &fileName)
     return stream.status() == QDataStream::Ok;
 }
 
+struct Weather
+{
+    const char *name;
+    Override (*answer)(const Mailbox &mailbox);
+};
+
+Override pingAnswer(int status, const QString &folderId = {})
+{
+    WbxmlNode root(QStringLiteral("Ping:Ping"));
+    root.append(QStringLiteral("Status"), status);
+    if (!folderId.isEmpty())
+        root.append(QStringLiteral("Folders")).append(QStringLiteral("Folder"), folderId);
+    return Override::document(root);
+}
+
+/** What the server has to say to each Ping, for ever. */
+const Weather weathers[] = {
+    { "changed", [](const Mailbox &mailbox) { return pingAnswer(2, mailbox.inboxId()); } },
+    { "at-once", [](const Mailbox &) { return pingAnswer(1); } },
+    { "silent", [](const Mailbox &) { return Override::hang(); } },
+    { "busy", [](const Mailbox &) { return Override::httpStatus(503, { { "Retry-After", "60" } }); } },
+};
+
+bool setWeather(ExchangeServer &server, const Mailbox &mailbox, const std::string &name)
+{
+    for (const Weather &weather : weathers) {
+        if (name == weather.name) {
+            server.overrideAll(QStringLiteral("Ping"), weather.answer(mailbox));
+            return true;
+        }
+    }
+    return false;
+}
+
 void say(const std::string &text)
 {
     std::cout << text << std::endl;
@@ -155,7 +189,11 @@ int main(int argc, char **argv)
     if (parser.isSet(heartbeat))
         server.setHeartbeatLimits(1, parser.value(heartbeat).toInt());
     int requests = 0;
-    QObject::connect(&server, &ExchangeServer::requestReceived, [&requests] { ++requests; });
+    int pings = 0;
+    QObject::connect(&server, &ExchangeServer::requestReceived, [&](const RecordedRequest &request) {
+        ++requests;
+        pings += request.command == QLatin1String("Ping") ? 1 : 0;
+    });
     if (!server.start())
         return fail(QStringLiteral("cannot listen"));
     if (!parser.isSet(recordTo)) {
@@ -175,6 +213,10 @@ int main(int argc, char **argv)
         }
         if (line == "requests")
             return say(std::to_string(requests));
+        if (line == "pings")
+            return say(std::to_string(pings));
+        if (setWeather(server, mailbox, line))
+            return say("ok");
         if (line == "count")
             return say(count(mailbox));
         const QStringList complaints = server.finish();
