@@ -12,6 +12,7 @@
 #include "common/easrequeststatus.h"
 #include "dbus/dbusinterfacethread.h"
 #include "protocol/wbxml/debugtools.h"
+#include "requests/attendeesavailablerequest.h"
 #include "requests/request.h"
 #include "requests/syncrequest.h"
 #include "storages/accountstorage.h"
@@ -28,6 +29,12 @@ constexpr int CheckAccountsDelay = 5000;
 constexpr int QuitDelay = 500;
 
 RequestManager *theInstance = nullptr;
+
+/** Whether clients hear of the end of a request that never got as far as a queue; of others they do not. */
+bool tellsEveryEnd(const Request &request)
+{
+    return request.isProvisioning() || qobject_cast<const AttendeesAvailableRequest *>(&request);
+}
 
 } // namespace
 
@@ -268,8 +275,7 @@ void RequestManager::dropPendingRequests(
         if (request->accountId() != accountId || !matches(*request))
             continue;
         mPendingRequests.removeAll(request);
-        // Of the others that never got as far as a queue clients hear nothing.
-        if (request->isProvisioning())
+        if (tellsEveryEnd(*request))
             request->cancel();
         request->deleteLater();
     }

@@ -472,6 +472,23 @@ private Q_SLOTS:
         QCOMPARE(mFinished->count(), 0);
     }
 
+    void waitingAvailabilityThatIsCancelledIsReported()
+    {
+        mManager->storage->isReadyNow = false;
+        QSignalSpy lists(mManager.data(), &RequestManager::attendeesAvailableDataReady);
+        mManager->onAttendeesAvailableRequest(Account, 5, {}, {}, {});
+        mManager->onAttendeesAvailableRequest(Account, 6, {}, {}, {});
+        mManager->onCancelRequest(Account, 5);
+        QCOMPARE(lists.count(), 1);
+        QCOMPARE(lists.first().at(0).toULongLong(), 5ULL);
+        mManager->onAccountDeleted(Account);
+        QCOMPARE(lists.count(), 2);
+        QCOMPARE(lists.last().at(0).toULongLong(), 6ULL);
+        mManager->storage->becomeReady();
+        QCOMPARE(lists.count(), 2);
+        QCOMPARE(mFinished->count(), 0);
+    }
+
     void waitingRequestsOfADeletedAccountGo()
     {
         mManager->storage->isReadyNow = false;
@@ -590,7 +607,8 @@ private Q_SLOTS:
         QTest::newRow("response below the range") << 0 << 5ULL << QStringLiteral("uid") << -3;
         QTest::newRow("response above the range") << 4 << 5ULL << QStringLiteral("uid") << -3;
         QTest::newRow("nothing to respond to") << 1 << 0ULL << QString() << -3;
-        QTest::newRow("a good one, which the server does not offer") << 3 << 5ULL << QStringLiteral("uid") << -8;
+        QTest::newRow("a good one, which the server does not offer")
+            << 3 << 5ULL << QStringLiteral("uid") << -8;
     }
 
     void meetingResponsesAreChecked()

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "application/requestmanager.h"
-#include "integration/statusscene.h"
+#include "integration/demandscene.h"
 #include "simulator/protocolversion.h"
 #include "support/testmain.h"
 
@@ -41,6 +41,11 @@ private Q_SLOTS:
     void aCancelledOneEndsWithEmptyLists();
     void anAccountThatGoesEndsItWithEmptyLists();
     void aReplyThatIsCutEndsItWithEmptyLists();
+    void itGoesOnOnceThePolicyIsTaken_data();
+    void itGoesOnOnceThePolicyIsTaken();
+    void aRefusedPolicyEndsItWithEmptyLists();
+    void aCancelledProvisioningEndsItWithEmptyLists();
+    void aDemandForEverEndsItWithEmptyLists();
 
 private:
     std::unique_ptr<SyncTestBed> mBed;
@@ -262,6 +267,54 @@ void AvailabilityStatusTest::aReplyThatIsCutEndsItWithEmptyLists()
         QCOMPARE(ask(QStringLiteral("alice@example.com")), QStringList());
     }
     QCOMPARE(ask(QStringLiteral("alice@example.com")), known);
+}
+
+void AvailabilityStatusTest::itGoesOnOnceThePolicyIsTaken_data()
+{
+    QTest::addColumn<int>("demand");
+    for (const int demand : { 142, 143, 144, 449 })
+        QTest::addRow("%d", demand) << demand;
+}
+
+void AvailabilityStatusTest::itGoesOnOnceThePolicyIsTaken()
+{
+    QFETCH(int, demand);
+    DemandScene::offerPolicy(*mBed);
+    mBed->server().overrideNext(QStringLiteral("ResolveRecipients"),
+        demand == 449 ? Override::httpStatus(449) : Override::topStatus(demand));
+    QCOMPARE(ask(QStringLiteral("alice@example.com")).size(), 1);
+    QCOMPARE(count(*mBed, "Provision"), 2);
+    QCOMPARE(count(*mBed, "ResolveRecipients"), 2);
+}
+
+void AvailabilityStatusTest::aRefusedPolicyEndsItWithEmptyLists()
+{
+    mBed->server().overrideNext(QStringLiteral("ResolveRecipients"), Override::topStatus(142));
+    mBed->server().overrideNext(QStringLiteral("Provision"), Override::topStatus(4));
+    QCOMPARE(ask(QStringLiteral("alice@example.com")), QStringList());
+    QCOMPARE(count(*mBed, "Provision"), 1);
+    QCOMPARE(ask(QStringLiteral("alice@example.com")).size(), 1);
+}
+
+void AvailabilityStatusTest::aCancelledProvisioningEndsItWithEmptyLists()
+{
+    mBed->server().overrideNext(QStringLiteral("ResolveRecipients"), Override::topStatus(142));
+    mBed->server().overrideNext(QStringLiteral("Provision"), Override::hang());
+    begin(QStringLiteral("alice@example.com"));
+    QTRY_COMPARE_WITH_TIMEOUT(count(*mBed, "Provision"), 1, 60000);
+    RequestManager::instance()->onCancelRequest(mBed->accountId(), mLastId);
+    QCOMPARE(rows(), QStringList());
+    QCOMPARE(ask(QStringLiteral("alice@example.com")).size(), 1);
+}
+
+void AvailabilityStatusTest::aDemandForEverEndsItWithEmptyLists()
+{
+    DemandScene::offerPolicy(*mBed);
+    mBed->server().overrideAll(QStringLiteral("ResolveRecipients"), Override::topStatus(142));
+    QCOMPARE(ask(QStringLiteral("alice@example.com")), QStringList());
+    // The first demand and five more are met.
+    QCOMPARE(count(*mBed, "Provision"), 12);
+    QCOMPARE(count(*mBed, "ResolveRecipients"), 7);
 }
 
 FENNEL_REGISTER_TEST(AvailabilityStatusTest)
