@@ -11,6 +11,7 @@
 #include <qmailstore.h>
 
 #include <memory>
+#include <utility>
 
 using Simulator::Email;
 using Simulator::Event;
@@ -267,6 +268,39 @@ private Q_SLOTS:
         QCOMPARE(mBed->serverEvents().size(), 1);
         QCOMPARE(deviceEvents(), 1);
         QCOMPARE(inbox("olga").size(), 1);
+    }
+
+    void everyStatusIsTold_data()
+    {
+        QTest::addColumn<QString>("version");
+        QTest::addColumn<bool>("isOfTheAnswer");
+        QTest::addColumn<int>("status");
+        QTest::addColumn<int>("expected");
+        for (const char *version : { "12.0", "12.1", "14.0", "14.1", "16.0", "16.1" }) {
+            for (const auto &[status, expected] :
+                { std::pair(2, -2), std::pair(3, 0), std::pair(4, 0), std::pair(5, -2) })
+                QTest::addRow("%s, answer %d", version, status) << version << true << status << expected;
+            for (const auto &[status, expected] : { std::pair(2, -2), std::pair(3, 0), std::pair(4, 0),
+                     std::pair(101, 101), std::pair(106, 106), std::pair(108, 0), std::pair(109, 0),
+                     std::pair(110, 110), std::pair(111, 0), std::pair(150, 150) })
+                QTest::addRow("%s, whole %d", version, status) << version << false << status << expected;
+        }
+    }
+    void everyStatusIsTold()
+    {
+        QFETCH(QString, version);
+        QFETCH(bool, isOfTheAnswer);
+        QFETCH(int, status);
+        QFETCH(int, expected);
+        QVERIFY(begin(version, invitation()));
+        mBed->server().overrideNext(QStringLiteral("MeetingResponse"),
+            isOfTheAnswer ? Override::itemStatus(status) : Override::topStatus(status));
+        QCOMPARE(answer(1), expected);
+        const bool isRepeated = expected == 0;
+        QCOMPARE(mBed->server().requests(QStringLiteral("MeetingResponse")).size(), isRepeated ? 2 : 1);
+        QCOMPARE(mBed->deviceMessage(Subject).isValid(), !isRepeated);
+        QCOMPARE(inbox("olga").size(), isRepeated ? 1 : 0);
+        QCOMPARE(mBed->serverEvents().first().responseType, isRepeated ? 3 : 5);
     }
 
     void aCancelledMeetingIsNotAnswered()

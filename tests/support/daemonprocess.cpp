@@ -83,6 +83,24 @@ int DaemonProcess::downloadPart(EasAccountId accountId, qulonglong messageId, co
     });
 }
 
+int DaemonProcess::answerMeeting(
+    EasAccountId accountId, qulonglong messageId, int response, qulonglong replyId)
+{
+    return runRequest([&](EasDBusInterfaceProxy &proxy) {
+        return proxy.meetingResponse(
+            accountId, messageId, response, 0, replyId, QString(), QString(), QString());
+    });
+}
+
+int DaemonProcess::answerEvent(
+    EasAccountId accountId, const QString &eventId, int response, qulonglong replyId)
+{
+    return runRequest([&](EasDBusInterfaceProxy &proxy) {
+        return proxy.meetingResponseCalendar(
+            accountId, eventId, response, 0, replyId, QString(), QString(), QString());
+    });
+}
+
 int DaemonProcess::runRequest(const Call &call)
 {
     if (!mProxy && !start())

@@ -43,6 +43,9 @@ public:
     int sync(EasAccountId accountId);
     /** The same for the part of a message. */
     int downloadPart(EasAccountId accountId, qulonglong messageId, const QString &location);
+    /** The same for the answer to an invitation. */
+    int answerMeeting(EasAccountId accountId, qulonglong messageId, int response, qulonglong replyId);
+    int answerEvent(EasAccountId accountId, const QString &eventId, int response, qulonglong replyId);
     void kill();
     /** SIGKILL so long after the start, by a thread that no event loop delays. */
     void killAfterStart(std::chrono::microseconds delay) { mLife = delay; }
