@@ -6,6 +6,7 @@
 #include "client/daemonproxy.h"
 #include "client/folderdirectory.h"
 #include "client/mailbox.h"
+#include "client/outbox.h"
 
 #include <QCommandLineParser>
 
@@ -53,10 +54,25 @@ int describe(const AccountDirectory &accounts, EasAccountId id, QJsonObject *row
     }
     (*row)[QStringLiteral("unread")] = unread;
     MailBox box(id);
-    if (services.contains(QStringLiteral("mail")) && !box.open())
+    const bool hasMail = services.contains(QStringLiteral("mail"));
+    if (hasMail && !box.open())
         return ExitUnavailable;
-    (*row)[QStringLiteral("mailWaiting")] = services.contains(QStringLiteral("mail")) ? box.waiting() : 0;
+    (*row)[QStringLiteral("mailWaiting")] = hasMail ? box.waiting() : 0;
+    (*row)[QStringLiteral("outbox")] = hasMail ? Outbox(id).messages().size() : 0;
     return ExitSuccess;
+}
+
+void tellOfUnsent(Output &output, const QJsonArray &accounts)
+{
+    for (const QJsonValue &value : accounts) {
+        const QJsonObject account = value.toObject();
+        const int unsent = account.value(QStringLiteral("outbox")).toInt();
+        if (unsent > 0)
+            output.message(
+                QStringLiteral("%1 message(s) in the Outbox; see fennel-easctl --account %2 mail outbox.")
+                    .arg(unsent)
+                    .arg(account.value(QStringLiteral("id")).toString()));
+    }
 }
 
 } // namespace
@@ -93,6 +109,7 @@ int StatusCommand::print(CommandContext &context)
                 { "mail", "MAIL" }, { "unread", "UNREAD" }, { "mailWaiting", "WAITING" },
                 { "calendar", "EVENTS" }, { "contacts", "CONTACTS" } },
             rows);
+    tellOfUnsent(context.output(), rows);
     context.output().message(isRunning ? QStringLiteral("The daemon runs.")
                                        : QStringLiteral("The daemon does not run; the next sync starts it."));
     return ExitSuccess;

@@ -178,6 +178,21 @@ private Q_SLOTS:
         QVERIFY(mScene->daemon().calls().isEmpty());
     }
 
+    void theStatusTellsOfWhatWaits()
+    {
+        ClientProcess client;
+        QCOMPARE(client.run({ "status" }), int(ExitSuccess));
+        QVERIFY(!client.output().contains("Outbox"));
+        mScene->failWith(-9);
+        CommandScene::run({ "mail", "send", "--to", "bob@b.org", "--text", "x" });
+        QCOMPARE(client.run({ "status" }), int(ExitSuccess));
+        QVERIFY2(client.output().contains("1 message(s) in the Outbox"), client.output());
+        const QJsonArray accounts =
+            client.json({ "status" }).object().value(QStringLiteral("accounts")).toArray();
+        QCOMPARE(accounts.at(0).toObject().value(QStringLiteral("outbox")).toInt(), 1);
+        QCOMPARE(accounts.at(0).toObject().value(QStringLiteral("mailWaiting")).toInt(), 0);
+    }
+
     void aWaitingMessageIsTakenBack()
     {
         mScene->failWith(-9);
