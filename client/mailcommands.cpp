@@ -84,7 +84,7 @@ private:
 void printForPeople(Output &output, const QJsonObject &message)
 {
     static const Columns heads { { "from", "from" }, { "to", "to" }, { "cc", "cc" }, { "bcc", "bcc" },
-        { "date", "date" }, { "subject", "subject" }, { "folder", "folder" } };
+        { "date", "date" }, { "subject", "subject" }, { "folder", "folder" }, { "original", "original" } };
     output.object(heads, message);
     const QString text = message.value(QStringLiteral("text")).toString();
     output.message(QLatin1Char('\n')

@@ -49,6 +49,8 @@ QJsonObject MailView::describeWhole(const QMailMessage &message)
     object[QStringLiteral("text")] = text(message);
     object[QStringLiteral("parts")] = parts(message);
     object[QStringLiteral("serverId")] = message.serverUid();
+    if (message.inResponseTo().isValid())
+        object[QStringLiteral("original")] = QString::number(message.inResponseTo().toULongLong());
     object[QStringLiteral("complete")] = message.contentAvailable();
     return object;
 }
@@ -59,6 +61,9 @@ QJsonArray MailView::parts(const QMailMessage &message)
     const auto locations = message.findAttachmentLocations() + message.findInlineImageLocations();
     for (const QMailMessagePart::Location &location : locations) {
         const QMailMessagePart &part = message.partAt(location);
+        // It stands for the original of an answer until that goes out.
+        if (part.referenceType() == QMailMessagePart::MessageReference)
+            continue;
         const QMailMessageContentType type = part.contentType();
         array.append(QJsonObject {
             { QStringLiteral("location"), location.toString(false) },

@@ -205,6 +205,20 @@ private Q_SLOTS:
         QCOMPARE(seen.partAt(1).messageReference(), source);
     }
 
+    void theOriginalOfADraftIsNoAttachment()
+    {
+        const QMailMessageId source = mScene->mail().addMessage(mScene->inbox(), QStringLiteral("First"));
+        ClientProcess client;
+        QCOMPARE(
+            client.run({ "--json", "mail", "reply", WritingScene::text(source), "--text", "x", "--draft" }),
+            int(ExitSuccess));
+        const QString draft = client.json().object().value(QStringLiteral("id")).toString();
+        const QJsonObject shown = client.json({ "mail", "show", draft }).object();
+        QCOMPARE(shown.value(QStringLiteral("parts")).toArray(), QJsonArray());
+        QCOMPARE(shown.value(QStringLiteral("original")).toString(), WritingScene::text(source));
+        QCOMPARE(shown.value(QStringLiteral("text")).toString(), QStringLiteral("x"));
+    }
+
     void aWholeForwardFetchesWhatIsMissing()
     {
         const QMailMessageId source = mScene->mail().addMessage(mScene->inbox(), QStringLiteral("First"));
