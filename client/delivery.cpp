@@ -66,7 +66,7 @@ void Delivery::noteSent(const QMailMessageId &id, const DaemonRequest &request)
 
 void Delivery::noteFailed(const QMailMessageId &id, const QString &error, bool mayHaveGone)
 {
-    const Outbox::State state = Outbox::state(id);
+    const Outbox::State state = Outbox::state(QMailMessageMetaData(id));
     // The account may have gone meanwhile, and its mail with it.
     if (state == Outbox::State::Other)
         return;

@@ -20,40 +20,44 @@ bool refuse(const QString &error)
 Draft::Draft(CommandContext &context, EasAccountId accountId, const QMailMessageId &id)
     : mContext(context)
     , mAccountId(accountId)
-    , mId(id)
+    , mMessage(id)
 {
 }
 
 bool Draft::isSendable() const
 {
-    const QMailMessage message(mId);
+    if (!mMessage.id().isValid())
+        return refuse(QStringLiteral("the message cannot be read"));
+    const QString number = QString::number(mMessage.id().toULongLong());
     const QMailFolderId drafts =
         QMailAccount(QMailAccountId(mAccountId)).standardFolder(QMailFolder::DraftsFolder);
-    const bool isInDrafts = drafts.isValid() && message.parentFolderId() == drafts;
-    if (!isInDrafts && Outbox::state(mId) == Outbox::State::Other)
-        return refuse(QStringLiteral("message %1 is no draft").arg(mId.toULongLong()));
-    return message.hasRecipients()
-        || refuse(QStringLiteral("message %1 has no recipients").arg(mId.toULongLong()));
+    const bool isInDrafts = drafts.isValid() && mMessage.parentFolderId() == drafts;
+    if (!isInDrafts && Outbox::state(mMessage) == Outbox::State::Other)
+        return refuse(QStringLiteral("message %1 is no draft").arg(number));
+    return mMessage.hasRecipients() || refuse(QStringLiteral("message %1 has no recipients").arg(number));
 }
 
 bool Draft::lacksContent() const
 {
-    const QMailMessageMetaData message(mId);
-    return !message.serverUid().isEmpty() && !message.contentAvailable();
+    return isOfServer() && !mMessage.contentAvailable();
 }
 
-QMailMessageId Draft::moveToOutbox()
+QMailMessageId Draft::moveToOutbox() const
 {
-    if (!QMailMessageMetaData(mId).serverUid().isEmpty())
+    if (isOfServer())
         return replace();
-    return Outbox(mAccountId).take(mId) ? mId : QMailMessageId();
+    return Outbox(mAccountId).take(mMessage.id()) ? mMessage.id() : QMailMessageId();
 }
 
-QMailMessageId Draft::replace()
+QMailMessageId Draft::replace() const
 {
+    // Anew, since it may have been downloaded meanwhile.
+    const std::optional<QMailMessage> written = MailBox::read(mMessage.id());
+    if (!written)
+        return {};
     MailBox box(mAccountId);
     const QMailMessageId copy =
-        MessageComposer(mContext, mAccountId).storeCopy(QMailMessage(mId), QMailFolder::OutboxFolder);
+        MessageComposer(mContext, mAccountId).storeCopy(*written, QMailFolder::OutboxFolder);
     // Behind the copy: an interruption leaves one too many, not one too few.
-    return copy.isValid() && box.remove({ mId }) ? copy : QMailMessageId();
+    return copy.isValid() && box.remove({ written->id() }) ? copy : QMailMessageId();
 }

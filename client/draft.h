@@ -11,7 +11,8 @@ class Draft
 public:
     Draft(CommandContext &context, EasAccountId accountId, const QMailMessageId &id);
 
-    /** False, after an error was printed, if it is a message of another kind, or nobody would get it. */
+    /** False, after an error was printed, if it cannot be read, is a message of another kind, or nobody would
+     * get it. */
     bool isSendable() const;
     /** Whether it came from the server, and not whole. */
     bool lacksContent() const;
@@ -20,12 +21,13 @@ public:
      * Has it stand in the Outbox, a draft of the server as a message of its own in place of the draft. An
      * invalid identifier, after an error was printed, if the store refused.
      */
-    QMailMessageId moveToOutbox();
+    QMailMessageId moveToOutbox() const;
 
 private:
-    QMailMessageId replace();
+    bool isOfServer() const { return !mMessage.serverUid().isEmpty(); }
+    QMailMessageId replace() const;
 
     CommandContext &mContext;
     EasAccountId mAccountId;
-    QMailMessageId mId;
+    QMailMessage mMessage;
 };

@@ -166,6 +166,17 @@ QMailMessageId MailBox::findMessage(const QString &number) const
     return {};
 }
 
+std::optional<QMailMessage> MailBox::read(const QMailMessageId &id)
+{
+    const QMailMessage message(id);
+    // The content is read when it is first asked for.
+    message.partCount();
+    if (message.id().isValid() && QMailStore::instance()->lastError() == QMailStore::NoError)
+        return message;
+    Output::error(QStringLiteral("message %1 cannot be read").arg(id.toULongLong()));
+    return std::nullopt;
+}
+
 bool MailBox::setStatus(const QMailMessageIdList &ids, quint64 status, bool set)
 {
     return told(QMailStore::instance()->updateMessagesMetaData(QMailMessageKey::id(ids), status, set));

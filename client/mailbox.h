@@ -7,6 +7,8 @@
 #include <QString>
 #include <qmailfolder.h>
 #include <qmailmessage.h>
+
+#include <optional>
 #include <qmailmessagekey.h>
 
 /** Which messages a list is to show; what is not set selects all. */
@@ -56,6 +58,9 @@ public:
     QMailMessageIdList messages(const MailFilter &filter) const;
     /** One of the account's messages by its number; an invalid identifier, after an error, without one. */
     QMailMessageId findMessage(const QString &number) const;
+    /** A message with its content in memory, but for long bodies; nothing, after an error, if the store
+     * cannot read it. By itself the store takes what it cannot read for empty. */
+    static std::optional<QMailMessage> read(const QMailMessageId &id);
 
     /** Each is false, after an error was printed, if the store refused. */
     bool setStatus(const QMailMessageIdList &ids, quint64 status, bool set);

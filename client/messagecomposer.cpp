@@ -170,10 +170,14 @@ QMailMessageId MessageComposer::store(
 QMailMessageId MessageComposer::storeCopy(
     const QMailMessage &written, QMailFolder::StandardFolder place) const
 {
-    QMailMessage message = QMailMessage::fromRfc2822(written.toRfc2822(QMailMessage::IdentityFormat));
+    // The value itself, not its text: the store then copies long bodies and notices what it cannot read.
+    QMailMessage message(written);
+    message.setId(QMailMessageId());
+    message.setServerUid(QString());
+    message.setContentScheme(QString());
+    message.setContentIdentifier(QString());
+    message.setPreviousParentFolderId(QMailFolderId());
     addOwnHeaders(message);
-    message.setResponseType(written.responseType());
-    message.setInResponseTo(written.inResponseTo());
     setContent(message);
     return add(message, place);
 }

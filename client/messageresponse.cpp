@@ -70,7 +70,7 @@ QList<QMailMessagePart> filesOf(const QMailMessage &message)
 
 } // namespace
 
-MessageResponse::MessageResponse(const QMailMessageId &source, const QMailAddress &self)
+MessageResponse::MessageResponse(const QMailMessage &source, const QMailAddress &self)
     : mSource(source)
     , mSelf(self)
 {

@@ -13,8 +13,8 @@
 class MessageResponse
 {
 public:
-    /** self: who answers. */
-    MessageResponse(const QMailMessageId &source, const QMailAddress &self);
+    /** The source with its content; self: who answers. */
+    MessageResponse(const QMailMessage &source, const QMailAddress &self);
 
     /** Whether the server has the message, so that it can add it. */
     bool isOnServer() const;

@@ -33,9 +33,9 @@ QMailMessageIdList Outbox::messages() const
     return ids;
 }
 
-Outbox::State Outbox::state(const QMailMessageId &id)
+Outbox::State Outbox::state(const QMailMessageMetaData &message)
 {
-    const quint64 status = QMailMessageMetaData(id).status();
+    const quint64 status = message.status();
     // The engine marks what it puts into Drafts, also where there is no such folder.
     if (status & QMailMessage::Draft)
         return State::Draft;
@@ -72,10 +72,10 @@ bool Outbox::moveToDrafts(const QMailMessageId &id)
 
 bool Outbox::take(const QMailMessageId &id)
 {
-    if (state(id) == State::Waiting)
-        return true;
-    QMailMessage message(id);
-    message.setDate(QMailTimeStamp::currentDateTime());
-    place(message, QMailFolder::OutboxFolder);
-    return mBox.update(&message);
+    std::optional<QMailMessage> message = MailBox::read(id);
+    if (!message || state(*message) == State::Waiting)
+        return message.has_value();
+    message->setDate(QMailTimeStamp::currentDateTime());
+    place(*message, QMailFolder::OutboxFolder);
+    return mBox.update(&*message);
 }

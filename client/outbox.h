@@ -33,7 +33,7 @@ public:
 
     /** What waits, oldest first. */
     QMailMessageIdList messages() const;
-    static State state(const QMailMessageId &id);
+    static State state(const QMailMessageMetaData &message);
     static Try lastTry(const QMailMessageMetaData &message);
 
     /** Each is false, after an error was printed, if the store refused. */

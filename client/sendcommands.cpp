@@ -9,6 +9,8 @@
 #include "client/requestrun.h"
 #include "common/easdbusinterfaceproxy.h"
 
+#include <optional>
+
 namespace {
 
 const QCommandLineOption Whole(QStringLiteral("whole"));
@@ -52,19 +54,24 @@ public:
             return end(mWriting.exitStatus());
         if (!mail.select({ mail.argument() }))
             return end(mail.exitStatus());
-        return !begun().lacksContent(mIsForward) || fetchSource();
+        return begin() && (!mResponse->lacksContent(mIsForward) || fetchSource());
     }
 
-    /** From the message as it is now. */
-    MessageResponse begun()
-    {
-        MailSelection &mail = mWriting.mail();
-        MessageResponse response(mail.message(), MessageComposer(mContext, mail.account()).from());
-        response.setWhole(mail.parser().isSet(Whole));
-        return response;
-    }
+    const MessageResponse &response() const { return *mResponse; }
 
 private:
+    /** From the message as it is now. */
+    bool begin()
+    {
+        MailSelection &mail = mWriting.mail();
+        const std::optional<QMailMessage> source = MailBox::read(mail.message());
+        if (!source)
+            return end(ExitFailure);
+        mResponse.emplace(*source, MessageComposer(mContext, mail.account()).from());
+        mResponse->setWhole(mail.parser().isSet(Whole));
+        return true;
+    }
+
     bool end(int exitStatus)
     {
         mExitStatus = exitStatus;
@@ -77,13 +84,16 @@ private:
         const int fetched = fetch(mContext, mail.account(), mail.message());
         if (fetched != ExitSuccess)
             return end(fetched);
-        return !begun().lacksContent(mIsForward)
+        if (!begin())
+            return false;
+        return !mResponse->lacksContent(mIsForward)
             || end(fail(ExitFailure, QStringLiteral("message %1 did not come whole").arg(mail.argument())));
     }
 
     CommandContext &mContext;
     MessageWriting mWriting;
     bool mIsForward;
+    std::optional<MessageResponse> mResponse;
     int mExitStatus = ExitSuccess;
 };
 
@@ -127,7 +137,7 @@ int SendCommands::reply(CommandContext &context)
     parser.addOption(all);
     if (!command.open())
         return command.exitStatus();
-    const MessageResponse response = command.begun();
+    const MessageResponse &response = command.response();
     return command.writing().finish(response.reply(parser.isSet(all)), response.quotation());
 }
 
@@ -136,6 +146,6 @@ int SendCommands::forward(CommandContext &context)
     ResponseCommand command(context, true);
     if (!command.open())
         return command.exitStatus();
-    const MessageResponse response = command.begun();
+    const MessageResponse &response = command.response();
     return command.writing().finish(response.forward(), response.forwardedText());
 }

@@ -26,7 +26,7 @@ private:
         message.setStatus(QMailMessage::ContentAvailable, true);
         if (!QMailStore::instance()->addMessage(&message))
             qFatal("no message");
-        return { message.id(), QMailAddress(QStringLiteral("me@example.com")) };
+        return { QMailMessage(message.id()), QMailAddress(QStringLiteral("me@example.com")) };
     }
     static QString listed(const QList<QMailAddress> &addresses)
     {
@@ -142,7 +142,7 @@ private Q_SLOTS:
     {
         const MailScene mail(mScene->accountId());
         const QMailMessageId id = mail.addMessage(mInbox, QStringLiteral("Files"));
-        MessageResponse response(id, QMailAddress());
+        MessageResponse response { QMailMessage(id), QMailAddress() };
         QVERIFY(!response.lacksContent(true));
         response.setWhole(true);
         QVERIFY(response.lacksContent(true));
@@ -153,7 +153,7 @@ private Q_SLOTS:
             QMailMessageBody::NoEncoding, QMailMessageBody::AlreadyEncoded));
         filled.setStatus(QMailMessage::ContentAvailable, true);
         QVERIFY(QMailStore::instance()->updateMessage(&filled));
-        MessageResponse complete(id, QMailAddress());
+        MessageResponse complete { QMailMessage(id), QMailAddress() };
         complete.setWhole(true);
         QVERIFY(!complete.lacksContent(true));
         const OutgoingMessage forward = complete.forward();

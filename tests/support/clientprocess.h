@@ -31,6 +31,10 @@ public:
     void setColumns(unsigned short columns);
 
     void setVariable(const QString &name, const QString &value);
+    void setEnvironment(const QProcessEnvironment &environment)
+    {
+        mProcess->setProcessEnvironment(environment);
+    }
 
     /** The text is its standard input, unless that is a file or a terminal. */
     void start(const QStringList &arguments, const QByteArray &input = QByteArray());
