@@ -3,6 +3,7 @@
 
 #include "application/base/deviceinformation.h"
 #include "easitems/mstimezoneinformation.h"
+#include "storages/calendar/meetingreply.h"
 #include "support/testclock.h"
 #include "support/testmain.h"
 
@@ -232,6 +233,18 @@ private Q_SLOTS:
         const QString document = encoded(request);
         QVERIFY(!document.isEmpty());
         QVERIFY(!document.contains("RRULE"));
+    }
+
+    void whatIsMadeOfLongTextsCanBeAnswered()
+    {
+        EasMeetingRequestContainer request = meeting();
+        const QString text(10 * 1024 * 1024, QLatin1Char('n'));
+        request.setLocation(text);
+        request.setOrganizer("\"" + text + "\" <olga@example.com>");
+        request.setCalendarMessageId(text.toUtf8());
+        const QString document = encoded(request, text, text, ExchangeActiveSync::ProtocolVersion161);
+        const MeetingReply reply("alice@example.com", EasItemsCommon::UserResponseAccepted);
+        QVERIFY(!reply.encode(document).isEmpty());
     }
 
     void aMeetingWithoutAStartIsNone()

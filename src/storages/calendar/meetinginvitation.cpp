@@ -14,6 +14,13 @@
 namespace {
 
 constexpr int MiddlePriority = 5;
+/** Characters of one text; what is made here has to be small enough to be read and answered. */
+constexpr int LongestText = 64 * 1024;
+
+QByteArray line(const QString &text)
+{
+    return ICalText::singleLine(text.left(LongestText));
+}
 
 void append(icalcomponent *component, icalproperty *property)
 {
@@ -50,14 +57,12 @@ icaltimetype stamp(const QString &text)
 /** Servers write "Olga Organizer" <olga@example.com>, or the address alone. */
 void appendOrganizer(icalcomponent *event, const QString &organizer)
 {
-    const KCalendarCore::Person person = KCalendarCore::Person::fromFullName(organizer);
+    const KCalendarCore::Person person = KCalendarCore::Person::fromFullName(organizer.left(LongestText));
     if (person.email().isEmpty())
         return;
-    icalproperty *const property =
-        icalproperty_new_organizer("MAILTO:" + ICalText::singleLine(person.email()));
+    icalproperty *const property = icalproperty_new_organizer("MAILTO:" + line(person.email()));
     if (!person.name().isEmpty())
-        icalproperty_add_parameter(
-            property, icalparameter_new_cn(ICalText::singleLine(person.name()).constData()));
+        icalproperty_add_parameter(property, icalparameter_new_cn(line(person.name()).constData()));
     append(event, property);
 }
 
@@ -89,9 +94,10 @@ QByteArray MeetingInvitation::encode(const QString &summary, const QString &desc
         return {};
     ICalComponent event(icalcomponent_new(ICAL_VEVENT_COMPONENT));
     appendOrganizer(event.get(), mRequest.organizer());
-    append(event.get(), icalproperty_new_description(ICalText::lines(description).constData()));
+    append(event.get(),
+        icalproperty_new_description(ICalText::lines(description.left(LongestText)).constData()));
     appendIdentity(event.get());
-    append(event.get(), icalproperty_new_summary(ICalText::singleLine(summary).constData()));
+    append(event.get(), icalproperty_new_summary(line(summary).constData()));
     appendTimes(event.get());
     appendProposal(event.get());
     append(event.get(), icalproperty_new_class(secrecy(mRequest.sensitivity())));
@@ -100,7 +106,7 @@ QByteArray MeetingInvitation::encode(const QString &summary, const QString &desc
     append(event.get(), icalproperty_new_transp(ICAL_TRANSP_OPAQUE));
     append(event.get(), icalproperty_new_status(ICAL_STATUS_CONFIRMED));
     append(event.get(), icalproperty_new_sequence(0));
-    append(event.get(), icalproperty_new_location(ICalText::singleLine(mRequest.location()).constData()));
+    append(event.get(), icalproperty_new_location(line(mRequest.location()).constData()));
     appendRecurrence(event.get());
 
     const ICalComponent document(icalcomponent_new(ICAL_VCALENDAR_COMPONENT));
@@ -126,7 +132,7 @@ QString MeetingInvitation::uid() const
 
 void MeetingInvitation::appendIdentity(icalcomponent *event) const
 {
-    const QByteArray id = ICalText::singleLine(uid());
+    const QByteArray id = line(uid());
     append(event, icalproperty_new_uid(id.constData()));
     append(event, foreignProperty(ExchangeActiveSync::CalendarUidParamName, id));
     append(event,
