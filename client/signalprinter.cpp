@@ -145,6 +145,9 @@ void SignalPrinter::print(const QString &signal, const QVariantList &values)
         QStringList texts { signal };
         for (int i = 0; i < values.size(); ++i)
             texts.append(text(signal, values, i));
+        // A line break that came from a server must not begin a line of its own.
+        for (QString &part : texts)
+            part = part.simplified();
         texts.removeAll(QString());
         mOutput.message(QStringLiteral("%1  %2").arg(TimeText::brief(time), texts.join(QLatin1Char(' '))));
     }

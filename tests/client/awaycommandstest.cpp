@@ -198,6 +198,16 @@ private Q_SLOTS:
         }
     }
 
+    void textsOfSeveralLinesAreOneLineInWatch()
+    {
+        ClientProcess client;
+        client.start({ "watch" });
+        QVERIFY2(client.waitForOutput("watching"), client.errors());
+        Q_EMIT mDaemon->getOofFinished(mScene->accountId(), 7, true, false, {}, {},
+            "Away\n10:00  requestFinished 1 7", false, false, {});
+        QVERIFY2(client.waitForOutput("Away 10:00 requestFinished 1 7"), client.output());
+    }
+
     void anInterruptCancels()
     {
         mDaemon->setStatus(StubDaemon::Open);
