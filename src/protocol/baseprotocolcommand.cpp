@@ -328,17 +328,11 @@ void BaseProtocolCommand::handleFinished(QNetworkReply *reply)
 {
     qCDebug(eas()) << "accountId:" << ProtocolUtils::accountId(reply);
     const QByteArray body = reply->readAll();
-    qCDebug(easNetwork()) << "=========================";
-    qCDebug(easNetwork()) << texts().received;
-    qCDebug(easNetwork()) << "Network error: " << reply->error();
-    ExchangeLog::headers(*reply, account());
-    qCDebug(easNetwork()) << "Length: " << body.size();
+    ExchangeLog::received(*reply, texts().received, body.size(), account());
     if (reply->error() != QNetworkReply::NoError) {
         if (texts().replyError)
             qCWarning(eas()) << texts().replyError;
-        mStatus = ProtocolUtils::TransportStatusBase + reply->error();
-        end(false);
-        return;
+        return end(false);
     }
     logBody(body);
     qCDebug(easNetwork()) << "=========================";

@@ -7,6 +7,15 @@
 
 #include <QNetworkReply>
 
+void ExchangeLog::received(const QNetworkReply &reply, const char *text, int size, const EasAccount *account)
+{
+    qCDebug(easNetwork()) << "=========================";
+    qCDebug(easNetwork()) << text;
+    qCDebug(easNetwork()) << "Network error: " << reply.error();
+    headers(reply, account);
+    qCDebug(easNetwork()) << "Length: " << size;
+}
+
 void ExchangeLog::headers(const QNetworkReply &reply, const EasAccount *account)
 {
     if (!easNetwork().isDebugEnabled())
