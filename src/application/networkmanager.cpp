@@ -3,12 +3,12 @@
 
 #include "application/account/easaccount.h"
 #include "application/base/logging.h"
+#include "application/base/onewaybody.h"
 #include "application/requestmanager.h"
 #include "configurations/connectionaccountconfiguration.h"
 #include "protocol/base/protocolutils.h"
 
 #include <QAuthenticator>
-#include <QBuffer>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 
@@ -68,7 +68,7 @@ QNetworkReply *NetworkManager::post(
 }
 
 QNetworkReply *NetworkManager::sendCustomRequest(
-    EasAccountId accountId, const QNetworkRequest &request, const QByteArray &verb, QBuffer *body)
+    EasAccountId accountId, const QNetworkRequest &request, const QByteArray &verb, QIODevice *body)
 {
     QNetworkAccessManager *manager = managerForRequest(accountId);
     return manager ? watched(accountId, manager->sendCustomRequest(request, verb, body)) : nullptr;
@@ -109,6 +109,8 @@ void NetworkManager::onAuthenticationRequired(QNetworkReply *reply, QAuthenticat
         return;
     authenticator->setUser(loginName(*account));
     authenticator->setPassword(account->password());
+    if (auto *const body = reply->findChild<OneWayBody *>())
+        body->allowAnotherStart();
 }
 
 void NetworkManager::onReplyError(EasAccountId accountId, const QNetworkReply *reply)

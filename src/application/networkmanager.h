@@ -37,7 +37,7 @@ public:
     QNetworkReply *post(
         EasAccountId accountId, const QNetworkRequest &request, const QByteArray &data) override;
     QNetworkReply *sendCustomRequest(EasAccountId accountId, const QNetworkRequest &request,
-        const QByteArray &verb, QBuffer *body) override;
+        const QByteArray &verb, QIODevice *body) override;
     /** Never null. */
     QNetworkSession *networkSession(EasAccountId accountId) override;
     bool isOnline() const override;

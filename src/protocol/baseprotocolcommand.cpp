@@ -6,6 +6,7 @@
 #include "application/base/engine.h"
 #include "application/base/logging.h"
 #include "application/base/network.h"
+#include "application/base/onewaybody.h"
 #include "common/easrequeststatus.h"
 #include "configurations/connectionaccountconfiguration.h"
 #include "protocol/base/protocolutils.h"
@@ -244,18 +245,29 @@ bool BaseProtocolCommand::post(const QNetworkRequest &request, const QByteArray 
     return takeReply(access ? access->post(mAccountId, request, body) : nullptr);
 }
 
+bool BaseProtocolCommand::postOnce(const QNetworkRequest &request, const QByteArray &body)
+{
+    return sendDevice(request, "POST", std::make_unique<OneWayBody>(body));
+}
+
 bool BaseProtocolCommand::sendCustomRequest(
     const QNetworkRequest &request, const QByteArray &verb, const QByteArray &body)
 {
-    if (!mayBeSent())
-        return false;
     auto buffer = std::make_unique<QBuffer>();
     buffer->setData(body);
     buffer->open(QIODevice::ReadOnly);
-    Network *const access = network();
-    if (!takeReply(access ? access->sendCustomRequest(mAccountId, request, verb, buffer.get()) : nullptr))
+    return sendDevice(request, verb, std::move(buffer));
+}
+
+bool BaseProtocolCommand::sendDevice(
+    const QNetworkRequest &request, const QByteArray &verb, std::unique_ptr<QIODevice> body)
+{
+    if (!mayBeSent())
         return false;
-    buffer.release()->setParent(mReply);
+    Network *const access = network();
+    if (!takeReply(access ? access->sendCustomRequest(mAccountId, request, verb, body.get()) : nullptr))
+        return false;
+    body.release()->setParent(mReply);
     return true;
 }
 

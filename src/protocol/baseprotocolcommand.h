@@ -114,6 +114,8 @@ protected:
     virtual bool post(const QNetworkRequest &request, const QByteArray &body);
     virtual bool sendCustomRequest(
         const QNetworkRequest &request, const QByteArray &verb, const QByteArray &body);
+    /** As post(), for a body that the network layer must not send again by itself. */
+    bool postOnce(const QNetworkRequest &request, const QByteArray &body);
     virtual void handleDownloadProgress(qint64 bytesReceived, qint64 bytesTotal);
     virtual void handleFinished(QNetworkReply *reply);
     virtual void handleError(QNetworkReply::NetworkError networkError);
@@ -156,6 +158,7 @@ private:
     void dropReply();
     /** Notes what the status of a reply cannot say. */
     void noteHttpStatus(const QNetworkReply &reply);
+    bool sendDevice(const QNetworkRequest &request, const QByteArray &verb, std::unique_ptr<QIODevice> body);
     bool takeReply(QNetworkReply *reply);
     void limitWait();
     void giveUp();

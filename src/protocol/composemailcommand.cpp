@@ -88,6 +88,11 @@ bool ComposeMailCommand::parseReply(QNetworkReply *, const QByteArray &body)
     return true;
 }
 
+bool ComposeMailCommand::post(const QNetworkRequest &request, const QByteArray &body)
+{
+    return usesWbxml() ? BaseProtocolCommand::post(request, body) : postOnce(request, body);
+}
+
 void ComposeMailCommand::logBody(const QByteArray &body) const
 {
     if (usesWbxml() || body.isEmpty())

@@ -56,6 +56,8 @@ protected:
     bool encodeBody(EasAccount &account, QByteArray *body) override;
     bool parseReply(QNetworkReply *reply, const QByteArray &body) override;
     void logBody(const QByteArray &body) const override;
+    /** Below 14.0 a message that goes out twice arrives twice. */
+    bool post(const QNetworkRequest &request, const QByteArray &body) override;
 
     /** Whether the account's protocol version has these commands as WBXML. */
     bool usesWbxml() const;

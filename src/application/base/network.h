@@ -3,8 +3,8 @@
 
 #include "common/easaccountid.h"
 
-class QBuffer;
 class QByteArray;
+class QIODevice;
 class QNetworkReply;
 class QNetworkRequest;
 class QNetworkSession;
@@ -19,7 +19,7 @@ public:
         EasAccountId accountId, const QNetworkRequest &request, const QByteArray &data) = 0;
     /** As post(), with any verb; the body, which may be null, has to outlive the reply. */
     virtual QNetworkReply *sendCustomRequest(
-        EasAccountId accountId, const QNetworkRequest &request, const QByteArray &verb, QBuffer *body) = 0;
+        EasAccountId accountId, const QNetworkRequest &request, const QByteArray &verb, QIODevice *body) = 0;
     /** Its state tells whether requests can run. Do not keep the pointer. */
     virtual QNetworkSession *networkSession(EasAccountId accountId) = 0;
     virtual bool isOnline() const = 0;
