@@ -95,8 +95,13 @@ bool SendMailRequest::isReady()
 
 void SendMailRequest::startRequest()
 {
-    if (isReady())
-        createCommand()->start();
+    if (!isReady())
+        return;
+    ComposeMailCommand *const command = createCommand();
+    if (!account()->mailStorage()->wasSent(localId()))
+        return command->start();
+    qCInfo(eas()) << "message" << mMessageId << "was sent before and leaves the Outbox now";
+    settle();
 }
 
 ComposeMailCommand *SendMailRequest::createCommand()

@@ -72,8 +72,10 @@ public:
         OnServer, ///< the server keeps one in Sent Items, which a sync brings
         KeptHere ///< the message itself, in the device's folder of sent ones
     };
-    /** Takes a message that was sent out of the Outbox; one that has gone meanwhile is as good. */
+    /** Takes a message that was sent out of the Outbox; one that has gone meanwhile is as good. A message
+     * that cannot be taken out is marked, if it can be, so that wasSent() keeps it from being sent again. */
     virtual bool settleSent(const QString &localId, SentCopy copy) = 0;
+    virtual bool wasSent(const QString &localId) const = 0;
     virtual bool initialized() const = 0;
     virtual bool updateMovedEmails(const QList<EasEmailItem> &items) = 0;
     virtual bool updateBodyPart(quint64 messageId, const EasBodyContainer &body) = 0;

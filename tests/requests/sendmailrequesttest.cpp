@@ -312,6 +312,14 @@ private Q_SLOTS:
                 QStringLiteral("was sent, but it could not be taken out of the Outbox") }));
     }
 
+    void whatCouldNotBeTakenOutThenIsNotSentAgain()
+    {
+        mBed->mail->sent.append(Id);
+        QCOMPARE(run(), 0);
+        QVERIFY(mBed->sent().isEmpty());
+        QCOMPARE(mBed->mail->removedAsSent, QStringList { Id });
+    }
+
     void whatSendingNeedsIsThere_data()
     {
         QTest::addColumn<QString>("text");

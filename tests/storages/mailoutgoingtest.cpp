@@ -162,6 +162,23 @@ private Q_SLOTS:
         QVERIFY(MailOutgoing(mMail->context).message(id).body().mime().contains("too large"));
     }
 
+    void whatCannotBeTakenOutIsMarkedAsSent()
+    {
+        LogCollector log;
+        QMailAccount account(mMail->mailAccountId());
+        account.setStandardFolder(QMailFolder::SentFolder, QMailFolderId());
+        QVERIFY(
+            mMail->context.store->updateAccount(&account, static_cast<QMailAccountConfiguration *>(nullptr)));
+        const QString id = outgoing(OutgoingMail::plain("sent", "bob@example.com"));
+        const MailOutgoing outgoing(mMail->context);
+        QVERIFY(!outgoing.wasSent(id));
+        QVERIFY(!outgoing.settleSent(id, MailStorage::SentCopy::KeptHere));
+        QVERIFY(outgoing.wasSent(id));
+        QVERIFY(log.contains("was sent and stays, marked so"));
+        QVERIFY(outgoing.settleSent(id, MailStorage::SentCopy::OnServer));
+        QVERIFY(!outgoing.wasSent(id));
+    }
+
     void withoutDraftsItStays()
     {
         LogCollector log;

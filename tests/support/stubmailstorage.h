@@ -37,6 +37,8 @@ public:
     QStringList keptAsSent;
     /** Whether a message can be taken out of the Outbox. */
     bool settles = true;
+    /** Messages that were sent and could not be taken out then. */
+    QStringList sent;
 
     QMap<quint64, QString> serverUids;
     StubFolders folders;
@@ -115,6 +117,7 @@ public:
         (copy == SentCopy::OnServer ? removedAsSent : keptAsSent).append(localId);
         return settles;
     }
+    bool wasSent(const QString &localId) const override { return sent.contains(localId); }
     bool initialized() const override { return isInitialized; }
     bool updateMovedEmails(const QList<EasEmailItem> &) override { return false; }
     bool updateBodyPart(quint64 messageId, const EasBodyContainer &body) override

@@ -10,6 +10,7 @@
 
 #include <qmailaccount.h>
 #include <qmaildisconnected.h>
+#include <qmailmessagekey.h>
 
 namespace {
 
@@ -120,21 +121,35 @@ bool MailOutgoing::moveToDrafts(const QString &localId) const
     return true;
 }
 
-bool MailOutgoing::settleSent(const QString &localId, MailStorage::SentCopy copy) const
+bool MailOutgoing::takeOut(const QMailMessageMetaData &sent, MailStorage::SentCopy copy) const
 {
-    const QMailMessageId id = messageId(localId);
-    const QMailMessageMetaData sent = mContext.store->messageMetaData(id);
-    if (!sent.id().isValid())
-        return true;
-    if (copy == MailStorage::SentCopy::KeptHere && moveTo(id, QMailFolder::SentFolder)) {
+    if (copy == MailStorage::SentCopy::KeptHere) {
+        if (!moveTo(sent.id(), QMailFolder::SentFolder))
+            return false;
         QMailDisconnected::flagMessage(
-            id, QMailMessage::Sent | QMailMessage::Read, QMailMessage::Draft, QString());
+            sent.id(), QMailMessage::Sent | QMailMessage::Read, QMailMessage::Draft, QString());
         return true;
     }
-    if (copy == MailStorage::SentCopy::KeptHere)
-        return false;
     // A draft of the server has to go there as well.
     const auto record =
         sent.serverUid().isEmpty() ? QMailStore::NoRemovalRecord : QMailStore::CreateRemovalRecord;
-    return mContext.store->removeMessage(id, record);
+    return mContext.store->removeMessage(sent.id(), record);
+}
+
+bool MailOutgoing::settleSent(const QString &localId, MailStorage::SentCopy copy) const
+{
+    const QMailMessageMetaData sent = mContext.store->messageMetaData(messageId(localId));
+    if (!sent.id().isValid() || takeOut(sent, copy))
+        return true;
+    const bool isMarked =
+        mContext.store->updateMessagesMetaData(QMailMessageKey::id(sent.id()), QMailMessage::Sent, true);
+    qCWarning(eas()) << "message" << localId << "was sent and stays,"
+                     << (isMarked ? "marked so" : "without a mark");
+    return false;
+}
+
+bool MailOutgoing::wasSent(const QString &localId) const
+{
+    const QMailMessageMetaData message = mContext.store->messageMetaData(messageId(localId));
+    return (message.status() & QMailMessage::Sent) && (message.status() & QMailMessage::Outbox);
 }

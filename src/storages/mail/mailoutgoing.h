@@ -25,12 +25,14 @@ public:
 
     bool moveToDrafts(const QString &localId) const;
     bool settleSent(const QString &localId, MailStorage::SentCopy copy) const;
+    bool wasSent(const QString &localId) const;
 
 private:
     bool answersAs(
         const QString &localId, QMailMessage::ResponseType first, QMailMessage::ResponseType second) const;
     EasEmailItem itemOf(const QMailMessage &message) const;
     bool nameSource(EasEmailItem *item) const;
+    bool takeOut(const QMailMessageMetaData &sent, MailStorage::SentCopy copy) const;
     /** False, logged, if the account has no such folder or the store refuses. */
     bool moveTo(const QMailMessageId &id, QMailFolder::StandardFolder folder) const;
 

@@ -114,9 +114,13 @@ QByteArray MailOutgoingMime::bccHeader(const QMailMessage &message)
 
 QByteArray MailOutgoingMime::rendered(const QMailMessage &message)
 {
-    const QByteArray mime = withNetworkLines(message.toRfc2822(QMailMessage::TransmissionFormat));
-    // Some stores write the header into this form, too.
-    return bccHeader(message) + withoutBcc(mime);
+    // Some stores write the header into this form, too. A message may be large: it is copied only where it
+    // has to be changed.
+    QByteArray mime = withoutBcc(withNetworkLines(message.toRfc2822(QMailMessage::TransmissionFormat)));
+    const QByteArray bcc = bccHeader(message);
+    if (!bcc.isEmpty())
+        mime.prepend(bcc);
+    return mime;
 }
 
 QByteArray MailOutgoingMime::whole() const

@@ -238,6 +238,11 @@ bool MailStorageImpl::settleSent(const QString &localId, SentCopy copy)
     return storeAvailable() && MailOutgoing(mContext).settleSent(localId, copy);
 }
 
+bool MailStorageImpl::wasSent(const QString &localId) const
+{
+    return storeAvailable() && MailOutgoing(mContext).wasSent(localId);
+}
+
 bool MailStorageImpl::updateMovedEmails(const QList<EasEmailItem> &items)
 {
     if (!storeAvailable())

@@ -55,6 +55,7 @@ public:
     bool isForward(const QString &localId) const override;
     bool moveToDrafts(const QString &localId) override;
     bool settleSent(const QString &localId, SentCopy copy) override;
+    bool wasSent(const QString &localId) const override;
     bool initialized() const override;
     bool updateMovedEmails(const QList<EasEmailItem> &items) override;
     bool updateBodyPart(quint64 messageId, const EasBodyContainer &body) override;
