@@ -6,6 +6,7 @@ Reads one JSON object from standard input: host, port, user, password and a list
 the name of a function below and its arguments. Messages are named by their subject, folders by their path as
 people write it. Prints a JSON list, one result a step.
 """
+import base64
 import email
 import email.policy
 import email.utils
@@ -141,6 +142,11 @@ class Mailbox:
             found += [listed(folder, uid, flags, data) for uid, flags, data in self.fetched("(UID FLAGS BODY.PEEK[])")
                       if b"\\Deleted" not in flags]
         return found
+
+    def source(self, folder, subject):
+        uid = self.uid_of(folder, subject)
+        data = self.done(self.imap.uid("FETCH", uid, "(BODY.PEEK[])"))[0][1]
+        return [base64.b64encode(data).decode("ascii")]
 
     def append(self, folder, text, *flags):
         data = text.replace("\r\n", "\n").replace("\n", "\r\n").encode("utf-8")

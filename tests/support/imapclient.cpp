@@ -96,6 +96,12 @@ QList<ImapMessage> ImapClient::messages()
     return list;
 }
 
+QByteArray ImapClient::source(const QString &folder, const QString &subject)
+{
+    const QJsonArray result = run({ QStringLiteral("source"), folder, subject });
+    return QByteArray::fromBase64(result.at(0).toString().toLatin1());
+}
+
 bool ImapClient::change(const QStringList &step)
 {
     run(QJsonArray::fromStringList(step));

@@ -57,6 +57,8 @@ public:
     QStringList folders();
     QList<ImapMessage> messages();
 
+    /** A message as it lies there. */
+    QByteArray source(const QString &folder, const QString &subject);
     bool append(const QString &folder, const QString &subject, const QStringList &flags = {});
     bool setFlag(const QString &folder, const QString &subject, const QString &flag, bool set);
     bool remove(const QString &folder, const QString &subject);
