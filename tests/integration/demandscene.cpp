@@ -103,6 +103,34 @@ qulonglong deleteFolder(SyncTestBed &bed)
     return id;
 }
 
+// Sending
+
+QMailMessageId outgoing(SyncTestBed &bed, QMailMessage::ResponseType type)
+{
+    QMailMessage message = OutgoingMail::plain(QStringLiteral("outgoing"), QStringLiteral("bob@example.com"));
+    if (type != QMailMessage::NoResponse)
+        OutgoingMail::answer(&message, bed.deviceMessage(QStringLiteral("old")), type);
+    return OutgoingMail::putIntoOutbox(message, QMailAccountId(bed.accountId()));
+}
+
+template <QMailMessage::ResponseType Type> bool hasAMessageToSend(SyncTestBed &bed)
+{
+    return missesOneMessage(bed) && outgoing(bed, Type).isValid();
+}
+
+qulonglong sendMessage(SyncTestBed &bed)
+{
+    return bed.startSendMail(bed.deviceMessage(QStringLiteral("outgoing")).toULongLong());
+}
+
+/** It has gone once. */
+bool hasSentTheMessage(SyncTestBed &bed)
+{
+    return bed.server().outbound().size() == 1
+        && !(QMailMessageMetaData(bed.deviceMessage(QStringLiteral("outgoing"))).status()
+            & QMailMessage::Outbox);
+}
+
 template <int Size> bool hasAMessageWithAFile(SyncTestBed &bed)
 {
     return FetchScene::receives(bed, { FetchScene::bytesOf(Size) }) != 0;
@@ -276,6 +304,12 @@ const QList<DemandScene::Work> &DemandScene::works()
         { "an answer to an invitation", "MeetingResponse", 0, hasAnInvitation, acceptInvitation,
             hasAccepted },
         { "the mail with an answer", "SendMail", 0, hasAnInvitation, acceptEvent, hasAccepted },
+        { "a message that is sent", "SendMail", 0, hasAMessageToSend<QMailMessage::NoResponse>, sendMessage,
+            hasSentTheMessage },
+        { "a reply", "SmartReply", 0, hasAMessageToSend<QMailMessage::Reply>, sendMessage,
+            hasSentTheMessage },
+        { "a forward", "SmartForward", 0, hasAMessageToSend<QMailMessage::Forward>, sendMessage,
+            hasSentTheMessage },
         { "the file of an event", "ItemOperations", 0, hasAnEventWithAFile, fetchEventFile, hasTheEventFile,
             "16.1" },
         { "an absence", "Settings", 0, missesOneMessage, goAway, isAway },

@@ -3,8 +3,10 @@
 
 #include "application/account/easaccount.h"
 #include "application/requestmanager.h"
+#include "configurations/emailaccountconfiguration.h"
 #include "easitems/easemailitem.h"
 #include "storages/mailstorage.h"
+#include "support/waiting.h"
 
 #include <qmailaccount.h>
 #include <qmailmessagekey.h>
@@ -45,13 +47,21 @@ SendBed::SendBed(const QString &version, const QStringList &commands)
 
 bool SendBed::setSavesSent(bool saves)
 {
-    return accounts().setValue(
-        accountId(), AccountFactory::mailService(), QStringLiteral("save_in_sent_items"), saves);
+    const QString key = QStringLiteral("save_in_sent_items");
+    if (!accounts().setValue(accountId(), AccountFactory::mailService(), key, saves))
+        return false;
+    const EasAccount *const account = RequestManager::instance()->account(accountId());
+    return Waiting::until([=] { return account->emailConfiguration()->saveInSentItems() == saves; }, 60000);
 }
 
 quint64 SendBed::write(const QMailMessage &message)
 {
     return OutgoingMail::putIntoOutbox(message, mailAccount(*this)).toULongLong();
+}
+
+bool SendBed::discard(quint64 messageId)
+{
+    return QMailStore::instance()->removeMessage(QMailMessageId(messageId), QMailStore::NoRemovalRecord);
 }
 
 QByteArray SendBed::mimeOf(quint64 messageId)

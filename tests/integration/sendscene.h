@@ -26,6 +26,8 @@ public:
 
     /** A message of the user, in the Outbox; its number. */
     quint64 write(const QMailMessage &message);
+    /** Takes a message out of the Outbox again. */
+    static bool discard(quint64 messageId);
     /** What the server will get. */
     QByteArray mimeOf(quint64 messageId);
     /** A message with files, "Text of the SUBJECT", that has come from somebody else. */

@@ -101,6 +101,11 @@ int DaemonProcess::answerEvent(
     });
 }
 
+int DaemonProcess::sendMail(EasAccountId accountId, qulonglong messageId)
+{
+    return runRequest([&](EasDBusInterfaceProxy &proxy) { return proxy.sendMail(accountId, messageId); });
+}
+
 int DaemonProcess::runRequest(const Call &call)
 {
     if (!mProxy && !start())

@@ -46,6 +46,8 @@ public:
     /** The same for the answer to an invitation. */
     int answerMeeting(EasAccountId accountId, qulonglong messageId, int response, qulonglong replyId);
     int answerEvent(EasAccountId accountId, const QString &eventId, int response, qulonglong replyId);
+    /** The same for a message of the Outbox. */
+    int sendMail(EasAccountId accountId, qulonglong messageId);
     void kill();
     /** SIGKILL so long after the start, by a thread that no event loop delays. */
     void killAfterStart(std::chrono::microseconds delay) { mLife = delay; }

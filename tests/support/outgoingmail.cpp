@@ -3,6 +3,7 @@
 
 #include <qmailaccount.h>
 #include <qmailmessagebody.h>
+#include <qmailmessageheaderfield.h>
 #include <qmailmessagepart.h>
 #include <qmailstore.h>
 
@@ -22,10 +23,11 @@ QMailMessage OutgoingMail::plain(const QString &subject, const QString &to, cons
 void OutgoingMail::attach(
     QMailMessage *message, const QString &fileName, const QByteArray &bytes, const QByteArray &type)
 {
+    const QByteArray name = QMailMessageHeaderField::encodeWord(fileName, "UTF-8");
     QMailMessageContentType contentType(type);
-    contentType.setName(fileName.toUtf8());
+    contentType.setName(name);
     QMailMessageContentDisposition disposition(QMailMessageContentDisposition::Attachment);
-    disposition.setFilename(fileName.toUtf8());
+    disposition.setFilename(name);
     disposition.setSize(bytes.size());
     QList<QMailMessagePart> parts;
     if (message->multipartType() != QMailMessage::MultipartNone) {
