@@ -3,7 +3,8 @@
 
 #include "client/eventstore.h"
 #include "client/eventtime.h"
-#include "client/mailbox.h"
+#include "client/exitstatus.h"
+#include "client/output.h"
 
 #include <KCalendarCore/ICalFormat>
 #include <KCalendarCore/MemoryCalendar>

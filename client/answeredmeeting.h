@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #pragma once
 
-#include "client/selection.h"
+#include "common/easaccountid.h"
 
 #include <QDateTime>
 #include <QString>
@@ -23,9 +23,6 @@ struct AnsweredMeeting
     /** As the bus has it. */
     qlonglong instanceId() const { return occurrence.isValid() ? occurrence.toSecsSinceEpoch() : 0; }
 };
-
-class EventStore;
-class MailBox;
 
 /** Finds meetings by what the user calls them. On the stack of a command. */
 class MeetingSearch

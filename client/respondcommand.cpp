@@ -2,9 +2,9 @@
 #include "client/respondcommand.h"
 
 #include "client/answeredmeeting.h"
+#include "client/commandcontext.h"
 #include "client/daemonproxy.h"
 #include "client/eventtime.h"
-#include "client/folderdirectory.h"
 #include "client/mailbox.h"
 #include "client/messagecomposer.h"
 #include "client/requestrun.h"
@@ -12,7 +12,6 @@
 
 #include <QCommandLineParser>
 
-#include <algorithm>
 #include <optional>
 
 namespace {
