@@ -70,11 +70,11 @@ void Delivery::noteFailed(const QMailMessageId &id, const QString &error, bool m
     // The account may have gone meanwhile, and its mail with it.
     if (state == Outbox::State::Other)
         return;
-    const auto doubt = QStringLiteral(" It may have gone out all the same: look into Sent Items before you "
-                                      "send it again.");
-    mOutbox.noteFailure(id, mayHaveGone ? error + doubt : error);
+    const auto doubt =
+        QStringLiteral("it may have gone out all the same: look into Sent Items before you send it again");
+    mOutbox.noteFailure(id, mayHaveGone ? error + QStringLiteral("; ") + doubt : error);
     if (mayHaveGone)
-        Output::note(named({ numberOf(id) }) + QLatin1Char(':') + doubt);
+        Output::note(named({ numberOf(id) }) + QStringLiteral(": ") + doubt);
     (state == Outbox::State::Draft ? mDrafts : mWaiting).append(numberOf(id));
 }
 
