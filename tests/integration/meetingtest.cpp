@@ -147,8 +147,9 @@ private Q_SLOTS:
         const QStringList texts = calendarTexts(message);
         QCOMPARE(texts.size(), 1);
         for (const char *line :
-            { "METHOD:REQUEST", "UID:planning@example.com", "SUMMARY:Planning", "DTSTART:20300110T080000Z",
-                "DTEND:20300110T090000Z", "LOCATION:Room 2", "RRULE:FREQ=WEEKLY", "MAILTO:olga@example.com" })
+            { "METHOD:REQUEST", "UID:planning@example.com", "SUMMARY:\"Olga Organizer\" <olga@example.com>",
+                "DTSTART:20300110T080000Z", "DTEND:20300110T090000Z", "LOCATION:Room 2", "RRULE:FREQ=WEEKLY",
+                "MAILTO:olga@example.com" })
             QVERIFY2(texts.first().contains(QLatin1String(line)), line);
         QCOMPARE(deviceEvents(), 1);
     }

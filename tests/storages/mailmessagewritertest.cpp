@@ -219,7 +219,7 @@ private Q_SLOTS:
         if (!calendarPart)
             return;
         QCOMPARE(mail.calendar->organizer, message->from().toString());
-        QCOMPARE(mail.calendar->summary, message->subject());
+        QCOMPARE(mail.calendar->summary, message->from().toString());
         QCOMPARE(mail.calendar->description, QStringLiteral("Text of 5:1"));
         QCOMPARE(message->customField(ExchangeActiveSync::MESSAGE_GLOBAL_OBJ_ID),
             QString::fromLatin1(globalObjId));

@@ -151,10 +151,12 @@ bool MailMessageWriter::addCalendarPart(QMailMessage &message, const EasEmailIte
         qCCritical(eas()) << "No calendar storage object";
         return false;
     }
+    const QString from = message.from().toString();
     EasMeetingRequestContainer request = item.meetingRequest();
     if (request.organizer().isEmpty())
-        request.setOrganizer(message.from().toString());
-    const QByteArray iCalendar = calendar->iTIPRequestData(request, message.subject(), description);
+        request.setOrganizer(from);
+    // The calendar shows an invitation by who sent it; the subject stands above it, in the message.
+    const QByteArray iCalendar = calendar->iTIPRequestData(request, from, description);
     // Without calendar data the message is still a message, and it must not be lost for that.
     if (!iCalendar.isEmpty())
         MailBodyWriter::addCalendarPart(message, iCalendar);
