@@ -70,8 +70,8 @@ QByteArray ComposeMailCommand::encoded(const QByteArray &mime) const
     if (mSaveInSent)
         encoder.appendElement(ComposeMail::SaveInSentItems);
     encodeOptions(encoder);
-    encoder.appendByteArrayElement(ComposeMail::Mime, mime);
-    return encoder.encoded();
+    encoder.appendByteArrayElement(ComposeMail::Mime, QByteArray());
+    return encoder.encodedWith(mime);
 }
 
 bool ComposeMailCommand::parseReply(QNetworkReply *, const QByteArray &body)

@@ -29,6 +29,35 @@ class WbxmlEncoderTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void theLastBytesMayComeLater_data()
+    {
+        QTest::addColumn<int>("size");
+        for (const int size : { 1, 127, 128, 300, 16383, 16384, 3000000 })
+            QTest::addRow("%d", size) << size;
+    }
+
+    void theLastBytesMayComeLater()
+    {
+        QFETCH(int, size);
+        QByteArray bytes(size, '\xc3');
+        bytes[size / 2] = '\0';
+        const auto document = [](const QByteArray &content) {
+            auto encoder = std::make_unique<WbxmlEncoder>();
+            encoder->appendElement(Wbxml::ComposeMail::SendMail, true);
+            encoder->appendTextElement(Wbxml::ComposeMail::ClientId, QStringLiteral("1"));
+            encoder->appendByteArrayElement(Wbxml::ComposeMail::Mime, content);
+            return encoder;
+        };
+        QCOMPARE(document(QByteArray())->encodedWith(bytes), document(bytes)->encoded());
+    }
+
+    void withoutABytesElementThereAreNoLastBytes()
+    {
+        WbxmlEncoder encoder;
+        encoder.appendElement(Wbxml::ComposeMail::SendMail, true);
+        QVERIFY(encoder.encodedWith("x").isEmpty());
+    }
+
     void nothingAddedEncodesToNothing()
     {
         QCOMPARE(WbxmlEncoder().encoded(), QByteArray());

@@ -168,6 +168,26 @@ QByteArray WbxmlEncoder::encoded() const
     return result;
 }
 
+QByteArray WbxmlEncoder::encodedWith(const QByteArray &lastBytes) const
+{
+    // The last element: the mark of opaque data, their length, and the end of the element.
+    const QByteArray nothing = QByteArray::fromHex("c30001");
+    const QByteArray document = encoded();
+    const int place = document.lastIndexOf(nothing);
+    if (place < 0)
+        return {};
+    QByteArray length(1, char(lastBytes.size() & 0x7f));
+    for (int rest = lastBytes.size() >> 7; rest > 0; rest >>= 7)
+        length.prepend(char(0x80 | (rest & 0x7f)));
+    QByteArray result;
+    result.reserve(document.size() + length.size() + lastBytes.size());
+    result += document.left(place + 1);
+    result += length;
+    result += lastBytes;
+    result += document.mid(place + 2);
+    return result;
+}
+
 QString WbxmlEncoder::toXml(const QByteArray &data)
 {
     return WbxmlXmlWriter().write(data);

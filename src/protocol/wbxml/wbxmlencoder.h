@@ -61,6 +61,13 @@ public:
     /** The document's bytes; empty if nothing was added. */
     QByteArray encoded() const;
 
+    /**
+     * The document, whose last element was given no bytes and gets these, as opaque data.
+     *
+     * As if appendByteArrayElement() had had them, for so many that the copies of the tree would count.
+     */
+    QByteArray encodedWith(const QByteArray &lastBytes) const;
+
     /** The document as indented XML, for logs and tests; empty if it is not a sound document. */
     static QString toXml(const QByteArray &data);
 
