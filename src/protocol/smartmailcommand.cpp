@@ -3,8 +3,11 @@
 
 #include "application/base/logging.h"
 #include "protocol/base/protocolutils.h"
-#include "protocol/requestheaders.h"
 #include "protocol/wbxml/wbxmlencoder.h"
+
+#include <QRegularExpression>
+#include <QUrl>
+#include <QUrlQuery>
 
 using namespace Wbxml;
 
@@ -18,8 +21,13 @@ void appendGiven(WbxmlEncoder &encoder, Token tag, const QString &text)
 
 void addGiven(QUrlQuery &query, const QString &name, const QString &value)
 {
-    if (!value.isEmpty())
-        RequestHeaders::addQueryItem(query, name, value);
+    if (value.isEmpty())
+        return;
+    // The one server that is known to have percent signs in its identifiers hands them out as they stand in a
+    // URL, and does not find one that is encoded once more.
+    static const QRegularExpression encodedTwice(QStringLiteral("%25(?=[0-9A-Fa-f]{2})"));
+    const QString encoded = QString::fromLatin1(QUrl::toPercentEncoding(value));
+    query.addQueryItem(name, QString(encoded).replace(encodedTwice, QStringLiteral("%")));
 }
 
 } // namespace

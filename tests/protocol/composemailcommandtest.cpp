@@ -209,6 +209,18 @@ private Q_SLOTS:
         QVERIFY(!mBed->server.requests().at(1).target.contains("ItemId"));
     }
 
+    void anIdentifierThatIsEncodedAlreadyStaysAsItIs()
+    {
+        mBed->account->setProtocolVersion(ExchangeActiveSync::ProtocolVersion121);
+        mBed->answer(QByteArray());
+        SmartReplyCommand command(Account, mBed->manager, Message, Mime, false, false);
+        command.setReplySource(QStringLiteral("mail%2F7a"), QStringLiteral("50% &more"), QDateTime());
+        QVERIFY(run(command));
+        const QByteArray target = mBed->server.requests().at(0).target;
+        QVERIFY2(target.contains("&CollectionId=mail%2F7a&"), target);
+        QVERIFY2(target.endsWith("&ItemId=50%25%20%26more"), target);
+    }
+
     void theStatusOfTheReplyIsItsOwn_data() { kinds(); }
     void theStatusOfTheReplyIsItsOwn()
     {
