@@ -151,5 +151,7 @@ bool MailOutgoing::settleSent(const QString &localId, MailStorage::SentCopy copy
 bool MailOutgoing::wasSent(const QString &localId) const
 {
     const QMailMessageMetaData message = mContext.store->messageMetaData(messageId(localId));
-    return (message.status() & QMailMessage::Sent) && (message.status() & QMailMessage::Outbox);
+    const QMailFolderId sentOnes =
+        QMailAccount(mContext.mailAccountId).standardFolder(QMailFolder::SentFolder);
+    return (message.status() & QMailMessage::Sent) && message.parentFolderId() != sentOnes;
 }
