@@ -11,6 +11,7 @@
 #include "support/privatebus.h"
 #include "support/soak.h"
 #include "support/testmain.h"
+#include "support/waiting.h"
 
 #include <QDir>
 #include <QtTest>
@@ -57,6 +58,18 @@ public:
     }
 
     bool isReady() const { return mIsReady; }
+    /** Sends a message by a daemon and nothing else; whether its copy comes to the device meanwhile. */
+    bool bringsTheCopy()
+    {
+        mSubject = QStringLiteral("alone");
+        DaemonProcess daemon;
+        const quint64 id = OutgoingMail::putIntoOutbox(
+            OutgoingMail::plain(mSubject, "bob@example.com"), QMailAccountId(mAccount))
+                               .toULongLong();
+        return daemon.sendMail(mAccount, id) == 0
+            && Waiting::until(
+                [this] { return places() == QStringList { QStringLiteral("Sent Items") }; }, 60000);
+    }
     int status() const { return mStatus; }
     std::chrono::microseconds duration() const { return mDuration; }
 
@@ -174,6 +187,13 @@ private:
     }
 
 private Q_SLOTS:
+    void theCopyComesByItself()
+    {
+        SendCrash crash(QStringLiteral("14.1"));
+        QVERIFY(crash.isReady());
+        QVERIFY(crash.bringsTheCopy());
+    }
+
     void aDeathBeforeAnyStep_data() { versions(); }
     void aDeathBeforeAnyStep()
     {

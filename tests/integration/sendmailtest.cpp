@@ -151,6 +151,32 @@ private Q_SLOTS:
         QCOMPARE(bed.server().failures(), QStringList());
     }
 
+    void picturesWithinTheTextArrive()
+    {
+        SendBed bed;
+        QVERIFY(bed.isReady());
+        QMailMessage message = OutgoingMail::plain("picture", "bob@example.com");
+        message.setBody(QMailMessageBody::fromData(QStringLiteral("<p>Grüße <img src=\"cid:logo@x\"></p>"),
+            QMailMessageContentType("text/html; charset=UTF-8"), QMailMessageBody::QuotedPrintable));
+        QMailMessageContentType type("image/png");
+        type.setName("logo.png");
+        QMailMessagePart picture = QMailMessagePart::fromData(noise(3000),
+            QMailMessageContentDisposition(QMailMessageContentDisposition::Inline), type,
+            QMailMessageBody::Base64);
+        picture.setContentID(QStringLiteral("logo@x"));
+        message.setInlineImages({ &picture });
+        const quint64 id = bed.write(message);
+        const QByteArray mime = bed.mimeOf(id);
+        QCOMPARE(bed.sendMail(id), 0);
+        QCOMPARE(bed.received("bob"), QByteArrayList { mime });
+        const MimeReader reader(mime);
+        QCOMPARE(reader.htmlText().trimmed(), QStringLiteral("<p>Grüße <img src=\"cid:logo@x\"></p>"));
+        QCOMPARE(reader.attachments().size(), 1);
+        QVERIFY(reader.attachments().at(0).item.isInline);
+        QCOMPARE(reader.attachments().at(0).item.contentId, QStringLiteral("logo@x"));
+        QCOMPARE(reader.attachments().at(0).item.bytes, noise(3000));
+    }
+
     void anAnswerNamesNoOccurrence()
     {
         SendBed bed;
