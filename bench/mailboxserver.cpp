@@ -110,10 +110,22 @@ Override pingAnswer(int status, const QString &folderId = {})
 
 /** What the server has to say to each Ping, for ever. */
 const Weather weathers[] = {
-    { "changed", [](const Mailbox &mailbox) { return pingAnswer(2, mailbox.inboxId()); } },
-    { "at-once", [](const Mailbox &) { return pingAnswer(1); } },
-    { "silent", [](const Mailbox &) { return Override::hang(); } },
-    { "busy", [](const Mailbox &) { return Override::httpStatus(503, { { "Retry-After", "60" } }); } },
+    { "changed",
+        [](const Mailbox &mailbox) {
+            return pingAnswer(2, mailbox.inboxId());
+        } },
+    { "at-once",
+        [](const Mailbox &) {
+            return pingAnswer(1);
+        } },
+    { "silent",
+        [](const Mailbox &) {
+            return Override::hang();
+        } },
+    { "busy",
+        [](const Mailbox &) {
+            return Override::httpStatus(503, { { "Retry-After", "60" } });
+        } },
 };
 
 bool setWeather(ExchangeServer &server, const Mailbox &mailbox, const std::string &name)
