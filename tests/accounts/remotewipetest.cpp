@@ -86,7 +86,7 @@ private Q_SLOTS:
         QSignalSpy removed(mManager.get(), &Accounts::Manager::accountRemoved);
         QVERIFY(mAccount->remoteWipeRequested());
         QCOMPARE(mFactory->value(mId, QString(), requestedKey), QVariant(true));
-        QTRY_COMPARE(removed.count(), 1);
+        QTRY_VERIFY(!removed.isEmpty());
         QVERIFY(!QDir(attachments).exists());
         QVERIFY(!AccountFactory::identityExists(identity));
         QVERIFY(mLog->contains(QStringLiteral("trying to wipe the account")));
@@ -248,7 +248,7 @@ private Q_SLOTS:
         {
             const SilentSignOnService silent;
             QVERIFY(silent.isSilent());
-            QTRY_COMPARE(removed.count(), 1);
+            QTRY_VERIFY(!removed.isEmpty());
             QCOMPARE(*WaitingIdentities().all(), WaitingIdentities::Identities { password });
         }
         QVERIFY(WaitingIdentities().remove(password));
@@ -333,7 +333,7 @@ private:
         clock.heldFrom = SignOnPatience;
         open();
         QSignalSpy removed(mManager.get(), &Accounts::Manager::accountRemoved);
-        QTRY_COMPARE(removed.count(), 1);
+        QTRY_VERIFY(!removed.isEmpty());
     }
 
     int rowsOfTheAccount() const
