@@ -183,6 +183,9 @@ private Q_SLOTS:
 
     void aLargeFileIsStoredInLittleMemory()
     {
+#if defined(__SANITIZE_ADDRESS__)
+        QSKIP("The sanitizer keeps what is freed.");
+#endif
         const qint64 size = 25 * 1024 * 1024;
         const QString file = mFolder.filePath(QStringLiteral("large"));
         QFile large(file);

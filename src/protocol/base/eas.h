@@ -8,7 +8,8 @@
  * The server's status numbers by name.
  *
  * A number is read in the enumeration of the command at hand first; from 101 upward it is a CommonStatus. The
- * enumerations print as "Eas::" and the key, and as a bare number where there is no key.
+ * enumerations print as "Eas::" and the key, and as a bare number where there is no key: they hold any number
+ * that a server may send.
  */
 class Eas
 {
@@ -16,7 +17,7 @@ class Eas
 
 public:
     /** The global status numbers of the protocol and, from 400 upward, HTTP statuses. */
-    enum CommonStatus {
+    enum CommonStatus : int {
         CommonStatusUndefined = 0,
         CommonStatusInvalidContent = 101,
         CommonStatusInvalidWbxml = 102,
@@ -102,7 +103,7 @@ public:
     };
     Q_ENUM(CommonStatus)
 
-    enum SyncStatus {
+    enum SyncStatus : int {
         SyncStatusUndefined = 0,
         SyncStatusSuccess = 1,
         SyncStatusInvalidSyncKey = 3,
@@ -120,7 +121,7 @@ public:
     };
     Q_ENUM(SyncStatus)
 
-    enum MeetingResponseStatus {
+    enum MeetingResponseStatus : int {
         MeetingResponseStatusUndefined = 0,
         MeetingResponseStatusSuccess = 1,
         MeetingResponseStatusInvalidMeetingRequest = 2,
@@ -129,7 +130,7 @@ public:
     };
     Q_ENUM(MeetingResponseStatus)
 
-    enum MoveItemsStatus {
+    enum MoveItemsStatus : int {
         MoveItemsStatusUndefined = 0,
         MoveItemsInvalidSourceId = 1,
         MoveItemsInvalidDestinationId = 2,
@@ -140,7 +141,7 @@ public:
     };
     Q_ENUM(MoveItemsStatus)
 
-    enum FolderSyncStatus {
+    enum FolderSyncStatus : int {
         FolderSyncStatusUndefined = 0,
         FolderSyncStatusSuccess = 1,
         FolderSyncStatusServerError = 6,
@@ -151,7 +152,7 @@ public:
     };
     Q_ENUM(FolderSyncStatus)
 
-    enum ItemOperationsStatus {
+    enum ItemOperationsStatus : int {
         ItemOperationsStatusUndefined = 0,
         ItemOperationsStatusSuccess = 1,
         ItemOperationsStatusProtocolError = 2,
@@ -175,7 +176,7 @@ public:
     };
     Q_ENUM(ItemOperationsStatus)
 
-    enum ProvisionStatus {
+    enum ProvisionStatus : int {
         ProvisionStatusUndefined = 0,
         ProvisionStatusSuccess = 1,
         ProvisionStatusProtocolError = 2,
@@ -183,7 +184,7 @@ public:
     };
     Q_ENUM(ProvisionStatus)
 
-    enum SettingsStatus {
+    enum SettingsStatus : int {
         SettingsStatusUndefined = 0,
         SettingsStatusSuccess = 1,
         SettingsStatusProtocolError = 2,
@@ -195,14 +196,14 @@ public:
     };
     Q_ENUM(SettingsStatus)
 
-    enum SearchStatus {
+    enum SearchStatus : int {
         SearchStatusUndefined = 0,
         SearchStatusSuccess = 1,
         SearchStatusServerError = 3,
     };
     Q_ENUM(SearchStatus)
 
-    enum PingResponseStatus {
+    enum PingResponseStatus : int {
         PingStatusUndefined = 0,
         HeartbeatIntervalExpiredBeforeAnyChangesOccurred = 1,
         ChangesOccurred = 2,
