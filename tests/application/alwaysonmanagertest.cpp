@@ -135,12 +135,9 @@ private Q_SLOTS:
 
     void cleanup()
     {
-        const int unexpected = mBed->server.unexpected();
-        const int unused = mBed->server.unusedAnswers();
-        mBed.reset();
+        const QString wrong = RequestBed::end(mBed);
         mDaemon.reset();
-        QCOMPARE(unexpected, 0);
-        QCOMPARE(unused, 0);
+        QCOMPARE(wrong, QString());
     }
 
     void pushBeginsWithAFullSync()

@@ -116,11 +116,7 @@ private Q_SLOTS:
         mPeople.reset();
         mMessages.reset();
         mLog.reset();
-        const int unexpected = mBed->server.unexpected();
-        const int unused = mBed->server.unusedAnswers();
-        mBed.reset();
-        QCOMPARE(unexpected, 0);
-        QCOMPARE(unused, 0);
+        QCOMPARE(RequestBed::end(mBed), QString());
     }
 
     void mailIsSearchedAsTold()

@@ -126,11 +126,7 @@ private Q_SLOTS:
     void cleanup()
     {
         mLog.reset();
-        const int unexpected = mBed->server.unexpected();
-        const int unused = mBed->server.unusedAnswers();
-        mBed.reset();
-        QCOMPARE(unexpected, 0);
-        QCOMPARE(unused, 0);
+        QCOMPARE(RequestBed::end(mBed), QString());
     }
 
     void foundMailIsStored()

@@ -61,6 +61,17 @@ QStringList RequestBed::sent() const
     return bodies;
 }
 
+QString RequestBed::end(std::unique_ptr<RequestBed> &bed)
+{
+    QStringList wrong;
+    if (bed->server.unexpected() > 0)
+        wrong.append(QStringLiteral("%1 requests without an answer").arg(bed->server.unexpected()));
+    if (bed->server.unusedAnswers() > 0)
+        wrong.append(QStringLiteral("%1 answers without a request").arg(bed->server.unusedAnswers()));
+    bed.reset();
+    return wrong.join(QStringLiteral(", "));
+}
+
 int RequestBed::run(Request &request)
 {
     if (!request.parent())

@@ -9,6 +9,8 @@
 #include "support/stubmailstorage.h"
 #include "support/testclock.h"
 
+#include <memory>
+
 /**
  * What a request by itself needs around it: a network, a server of prepared answers, a mapping database of
  * its own, and one account with stores that keep what they are told. Timers end at once.
@@ -34,6 +36,10 @@ public:
     void answerNever();
     /** The bodies of what was sent, as outlines. */
     QStringList sent() const;
+
+    /** Takes the bed away, and tells what of the prepared answers and the requests did not fit; nothing if
+     * all did. For cleanup(). */
+    static QString end(std::unique_ptr<RequestBed> &bed);
 
     /** Runs a request to its end; its status, -1000 without an end and -1001 with more than one. */
     static int run(Request &request);
