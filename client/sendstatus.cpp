@@ -3,8 +3,10 @@
 
 #include "client/exitstatus.h"
 #include "client/requestrun.h"
+#include "client/statustext.h"
 #include "common/easrequeststatus.h"
 #include "protocol/base/eas.h"
+#include "protocol/base/protocolutils.h"
 
 #include <QNetworkReply>
 
@@ -13,15 +15,9 @@
 
 namespace {
 
-constexpr int TransportBase = 10000;
+constexpr int TransportBase = ProtocolUtils::TransportStatusBase;
 
-struct Row
-{
-    int status;
-    const char *text;
-};
-
-constexpr Row rows[] = {
+constexpr StatusText::Sentence sentences[] = {
     { EasRequestStatus::RequestStatusInternalError,
         "The engine could not read the message from the mail store, or did not understand the server's "
         "answer." },
@@ -58,8 +54,8 @@ constexpr std::array<int, 7> LostAnswers { EasRequestStatus::RequestStatusIntern
 
 void SendStatus::explain(RequestRun &run)
 {
-    for (const Row &row : rows)
-        run.setExplanation(row.status, QString::fromLatin1(row.text));
+    for (const StatusText::Sentence &sentence : sentences)
+        run.setExplanation(sentence.status, QString::fromLatin1(sentence.text));
     run.accept(Eas::CommonStatusItemNotFound);
 }
 

@@ -3,21 +3,16 @@
 
 #include "common/easrequeststatus.h"
 #include "protocol/base/eas.h"
+#include "protocol/base/protocolutils.h"
 
 #include <QMetaEnum>
 #include <QNetworkReply>
 
 namespace {
 
-constexpr int TransportBase = 10000;
+constexpr int TransportBase = ProtocolUtils::TransportStatusBase;
 
-struct Row
-{
-    int status;
-    const char *text;
-};
-
-constexpr Row rows[] = {
+constexpr StatusText::Sentence sentences[] = {
     { EasRequestStatus::RequestStatusVersionUnknown,
         "The server offers no protocol version between 12.0 and 16.1. Check that the address is that of an "
         "Exchange ActiveSync server." },
@@ -93,9 +88,9 @@ QString StatusText::withName(const QString &sentence, int status)
 
 QString StatusText::explanation(int status)
 {
-    for (const Row &row : rows) {
-        if (row.status == status)
-            return withName(QString::fromLatin1(row.text), status);
+    for (const StatusText::Sentence &sentence : sentences) {
+        if (sentence.status == status)
+            return withName(QString::fromLatin1(sentence.text), status);
     }
     return withName(QStringLiteral("The server answered with an error."), status);
 }

@@ -6,6 +6,13 @@
 /** The status of a finished request in words: its name, what happened and what to do. */
 namespace StatusText {
 
+/** A row of a table of what statuses mean. */
+struct Sentence
+{
+    int status;
+    const char *text;
+};
+
 /** "RequestStatusNoNetwork", "CommonStatusServerError", "AuthenticationRequiredError", or the number. */
 QString name(int status);
 
