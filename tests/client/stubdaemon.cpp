@@ -272,6 +272,8 @@ qulonglong StubDaemon::downloadMessagePart(
 qulonglong StubDaemon::downloadMessages(
     qulonglong accountId, const QList<qulonglong> &messageIds, bool fullContentDownload)
 {
+    if (mDownloader)
+        mDownloader(messageIds);
     return begin(QStringLiteral("downloadMessages %1 %2 %3")
                      .arg(accountId)
                      .arg(messageIds.size())

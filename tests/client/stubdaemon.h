@@ -50,6 +50,11 @@ public:
     void setAvailability(const QStringList &emails, const QStringList &names, const QStringList &statuses);
     /** What sendMail() does with a message, and the status that it then ends with. */
     void setSender(const std::function<int(qulonglong messageId)> &sender) { mSender = sender; }
+    /** What downloadMessages() does before it ends; nothing at first. */
+    void setDownloader(const std::function<void(const QList<qulonglong> &messageIds)> &downloader)
+    {
+        mDownloader = downloader;
+    }
     /** What searches bring; of messages so many more, of people so many in all. */
     void setMatches(const QList<qulonglong> &matches, uint count);
     /** Runs before a search ends. */
@@ -142,6 +147,7 @@ private:
     int mStatus = 0;
     int mProtocolVersion = 0x1401;
     std::function<int(qulonglong)> mSender;
+    std::function<void(const QList<qulonglong> &)> mDownloader;
     std::function<void(qulonglong, qulonglong)> mSearcher;
     QList<qulonglong> mMatches;
     uint mMatchCount = 0;
