@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 #include "application/requestmanager.h"
 #include "simulator/meetings.h"
+#include "support/calendarparts.h"
 #include "support/devicecalendar.h"
 #include "support/outgoingmail.h"
 #include "support/synctestbed.h"
@@ -40,17 +41,6 @@ QByteArray invitation(const QByteArray &rule = QByteArray(), const QByteArray &m
           "--x--\r\n";
 }
 const QByteArray Weekly = "RRULE:FREQ=WEEKLY;BYDAY=TH;COUNT=8\r\n";
-
-/** The calendar parts of a message, wherever they stand. */
-QStringList calendarTexts(const QMailMessagePartContainer &container)
-{
-    QStringList texts;
-    if (container.contentType().matches("text", "calendar"))
-        texts.append(container.body().data());
-    for (uint i = 0; i < container.partCount(); ++i)
-        texts += calendarTexts(container.partAt(i));
-    return texts;
-}
 
 } // namespace
 

@@ -42,6 +42,11 @@ private:
     QString wipe(const QProcessEnvironment &environment);
     /** The same where the server gives the order, and what it was told. */
     QString wipeForServer(const QProcessEnvironment &environment);
+    using Wipe = QString (RemoteWipeTest::*)(const QProcessEnvironment &environment);
+    /** Lets such a wipe die before each of these steps, or before so many of them; empty if each went to its
+     * end.
+     */
+    QString wrongAfterDeaths(const QStringList &steps, int samples, Wipe wipe);
     QString told(const QString &wrong) const
     {
         if (!wrong.isEmpty())
@@ -96,6 +101,23 @@ QString RemoteWipeTest::wipeForServer(const QProcessEnvironment &environment)
     return told(wrong);
 }
 
+QString RemoteWipeTest::wrongAfterDeaths(const QStringList &steps, int samples, Wipe wipe)
+{
+    const int stride = qMax(1, steps.size() / Soak::samples(samples, steps.size()));
+    qInfo("%d durable steps, tried in strides of %d", steps.size(), stride);
+    for (int number = 1; number <= steps.size(); number += stride) {
+        FaultShim fault = shim();
+        fault.killAtStep(number);
+        const QString wrong = (this->*wipe)(fault.environment());
+        if (!wrong.isEmpty())
+            return QStringLiteral("killed before step %1 of %2, %3\n%4")
+                .arg(number)
+                .arg(steps.size())
+                .arg(fault.steps().value(number - 1), wrong);
+    }
+    return QString();
+}
+
 void RemoteWipeTest::nothingOfTheAccountIsLeft()
 {
     QCOMPARE(wipe(QProcessEnvironment::systemEnvironment()), QString());
@@ -129,21 +151,8 @@ void RemoteWipeTest::aDeathAtAnyDurableStep()
 {
     const FaultShim plain = shim();
     QCOMPARE(wipe(plain.environment()), QString());
-    const int steps = plain.steps().size();
-    QVERIFY(steps > 30);
-    const int stride = qMax(1, steps / Soak::samples(14, steps));
-    qInfo("%d durable steps, tried in strides of %d", steps, stride);
-    for (int number = 1; number <= steps; number += stride) {
-        FaultShim fault = shim();
-        fault.killAtStep(number);
-        const QString wrong = wipe(fault.environment());
-        QVERIFY2(wrong.isEmpty(),
-            qPrintable(QStringLiteral("killed before step %1 of %2, %3\n")
-                           .arg(number)
-                           .arg(steps)
-                           .arg(fault.steps().value(number - 1))
-                + wrong));
-    }
+    QVERIFY(plain.steps().size() > 30);
+    QCOMPARE(wrongAfterDeaths(plain.steps(), 14, &RemoteWipeTest::wipe), QString());
 }
 
 void RemoteWipeTest::aDeathAtAnyDurableStepAcknowledgesNothingTwice()
@@ -152,21 +161,8 @@ void RemoteWipeTest::aDeathAtAnyDurableStepAcknowledgesNothingTwice()
     QCOMPARE(wipeForServer(plain.environment()), QString());
     QCOMPARE(mScene->server().policies(WipeScene::wipedUser()).wipeVerdicts.values(),
         QStringList { QStringLiteral("1") });
-    const int steps = plain.steps().size();
-    QVERIFY(steps > 30);
-    const int stride = qMax(1, steps / Soak::samples(6, steps));
-    qInfo("%d durable steps, tried in strides of %d", steps, stride);
-    for (int number = 1; number <= steps; number += stride) {
-        FaultShim fault = shim();
-        fault.killAtStep(number);
-        const QString wrong = wipeForServer(fault.environment());
-        QVERIFY2(wrong.isEmpty(),
-            qPrintable(QStringLiteral("killed before step %1 of %2, %3\n")
-                           .arg(number)
-                           .arg(steps)
-                           .arg(fault.steps().value(number - 1))
-                + wrong));
-    }
+    QVERIFY(plain.steps().size() > 30);
+    QCOMPARE(wrongAfterDeaths(plain.steps(), 6, &RemoteWipeTest::wipeForServer), QString());
 }
 
 void RemoteWipeTest::aFullDisk_data()

@@ -3,6 +3,7 @@
 
 #include "common/exchangeactivesync.h"
 #include "storages/mail/mailstorageimpl.h"
+#include "support/calendarparts.h"
 #include "support/logcollector.h"
 #include "support/mailfixture.h"
 #include "support/testmain.h"
@@ -13,17 +14,6 @@ namespace {
 
 const QString InvitationData = QStringLiteral("BEGIN:VCALENDAR\r\nEND:VCALENDAR\r\n");
 const QDateTime NoOccurrence;
-
-/** The calendar parts of a message, wherever they stand. */
-QStringList calendarTexts(const QMailMessagePartContainer &container)
-{
-    QStringList texts;
-    if (container.contentType().matches("text", "calendar"))
-        texts.append(container.body().data());
-    for (uint i = 0; i < container.partCount(); ++i)
-        texts += calendarTexts(container.partAt(i));
-    return texts;
-}
 
 } // namespace
 
